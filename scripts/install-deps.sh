@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Installs every Debian package that building, running, testing, benchmarking
+# and fuzzing Vesko need. Safe to run again: packages already present are kept.
+set -euo pipefail
+
+packages=(
+    # toolchain
+    build-essential cmake ninja-build pkg-config git
+    clang libclang-rt-14-dev clang-format
+    # libraries
+    qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite
+    libsqlite3-dev libsimdjson-dev libbenchmark-dev
+    libxcb1-dev libxcb-xinput-dev libxcb-xtest0-dev libxcb-res0-dev libxcb-xkb-dev
+    libxkbcommon-dev libxkbcommon-x11-dev
+    # a real X session for the platform and interface tests
+    xvfb xauth openbox xdotool xclip xterm
+    # runtime plugins
+    qt6-qpa-plugins fonts-dejavu-core
+)
+
+missing=()
+for p in "${packages[@]}"; do
+    if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
+        missing+=("$p")
+    fi
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+    exit 0
+fi
+
+SUDO=""
+if [ "$(id -u)" -ne 0 ]; then
+    SUDO="sudo"
+fi
+echo "Installing: ${missing[*]}"
+$SUDO apt-get update -qq
+DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"

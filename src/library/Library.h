@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The data the user keeps: a Library of projects, their sections, the notes in
+// them and the records of the notes' attachments. All types are plain values
+// over Qt's implicitly shared containers: copying a whole Library costs a few
+// reference counts, and a change detaches only the path from the root to what
+// it touches. Equality is structural over every field.
+
+#pragma once
+
+#include <QDateTime>
+#include <QHashFunctions>
+#include <QList>
+#include <QString>
+#include <QUuid>
+
+#include <optional>
+
+namespace Vesko {
+
+//! The format version that this program writes.
+inline constexpr qint64 libraryFormatVersion = 3;
+
+//! Where a captured note came from.
+struct NoteSource
+{
+    QString appName;
+    std::optional<QString> bundleIdentifier;
+    std::optional<QString> windowTitle;
+
+    bool operator==(const NoteSource &) const = default;
+};
+
+//! The record of a file stored with a note; the bytes live in the attachments folder.
+struct NoteAttachment
+{
+    enum class Kind { Image, File };
+
+    QUuid id;
+    QString fileName;
+    QString storedFileName;
+    Kind kind = Kind::File;
+    std::optional<QString> contentTypeIdentifier;
+    std::optional<qint64> byteCount;
+    QDateTime createdAt;
+
+    bool operator==(const NoteAttachment &) const = default;
+};
+
+//! The stored form of an attachment kind: "image" or "file".
+QString kindRawValue(NoteAttachment::Kind kind);
+std::optional<NoteAttachment::Kind> kindFromRawValue(QStringView raw);
+
+struct Note
+{
+    QUuid id;
+    QString text;
+    bool isDone = false;
+    QDateTime createdAt;
+    QDateTime updatedAt;
+    std::optional<QDateTime> completedAt;
+    std::optional<NoteSource> source;
+    QList<NoteAttachment> attachments;
+
+    bool operator==(const Note &) const = default;
+};
+
+struct NoteSection
+{
+    QUuid id;
+    QString title;
+    QList<Note> notes;
+    bool isCollapsed = false;
+    QDateTime createdAt;
+    bool isAutomatic = false;
+
+    bool operator==(const NoteSection &) const = default;
+};
+
+struct Project
+{
+    QUuid id;
+    QString name;
+    QList<NoteSection> sections;
+    QDateTime createdAt;
+    std::optional<QUuid> activeSectionID;
+
+    bool operator==(const Project &) const = default;
+};
+
+struct Library
+{
+    qint64 version = libraryFormatVersion;
+    QList<Project> projects;
+    std::optional<QUuid> activeProjectID;
+
+    bool operator==(const Library &) const = default;
+};
+
+//! Where a note lies. Used in memory only, never written to the file.
+struct NoteAddress
+{
+    QUuid projectID;
+    QUuid sectionID;
+    QUuid noteID;
+
+    bool operator==(const NoteAddress &) const = default;
+};
+
+inline size_t qHash(const NoteAddress &address, size_t seed = 0) noexcept
+{
+    return qHashMulti(seed, address.projectID, address.sectionID, address.noteID);
+}
+
+//! The index of the project that activeProjectID names; the first project when it
+//! is absent or stale; -1 when the library has no project at all.
+qsizetype activeProjectIndex(const Library &library);
+
+//! The project that activeProjectIndex() names, or nullptr.
+const Project *activeProject(const Library &library);
+
+//! The number of notes over all projects and sections.
+qsizetype noteCount(const Library &library);
+
+//! The library of a new user: one project "Notes" with one section "Inbox".
+Library makeDefaultLibrary();
+
+//! A new, empty, expanded section titled "Inbox".
+NoteSection makeInboxSection();
+
+//! The title of the section that holds the captures from one source:
+//! "App — Window", or just "App" when the window is absent or repeats the
+//! application's name; "Unknown" stands in for a blank application name.
+QString sourceSectionTitle(const QString &appName, const std::optional<QString> &windowTitle);
+
+//! The current time, in UTC, to the millisecond.
+QDateTime currentDate();
+
+//! A new random identifier.
+QUuid makeID();
+
+} // namespace Vesko

@@ -1,0 +1,583 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "library/LibraryCoding.h"
+
+#include <QCoreApplication>
+
+#include <simdjson.h>
+
+#include <chrono>
+#include <string>
+
+namespace Vesko {
+
+namespace {
+
+using simdjson::dom::element;
+using simdjson::dom::element_type;
+using simdjson::dom::object;
+
+// Thrown inside the decoder only, and turned into the error text at its door.
+struct DecodeError
+{
+    QString text;
+};
+
+// The path from the root to the value being read, for error texts such as
+// "projects[0].sections[2].notes[5]".
+class Path
+{
+public:
+    void push(std::string_view name) { m_parts.push_back({name, -1}); }
+    void pushIndex(std::string_view name, qsizetype index) { m_parts.push_back({name, index}); }
+    void pop() { m_parts.pop_back(); }
+
+    QString text(std::string_view key) const
+    {
+        QString out;
+        for (const Part &part : m_parts) {
+            if (!out.isEmpty())
+                out += u'.';
+            out += QString::fromUtf8(part.name.data(), qsizetype(part.name.size()));
+            if (part.index >= 0)
+                out += u'[' + QString::number(part.index) + u']';
+        }
+        if (!key.empty()) {
+            if (!out.isEmpty())
+                out += u'.';
+            out += QString::fromUtf8(key.data(), qsizetype(key.size()));
+        }
+        return out.isEmpty() ? QStringLiteral("the document") : out;
+    }
+
+private:
+    struct Part
+    {
+        std::string_view name;
+        qsizetype index;
+    };
+    std::vector<Part> m_parts;
+};
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("LibraryDecoder", text);
+}
+
+const char *typeName(element_type type)
+{
+    switch (type) {
+    case element_type::ARRAY:
+        return QT_TRANSLATE_NOOP("LibraryDecoder", "an array");
+    case element_type::OBJECT:
+        return QT_TRANSLATE_NOOP("LibraryDecoder", "an object");
+    case element_type::INT64:
+    case element_type::UINT64:
+    case element_type::DOUBLE:
+        return QT_TRANSLATE_NOOP("LibraryDecoder", "a number");
+    case element_type::STRING:
+        return QT_TRANSLATE_NOOP("LibraryDecoder", "a string");
+    case element_type::BOOL:
+        return QT_TRANSLATE_NOOP("LibraryDecoder", "a boolean");
+    case element_type::NULL_VALUE:
+        return QT_TRANSLATE_NOOP("LibraryDecoder", "null");
+    }
+    return QT_TRANSLATE_NOOP("LibraryDecoder", "a value");
+}
+
+// Reads the members of one JSON object into the fields of a value. Every
+// member is looked at once; required members that never came are reported
+// when the object is done.
+class Reader
+{
+public:
+    explicit Reader(QDateTime timeOfReading)
+        : m_timeOfReading(std::move(timeOfReading))
+    { }
+
+    Library library(element root)
+    {
+        const object members = expectObject(root, {});
+        Library library;
+        bool hasVersion = false;
+        bool hasProjects = false;
+        for (auto [key, value] : members) {
+            if (key == "version") {
+                library.version = integer(value, key);
+                hasVersion = true;
+            } else if (key == "projects") {
+                const simdjson::dom::array items = expectArray(value, key);
+                library.projects.reserve(qsizetype(items.size()));
+                qsizetype index = 0;
+                for (element item : items) {
+                    m_path.pushIndex("projects", index++);
+                    library.projects.append(project(item));
+                    m_path.pop();
+                }
+                hasProjects = true;
+            } else if (key == "activeProjectID") {
+                library.activeProjectID = optionalUuid(value, key);
+            }
+        }
+        require(hasVersion, "version");
+        require(hasProjects, "projects");
+        return library;
+    }
+
+private:
+    Project project(element value)
+    {
+        const object members = expectObject(value, {});
+        Project project;
+        bool hasId = false, hasName = false, hasSections = false, hasCreatedAt = false;
+        for (auto [key, field] : members) {
+            if (key == "id") {
+                project.id = uuid(field, key);
+                hasId = true;
+            } else if (key == "name") {
+                project.name = string(field, key);
+                hasName = true;
+            } else if (key == "sections") {
+                const simdjson::dom::array items = expectArray(field, key);
+                project.sections.reserve(qsizetype(items.size()));
+                qsizetype index = 0;
+                for (element item : items) {
+                    m_path.pushIndex("sections", index++);
+                    project.sections.append(section(item));
+                    m_path.pop();
+                }
+                hasSections = true;
+            } else if (key == "createdAt") {
+                project.createdAt = date(field, key);
+                hasCreatedAt = true;
+            } else if (key == "activeSectionID") {
+                project.activeSectionID = optionalUuid(field, key);
+            }
+        }
+        require(hasId, "id");
+        require(hasName, "name");
+        require(hasSections, "sections");
+        require(hasCreatedAt, "createdAt");
+        return project;
+    }
+
+    NoteSection section(element value)
+    {
+        const object members = expectObject(value, {});
+        NoteSection section;
+        bool hasId = false, hasTitle = false, hasNotes = false, hasCollapsed = false,
+             hasCreatedAt = false;
+        for (auto [key, field] : members) {
+            if (key == "id") {
+                section.id = uuid(field, key);
+                hasId = true;
+            } else if (key == "title") {
+                section.title = string(field, key);
+                hasTitle = true;
+            } else if (key == "notes") {
+                const simdjson::dom::array items = expectArray(field, key);
+                section.notes.reserve(qsizetype(items.size()));
+                qsizetype index = 0;
+                for (element item : items) {
+                    m_path.pushIndex("notes", index++);
+                    section.notes.append(note(item));
+                    m_path.pop();
+                }
+                hasNotes = true;
+            } else if (key == "isCollapsed") {
+                section.isCollapsed = boolean(field, key);
+                hasCollapsed = true;
+            } else if (key == "createdAt") {
+                section.createdAt = date(field, key);
+                hasCreatedAt = true;
+            } else if (key == "isAutomatic") {
+                section.isAutomatic = optionalBoolean(field, key).value_or(false);
+            }
+        }
+        require(hasId, "id");
+        require(hasTitle, "title");
+        require(hasNotes, "notes");
+        require(hasCollapsed, "isCollapsed");
+        require(hasCreatedAt, "createdAt");
+        return section;
+    }
+
+    Note note(element value)
+    {
+        const object members = expectObject(value, {});
+        Note note;
+        bool hasId = false, hasText = false;
+        std::optional<QDateTime> createdAt, updatedAt;
+        for (auto [key, field] : members) {
+            if (key == "id") {
+                note.id = uuid(field, key);
+                hasId = true;
+            } else if (key == "text") {
+                note.text = string(field, key);
+                hasText = true;
+            } else if (key == "isDone") {
+                note.isDone = optionalBoolean(field, key).value_or(false);
+            } else if (key == "createdAt") {
+                createdAt = optionalDate(field, key);
+            } else if (key == "updatedAt") {
+                updatedAt = optionalDate(field, key);
+            } else if (key == "completedAt") {
+                note.completedAt = optionalDate(field, key);
+            } else if (key == "source") {
+                if (!field.is_null()) {
+                    m_path.push("source");
+                    note.source = source(field);
+                    m_path.pop();
+                }
+            } else if (key == "attachments") {
+                if (!field.is_null()) {
+                    const simdjson::dom::array items = expectArray(field, key);
+                    note.attachments.reserve(qsizetype(items.size()));
+                    qsizetype index = 0;
+                    for (element item : items) {
+                        m_path.pushIndex("attachments", index++);
+                        note.attachments.append(attachment(item));
+                        m_path.pop();
+                    }
+                }
+            }
+        }
+        require(hasId, "id");
+        require(hasText, "text");
+        note.createdAt = createdAt.value_or(m_timeOfReading);
+        note.updatedAt = updatedAt.value_or(note.createdAt);
+        return note;
+    }
+
+    NoteSource source(element value)
+    {
+        const object members = expectObject(value, {});
+        NoteSource source;
+        bool hasAppName = false;
+        for (auto [key, field] : members) {
+            if (key == "appName") {
+                source.appName = string(field, key);
+                hasAppName = true;
+            } else if (key == "bundleIdentifier") {
+                source.bundleIdentifier = optionalString(field, key);
+            } else if (key == "windowTitle") {
+                source.windowTitle = optionalString(field, key);
+            }
+        }
+        require(hasAppName, "appName");
+        return source;
+    }
+
+    NoteAttachment attachment(element value)
+    {
+        const object members = expectObject(value, {});
+        NoteAttachment attachment;
+        bool hasId = false, hasFileName = false, hasStoredFileName = false, hasKind = false,
+             hasCreatedAt = false;
+        for (auto [key, field] : members) {
+            if (key == "id") {
+                attachment.id = uuid(field, key);
+                hasId = true;
+            } else if (key == "fileName") {
+                attachment.fileName = string(field, key);
+                hasFileName = true;
+            } else if (key == "storedFileName") {
+                attachment.storedFileName = string(field, key);
+                hasStoredFileName = true;
+            } else if (key == "kind") {
+                const QString raw = string(field, key);
+                const auto kind = kindFromRawValue(raw);
+                if (!kind) {
+                    fail(tr("%1 is “%2”, which is neither “image” nor “file”.")
+                             .arg(m_path.text(key), raw));
+                }
+                attachment.kind = *kind;
+                hasKind = true;
+            } else if (key == "createdAt") {
+                attachment.createdAt = date(field, key);
+                hasCreatedAt = true;
+            } else if (key == "contentTypeIdentifier") {
+                attachment.contentTypeIdentifier = optionalString(field, key);
+            } else if (key == "byteCount") {
+                if (!field.is_null())
+                    attachment.byteCount = integer(field, key);
+            }
+        }
+        require(hasId, "id");
+        require(hasFileName, "fileName");
+        require(hasStoredFileName, "storedFileName");
+        require(hasKind, "kind");
+        require(hasCreatedAt, "createdAt");
+        return attachment;
+    }
+
+    // -- values -------------------------------------------------------------
+
+    [[noreturn]] void fail(const QString &text) { throw DecodeError {text}; }
+
+    void require(bool present, std::string_view key)
+    {
+        if (!present)
+            fail(tr("%1 is missing.").arg(m_path.text(key)));
+    }
+
+    [[noreturn]] void wrongType(element value, std::string_view key, const char *expected)
+    {
+        if (value.is_null())
+            fail(tr("%1 is null.").arg(m_path.text(key)));
+        fail(tr("%1 should be %2 but is %3.")
+                 .arg(m_path.text(key), tr(expected), tr(typeName(value.type()))));
+    }
+
+    object expectObject(element value, std::string_view key)
+    {
+        object members;
+        if (value.get(members) != simdjson::SUCCESS)
+            wrongType(value, key, QT_TRANSLATE_NOOP("LibraryDecoder", "an object"));
+        return members;
+    }
+
+    simdjson::dom::array expectArray(element value, std::string_view key)
+    {
+        simdjson::dom::array items;
+        if (value.get(items) != simdjson::SUCCESS)
+            wrongType(value, key, QT_TRANSLATE_NOOP("LibraryDecoder", "an array"));
+        return items;
+    }
+
+    QString string(element value, std::string_view key)
+    {
+        std::string_view text;
+        if (value.get(text) != simdjson::SUCCESS)
+            wrongType(value, key, QT_TRANSLATE_NOOP("LibraryDecoder", "a string"));
+        return QString::fromUtf8(text.data(), qsizetype(text.size()));
+    }
+
+    std::optional<QString> optionalString(element value, std::string_view key)
+    {
+        if (value.is_null())
+            return std::nullopt;
+        return string(value, key);
+    }
+
+    bool boolean(element value, std::string_view key)
+    {
+        bool flag = false;
+        if (value.get(flag) != simdjson::SUCCESS)
+            wrongType(value, key, QT_TRANSLATE_NOOP("LibraryDecoder", "a boolean"));
+        return flag;
+    }
+
+    std::optional<bool> optionalBoolean(element value, std::string_view key)
+    {
+        if (value.is_null())
+            return std::nullopt;
+        return boolean(value, key);
+    }
+
+    // A whole number. A number written with a fraction or exponent is taken
+    // when its value is a whole number that fits.
+    qint64 integer(element value, std::string_view key)
+    {
+        switch (value.type()) {
+        case element_type::INT64:
+            return int64_t(value);
+        case element_type::UINT64:
+            break;
+        case element_type::DOUBLE: {
+            const double number = double(value);
+            if (number >= -9.2e18 && number <= 9.2e18 && number == double(qint64(number)))
+                return qint64(number);
+            break;
+        }
+        default:
+            wrongType(value, key, QT_TRANSLATE_NOOP("LibraryDecoder", "a whole number"));
+        }
+        fail(tr("%1 is not a whole number in range.").arg(m_path.text(key)));
+    }
+
+    QUuid uuid(element value, std::string_view key)
+    {
+        std::string_view text;
+        if (value.get(text) != simdjson::SUCCESS)
+            wrongType(value, key, QT_TRANSLATE_NOOP("LibraryDecoder", "a UUID string"));
+        const std::optional<QUuid> id = parseDocumentUuid(text);
+        if (!id) {
+            fail(
+                tr("%1 is “%2”, which is not a UUID.")
+                    .arg(m_path.text(key), QString::fromUtf8(text.data(), qsizetype(text.size()))));
+        }
+        return *id;
+    }
+
+    std::optional<QUuid> optionalUuid(element value, std::string_view key)
+    {
+        if (value.is_null())
+            return std::nullopt;
+        return uuid(value, key);
+    }
+
+    QDateTime date(element value, std::string_view key)
+    {
+        std::string_view text;
+        if (value.get(text) != simdjson::SUCCESS)
+            wrongType(value, key, QT_TRANSLATE_NOOP("LibraryDecoder", "a date string"));
+        QDateTime date = parseDocumentDate(text);
+        if (!date.isValid()) {
+            fail(
+                tr("%1 is “%2”, which is not an ISO-8601 date.")
+                    .arg(m_path.text(key), QString::fromUtf8(text.data(), qsizetype(text.size()))));
+        }
+        return date;
+    }
+
+    std::optional<QDateTime> optionalDate(element value, std::string_view key)
+    {
+        if (value.is_null())
+            return std::nullopt;
+        return date(value, key);
+    }
+
+    QDateTime m_timeOfReading;
+    Path m_path;
+};
+
+int hexValue(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    return -1;
+}
+
+// Reads exactly n decimal digits.
+bool digits(std::string_view text, size_t at, size_t n, int &value)
+{
+    if (at + n > text.size())
+        return false;
+    value = 0;
+    for (size_t i = at; i < at + n; ++i) {
+        const char c = text[i];
+        if (c < '0' || c > '9')
+            return false;
+        value = value * 10 + (c - '0');
+    }
+    return true;
+}
+
+} // namespace
+
+std::optional<QUuid> parseDocumentUuid(std::string_view text)
+{
+    if (text.size() != 36)
+        return std::nullopt;
+    char bytes[16];
+    size_t at = 0;
+    for (int i = 0; i < 16; ++i) {
+        if (at == 8 || at == 13 || at == 18 || at == 23) {
+            if (text[at] != '-')
+                return std::nullopt;
+            ++at;
+        }
+        const int high = hexValue(text[at]);
+        const int low = hexValue(text[at + 1]);
+        if (high < 0 || low < 0)
+            return std::nullopt;
+        bytes[i] = char(high << 4 | low);
+        at += 2;
+    }
+    return QUuid::fromRfc4122(QByteArrayView(bytes, 16));
+}
+
+QDateTime parseDocumentDate(std::string_view text)
+{
+    using namespace std::chrono;
+    // YYYY-MM-DDTHH:MM:SS[.fraction](Z|+HH:MM|-HH:MM)
+    int y, mo, d, h, mi, s;
+    if (!digits(text, 0, 4, y) || text.size() < 20 || text[4] != '-' || !digits(text, 5, 2, mo)
+        || text[7] != '-' || !digits(text, 8, 2, d) || (text[10] != 'T' && text[10] != 't')
+        || !digits(text, 11, 2, h) || text[13] != ':' || !digits(text, 14, 2, mi) || text[16] != ':'
+        || !digits(text, 17, 2, s)) {
+        return {};
+    }
+    if (h > 23 || mi > 59 || s > 59)
+        return {};
+    const year_month_day ymd {year {y}, month {unsigned(mo)}, day {unsigned(d)}};
+    if (!ymd.ok())
+        return {};
+
+    size_t at = 19;
+    qint64 millis = 0;
+    if (at < text.size() && text[at] == '.') {
+        ++at;
+        int scale = 100;
+        const size_t start = at;
+        while (at < text.size() && text[at] >= '0' && text[at] <= '9') {
+            millis += (text[at] - '0') * scale;
+            scale /= 10;
+            ++at;
+        }
+        if (at == start)
+            return {};
+    }
+
+    qint64 offsetSeconds = 0;
+    if (at < text.size() && (text[at] == 'Z' || text[at] == 'z')) {
+        ++at;
+    } else if (at < text.size() && (text[at] == '+' || text[at] == '-')) {
+        const int sign = text[at] == '-' ? -1 : 1;
+        int oh, om;
+        if (!digits(text, at + 1, 2, oh) || at + 3 >= text.size() || text[at + 3] != ':'
+            || !digits(text, at + 4, 2, om) || oh > 23 || om > 59) {
+            return {};
+        }
+        offsetSeconds = sign * (oh * 3600 + om * 60);
+        at += 6;
+    } else {
+        return {};
+    }
+    if (at != text.size())
+        return {};
+
+    const qint64 daysSinceEpoch = sys_days(ymd).time_since_epoch().count();
+    const qint64 seconds = daysSinceEpoch * 86400 + h * 3600 + mi * 60 + s - offsetSeconds;
+    return QDateTime::fromMSecsSinceEpoch(seconds * 1000 + millis, Qt::UTC);
+}
+
+std::optional<Library> decodeLibrary(const QByteArray &document, QString *errorText)
+{
+    auto failWith = [errorText](const QString &text) -> std::optional<Library> {
+        if (errorText)
+            *errorText = text;
+        return std::nullopt;
+    };
+
+    // simdjson reads a little past the end of the input; a buffer with that
+    // much spare capacity is parsed in place, any other one is copied.
+    simdjson::dom::parser parser;
+    const bool hasPadding
+        = document.capacity() - document.size() >= qsizetype(simdjson::SIMDJSON_PADDING);
+    element root;
+    const simdjson::error_code status
+        = parser.parse(document.constData(), size_t(document.size()), !hasPadding).get(root);
+    if (status != simdjson::SUCCESS) {
+        if (status == simdjson::UTF8_ERROR)
+            return failWith(tr("The file is not valid UTF-8 text."));
+        if (status == simdjson::EMPTY)
+            return failWith(tr("The file is empty."));
+        return failWith(tr("The file is not valid JSON: %1.")
+                            .arg(QString::fromUtf8(simdjson::error_message(status))));
+    }
+
+    try {
+        Reader reader(currentDate());
+        return reader.library(root);
+    } catch (const DecodeError &error) {
+        return failWith(error.text);
+    }
+}
+
+} // namespace Vesko

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The library on disk: where the file lies, how it is read at start, how an
+// unreadable file is set aside, how every write first keeps a backup of what
+// is there and then replaces the file atomically, and the file-level steps of
+// moving the library to another folder.
+//
+// The folder of the library file holds:
+//   Library.json                       the document (or the user's chosen name)
+//   Attachments/                       the attachment files
+//   Library Backups/                   the last five states of the file
+//   Library-unreadable-<stamp>.json    files that could not be read
+//   .Library.json.<UUID>               the temporary file of a write in progress
+
+#pragma once
+
+#include "library/Library.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace Vesko {
+
+//! The number of backups kept in "Library Backups".
+inline constexpr int libraryBackupCount = 5;
+
+//! The library file's absolute path: the preference libraryPath when it is
+//! set and not empty, else defaultLibraryURL(). Worked out at each call.
+QString libraryURL();
+
+//! "Vesko/Library.json" in the user's data folder ($XDG_DATA_HOME).
+QString defaultLibraryURL();
+
+//! "Attachments" beside the library file at \a libraryPath.
+QString attachmentsFolder(const QString &libraryPath);
+
+//! "Library Backups" beside the library file at \a libraryPath.
+QString backupsFolder(const QString &libraryPath);
+
+//! Reads the library at libraryURL(). A missing file gives a new library and
+//! writes nothing; an unreadable one is logged, set aside and replaced by a
+//! new library. Temporary files left by an interrupted write are removed.
+Library loadLibrary();
+Library loadLibrary(const QString &path);
+
+//! Moves an unreadable file to "Library-unreadable-<stamp>.json" beside it.
+//! Never overwrites; a failure leaves the file where it is.
+void setAsideUnreadableLibrary(const QString &path);
+
+//! Copies the file at \a path into "Library Backups" keeping its date, and
+//! keeps the newest five entries of that folder. Never fails.
+void backUpLibraryFile(const QString &path);
+
+//! Writes \a library to \a path: backup, encode, a private temporary file
+//! beside the target flushed to disk, then an atomic rename over the target.
+//! Returns the failure text; the old file is untouched on failure.
+std::optional<QString> writeLibrary(const Library &library, const QString &path);
+
+//! The library file that a move to \a destination writes: "Library.json" in
+//! it when it is a folder, else \a destination itself.
+QString libraryMoveTarget(const QString &destination);
+
+//! Copies the attachment folder \a from into \a to, recursively, keeping any
+//! file that is already there. Nothing happens when both are the same folder
+//! or \a from does not exist.
+std::optional<QString> mergeAttachmentFolder(const QString &from, const QString &to);
+
+//! After a move from \a oldPath to \a newPath has been written: removes the old
+//! file, and the old attachment folder if it is another folder. Failures are ignored.
+void removeMovedLibrary(const QString &oldPath, const QString &newPath);
+
+//! The time stamp used in backup and set-aside names: "2026-03-14T09-26-53Z".
+QString fileNameStamp(const QDateTime &date);
+
+} // namespace Vesko

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Writes the library off the main thread, one write after the other in the
+// order they were asked for, so that a later state is never overwritten by an
+// earlier one. Each write receives its own copy of the library.
+
+#pragma once
+
+#include "library/Library.h"
+
+#include <QObject>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace Vesko {
+
+class SerialQueue;
+
+class LibraryWriter
+{
+public:
+    //! The failure text of a write, or nothing when it succeeded.
+    using Completion = std::function<void(std::optional<QString> failure)>;
+
+    LibraryWriter();
+    ~LibraryWriter();
+
+    //! The one writer of the process, made on first use and never destroyed.
+    static LibraryWriter &shared();
+
+    //! Queues a write of \a library to \a path. \a completion runs on the
+    //! main thread once the write is done, unless \a context, an object of
+    //! the main thread, is gone by then.
+    void write(
+        const Library &library, const QString &path, QObject *context, Completion completion);
+
+    //! Queues a write behind the ones already waiting and blocks until it is done.
+    std::optional<QString> writeNow(const Library &library, const QString &path);
+
+private:
+    std::unique_ptr<SerialQueue> m_queue;
+};
+
+} // namespace Vesko

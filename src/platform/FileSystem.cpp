@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/FileSystem.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Vesko::FileSystem {
+
+namespace {
+
+QByteArray native(const QString &path)
+{
+    return QFile::encodeName(path);
+}
+
+int retryOnInterrupt(auto call)
+{
+    int result;
+    do {
+        result = call();
+    } while (result < 0 && errno == EINTR);
+    return result;
+}
+
+// Closes a descriptor when it goes out of scope.
+class Descriptor
+{
+public:
+    explicit Descriptor(int fd)
+        : m_fd(fd)
+    { }
+    ~Descriptor()
+    {
+        if (m_fd >= 0)
+            ::close(m_fd);
+    }
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+
+    int get() const { return m_fd; }
+    // Closes now and reports whether the close succeeded.
+    bool close()
+    {
+        const int fd = m_fd;
+        m_fd = -1;
+        return ::close(fd) == 0;
+    }
+
+private:
+    int m_fd;
+};
+
+bool writeAll(int fd, const char *data, qsizetype size)
+{
+    while (size > 0) {
+        const ssize_t written = ::write(fd, data, size_t(size));
+        if (written < 0) {
+            if (errno == EINTR)
+                continue;
+            return false;
+        }
+        data += written;
+        size -= written;
+    }
+    return true;
+}
+
+} // namespace
+
+QString lastErrorText()
+{
+    return qt_error_string(errno);
+}
+
+std::optional<QString> makePath(const QString &path)
+{
+    const QString clean = QDir::cleanPath(QDir(path).absolutePath());
+    struct stat info;
+    if (::stat(native(clean).constData(), &info) == 0) {
+        if (S_ISDIR(info.st_mode))
+            return std::nullopt;
+        return QObject::tr("“%1” exists and is not a folder.").arg(clean);
+    }
+    const qsizetype slash = clean.lastIndexOf(u'/');
+    if (slash > 0) {
+        if (auto error = makePath(clean.left(slash)))
+            return error;
+    }
+    if (::mkdir(native(clean).constData(), privateDirectoryMode) != 0 && errno != EEXIST)
+        return QObject::tr("Could not create the folder “%1”: %2.").arg(clean, lastErrorText());
+    // mkdir applies the umask; private means private whatever the umask is.
+    ::chmod(native(clean).constData(), privateDirectoryMode);
+    return std::nullopt;
+}
+
+std::optional<QString> writeNewFile(const QString &path, const QByteArray &bytes, unsigned mode)
+{
+    const QByteArray name = native(path);
+    Descriptor fd(retryOnInterrupt(
+        [&] { return ::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode); }));
+    if (fd.get() < 0)
+        return QObject::tr("Could not create “%1”: %2.").arg(path, lastErrorText());
+
+    auto failed = [&](const char *what) {
+        const QString text
+            = QObject::tr("Could not %1 “%2”: %3.").arg(QObject::tr(what), path, lastErrorText());
+        ::unlink(name.constData());
+        return text;
+    };
+    if (::fchmod(fd.get(), mode) != 0)
+        return failed(QT_TR_NOOP("set the permissions of"));
+    if (!writeAll(fd.get(), bytes.constData(), bytes.size()))
+        return failed(QT_TR_NOOP("write"));
+    if (::fsync(fd.get()) != 0)
+        return failed(QT_TR_NOOP("flush"));
+    if (!fd.close())
+        return failed(QT_TR_NOOP("close"));
+    return std::nullopt;
+}
+
+std::optional<QString> replaceFile(const QString &from, const QString &to)
+{
+    if (::rename(native(from).constData(), native(to).constData()) != 0)
+        return QObject::tr("Could not replace “%1”: %2.").arg(to, lastErrorText());
+    syncDirectory(QFileInfo(to).absolutePath());
+    return std::nullopt;
+}
+
+std::optional<QString> renameWithoutReplacing(const QString &from, const QString &to)
+{
+    // A hard link fails when the name is taken, which makes the check and the
+    // rename one step; the old name is dropped once the new one exists.
+    const QByteArray source = native(from);
+    const QByteArray target = native(to);
+    if (::link(source.constData(), target.constData()) != 0) {
+        if (errno == EEXIST)
+            return QObject::tr("“%1” already exists.").arg(to);
+        // Without hard links (some file systems), check and rename.
+        if (exists(to))
+            return QObject::tr("“%1” already exists.").arg(to);
+        if (::rename(source.constData(), target.constData()) != 0)
+            return QObject::tr("Could not rename “%1”: %2.").arg(from, lastErrorText());
+        return std::nullopt;
+    }
+    ::unlink(source.constData());
+    syncDirectory(QFileInfo(to).absolutePath());
+    return std::nullopt;
+}
+
+std::optional<QString> copyFileKeepingDate(const QString &from, const QString &to)
+{
+    const QByteArray source = native(from);
+    Descriptor in(
+        retryOnInterrupt([&] { return ::open(source.constData(), O_RDONLY | O_CLOEXEC); }));
+    struct stat info;
+    if (in.get() < 0 || ::fstat(in.get(), &info) != 0)
+        return QObject::tr("Could not read “%1”: %2.").arg(from, lastErrorText());
+
+    QFile file;
+    if (!file.open(in.get(), QIODevice::ReadOnly, QFileDevice::DontCloseHandle))
+        return QObject::tr("Could not read “%1”: %2.").arg(from, file.errorString());
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        return QObject::tr("Could not read “%1”: %2.").arg(from, file.errorString());
+    file.close();
+
+    if (auto error = writeNewFile(to, bytes))
+        return error;
+    const timespec times[2] = {info.st_atim, info.st_mtim};
+    ::utimensat(AT_FDCWD, native(to).constData(), times, 0);
+    return std::nullopt;
+}
+
+std::optional<timespec> modificationTime(const QString &path)
+{
+    struct stat info;
+    if (::lstat(native(path).constData(), &info) != 0)
+        return std::nullopt;
+    return info.st_mtim;
+}
+
+void syncDirectory(const QString &path)
+{
+    Descriptor fd(retryOnInterrupt(
+        [&] { return ::open(native(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+    if (fd.get() >= 0)
+        ::fsync(fd.get());
+}
+
+bool exists(const QString &path)
+{
+    struct stat info;
+    return ::lstat(native(path).constData(), &info) == 0;
+}
+
+} // namespace Vesko::FileSystem

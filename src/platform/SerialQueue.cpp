@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/SerialQueue.h"
+
+namespace Vesko {
+
+SerialQueue::SerialQueue(const QString &label, QThread::Priority priority)
+    : m_context(new QObject)
+{
+    m_thread.setObjectName(label);
+    m_context->moveToThread(&m_thread);
+    QObject::connect(&m_thread, &QThread::finished, m_context, &QObject::deleteLater);
+    m_thread.start(priority);
+}
+
+SerialQueue::~SerialQueue()
+{
+    // Stopping as a job of its own lets every job submitted before it run first.
+    QThread *thread = &m_thread;
+    async([thread] { thread->quit(); });
+    m_thread.wait();
+}
+
+QString SerialQueue::label() const
+{
+    return m_thread.objectName();
+}
+
+void SerialQueue::async(std::function<void()> job)
+{
+    QMetaObject::invokeMethod(m_context, std::move(job), Qt::QueuedConnection);
+}
+
+bool SerialQueue::isCurrentThread() const
+{
+    return QThread::currentThread() == &m_thread;
+}
+
+} // namespace Vesko
