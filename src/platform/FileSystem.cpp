@@ -89,6 +89,8 @@ std::optional<QString> makePath(const QString &path)
             return std::nullopt;
         return QObject::tr("“%1” exists and is not a folder.").arg(clean);
     }
+    if (errno != ENOENT)
+        return QObject::tr("Could not open the folder “%1”: %2.").arg(clean, lastErrorText());
     const qsizetype slash = clean.lastIndexOf(u'/');
     if (slash > 0) {
         if (auto error = makePath(clean.left(slash)))
@@ -172,10 +174,21 @@ std::optional<QString> copyFileKeepingDate(const QString &from, const QString &t
         return QObject::tr("Could not read “%1”: %2.").arg(from, file.errorString());
     file.close();
 
-    if (auto error = writeNewFile(to, bytes))
+    // The copy comes into being whole or not at all: an interrupted copy
+    // leaves a hidden partial file, never a short file under the real name.
+    const QFileInfo target(to);
+    const QString partial = target.absolutePath() + QStringLiteral("/.") + target.fileName()
+        + QStringLiteral(".partial");
+    ::unlink(native(partial).constData());
+    if (auto error = writeNewFile(partial, bytes))
         return error;
     const timespec times[2] = {info.st_atim, info.st_mtim};
-    ::utimensat(AT_FDCWD, native(to).constData(), times, 0);
+    ::utimensat(AT_FDCWD, native(partial).constData(), times, 0);
+    if (::rename(native(partial).constData(), native(to).constData()) != 0) {
+        const QString text = QObject::tr("Could not create “%1”: %2.").arg(to, lastErrorText());
+        ::unlink(native(partial).constData());
+        return text;
+    }
     return std::nullopt;
 }
 

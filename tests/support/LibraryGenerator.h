@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Makes realistic libraries for tests and benchmarks: the same seed and size
+// always give the same library. Notes are spread over several projects and
+// sections, with texts of varied length and script, sources, attachments and
+// done notes in the proportions of a library in daily use. Dates are whole
+// seconds, so a generated library survives a round trip through the file.
+
+#pragma once
+
+#include "library/Library.h"
+
+namespace Vesko::Test {
+
+Library generateLibrary(qsizetype noteCount, quint32 seed = 1);
+
+} // namespace Vesko::Test

@@ -1,0 +1,424 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The library document: exact bytes out, the accept and reject rules in, and
+// round trips of realistic libraries.
+
+#include "LibraryGenerator.h"
+#include "TestEnvironment.h"
+
+#include "library/LibraryCoding.h"
+
+using namespace Vesko;
+
+class LibraryCodingTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void goldenBytes_data();
+    void goldenBytes();
+    void decodeAccepts_data();
+    void decodeAccepts();
+    void decodeRejects_data();
+    void decodeRejects();
+    void minimalNoteDefaultsAndRewrite();
+    void unknownKeysVanish();
+    void generatedLibraryRoundTrips_data();
+    void generatedLibraryRoundTrips();
+    void equalLibrariesGiveEqualBytes();
+    void fractionsOfSecondsAreDropped();
+    void dates_data();
+    void dates();
+};
+
+namespace {
+
+// The documents in data/ were written by hand, byte by byte.
+QByteArray goldenDocument(const char *name)
+{
+    QFile file(QFINDTESTDATA(QStringLiteral("data/") + QLatin1String(name)));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("missing test data %s", name);
+    return file.readAll();
+}
+
+QUuid uuid(const char *text)
+{
+    return *parseDocumentUuid(text);
+}
+
+QDateTime date(const char *text)
+{
+    return parseDocumentDate(text);
+}
+
+// Every optional field present somewhere, and absent somewhere else.
+Library fullLibrary()
+{
+    NoteAttachment image;
+    image.id = uuid("11111111-2222-4333-8444-555555555555");
+    image.fileName = QStringLiteral("Screen shot.png");
+    image.storedFileName = QStringLiteral("A1B2/Screen shot.png");
+    image.kind = NoteAttachment::Kind::Image;
+    image.contentTypeIdentifier = QStringLiteral("image/png");
+    image.byteCount = 1234567;
+    image.createdAt = date("2026-03-14T09:30:00Z");
+
+    NoteAttachment file;
+    file.id = uuid("aaaaaaaa-bbbb-4ccc-8ddd-eeeeeeeeeeee");
+    file.fileName = QStringLiteral("report.pdf");
+    file.storedFileName = QStringLiteral("report.pdf");
+    file.kind = NoteAttachment::Kind::File;
+    file.createdAt = date("2026-03-14T09:31:00Z");
+
+    Note done;
+    done.id = uuid("00000000-0000-4000-8000-000000000001");
+    done.text
+        = QString::fromUtf8("Line one\nTab\there \"quoted\" back\\slash a/b \x01 日本語 🙂");
+    done.isDone = true;
+    done.createdAt = date("2026-03-14T09:28:00Z");
+    done.updatedAt = date("2026-03-14T09:29:00Z");
+    done.completedAt = date("2026-03-14T09:29:00Z");
+    done.source = NoteSource {QStringLiteral("Firefox"), QStringLiteral("org.mozilla.firefox"),
+        QStringLiteral("Docs — Mozilla Firefox")};
+    done.attachments = {image, file};
+
+    Note plain;
+    plain.id = uuid("00000000-0000-4000-8000-000000000002");
+    plain.createdAt = date("2026-03-14T09:32:00Z");
+    plain.updatedAt = date("2026-03-14T09:32:00Z");
+    plain.source = NoteSource {QStringLiteral("Terminal"), std::nullopt, std::nullopt};
+
+    NoteSection section;
+    section.id = uuid("5EC7A000-0000-4000-8000-000000000000");
+    section.title = QStringLiteral("Firefox — Docs");
+    section.notes = {done, plain};
+    section.isCollapsed = true;
+    section.createdAt = date("2026-03-14T09:27:00Z");
+    section.isAutomatic = true;
+
+    Project project;
+    project.id = uuid("6F9619FF-8B86-D011-B42D-00C04FC964FF");
+    project.name = QStringLiteral("Work / Ünïcode");
+    project.sections = {section};
+    project.createdAt = date("2026-03-14T09:26:53Z");
+    project.activeSectionID = section.id;
+
+    Library library;
+    library.projects = {project};
+    library.activeProjectID = project.id;
+    return library;
+}
+
+Library sparseLibrary()
+{
+    NoteSection section;
+    section.id = uuid("5EC7A000-0000-4000-8000-000000000000");
+    section.title = QStringLiteral("Inbox");
+    section.createdAt = date("2000-02-29T00:00:00Z");
+    Project project;
+    project.id = uuid("6F9619FF-8B86-D011-B42D-00C04FC964FF");
+    project.name = QStringLiteral("Notes");
+    project.sections = {section};
+    project.createdAt = date("1999-12-31T23:59:59Z");
+    Library library;
+    library.projects = {project};
+    return library;
+}
+
+// A document with one note whose members are \a noteMembers, inside a valid
+// library; \a sectionExtra and \a rootExtra add members around it.
+QByteArray documentWithNote(const QByteArray &noteMembers, const QByteArray &sectionExtra = {},
+    const QByteArray &rootExtra = {})
+{
+    return R"({"version": 3, )" + rootExtra
+        + R"("projects": [{"id": "6F9619FF-8B86-D011-B42D-00C04FC964FF",
+        "name": "P", "createdAt": "2026-01-01T00:00:00Z", "sections": [{
+        "id": "5EC7A000-0000-4000-8000-000000000000", "title": "S", "isCollapsed": false,
+        "createdAt": "2026-01-01T00:00:00Z", )"
+        + sectionExtra + R"("notes": [{)" + noteMembers + "}]}]}]}";
+}
+
+const QByteArray noteID = R"("id": "00000000-0000-4000-8000-000000000001")";
+
+} // namespace
+
+void LibraryCodingTest::goldenBytes_data()
+{
+    QTest::addColumn<Library>("library");
+    QTest::addColumn<QByteArray>("document");
+    QTest::newRow("every optional present or absent")
+        << fullLibrary() << goldenDocument("library-full.json");
+    QTest::newRow("sparse") << sparseLibrary() << goldenDocument("library-sparse.json");
+}
+
+void LibraryCodingTest::goldenBytes()
+{
+    QFETCH(Library, library);
+    QFETCH(QByteArray, document);
+    QCOMPARE(encodeLibrary(library), document);
+
+    QString error;
+    const std::optional<Library> decoded = decodeLibrary(document, &error);
+    QVERIFY2(decoded, qPrintable(error));
+    QCOMPARE(*decoded, library);
+}
+
+void LibraryCodingTest::decodeAccepts_data()
+{
+    QTest::addColumn<QByteArray>("document");
+    QTest::addColumn<QString>("check");
+
+    QTest::newRow("only id and text")
+        << documentWithNote(noteID + R"(, "text": "hi")") << "text=hi";
+    QTest::newRow("lower-case uuid")
+        << documentWithNote(R"("id": "abcdef00-0000-4000-8000-00000000000a", "text": "x")")
+        << "id=ABCDEF00-0000-4000-8000-00000000000A";
+    QTest::newRow("optionals null") << documentWithNote(
+        noteID + R"(, "text": "x", "isDone": null, "createdAt": null, "updatedAt": null,
+            "completedAt": null, "source": null, "attachments": null)",
+        R"("isAutomatic": null, )", R"("activeProjectID": null, )")
+                                    << "text=x";
+    QTest::newRow("version 7") << documentWithNote(noteID + R"(, "text": "x")")
+                                      .replace(R"("version": 3)", R"("version": 7)")
+                               << "version=7";
+    QTest::newRow("version as 3.0") << documentWithNote(noteID + R"(, "text": "x")")
+                                           .replace(R"("version": 3)", R"("version": 3.0)")
+                                    << "version=3";
+    QTest::newRow("unknown keys everywhere")
+        << documentWithNote(noteID + R"(, "text": "x", "color": "red", "tags": [1, {"a": null}])",
+               R"("sortOrder": 4, )", R"("sync": {"v": true}, )")
+        << "text=x";
+    QTest::newRow("keys in any order")
+        << QByteArray(R"({"projects": [], "version": 3})") << "projects=0";
+    QTest::newRow("date with offset")
+        << documentWithNote(noteID + R"(, "text": "x", "createdAt": "2026-01-01T02:00:00+02:00")")
+        << "createdAt=2026-01-01T00:00:00Z";
+    QTest::newRow("date with fraction")
+        << documentWithNote(noteID + R"(, "text": "x", "createdAt": "2026-01-01T00:00:00.250Z")")
+        << "createdAtMs=250";
+    QTest::newRow("escaped text") << documentWithNote(
+        noteID + R"(, "text": "a\/b \u00e9 \ud83d\ude42 \"q\"")")
+                                  << QString::fromUtf8("text=a/b é 🙂 \"q\"");
+    QTest::newRow("source with app only")
+        << documentWithNote(noteID + R"(, "text": "x", "source": {"appName": "Mail"})")
+        << "source=Mail";
+    QTest::newRow("byte order mark absent, leading blanks")
+        << ("  \n" + documentWithNote(noteID + R"(, "text": "x")")) << "text=x";
+}
+
+void LibraryCodingTest::decodeAccepts()
+{
+    QFETCH(QByteArray, document);
+    QFETCH(QString, check);
+
+    QString error;
+    const std::optional<Library> library = decodeLibrary(document, &error);
+    QVERIFY2(library, qPrintable(error));
+
+    const QString key = check.section(u'=', 0, 0);
+    const QString value = check.section(u'=', 1);
+    if (key == u"projects") {
+        QCOMPARE(QString::number(library->projects.size()), value);
+        return;
+    }
+    if (key == u"version") {
+        QCOMPARE(QString::number(library->version), value);
+        return;
+    }
+    const Note &note = library->projects.at(0).sections.at(0).notes.at(0);
+    if (key == u"text")
+        QCOMPARE(note.text, value);
+    else if (key == u"id")
+        QCOMPARE(QString::fromLatin1(encodeLibrary(*library)).contains(value), true);
+    else if (key == u"createdAt")
+        QCOMPARE(QString::fromLatin1(formatDocumentDate(note.createdAt)), value);
+    else if (key == u"createdAtMs")
+        QCOMPARE(QString::number(note.createdAt.toMSecsSinceEpoch() % 1000), value);
+    else if (key == u"source")
+        QCOMPARE(note.source->appName, value);
+    else
+        QFAIL("unknown check");
+}
+
+void LibraryCodingTest::decodeRejects_data()
+{
+    QTest::addColumn<QByteArray>("document");
+    QTest::addColumn<QString>("errorMentions");
+
+    QTest::newRow("empty") << QByteArray() << "empty";
+    QTest::newRow("blank") << QByteArray("  \n") << "empty";
+    QTest::newRow("truncated") << goldenDocument("library-full.json").left(700) << "JSON";
+    QTest::newRow("not JSON") << QByteArray("Library") << "JSON";
+    QTest::newRow("binary") << QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16) << "not valid";
+    QTest::newRow("invalid UTF-8")
+        << documentWithNote(noteID + ", \"text\": \"caf\xe9\"") << "UTF-8";
+    QTest::newRow("root is an array") << QByteArray("[]") << "object";
+    QTest::newRow("no version") << QByteArray(R"({"projects": []})") << "version";
+    QTest::newRow("no projects") << QByteArray(R"({"version": 3})") << "projects";
+    QTest::newRow("version is a string")
+        << QByteArray(R"({"version": "3", "projects": []})") << "version";
+    QTest::newRow("version has a fraction")
+        << QByteArray(R"({"version": 3.5, "projects": []})") << "version";
+    QTest::newRow("version too large")
+        << QByteArray(R"({"version": 18446744073709551615, "projects": []})") << "version";
+    QTest::newRow("note without text")
+        << documentWithNote(noteID) << "projects[0].sections[0].notes[0].text";
+    QTest::newRow("note without id") << documentWithNote(R"("text": "x")") << "notes[0].id";
+    QTest::newRow("text is null") << documentWithNote(noteID + R"(, "text": null)") << "null";
+    QTest::newRow("text is a number") << documentWithNote(noteID + R"(, "text": 4)") << "string";
+    QTest::newRow("isDone is a string")
+        << documentWithNote(noteID + R"(, "text": "x", "isDone": "yes")") << "isDone";
+    QTest::newRow("section without isCollapsed")
+        << documentWithNote(noteID + R"(, "text": "x")").replace(R"("isCollapsed": false,)", "")
+        << "isCollapsed";
+    QTest::newRow("bad uuid") << documentWithNote(R"("id": "not-a-uuid", "text": "x")")
+                              << "not-a-uuid";
+    QTest::newRow("uuid with braces")
+        << documentWithNote(R"("id": "{00000000-0000-4000-8000-000000000001}", "text": "x")")
+        << "UUID";
+    QTest::newRow("bad date") << documentWithNote(
+        noteID + R"(, "text": "x", "createdAt": "yesterday")")
+                              << "yesterday";
+    QTest::newRow("February 30") << documentWithNote(
+        noteID + R"(, "text": "x", "createdAt": "2026-02-30T00:00:00Z")")
+                                 << "2026-02-30";
+    QTest::newRow("date without zone")
+        << documentWithNote(noteID + R"(, "text": "x", "createdAt": "2026-01-01T00:00:00")")
+        << "createdAt";
+    QTest::newRow("unknown kind") << documentWithNote(
+        noteID + R"(, "text": "x", "attachments": [{"id": "00000000-0000-4000-8000-000000000009",
+            "fileName": "a", "storedFileName": "a", "kind": "video", "createdAt": "2026-01-01T00:00:00Z"}])")
+                                  << "video";
+    QTest::newRow("attachment without createdAt") << documentWithNote(
+        noteID + R"(, "text": "x", "attachments": [{"id": "00000000-0000-4000-8000-000000000009",
+            "fileName": "a", "storedFileName": "a", "kind": "file"}])")
+                                                  << "attachments[0].createdAt";
+    QTest::newRow("byteCount with a fraction") << documentWithNote(
+        noteID + R"(, "text": "x", "attachments": [{"id": "00000000-0000-4000-8000-000000000009",
+            "fileName": "a", "storedFileName": "a", "kind": "file", "createdAt": "2026-01-01T00:00:00Z", "byteCount": 1.5}])")
+                                               << "byteCount";
+    QTest::newRow("source without appName")
+        << documentWithNote(noteID + R"(, "text": "x", "source": {})") << "source.appName";
+    QTest::newRow("projects is an object")
+        << QByteArray(R"({"version": 3, "projects": {}})") << "array";
+    QTest::newRow("trailing garbage")
+        << (documentWithNote(noteID + R"(, "text": "x")") + "}") << "JSON";
+}
+
+void LibraryCodingTest::decodeRejects()
+{
+    QFETCH(QByteArray, document);
+    QFETCH(QString, errorMentions);
+
+    QString error;
+    QVERIFY(!decodeLibrary(document, &error));
+    QVERIFY2(error.contains(errorMentions, Qt::CaseInsensitive), qPrintable(error));
+}
+
+void LibraryCodingTest::minimalNoteDefaultsAndRewrite()
+{
+    const QDateTime before = QDateTime::currentDateTimeUtc().addMSecs(-1);
+    const std::optional<Library> library
+        = decodeLibrary(documentWithNote(noteID + R"(, "text": "hi")"));
+    QVERIFY(library);
+    const Note &note = library->projects[0].sections[0].notes[0];
+    QCOMPARE(note.isDone, false);
+    QVERIFY(note.createdAt >= before && note.createdAt <= QDateTime::currentDateTimeUtc());
+    QCOMPARE(note.updatedAt, note.createdAt);
+    QVERIFY(!note.completedAt);
+    QVERIFY(!note.source);
+    QVERIFY(note.attachments.isEmpty());
+    QCOMPARE(library->projects[0].sections[0].isAutomatic, false);
+
+    const QByteArray rewritten = encodeLibrary(*library);
+    QVERIFY(rewritten.contains(R"("attachments" : [])"));
+    QVERIFY(rewritten.contains(R"("isDone" : false)"));
+    QVERIFY(rewritten.contains(R"("createdAt" : ")" + formatDocumentDate(note.createdAt)));
+    QVERIFY(rewritten.contains(R"("updatedAt" : ")"));
+    QVERIFY(rewritten.contains(R"("isAutomatic" : false)"));
+    QVERIFY(!rewritten.contains("completedAt"));
+    QVERIFY(!rewritten.contains("source"));
+    QVERIFY(!rewritten.contains("activeProjectID"));
+    QVERIFY(!rewritten.contains("null"));
+}
+
+void LibraryCodingTest::unknownKeysVanish()
+{
+    const QByteArray document = documentWithNote(
+        noteID + R"(, "text": "x", "colour": "red")", R"("sortOrder": 4, )", R"("sync": true, )");
+    const std::optional<Library> library = decodeLibrary(document);
+    QVERIFY(library);
+    const QByteArray rewritten = encodeLibrary(*library);
+    QVERIFY(!rewritten.contains("colour"));
+    QVERIFY(!rewritten.contains("sortOrder"));
+    QVERIFY(!rewritten.contains("sync"));
+}
+
+void LibraryCodingTest::generatedLibraryRoundTrips_data()
+{
+    QTest::addColumn<int>("notes");
+    QTest::addColumn<int>("seed");
+    QTest::newRow("empty projects") << 0 << 1;
+    QTest::newRow("small") << 50 << 2;
+    QTest::newRow("large") << 20000 << 3;
+}
+
+void LibraryCodingTest::generatedLibraryRoundTrips()
+{
+    QFETCH(int, notes);
+    QFETCH(int, seed);
+    const Library library = Test::generateLibrary(notes, quint32(seed));
+    const QByteArray document = encodeLibrary(library);
+    QString error;
+    const std::optional<Library> decoded = decodeLibrary(document, &error);
+    QVERIFY2(decoded, qPrintable(error));
+    QCOMPARE(noteCount(*decoded), notes);
+    QVERIFY(*decoded == library);
+    QCOMPARE(encodeLibrary(*decoded), document);
+}
+
+void LibraryCodingTest::equalLibrariesGiveEqualBytes()
+{
+    const Library a = Test::generateLibrary(500, 11);
+    const Library b = Test::generateLibrary(500, 11);
+    QCOMPARE(encodeLibrary(a), encodeLibrary(b));
+    QVERIFY(encodeLibrary(a) != encodeLibrary(Test::generateLibrary(500, 12)));
+}
+
+void LibraryCodingTest::fractionsOfSecondsAreDropped()
+{
+    Library library = sparseLibrary();
+    library.projects[0].createdAt = QDateTime::fromMSecsSinceEpoch(1773480413999, Qt::UTC);
+    const std::optional<Library> reloaded = decodeLibrary(encodeLibrary(library));
+    QVERIFY(reloaded);
+    QVERIFY(*reloaded != library);
+    QCOMPARE(reloaded->projects[0].createdAt.toMSecsSinceEpoch(), 1773480413000);
+
+    // A whole-second date survives unchanged.
+    const std::optional<Library> again = decodeLibrary(encodeLibrary(*reloaded));
+    QCOMPARE(*again, *reloaded);
+}
+
+void LibraryCodingTest::dates_data()
+{
+    QTest::addColumn<qint64>("msecs");
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("epoch") << qint64(0) << QByteArray("1970-01-01T00:00:00Z");
+    QTest::newRow("pi day") << qint64(1773480413000) << QByteArray("2026-03-14T09:26:53Z");
+    QTest::newRow("leap day") << qint64(951782400000) << QByteArray("2000-02-29T00:00:00Z");
+    QTest::newRow("before epoch, rounded down") << qint64(-1) << QByteArray("1969-12-31T23:59:59Z");
+    QTest::newRow("end of year") << qint64(4102444799500) << QByteArray("2099-12-31T23:59:59Z");
+}
+
+void LibraryCodingTest::dates()
+{
+    QFETCH(qint64, msecs);
+    QFETCH(QByteArray, text);
+    QCOMPARE(formatDocumentDate(QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC)), text);
+    QCOMPARE(parseDocumentDate(text.toStdString()).toMSecsSinceEpoch(),
+        (msecs >= 0 ? msecs / 1000 : (msecs - 999) / 1000) * 1000);
+}
+
+VESKO_TEST_MAIN(LibraryCodingTest)
+#include "tst_librarycoding.moc"

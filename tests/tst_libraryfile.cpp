@@ -1,0 +1,519 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The library on disk, on real files: loading, setting aside, backups, the
+// atomic write and its failures, permissions, the writer thread and the
+// file-level steps of a move.
+
+#include "LibraryGenerator.h"
+#include "TestEnvironment.h"
+
+#include "library/LibraryCoding.h"
+#include "library/LibraryFile.h"
+#include "library/LibraryWriter.h"
+
+#include <QDir>
+#include <QSettings>
+#include <QSignalSpy>
+
+#include <sys/fsuid.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Vesko;
+
+namespace {
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return file.readAll();
+}
+
+void writeFile(const QString &path, const QByteArray &bytes)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(bytes);
+}
+
+QStringList entries(const QString &folder)
+{
+    return QDir(folder).entryList(
+        QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+unsigned mode(const QString &path)
+{
+    struct stat info;
+    if (::stat(QFile::encodeName(path).constData(), &info) != 0)
+        return 0;
+    return info.st_mode & 07777;
+}
+
+// Sets a file's modification date, to order backups without waiting.
+void setModified(const QString &path, qint64 secondsSinceEpoch)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(QDateTime::fromSecsSinceEpoch(secondsSinceEpoch, Qt::UTC),
+        QFileDevice::FileModificationTime));
+}
+
+Library libraryNamed(const QString &name)
+{
+    Library library = Test::generateLibrary(20, qHash(name));
+    library.projects[0].name = name;
+    return library;
+}
+
+// Runs the calling thread's file access as another user while it lives, so
+// that permissions hold even for a test run as root.
+class FileAccessAsNobody
+{
+public:
+    FileAccessAsNobody()
+        : m_previous(::geteuid() == 0 ? ::setfsuid(65534) : -1)
+    { }
+    ~FileAccessAsNobody()
+    {
+        if (m_previous >= 0)
+            ::setfsuid(uid_t(m_previous));
+    }
+
+private:
+    int m_previous;
+};
+
+} // namespace
+
+class LibraryFileTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void missingFileGivesNewLibraryAndWritesNothing();
+    void libraryPathPreference_data();
+    void libraryPathPreference();
+    void unreadableFileIsSetAside_data();
+    void unreadableFileIsSetAside();
+    void setAsideNeverOverwrites();
+    void interruptedWritesAreCleanedAtLoad();
+
+    void firstWriteMakesNoBackup();
+    void sevenSavesKeepFiveBackups();
+    void foreignBackupEntriesTakePart();
+    void filesArePrivateWhateverTheUmask();
+    void writeIntoReadOnlyFolderFails();
+    void writeThroughSymbolicLinkKeepsTheLink();
+
+    void writerKeepsOrder();
+    void writerReportsFailure();
+    void writeNowQueuesBehindEarlierWrites();
+
+    void mergeAttachmentFolderKeepsExistingFiles();
+    void mergeAttachmentFolderSameOrMissingSource();
+    void moveTarget();
+    void removeMovedLibrary();
+
+private:
+    QString m_folder;
+    QString m_path;
+};
+
+void LibraryFileTest::init()
+{
+    static int counter = 0;
+    m_folder = Test::IsolatedEnvironment::current().root()
+        + QStringLiteral("/case-%1/Vesko").arg(++counter);
+    m_path = m_folder + QStringLiteral("/Library.json");
+    QSettings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("Vesko"),
+        QStringLiteral("Vesko"))
+        .clear();
+}
+
+void LibraryFileTest::missingFileGivesNewLibraryAndWritesNothing()
+{
+    const Library library = loadLibrary(m_path);
+    QCOMPARE(library.projects.size(), 1);
+    QCOMPARE(library.projects[0].sections[0].title, QStringLiteral("Inbox"));
+    QVERIFY(!QFileInfo::exists(m_folder));
+
+    // The first write creates the folder.
+    QCOMPARE(writeLibrary(library, m_path), std::nullopt);
+    QCOMPARE(encodeLibrary(loadLibrary(m_path)), encodeLibrary(library));
+}
+
+void LibraryFileTest::libraryPathPreference_data()
+{
+    QTest::addColumn<QVariant>("stored");
+    QTest::addColumn<bool>("usesDefault");
+    QTest::newRow("absent") << QVariant() << true;
+    QTest::newRow("empty") << QVariant(QString()) << true;
+    QTest::newRow("set") << QVariant(QStringLiteral("/somewhere/Mine.json")) << false;
+}
+
+void LibraryFileTest::libraryPathPreference()
+{
+    QFETCH(QVariant, stored);
+    QFETCH(bool, usesDefault);
+    QSettings settings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("Vesko"),
+        QStringLiteral("Vesko"));
+    if (stored.isValid())
+        settings.setValue(QStringLiteral("libraryPath"), stored);
+    settings.sync();
+
+    QCOMPARE(defaultLibraryURL(),
+        Test::IsolatedEnvironment::current().dataHome() + QStringLiteral("/Vesko/Library.json"));
+    QCOMPARE(libraryURL(), usesDefault ? defaultLibraryURL() : stored.toString());
+}
+
+void LibraryFileTest::unreadableFileIsSetAside_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    const QByteArray valid = encodeLibrary(Test::generateLibrary(30));
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("truncated") << valid.left(valid.size() / 2);
+    QTest::newRow("binary") << QByteArray("\x00\x01\x02\xff\xfe PK\x03\x04", 12);
+    QTest::newRow("invalid UTF-8") << QByteArray(valid).replace("Inbox", "Inb\xc3\x28x");
+    QTest::newRow("valid JSON, wrong shape") << QByteArray(R"({"version": 3, "projects": [{}]})");
+}
+
+void LibraryFileTest::unreadableFileIsSetAside()
+{
+    QFETCH(QByteArray, content);
+    writeFile(m_path, content);
+
+    QTest::ignoreMessage(QtCriticalMsg,
+        QRegularExpression(QStringLiteral("^Could not read library at .*Library\\.json: .+")));
+    const Library library = loadLibrary(m_path);
+    QCOMPARE(library.projects.size(), 1);
+    QCOMPARE(noteCount(library), 0);
+
+    QVERIFY(!QFileInfo::exists(m_path));
+    const QStringList names = entries(m_folder);
+    QCOMPARE(names.size(), 1);
+    QVERIFY2(QRegularExpression(
+                 QStringLiteral(
+                     "^Library-unreadable-\\d{4}-\\d\\d-\\d\\dT\\d\\d-\\d\\d-\\d\\dZ\\.json$"))
+                 .match(names.first())
+                 .hasMatch(),
+        qPrintable(names.first()));
+    QCOMPARE(readFile(m_folder + u'/' + names.first()), content);
+
+    // The next start finds no file and does not read the one set aside.
+    QCOMPARE(loadLibrary(m_path).projects.size(), 1);
+    QCOMPARE(entries(m_folder).size(), 1);
+}
+
+void LibraryFileTest::setAsideNeverOverwrites()
+{
+    // Both names that a set-aside within the next second could want are taken.
+    const QDateTime now = currentDate();
+    for (const QDateTime &moment : {now, now.addSecs(1)}) {
+        writeFile(
+            m_folder + QStringLiteral("/Library-unreadable-%1.json").arg(fileNameStamp(moment)),
+            "earlier");
+    }
+    writeFile(m_path, "not json");
+    QTest::ignoreMessage(
+        QtCriticalMsg, QRegularExpression(QStringLiteral("^Could not read library")));
+    QTest::ignoreMessage(QtInfoMsg,
+        QRegularExpression(QStringLiteral("^Could not set the unreadable library aside")));
+    loadLibrary(m_path);
+
+    QCOMPARE(readFile(m_path), QByteArray("not json"));
+    for (const QDateTime &moment : {now, now.addSecs(1)}) {
+        QCOMPARE(readFile(m_folder
+                     + QStringLiteral("/Library-unreadable-%1.json").arg(fileNameStamp(moment))),
+            QByteArray("earlier"));
+    }
+
+    // The next save backs it up and replaces it.
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("new")), m_path), std::nullopt);
+    const QStringList backups = entries(backupsFolder(m_path));
+    QCOMPARE(backups.size(), 1);
+    QCOMPARE(readFile(backupsFolder(m_path) + u'/' + backups.first()), QByteArray("not json"));
+}
+
+void LibraryFileTest::interruptedWritesAreCleanedAtLoad()
+{
+    const Library library = libraryNamed(QStringLiteral("kept"));
+    QCOMPARE(writeLibrary(library, m_path), std::nullopt);
+    const QString stale
+        = m_folder + QStringLiteral("/.Library.json.0F8FAD5B-D9CB-469F-A165-70867728950E");
+    const QString unrelated = m_folder + QStringLiteral("/.Library.json.notes");
+    writeFile(stale, "{\"half");
+    writeFile(unrelated, "keep me");
+
+    QTest::ignoreMessage(
+        QtInfoMsg, QRegularExpression(QStringLiteral("^Removed the unfinished write")));
+    QCOMPARE(loadLibrary(m_path), library);
+    QVERIFY(!QFileInfo::exists(stale));
+    QVERIFY(QFileInfo::exists(unrelated));
+}
+
+void LibraryFileTest::firstWriteMakesNoBackup()
+{
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("1")), m_path), std::nullopt);
+    QVERIFY(!QFileInfo::exists(backupsFolder(m_path)));
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("2")), m_path), std::nullopt);
+    QCOMPARE(entries(backupsFolder(m_path)).size(), 1);
+}
+
+void LibraryFileTest::sevenSavesKeepFiveBackups()
+{
+    QList<QByteArray> states;
+    for (int i = 1; i <= 7; ++i) {
+        const Library library = libraryNamed(QStringLiteral("state %1").arg(i));
+        states.append(encodeLibrary(library));
+        QCOMPARE(writeLibrary(library, m_path), std::nullopt);
+        // Distinct dates for each state, as saves at least a second apart would have.
+        setModified(m_path, 1700000000 + i * 10);
+    }
+
+    QCOMPARE(readFile(m_path), states.last());
+    const QString folder = backupsFolder(m_path);
+    const QStringList names = entries(folder);
+    QCOMPARE(names.size(), 5);
+
+    QList<QByteArray> kept;
+    for (const QString &name : names) {
+        QVERIFY2(QRegularExpression(QStringLiteral("^Library-.+Z-[0-9A-F]{6}\\.json$"))
+                     .match(name)
+                     .hasMatch(),
+            qPrintable(name));
+        kept.append(readFile(folder + u'/' + name));
+        // Each backup keeps the date of the save that produced its content.
+        const int state = int(states.indexOf(kept.last()));
+        QVERIFY(state >= 1 && state <= 5);
+        QCOMPARE(QFileInfo(folder + u'/' + name).lastModified().toSecsSinceEpoch(),
+            1700000000 + (state + 1) * 10);
+    }
+    // The states that the last five saves replaced: 2 to 6.
+    for (int i = 1; i <= 5; ++i)
+        QVERIFY2(kept.contains(states.at(i)), qPrintable(QString::number(i + 1)));
+}
+
+void LibraryFileTest::foreignBackupEntriesTakePart()
+{
+    const QString folder = backupsFolder(m_path);
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("0")), m_path), std::nullopt);
+    writeFile(folder + QStringLiteral("/old notes.txt"), "foreign, old");
+    setModified(folder + QStringLiteral("/old notes.txt"), 1000);
+    writeFile(folder + QStringLiteral("/.hidden-new"), "foreign, new");
+    setModified(folder + QStringLiteral("/.hidden-new"), 4000000000);
+
+    for (int i = 1; i <= 5; ++i)
+        QCOMPARE(writeLibrary(libraryNamed(QString::number(i)), m_path), std::nullopt);
+
+    const QStringList names = entries(folder);
+    QCOMPARE(names.size(), 5);
+    QVERIFY(names.contains(QStringLiteral(".hidden-new"))); // newest by date
+    QVERIFY(!names.contains(QStringLiteral("old notes.txt"))); // oldest, rotated out
+}
+
+void LibraryFileTest::filesArePrivateWhateverTheUmask()
+{
+    const mode_t previous = ::umask(0);
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("a")), m_path), std::nullopt);
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("b")), m_path), std::nullopt);
+    ::umask(previous);
+
+    QCOMPARE(mode(m_folder), 0700u);
+    QCOMPARE(mode(m_path), 0600u);
+    const QString folder = backupsFolder(m_path);
+    QCOMPARE(mode(folder), 0700u);
+    for (const QString &name : entries(folder))
+        QCOMPARE(mode(folder + u'/' + name), 0600u);
+}
+
+void LibraryFileTest::writeIntoReadOnlyFolderFails()
+{
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("old")), m_path), std::nullopt);
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("older")), m_path), std::nullopt);
+    const QByteArray before = readFile(m_path);
+    const QStringList backupsBefore = entries(backupsFolder(m_path));
+    const QStringList filesBefore = entries(m_folder);
+
+    // The other user may reach the folder, not write into it.
+    const auto reachable = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner
+        | QFileDevice::ReadOther | QFileDevice::ExeOther;
+    for (QString parent = QFileInfo(m_folder).absolutePath();
+         parent.startsWith(QDir::tempPath() + u'/'); parent = QFileInfo(parent).absolutePath()) {
+        QFile::setPermissions(parent, reachable);
+    }
+    QVERIFY(QFile::setPermissions(m_folder,
+        QFileDevice::ReadOwner | QFileDevice::ExeOwner | QFileDevice::ReadOther
+            | QFileDevice::ExeOther));
+    std::optional<QString> error;
+    {
+        FileAccessAsNobody nobody;
+        error = writeLibrary(libraryNamed(QStringLiteral("new")), m_path);
+    }
+    QFile::setPermissions(
+        m_folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+
+    QVERIFY(error);
+    QVERIFY2(error->contains(m_folder) && error->contains(QStringLiteral("ermission")),
+        qPrintable(*error));
+    QCOMPARE(readFile(m_path), before);
+    QCOMPARE(entries(backupsFolder(m_path)), backupsBefore);
+    QCOMPARE(entries(m_folder), filesBefore);
+}
+
+void LibraryFileTest::writeThroughSymbolicLinkKeepsTheLink()
+{
+    const QString realFolder = m_folder + QStringLiteral("-synced");
+    QDir().mkpath(realFolder);
+    QDir().mkpath(m_folder);
+    const QString real = realFolder + QStringLiteral("/Library.json");
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("1")), real), std::nullopt);
+    QVERIFY(QFile::link(real, m_path));
+
+    const Library library = libraryNamed(QStringLiteral("2"));
+    QCOMPARE(writeLibrary(library, m_path), std::nullopt);
+    QVERIFY(QFileInfo(m_path).isSymLink());
+    QCOMPARE(loadLibrary(real), library);
+}
+
+void LibraryFileTest::writerKeepsOrder()
+{
+    LibraryWriter writer;
+    QObject context;
+    QList<int> completed;
+    for (int i = 0; i < 20; ++i) {
+        writer.write(libraryNamed(QString::number(i)), m_path, &context,
+            [&completed, i](std::optional<QString> failure) {
+                QVERIFY(!failure);
+                QVERIFY(QThread::currentThread() == QCoreApplication::instance()->thread());
+                completed.append(i);
+            });
+    }
+    QTRY_COMPARE(completed.size(), 20);
+    for (int i = 0; i < 20; ++i)
+        QCOMPARE(completed.at(i), i);
+    QCOMPARE(loadLibrary(m_path), libraryNamed(QStringLiteral("19")));
+}
+
+void LibraryFileTest::writerReportsFailure()
+{
+    // A folder that cannot exist: its parent is a file.
+    writeFile(m_folder, "a file where the folder should be");
+    LibraryWriter writer;
+    QObject context;
+    std::optional<std::optional<QString>> result;
+    writer.write(libraryNamed(QStringLiteral("x")), m_path, &context,
+        [&result](std::optional<QString> failure) { result = failure; });
+    QTRY_VERIFY(result.has_value());
+    QVERIFY(result->has_value());
+    QVERIFY2((*result)->contains(QStringLiteral("not a folder")), qPrintable(**result));
+
+    // A completion whose context is gone is dropped.
+    bool called = false;
+    {
+        QObject shortLived;
+        writer.write(libraryNamed(QStringLiteral("y")), m_path, &shortLived,
+            [&called](auto) { called = true; });
+    }
+    QVERIFY(writer.writeNow(libraryNamed(QStringLiteral("z")), m_path).has_value());
+    QCoreApplication::processEvents();
+    QVERIFY(!called);
+}
+
+void LibraryFileTest::writeNowQueuesBehindEarlierWrites()
+{
+    LibraryWriter writer;
+    QObject context;
+    const Library big = Test::generateLibrary(20000);
+    int finished = 0;
+    for (int i = 0; i < 3; ++i)
+        writer.write(big, m_path, &context, [&finished](auto) { ++finished; });
+    const Library last = libraryNamed(QStringLiteral("last"));
+    QCOMPARE(writer.writeNow(last, m_path), std::nullopt);
+    // The earlier writes ran first; their completions are still queued.
+    QCOMPARE(loadLibrary(m_path), last);
+    QCOMPARE(entries(backupsFolder(m_path)).size(), 3);
+    QTRY_COMPARE(finished, 3);
+    QCOMPARE(loadLibrary(m_path), last);
+}
+
+void LibraryFileTest::mergeAttachmentFolderKeepsExistingFiles()
+{
+    const QString from = m_folder + QStringLiteral("/Attachments");
+    const QString to = m_folder + QStringLiteral("-new/Attachments");
+    writeFile(from + QStringLiteral("/A/image.png"), "image");
+    writeFile(from + QStringLiteral("/B/deep/report.pdf"), "report");
+    writeFile(from + QStringLiteral("/same.txt"), "from source");
+    writeFile(to + QStringLiteral("/same.txt"), "already there");
+    setModified(from + QStringLiteral("/A/image.png"), 1600000000);
+
+    QCOMPARE(mergeAttachmentFolder(from, to), std::nullopt);
+    QCOMPARE(readFile(to + QStringLiteral("/A/image.png")), QByteArray("image"));
+    QCOMPARE(readFile(to + QStringLiteral("/B/deep/report.pdf")), QByteArray("report"));
+    QCOMPARE(readFile(to + QStringLiteral("/same.txt")), QByteArray("already there"));
+    QCOMPARE(QFileInfo(to + QStringLiteral("/A/image.png")).lastModified().toSecsSinceEpoch(),
+        1600000000);
+    QCOMPARE(readFile(from + QStringLiteral("/same.txt")), QByteArray("from source"));
+}
+
+void LibraryFileTest::mergeAttachmentFolderSameOrMissingSource()
+{
+    const QString folder = m_folder + QStringLiteral("/Attachments");
+    writeFile(folder + QStringLiteral("/a.txt"), "a");
+    QCOMPARE(mergeAttachmentFolder(folder, m_folder + QStringLiteral("/../Vesko/Attachments/")),
+        std::nullopt);
+    QCOMPARE(entries(folder), QStringList {QStringLiteral("a.txt")});
+
+    const QString target = m_folder + QStringLiteral("-other/Attachments");
+    QCOMPARE(mergeAttachmentFolder(m_folder + QStringLiteral("/Missing"), target), std::nullopt);
+    QVERIFY(!QFileInfo::exists(target));
+
+    // A failure is reported: the target's parent is a file.
+    writeFile(m_folder + QStringLiteral("-blocked"), "file");
+    const auto error
+        = mergeAttachmentFolder(folder, m_folder + QStringLiteral("-blocked/Attachments"));
+    QVERIFY(error);
+}
+
+void LibraryFileTest::moveTarget()
+{
+    QDir().mkpath(m_folder);
+    QCOMPARE(libraryMoveTarget(m_folder), m_folder + QStringLiteral("/Library.json"));
+    QCOMPARE(libraryMoveTarget(m_folder + QStringLiteral("/Mine.json")),
+        m_folder + QStringLiteral("/Mine.json"));
+}
+
+void LibraryFileTest::removeMovedLibrary()
+{
+    const QString oldPath = m_path;
+    const QString newPath = m_folder + QStringLiteral("-moved/Library.json");
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("1")), oldPath), std::nullopt);
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("2")), oldPath), std::nullopt);
+    writeFile(attachmentsFolder(oldPath) + QStringLiteral("/x/a.txt"), "a");
+
+    // Moving onto itself removes nothing.
+    Vesko::removeMovedLibrary(oldPath, m_folder + QStringLiteral("/./Library.json"));
+    QVERIFY(QFileInfo::exists(oldPath));
+    QVERIFY(QFileInfo::exists(attachmentsFolder(oldPath)));
+
+    Vesko::removeMovedLibrary(oldPath, newPath);
+    QVERIFY(!QFileInfo::exists(oldPath));
+    QVERIFY(!QFileInfo::exists(attachmentsFolder(oldPath)));
+    QCOMPARE(entries(backupsFolder(oldPath)).size(), 1); // old backups stay
+
+    // Another file name in the same folder keeps the shared attachment folder.
+    const QString sibling = m_folder + QStringLiteral("/Other.json");
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("3")), sibling), std::nullopt);
+    writeFile(attachmentsFolder(sibling) + QStringLiteral("/b.txt"), "b");
+    Vesko::removeMovedLibrary(sibling, m_folder + QStringLiteral("/Library.json"));
+    QVERIFY(!QFileInfo::exists(sibling));
+    QVERIFY(QFileInfo::exists(attachmentsFolder(sibling) + QStringLiteral("/b.txt")));
+}
+
+VESKO_TEST_MAIN(LibraryFileTest)
+#include "tst_libraryfile.moc"
