@@ -17,9 +17,17 @@
 
 #include <QByteArray>
 
+#include <functional>
+
 namespace Vesko {
 
 QByteArray encodeLibrary(const Library &library);
+
+//! Encodes \a library into \a sink, a piece of about a mebibyte at a time, so
+//! that a large library is never held twice in memory. Returns false as soon
+//! as the sink does.
+bool encodeLibrary(
+    const Library &library, const std::function<bool(const char *, qsizetype)> &sink);
 
 //! Decodes a document. On failure returns nothing and, when \a errorText is
 //! given, sets it to a description a person can read.

@@ -6,7 +6,15 @@
 
 #include <simdjson.h>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+#include <array>
+#include <bit>
 #include <chrono>
+#include <cstdint>
+#include <cstring>
 #include <string>
 
 namespace Vesko {
@@ -83,6 +91,59 @@ const char *typeName(element_type type)
         return QT_TRANSLATE_NOOP("LibraryDecoder", "null");
     }
     return QT_TRANSLATE_NOOP("LibraryDecoder", "a value");
+}
+
+// UTF-8 that the parser has already validated, as UTF-16. ASCII, the common
+// case, is widened sixteen bytes at a time; a multi-byte sequence is decoded
+// where the first non-ASCII byte of a block stands.
+QString fromValidatedUtf8(std::string_view text)
+{
+    QString out(qsizetype(text.size()), Qt::Uninitialized);
+    char16_t *const begin = reinterpret_cast<char16_t *>(out.data());
+    char16_t *d = begin;
+    auto p = reinterpret_cast<const unsigned char *>(text.data());
+    const auto end = p + text.size();
+    while (p < end) {
+#ifdef __SSE2__
+        if (end - p >= 16) {
+            const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+            const unsigned high = unsigned(_mm_movemask_epi8(block));
+            const __m128i zero = _mm_setzero_si128();
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(d), _mm_unpacklo_epi8(block, zero));
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(d + 8), _mm_unpackhi_epi8(block, zero));
+            // Everything before the first non-ASCII byte was written correctly.
+            const int ascii = high ? std::countr_zero(high) : 16;
+            p += ascii;
+            d += ascii;
+            if (!high)
+                continue;
+        }
+#endif
+        // A run of non-ASCII text one character at a time, without trying
+        // the block test at every character.
+        do {
+            const unsigned c = *p;
+            if (c < 0x80) {
+                *d++ = char16_t(c);
+                p += 1;
+            } else if (c < 0xE0) {
+                *d++ = char16_t((c & 0x1F) << 6 | (p[1] & 0x3F));
+                p += 2;
+            } else if (c < 0xF0) {
+                *d++ = char16_t((c & 0x0F) << 12 | (p[1] & 0x3F) << 6 | (p[2] & 0x3F));
+                p += 3;
+            } else {
+                const std::uint32_t point
+                    = ((c & 0x07) << 18 | (p[1] & 0x3F) << 12 | (p[2] & 0x3F) << 6 | (p[3] & 0x3F))
+                    - 0x10000;
+                *d++ = char16_t(0xD800 + (point >> 10));
+                *d++ = char16_t(0xDC00 + (point & 0x3FF));
+                p += 4;
+            }
+        } while (p < end && *p >= 0x80);
+    }
+    out.truncate(d - begin);
+    return out;
 }
 
 // Reads the members of one JSON object into the fields of a value. Every
@@ -350,7 +411,7 @@ private:
         std::string_view text;
         if (value.get(text) != simdjson::SUCCESS)
             wrongType(value, key, QT_TRANSLATE_NOOP("LibraryDecoder", "a string"));
-        return QString::fromUtf8(text.data(), qsizetype(text.size()));
+        return fromValidatedUtf8(text);
     }
 
     std::optional<QString> optionalString(element value, std::string_view key)
@@ -442,15 +503,22 @@ private:
     Path m_path;
 };
 
+// The value of each hexadecimal digit, -1 for every other byte.
+constexpr std::array<signed char, 256> hexValues = [] {
+    std::array<signed char, 256> table {};
+    table.fill(-1);
+    for (int i = 0; i < 10; ++i)
+        table['0' + i] = static_cast<signed char>(i);
+    for (int i = 0; i < 6; ++i) {
+        table['a' + i] = static_cast<signed char>(10 + i);
+        table['A' + i] = static_cast<signed char>(10 + i);
+    }
+    return table;
+}();
+
 int hexValue(char c)
 {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
+    return hexValues[static_cast<unsigned char>(c)];
 }
 
 // Reads exactly n decimal digits.

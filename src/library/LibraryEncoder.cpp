@@ -2,8 +2,15 @@
 
 #include "library/LibraryCoding.h"
 
-#include <array>
+#include <algorithm>
+#include <bit>
+#include <charconv>
 #include <chrono>
+#include <cstring>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace Vesko {
 
@@ -11,18 +18,72 @@ namespace {
 
 constexpr char hexDigits[] = "0123456789ABCDEF";
 
-// Writes the document into one growing buffer. Members are written in the
-// order the caller gives; every caller gives them in ascending byte order.
+// Writes "YYYY-MM-DDTHH:MM:SSZ" for whole seconds since the epoch; false for
+// a year that does not have four digits.
+bool writeCompactDate(char *text, qint64 msecs)
+{
+    using namespace std::chrono;
+    // Whole seconds, rounded towards the past also before 1970.
+    const sys_seconds instant {seconds {msecs / 1000 - (msecs % 1000 < 0 ? 1 : 0)}};
+    const sys_days day = floor<days>(instant);
+    const year_month_day ymd {day};
+    const hh_mm_ss<seconds> time {instant - day};
+    const int year = int(ymd.year());
+    if (year < 0 || year > 9999)
+        return false;
+
+    auto put2 = [](char *at, unsigned value) {
+        at[0] = char('0' + value / 10);
+        at[1] = char('0' + value % 10);
+    };
+    put2(text, unsigned(year) / 100);
+    put2(text + 2, unsigned(year) % 100);
+    text[4] = '-';
+    put2(text + 5, unsigned(ymd.month()));
+    text[7] = '-';
+    put2(text + 8, unsigned(ymd.day()));
+    text[10] = 'T';
+    put2(text + 11, unsigned(time.hours().count()));
+    text[13] = ':';
+    put2(text + 14, unsigned(time.minutes().count()));
+    text[16] = ':';
+    put2(text + 17, unsigned(time.seconds().count()));
+    text[19] = 'Z';
+    return true;
+}
+
+// Writes the document into one buffer through a cursor. Members are written
+// in the order the caller gives; every caller gives them in ascending byte order.
 class DocumentWriter
 {
 public:
-    explicit DocumentWriter(qsizetype expectedSize) { m_out.reserve(expectedSize); }
+    using Sink = std::function<bool(const char *, qsizetype)>;
 
-    QByteArray take() { return std::move(m_out); }
+    //! Collects the whole document in memory.
+    explicit DocumentWriter(qsizetype expectedSize)
+    {
+        m_out.resize(std::max<qsizetype>(expectedSize, 256));
+    }
+
+    //! Hands the document to \a sink in pieces of about \a pieceSize bytes.
+    DocumentWriter(const Sink *sink, qsizetype pieceSize)
+        : m_sink(sink)
+    {
+        m_out.resize(pieceSize);
+    }
+
+    QByteArray take()
+    {
+        m_out.truncate(m_size);
+        return std::move(m_out);
+    }
+
+    //! Hands what is left to the sink; false if the sink failed on the way.
+    bool finish() { return flush() && m_sinkOk; }
 
     void beginObject()
     {
-        m_out.append('{');
+        put('{');
         ++m_depth;
         m_first = true;
     }
@@ -32,13 +93,13 @@ public:
         --m_depth;
         if (!m_first)
             newline();
-        m_out.append('}');
+        put('}');
         m_first = false;
     }
 
     void beginArray()
     {
-        m_out.append('[');
+        put('[');
         ++m_depth;
         m_first = true;
     }
@@ -48,9 +109,12 @@ public:
         --m_depth;
         if (!m_first)
             newline();
-        m_out.append(']');
+        put(']');
         m_first = false;
     }
+
+    // Ends the document's last line.
+    void endLine() { put('\n'); }
 
     // Starts an array element.
     void element() { separator(); }
@@ -59,121 +123,227 @@ public:
     void key(std::string_view name)
     {
         separator();
-        m_out.append('"');
-        m_out.append(name.data(), qsizetype(name.size()));
-        m_out.append("\" : ", 4);
+        char *out = room(qsizetype(name.size()) + 5);
+        *out++ = '"';
+        std::memcpy(out, name.data(), name.size());
+        out += name.size();
+        std::memcpy(out, "\" : ", 4);
+        m_size += qsizetype(name.size()) + 5;
     }
 
     void string(const QString &value)
     {
-        m_out.append('"');
-        appendEscaped(value.toUtf8());
-        m_out.append('"');
-        m_first = false;
-    }
-
-    void rawString(const QByteArray &ascii)
-    {
-        m_out.append('"');
-        m_out.append(ascii);
-        m_out.append('"');
+        // At most six bytes a UTF-16 unit (a \u00XX escape), and the quotes.
+        char *const start = room(value.size() * 6 + 2);
+        char *out = start;
+        *out++ = '"';
+        out = writeEscapedUtf8(
+            out, reinterpret_cast<const char16_t *>(value.constData()), value.size());
+        *out++ = '"';
+        m_size += out - start;
         m_first = false;
     }
 
     void boolean(bool value)
     {
         if (value)
-            m_out.append("true", 4);
+            append("true", 4);
         else
-            m_out.append("false", 5);
+            append("false", 5);
         m_first = false;
     }
 
     void integer(qint64 value)
     {
-        m_out.append(QByteArray::number(value));
+        char *out = room(24);
+        const auto result = std::to_chars(out, out + 24, value);
+        m_size += result.ptr - out;
         m_first = false;
     }
 
-    void uuid(const QUuid &id) { rawString(uuidText(id)); }
-
-    void date(const QDateTime &value) { rawString(formatDocumentDate(value)); }
-
-    static QByteArray uuidText(const QUuid &id)
+    void uuid(const QUuid &id)
     {
-        const QByteArray bytes = id.toRfc4122();
-        QByteArray text(36, Qt::Uninitialized);
-        char *out = text.data();
-        for (int i = 0; i < 16; ++i) {
-            if (i == 4 || i == 6 || i == 8 || i == 10)
+        char *out = room(38);
+        *out++ = '"';
+        auto hex = [&out](unsigned value, int digits) {
+            for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4)
+                *out++ = hexDigits[(value >> shift) & 0xF];
+        };
+        hex(id.data1, 8);
+        *out++ = '-';
+        hex(id.data2, 4);
+        *out++ = '-';
+        hex(id.data3, 4);
+        *out++ = '-';
+        for (int i = 0; i < 8; ++i) {
+            if (i == 2)
                 *out++ = '-';
-            const auto byte = static_cast<unsigned char>(bytes.at(i));
-            *out++ = hexDigits[byte >> 4];
-            *out++ = hexDigits[byte & 0xF];
+            hex(id.data4[i], 2);
         }
-        return text;
+        *out++ = '"';
+        m_size += 38;
+        m_first = false;
+    }
+
+    void date(const QDateTime &value)
+    {
+        char *out = room(22);
+        if (writeCompactDate(out + 1, value.isValid() ? value.toMSecsSinceEpoch() : 0)) {
+            out[0] = '"';
+            out[21] = '"';
+            m_size += 22;
+        } else {
+            put('"');
+            const QByteArray text = formatDocumentDate(value);
+            append(text.constData(), text.size());
+            put('"');
+        }
+        m_first = false;
     }
 
 private:
+    // Makes room for \a n more bytes and returns where they go.
+    char *room(qsizetype n)
+    {
+        if (m_size + n > m_out.size()) {
+            if (m_sink)
+                flush();
+            if (m_size + n > m_out.size())
+                m_out.resize(std::max(m_out.size() * 2, m_size + n));
+        }
+        return m_out.data() + m_size;
+    }
+
+    bool flush()
+    {
+        if (m_sink && m_size > 0) {
+            if (m_sinkOk)
+                m_sinkOk = (*m_sink)(m_out.constData(), m_size);
+            m_size = 0;
+        }
+        return m_sinkOk;
+    }
+
+    void put(char c)
+    {
+        *room(1) = c;
+        ++m_size;
+    }
+
+    void append(const char *data, qsizetype n)
+    {
+        std::memcpy(room(n), data, size_t(n));
+        m_size += n;
+    }
+
     void separator()
     {
         if (!m_first)
-            m_out.append(',');
+            put(',');
         newline();
         m_first = false;
     }
 
     void newline()
     {
-        m_out.append('\n');
-        m_out.append(qsizetype(m_depth) * 2, ' ');
+        const qsizetype indent = qsizetype(m_depth) * 2;
+        char *out = room(indent + 1);
+        *out = '\n';
+        std::memset(out + 1, ' ', size_t(indent));
+        m_size += indent + 1;
     }
 
-    // JSON escapes for the characters that must be escaped; everything else,
-    // slashes and non-ASCII text included, is written as it is.
-    void appendEscaped(const QByteArray &utf8)
+    // UTF-16 to UTF-8 with the JSON escapes for quotes, backslashes and
+    // control characters; slashes and non-ASCII text are written as they are.
+    // A lone surrogate becomes U+FFFD.
+    static char *writeEscapedUtf8(char *out, const char16_t *in, qsizetype length)
     {
-        const char *begin = utf8.constData();
-        const char *end = begin + utf8.size();
-        const char *run = begin;
-        for (const char *p = begin; p != end; ++p) {
-            const auto c = static_cast<unsigned char>(*p);
-            if (c >= 0x20 && c != '"' && c != '\\')
-                continue;
-            m_out.append(run, p - run);
-            run = p + 1;
-            switch (c) {
-            case '"':
-                m_out.append("\\\"", 2);
-                break;
-            case '\\':
-                m_out.append("\\\\", 2);
-                break;
-            case '\n':
-                m_out.append("\\n", 2);
-                break;
-            case '\r':
-                m_out.append("\\r", 2);
-                break;
-            case '\t':
-                m_out.append("\\t", 2);
-                break;
-            case '\b':
-                m_out.append("\\b", 2);
-                break;
-            case '\f':
-                m_out.append("\\f", 2);
-                break;
-            default: {
-                const char escape[6] = {'\\', 'u', '0', '0', hexDigits[c >> 4], hexDigits[c & 0xF]};
-                m_out.append(escape, 6);
+        const char16_t *const end = in + length;
+        while (in < end) {
+#ifdef __SSE2__
+            if (end - in >= 8) {
+                const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i *>(in));
+                const __m128i nonAscii = _mm_cmpeq_epi16(
+                    _mm_and_si128(units, _mm_set1_epi16(short(0xFF80))), _mm_setzero_si128());
+                const __m128i special
+                    = _mm_or_si128(_mm_or_si128(_mm_cmplt_epi16(units, _mm_set1_epi16(0x20)),
+                                       _mm_cmpeq_epi16(units, _mm_set1_epi16('"'))),
+                        _mm_cmpeq_epi16(units, _mm_set1_epi16('\\')));
+                // Bits set for units that can be copied as single bytes.
+                const unsigned plain
+                    = unsigned(_mm_movemask_epi8(_mm_andnot_si128(special, nonAscii)));
+                _mm_storel_epi64(reinterpret_cast<__m128i *>(out), _mm_packus_epi16(units, units));
+                const int count = plain == 0xFFFF ? 8 : std::countr_one(plain) / 2;
+                in += count;
+                out += count;
+                if (count == 8)
+                    continue;
             }
-            }
+#endif
+            // One character at a time through a run of non-ASCII text, so that
+            // the block test above is not tried, and failed, at every character.
+            do {
+                const char16_t c = *in++;
+                if (c < 0x80) {
+                    if (c >= 0x20 && c != '"' && c != '\\') {
+                        *out++ = char(c);
+                        continue;
+                    }
+                    *out++ = '\\';
+                    switch (c) {
+                    case '"':
+                        *out++ = '"';
+                        break;
+                    case '\\':
+                        *out++ = '\\';
+                        break;
+                    case '\n':
+                        *out++ = 'n';
+                        break;
+                    case '\r':
+                        *out++ = 'r';
+                        break;
+                    case '\t':
+                        *out++ = 't';
+                        break;
+                    case '\b':
+                        *out++ = 'b';
+                        break;
+                    case '\f':
+                        *out++ = 'f';
+                        break;
+                    default:
+                        *out++ = 'u';
+                        *out++ = '0';
+                        *out++ = '0';
+                        *out++ = hexDigits[c >> 4];
+                        *out++ = hexDigits[c & 0xF];
+                    }
+                } else if (c < 0x800) {
+                    *out++ = char(0xC0 | c >> 6);
+                    *out++ = char(0x80 | (c & 0x3F));
+                } else if (c >= 0xD800 && c < 0xDC00 && in < end && *in >= 0xDC00 && *in < 0xE000) {
+                    const char32_t point
+                        = 0x10000 + ((char32_t(c) - 0xD800) << 10) + (char32_t(*in++) - 0xDC00);
+                    *out++ = char(0xF0 | point >> 18);
+                    *out++ = char(0x80 | ((point >> 12) & 0x3F));
+                    *out++ = char(0x80 | ((point >> 6) & 0x3F));
+                    *out++ = char(0x80 | (point & 0x3F));
+                } else {
+                    const char16_t unit = (c >= 0xD800 && c < 0xE000) ? char16_t(0xFFFD) : c;
+                    *out++ = char(0xE0 | unit >> 12);
+                    *out++ = char(0x80 | ((unit >> 6) & 0x3F));
+                    *out++ = char(0x80 | (unit & 0x3F));
+                }
+            } while (in < end && *in >= 0x80);
         }
-        m_out.append(run, end - run);
+        return out;
     }
 
     QByteArray m_out;
+    qsizetype m_size = 0;
+    const Sink *m_sink = nullptr;
+    bool m_sinkOk = true;
     int m_depth = 0;
     bool m_first = true;
 };
@@ -299,43 +469,16 @@ void writeProject(DocumentWriter &w, const Project &project)
 
 QByteArray formatDocumentDate(const QDateTime &date)
 {
-    using namespace std::chrono;
-    // Whole seconds, rounded towards the past also before 1970.
-    const qint64 msecs = date.isValid() ? date.toMSecsSinceEpoch() : 0;
-    const sys_seconds instant {seconds {msecs / 1000 - (msecs % 1000 < 0 ? 1 : 0)}};
-    const sys_days day = floor<days>(instant);
-    const year_month_day ymd {day};
-    const hh_mm_ss<seconds> time {instant - day};
-
-    const int year = int(ymd.year());
-    if (year < 0 || year > 9999)
-        return date.toUTC().toString(Qt::ISODate).toLatin1();
-
     char text[20];
-    auto put2 = [](char *at, unsigned value) {
-        at[0] = char('0' + value / 10);
-        at[1] = char('0' + value % 10);
-    };
-    put2(text, unsigned(year) / 100);
-    put2(text + 2, unsigned(year) % 100);
-    text[4] = '-';
-    put2(text + 5, unsigned(ymd.month()));
-    text[7] = '-';
-    put2(text + 8, unsigned(ymd.day()));
-    text[10] = 'T';
-    put2(text + 11, unsigned(time.hours().count()));
-    text[13] = ':';
-    put2(text + 14, unsigned(time.minutes().count()));
-    text[16] = ':';
-    put2(text + 17, unsigned(time.seconds().count()));
-    text[19] = 'Z';
-    return QByteArray(text, 20);
+    if (writeCompactDate(text, date.isValid() ? date.toMSecsSinceEpoch() : 0))
+        return QByteArray(text, 20);
+    return date.toUTC().toString(Qt::ISODate).toLatin1();
 }
 
-QByteArray encodeLibrary(const Library &library)
+namespace {
+
+void writeLibrary(DocumentWriter &w, const Library &library)
 {
-    // About 600 bytes a note is typical; reserving avoids most regrowth.
-    DocumentWriter w(4096 + noteCount(library) * 640);
     w.beginObject();
     if (library.activeProjectID) {
         w.key("activeProjectID");
@@ -351,9 +494,40 @@ QByteArray encodeLibrary(const Library &library)
     w.key("version");
     w.integer(library.version);
     w.endObject();
-    QByteArray document = w.take();
-    document.append('\n');
-    return document;
+    w.endLine();
+}
+
+// The document's size, near enough to allocate it once: the texts, and
+// what a note's members take around them.
+qsizetype estimatedSize(const Library &library)
+{
+    qsizetype size = 4096;
+    for (const Project &project : library.projects) {
+        size += 512;
+        for (const NoteSection &section : project.sections) {
+            size += 512 + section.title.size() * 3;
+            for (const Note &note : section.notes)
+                size += 448 + note.text.size() * 3 / 2 + note.attachments.size() * 512
+                    + (note.source ? 256 : 0);
+        }
+    }
+    return size;
+}
+
+} // namespace
+
+QByteArray encodeLibrary(const Library &library)
+{
+    DocumentWriter w(estimatedSize(library));
+    writeLibrary(w, library);
+    return w.take();
+}
+
+bool encodeLibrary(const Library &library, const std::function<bool(const char *, qsizetype)> &sink)
+{
+    DocumentWriter w(&sink, 1 << 20);
+    writeLibrary(w, library);
+    return w.finish();
 }
 
 } // namespace Vesko

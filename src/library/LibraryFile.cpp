@@ -144,7 +144,9 @@ void backUpLibraryFile(const QString &path)
     const QString name = QStringLiteral("Library-%1-%2.json")
                              .arg(fileNameStamp(currentDate()), uuidText(makeID()).left(6));
     FileSystem::makePath(folder);
-    FileSystem::copyFileKeepingDate(path, QDir(folder).filePath(name));
+    // The library file is only ever replaced by a rename, never changed in
+    // place, so a second name for it is as good as a copy, and free.
+    FileSystem::linkOrCopyKeepingDate(path, QDir(folder).filePath(name));
 
     // Every entry of the folder takes part, whatever its name; one whose date
     // cannot be read counts as the oldest.
@@ -187,12 +189,15 @@ std::optional<QString> writeLibrary(const Library &library, const QString &path)
 
     backUpLibraryFile(target);
 
-    const QByteArray bytes = encodeLibrary(library);
-
+    // The document is encoded straight into the temporary file, a piece at a time.
     const QString temporary
         = QDir(folder).filePath(u'.' + info.fileName() + u'.' + uuidText(makeID()));
-    if (auto error = FileSystem::writeNewFile(temporary, bytes))
+    if (auto error
+        = FileSystem::writeNewFile(temporary, [&library](const FileSystem::ByteSink &sink) {
+              return encodeLibrary(library, sink);
+          })) {
         return error;
+    }
 
     if (auto error = FileSystem::replaceFile(temporary, target)) {
         QFile::remove(temporary);

@@ -103,7 +103,8 @@ std::optional<QString> makePath(const QString &path)
     return std::nullopt;
 }
 
-std::optional<QString> writeNewFile(const QString &path, const QByteArray &bytes, unsigned mode)
+std::optional<QString> writeNewFile(
+    const QString &path, const Producer &produce, Durability durability, unsigned mode)
 {
     const QByteArray name = native(path);
     Descriptor fd(retryOnInterrupt(
@@ -119,13 +120,31 @@ std::optional<QString> writeNewFile(const QString &path, const QByteArray &bytes
     };
     if (::fchmod(fd.get(), mode) != 0)
         return failed(QT_TR_NOOP("set the permissions of"));
-    if (!writeAll(fd.get(), bytes.constData(), bytes.size()))
+    const int descriptor = fd.get();
+    if (!produce([descriptor](const char *data, qsizetype size) {
+            return writeAll(descriptor, data, size);
+        }))
         return failed(QT_TR_NOOP("write"));
-    if (::fsync(fd.get()) != 0)
+    if (durability == Durability::Flushed && ::fsync(fd.get()) != 0)
         return failed(QT_TR_NOOP("flush"));
     if (!fd.close())
         return failed(QT_TR_NOOP("close"));
     return std::nullopt;
+}
+
+std::optional<QString> writeNewFile(
+    const QString &path, const QByteArray &bytes, Durability durability, unsigned mode)
+{
+    return writeNewFile(
+        path, [&bytes](const ByteSink &sink) { return sink(bytes.constData(), bytes.size()); },
+        durability, mode);
+}
+
+std::optional<QString> linkOrCopyKeepingDate(const QString &from, const QString &to)
+{
+    if (::link(native(from).constData(), native(to).constData()) == 0)
+        return std::nullopt;
+    return copyFileKeepingDate(from, to, Durability::Cached);
 }
 
 std::optional<QString> replaceFile(const QString &from, const QString &to)
@@ -157,7 +176,8 @@ std::optional<QString> renameWithoutReplacing(const QString &from, const QString
     return std::nullopt;
 }
 
-std::optional<QString> copyFileKeepingDate(const QString &from, const QString &to)
+std::optional<QString> copyFileKeepingDate(
+    const QString &from, const QString &to, Durability durability)
 {
     const QByteArray source = native(from);
     Descriptor in(
@@ -180,7 +200,7 @@ std::optional<QString> copyFileKeepingDate(const QString &from, const QString &t
     const QString partial = target.absolutePath() + QStringLiteral("/.") + target.fileName()
         + QStringLiteral(".partial");
     ::unlink(native(partial).constData());
-    if (auto error = writeNewFile(partial, bytes))
+    if (auto error = writeNewFile(partial, bytes, durability))
         return error;
     const timespec times[2] = {info.st_atim, info.st_mtim};
     ::utimensat(AT_FDCWD, native(partial).constData(), times, 0);

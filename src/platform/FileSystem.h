@@ -10,6 +10,7 @@
 #include <QString>
 
 #include <ctime>
+#include <functional>
 #include <optional>
 
 namespace Vesko::FileSystem {
@@ -25,10 +26,27 @@ QString lastErrorText();
 //! Returns the failure text, or nothing on success and when it already exists.
 std::optional<QString> makePath(const QString &path);
 
-//! Creates \a path, which must not exist yet, writes \a bytes to it and
-//! flushes them to the disk. On failure the file is removed again.
-std::optional<QString> writeNewFile(
-    const QString &path, const QByteArray &bytes, unsigned mode = privateFileMode);
+//! Whether a write waits until its bytes are on the disk.
+enum class Durability { Flushed, Cached };
+
+//! Creates \a path, which must not exist yet, writes \a bytes to it and, when
+//! \a durability says so, flushes them to the disk. On failure the file is removed again.
+std::optional<QString> writeNewFile(const QString &path, const QByteArray &bytes,
+    Durability durability = Durability::Flushed, unsigned mode = privateFileMode);
+
+//! Receives the bytes of a file being written; false stops the write as failed.
+using ByteSink = std::function<bool(const char *data, qsizetype size)>;
+//! Writes a file's bytes into the sink it is given; false when it failed.
+using Producer = std::function<bool(const ByteSink &sink)>;
+
+//! Like the other writeNewFile(), with the bytes made while the file is written.
+std::optional<QString> writeNewFile(const QString &path, const Producer &produce,
+    Durability durability = Durability::Flushed, unsigned mode = privateFileMode);
+
+//! Gives the file at \a from a second name \a to. For a file that is only ever
+//! replaced whole, never changed in place, that is a copy that costs nothing;
+//! where the file system has no hard links, the file is copied keeping its date.
+std::optional<QString> linkOrCopyKeepingDate(const QString &from, const QString &to);
 
 //! Renames \a from over \a to in one step and flushes the directory entry.
 std::optional<QString> replaceFile(const QString &from, const QString &to);
@@ -36,8 +54,10 @@ std::optional<QString> replaceFile(const QString &from, const QString &to);
 //! Renames \a from to \a to only if nothing exists at \a to.
 std::optional<QString> renameWithoutReplacing(const QString &from, const QString &to);
 
-//! Copies a file; the copy is private and carries the source's modification date.
-std::optional<QString> copyFileKeepingDate(const QString &from, const QString &to);
+//! Copies a file; the copy is private and carries the source's modification
+//! date. It appears under its name whole or not at all.
+std::optional<QString> copyFileKeepingDate(
+    const QString &from, const QString &to, Durability durability = Durability::Flushed);
 
 //! The modification time of \a path, to the nanosecond, or nothing if it cannot be read.
 std::optional<timespec> modificationTime(const QString &path);

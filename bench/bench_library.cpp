@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Loading and saving the library at 1k, 10k and 100k notes, each beside a
+// floor measured in the same run:
+//   decoding   against a bare simdjson parse of the same bytes,
+//   loading    (read and decode) against reading the bytes and that parse,
+//   saving     (encode, back up, write) against writing the same bytes with
+//              write, fsync and rename.
+// QJsonDocument parses the same bytes too, as the alternative reader.
+// After the runs a table of ratios is printed; ratios, not times, are what
+// compare across machines.
+
+#include "LibraryGenerator.h"
+
+#include "library/LibraryCoding.h"
+#include "library/LibraryFile.h"
+#include "platform/FileSystem.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QJsonDocument>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+#include <simdjson.h>
+
+#include <cstdio>
+#include <map>
+
+using namespace Vesko;
+
+namespace {
+
+struct Fixture
+{
+    Library library;
+    QByteArray document;
+    QString folder;
+};
+
+QTemporaryDir &scratch()
+{
+    static QTemporaryDir dir(QDir::currentPath() + QStringLiteral("/vesko-bench-XXXXXX"));
+    return dir;
+}
+
+const Fixture &fixture(int notes)
+{
+    static std::map<int, Fixture> fixtures;
+    auto it = fixtures.find(notes);
+    if (it == fixtures.end()) {
+        Fixture f;
+        f.library = Test::generateLibrary(notes, 42);
+        f.document = encodeLibrary(f.library);
+        f.folder = scratch().filePath(QString::number(notes));
+        QDir().mkpath(f.folder);
+        it = fixtures.emplace(notes, std::move(f)).first;
+    }
+    return it->second;
+}
+
+void setBytes(benchmark::State &state, const Fixture &f)
+{
+    state.SetBytesProcessed(int64_t(state.iterations()) * f.document.size());
+    state.counters["notes"] = double(state.range(0));
+}
+
+void BM_ParseFloor(benchmark::State &state)
+{
+    const Fixture &f = fixture(int(state.range(0)));
+    const simdjson::padded_string padded(f.document.constData(), size_t(f.document.size()));
+    for (auto _ : state) {
+        simdjson::dom::parser parser;
+        simdjson::dom::element root;
+        if (parser.parse(padded).get(root) != simdjson::SUCCESS)
+            state.SkipWithError("parse failed");
+        benchmark::DoNotOptimize(root);
+    }
+    setBytes(state, f);
+}
+
+void BM_QJsonParse(benchmark::State &state)
+{
+    const Fixture &f = fixture(int(state.range(0)));
+    for (auto _ : state) {
+        QJsonDocument document = QJsonDocument::fromJson(f.document);
+        benchmark::DoNotOptimize(document);
+    }
+    setBytes(state, f);
+}
+
+void BM_Decode(benchmark::State &state)
+{
+    const Fixture &f = fixture(int(state.range(0)));
+    for (auto _ : state) {
+        std::optional<Library> library = decodeLibrary(f.document);
+        if (!library)
+            state.SkipWithError("decode failed");
+        benchmark::DoNotOptimize(library);
+    }
+    setBytes(state, f);
+}
+
+void BM_ReadAndParseFloor(benchmark::State &state)
+{
+    const Fixture &f = fixture(int(state.range(0)));
+    const QString path = f.folder + QStringLiteral("/Load.json");
+    if (!QFileInfo::exists(path))
+        (void)writeLibrary(f.library, path);
+    for (auto _ : state) {
+        simdjson::padded_string bytes;
+        if (simdjson::padded_string::load(path.toStdString()).get(bytes) != simdjson::SUCCESS)
+            state.SkipWithError("read failed");
+        simdjson::dom::parser parser;
+        simdjson::dom::element root;
+        if (parser.parse(bytes).get(root) != simdjson::SUCCESS)
+            state.SkipWithError("parse failed");
+        benchmark::DoNotOptimize(root);
+    }
+    setBytes(state, f);
+}
+
+void BM_Load(benchmark::State &state)
+{
+    const Fixture &f = fixture(int(state.range(0)));
+    const QString path = f.folder + QStringLiteral("/Load.json");
+    if (!QFileInfo::exists(path))
+        (void)writeLibrary(f.library, path);
+    for (auto _ : state) {
+        Library library = loadLibrary(path);
+        benchmark::DoNotOptimize(library);
+    }
+    setBytes(state, f);
+}
+
+void BM_Encode(benchmark::State &state)
+{
+    const Fixture &f = fixture(int(state.range(0)));
+    for (auto _ : state) {
+        QByteArray document = encodeLibrary(f.library);
+        benchmark::DoNotOptimize(document);
+    }
+    setBytes(state, f);
+}
+
+void BM_WriteFloor(benchmark::State &state)
+{
+    const Fixture &f = fixture(int(state.range(0)));
+    const QString target = f.folder + QStringLiteral("/Floor.json");
+    const QString temporary = f.folder + QStringLiteral("/.Floor.json.tmp");
+    for (auto _ : state) {
+        if (FileSystem::writeNewFile(temporary, f.document)
+            || FileSystem::replaceFile(temporary, target))
+            state.SkipWithError("write failed");
+    }
+    setBytes(state, f);
+}
+
+void BM_Save(benchmark::State &state)
+{
+    const Fixture &f = fixture(int(state.range(0)));
+    const QString path = f.folder + QStringLiteral("/Save.json");
+    for (auto _ : state) {
+        if (writeLibrary(f.library, path))
+            state.SkipWithError("write failed");
+    }
+    setBytes(state, f);
+}
+
+#define LIBRARY_SIZES                                                                              \
+    Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)->UseRealTime()
+BENCHMARK(BM_ParseFloor)->LIBRARY_SIZES;
+BENCHMARK(BM_QJsonParse)->LIBRARY_SIZES;
+BENCHMARK(BM_Decode)->LIBRARY_SIZES;
+BENCHMARK(BM_ReadAndParseFloor)->LIBRARY_SIZES;
+BENCHMARK(BM_Load)->LIBRARY_SIZES;
+BENCHMARK(BM_Encode)->LIBRARY_SIZES;
+BENCHMARK(BM_WriteFloor)->LIBRARY_SIZES;
+BENCHMARK(BM_Save)->LIBRARY_SIZES;
+
+// Prints as usual and keeps each run's time per iteration for the ratios.
+class RatioReporter : public benchmark::ConsoleReporter
+{
+public:
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run &run : runs) {
+            if (run.run_type == Run::RT_Iteration && !run.error_occurred)
+                times[run.benchmark_name()] = run.GetAdjustedRealTime();
+        }
+    }
+
+    double ratio(const std::string &name, const std::string &floor, int notes) const
+    {
+        const auto suffix = "/" + std::to_string(notes) + "/real_time";
+        const auto a = times.find(name + suffix);
+        const auto b = times.find(floor + suffix);
+        if (a == times.end() || b == times.end() || b->second <= 0)
+            return 0;
+        return a->second / b->second;
+    }
+
+    std::map<std::string, double> times;
+};
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+
+    std::printf("\n%-8s %14s %14s %14s %14s %18s\n", "notes", "decode/parse", "load/floor",
+        "save/write", "encode/write", "QJson/simdjson");
+    for (int notes : {1000, 10000, 100000}) {
+        std::printf("%-8d %14.2f %14.2f %14.2f %14.2f %18.2f\n", notes,
+            reporter.ratio("BM_Decode", "BM_ParseFloor", notes),
+            reporter.ratio("BM_Load", "BM_ReadAndParseFloor", notes),
+            reporter.ratio("BM_Save", "BM_WriteFloor", notes),
+            reporter.ratio("BM_Encode", "BM_WriteFloor", notes),
+            reporter.ratio("BM_QJsonParse", "BM_ParseFloor", notes));
+    }
+    benchmark::Shutdown();
+    return 0;
+}
