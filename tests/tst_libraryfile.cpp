@@ -178,7 +178,7 @@ void LibraryFileTest::unreadableFileIsSetAside_data()
     const QByteArray valid = encodeLibrary(Test::generateLibrary(30));
     QTest::newRow("empty") << QByteArray();
     QTest::newRow("truncated") << valid.left(valid.size() / 2);
-    QTest::newRow("binary") << QByteArray("\x00\x01\x02\xff\xfe PK\x03\x04", 12);
+    QTest::newRow("binary") << QByteArray::fromHex("000102fffe20504b0304");
     QTest::newRow("invalid UTF-8") << QByteArray(valid).replace("Inbox", "Inb\xc3\x28x");
     QTest::newRow("valid JSON, wrong shape") << QByteArray(R"({"version": 3, "projects": [{}]})");
 }

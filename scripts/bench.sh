@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Builds and runs the benchmarks; each prints its ratios against floors
+# measured in the same run. Arguments go to Google Benchmark.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+bash scripts/install-deps.sh
+cmake -S . -B build-bench -G Ninja -DCMAKE_BUILD_TYPE=Release -DVESKO_BUILD_TESTS=OFF
+cmake --build build-bench --parallel "$(nproc)"
+(cd build-bench && ./bench/bench_library --benchmark_min_time=0.5 "$@")
+build-bench/bench/library_memory 100000
