@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The vesko program: reads the library, runs until it is asked to quit, and
-// writes the library back on the way out.
+// The vesko program: reads the library into the Store, runs until it is asked
+// to quit, and writes the library on the way out.
 
-#include "library/LibraryFile.h"
-#include "library/LibraryWriter.h"
+#include "library/Library.h"
 #include "platform/Logging.h"
 #include "platform/TerminationSignals.h"
+#include "shell/Preferences.h"
+#include "store/Store.h"
 
 #include <QCoreApplication>
 
@@ -19,18 +20,18 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("Vesko"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VESKO_VERSION));
 
-    const QString path = libraryURL();
-    Library library = loadLibrary(path);
-    qCInfo(lcStorage, "Library at %s: %lld projects, %lld notes", qUtf8Printable(path),
-        qlonglong(library.projects.size()), qlonglong(noteCount(library)));
+    // The Store first: the library is read and repaired before anything else runs.
+    Store &store = Store::shared();
+    Preferences::shared();
+    qCInfo(lcStorage, "Library at %s: %lld projects, %lld notes",
+        qUtf8Printable(Preferences::shared().libraryPath()),
+        qlonglong(store.library().projects.size()), qlonglong(noteCount(store.library())));
 
     TerminationSignals terminationSignals;
     QObject::connect(&terminationSignals, &TerminationSignals::terminationRequested, &app,
         [] { QCoreApplication::quit(); });
 
     const int status = app.exec();
-
-    if (auto failure = LibraryWriter::shared().writeNow(library, libraryURL()))
-        qCCritical(lcStorage, "Save failed: %s", qUtf8Printable(*failure));
+    store.flushSave();
     return status;
 }

@@ -1,0 +1,224 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "library/LibraryRepair.h"
+
+#include "library/TitleComparison.h"
+
+#include <QSet>
+
+namespace Vesko {
+
+namespace {
+
+const QString inboxTitle = QStringLiteral("Inbox");
+
+QString noteSourceTitle(const Note &note)
+{
+    return sourceSectionTitle(note.source->appName, note.source->windowTitle);
+}
+
+qsizetype indexOfSection(const Project &project, const QUuid &id)
+{
+    for (qsizetype i = 0; i < project.sections.size(); ++i) {
+        if (project.sections.at(i).id == id)
+            return i;
+    }
+    return -1;
+}
+
+QList<QUuid> automaticSectionIDs(const Project &project)
+{
+    QList<QUuid> ids;
+    for (const NoteSection &section : project.sections) {
+        if (section.isAutomatic)
+            ids.append(section.id);
+    }
+    return ids;
+}
+
+// Phase 1: an ordinary section of an older file whose notes all came from
+// the one source its title names was made by capture.
+bool markLegacyCaptureSections(Project &project)
+{
+    bool changed = false;
+    for (NoteSection &section : project.sections) {
+        if (section.isAutomatic || section.notes.isEmpty()
+            || titlesEqual(section.title, inboxTitle))
+            continue;
+        const bool allCaptured
+            = std::all_of(section.notes.cbegin(), section.notes.cend(), [&](const Note &note) {
+                  return note.source && titlesEqual(noteSourceTitle(note), section.title);
+              });
+        if (allCaptured) {
+            section.isAutomatic = true;
+            changed = true;
+        }
+    }
+    return changed;
+}
+
+// Phase 2: automatic sections of the same title become the first of them.
+bool joinDuplicateAutomaticSections(Project &project)
+{
+    bool changed = false;
+    for (const QUuid &keeperID : automaticSectionIDs(project)) {
+        qsizetype keeper = indexOfSection(project, keeperID);
+        if (keeper < 0 || !project.sections.at(keeper).isAutomatic)
+            continue;
+        const QString title = project.sections.at(keeper).title;
+        for (qsizetype i = 0; i < project.sections.size();) {
+            const NoteSection &other = project.sections.at(i);
+            if (i == keeper || !other.isAutomatic || !titlesEqual(other.title, title)) {
+                ++i;
+                continue;
+            }
+            project.sections[keeper].notes.append(other.notes);
+            if (project.activeSectionID == other.id)
+                project.activeSectionID = keeperID;
+            project.sections.removeAt(i);
+            if (i < keeper)
+                --keeper;
+            changed = true;
+        }
+    }
+    return changed;
+}
+
+// Phase 3: captures of an older file that lie in an ordinary section of the
+// same title as an automatic section move there; typed notes stay.
+bool collectStrayCaptures(Project &project)
+{
+    bool changed = false;
+    for (const QUuid &keeperID : automaticSectionIDs(project)) {
+        qsizetype keeper = indexOfSection(project, keeperID);
+        if (keeper < 0 || !project.sections.at(keeper).isAutomatic)
+            continue;
+        const QString title = project.sections.at(keeper).title;
+        for (qsizetype i = 0; i < project.sections.size();) {
+            NoteSection &other = project.sections[i];
+            if (other.isAutomatic || !titlesEqual(other.title, title)) {
+                ++i;
+                continue;
+            }
+            QList<Note> moving;
+            QList<Note> staying;
+            for (const Note &note : std::as_const(other.notes)) {
+                if (note.source && titlesEqual(noteSourceTitle(note), title))
+                    moving.append(note);
+                else
+                    staying.append(note);
+            }
+            if (moving.isEmpty()) {
+                ++i;
+                continue;
+            }
+            changed = true;
+            project.sections[keeper].notes.append(moving);
+            other.notes = staying;
+            if (!other.notes.isEmpty()) {
+                ++i;
+                continue;
+            }
+            if (project.activeSectionID == other.id)
+                project.activeSectionID = keeperID;
+            project.sections.removeAt(i);
+            if (i < keeper)
+                --keeper;
+        }
+    }
+    return changed;
+}
+
+} // namespace
+
+bool foldShadowSections(Project &project)
+{
+    // Lower-cased equality here, unlike the title comparison everywhere else.
+    QSet<QString> automaticTitles;
+    for (const NoteSection &section : std::as_const(project.sections)) {
+        if (section.isAutomatic)
+            automaticTitles.insert(section.title.toLower());
+    }
+    if (automaticTitles.isEmpty())
+        return false;
+
+    auto isShadow = [&](const NoteSection &section) {
+        return !section.isAutomatic && automaticTitles.contains(section.title.toLower())
+            && std::none_of(section.notes.cbegin(), section.notes.cend(),
+                [](const Note &note) { return note.source.has_value(); });
+    };
+    if (std::none_of(project.sections.cbegin(), project.sections.cend(), isShadow))
+        return false;
+
+    QList<Note> notes;
+    for (const NoteSection &section : std::as_const(project.sections)) {
+        if (isShadow(section))
+            notes.append(section.notes);
+    }
+    project.sections.removeIf(isShadow);
+    if (notes.isEmpty())
+        return true;
+
+    auto inbox = std::find_if(
+        project.sections.begin(), project.sections.end(), [](const NoteSection &section) {
+            return !section.isAutomatic && titlesEqual(section.title, inboxTitle);
+        });
+    if (inbox == project.sections.end()) {
+        project.sections.append(makeInboxSection());
+        inbox = project.sections.end() - 1;
+    }
+    inbox->notes.append(notes);
+    return true;
+}
+
+bool migrateLegacySections(Project &project, bool isLegacy)
+{
+    bool changed = false;
+    if (isLegacy)
+        changed |= markLegacyCaptureSections(project);
+    changed |= joinDuplicateAutomaticSections(project);
+    if (isLegacy)
+        changed |= collectStrayCaptures(project);
+    return changed;
+}
+
+bool repairActiveSections(Library &library)
+{
+    const qint64 oldVersion = library.version;
+    bool changed = oldVersion != libraryFormatVersion;
+    library.version = libraryFormatVersion;
+
+    for (Project &project : library.projects) {
+        if (project.sections.isEmpty()) {
+            project.sections.append(makeInboxSection());
+            changed = true;
+        }
+        changed |= migrateLegacySections(project, oldVersion < libraryFormatVersion);
+
+        if (project.activeSectionID && indexOfSection(project, *project.activeSectionID) >= 0)
+            continue;
+        auto inbox = std::find_if(project.sections.cbegin(), project.sections.cend(),
+            [](const NoteSection &section) { return titlesEqual(section.title, inboxTitle); });
+        project.activeSectionID
+            = inbox != project.sections.cend() ? inbox->id : project.sections.first().id;
+        changed = true;
+    }
+    return changed;
+}
+
+bool repairLibrary(Library &library)
+{
+    if (!library.activeProjectID && !library.projects.isEmpty())
+        library.activeProjectID = library.projects.first().id;
+    // An empty library is replaced in memory only: the file is not rewritten for it.
+    if (library.projects.isEmpty())
+        library = makeDefaultLibrary();
+
+    bool changed = false;
+    for (Project &project : library.projects)
+        changed |= foldShadowSections(project);
+    changed |= repairActiveSections(library);
+    return changed;
+}
+
+} // namespace Vesko

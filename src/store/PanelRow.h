@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The flat list the panel shows: a header row for each section of the active
+// project and a row for each note shown under it. The list is derived whole
+// from the library, the search state and three preferences.
+
+#pragma once
+
+#include "library/Library.h"
+#include "search/SearchMatches.h"
+
+#include <QList>
+
+#include <optional>
+#include <variant>
+
+namespace Vesko {
+
+struct PanelSectionRow
+{
+    QUuid id;
+    QString title;
+    bool isCollapsed = false;
+    //! Open notes of the section, counted before any filter.
+    int remainingCount = 0;
+    //! The section is the active project's active section.
+    bool isActive = false;
+
+    bool operator==(const PanelSectionRow &) const = default;
+};
+
+struct PanelNoteRow
+{
+    Note note;
+    QUuid sectionID;
+
+    bool operator==(const PanelNoteRow &) const = default;
+};
+
+class PanelRow
+{
+public:
+    PanelRow(PanelSectionRow section)
+        : m_value(std::move(section))
+    { }
+    PanelRow(PanelNoteRow note)
+        : m_value(std::move(note))
+    { }
+
+    bool isSection() const { return std::holds_alternative<PanelSectionRow>(m_value); }
+    bool isNote() const { return !isSection(); }
+    const PanelSectionRow &section() const { return std::get<PanelSectionRow>(m_value); }
+    const PanelNoteRow &noteRow() const { return std::get<PanelNoteRow>(m_value); }
+    const Note &note() const { return noteRow().note; }
+
+    //! The section's or the note's id.
+    QUuid id() const { return isSection() ? section().id : note().id; }
+
+    bool operator==(const PanelRow &) const = default;
+
+private:
+    std::variant<PanelSectionRow, PanelNoteRow> m_value;
+};
+
+//! What a rebuild of the rows reads besides the project.
+struct RowOptions
+{
+    bool showCompleted = true;
+    bool newestFirst = false;
+    bool moveDoneToBottom = false;
+    //! The search text is not blank. Only with it do matches count.
+    bool isSearching = false;
+};
+
+//! The rows of \a project (none without one) for \a options and \a matches.
+QList<PanelRow> derivePanelRows(
+    const Project *project, const RowOptions &options, const std::optional<SearchMatches> &matches);
+
+//! The notes of the note rows, in row order.
+QList<Note> visibleNotes(const QList<PanelRow> &rows);
+
+} // namespace Vesko

@@ -1,0 +1,332 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "store/Store.h"
+
+#include "library/LibraryFile.h"
+#include "library/LibraryRepair.h"
+#include "library/LibraryWriter.h"
+#include "platform/Logging.h"
+#include "shell/Preferences.h"
+
+#include <QThread>
+
+namespace Vesko {
+
+namespace {
+
+// Search text counts without blanks and tabs at its ends; newlines count.
+QString trimmedBlanksAndTabs(const QString &text)
+{
+    qsizetype begin = 0;
+    qsizetype end = text.size();
+    auto blank = [](QChar c) { return c == u' ' || c == u'\t'; };
+    while (begin < end && blank(text.at(begin)))
+        ++begin;
+    while (end > begin && blank(text.at(end - 1)))
+        --end;
+    return text.sliced(begin, end - begin);
+}
+
+} // namespace
+
+Store::Store(Library loaded, Preferences &preferences, LibraryWriter &writer, QObject *parent)
+    : QObject(parent)
+    , m_library(std::move(loaded))
+    , m_preferences(preferences)
+    , m_writer(writer)
+{
+    m_saveTimer.setSingleShot(true);
+    m_saveTimer.setInterval(saveDelayMilliseconds);
+    m_saveTimer.setTimerType(Qt::PreciseTimer);
+    connect(&m_saveTimer, &QTimer::timeout, this, &Store::saveNow);
+
+    // A preference of the list changes the rows, after the assignment returns.
+    connect(&m_preferences, &Preferences::listOptionsAssigned, this, &Store::refreshRows,
+        Qt::QueuedConnection);
+
+    if (repairLibrary(m_library)) {
+        // The repaired file is written at once; a failure waits for the next save.
+        (void)writeLibrary(m_library, libraryURL());
+    }
+    m_announcedLibrary = m_library;
+    rebuildRows();
+    scheduleIndexSync();
+}
+
+Store::~Store() = default;
+
+Store &Store::shared()
+{
+    static Store *const store
+        = new Store(loadLibrary(), Preferences::shared(), LibraryWriter::shared());
+    return *store;
+}
+
+// -- state ---------------------------------------------------------------------
+
+void Store::notifyLibraryIfChanged()
+{
+    // Comparing with the last announced value is cheap: lists that still
+    // share their data compare equal at once, so only changed paths are walked.
+    if (m_library == m_announcedLibrary)
+        return;
+    m_announcedLibrary = m_library;
+    Q_EMIT libraryChanged();
+}
+
+void Store::setLibrary(const Library &library)
+{
+    if (library == m_library)
+        return;
+    m_library = library;
+    notifyLibraryIfChanged();
+}
+
+void Store::setEditingNoteID(std::optional<QUuid> id)
+{
+    if (m_editingNoteID == id)
+        return;
+    m_editingNoteID = id;
+    Q_EMIT editingNoteIDChanged();
+}
+
+void Store::setSelectionSet(const QSet<QUuid> &selection)
+{
+    if (m_selection == selection)
+        return;
+    m_selection = selection;
+    Q_EMIT selectionChanged();
+}
+
+void Store::setSelectionAnchor(std::optional<QUuid> anchor)
+{
+    if (m_selectionAnchor == anchor)
+        return;
+    m_selectionAnchor = anchor;
+    Q_EMIT selectionAnchorChanged();
+}
+
+void Store::setExpandedNoteIDs(const QSet<QUuid> &ids)
+{
+    if (m_expandedNoteIDs == ids)
+        return;
+    m_expandedNoteIDs = ids;
+    Q_EMIT expandedNoteIDsChanged();
+}
+
+void Store::setSelection(const QSet<QUuid> &selection, std::optional<QUuid> anchor)
+{
+    setSelectionSet(selection);
+    setSelectionAnchor(anchor);
+}
+
+Project Store::activeProject() const
+{
+    if (const Project *project = Vesko::activeProject(m_library))
+        return *project;
+    Project fallback;
+    fallback.id = makeID();
+    fallback.name = QStringLiteral("Notes");
+    fallback.createdAt = currentDate();
+    return fallback;
+}
+
+NoteSection Store::activeSection() const
+{
+    const Project *project = Vesko::activeProject(m_library);
+    if (project) {
+        if (project->activeSectionID) {
+            for (const NoteSection &section : project->sections) {
+                if (section.id == *project->activeSectionID)
+                    return section;
+            }
+        }
+        if (!project->sections.isEmpty())
+            return project->sections.first();
+    }
+    return makeInboxSection();
+}
+
+std::optional<NoteAddress> Store::addressOfNote(const QUuid &id) const
+{
+    for (const Project &project : m_library.projects) {
+        for (const NoteSection &section : project.sections) {
+            for (const Note &note : section.notes) {
+                if (note.id == id)
+                    return NoteAddress {project.id, section.id, note.id};
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Note> Store::note(const QUuid &id) const
+{
+    for (const Project &project : m_library.projects) {
+        for (const NoteSection &section : project.sections) {
+            for (const Note &note : section.notes) {
+                if (note.id == id)
+                    return note;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<NoteSection> Store::section(const QUuid &id) const
+{
+    for (const Project &project : m_library.projects) {
+        for (const NoteSection &section : project.sections) {
+            if (section.id == id)
+                return section;
+        }
+    }
+    return std::nullopt;
+}
+
+bool Store::isSearching() const
+{
+    return !trimmedBlanksAndTabs(m_searchText).isEmpty();
+}
+
+QList<Note> Store::visibleNotes() const
+{
+    return Vesko::visibleNotes(m_rows);
+}
+
+// -- the road of a change ------------------------------------------------------
+
+void Store::recordUndo()
+{
+    Q_ASSERT(QThread::currentThread() == thread());
+    m_undoStack.append(m_library);
+
+    const qsizetype notes = noteCount(m_library);
+    const qsizetype limit = std::clamp<qsizetype>(
+        undoNoteBudget / std::max<qsizetype>(notes, 1), 5, maximumUndoSteps);
+    if (m_undoStack.size() > limit)
+        m_undoStack.remove(0, m_undoStack.size() - limit);
+    m_redoStack.clear();
+    Q_EMIT undoStateChanged();
+}
+
+void Store::commit()
+{
+    refreshAfterMutation();
+
+    // The save carries the library and the file's path as they are now.
+    m_pendingSave = m_library;
+    m_pendingSavePath = libraryURL();
+    m_saveTimer.start();
+}
+
+void Store::saveNow()
+{
+    const Library library = std::exchange(m_pendingSave, Library {});
+    m_writer.write(library, m_pendingSavePath, this, [](std::optional<QString> failure) {
+        if (failure)
+            qCCritical(lcStorage, "Save failed: %s", qUtf8Printable(*failure));
+    });
+}
+
+void Store::refreshAfterMutation()
+{
+    Q_ASSERT(QThread::currentThread() == thread());
+    notifyLibraryIfChanged();
+    ++m_libraryRevision;
+    Q_EMIT libraryRevisionChanged();
+    scheduleIndexSync();
+    // While a search is active the rows follow when it answers.
+    if (!isSearching())
+        rebuildRows();
+}
+
+void Store::scheduleIndexSync()
+{
+    Q_EMIT indexSyncRequested(m_library, m_libraryRevision);
+}
+
+void Store::refreshRows()
+{
+    const QString query = trimmedBlanksAndTabs(m_searchText).toLower();
+    if (query.isEmpty())
+        rebuildRows();
+    else if (query == m_appliedSearchQuery)
+        rebuildRows(m_currentMatches);
+}
+
+void Store::rebuildRows(const std::optional<SearchMatches> &matches)
+{
+    RowOptions options;
+    options.showCompleted = m_preferences.showCompleted();
+    options.newestFirst = m_preferences.newestFirst();
+    options.moveDoneToBottom = m_preferences.moveDoneToBottom();
+    options.isSearching = isSearching();
+    m_rows = derivePanelRows(Vesko::activeProject(m_library), options, matches);
+    Q_EMIT rowsChanged();
+}
+
+void Store::undo()
+{
+    restoreSnapshot(m_undoStack, m_redoStack);
+}
+
+void Store::redo()
+{
+    restoreSnapshot(m_redoStack, m_undoStack);
+}
+
+void Store::restoreSnapshot(QList<Library> &from, QList<Library> &to)
+{
+    if (from.isEmpty())
+        return;
+    to.append(m_library);
+    setLibrary(from.takeLast());
+    Q_EMIT undoStateChanged();
+
+    // Notes that no longer exist leave the selection; the anchor stays.
+    QSet<QUuid> kept;
+    for (const QUuid &id : std::as_const(m_selection)) {
+        if (addressOfNote(id))
+            kept.insert(id);
+    }
+    setSelectionSet(kept);
+    commit();
+}
+
+void Store::flushSave()
+{
+    m_saveTimer.stop();
+    m_pendingSave = Library {};
+    if (auto failure = m_writer.writeNow(m_library, libraryURL()))
+        qCCritical(lcStorage, "Save failed: %s", qUtf8Printable(*failure));
+}
+
+std::optional<QString> Store::moveLibrary(const QString &destination)
+{
+    const QString current = libraryURL();
+    const QString target = libraryMoveTarget(destination);
+
+    if (auto failure = mergeAttachmentFolder(attachmentsFolder(current), attachmentsFolder(target)))
+        return failure;
+    if (auto failure = writeLibrary(m_library, target))
+        return failure;
+
+    m_preferences.setLibraryPath(target);
+    reloadLibrary();
+    removeMovedLibrary(current, target);
+    return std::nullopt;
+}
+
+void Store::reloadLibrary()
+{
+    setLibrary(loadLibrary());
+    setSelectionSet({});
+    if (!m_searchText.isEmpty()) {
+        m_searchText.clear();
+        Q_EMIT searchTextChanged();
+    }
+    refreshAfterMutation();
+}
+
+} // namespace Vesko

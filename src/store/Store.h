@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The one object that owns the library while Vesko runs. Every change takes
+// the same road: validate, record an undo step, change the library, adjust
+// the selection, commit. Committing raises the revision, tells the search
+// index, rebuilds the panel's rows and schedules a save 0.35 seconds later,
+// which a later commit postpones. The Store lives on the main thread; only
+// copies of the library leave it.
+
+#pragma once
+
+#include "library/Library.h"
+#include "search/SearchMatches.h"
+#include "store/PanelRow.h"
+
+#include <QObject>
+#include <QSet>
+#include <QTimer>
+
+#include <optional>
+
+namespace Vesko {
+
+class LibraryWriter;
+class Preferences;
+
+class Store : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString searchText READ searchText NOTIFY searchTextChanged)
+    Q_PROPERTY(QSet<QUuid> selection READ selection NOTIFY selectionChanged)
+    Q_PROPERTY(
+        std::optional<QUuid> selectionAnchor READ selectionAnchor NOTIFY selectionAnchorChanged)
+    Q_PROPERTY(std::optional<QUuid> editingNoteID READ editingNoteID WRITE setEditingNoteID NOTIFY
+            editingNoteIDChanged)
+    Q_PROPERTY(QSet<QUuid> expandedNoteIDs READ expandedNoteIDs NOTIFY expandedNoteIDsChanged)
+    Q_PROPERTY(quint64 libraryRevision READ libraryRevision NOTIFY libraryRevisionChanged)
+    Q_PROPERTY(bool canUndo READ canUndo NOTIFY undoStateChanged)
+    Q_PROPERTY(bool canRedo READ canRedo NOTIFY undoStateChanged)
+
+public:
+    static constexpr int maximumUndoSteps = 60;
+    static constexpr qsizetype undoNoteBudget = 500000;
+    //! The quiet time after the last change before the library is saved.
+    static constexpr int saveDelayMilliseconds = 350;
+
+    //! Takes over \a loaded, repairs it (and writes it at once if the repair
+    //! changed anything) and derives the rows.
+    Store(
+        Library loaded, Preferences &preferences, LibraryWriter &writer, QObject *parent = nullptr);
+    ~Store() override;
+
+    //! The Store of the process, made on first use from the library file.
+    static Store &shared();
+
+    // -- state -----------------------------------------------------------------
+
+    const Library &library() const { return m_library; }
+    //! Replaces the library; a structurally equal one changes nothing.
+    void setLibrary(const Library &library);
+
+    QString searchText() const { return m_searchText; }
+    const QList<PanelRow> &rows() const { return m_rows; }
+    QSet<QUuid> selection() const { return m_selection; }
+    std::optional<QUuid> selectionAnchor() const { return m_selectionAnchor; }
+    std::optional<QUuid> editingNoteID() const { return m_editingNoteID; }
+    void setEditingNoteID(std::optional<QUuid> id);
+    QSet<QUuid> expandedNoteIDs() const { return m_expandedNoteIDs; }
+    quint64 libraryRevision() const { return m_libraryRevision; }
+    const SearchMatches &currentMatches() const { return m_currentMatches; }
+    QString appliedSearchQuery() const { return m_appliedSearchQuery; }
+
+    bool canUndo() const { return !m_undoStack.isEmpty(); }
+    bool canRedo() const { return !m_redoStack.isEmpty(); }
+    qsizetype undoStepCount() const { return m_undoStack.size(); }
+    qsizetype redoStepCount() const { return m_redoStack.size(); }
+    //! A save is scheduled and has not started yet.
+    bool hasPendingSave() const { return m_saveTimer.isActive(); }
+
+    //! The library's active project, or an unsaved empty "Notes" without one.
+    Project activeProject() const;
+    //! The active project's active section, else its first, else an unsaved "Inbox".
+    NoteSection activeSection() const;
+    //! Looked up over all projects, first match in project, section, note order.
+    std::optional<Note> note(const QUuid &id) const;
+    std::optional<NoteAddress> addressOfNote(const QUuid &id) const;
+    std::optional<NoteSection> section(const QUuid &id) const;
+
+    //! The search text has more than blanks and tabs.
+    bool isSearching() const;
+    //! The notes of the note rows, in row order: what selection, copying and moving act on.
+    QList<Note> visibleNotes() const;
+
+    // -- the road of a change --------------------------------------------------
+
+    //! Keeps a copy of the library as an undo step; to be called before a change.
+    void recordUndo();
+    //! To be called after a change: refreshes what derives from the library
+    //! and schedules the save.
+    void commit();
+    //! The part of commit() that does not save.
+    void refreshAfterMutation();
+    //! Rebuilds the rows for the current search state; after a preference changed.
+    void refreshRows();
+    void rebuildRows(const std::optional<SearchMatches> &matches = std::nullopt);
+
+    void undo();
+    void redo();
+
+    //! Cancels a pending save and writes the library now, blocking until it is
+    //! on the disk. At quit; it writes whether or not anything changed.
+    void flushSave();
+
+    //! Moves the library file to \a destination, a folder or a file path, with
+    //! its attachments, and goes on with the file there. Returns the failure
+    //! text; on failure the old file stays in use.
+    std::optional<QString> moveLibrary(const QString &destination);
+    //! Reads the library file again, after a move.
+    void reloadLibrary();
+
+    // -- selection ------------------------------------------------------------
+
+    //! The pointer's selection: Shift extends from the anchor, Ctrl toggles.
+    void select(const QUuid &id, bool extending, bool toggling);
+    //! The keyboard's selection: one step up (-1) or down (+1). Returns the note reached.
+    std::optional<QUuid> moveSelection(int offset, bool extending);
+    void selectAll();
+    void selectAllInSection(const QUuid &sectionID);
+    //! Drops notes that are gone from the selection, the anchor, editing and expansion.
+    void forgetNotes(const QSet<QUuid> &ids);
+    //! Sets the selection and the anchor in one step.
+    void setSelection(const QSet<QUuid> &selection, std::optional<QUuid> anchor);
+
+Q_SIGNALS:
+    void libraryChanged();
+    void searchTextChanged();
+    //! After every rebuild of the rows, even to an equal list.
+    void rowsChanged();
+    void selectionChanged();
+    void selectionAnchorChanged();
+    void editingNoteIDChanged();
+    void expandedNoteIDsChanged();
+    void libraryRevisionChanged();
+    void undoStateChanged();
+    //! The search index should follow the library as of \a revision.
+    void indexSyncRequested(const Vesko::Library &library, quint64 revision);
+
+private:
+    void notifyLibraryIfChanged();
+    void setSelectionSet(const QSet<QUuid> &selection);
+    void setSelectionAnchor(std::optional<QUuid> anchor);
+    void setExpandedNoteIDs(const QSet<QUuid> &ids);
+    void saveNow();
+    //! Undo and redo: the last state of \a from becomes the library, the present one goes to \a to.
+    void restoreSnapshot(QList<Library> &from, QList<Library> &to);
+    void scheduleIndexSync();
+
+    Library m_library;
+    QString m_searchText;
+    QList<PanelRow> m_rows;
+    QSet<QUuid> m_selection;
+    std::optional<QUuid> m_selectionAnchor;
+    std::optional<QUuid> m_editingNoteID;
+    QSet<QUuid> m_expandedNoteIDs;
+    QList<Library> m_undoStack;
+    QList<Library> m_redoStack;
+    quint64 m_libraryRevision = 0;
+    SearchMatches m_currentMatches;
+    QString m_appliedSearchQuery;
+
+    Preferences &m_preferences;
+    LibraryWriter &m_writer;
+
+    //! The pending save and what it will write, as of the commit that scheduled it.
+    QTimer m_saveTimer;
+    Library m_pendingSave;
+    QString m_pendingSavePath;
+
+    //! The library as last announced by libraryChanged().
+    Library m_announcedLibrary;
+};
+
+} // namespace Vesko

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The selection: a set of note ids and an anchor, the fixed end of a range
+// and the point keyboard movement starts from. Everything here goes by the
+// visible notes, in row order.
+
+#include "store/Store.h"
+
+namespace Vesko {
+
+namespace {
+
+QList<QUuid> idsOf(const QList<Note> &notes)
+{
+    QList<QUuid> ids;
+    ids.reserve(notes.size());
+    for (const Note &note : notes)
+        ids.append(note.id);
+    return ids;
+}
+
+} // namespace
+
+void Store::select(const QUuid &id, bool extending, bool toggling)
+{
+    if (toggling) {
+        QSet<QUuid> selection = m_selection;
+        if (selection.remove(id)) {
+            setSelectionSet(selection); // the anchor stays, even if it was this note
+        } else {
+            selection.insert(id);
+            setSelection(selection, id);
+        }
+        return;
+    }
+
+    if (extending && m_selectionAnchor) {
+        const QList<QUuid> ids = idsOf(visibleNotes());
+        const qsizetype anchor = ids.indexOf(*m_selectionAnchor);
+        const qsizetype target = ids.indexOf(id);
+        if (anchor >= 0 && target >= 0) {
+            const auto [low, high] = std::minmax(anchor, target);
+            setSelectionSet(QSet<QUuid>(ids.cbegin() + low, ids.cbegin() + high + 1));
+            return;
+        }
+    }
+
+    setSelection({id}, id);
+}
+
+std::optional<QUuid> Store::moveSelection(int offset, bool extending)
+{
+    const QList<QUuid> ids = idsOf(visibleNotes());
+    if (ids.isEmpty())
+        return std::nullopt;
+
+    std::optional<QUuid> start = m_selectionAnchor;
+    if (!start && !m_selection.isEmpty())
+        start = *m_selection.cbegin();
+
+    const qsizetype position = start ? ids.indexOf(*start) : -1;
+    if (position >= 0) {
+        const QUuid target = ids.at(std::clamp<qsizetype>(position + offset, 0, ids.size() - 1));
+        if (extending)
+            select(target, true, false);
+        else
+            setSelection({target}, target);
+        return target;
+    }
+
+    const QUuid target = offset < 1 ? ids.last() : ids.first();
+    setSelection({target}, target);
+    return target;
+}
+
+void Store::selectAll()
+{
+    const QList<QUuid> ids = idsOf(visibleNotes());
+    setSelectionSet(QSet<QUuid>(ids.cbegin(), ids.cend()));
+}
+
+void Store::selectAllInSection(const QUuid &sectionID)
+{
+    const std::optional<NoteSection> found = section(sectionID);
+    if (!found) {
+        setSelection({}, std::nullopt);
+        return;
+    }
+    const QList<QUuid> ids = idsOf(found->notes);
+    setSelection(QSet<QUuid>(ids.cbegin(), ids.cend()),
+        ids.isEmpty() ? std::nullopt : std::optional<QUuid>(ids.first()));
+}
+
+void Store::forgetNotes(const QSet<QUuid> &ids)
+{
+    setSelectionSet(m_selection - ids);
+    if (m_selectionAnchor && ids.contains(*m_selectionAnchor)) {
+        setSelectionAnchor(
+            m_selection.isEmpty() ? std::nullopt : std::optional<QUuid>(*m_selection.cbegin()));
+    }
+    if (m_editingNoteID && ids.contains(*m_editingNoteID))
+        setEditingNoteID(std::nullopt);
+    setExpandedNoteIDs(m_expandedNoteIDs - ids);
+}
+
+} // namespace Vesko

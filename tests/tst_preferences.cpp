@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Preferences over a real settings file: defaults, round trips, readings of
+// bad stored values, notification only on change, and the side effects that
+// run on every assignment.
+
+#include "TestEnvironment.h"
+
+#include "library/LibraryFile.h"
+#include "shell/Preferences.h"
+
+#include <QSignalSpy>
+
+using namespace Vesko;
+
+class PreferencesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { Preferences::openSettings()->clear(); }
+
+    void defaults();
+    void roundTripThroughTheFile();
+    void storedStringsOfEnumerations_data();
+    void storedStringsOfEnumerations();
+    void wrongTypesReadAsZero();
+    void equalAssignmentWritesButDoesNotNotify();
+    void sideEffectsRunOnEveryAssignment();
+    void storedPanelFrame();
+};
+
+void PreferencesTest::defaults()
+{
+    const Preferences p;
+    QCOMPARE(p.appearance(), AppAppearance::System);
+    QCOMPARE(p.panelEdge(), PanelEdge::Right);
+    QCOMPARE(p.panelWidth(), 340.0);
+    QCOMPARE(p.panelHeight(), 560.0);
+    QCOMPARE(p.panelInset(), 24.0);
+    QCOMPARE(p.doubleShiftEnabled(), true);
+    QCOMPARE(p.doubleShiftInterval(), 0.4);
+    QCOMPARE(p.showPanelOnCapture(), true);
+    QCOMPARE(p.groupCapturesBySource(), true);
+    QCOMPARE(p.newestFirst(), false);
+    QCOMPARE(p.showCompleted(), true);
+    QCOMPARE(p.moveDoneToBottom(), false);
+    QCOMPARE(p.listStyle(), ListStyle::Numbered);
+    QCOMPARE(p.copyIncludesMarkdown(), true);
+    QCOMPARE(p.joinsAllSpaces(), true);
+    QCOMPARE(p.pinOnTop(), false);
+    QCOMPARE(p.showsInMenuBar(), true);
+    QCOMPARE(p.showsInDock(), false);
+    QCOMPARE(p.libraryPath(), defaultLibraryURL());
+    QVERIFY(!p.storedPanelFrame());
+    // Reading the default path does not store it.
+    QVERIFY(!Preferences::openSettings()->contains(QStringLiteral("libraryPath")));
+}
+
+void PreferencesTest::roundTripThroughTheFile()
+{
+    {
+        Preferences p;
+        p.setAppearance(AppAppearance::Dark);
+        p.setPanelEdge(PanelEdge::Center);
+        p.setPanelWidth(412.5);
+        p.setDoubleShiftInterval(5);
+        p.setShowCompleted(false);
+        p.setListStyle(ListStyle::Dash);
+        p.setShowsInDock(true);
+        p.setLibraryPath(QStringLiteral("/data/Mine.json"));
+    }
+    const Preferences p;
+    QCOMPARE(p.appearance(), AppAppearance::Dark);
+    QCOMPARE(p.panelEdge(), PanelEdge::Center);
+    QCOMPARE(p.panelWidth(), 412.5);
+    QCOMPARE(p.doubleShiftInterval(), 5.0); // no clamp here
+    QCOMPARE(p.showCompleted(), false);
+    QCOMPARE(p.listStyle(), ListStyle::Dash);
+    QCOMPARE(p.showsInDock(), true);
+    QCOMPARE(p.libraryPath(), QStringLiteral("/data/Mine.json"));
+    QCOMPARE(libraryURL(), QStringLiteral("/data/Mine.json"));
+
+    const auto settings = Preferences::openSettings();
+    QCOMPARE(settings->value(QStringLiteral("appearance")).toString(), QStringLiteral("dark"));
+    QCOMPARE(settings->value(QStringLiteral("panelEdge")).toString(), QStringLiteral("center"));
+    QCOMPARE(settings->value(QStringLiteral("listStyle")).toString(), QStringLiteral("dash"));
+}
+
+void PreferencesTest::storedStringsOfEnumerations_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<int>("expected");
+
+    QTest::newRow("edge left") << "panelEdge"
+                               << "left" << int(PanelEdge::Left);
+    QTest::newRow("edge unknown") << "panelEdge"
+                                  << "top" << int(PanelEdge::Right);
+    QTest::newRow("edge empty") << "panelEdge"
+                                << "" << int(PanelEdge::Right);
+    QTest::newRow("appearance light") << "appearance"
+                                      << "light" << int(AppAppearance::Light);
+    QTest::newRow("appearance other case") << "appearance"
+                                           << "Dark" << int(AppAppearance::System);
+    QTest::newRow("list style plain") << "listStyle"
+                                      << "plain" << int(ListStyle::Plain);
+    QTest::newRow("list style unknown") << "listStyle"
+                                        << "bullets" << int(ListStyle::Numbered);
+}
+
+void PreferencesTest::storedStringsOfEnumerations()
+{
+    QFETCH(QString, key);
+    QFETCH(QString, stored);
+    QFETCH(int, expected);
+    Preferences::openSettings()->setValue(key, stored);
+    const Preferences p;
+    const int actual = key == u"panelEdge" ? int(p.panelEdge())
+        : key == u"appearance"             ? int(p.appearance())
+                                           : int(p.listStyle());
+    QCOMPARE(actual, expected);
+}
+
+void PreferencesTest::wrongTypesReadAsZero()
+{
+    {
+        const auto settings = Preferences::openSettings();
+        settings->setValue(QStringLiteral("panelWidth"), QStringLiteral("wide"));
+        settings->setValue(QStringLiteral("showCompleted"), QStringLiteral("sometimes"));
+        settings->setValue(QStringLiteral("doubleShiftInterval"), 0);
+    }
+    const Preferences p;
+    QCOMPARE(p.panelWidth(), 0.0);
+    QCOMPARE(p.showCompleted(), false);
+    QCOMPARE(p.doubleShiftInterval(), 0.0);
+}
+
+void PreferencesTest::equalAssignmentWritesButDoesNotNotify()
+{
+    Preferences p;
+    QSignalSpy changed(&p, &Preferences::pinOnTopChanged);
+    p.setPinOnTop(false); // the default, but now written
+    QCOMPARE(changed.size(), 0);
+    QVERIFY(Preferences::openSettings()->contains(QStringLiteral("pinOnTop")));
+    p.setPinOnTop(true);
+    QCOMPARE(changed.size(), 1);
+    p.setPinOnTop(true);
+    QCOMPARE(changed.size(), 1);
+}
+
+void PreferencesTest::sideEffectsRunOnEveryAssignment()
+{
+    Preferences p;
+    QSignalSpy dock(&p, &Preferences::showsInDockAssigned);
+    QSignalSpy dockChanged(&p, &Preferences::showsInDockChanged);
+    QSignalSpy appearance(&p, &Preferences::appearanceAssigned);
+    QSignalSpy list(&p, &Preferences::listOptionsAssigned);
+
+    p.setShowsInDock(false);
+    p.setShowsInDock(false);
+    QCOMPARE(dock.size(), 2);
+    QCOMPARE(dockChanged.size(), 0);
+    p.setAppearance(AppAppearance::System);
+    QCOMPARE(appearance.size(), 1);
+    p.setNewestFirst(false);
+    p.setShowCompleted(true);
+    p.setMoveDoneToBottom(true);
+    QCOMPARE(list.size(), 3);
+    p.setListStyle(ListStyle::Plain); // no side effect on the rows
+    QCOMPARE(list.size(), 3);
+}
+
+void PreferencesTest::storedPanelFrame()
+{
+    Preferences p;
+    QSignalSpy width(&p, &Preferences::panelWidthChanged);
+    p.setStoredPanelFrame(QRectF(10, 20, 200, 300));
+    QCOMPARE(p.panelWidth(), 200.0); // no clamp
+    QCOMPARE(width.size(), 1);
+    QCOMPARE(p.storedPanelFrame(), QRectF(10, 20, 200, 300));
+
+    p.clearStoredPanelFrame();
+    QVERIFY(!p.storedPanelFrame());
+    const auto settings = Preferences::openSettings();
+    QVERIFY(settings->contains(QStringLiteral("panelOriginX"))); // the origin stays
+    QCOMPARE(settings->value(QStringLiteral("panelOriginY")).toDouble(), 20.0);
+}
+
+VESKO_TEST_MAIN(PreferencesTest)
+#include "tst_preferences.moc"

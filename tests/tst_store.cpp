@@ -1,0 +1,450 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The Store's road of a change on real files and real timers: the debounced
+// save, flushing, undo and redo with their limits, observation, the repair at
+// construction and the move of the library.
+
+#include "LibraryGenerator.h"
+#include "TestEnvironment.h"
+
+#include "library/LibraryCoding.h"
+#include "library/LibraryFile.h"
+#include "library/LibraryWriter.h"
+#include "shell/Preferences.h"
+#include "store/Store.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QSignalSpy>
+
+using namespace Vesko;
+
+namespace {
+
+QStringList backups()
+{
+    return QDir(backupsFolder(libraryURL())).entryList(QDir::Files | QDir::Hidden);
+}
+
+std::optional<Library> fileLibrary()
+{
+    QFile file(libraryURL());
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    return decodeLibrary(file.readAll());
+}
+
+// A change the way every operation makes one: record, change, commit.
+void renameFirstNote(Store &store, const QString &text)
+{
+    store.recordUndo();
+    Library library = store.library();
+    library.projects[0].sections[0].notes[0].text = text;
+    store.setLibrary(library);
+    store.commit();
+}
+
+Library libraryWithNotes(int count)
+{
+    Library library = makeDefaultLibrary();
+    for (int i = 0; i < count; ++i) {
+        Note note;
+        note.id = makeID();
+        note.text = QStringLiteral("note %1").arg(i);
+        note.createdAt = note.updatedAt = currentDate();
+        library.projects[0].sections[0].notes.append(note);
+    }
+    return library;
+}
+
+} // namespace
+
+class StoreTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void burstOfChangesSavesOnceAfterTheLast();
+    void flushSaveCancelsThePendingSave();
+    void quitWithoutChangesStillWritesOnce();
+    void pendingSaveKeepsItsPath();
+    void failedSaveIsLogged();
+
+    void undoKeepsSixtySteps();
+    void undoLimitFollowsTheNoteCount_data();
+    void undoLimitFollowsTheNoteCount();
+    void undoAndRedo();
+    void undoWithoutStepsChangesNothing();
+    void undoDropsVanishedNotesFromTheSelection();
+
+    void equalAssignmentsStaySilent();
+    void repairAtConstructionWritesOnlyWhenNeeded();
+    void fallbacksOfAnEmptyLibrary();
+    void lookupsSpanAllProjects();
+    void listPreferencesRefreshRows();
+    void moveLibrary();
+
+private:
+    std::unique_ptr<Preferences> m_preferences;
+    std::unique_ptr<LibraryWriter> m_writer;
+};
+
+void StoreTest::init()
+{
+    Preferences::openSettings()->clear();
+    QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
+    m_preferences = std::make_unique<Preferences>();
+    m_writer = std::make_unique<LibraryWriter>();
+}
+
+void StoreTest::cleanup()
+{
+    m_writer.reset(); // waits for its writes
+    m_preferences.reset();
+}
+
+void StoreTest::burstOfChangesSavesOnceAfterTheLast()
+{
+    QVERIFY(!writeLibrary(libraryWithNotes(3), libraryURL()));
+    Store store(loadLibrary(), *m_preferences, *m_writer);
+    QCOMPARE(backups().size(), 0);
+
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; i < 10; ++i) {
+        renameFirstNote(store, QStringLiteral("edit %1").arg(i));
+        QTest::qWait(60);
+    }
+    const qint64 lastChange = clock.elapsed() - 60;
+    QVERIFY(store.hasPendingSave());
+    QCOMPARE(backups().size(), 0); // nothing written during the burst
+
+    QTRY_COMPARE_WITH_TIMEOUT(backups().size(), 1, 3000);
+    QVERIFY(clock.elapsed() - lastChange >= Store::saveDelayMilliseconds);
+    QTRY_COMPARE(fileLibrary()->projects[0].sections[0].notes[0].text, QStringLiteral("edit 9"));
+    QTest::qWait(500);
+    QCOMPARE(backups().size(), 1); // one write for the whole burst
+}
+
+void StoreTest::flushSaveCancelsThePendingSave()
+{
+    QVERIFY(!writeLibrary(libraryWithNotes(3), libraryURL()));
+    Store store(loadLibrary(), *m_preferences, *m_writer);
+    renameFirstNote(store, QStringLiteral("flushed"));
+    QVERIFY(store.hasPendingSave());
+
+    store.flushSave();
+    QVERIFY(!store.hasPendingSave());
+    QCOMPARE(fileLibrary()->projects[0].sections[0].notes[0].text, QStringLiteral("flushed"));
+    QTest::qWait(600);
+    QCOMPARE(backups().size(), 1);
+}
+
+void StoreTest::quitWithoutChangesStillWritesOnce()
+{
+    {
+        Store store(loadLibrary(), *m_preferences, *m_writer);
+        store.flushSave(); // no file before: no backup
+    }
+    QVERIFY(fileLibrary());
+    QCOMPARE(backups().size(), 0);
+
+    Store store(loadLibrary(), *m_preferences, *m_writer);
+    store.flushSave();
+    QCOMPARE(backups().size(), 1);
+}
+
+void StoreTest::pendingSaveKeepsItsPath()
+{
+    Store store(libraryWithNotes(2), *m_preferences, *m_writer);
+    const QString before = libraryURL();
+    renameFirstNote(store, QStringLiteral("scheduled here"));
+
+    const QString elsewhere
+        = Test::IsolatedEnvironment::current().root() + QStringLiteral("/elsewhere/Library.json");
+    Preferences::openSettings()->setValue(QStringLiteral("libraryPath"), elsewhere);
+    QCOMPARE(libraryURL(), elsewhere);
+
+    QTRY_VERIFY(QFileInfo::exists(before));
+    QVERIFY(!QFileInfo::exists(elsewhere));
+}
+
+void StoreTest::failedSaveIsLogged()
+{
+    // The data folder's place is taken by a file.
+    QDir().mkpath(Test::IsolatedEnvironment::current().dataHome());
+    QFile blocker(Test::IsolatedEnvironment::current().dataHome() + QStringLiteral("/Vesko"));
+    QVERIFY(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+
+    Store store(libraryWithNotes(1), *m_preferences, *m_writer);
+    QTest::ignoreMessage(
+        QtCriticalMsg, QRegularExpression(QStringLiteral("^Save failed: .*not a folder")));
+    renameFirstNote(store, QStringLiteral("unsaved"));
+    QTest::qWait(800);
+    // The change stays in memory.
+    QCOMPARE(store.library().projects[0].sections[0].notes[0].text, QStringLiteral("unsaved"));
+}
+
+void StoreTest::undoKeepsSixtySteps()
+{
+    Store store(libraryWithNotes(5), *m_preferences, *m_writer);
+    for (int i = 1; i <= 61; ++i)
+        renameFirstNote(store, QString::number(i));
+    QCOMPARE(store.undoStepCount(), 60);
+    while (store.canUndo())
+        store.undo();
+    // The first state is gone; the oldest reachable is after the first change.
+    QCOMPARE(store.library().projects[0].sections[0].notes[0].text, QStringLiteral("1"));
+}
+
+void StoreTest::undoLimitFollowsTheNoteCount_data()
+{
+    QTest::addColumn<int>("notes");
+    QTest::addColumn<int>("steps");
+    QTest::newRow("8333 notes") << 8333 << 60;
+    QTest::newRow("8334 notes") << 8334 << 59;
+    QTest::newRow("50000 notes") << 50000 << 10;
+    QTest::newRow("100001 notes") << 100001 << 5;
+}
+
+void StoreTest::undoLimitFollowsTheNoteCount()
+{
+    QFETCH(int, notes);
+    QFETCH(int, steps);
+    // Sixty steps taken while the library was small...
+    Store store(libraryWithNotes(1), *m_preferences, *m_writer);
+    for (int i = 0; i < 60; ++i)
+        renameFirstNote(store, QString::number(i));
+    QCOMPARE(store.undoStepCount(), 60);
+
+    // ...are trimmed only at the next recorded change after it grew.
+    store.setLibrary(libraryWithNotes(notes));
+    QCOMPARE(store.undoStepCount(), 60);
+    renameFirstNote(store, QStringLiteral("grown"));
+    QCOMPARE(store.undoStepCount(), steps);
+}
+
+void StoreTest::undoAndRedo()
+{
+    Store store(libraryWithNotes(2), *m_preferences, *m_writer);
+    QSignalSpy revisions(&store, &Store::libraryRevisionChanged);
+    const quint64 start = store.libraryRevision();
+
+    renameFirstNote(store, QStringLiteral("a"));
+    renameFirstNote(store, QStringLiteral("b"));
+    store.undo();
+    QCOMPARE(store.library().projects[0].sections[0].notes[0].text, QStringLiteral("a"));
+    QCOMPARE(store.redoStepCount(), 1);
+    store.redo();
+    QCOMPARE(store.library().projects[0].sections[0].notes[0].text, QStringLiteral("b"));
+    store.undo();
+    QCOMPARE(store.libraryRevision(), start + 5);
+    QCOMPARE(revisions.size(), 5);
+
+    // A change after an undo empties the redo stack.
+    renameFirstNote(store, QStringLiteral("c"));
+    QVERIFY(!store.canRedo());
+    QCOMPARE(store.undoStepCount(), 2);
+}
+
+void StoreTest::undoWithoutStepsChangesNothing()
+{
+    Store store(libraryWithNotes(2), *m_preferences, *m_writer);
+    QSignalSpy library(&store, &Store::libraryChanged);
+    QSignalSpy rows(&store, &Store::rowsChanged);
+    const quint64 revision = store.libraryRevision();
+    store.undo();
+    store.redo();
+    QCOMPARE(store.libraryRevision(), revision);
+    QCOMPARE(library.size(), 0);
+    QCOMPARE(rows.size(), 0);
+    QVERIFY(!store.hasPendingSave());
+}
+
+void StoreTest::undoDropsVanishedNotesFromTheSelection()
+{
+    Store store(libraryWithNotes(3), *m_preferences, *m_writer);
+    const QUuid kept = store.library().projects[0].sections[0].notes[0].id;
+
+    // Add a note, select it and another, then undo the addition.
+    store.recordUndo();
+    Library library = store.library();
+    Note added;
+    added.id = makeID();
+    added.text = QStringLiteral("added");
+    library.projects[0].sections[0].notes.append(added);
+    store.setLibrary(library);
+    store.commit();
+    store.setSelection({kept, added.id}, added.id);
+
+    store.undo();
+    QCOMPARE(store.selection(), QSet<QUuid> {kept});
+    QCOMPARE(store.selectionAnchor(), added.id); // the anchor is left alone
+
+    // Redo brings the note back but does not select it.
+    store.redo();
+    QCOMPARE(store.selection(), QSet<QUuid> {kept});
+}
+
+void StoreTest::equalAssignmentsStaySilent()
+{
+    Store store(libraryWithNotes(2), *m_preferences, *m_writer);
+    QSignalSpy library(&store, &Store::libraryChanged);
+    QSignalSpy selection(&store, &Store::selectionChanged);
+    QSignalSpy anchor(&store, &Store::selectionAnchorChanged);
+    QSignalSpy editing(&store, &Store::editingNoteIDChanged);
+    QSignalSpy rows(&store, &Store::rowsChanged);
+
+    store.setLibrary(Library(store.library())); // equal, and sharing
+    Library equal = store.library();
+    equal.projects[0].name = QStringLiteral("x");
+    equal.projects[0].name = store.library().projects[0].name; // equal, detached
+    store.setLibrary(equal);
+    QCOMPARE(library.size(), 0);
+
+    const QUuid id = store.library().projects[0].sections[0].notes[0].id;
+    store.setSelection({id}, id);
+    store.setSelection({id}, id);
+    QCOMPARE(selection.size(), 1);
+    QCOMPARE(anchor.size(), 1);
+    store.setEditingNoteID(id);
+    store.setEditingNoteID(id);
+    QCOMPARE(editing.size(), 1);
+
+    // Rows signal at every rebuild, even an equal one.
+    store.rebuildRows();
+    store.rebuildRows();
+    QCOMPARE(rows.size(), 2);
+}
+
+void StoreTest::repairAtConstructionWritesOnlyWhenNeeded()
+{
+    // A sound version 3 library is not written.
+    Library sound = libraryWithNotes(2);
+    QVERIFY(!writeLibrary(sound, libraryURL()));
+    const QDateTime written = QFileInfo(libraryURL()).lastModified();
+    {
+        Store store(loadLibrary(), *m_preferences, *m_writer);
+    }
+    QCOMPARE(backups().size(), 0);
+    QCOMPARE(QFileInfo(libraryURL()).lastModified(), written);
+
+    // A version 2 library is rewritten as version 3, its old form kept as a backup.
+    Library old = sound;
+    old.version = 2;
+    QVERIFY(!writeLibrary(old, libraryURL()));
+    QCOMPARE(backups().size(), 1);
+    Store store(loadLibrary(), *m_preferences, *m_writer);
+    QCOMPARE(fileLibrary()->version, 3);
+    QCOMPARE(backups().size(), 2);
+}
+
+void StoreTest::fallbacksOfAnEmptyLibrary()
+{
+    Library library = libraryWithNotes(1);
+    library.projects[0].activeSectionID = makeID(); // stale
+    library.projects[0].sections.prepend(makeInboxSection());
+    library.projects[0].sections[0].title = QStringLiteral("First");
+    Store store(libraryWithNotes(0), *m_preferences, *m_writer);
+    store.setLibrary(library);
+    QCOMPARE(store.activeSection().title, QStringLiteral("First"));
+
+    library.projects[0].sections.clear();
+    store.setLibrary(library);
+    QCOMPARE(store.activeSection().title, QStringLiteral("Inbox"));
+    QVERIFY(store.section(store.activeSection().id) == std::nullopt); // unsaved
+
+    library.projects.clear();
+    store.setLibrary(library);
+    QCOMPARE(store.activeProject().name, QStringLiteral("Notes"));
+    QVERIFY(store.activeProject().sections.isEmpty());
+    QCOMPARE(store.library().projects.size(), 0);
+}
+
+void StoreTest::lookupsSpanAllProjects()
+{
+    const Library library = Test::generateLibrary(300, 5);
+    Store store(library, *m_preferences, *m_writer);
+    const Project &last = store.library().projects.last();
+    const NoteSection *section = nullptr;
+    for (const NoteSection &candidate : last.sections) {
+        if (!candidate.notes.isEmpty())
+            section = &candidate;
+    }
+    QVERIFY(section);
+    const Note &note = section->notes.last();
+    QCOMPARE(store.note(note.id)->text, note.text);
+    QCOMPARE(*store.addressOfNote(note.id), (NoteAddress {last.id, section->id, note.id}));
+    QCOMPARE(store.section(section->id)->title, section->title);
+    QVERIFY(!store.note(makeID()));
+    QVERIFY(!store.section(note.id));
+}
+
+void StoreTest::listPreferencesRefreshRows()
+{
+    Library library = libraryWithNotes(3);
+    library.projects[0].sections[0].notes[1].isDone = true;
+    Store store(library, *m_preferences, *m_writer);
+    QCOMPARE(store.visibleNotes().size(), 3);
+
+    QSignalSpy rows(&store, &Store::rowsChanged);
+    m_preferences->setShowCompleted(false);
+    QCOMPARE(rows.size(), 0); // after the assignment returns
+    QTRY_COMPARE(rows.size(), 1);
+    QCOMPARE(store.visibleNotes().size(), 2);
+    QCOMPARE(store.library(), library); // nothing in the library changed
+    QVERIFY(!store.hasPendingSave());
+
+    m_preferences->setShowCompleted(false); // equal, still refreshes
+    QTRY_COMPARE(rows.size(), 2);
+}
+
+void StoreTest::moveLibrary()
+{
+    const QString oldPath = libraryURL();
+    QVERIFY(!writeLibrary(libraryWithNotes(1), oldPath));
+    QFile attachment(attachmentsFolder(oldPath) + QStringLiteral("/A/image.png"));
+    QDir().mkpath(QFileInfo(attachment).absolutePath());
+    QVERIFY(attachment.open(QIODevice::WriteOnly));
+    attachment.write("png");
+    attachment.close();
+
+    Store store(loadLibrary(), *m_preferences, *m_writer);
+    renameFirstNote(store, QStringLiteral("moved"));
+    const QUuid id = store.library().projects[0].sections[0].notes[0].id;
+    store.setSelection({id}, id);
+    const quint64 revision = store.libraryRevision();
+
+    const QString folder = Test::IsolatedEnvironment::current().root() + QStringLiteral("/Synced");
+    QDir().mkpath(folder);
+    QCOMPARE(store.moveLibrary(folder), std::nullopt);
+
+    const QString newPath = folder + QStringLiteral("/Library.json");
+    QCOMPARE(libraryURL(), newPath);
+    QCOMPARE(m_preferences->libraryPath(), newPath);
+    QCOMPARE(fileLibrary()->projects[0].sections[0].notes[0].text, QStringLiteral("moved"));
+    QVERIFY(QFileInfo::exists(folder + QStringLiteral("/Attachments/A/image.png")));
+    QVERIFY(!QFileInfo::exists(attachmentsFolder(oldPath)));
+    QVERIFY(store.selection().isEmpty());
+    QCOMPARE(store.libraryRevision(), revision + 1);
+    QVERIFY(store.canUndo()); // the stacks stay
+
+    // The save that was pending still goes to the old place.
+    QTRY_VERIFY(QFileInfo::exists(oldPath));
+
+    // A move into a folder where the file cannot go fails and changes nothing.
+    const QString blocked
+        = Test::IsolatedEnvironment::current().root() + QStringLiteral("/blocked");
+    QFile file(blocked);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    QVERIFY(store.moveLibrary(blocked + QStringLiteral("/Library.json")).has_value());
+    QCOMPARE(libraryURL(), newPath);
+}
+
+VESKO_TEST_MAIN(StoreTest)
+#include "tst_store.moc"
