@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The repair pass at load. A project is written as text: sections separated
+// by "|", each "Title" with "!" after it for automatic, then ":" and its notes,
+// a note being its text, or "text@App" / "text@App/Window" for a captured one.
+// The active section is marked with "*" before its title.
+
+#include "TestEnvironment.h"
+
+#include "library/LibraryRepair.h"
+#include "library/TitleComparison.h"
+
+using namespace Vesko;
+
+namespace {
+
+Project makeProject(const QString &description)
+{
+    Project project;
+    project.id = makeID();
+    project.name = QStringLiteral("P");
+    for (const QString &part : description.split(u'|', Qt::SkipEmptyParts)) {
+        NoteSection section;
+        section.id = makeID();
+        QString title = part.section(u':', 0, 0);
+        if (title.startsWith(u'*')) {
+            title.remove(0, 1);
+            project.activeSectionID = section.id;
+        }
+        section.isAutomatic = title.endsWith(u'!');
+        if (section.isAutomatic)
+            title.chop(1);
+        section.title = title;
+        for (const QString &text : part.section(u':', 1).split(u',', Qt::SkipEmptyParts)) {
+            Note note;
+            note.id = makeID();
+            note.text = text.section(u'@', 0, 0);
+            if (text.contains(u'@')) {
+                const QString source = text.section(u'@', 1);
+                note.source = NoteSource {source.section(u'/', 0, 0), std::nullopt,
+                    source.contains(u'/') ? std::optional(source.section(u'/', 1)) : std::nullopt};
+            }
+            section.notes.append(note);
+        }
+        project.sections.append(section);
+    }
+    return project;
+}
+
+QString describe(const Project &project)
+{
+    QStringList parts;
+    for (const NoteSection &section : project.sections) {
+        QStringList notes;
+        for (const Note &note : section.notes) {
+            QString text = note.text;
+            if (note.source) {
+                text += u'@' + note.source->appName;
+                if (note.source->windowTitle)
+                    text += u'/' + *note.source->windowTitle;
+            }
+            notes.append(text);
+        }
+        parts.append((project.activeSectionID == section.id ? QStringLiteral("*") : QString())
+            + section.title + (section.isAutomatic ? QStringLiteral("!") : QString()) + u':'
+            + notes.join(u','));
+    }
+    return parts.join(u'|');
+}
+
+} // namespace
+
+class LibraryRepairTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void repair_data();
+    void repair();
+    void emptyLibraryIsReplacedWithoutARewrite();
+    void staleActiveProjectIsLeftAlone();
+    void notesAreNeverLostOrMade();
+};
+
+void LibraryRepairTest::repair_data()
+{
+    QTest::addColumn<int>("version");
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<QString>("after");
+    QTest::addColumn<bool>("changed");
+
+    QTest::newRow("sound version 3") << 3 << "*Inbox:a|Work:b"
+                                     << "*Inbox:a|Work:b" << false;
+    QTest::newRow("version 2 is rewritten") << 2 << "*Inbox:a"
+                                            << "*Inbox:a" << true;
+    QTest::newRow("version 9 is stamped down") << 9 << "*Inbox:a"
+                                               << "*Inbox:a" << true;
+    QTest::newRow("no sections gets an active Inbox") << 3 << ""
+                                                      << "*Inbox:" << true;
+    QTest::newRow("no active section picks Inbox in any case") << 3 << "Work:a|INBOX:b"
+                                                               << "Work:a|*INBOX:b" << true;
+    QTest::newRow("no active section, no Inbox, picks the first") << 3 << "Work:a|Home:b"
+                                                                  << "*Work:a|Home:b" << true;
+    QTest::newRow("shadow section folds into Inbox") << 3 << "*Inbox:x|Safari!:a@Safari|safari:b,c"
+                                                     << "*Inbox:x,b,c|Safari!:a@Safari" << true;
+    QTest::newRow("shadow section without Inbox makes one at the end")
+        << 3 << "*Safari!:a@Safari|safari:b|Work:c"
+        << "*Safari!:a@Safari|Work:c|Inbox:b" << true;
+    QTest::newRow("empty shadow section just goes") << 3 << "*Safari!:a@Safari|SAFARI:"
+                                                    << "*Safari!:a@Safari" << true;
+    QTest::newRow("shadow with a captured note stays")
+        << 3 << "*Safari!:a@Safari|safari:b,c@Mail"
+        << "*Safari!:a@Safari|safari:b,c@Mail" << false;
+    QTest::newRow("shadow that was active loses it to Inbox")
+        << 3 << "Inbox:|Safari!:a@Safari|*safari:b"
+        << "*Inbox:b|Safari!:a@Safari" << true;
+    QTest::newRow("legacy capture section becomes automatic")
+        << 2 << "*Inbox:|Mail — Sent:a@Mail/Sent,b@Mail/sent"
+        << "*Inbox:|Mail — Sent!:a@Mail/Sent,b@Mail/sent" << true;
+    QTest::newRow("legacy Inbox never becomes automatic") << 2 << "*Inbox:a@Inbox"
+                                                          << "*Inbox:a@Inbox" << true;
+    QTest::newRow("legacy mixed section stays ordinary") << 2 << "*Inbox:|Mail:a@Mail,typed"
+                                                         << "*Inbox:|Mail:a@Mail,typed" << true;
+    QTest::newRow("version 3 section of captures stays ordinary") << 3 << "*Inbox:|Mail:a@Mail"
+                                                                  << "*Inbox:|Mail:a@Mail" << false;
+    QTest::newRow("duplicate automatic sections join under the first")
+        << 3 << "*Inbox:|Mail!:a@Mail|x:|mail!:b@mail"
+        << "*Inbox:|Mail!:a@Mail,b@mail|x:" << true;
+    QTest::newRow("active duplicate hands over to the keeper")
+        << 3 << "Inbox:|Mail!:a@Mail|*mail!:b@Mail"
+        << "Inbox:|*Mail!:a@Mail,b@Mail" << true;
+    QTest::newRow("legacy stray captures move, typed notes stay")
+        << 2 << "*Inbox:|Mail!:a@Mail|Mail:b@Mail,typed@Notes"
+        << "*Inbox:|Mail!:a@Mail,b@Mail|Mail:typed@Notes" << true;
+    QTest::newRow("legacy section emptied of strays goes")
+        << 2 << "Inbox:|Mail!:a@Mail|*MAIL:b@Mail,c@Mail"
+        << "Inbox:|*Mail!:a@Mail,b@Mail,c@Mail" << true;
+    QTest::newRow("phase 1 feeds phase 2 in legacy files") << 2 << "*Inbox:|Mail:a@Mail|Mail:b@Mail"
+                                                           << "*Inbox:|Mail!:a@Mail,b@Mail" << true;
+}
+
+void LibraryRepairTest::repair()
+{
+    QFETCH(int, version);
+    QFETCH(QString, before);
+    QFETCH(QString, after);
+    QFETCH(bool, changed);
+
+    Library library;
+    library.version = version;
+    library.projects = {makeProject(before)};
+    library.activeProjectID = library.projects[0].id;
+    QCOMPARE(repairLibrary(library), changed);
+    QCOMPARE(library.version, 3);
+    QCOMPARE(describe(library.projects[0]), after);
+
+    // A repaired library needs no second repair.
+    QCOMPARE(repairLibrary(library), false);
+}
+
+void LibraryRepairTest::emptyLibraryIsReplacedWithoutARewrite()
+{
+    Library library;
+    QCOMPARE(repairLibrary(library), false);
+    QCOMPARE(library.projects.size(), 1);
+    QCOMPARE(library.projects[0].sections[0].title, QStringLiteral("Inbox"));
+    QCOMPARE(library.activeProjectID, library.projects[0].id);
+}
+
+void LibraryRepairTest::staleActiveProjectIsLeftAlone()
+{
+    Library library;
+    library.projects = {makeProject(QStringLiteral("*Inbox:a"))};
+    const QUuid stale = makeID();
+    library.activeProjectID = stale;
+    QCOMPARE(repairLibrary(library), false);
+    QCOMPARE(library.activeProjectID, stale);
+
+    // An absent one is filled in without counting as a change.
+    library.activeProjectID.reset();
+    QCOMPARE(repairLibrary(library), false);
+    QCOMPARE(library.activeProjectID, library.projects[0].id);
+}
+
+void LibraryRepairTest::notesAreNeverLostOrMade()
+{
+    Library library;
+    library.version = 1;
+    library.projects = {
+        makeProject(QStringLiteral("Mail:a@Mail,b@Mail|mail!:c@Mail|MAIL:d@Mail,e|Inbox:f|mail:g")),
+        makeProject(QStringLiteral("Safari!:h@Safari|safari:i|Safari — Docs:j@Safari/Docs"))};
+    QMultiHash<QUuid, QString> before;
+    for (const Project &project : library.projects) {
+        for (const NoteSection &section : project.sections) {
+            for (const Note &note : section.notes)
+                before.insert(note.id, note.text);
+        }
+    }
+    repairLibrary(library);
+    QMultiHash<QUuid, QString> after;
+    for (const Project &project : library.projects) {
+        for (const NoteSection &section : project.sections) {
+            for (const Note &note : section.notes)
+                after.insert(note.id, note.text);
+        }
+    }
+    QCOMPARE(after, before);
+}
+
+VESKO_TEST_MAIN(LibraryRepairTest)
+#include "tst_libraryrepair.moc"
