@@ -11,6 +11,7 @@
 #include "LibraryGenerator.h"
 #include "TestEnvironment.h"
 
+#include "attachments/AttachmentStore.h"
 #include "library/LibraryWriter.h"
 #include "shell/Preferences.h"
 #include "store/Store.h"
@@ -63,6 +64,7 @@ struct Fixture
     { }
     std::unique_ptr<Preferences> preferences = std::make_unique<Preferences>();
     std::unique_ptr<LibraryWriter> writer;
+    std::unique_ptr<AttachmentStore> attachments = std::make_unique<AttachmentStore>();
 };
 
 Fixture &fixture()
@@ -80,15 +82,16 @@ void BM_CountNotes(benchmark::State &state)
 
 void BM_RecordUndo(benchmark::State &state)
 {
-    Store store(
-        Test::generateLibrary(state.range(0), 42), *fixture().preferences, *fixture().writer);
+    Store store(Test::generateLibrary(state.range(0), 42), *fixture().preferences,
+        *fixture().writer, *fixture().attachments);
     for (auto _ : state)
         store.recordUndo();
 }
 
 void BM_RowHandleCopyFloor(benchmark::State &state)
 {
-    Store store(libraryWithActiveProject(100000, 10000), *fixture().preferences, *fixture().writer);
+    Store store(libraryWithActiveProject(100000, 10000), *fixture().preferences, *fixture().writer,
+        *fixture().attachments);
     const QList<PanelRow> &rows = store.rows();
     for (auto _ : state) {
         QList<PanelRow> copy;
@@ -102,7 +105,8 @@ void BM_RowHandleCopyFloor(benchmark::State &state)
 
 void BM_EditNote(benchmark::State &state)
 {
-    Store store(libraryWithActiveProject(100000, 10000), *fixture().preferences, *fixture().writer);
+    Store store(libraryWithActiveProject(100000, 10000), *fixture().preferences, *fixture().writer,
+        *fixture().attachments);
     const QUuid sectionID = store.activeProject().sections[0].id;
     int counter = 0;
     for (auto _ : state) {

@@ -7,6 +7,7 @@
 #include "LibraryGenerator.h"
 #include "TestEnvironment.h"
 
+#include "attachments/AttachmentStore.h"
 #include "library/LibraryWriter.h"
 #include "shell/Preferences.h"
 #include "store/Store.h"
@@ -112,6 +113,7 @@ private:
 
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<LibraryWriter> m_writer;
+    std::unique_ptr<AttachmentStore> m_attachments = std::make_unique<AttachmentStore>();
 };
 
 void PanelRowsTest::init()
@@ -241,7 +243,7 @@ void PanelRowsTest::derivation()
 
 void PanelRowsTest::rowsAgreeWithTheLibraryThroughRandomChanges()
 {
-    Store store(Test::generateLibrary(400, 9), *m_preferences, *m_writer);
+    Store store(Test::generateLibrary(400, 9), *m_preferences, *m_writer, *m_attachments);
     QRandomGenerator random(77);
     for (int step = 0; step < 400; ++step) {
         const int action = random.bounded(6);
@@ -281,7 +283,7 @@ std::unique_ptr<Store> PanelRowsTest::storeWith(
     Library library;
     library.projects = {makeProject(description)};
     library.activeProjectID = library.projects[0].id;
-    auto store = std::make_unique<Store>(library, *m_preferences, *m_writer);
+    auto store = std::make_unique<Store>(library, *m_preferences, *m_writer, *m_attachments);
     QSet<QUuid> ids;
     for (const QString &letter : selection.split(u',', Qt::SkipEmptyParts))
         ids.insert(idFor(letter));

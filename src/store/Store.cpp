@@ -2,6 +2,7 @@
 
 #include "store/Store.h"
 
+#include "attachments/AttachmentStore.h"
 #include "library/LibraryFile.h"
 #include "library/LibraryRepair.h"
 #include "library/LibraryWriter.h"
@@ -29,11 +30,13 @@ QString trimmedBlanksAndTabs(const QString &text)
 
 } // namespace
 
-Store::Store(Library loaded, Preferences &preferences, LibraryWriter &writer, QObject *parent)
+Store::Store(Library loaded, Preferences &preferences, LibraryWriter &writer,
+    AttachmentStore &attachments, QObject *parent)
     : QObject(parent)
     , m_library(std::move(loaded))
     , m_preferences(preferences)
     , m_writer(writer)
+    , m_attachments(attachments)
 {
     m_saveTimer.setSingleShot(true);
     m_saveTimer.setInterval(saveDelayMilliseconds);
@@ -57,8 +60,8 @@ Store::~Store() = default;
 
 Store &Store::shared()
 {
-    static Store *const store
-        = new Store(loadLibrary(), Preferences::shared(), LibraryWriter::shared());
+    static Store *const store = new Store(
+        loadLibrary(), Preferences::shared(), LibraryWriter::shared(), AttachmentStore::shared());
     return *store;
 }
 
@@ -322,11 +325,16 @@ void Store::reloadLibrary()
 {
     setLibrary(loadLibrary());
     setSelectionSet({});
-    if (!m_searchText.isEmpty()) {
-        m_searchText.clear();
-        Q_EMIT searchTextChanged();
-    }
+    clearSearchText();
     refreshAfterMutation();
+}
+
+void Store::clearSearchText()
+{
+    if (m_searchText.isEmpty())
+        return;
+    m_searchText.clear();
+    Q_EMIT searchTextChanged();
 }
 
 } // namespace Vesko

@@ -21,6 +21,7 @@
 
 namespace Vesko {
 
+class AttachmentStore;
 class LibraryWriter;
 class Preferences;
 
@@ -46,8 +47,8 @@ public:
 
     //! Takes over \a loaded, repairs it (and writes it at once if the repair
     //! changed anything) and derives the rows.
-    Store(
-        Library loaded, Preferences &preferences, LibraryWriter &writer, QObject *parent = nullptr);
+    Store(Library loaded, Preferences &preferences, LibraryWriter &writer,
+        AttachmentStore &attachments, QObject *parent = nullptr);
     ~Store() override;
 
     //! The Store of the process, made on first use from the library file.
@@ -131,6 +132,77 @@ public:
     //! Sets the selection and the anchor in one step.
     void setSelection(const QSet<QUuid> &selection, std::optional<QUuid> anchor);
 
+    // -- notes ----------------------------------------------------------------
+    // Each operation does nothing at all when there is nothing to do; else it
+    // records one undo step, changes the library, adjusts the selection and
+    // commits. Operations on several notes act on the visible ones, in row order.
+
+    //! Adds a note to the active project: to the section \a sectionID if it is
+    //! there, else to the section titled \a sectionTitle among those of its
+    //! kind (made if missing), else to the active section, else to "Inbox".
+    //! With \a reveal the search is cleared, the section expanded and the note
+    //! selected, and anchored a moment later. Blank text needs an attachment.
+    std::optional<Note> addNote(const QString &text, std::optional<QUuid> sectionID = std::nullopt,
+        std::optional<QString> sectionTitle = std::nullopt, bool isAutomaticSection = false,
+        std::optional<NoteSource> source = std::nullopt,
+        const QList<NoteAttachment> &attachments = {}, bool reveal = false);
+    //! Sets a note's text; an edit that empties a note without attachments deletes it.
+    void updateNote(const QUuid &id, const QString &text);
+    void setDone(const QList<QUuid> &ids, bool isDone);
+    void deleteNotes(const QSet<QUuid> &ids);
+    //! Deletes the done notes of the active project, hidden ones included.
+    void clearCompleted();
+    //! Joins the visible notes among \a ids, in row order, into one new note
+    //! in the place of the first.
+    void mergeNotes(const QList<QUuid> &ids);
+    //! Cuts a note into one note per paragraph (text between blank lines).
+    void splitNote(const QUuid &id);
+    void moveNotesToProject(
+        const QList<QUuid> &ids, const QUuid &projectID, const QString &sectionTitle);
+    void moveNotesToSection(const QList<QUuid> &ids, const QUuid &sectionID);
+    //! Moves notes to \a index among the section's notes as they were before the move.
+    void moveNotesToSection(const QList<QUuid> &ids, const QUuid &sectionID, qsizetype index);
+    void toggleExpanded(const QUuid &id);
+    //! Attaches records of files already imported; their files go if the note has gone.
+    void addAttachments(const QList<NoteAttachment> &attachments, const QUuid &noteID);
+    void removeAttachment(const QUuid &attachmentID, const QUuid &noteID);
+
+    //! The note to select after removing \a ids: the next visible survivor,
+    //! else the nearest one above, else nothing.
+    std::optional<QUuid> nextSelection(const QSet<QUuid> &ids) const;
+    //! Deletes the files of records that nothing in the library refers to any more.
+    void purgeAttachmentFiles(const QList<NoteAttachment> &attachments);
+
+    // -- sections and projects ----------------------------------------------------
+
+    //! The index of the first section of \a project of that kind and title,
+    //! appending a new one when there is none.
+    static qsizetype findOrCreateSection(Project &project, const QString &title, bool automatic);
+    //! Activates the section of that title in the active project, or makes it.
+    std::optional<NoteSection> createOrUseSection(const QString &title);
+    void activateSection(const QUuid &id);
+    //! Activates the \a number-th section (from 1) of the active project.
+    void jumpToSection(int number);
+    void renameSection(const QUuid &id, const QString &title);
+    void renameProject(const QUuid &id, const QString &name);
+    //! Swaps a section of the active project with its neighbour (+1 down, -1 up).
+    void moveSection(const QUuid &id, int by);
+    //! Moves a section before another one, or to the end without one.
+    void moveSection(const QUuid &id, const std::optional<QUuid> &before);
+    //! These four change the library without an undo step; the caller commits.
+    void toggleSectionCollapsed(const QUuid &id);
+    void expandSection(const QUuid &id);
+    void collapseAllSections();
+    void expandAllSections();
+    //! Deletes a section with its notes and their attachment files.
+    void deleteSection(const QUuid &id);
+    //! Removes every automatic section left without notes, in all projects.
+    void pruneEmptyAutomaticSections();
+    std::optional<Project> createProject(const QString &name);
+    void deleteProject(const QUuid &id);
+    //! Shows another project; not an undo step.
+    void switchProject(const QUuid &id);
+
 Q_SIGNALS:
     void libraryChanged();
     void searchTextChanged();
@@ -151,6 +223,15 @@ private:
     void setSelectionAnchor(std::optional<QUuid> anchor);
     void setExpandedNoteIDs(const QSet<QUuid> &ids);
     void saveNow();
+    void clearSearchText();
+    //! The visible notes whose ids are among \a ids, in row order.
+    QList<Note> visibleNotesAmong(const QList<QUuid> &ids) const;
+    //! Removes notes everywhere, prunes, moves the selection on and purges files.
+    void removeNotes(const QSet<QUuid> &ids);
+    //! Removes notes from every section of every project, and nothing else.
+    void stripNotes(const QSet<QUuid> &ids);
+    NoteSection *findSection(const QUuid &id);
+    Note *findNote(const QUuid &id);
     //! Undo and redo: the last state of \a from becomes the library, the present one goes to \a to.
     void restoreSnapshot(QList<Library> &from, QList<Library> &to);
     void scheduleIndexSync();
@@ -170,6 +251,7 @@ private:
 
     Preferences &m_preferences;
     LibraryWriter &m_writer;
+    AttachmentStore &m_attachments;
 
     //! The pending save and what it will write, as of the commit that scheduled it.
     QTimer m_saveTimer;

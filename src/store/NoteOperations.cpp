@@ -1,0 +1,502 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// What the user does to notes: add, edit, complete, delete, merge, split,
+// move, expand, attach. Each follows the one road of a change.
+
+#include "store/Store.h"
+
+#include "attachments/AttachmentStore.h"
+#include "library/LibraryFile.h"
+
+#include <QTimer>
+
+namespace Vesko {
+
+namespace {
+
+// The position of a note or section in the library, by indices, so that a
+// mutable reference detaches only the path to it.
+struct Position
+{
+    qsizetype project = -1;
+    qsizetype section = -1;
+    qsizetype note = -1;
+};
+
+std::optional<Position> locateNote(const Library &library, const QUuid &id)
+{
+    for (qsizetype p = 0; p < library.projects.size(); ++p) {
+        const QList<NoteSection> &sections = library.projects.at(p).sections;
+        for (qsizetype s = 0; s < sections.size(); ++s) {
+            const QList<Note> &notes = sections.at(s).notes;
+            for (qsizetype n = 0; n < notes.size(); ++n) {
+                if (notes.at(n).id == id)
+                    return Position {p, s, n};
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Position> locateSection(const Library &library, const QUuid &id)
+{
+    for (qsizetype p = 0; p < library.projects.size(); ++p) {
+        const QList<NoteSection> &sections = library.projects.at(p).sections;
+        for (qsizetype s = 0; s < sections.size(); ++s) {
+            if (sections.at(s).id == id)
+                return Position {p, s, -1};
+        }
+    }
+    return std::nullopt;
+}
+
+QString trimmed(const QString &text)
+{
+    return text.trimmed();
+}
+
+QSet<QUuid> idSet(const QList<QUuid> &ids)
+{
+    return QSet<QUuid>(ids.cbegin(), ids.cend());
+}
+
+QSet<QUuid> idsOf(const QList<Note> &notes)
+{
+    QSet<QUuid> ids;
+    for (const Note &note : notes)
+        ids.insert(note.id);
+    return ids;
+}
+
+// Paragraphs: the pieces between two consecutive newlines, trimmed, empty ones dropped.
+QStringList paragraphs(const QString &text)
+{
+    QStringList pieces;
+    for (const QString &piece : text.split(QStringLiteral("\n\n"))) {
+        const QString cleaned = piece.trimmed();
+        if (!cleaned.isEmpty())
+            pieces.append(cleaned);
+    }
+    return pieces;
+}
+
+} // namespace
+
+NoteSection *Store::findSection(const QUuid &id)
+{
+    const std::optional<Position> at = locateSection(m_library, id);
+    return at ? &m_library.projects[at->project].sections[at->section] : nullptr;
+}
+
+Note *Store::findNote(const QUuid &id)
+{
+    const std::optional<Position> at = locateNote(m_library, id);
+    return at ? &m_library.projects[at->project].sections[at->section].notes[at->note] : nullptr;
+}
+
+QList<Note> Store::visibleNotesAmong(const QList<QUuid> &ids) const
+{
+    const QSet<QUuid> wanted = idSet(ids);
+    QList<Note> notes;
+    for (const PanelRow &row : m_rows) {
+        if (row.isNote() && wanted.contains(row.note().id))
+            notes.append(row.note());
+    }
+    return notes;
+}
+
+std::optional<Note> Store::addNote(const QString &text, std::optional<QUuid> sectionID,
+    std::optional<QString> sectionTitle, bool isAutomaticSection, std::optional<NoteSource> source,
+    const QList<NoteAttachment> &attachments, bool reveal)
+{
+    const QString cleaned = trimmed(text);
+    if (cleaned.isEmpty() && attachments.isEmpty())
+        return std::nullopt;
+
+    recordUndo();
+    Note note;
+    note.id = makeID();
+    note.text = cleaned;
+    note.createdAt = currentDate();
+    note.updatedAt = note.createdAt;
+    note.source = std::move(source);
+    note.attachments = attachments;
+
+    // A library without projects has nowhere to put a note but a new unsaved
+    // project; the repair at the next start gives it a default one anyway.
+    qsizetype projectIndex = activeProjectIndex(m_library);
+    if (projectIndex < 0) {
+        m_library.projects.append(activeProject());
+        projectIndex = 0;
+    }
+    Project &project = m_library.projects[projectIndex];
+
+    qsizetype target = -1;
+    if (sectionID) {
+        for (qsizetype i = 0; i < project.sections.size() && target < 0; ++i) {
+            if (project.sections.at(i).id == *sectionID)
+                target = i;
+        }
+    }
+    if (target < 0 && sectionTitle) {
+        target = findOrCreateSection(project, *sectionTitle, isAutomaticSection);
+    }
+    if (target < 0 && project.activeSectionID) {
+        for (qsizetype i = 0; i < project.sections.size() && target < 0; ++i) {
+            if (project.sections.at(i).id == *project.activeSectionID)
+                target = i;
+        }
+    }
+    if (target < 0) {
+        target = findOrCreateSection(project, QStringLiteral("Inbox"), false);
+        project.activeSectionID = project.sections.at(target).id;
+    }
+    project.sections[target].notes.append(note);
+    const QUuid targetSectionID = project.sections.at(target).id;
+
+    if (reveal) {
+        clearSearchText();
+        expandSection(targetSectionID);
+        commit();
+        setSelection({note.id}, std::nullopt);
+        // The anchor follows once the row exists, and only if the note is still selected.
+        QTimer::singleShot(20, this, [this, id = note.id] {
+            if (m_selection.contains(id))
+                setSelectionAnchor(id);
+        });
+    } else {
+        commit();
+    }
+    return note;
+}
+
+void Store::updateNote(const QUuid &id, const QString &text)
+{
+    const QString cleaned = trimmed(text);
+    const std::optional<Note> existing = note(id);
+    if (existing && existing->text == cleaned)
+        return;
+
+    // An unknown id still takes an undo step and commits.
+    recordUndo();
+    if (cleaned.isEmpty() && (!existing || existing->attachments.isEmpty())) {
+        removeNotes({id});
+        commit();
+        return;
+    }
+    if (Note *target = findNote(id)) {
+        target->text = cleaned;
+        target->updatedAt = currentDate();
+    }
+    commit();
+}
+
+void Store::setDone(const QList<QUuid> &ids, bool isDone)
+{
+    if (ids.isEmpty())
+        return;
+    recordUndo();
+    const QDateTime now = currentDate();
+    for (const QUuid &id : ids) {
+        if (Note *target = findNote(id)) {
+            target->isDone = isDone;
+            target->completedAt = isDone ? std::optional(now) : std::nullopt;
+            target->updatedAt = now;
+        }
+    }
+    commit();
+}
+
+void Store::deleteNotes(const QSet<QUuid> &ids)
+{
+    if (ids.isEmpty())
+        return;
+    recordUndo();
+    removeNotes(ids);
+    commit();
+}
+
+std::optional<QUuid> Store::nextSelection(const QSet<QUuid> &ids) const
+{
+    const QList<Note> notes = visibleNotes();
+    qsizetype first = -1;
+    for (qsizetype i = 0; i < notes.size() && first < 0; ++i) {
+        if (ids.contains(notes.at(i).id))
+            first = i;
+    }
+    if (first < 0)
+        return std::nullopt;
+    for (qsizetype i = first + 1; i < notes.size(); ++i) {
+        if (!ids.contains(notes.at(i).id))
+            return notes.at(i).id;
+    }
+    for (qsizetype i = first - 1; i >= 0; --i) {
+        if (!ids.contains(notes.at(i).id))
+            return notes.at(i).id;
+    }
+    return std::nullopt;
+}
+
+void Store::stripNotes(const QSet<QUuid> &ids)
+{
+    // Only the sections that hold one of the notes are detached.
+    for (qsizetype p = 0; p < m_library.projects.size(); ++p) {
+        const QList<NoteSection> &sections = m_library.projects.at(p).sections;
+        for (qsizetype s = 0; s < sections.size(); ++s) {
+            const QList<Note> &notes = sections.at(s).notes;
+            const bool holds = std::any_of(notes.cbegin(), notes.cend(),
+                [&](const Note &note) { return ids.contains(note.id); });
+            if (holds) {
+                m_library.projects[p].sections[s].notes.removeIf(
+                    [&](const Note &note) { return ids.contains(note.id); });
+            }
+        }
+    }
+}
+
+void Store::removeNotes(const QSet<QUuid> &ids)
+{
+    QList<NoteAttachment> attachments;
+    for (const Project &project : std::as_const(m_library.projects)) {
+        for (const NoteSection &section : project.sections) {
+            for (const Note &note : section.notes) {
+                if (ids.contains(note.id))
+                    attachments.append(note.attachments);
+            }
+        }
+    }
+    const std::optional<QUuid> next = nextSelection(ids);
+    stripNotes(ids);
+    pruneEmptyAutomaticSections();
+    setSelection(next ? QSet<QUuid> {*next} : QSet<QUuid> {}, next);
+    setExpandedNoteIDs(m_expandedNoteIDs - ids);
+    purgeAttachmentFiles(attachments);
+}
+
+void Store::purgeAttachmentFiles(const QList<NoteAttachment> &attachments)
+{
+    if (attachments.isEmpty())
+        return;
+    QSet<QString> referenced;
+    for (const Project &project : std::as_const(m_library.projects)) {
+        for (const NoteSection &section : project.sections) {
+            for (const Note &note : section.notes) {
+                for (const NoteAttachment &attachment : note.attachments)
+                    referenced.insert(attachment.storedFileName);
+            }
+        }
+    }
+    QList<NoteAttachment> unreferenced;
+    for (const NoteAttachment &attachment : attachments) {
+        if (!referenced.contains(attachment.storedFileName))
+            unreferenced.append(attachment);
+    }
+    m_attachments.removeFiles(unreferenced, attachmentsFolder(libraryURL()));
+}
+
+void Store::clearCompleted()
+{
+    const qsizetype projectIndex = activeProjectIndex(m_library);
+    if (projectIndex < 0)
+        return;
+    QSet<QUuid> done;
+    for (const NoteSection &section : m_library.projects.at(projectIndex).sections) {
+        for (const Note &note : section.notes) {
+            if (note.isDone)
+                done.insert(note.id);
+        }
+    }
+    if (done.isEmpty())
+        return;
+    recordUndo();
+    removeNotes(done);
+    commit();
+}
+
+void Store::mergeNotes(const QList<QUuid> &ids)
+{
+    const QList<Note> notes = visibleNotesAmong(ids);
+    if (notes.size() < 2)
+        return;
+    const std::optional<Position> first = locateNote(m_library, notes.first().id);
+    if (!first)
+        return;
+
+    const Note &f = notes.first();
+    const bool allDone
+        = std::all_of(notes.cbegin(), notes.cend(), [](const Note &note) { return note.isDone; });
+    Note merged;
+    merged.id = makeID();
+    QStringList texts;
+    for (const Note &note : notes) {
+        texts.append(note.text);
+        merged.attachments.append(note.attachments);
+    }
+    merged.text = texts.join(QStringLiteral("\n\n"));
+    merged.isDone = allDone;
+    merged.createdAt = f.createdAt;
+    merged.updatedAt = currentDate();
+    if (allDone)
+        merged.completedAt = merged.updatedAt;
+    merged.source = f.source;
+
+    recordUndo();
+    const QSet<QUuid> mergedIDs = idsOf(notes);
+    Project &project = m_library.projects[first->project];
+    project.sections[first->section].notes.insert(first->note, merged);
+    for (qsizetype s = 0; s < project.sections.size(); ++s) {
+        const QList<Note> &sectionNotes = project.sections.at(s).notes;
+        if (std::any_of(sectionNotes.cbegin(), sectionNotes.cend(),
+                [&](const Note &note) { return mergedIDs.contains(note.id); })) {
+            project.sections[s].notes.removeIf(
+                [&](const Note &note) { return mergedIDs.contains(note.id); });
+        }
+    }
+    project.sections.removeIf(
+        [](const NoteSection &section) { return section.isAutomatic && section.notes.isEmpty(); });
+
+    setExpandedNoteIDs(m_expandedNoteIDs - mergedIDs);
+    setSelection({merged.id}, merged.id);
+    commit();
+}
+
+void Store::splitNote(const QUuid &id)
+{
+    const std::optional<Position> at = locateNote(m_library, id);
+    if (!at)
+        return;
+    const Note old = m_library.projects.at(at->project).sections.at(at->section).notes.at(at->note);
+    const QStringList pieces = paragraphs(old.text);
+    if (pieces.size() < 2)
+        return;
+
+    recordUndo();
+    const QDateTime now = currentDate();
+    QList<Note> parts;
+    for (const QString &piece : pieces) {
+        Note part;
+        part.id = makeID();
+        part.text = piece;
+        part.isDone = old.isDone;
+        part.createdAt = old.createdAt;
+        part.updatedAt = now;
+        part.source = old.source;
+        if (parts.isEmpty())
+            part.attachments = old.attachments;
+        parts.append(part);
+    }
+    QList<Note> &notes = m_library.projects[at->project].sections[at->section].notes;
+    notes.removeAt(at->note);
+    for (qsizetype i = 0; i < parts.size(); ++i)
+        notes.insert(at->note + i, parts.at(i));
+
+    setSelection(idsOf(parts), parts.first().id);
+    commit();
+}
+
+void Store::moveNotesToProject(
+    const QList<QUuid> &ids, const QUuid &projectID, const QString &sectionTitle)
+{
+    const QList<Note> notes = visibleNotesAmong(ids);
+    if (notes.isEmpty())
+        return;
+    const auto project = std::find_if(m_library.projects.cbegin(), m_library.projects.cend(),
+        [&](const Project &candidate) { return candidate.id == projectID; });
+    if (project == m_library.projects.cend())
+        return;
+    const qsizetype projectIndex = project - m_library.projects.cbegin();
+
+    recordUndo();
+    stripNotes(idsOf(notes));
+    Project &target = m_library.projects[projectIndex];
+    const qsizetype section = findOrCreateSection(target, sectionTitle, false);
+    target.sections[section].notes.append(notes);
+    pruneEmptyAutomaticSections();
+    setSelection({}, std::nullopt);
+    commit();
+}
+
+void Store::moveNotesToSection(const QList<QUuid> &ids, const QUuid &sectionID)
+{
+    const QList<Note> notes = visibleNotesAmong(ids);
+    if (notes.isEmpty() || !locateSection(m_library, sectionID))
+        return;
+
+    recordUndo();
+    stripNotes(idsOf(notes));
+    findSection(sectionID)->notes.append(notes);
+    pruneEmptyAutomaticSections();
+    setSelectionSet(idsOf(notes));
+    commit();
+}
+
+void Store::moveNotesToSection(const QList<QUuid> &ids, const QUuid &sectionID, qsizetype index)
+{
+    const QList<Note> notes = visibleNotesAmong(ids);
+    const std::optional<Position> at = locateSection(m_library, sectionID);
+    if (notes.isEmpty() || !at)
+        return;
+
+    // The index counts the notes before the move; the moved ones before it drop out.
+    const QSet<QUuid> moving = idsOf(notes);
+    const QList<Note> &before = m_library.projects.at(at->project).sections.at(at->section).notes;
+    const qsizetype limit = std::clamp<qsizetype>(index, 0, before.size());
+    const qsizetype movedAhead = std::count_if(before.cbegin(), before.cbegin() + limit,
+        [&](const Note &note) { return moving.contains(note.id); });
+
+    recordUndo();
+    stripNotes(moving);
+    QList<Note> &target = findSection(sectionID)->notes;
+    const qsizetype insertAt = std::clamp<qsizetype>(index - movedAhead, 0, target.size());
+    for (qsizetype i = 0; i < notes.size(); ++i)
+        target.insert(insertAt + i, notes.at(i));
+    pruneEmptyAutomaticSections();
+    setSelectionSet(moving);
+    commit();
+}
+
+void Store::toggleExpanded(const QUuid &id)
+{
+    QSet<QUuid> expanded = m_expandedNoteIDs;
+    if (!expanded.remove(id))
+        expanded.insert(id);
+    setExpandedNoteIDs(expanded);
+}
+
+void Store::addAttachments(const QList<NoteAttachment> &attachments, const QUuid &noteID)
+{
+    if (!locateNote(m_library, noteID)) {
+        // The note went while its files were imported: they must not stay behind.
+        m_attachments.removeFiles(attachments, attachmentsFolder(libraryURL()));
+        return;
+    }
+    if (attachments.isEmpty())
+        return;
+    recordUndo();
+    Note *target = findNote(noteID);
+    target->attachments.append(attachments);
+    target->updatedAt = currentDate();
+    commit();
+}
+
+void Store::removeAttachment(const QUuid &attachmentID, const QUuid &noteID)
+{
+    const std::optional<Note> existing = note(noteID);
+    if (!existing)
+        return;
+    const auto attachment
+        = std::find_if(existing->attachments.cbegin(), existing->attachments.cend(),
+            [&](const NoteAttachment &a) { return a.id == attachmentID; });
+    if (attachment == existing->attachments.cend())
+        return;
+    const NoteAttachment removed = *attachment;
+
+    recordUndo();
+    Note *target = findNote(noteID);
+    target->attachments.removeIf([&](const NoteAttachment &a) { return a.id == attachmentID; });
+    target->updatedAt = currentDate();
+    purgeAttachmentFiles({removed});
+    commit();
+}
+
+} // namespace Vesko
