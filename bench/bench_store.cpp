@@ -12,6 +12,7 @@
 #include "TestEnvironment.h"
 
 #include "attachments/AttachmentStore.h"
+#include "library/LibraryRepair.h"
 #include "library/LibraryWriter.h"
 #include "shell/Preferences.h"
 #include "store/Store.h"
@@ -127,6 +128,92 @@ void BM_EditNote(benchmark::State &state)
     state.counters["notes"] = double(noteCount(store.library()));
 }
 
+void BM_RebuildRows(benchmark::State &state)
+{
+    Store store(libraryWithActiveProject(100000, 10000), *fixture().preferences, *fixture().writer,
+        *fixture().attachments);
+    for (auto _ : state)
+        store.rebuildRows();
+    state.counters["rows"] = double(store.rows().size());
+}
+
+// Runs one operation per iteration on the same starting library, which is
+// put back, untimed, before each run.
+template<typename Operation>
+void runOperation(benchmark::State &state, Operation operation,
+    const Library &original = libraryWithActiveProject(100000, 10000))
+{
+    Store store(original, *fixture().preferences, *fixture().writer, *fixture().attachments);
+    for (auto _ : state) {
+        state.PauseTiming();
+        store.setLibrary(original);
+        store.rebuildRows();
+        const QList<Note> visible = store.visibleNotes();
+        state.ResumeTiming();
+        operation(store, visible);
+    }
+}
+
+QList<QUuid> firstIDs(const QList<Note> &notes, qsizetype count, qsizetype step = 1)
+{
+    QList<QUuid> ids;
+    for (qsizetype i = 0; i < notes.size() && ids.size() < count; i += step)
+        ids.append(notes.at(i).id);
+    return ids;
+}
+
+void BM_MergeTwo(benchmark::State &state)
+{
+    runOperation(state, [](Store &store, const QList<Note> &visible) {
+        store.mergeNotes(firstIDs(visible, 2, 500));
+    });
+}
+
+void BM_MoveHundred(benchmark::State &state)
+{
+    runOperation(state, [](Store &store, const QList<Note> &visible) {
+        store.moveNotesToSection(
+            firstIDs(visible, 100, 7), store.activeProject().sections.last().id);
+    });
+}
+
+void BM_DeleteThousand(benchmark::State &state)
+{
+    runOperation(state, [](Store &store, const QList<Note> &visible) {
+        const QList<QUuid> ids = firstIDs(visible, 1000, 3);
+        store.deleteNotes(QSet<QUuid>(ids.cbegin(), ids.cend()));
+    });
+}
+
+void BM_SplitFiftyParagraphs(benchmark::State &state)
+{
+    Library library = libraryWithActiveProject(100000, 10000);
+    Note &note = library.projects[0].sections[0].notes[0];
+    QStringList paragraphs;
+    for (int i = 0; i < 50; ++i)
+        paragraphs.append(QStringLiteral("Paragraph %1: %2").arg(i).arg(note.text.left(80)));
+    note.text = paragraphs.join(QStringLiteral("\n\n"));
+    const QUuid id = note.id;
+    runOperation(
+        state, [id](Store &store, const QList<Note> &) { store.splitNote(id); }, library);
+}
+
+void BM_RepairVersion2(benchmark::State &state)
+{
+    Library original = libraryWithActiveProject(100000, 10000);
+    original.version = 2;
+    for (auto _ : state) {
+        Library library = original;
+        benchmark::DoNotOptimize(repairLibrary(library));
+    }
+}
+
+BENCHMARK(BM_RebuildRows)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_MergeTwo)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_MoveHundred)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DeleteThousand)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SplitFiftyParagraphs)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RepairVersion2)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_CountNotes)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_RecordUndo)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_RowHandleCopyFloor)->Unit(benchmark::kMillisecond);
@@ -164,7 +251,14 @@ int main(int argc, char *argv[])
     std::printf("edit to rebuilt rows / copying the row handles: %.2f (edit %.2f ms)\n",
         t["BM_RowHandleCopyFloor"] > 0 ? t["BM_EditNote"] / t["BM_RowHandleCopyFloor"] : 0.0,
         t["BM_EditNote"]);
+    const double rebuild = t["BM_RebuildRows"];
+    for (const char *name : {"BM_MergeTwo", "BM_MoveHundred", "BM_DeleteThousand",
+             "BM_SplitFiftyParagraphs", "BM_RepairVersion2"}) {
+        std::printf("%-26s %7.2f ms  %5.2f rebuilds\n", name, t[name],
+            rebuild > 0 ? t[name] / rebuild : 0.0);
+    }
     benchmark::Shutdown();
     fixture().writer.reset();
+    fixture().attachments.reset();
     return 0;
 }

@@ -7,8 +7,15 @@
 
 #include "TestEnvironment.h"
 
+#include "attachments/AttachmentStore.h"
+#include "library/LibraryCoding.h"
+#include "library/LibraryFile.h"
 #include "library/LibraryRepair.h"
-#include "library/TitleComparison.h"
+#include "library/LibraryWriter.h"
+#include "shell/Preferences.h"
+#include "store/Store.h"
+
+#include <QDir>
 
 using namespace Vesko;
 
@@ -80,6 +87,8 @@ private Q_SLOTS:
     void emptyLibraryIsReplacedWithoutARewrite();
     void staleActiveProjectIsLeftAlone();
     void notesAreNeverLostOrMade();
+    void handWrittenFilesAtStart_data();
+    void handWrittenFilesAtStart();
 };
 
 void LibraryRepairTest::repair_data()
@@ -205,6 +214,67 @@ void LibraryRepairTest::notesAreNeverLostOrMade()
         }
     }
     QCOMPARE(after, before);
+}
+
+void LibraryRepairTest::handWrittenFilesAtStart_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("expected");
+    QTest::addColumn<bool>("rewritten");
+
+    QTest::newRow("version 2, every phase")
+        << "repair-version2.json"
+        << "*Inbox:typed in the inbox,typed in a shadow"
+           "|Mail — Sent!:first sent@Mail/Sent,second sent@Mail/Sent,third sent@Mail/sent"
+           "|Firefox:typed about firefox|Firefox!:captured@Firefox,stray capture@Firefox"
+        << true;
+    QTest::newRow("version 9 stamped down") << "repair-version9.json"
+                                            << "*Inbox:from the future" << true;
+    QTest::newRow("sound version 3") << "library-full.json" << QString() << false;
+}
+
+void LibraryRepairTest::handWrittenFilesAtStart()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, expected);
+    QFETCH(bool, rewritten);
+
+    Preferences::openSettings()->clear();
+    QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
+    QFile fixture(QFINDTESTDATA(QStringLiteral("data/") + file));
+    QVERIFY(fixture.open(QIODevice::ReadOnly));
+    const QByteArray original = fixture.readAll();
+    QDir().mkpath(QFileInfo(libraryURL()).absolutePath());
+    QFile target(libraryURL());
+    QVERIFY(target.open(QIODevice::WriteOnly));
+    target.write(original);
+    target.close();
+
+    Preferences preferences;
+    LibraryWriter writer;
+    AttachmentStore attachments;
+    Store store(loadLibrary(), preferences, writer, attachments);
+    if (!expected.isEmpty())
+        QCOMPARE(describe(store.library().projects[0]), expected);
+
+    QFile written(libraryURL());
+    QVERIFY(written.open(QIODevice::ReadOnly));
+    const QByteArray bytes = written.readAll();
+    const QDir backups(backupsFolder(libraryURL()));
+    if (rewritten) {
+        QCOMPARE(decodeLibrary(bytes)->version, 3);
+        QVERIFY(!bytes.contains("futureKey") && !bytes.contains("colour")
+            && !bytes.contains("reactions"));
+        // The old form is kept as the one backup.
+        const QStringList names = backups.entryList(QDir::Files);
+        QCOMPARE(names.size(), 1);
+        QFile backup(backups.filePath(names.first()));
+        QVERIFY(backup.open(QIODevice::ReadOnly));
+        QCOMPARE(backup.readAll(), original);
+    } else {
+        QCOMPARE(bytes, original);
+        QVERIFY(!backups.exists());
+    }
 }
 
 VESKO_TEST_MAIN(LibraryRepairTest)

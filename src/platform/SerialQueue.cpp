@@ -2,6 +2,8 @@
 
 #include "platform/SerialQueue.h"
 
+#include <QCoreApplication>
+
 namespace Vesko {
 
 SerialQueue::SerialQueue(const QString &label, QThread::Priority priority)
@@ -15,9 +17,14 @@ SerialQueue::SerialQueue(const QString &label, QThread::Priority priority)
 
 SerialQueue::~SerialQueue()
 {
-    // Stopping as a job of its own lets every job submitted before it run first.
+    // Stopping as a job of its own lets every job submitted before it run
+    // first. Without an application object, queued jobs can no longer be
+    // delivered at all, so the thread is stopped directly.
     QThread *thread = &m_thread;
-    async([thread] { thread->quit(); });
+    if (QCoreApplication::instance())
+        async([thread] { thread->quit(); });
+    else
+        m_thread.quit();
     m_thread.wait();
 }
 

@@ -218,55 +218,61 @@ void Store::deleteNotes(const QSet<QUuid> &ids)
 
 std::optional<QUuid> Store::nextSelection(const QSet<QUuid> &ids) const
 {
-    const QList<Note> notes = visibleNotes();
+    // The note rows, in order, without copying the notes.
+    QList<QUuid> visible;
+    visible.reserve(m_rows.size());
+    for (const PanelRow &row : m_rows) {
+        if (row.isNote())
+            visible.append(row.note().id);
+    }
     qsizetype first = -1;
-    for (qsizetype i = 0; i < notes.size() && first < 0; ++i) {
-        if (ids.contains(notes.at(i).id))
+    for (qsizetype i = 0; i < visible.size() && first < 0; ++i) {
+        if (ids.contains(visible.at(i)))
             first = i;
     }
     if (first < 0)
         return std::nullopt;
-    for (qsizetype i = first + 1; i < notes.size(); ++i) {
-        if (!ids.contains(notes.at(i).id))
-            return notes.at(i).id;
+    for (qsizetype i = first + 1; i < visible.size(); ++i) {
+        if (!ids.contains(visible.at(i)))
+            return visible.at(i);
     }
     for (qsizetype i = first - 1; i >= 0; --i) {
-        if (!ids.contains(notes.at(i).id))
-            return notes.at(i).id;
+        if (!ids.contains(visible.at(i)))
+            return visible.at(i);
     }
     return std::nullopt;
 }
 
-void Store::stripNotes(const QSet<QUuid> &ids)
+void Store::stripNotes(const QSet<QUuid> &ids, QList<NoteAttachment> *removedAttachments)
 {
-    // Only the sections that hold one of the notes are detached.
+    // One look-up per note; only the sections that hold one of them are detached.
     for (qsizetype p = 0; p < m_library.projects.size(); ++p) {
         const QList<NoteSection> &sections = m_library.projects.at(p).sections;
         for (qsizetype s = 0; s < sections.size(); ++s) {
             const QList<Note> &notes = sections.at(s).notes;
-            const bool holds = std::any_of(notes.cbegin(), notes.cend(),
+            const auto firstHit = std::find_if(notes.cbegin(), notes.cend(),
                 [&](const Note &note) { return ids.contains(note.id); });
-            if (holds) {
-                m_library.projects[p].sections[s].notes.removeIf(
-                    [&](const Note &note) { return ids.contains(note.id); });
+            if (firstHit == notes.cend())
+                continue;
+            QList<Note> kept(notes.cbegin(), firstHit);
+            for (auto it = firstHit; it != notes.cend(); ++it) {
+                if (it == firstHit || ids.contains(it->id)) {
+                    if (removedAttachments)
+                        removedAttachments->append(it->attachments);
+                } else {
+                    kept.append(*it);
+                }
             }
+            m_library.projects[p].sections[s].notes = kept;
         }
     }
 }
 
 void Store::removeNotes(const QSet<QUuid> &ids)
 {
-    QList<NoteAttachment> attachments;
-    for (const Project &project : std::as_const(m_library.projects)) {
-        for (const NoteSection &section : project.sections) {
-            for (const Note &note : section.notes) {
-                if (ids.contains(note.id))
-                    attachments.append(note.attachments);
-            }
-        }
-    }
     const std::optional<QUuid> next = nextSelection(ids);
-    stripNotes(ids);
+    QList<NoteAttachment> attachments;
+    stripNotes(ids, &attachments);
     pruneEmptyAutomaticSections();
     setSelection(next ? QSet<QUuid> {*next} : QSet<QUuid> {}, next);
     setExpandedNoteIDs(m_expandedNoteIDs - ids);
@@ -277,18 +283,22 @@ void Store::purgeAttachmentFiles(const QList<NoteAttachment> &attachments)
 {
     if (attachments.isEmpty())
         return;
-    QSet<QString> referenced;
+    // The candidates are few; every name the library still refers to is
+    // looked up among them, and a referenced one is spared.
+    QSet<QString> candidates;
+    for (const NoteAttachment &attachment : attachments)
+        candidates.insert(attachment.storedFileName);
     for (const Project &project : std::as_const(m_library.projects)) {
         for (const NoteSection &section : project.sections) {
             for (const Note &note : section.notes) {
                 for (const NoteAttachment &attachment : note.attachments)
-                    referenced.insert(attachment.storedFileName);
+                    candidates.remove(attachment.storedFileName);
             }
         }
     }
     QList<NoteAttachment> unreferenced;
     for (const NoteAttachment &attachment : attachments) {
-        if (!referenced.contains(attachment.storedFileName))
+        if (candidates.contains(attachment.storedFileName))
             unreferenced.append(attachment);
     }
     m_attachments.removeFiles(unreferenced, attachmentsFolder(libraryURL()));

@@ -13,6 +13,11 @@ QList<PanelRow> derivePanelRows(
     if (!project)
         return rows;
 
+    qsizetype capacity = project->sections.size();
+    for (const NoteSection &section : project->sections)
+        capacity += section.notes.size();
+    rows.reserve(capacity);
+
     QList<Note> notes;
     for (const NoteSection &section : project->sections) {
         // Copies of notes share their text with the library.

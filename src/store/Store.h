@@ -228,8 +228,9 @@ private:
     QList<Note> visibleNotesAmong(const QList<QUuid> &ids) const;
     //! Removes notes everywhere, prunes, moves the selection on and purges files.
     void removeNotes(const QSet<QUuid> &ids);
-    //! Removes notes from every section of every project, and nothing else.
-    void stripNotes(const QSet<QUuid> &ids);
+    //! Removes notes from every section of every project, and nothing else;
+    //! the attachment records of the removed notes go to \a removedAttachments.
+    void stripNotes(const QSet<QUuid> &ids, QList<NoteAttachment> *removedAttachments = nullptr);
     NoteSection *findSection(const QUuid &id);
     Note *findNote(const QUuid &id);
     //! Undo and redo: the last state of \a from becomes the library, the present one goes to \a to.
