@@ -66,6 +66,7 @@ struct Fixture
     std::unique_ptr<Preferences> preferences = std::make_unique<Preferences>();
     std::unique_ptr<LibraryWriter> writer;
     std::unique_ptr<AttachmentStore> attachments = std::make_unique<AttachmentStore>();
+    std::unique_ptr<SearchIndex> searchIndex = std::make_unique<SearchIndex>();
 };
 
 Fixture &fixture()
@@ -83,16 +84,18 @@ void BM_CountNotes(benchmark::State &state)
 
 void BM_RecordUndo(benchmark::State &state)
 {
-    Store store(Test::generateLibrary(state.range(0), 42), *fixture().preferences,
-        *fixture().writer, *fixture().attachments);
+    Store store(Test::generateLibrary(state.range(0), 42),
+        {*fixture().preferences, *fixture().writer, *fixture().attachments,
+            *fixture().searchIndex});
     for (auto _ : state)
         store.recordUndo();
 }
 
 void BM_RowHandleCopyFloor(benchmark::State &state)
 {
-    Store store(libraryWithActiveProject(100000, 10000), *fixture().preferences, *fixture().writer,
-        *fixture().attachments);
+    Store store(libraryWithActiveProject(100000, 10000),
+        {*fixture().preferences, *fixture().writer, *fixture().attachments,
+            *fixture().searchIndex});
     const QList<PanelRow> &rows = store.rows();
     for (auto _ : state) {
         QList<PanelRow> copy;
@@ -106,8 +109,9 @@ void BM_RowHandleCopyFloor(benchmark::State &state)
 
 void BM_EditNote(benchmark::State &state)
 {
-    Store store(libraryWithActiveProject(100000, 10000), *fixture().preferences, *fixture().writer,
-        *fixture().attachments);
+    Store store(libraryWithActiveProject(100000, 10000),
+        {*fixture().preferences, *fixture().writer, *fixture().attachments,
+            *fixture().searchIndex});
     const QUuid sectionID = store.activeProject().sections[0].id;
     int counter = 0;
     for (auto _ : state) {
@@ -130,8 +134,9 @@ void BM_EditNote(benchmark::State &state)
 
 void BM_RebuildRows(benchmark::State &state)
 {
-    Store store(libraryWithActiveProject(100000, 10000), *fixture().preferences, *fixture().writer,
-        *fixture().attachments);
+    Store store(libraryWithActiveProject(100000, 10000),
+        {*fixture().preferences, *fixture().writer, *fixture().attachments,
+            *fixture().searchIndex});
     for (auto _ : state)
         store.rebuildRows();
     state.counters["rows"] = double(store.rows().size());
@@ -143,7 +148,9 @@ template<typename Operation>
 void runOperation(benchmark::State &state, Operation operation,
     const Library &original = libraryWithActiveProject(100000, 10000))
 {
-    Store store(original, *fixture().preferences, *fixture().writer, *fixture().attachments);
+    Store store(original,
+        {*fixture().preferences, *fixture().writer, *fixture().attachments,
+            *fixture().searchIndex});
     for (auto _ : state) {
         state.PauseTiming();
         store.setLibrary(original);
@@ -260,5 +267,6 @@ int main(int argc, char *argv[])
     benchmark::Shutdown();
     fixture().writer.reset();
     fixture().attachments.reset();
+    fixture().searchIndex.reset();
     return 0;
 }

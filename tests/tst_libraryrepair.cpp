@@ -253,7 +253,8 @@ void LibraryRepairTest::handWrittenFilesAtStart()
     Preferences preferences;
     LibraryWriter writer;
     AttachmentStore attachments;
-    Store store(loadLibrary(), preferences, writer, attachments);
+    SearchIndex searchIndex;
+    Store store(loadLibrary(), {preferences, writer, attachments, searchIndex});
     if (!expected.isEmpty())
         QCOMPARE(describe(store.library().projects[0]), expected);
 

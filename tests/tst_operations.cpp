@@ -55,7 +55,7 @@ Project makeProject(const QString &description, const QString &name = QStringLit
                 note.completedAt = QDateTime::fromSecsSinceEpoch(1000, Qt::UTC);
             note.createdAt = note.updatedAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
             if (item.contains(u'@'))
-                note.source = NoteSource{item.section(u'@', 1), std::nullopt, std::nullopt};
+                note.source = NoteSource {item.section(u'@', 1), std::nullopt, std::nullopt};
             section.notes.append(note);
         }
         project.sections.append(section);
@@ -75,9 +75,9 @@ QString describe(const Project &project)
                 text += u'@' + note.source->appName;
             notes.append(text);
         }
-        parts.append((project.activeSectionID == section.id ? QStringLiteral("*") : QString()) + section.title
-                     + (section.isAutomatic ? QStringLiteral("!") : QString())
-                     + (section.isCollapsed ? QStringLiteral("+") : QString()) + u':' + notes.join(u','));
+        parts.append((project.activeSectionID == section.id ? QStringLiteral("*") : QString())
+            + section.title + (section.isAutomatic ? QStringLiteral("!") : QString())
+            + (section.isCollapsed ? QStringLiteral("+") : QString()) + u':' + notes.join(u','));
     }
     return parts.join(u'|');
 }
@@ -93,7 +93,8 @@ QList<QUuid> ids(const QString &letters)
 QString letterOf(const Store &store, const QUuid &id)
 {
     const std::optional<Note> note = store.note(id);
-    return note ? QString(note->text).replace(QStringLiteral("\n\n"), QStringLiteral("/")) : QStringLiteral("?");
+    return note ? QString(note->text).replace(QStringLiteral("\n\n"), QStringLiteral("/"))
+                : QStringLiteral("?");
 }
 
 QString selectionText(const Store &store)
@@ -147,6 +148,7 @@ private:
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<LibraryWriter> m_writer;
     std::unique_ptr<AttachmentStore> m_attachments;
+    std::unique_ptr<SearchIndex> m_searchIndex = std::make_unique<SearchIndex>();
 };
 
 void OperationsTest::init()
@@ -172,7 +174,8 @@ std::unique_ptr<Store> OperationsTest::storeWith(const QString &description, con
         library.projects.append(makeProject(other, QStringLiteral("Q")));
     library.activeProjectID = library.projects[0].id;
     // Set after construction, so that the repair at load leaves the fixture as written.
-    auto store = std::make_unique<Store>(makeDefaultLibrary(), *m_preferences, *m_writer, *m_attachments);
+    auto store = std::make_unique<Store>(makeDefaultLibrary(),
+        Store::Services {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     store->setLibrary(library);
     store->refreshRows();
     return store;
@@ -187,16 +190,49 @@ void OperationsTest::addNote_data()
     QTest::addColumn<bool>("automatic");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("to the active section") << "Inbox:a|*Work:b" << " n \n" << "" << "" << false << "Inbox:a|*Work:b,n";
-    QTest::newRow("to a section by id") << "Inbox:a|*Work:b" << "n" << "Inbox" << "" << false << "Inbox:a,n|*Work:b";
-    QTest::newRow("stale id falls to the title") << "*Inbox:a" << "n" << "stale" << "Mail" << true << "*Inbox:a|Mail!:n";
-    QTest::newRow("capture joins its automatic section") << "*Inbox:|mail!:a" << "n" << "" << "Mail" << true << "*Inbox:|mail!:a,n";
-    QTest::newRow("capture never falls into an ordinary section") << "*Inbox:|Mail:a" << "n" << "" << "Mail" << true << "*Inbox:|Mail:a|Mail!:n";
-    QTest::newRow("automatic Inbox is not the ordinary one") << "*Inbox:a" << "n" << "" << "Inbox" << true << "*Inbox:a|Inbox!:n";
-    QTest::newRow("ordinary title skips the automatic section") << "*Inbox:|Mail!:a" << "n" << "" << "mail" << false << "*Inbox:|Mail!:a|mail:n";
-    QTest::newRow("stale active section makes Inbox active") << "Work:a" << "n" << "" << "" << false << "Work:a|*Inbox:n";
-    QTest::newRow("stale active section finds inbox") << "Work:a|inbox:b" << "n" << "" << "" << false << "Work:a|*inbox:b,n";
-    QTest::newRow("blank text adds nothing") << "*Inbox:a" << " \n\t" << "" << "" << false << "*Inbox:a";
+    QTest::newRow("to the active section") << "Inbox:a|*Work:b"
+                                           << " n \n"
+                                           << ""
+                                           << "" << false << "Inbox:a|*Work:b,n";
+    QTest::newRow("to a section by id") << "Inbox:a|*Work:b"
+                                        << "n"
+                                        << "Inbox"
+                                        << "" << false << "Inbox:a,n|*Work:b";
+    QTest::newRow("stale id falls to the title") << "*Inbox:a"
+                                                 << "n"
+                                                 << "stale"
+                                                 << "Mail" << true << "*Inbox:a|Mail!:n";
+    QTest::newRow("capture joins its automatic section") << "*Inbox:|mail!:a"
+                                                         << "n"
+                                                         << ""
+                                                         << "Mail" << true << "*Inbox:|mail!:a,n";
+    QTest::newRow("capture never falls into an ordinary section")
+        << "*Inbox:|Mail:a"
+        << "n"
+        << ""
+        << "Mail" << true << "*Inbox:|Mail:a|Mail!:n";
+    QTest::newRow("automatic Inbox is not the ordinary one")
+        << "*Inbox:a"
+        << "n"
+        << ""
+        << "Inbox" << true << "*Inbox:a|Inbox!:n";
+    QTest::newRow("ordinary title skips the automatic section")
+        << "*Inbox:|Mail!:a"
+        << "n"
+        << ""
+        << "mail" << false << "*Inbox:|Mail!:a|mail:n";
+    QTest::newRow("stale active section makes Inbox active") << "Work:a"
+                                                             << "n"
+                                                             << ""
+                                                             << "" << false << "Work:a|*Inbox:n";
+    QTest::newRow("stale active section finds inbox") << "Work:a|inbox:b"
+                                                      << "n"
+                                                      << ""
+                                                      << "" << false << "Work:a|*inbox:b,n";
+    QTest::newRow("blank text adds nothing") << "*Inbox:a"
+                                             << " \n\t"
+                                             << ""
+                                             << "" << false << "*Inbox:a";
 }
 
 void OperationsTest::addNote()
@@ -214,8 +250,9 @@ void OperationsTest::addNote()
         id = makeID();
     else if (!sectionID.isEmpty())
         id = idFor(QStringLiteral("P/") + sectionID);
-    const std::optional<Note> note = store->addNote(text, id, sectionTitle.isEmpty() ? std::nullopt : std::optional(sectionTitle),
-                                                    automatic, std::nullopt, {}, false);
+    const std::optional<Note> note = store->addNote(text, id,
+        sectionTitle.isEmpty() ? std::nullopt : std::optional(sectionTitle), automatic,
+        std::nullopt, {}, false);
     // Give the new note the name "n" for the description.
     QString actual = describe(store->library().projects[0]);
     QCOMPARE(actual, expected);
@@ -231,18 +268,18 @@ void OperationsTest::addNoteReveals()
     NoteAttachment attachment;
     attachment.id = makeID();
     attachment.fileName = attachment.storedFileName = QStringLiteral("x.png");
-    const std::optional<Note> note = store->addNote(QStringLiteral("  "), std::nullopt, std::nullopt, false,
-                                                    std::nullopt, {attachment}, true);
+    const std::optional<Note> note = store->addNote(
+        QStringLiteral("  "), std::nullopt, std::nullopt, false, std::nullopt, {attachment}, true);
     QVERIFY(note);
     QCOMPARE(note->text, QString()); // blank text with an attachment
     QCOMPARE(describe(store->library().projects[0]), QStringLiteral("*Inbox:a,")); // expanded
-    QCOMPARE(store->selection(), QSet<QUuid>{note->id});
+    QCOMPARE(store->selection(), QSet<QUuid> {note->id});
     QVERIFY(!store->selectionAnchor());
     QTRY_COMPARE(store->selectionAnchor(), note->id);
 
     // The late anchor is not set when the note is no longer selected.
-    const std::optional<Note> second = store->addNote(QStringLiteral("b"), std::nullopt, std::nullopt, false,
-                                                      std::nullopt, {}, true);
+    const std::optional<Note> second = store->addNote(
+        QStringLiteral("b"), std::nullopt, std::nullopt, false, std::nullopt, {}, true);
     store->setSelection({}, std::nullopt);
     QTest::qWait(60);
     QVERIFY(!store->selectionAnchor());
@@ -256,11 +293,21 @@ void OperationsTest::updateNote_data()
     QTest::addColumn<QString>("expected");
     QTest::addColumn<bool>("undoStep");
 
-    QTest::newRow("edit") << "a" << " x " << "*S:x,b" << true;
-    QTest::newRow("same text after trimming") << "a" << "a\n" << "*S:a,b" << false;
-    QTest::newRow("emptying deletes") << "a" << " \n" << "*S:b" << true;
-    QTest::newRow("unknown id still takes a step") << "unknown" << "x" << "*S:a,b" << true;
-    QTest::newRow("unknown id, empty text") << "unknown" << "" << "*S:a,b" << true;
+    QTest::newRow("edit") << "a"
+                          << " x "
+                          << "*S:x,b" << true;
+    QTest::newRow("same text after trimming") << "a"
+                                              << "a\n"
+                                              << "*S:a,b" << false;
+    QTest::newRow("emptying deletes") << "a"
+                                      << " \n"
+                                      << "*S:b" << true;
+    QTest::newRow("unknown id still takes a step") << "unknown"
+                                                   << "x"
+                                                   << "*S:a,b" << true;
+    QTest::newRow("unknown id, empty text") << "unknown"
+                                            << ""
+                                            << "*S:a,b" << true;
 }
 
 void OperationsTest::updateNote()
@@ -302,14 +349,38 @@ void OperationsTest::deleteNotes_data()
     QTest::addColumn<QString>("expected");
     QTest::addColumn<QString>("selected");
 
-    QTest::newRow("selects the next") << "*S:a,b,c" << "b" << "*S:a,c" << "c";
-    QTest::newRow("last selects the one above") << "*S:a,b,c" << "c" << "*S:a,b" << "b";
-    QTest::newRow("across sections") << "*S:a,b|T:c" << "b" << "*S:a|T:c" << "c";
-    QTest::newRow("skips other removed notes") << "*S:a,b,c,d" << "b,c" << "*S:a,d" << "d";
-    QTest::newRow("all notes leave nothing selected") << "*S:a,b" << "a,b" << "*S:" << "";
-    QTest::newRow("emptied automatic section goes") << "*S:a|Mail!:b" << "b" << "*S:a" << "a";
-    QTest::newRow("emptied ordinary section stays") << "*S:a|Mail:b" << "b" << "*S:a|Mail:" << "a";
-    QTest::newRow("hidden note: no next") << "*S:a|T+:b" << "b" << "*S:a|T+:" << "";
+    QTest::newRow("selects the next") << "*S:a,b,c"
+                                      << "b"
+                                      << "*S:a,c"
+                                      << "c";
+    QTest::newRow("last selects the one above") << "*S:a,b,c"
+                                                << "c"
+                                                << "*S:a,b"
+                                                << "b";
+    QTest::newRow("across sections") << "*S:a,b|T:c"
+                                     << "b"
+                                     << "*S:a|T:c"
+                                     << "c";
+    QTest::newRow("skips other removed notes") << "*S:a,b,c,d"
+                                               << "b,c"
+                                               << "*S:a,d"
+                                               << "d";
+    QTest::newRow("all notes leave nothing selected") << "*S:a,b"
+                                                      << "a,b"
+                                                      << "*S:"
+                                                      << "";
+    QTest::newRow("emptied automatic section goes") << "*S:a|Mail!:b"
+                                                    << "b"
+                                                    << "*S:a"
+                                                    << "a";
+    QTest::newRow("emptied ordinary section stays") << "*S:a|Mail:b"
+                                                    << "b"
+                                                    << "*S:a|Mail:"
+                                                    << "a";
+    QTest::newRow("hidden note: no next") << "*S:a|T+:b"
+                                          << "b"
+                                          << "*S:a|T+:"
+                                          << "";
 }
 
 void OperationsTest::deleteNotes()
@@ -334,16 +405,27 @@ void OperationsTest::mergeNotes_data()
     QTest::addColumn<QString>("merged");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("two in a row") << "*S:a,b,c" << false << "a,b" << "*S:a/b,c";
-    QTest::newRow("row order, not argument order") << "*S:a,b,c" << false << "c,a" << "*S:a/c,b";
-    QTest::newRow("newest first puts the newest text first") << "*S:a,b,c" << true << "a,b" << "*S:b/a,c";
-    QTest::newRow("all done stays done") << "*S:A,B" << false << "a,b" << "*S:A/B";
-    QTest::newRow("one open makes it open") << "*S:A,b,C" << false << "a,b,c" << "*S:a/b/c";
-    QTest::newRow("into the first's section; empty automatic goes") << "*S:a|Mail!:b" << false << "b,a" << "*S:a/b";
-    QTest::newRow("first's source is kept") << "*S:a@Mail,b@Notes" << false << "a,b" << "*S:a/b@Mail";
-    QTest::newRow("first without source gives none") << "*S:a,b@Notes" << false << "a,b" << "*S:a/b";
-    QTest::newRow("one note is not a merge") << "*S:a,b" << false << "a" << "*S:a,b";
-    QTest::newRow("hidden notes take no part") << "*S:a|T+:b" << false << "a,b" << "*S:a|T+:b";
+    QTest::newRow("two in a row") << "*S:a,b,c" << false << "a,b"
+                                  << "*S:a/b,c";
+    QTest::newRow("row order, not argument order") << "*S:a,b,c" << false << "c,a"
+                                                   << "*S:a/c,b";
+    QTest::newRow("newest first puts the newest text first") << "*S:a,b,c" << true << "a,b"
+                                                             << "*S:b/a,c";
+    QTest::newRow("all done stays done") << "*S:A,B" << false << "a,b"
+                                         << "*S:A/B";
+    QTest::newRow("one open makes it open") << "*S:A,b,C" << false << "a,b,c"
+                                            << "*S:a/b/c";
+    QTest::newRow("into the first's section; empty automatic goes")
+        << "*S:a|Mail!:b" << false << "b,a"
+        << "*S:a/b";
+    QTest::newRow("first's source is kept") << "*S:a@Mail,b@Notes" << false << "a,b"
+                                            << "*S:a/b@Mail";
+    QTest::newRow("first without source gives none") << "*S:a,b@Notes" << false << "a,b"
+                                                     << "*S:a/b";
+    QTest::newRow("one note is not a merge") << "*S:a,b" << false << "a"
+                                             << "*S:a,b";
+    QTest::newRow("hidden notes take no part") << "*S:a|T+:b" << false << "a,b"
+                                               << "*S:a|T+:b";
 }
 
 void OperationsTest::mergeNotes()
@@ -374,13 +456,15 @@ void OperationsTest::splitNote_data()
     QTest::addColumn<bool>("done");
     QTest::addColumn<QStringList>("pieces");
 
-    QTest::newRow("two paragraphs") << "a\n\nb" << false << QStringList{"a", "b"};
-    QTest::newRow("three newlines") << "a\n\n\nb" << false << QStringList{"a", "b"};
-    QTest::newRow("single newlines do nothing") << "a\nb\nc" << false << QStringList{};
-    QTest::newRow("blank line with spaces is no cut") << "a\n \nb" << false << QStringList{};
-    QTest::newRow("carriage returns are not special") << "a\r\n\r\nb" << false << QStringList{};
-    QTest::newRow("empty pieces drop") << "\n\na\n\n\n\n  \n\nb\n\n" << false << QStringList{"a", "b"};
-    QTest::newRow("done pieces lose the stamp") << "a\n\nb\n\nc" << true << QStringList{"a", "b", "c"};
+    QTest::newRow("two paragraphs") << "a\n\nb" << false << QStringList {"a", "b"};
+    QTest::newRow("three newlines") << "a\n\n\nb" << false << QStringList {"a", "b"};
+    QTest::newRow("single newlines do nothing") << "a\nb\nc" << false << QStringList {};
+    QTest::newRow("blank line with spaces is no cut") << "a\n \nb" << false << QStringList {};
+    QTest::newRow("carriage returns are not special") << "a\r\n\r\nb" << false << QStringList {};
+    QTest::newRow("empty pieces drop") << "\n\na\n\n\n\n  \n\nb\n\n"
+                                       << false << QStringList {"a", "b"};
+    QTest::newRow("done pieces lose the stamp")
+        << "a\n\nb\n\nc" << true << QStringList {"a", "b", "c"};
 }
 
 void OperationsTest::splitNote()
@@ -395,12 +479,13 @@ void OperationsTest::splitNote()
     Note &note = library.projects[0].sections[0].notes[1];
     note.text = text;
     note.isDone = done;
-    note.completedAt = done ? std::optional(QDateTime::fromSecsSinceEpoch(1000, Qt::UTC)) : std::nullopt;
-    note.source = NoteSource{QStringLiteral("Mail"), std::nullopt, std::nullopt};
+    note.completedAt
+        = done ? std::optional(QDateTime::fromSecsSinceEpoch(1000, Qt::UTC)) : std::nullopt;
+    note.source = NoteSource {QStringLiteral("Mail"), std::nullopt, std::nullopt};
     NoteAttachment attachment;
     attachment.id = makeID();
     note.attachments = {attachment};
-    Store store(library, *m_preferences, *m_writer, *m_attachments);
+    Store store(library, {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
 
     store.splitNote(idFor(QStringLiteral("n")));
     const QList<Note> notes = store.library().projects[0].sections[0].notes;
@@ -436,18 +521,72 @@ void OperationsTest::moveNotes_data()
     QTest::addColumn<QString>("expectedOther");
     QTest::addColumn<QString>("selected");
 
-    QTest::newRow("to a section's end") << "*S:a,b|T:c" << "a" << "T" << "*S:b|T:c,a" << "X:" << "a";
-    QTest::newRow("row order kept") << "*S:a,b|T:c" << "b,a" << "T" << "*S:|T:c,a,b" << "X:" << "a,b";
-    QTest::newRow("hidden notes stay") << "*S:a|T+:b|U:" << "a,b" << "U" << "*S:|T+:b|U:a" << "X:" << "a";
-    QTest::newRow("drop just after themselves") << "*S:a,b,c,d" << "b,c" << "S@3" << "*S:a,b,c,d" << "X:" << "b,c";
-    QTest::newRow("drop at the top") << "*S:a,b,c,d" << "c,d" << "S@0" << "*S:c,d,a,b" << "X:" << "c,d";
-    QTest::newRow("drop past the end is clamped") << "*S:a,b|T:c" << "a" << "T@9" << "*S:b|T:c,a" << "X:" << "a";
-    QTest::newRow("drop between others") << "*S:a,b,c,d" << "a" << "S@3" << "*S:b,c,a,d" << "X:" << "a";
-    QTest::newRow("emptied automatic section goes") << "*S:a|Mail!:b" << "b" << "S" << "*S:a,b" << "X:" << "b";
-    QTest::newRow("to another project, new section") << "*S:a,b" << "a" << "project:Later" << "*S:b" << "X:|Later:a" << "";
-    QTest::newRow("to another project, never an automatic section")
-        << "*S:a,b" << "a" << "project:mail" << "*S:b" << "X:|Mail!:m|mail:a" << "";
-    QTest::newRow("to a section of another project") << "*S:a,b" << "a" << "X" << "*S:b" << "X:a" << "";
+    QTest::newRow("to a section's end") << "*S:a,b|T:c"
+                                        << "a"
+                                        << "T"
+                                        << "*S:b|T:c,a"
+                                        << "X:"
+                                        << "a";
+    QTest::newRow("row order kept") << "*S:a,b|T:c"
+                                    << "b,a"
+                                    << "T"
+                                    << "*S:|T:c,a,b"
+                                    << "X:"
+                                    << "a,b";
+    QTest::newRow("hidden notes stay") << "*S:a|T+:b|U:"
+                                       << "a,b"
+                                       << "U"
+                                       << "*S:|T+:b|U:a"
+                                       << "X:"
+                                       << "a";
+    QTest::newRow("drop just after themselves") << "*S:a,b,c,d"
+                                                << "b,c"
+                                                << "S@3"
+                                                << "*S:a,b,c,d"
+                                                << "X:"
+                                                << "b,c";
+    QTest::newRow("drop at the top") << "*S:a,b,c,d"
+                                     << "c,d"
+                                     << "S@0"
+                                     << "*S:c,d,a,b"
+                                     << "X:"
+                                     << "c,d";
+    QTest::newRow("drop past the end is clamped") << "*S:a,b|T:c"
+                                                  << "a"
+                                                  << "T@9"
+                                                  << "*S:b|T:c,a"
+                                                  << "X:"
+                                                  << "a";
+    QTest::newRow("drop between others") << "*S:a,b,c,d"
+                                         << "a"
+                                         << "S@3"
+                                         << "*S:b,c,a,d"
+                                         << "X:"
+                                         << "a";
+    QTest::newRow("emptied automatic section goes") << "*S:a|Mail!:b"
+                                                    << "b"
+                                                    << "S"
+                                                    << "*S:a,b"
+                                                    << "X:"
+                                                    << "b";
+    QTest::newRow("to another project, new section") << "*S:a,b"
+                                                     << "a"
+                                                     << "project:Later"
+                                                     << "*S:b"
+                                                     << "X:|Later:a"
+                                                     << "";
+    QTest::newRow("to another project, never an automatic section") << "*S:a,b"
+                                                                    << "a"
+                                                                    << "project:mail"
+                                                                    << "*S:b"
+                                                                    << "X:|Mail!:m|mail:a"
+                                                                    << "";
+    QTest::newRow("to a section of another project") << "*S:a,b"
+                                                     << "a"
+                                                     << "X"
+                                                     << "*S:b"
+                                                     << "X:a"
+                                                     << "";
 }
 
 void OperationsTest::moveNotes()
@@ -459,7 +598,8 @@ void OperationsTest::moveNotes()
     QFETCH(QString, expectedOther);
     QFETCH(QString, selected);
 
-    const QString other = expectedOther.contains(u"Mail!") ? QStringLiteral("X:|Mail!:m") : QStringLiteral("X:");
+    const QString other
+        = expectedOther.contains(u"Mail!") ? QStringLiteral("X:|Mail!:m") : QStringLiteral("X:");
     auto store = storeWith(project, other);
     store->setSelection({idFor(QStringLiteral("a"))}, idFor(QStringLiteral("a")));
     const QString projectName = QStringLiteral("P");
@@ -467,8 +607,9 @@ void OperationsTest::moveNotes()
         store->moveNotesToProject(ids(moved), idFor(QStringLiteral("project Q")), target.mid(8));
         QVERIFY(!store->selectionAnchor());
     } else if (target.contains(u'@')) {
-        store->moveNotesToSection(ids(moved), idFor(projectName + u'/' + target.section(u'@', 0, 0)),
-                                  target.section(u'@', 1).toInt());
+        store->moveNotesToSection(ids(moved),
+            idFor(projectName + u'/' + target.section(u'@', 0, 0)),
+            target.section(u'@', 1).toInt());
     } else {
         const QString owner = target == u"X" ? QStringLiteral("Q") : projectName;
         store->moveNotesToSection(ids(moved), idFor(owner + u'/' + target));
@@ -487,30 +628,102 @@ void OperationsTest::sections_data()
     QTest::addColumn<QString>("expected");
     QTest::addColumn<bool>("undoStep");
 
-    QTest::newRow("create") << "*Inbox:a" << "create" << " Later " << "Inbox:a|*Later:" << true;
-    QTest::newRow("create uses an existing one") << "*Work:|Inbox+:a" << "create" << " inbox " << "Work:|*Inbox:a" << true;
-    QTest::newRow("create naming the active one does nothing") << "*Inbox:a" << "create" << "INBOX" << "*Inbox:a" << false;
-    QTest::newRow("create uses an automatic one too") << "*Inbox:|Mail!:a" << "create" << "mail" << "Inbox:|*Mail!:a" << true;
-    QTest::newRow("create blank") << "*Inbox:a" << "create" << " \n " << "*Inbox:a" << false;
-    QTest::newRow("activate expands") << "*Inbox:|Work+:a" << "activate" << "Work" << "Inbox:|*Work:a" << true;
-    QTest::newRow("activate the active one") << "*Inbox+:a" << "activate" << "Inbox" << "*Inbox+:a" << false;
-    QTest::newRow("jump to the second") << "*A:|B:|C:" << "jump" << "2" << "A:|*B:|C:" << true;
-    QTest::newRow("jump past the end") << "*A:|B:" << "jump" << "3" << "*A:|B:" << false;
-    QTest::newRow("rename keeps the flag") << "*Inbox:|Mail!:a" << "rename" << "Mail" << "*Inbox:|Post!:a" << true;
-    QTest::newRow("rename to blanks") << "*Inbox:" << "rename" << "Inbox" << "*Inbox:" << false;
-    QTest::newRow("move down") << "*A:|B:|C:" << "down" << "A" << "B:|*A:|C:" << true;
-    QTest::newRow("move down at the end") << "*A:|B:" << "down" << "B" << "*A:|B:" << false;
-    QTest::newRow("move up at the top") << "*A:|B:" << "up" << "A" << "*A:|B:" << false;
-    QTest::newRow("move before the one below: nothing") << "*A:|B:|C:" << "before" << "A>B" << "*A:|B:|C:" << false;
-    QTest::newRow("move before the one after next") << "*A:|B:|C:" << "before" << "A>C" << "B:|*A:|C:" << true;
-    QTest::newRow("move to the top") << "*A:|B:|C:" << "before" << "C>A" << "C:|*A:|B:" << true;
-    QTest::newRow("move to the bottom") << "*A:|B:|C:" << "before" << "A>" << "B:|C:|*A:" << true;
-    QTest::newRow("delete the active one: Inbox takes over") << "A:|inbox:|*B:a|C:" << "delete" << "B" << "A:|*inbox:|C:" << true;
-    QTest::newRow("delete the active one without Inbox") << "A:|*B:a" << "delete" << "B" << "*A:" << true;
-    QTest::newRow("delete the last one") << "*A:a" << "delete" << "A" << "" << true;
-    QTest::newRow("delete unknown") << "*A:a" << "delete" << "Z" << "*A:a" << false;
-    QTest::newRow("collapse all") << "*A:|B:" << "collapse" << "" << "*A+:|B+:" << false;
-    QTest::newRow("toggle collapsed") << "*A:|B+:" << "toggle" << "B" << "*A:|B:" << false;
+    QTest::newRow("create") << "*Inbox:a"
+                            << "create"
+                            << " Later "
+                            << "Inbox:a|*Later:" << true;
+    QTest::newRow("create uses an existing one") << "*Work:|Inbox+:a"
+                                                 << "create"
+                                                 << " inbox "
+                                                 << "Work:|*Inbox:a" << true;
+    QTest::newRow("create naming the active one does nothing") << "*Inbox:a"
+                                                               << "create"
+                                                               << "INBOX"
+                                                               << "*Inbox:a" << false;
+    QTest::newRow("create uses an automatic one too") << "*Inbox:|Mail!:a"
+                                                      << "create"
+                                                      << "mail"
+                                                      << "Inbox:|*Mail!:a" << true;
+    QTest::newRow("create blank") << "*Inbox:a"
+                                  << "create"
+                                  << " \n "
+                                  << "*Inbox:a" << false;
+    QTest::newRow("activate expands") << "*Inbox:|Work+:a"
+                                      << "activate"
+                                      << "Work"
+                                      << "Inbox:|*Work:a" << true;
+    QTest::newRow("activate the active one") << "*Inbox+:a"
+                                             << "activate"
+                                             << "Inbox"
+                                             << "*Inbox+:a" << false;
+    QTest::newRow("jump to the second") << "*A:|B:|C:"
+                                        << "jump"
+                                        << "2"
+                                        << "A:|*B:|C:" << true;
+    QTest::newRow("jump past the end") << "*A:|B:"
+                                       << "jump"
+                                       << "3"
+                                       << "*A:|B:" << false;
+    QTest::newRow("rename keeps the flag") << "*Inbox:|Mail!:a"
+                                           << "rename"
+                                           << "Mail"
+                                           << "*Inbox:|Post!:a" << true;
+    QTest::newRow("rename to blanks") << "*Inbox:"
+                                      << "rename"
+                                      << "Inbox"
+                                      << "*Inbox:" << false;
+    QTest::newRow("move down") << "*A:|B:|C:"
+                               << "down"
+                               << "A"
+                               << "B:|*A:|C:" << true;
+    QTest::newRow("move down at the end") << "*A:|B:"
+                                          << "down"
+                                          << "B"
+                                          << "*A:|B:" << false;
+    QTest::newRow("move up at the top") << "*A:|B:"
+                                        << "up"
+                                        << "A"
+                                        << "*A:|B:" << false;
+    QTest::newRow("move before the one below: nothing") << "*A:|B:|C:"
+                                                        << "before"
+                                                        << "A>B"
+                                                        << "*A:|B:|C:" << false;
+    QTest::newRow("move before the one after next") << "*A:|B:|C:"
+                                                    << "before"
+                                                    << "A>C"
+                                                    << "B:|*A:|C:" << true;
+    QTest::newRow("move to the top") << "*A:|B:|C:"
+                                     << "before"
+                                     << "C>A"
+                                     << "C:|*A:|B:" << true;
+    QTest::newRow("move to the bottom") << "*A:|B:|C:"
+                                        << "before"
+                                        << "A>"
+                                        << "B:|C:|*A:" << true;
+    QTest::newRow("delete the active one: Inbox takes over") << "A:|inbox:|*B:a|C:"
+                                                             << "delete"
+                                                             << "B"
+                                                             << "A:|*inbox:|C:" << true;
+    QTest::newRow("delete the active one without Inbox") << "A:|*B:a"
+                                                         << "delete"
+                                                         << "B"
+                                                         << "*A:" << true;
+    QTest::newRow("delete the last one") << "*A:a"
+                                         << "delete"
+                                         << "A"
+                                         << "" << true;
+    QTest::newRow("delete unknown") << "*A:a"
+                                    << "delete"
+                                    << "Z"
+                                    << "*A:a" << false;
+    QTest::newRow("collapse all") << "*A:|B:"
+                                  << "collapse"
+                                  << ""
+                                  << "*A+:|B+:" << false;
+    QTest::newRow("toggle collapsed") << "*A:|B+:"
+                                      << "toggle"
+                                      << "B"
+                                      << "*A:|B:" << false;
 }
 
 void OperationsTest::sections()
@@ -531,13 +744,14 @@ void OperationsTest::sections()
     else if (operation == u"jump")
         store->jumpToSection(argument.toInt());
     else if (operation == u"rename")
-        store->renameSection(section(argument), argument == u"Mail" ? QStringLiteral(" Post ") : QStringLiteral("  "));
+        store->renameSection(section(argument),
+            argument == u"Mail" ? QStringLiteral(" Post ") : QStringLiteral("  "));
     else if (operation == u"down" || operation == u"up")
         store->moveSection(section(argument), operation == u"down" ? 1 : -1);
     else if (operation == u"before") {
         const QString before = argument.section(u'>', 1);
         store->moveSection(section(argument.section(u'>', 0, 0)),
-                           before.isEmpty() ? std::nullopt : std::optional(section(before)));
+            before.isEmpty() ? std::nullopt : std::optional(section(before)));
     } else if (operation == u"delete")
         store->deleteSection(section(argument));
     else if (operation == u"collapse")
@@ -553,7 +767,8 @@ void OperationsTest::sections()
     if (operation == u"delete") {
         QCOMPARE(store->selection().contains(idFor(QStringLiteral("a"))), !undoStep);
     } else {
-        const bool changesActive = operation == u"activate" || operation == u"jump" || operation == u"create";
+        const bool changesActive
+            = operation == u"activate" || operation == u"jump" || operation == u"create";
         QCOMPARE(store->selection().isEmpty(), changesActive && undoStep);
     }
 }
@@ -572,7 +787,8 @@ void OperationsTest::projects()
     store->switchProject(store->library().projects[1].id);
     QVERIFY(store->selection().isEmpty());
     QCOMPARE(store->activeProject().name, QStringLiteral("Q"));
-    QCOMPARE(store->library().projects[1].activeSectionID, store->library().projects[1].sections[0].id);
+    QCOMPARE(
+        store->library().projects[1].activeSectionID, store->library().projects[1].sections[0].id);
     QVERIFY(!store->canUndo());
 
     QVERIFY(!store->createProject(QStringLiteral("  ")));
@@ -597,7 +813,7 @@ void OperationsTest::automaticSectionComesBackWithUndo()
     auto store = storeWith(QStringLiteral("*Inbox:"));
     for (int i = 0; i < 2; ++i)
         store->addNote(QStringLiteral("m%1").arg(i), std::nullopt, QStringLiteral("Mail"), true,
-                       NoteSource{QStringLiteral("Mail"), std::nullopt, std::nullopt}, {}, true);
+            NoteSource {QStringLiteral("Mail"), std::nullopt, std::nullopt}, {}, true);
     QCOMPARE(store->library().projects[0].sections.size(), 2);
     QCOMPARE(store->activeSection().title, QStringLiteral("Inbox")); // captures do not change it
 
@@ -638,7 +854,7 @@ void OperationsTest::attachmentFilesGoOnlyWhenUnreferenced()
     attach(library.projects[0].sections[0].notes[0], QStringLiteral("A/shared.png"));
     attach(library.projects[0].sections[0].notes[1], QStringLiteral("A/shared.png"));
     attach(library.projects[0].sections[0].notes[1], QStringLiteral("B/own.pdf"));
-    Store store(library, *m_preferences, *m_writer, *m_attachments);
+    Store store(library, {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
 
     store.deleteNotes({idFor(QStringLiteral("b"))});
     m_attachments->waitForIdle();
@@ -703,7 +919,8 @@ void OperationsTest::removalStaysInsideTheAttachmentsFolder()
 
 void OperationsTest::invariantsUnderRandomOperations()
 {
-    Store store(Test::generateLibrary(300, 21), *m_preferences, *m_writer, *m_attachments);
+    Store store(Test::generateLibrary(300, 21),
+        {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     QRandomGenerator random(4242);
 
     auto allNotes = [&](const Library &library) {
@@ -729,18 +946,22 @@ void OperationsTest::invariantsUnderRandomOperations()
         const int action = random.bounded(16);
         bool removes = false;
         const Project project = store.activeProject();
-        const QUuid someSection = project.sections.isEmpty() ? makeID()
-                                                             : project.sections.at(random.bounded(int(project.sections.size()))).id;
+        const QUuid someSection = project.sections.isEmpty()
+            ? makeID()
+            : project.sections.at(random.bounded(int(project.sections.size()))).id;
         switch (action) {
         case 0:
             store.addNote(QStringLiteral("new %1").arg(step), std::nullopt,
-                          random.bounded(2) ? std::optional(QStringLiteral("App %1").arg(random.bounded(3))) : std::nullopt,
-                          random.bounded(2), NoteSource{QStringLiteral("App"), std::nullopt, std::nullopt}, {}, true);
+                random.bounded(2) ? std::optional(QStringLiteral("App %1").arg(random.bounded(3)))
+                                  : std::nullopt,
+                random.bounded(2), NoteSource {QStringLiteral("App"), std::nullopt, std::nullopt},
+                {}, true);
             break;
         case 1: {
             const QList<QUuid> one = pick(1);
             if (!one.isEmpty())
-                store.updateNote(one.first(), random.bounded(5) ? QStringLiteral("edit %1").arg(step) : QString());
+                store.updateNote(one.first(),
+                    random.bounded(5) ? QStringLiteral("edit %1").arg(step) : QString());
             removes = true;
             break;
         }
@@ -771,8 +992,11 @@ void OperationsTest::invariantsUnderRandomOperations()
             store.moveNotesToSection(pick(2), someSection, random.bounded(10));
             break;
         case 8:
-            store.moveNotesToProject(pick(2), store.library().projects.at(random.bounded(int(store.library().projects.size()))).id,
-                                     QStringLiteral("Moved"));
+            store.moveNotesToProject(pick(2),
+                store.library()
+                    .projects.at(random.bounded(int(store.library().projects.size())))
+                    .id,
+                QStringLiteral("Moved"));
             break;
         case 9:
             store.createOrUseSection(QStringLiteral("Section %1").arg(random.bounded(4)));
@@ -806,9 +1030,11 @@ void OperationsTest::invariantsUnderRandomOperations()
 
         const Library &after = store.library();
         // An operation that took an undo step is reversed exactly by undo.
-        if (action != 13 && action != 14 && store.undoStepCount() > undoBefore && random.bounded(4) == 0) {
+        if (action != 13 && action != 14 && store.undoStepCount() > undoBefore
+            && random.bounded(4) == 0) {
             store.undo();
-            QVERIFY2(store.library() == before, qPrintable(QStringLiteral("step %1, action %2").arg(step).arg(action)));
+            QVERIFY2(store.library() == before,
+                qPrintable(QStringLiteral("step %1, action %2").arg(step).arg(action)));
             store.redo();
         }
         // No note is lost but by the operations that remove notes; ids stay unique.
@@ -817,12 +1043,14 @@ void OperationsTest::invariantsUnderRandomOperations()
             QCOMPARE(it.value(), 1);
         if (!removes) {
             for (auto it = notesBefore.cbegin(); it != notesBefore.cend(); ++it)
-                QVERIFY2(notesAfter.contains(it.key()), qPrintable(QStringLiteral("step %1, action %2").arg(step).arg(action)));
+                QVERIFY2(notesAfter.contains(it.key()),
+                    qPrintable(QStringLiteral("step %1, action %2").arg(step).arg(action)));
         }
         // No automatic section is left empty.
         for (const Project &p : after.projects)
             for (const NoteSection &section : p.sections)
-                QVERIFY2(!section.isAutomatic || !section.notes.isEmpty(), qPrintable(QStringLiteral("step %1, action %2").arg(step).arg(action)));
+                QVERIFY2(!section.isAutomatic || !section.notes.isEmpty(),
+                    qPrintable(QStringLiteral("step %1, action %2").arg(step).arg(action)));
     }
 }
 

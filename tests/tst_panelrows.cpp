@@ -114,6 +114,7 @@ private:
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<LibraryWriter> m_writer;
     std::unique_ptr<AttachmentStore> m_attachments = std::make_unique<AttachmentStore>();
+    std::unique_ptr<SearchIndex> m_searchIndex = std::make_unique<SearchIndex>();
 };
 
 void PanelRowsTest::init()
@@ -243,7 +244,8 @@ void PanelRowsTest::derivation()
 
 void PanelRowsTest::rowsAgreeWithTheLibraryThroughRandomChanges()
 {
-    Store store(Test::generateLibrary(400, 9), *m_preferences, *m_writer, *m_attachments);
+    Store store(
+        Test::generateLibrary(400, 9), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     QRandomGenerator random(77);
     for (int step = 0; step < 400; ++step) {
         const int action = random.bounded(6);
@@ -283,7 +285,8 @@ std::unique_ptr<Store> PanelRowsTest::storeWith(
     Library library;
     library.projects = {makeProject(description)};
     library.activeProjectID = library.projects[0].id;
-    auto store = std::make_unique<Store>(library, *m_preferences, *m_writer, *m_attachments);
+    auto store = std::make_unique<Store>(
+        library, Store::Services {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     QSet<QUuid> ids;
     for (const QString &letter : selection.split(u',', Qt::SkipEmptyParts))
         ids.insert(idFor(letter));

@@ -92,6 +92,7 @@ private:
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<LibraryWriter> m_writer;
     std::unique_ptr<AttachmentStore> m_attachments = std::make_unique<AttachmentStore>();
+    std::unique_ptr<SearchIndex> m_searchIndex = std::make_unique<SearchIndex>();
 };
 
 void StoreTest::init()
@@ -111,7 +112,7 @@ void StoreTest::cleanup()
 void StoreTest::burstOfChangesSavesOnceAfterTheLast()
 {
     QVERIFY(!writeLibrary(libraryWithNotes(3), libraryURL()));
-    Store store(loadLibrary(), *m_preferences, *m_writer, *m_attachments);
+    Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     QCOMPARE(backups().size(), 0);
 
     QElapsedTimer clock;
@@ -134,7 +135,7 @@ void StoreTest::burstOfChangesSavesOnceAfterTheLast()
 void StoreTest::flushSaveCancelsThePendingSave()
 {
     QVERIFY(!writeLibrary(libraryWithNotes(3), libraryURL()));
-    Store store(loadLibrary(), *m_preferences, *m_writer, *m_attachments);
+    Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     renameFirstNote(store, QStringLiteral("flushed"));
     QVERIFY(store.hasPendingSave());
 
@@ -148,20 +149,20 @@ void StoreTest::flushSaveCancelsThePendingSave()
 void StoreTest::quitWithoutChangesStillWritesOnce()
 {
     {
-        Store store(loadLibrary(), *m_preferences, *m_writer, *m_attachments);
+        Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
         store.flushSave(); // no file before: no backup
     }
     QVERIFY(fileLibrary());
     QCOMPARE(backups().size(), 0);
 
-    Store store(loadLibrary(), *m_preferences, *m_writer, *m_attachments);
+    Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     store.flushSave();
     QCOMPARE(backups().size(), 1);
 }
 
 void StoreTest::pendingSaveKeepsItsPath()
 {
-    Store store(libraryWithNotes(2), *m_preferences, *m_writer, *m_attachments);
+    Store store(libraryWithNotes(2), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     const QString before = libraryURL();
     renameFirstNote(store, QStringLiteral("scheduled here"));
 
@@ -182,7 +183,7 @@ void StoreTest::failedSaveIsLogged()
     QVERIFY(blocker.open(QIODevice::WriteOnly));
     blocker.close();
 
-    Store store(libraryWithNotes(1), *m_preferences, *m_writer, *m_attachments);
+    Store store(libraryWithNotes(1), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     QTest::ignoreMessage(
         QtCriticalMsg, QRegularExpression(QStringLiteral("^Save failed: .*not a folder")));
     renameFirstNote(store, QStringLiteral("unsaved"));
@@ -193,7 +194,7 @@ void StoreTest::failedSaveIsLogged()
 
 void StoreTest::undoKeepsSixtySteps()
 {
-    Store store(libraryWithNotes(5), *m_preferences, *m_writer, *m_attachments);
+    Store store(libraryWithNotes(5), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     for (int i = 1; i <= 61; ++i)
         renameFirstNote(store, QString::number(i));
     QCOMPARE(store.undoStepCount(), 60);
@@ -218,7 +219,7 @@ void StoreTest::undoLimitFollowsTheNoteCount()
     QFETCH(int, notes);
     QFETCH(int, steps);
     // Sixty steps taken while the library was small...
-    Store store(libraryWithNotes(1), *m_preferences, *m_writer, *m_attachments);
+    Store store(libraryWithNotes(1), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     for (int i = 0; i < 60; ++i)
         renameFirstNote(store, QString::number(i));
     QCOMPARE(store.undoStepCount(), 60);
@@ -232,7 +233,7 @@ void StoreTest::undoLimitFollowsTheNoteCount()
 
 void StoreTest::undoAndRedo()
 {
-    Store store(libraryWithNotes(2), *m_preferences, *m_writer, *m_attachments);
+    Store store(libraryWithNotes(2), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     QSignalSpy revisions(&store, &Store::libraryRevisionChanged);
     const quint64 start = store.libraryRevision();
 
@@ -255,7 +256,7 @@ void StoreTest::undoAndRedo()
 
 void StoreTest::undoWithoutStepsChangesNothing()
 {
-    Store store(libraryWithNotes(2), *m_preferences, *m_writer, *m_attachments);
+    Store store(libraryWithNotes(2), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     QSignalSpy library(&store, &Store::libraryChanged);
     QSignalSpy rows(&store, &Store::rowsChanged);
     const quint64 revision = store.libraryRevision();
@@ -269,7 +270,7 @@ void StoreTest::undoWithoutStepsChangesNothing()
 
 void StoreTest::undoDropsVanishedNotesFromTheSelection()
 {
-    Store store(libraryWithNotes(3), *m_preferences, *m_writer, *m_attachments);
+    Store store(libraryWithNotes(3), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     const QUuid kept = store.library().projects[0].sections[0].notes[0].id;
 
     // Add a note, select it and another, then undo the addition.
@@ -294,7 +295,7 @@ void StoreTest::undoDropsVanishedNotesFromTheSelection()
 
 void StoreTest::equalAssignmentsStaySilent()
 {
-    Store store(libraryWithNotes(2), *m_preferences, *m_writer, *m_attachments);
+    Store store(libraryWithNotes(2), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     QSignalSpy library(&store, &Store::libraryChanged);
     QSignalSpy selection(&store, &Store::selectionChanged);
     QSignalSpy anchor(&store, &Store::selectionAnchorChanged);
@@ -330,7 +331,7 @@ void StoreTest::repairAtConstructionWritesOnlyWhenNeeded()
     QVERIFY(!writeLibrary(sound, libraryURL()));
     const QDateTime written = QFileInfo(libraryURL()).lastModified();
     {
-        Store store(loadLibrary(), *m_preferences, *m_writer, *m_attachments);
+        Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     }
     QCOMPARE(backups().size(), 0);
     QCOMPARE(QFileInfo(libraryURL()).lastModified(), written);
@@ -340,7 +341,7 @@ void StoreTest::repairAtConstructionWritesOnlyWhenNeeded()
     old.version = 2;
     QVERIFY(!writeLibrary(old, libraryURL()));
     QCOMPARE(backups().size(), 1);
-    Store store(loadLibrary(), *m_preferences, *m_writer, *m_attachments);
+    Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     QCOMPARE(fileLibrary()->version, 3);
     QCOMPARE(backups().size(), 2);
 }
@@ -351,7 +352,7 @@ void StoreTest::fallbacksOfAnEmptyLibrary()
     library.projects[0].activeSectionID = makeID(); // stale
     library.projects[0].sections.prepend(makeInboxSection());
     library.projects[0].sections[0].title = QStringLiteral("First");
-    Store store(libraryWithNotes(0), *m_preferences, *m_writer, *m_attachments);
+    Store store(libraryWithNotes(0), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     store.setLibrary(library);
     QCOMPARE(store.activeSection().title, QStringLiteral("First"));
 
@@ -370,7 +371,7 @@ void StoreTest::fallbacksOfAnEmptyLibrary()
 void StoreTest::lookupsSpanAllProjects()
 {
     const Library library = Test::generateLibrary(300, 5);
-    Store store(library, *m_preferences, *m_writer, *m_attachments);
+    Store store(library, {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     const Project &last = store.library().projects.last();
     const NoteSection *section = nullptr;
     for (const NoteSection &candidate : last.sections) {
@@ -390,7 +391,7 @@ void StoreTest::listPreferencesRefreshRows()
 {
     Library library = libraryWithNotes(3);
     library.projects[0].sections[0].notes[1].isDone = true;
-    Store store(library, *m_preferences, *m_writer, *m_attachments);
+    Store store(library, {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     QCOMPARE(store.visibleNotes().size(), 3);
 
     QSignalSpy rows(&store, &Store::rowsChanged);
@@ -415,7 +416,7 @@ void StoreTest::moveLibrary()
     attachment.write("png");
     attachment.close();
 
-    Store store(loadLibrary(), *m_preferences, *m_writer, *m_attachments);
+    Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     renameFirstNote(store, QStringLiteral("moved"));
     const QUuid id = store.library().projects[0].sections[0].notes[0].id;
     store.setSelection({id}, id);

@@ -13,35 +13,22 @@
 
 namespace Vesko {
 
-namespace {
-
-// Search text counts without blanks and tabs at its ends; newlines count.
-QString trimmedBlanksAndTabs(const QString &text)
-{
-    qsizetype begin = 0;
-    qsizetype end = text.size();
-    auto blank = [](QChar c) { return c == u' ' || c == u'\t'; };
-    while (begin < end && blank(text.at(begin)))
-        ++begin;
-    while (end > begin && blank(text.at(end - 1)))
-        --end;
-    return text.sliced(begin, end - begin);
-}
-
-} // namespace
-
-Store::Store(Library loaded, Preferences &preferences, LibraryWriter &writer,
-    AttachmentStore &attachments, QObject *parent)
+Store::Store(Library loaded, const Services &services, QObject *parent)
     : QObject(parent)
     , m_library(std::move(loaded))
-    , m_preferences(preferences)
-    , m_writer(writer)
-    , m_attachments(attachments)
+    , m_preferences(services.preferences)
+    , m_writer(services.writer)
+    , m_attachments(services.attachments)
+    , m_searchIndex(services.searchIndex)
 {
     m_saveTimer.setSingleShot(true);
     m_saveTimer.setInterval(saveDelayMilliseconds);
     m_saveTimer.setTimerType(Qt::PreciseTimer);
     connect(&m_saveTimer, &QTimer::timeout, this, &Store::saveNow);
+    m_searchTimer.setSingleShot(true);
+    m_searchTimer.setInterval(searchDelayMilliseconds);
+    m_searchTimer.setTimerType(Qt::PreciseTimer);
+    connect(&m_searchTimer, &QTimer::timeout, this, &Store::startPendingSearch);
 
     // A preference of the list changes the rows, after the assignment returns.
     connect(&m_preferences, &Preferences::listOptionsAssigned, this, &Store::refreshRows,
@@ -60,8 +47,9 @@ Store::~Store() = default;
 
 Store &Store::shared()
 {
-    static Store *const store = new Store(
-        loadLibrary(), Preferences::shared(), LibraryWriter::shared(), AttachmentStore::shared());
+    static Store *const store = new Store(loadLibrary(),
+        {Preferences::shared(), LibraryWriter::shared(), AttachmentStore::shared(),
+            SearchIndex::shared()});
     return *store;
 }
 
@@ -189,7 +177,7 @@ std::optional<NoteSection> Store::section(const QUuid &id) const
 
 bool Store::isSearching() const
 {
-    return !trimmedBlanksAndTabs(m_searchText).isEmpty();
+    return !SearchIndex::normalizedQuery(m_searchText).isEmpty();
 }
 
 QList<Note> Store::visibleNotes() const
@@ -239,23 +227,11 @@ void Store::refreshAfterMutation()
     ++m_libraryRevision;
     Q_EMIT libraryRevisionChanged();
     scheduleIndexSync();
-    // While a search is active the rows follow when it answers.
-    if (!isSearching())
+    // While a search is active it runs again; the rows follow when it answers.
+    if (isSearching())
+        runSearch();
+    else
         rebuildRows();
-}
-
-void Store::scheduleIndexSync()
-{
-    Q_EMIT indexSyncRequested(m_library, m_libraryRevision);
-}
-
-void Store::refreshRows()
-{
-    const QString query = trimmedBlanksAndTabs(m_searchText).toLower();
-    if (query.isEmpty())
-        rebuildRows();
-    else if (query == m_appliedSearchQuery)
-        rebuildRows(m_currentMatches);
 }
 
 void Store::rebuildRows(const std::optional<SearchMatches> &matches)
@@ -331,10 +307,7 @@ void Store::reloadLibrary()
 
 void Store::clearSearchText()
 {
-    if (m_searchText.isEmpty())
-        return;
-    m_searchText.clear();
-    Q_EMIT searchTextChanged();
+    setSearchText(QString());
 }
 
 } // namespace Vesko

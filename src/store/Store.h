@@ -10,6 +10,7 @@
 #pragma once
 
 #include "library/Library.h"
+#include "search/SearchIndex.h"
 #include "search/SearchMatches.h"
 #include "store/PanelRow.h"
 
@@ -24,11 +25,12 @@ namespace Vesko {
 class AttachmentStore;
 class LibraryWriter;
 class Preferences;
+class SearchIndex;
 
 class Store : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(QString searchText READ searchText NOTIFY searchTextChanged)
+    Q_PROPERTY(QString searchText READ searchText WRITE setSearchText NOTIFY searchTextChanged)
     Q_PROPERTY(QSet<QUuid> selection READ selection NOTIFY selectionChanged)
     Q_PROPERTY(
         std::optional<QUuid> selectionAnchor READ selectionAnchor NOTIFY selectionAnchorChanged)
@@ -45,10 +47,20 @@ public:
     //! The quiet time after the last change before the library is saved.
     static constexpr int saveDelayMilliseconds = 350;
 
+    //! The services a Store works with; shared() uses the process-wide ones.
+    struct Services
+    {
+        Preferences &preferences;
+        LibraryWriter &writer;
+        AttachmentStore &attachments;
+        SearchIndex &searchIndex;
+    };
+
+    static constexpr int searchDelayMilliseconds = 75;
+
     //! Takes over \a loaded, repairs it (and writes it at once if the repair
-    //! changed anything) and derives the rows.
-    Store(Library loaded, Preferences &preferences, LibraryWriter &writer,
-        AttachmentStore &attachments, QObject *parent = nullptr);
+    //! changed anything), derives the rows and starts indexing it.
+    Store(Library loaded, const Services &services, QObject *parent = nullptr);
     ~Store() override;
 
     //! The Store of the process, made on first use from the library file.
@@ -61,6 +73,9 @@ public:
     void setLibrary(const Library &library);
 
     QString searchText() const { return m_searchText; }
+    //! The text of the search field; a change searches the active project
+    //! after a short pause, and clearing it shows every row at once.
+    void setSearchText(const QString &text);
     const QList<PanelRow> &rows() const { return m_rows; }
     QSet<QUuid> selection() const { return m_selection; }
     std::optional<QUuid> selectionAnchor() const { return m_selectionAnchor; }
@@ -214,8 +229,8 @@ Q_SIGNALS:
     void expandedNoteIDsChanged();
     void libraryRevisionChanged();
     void undoStateChanged();
-    //! The search index should follow the library as of \a revision.
-    void indexSyncRequested(const Vesko::Library &library, quint64 revision);
+    //! The applied search result changed.
+    void currentMatchesChanged();
 
 private:
     void notifyLibraryIfChanged();
@@ -236,6 +251,10 @@ private:
     //! Undo and redo: the last state of \a from becomes the library, the present one goes to \a to.
     void restoreSnapshot(QList<Library> &from, QList<Library> &to);
     void scheduleIndexSync();
+    //! Cancels the running search and starts one for the present text.
+    void runSearch();
+    void startPendingSearch();
+    void applySearchResult(const SearchMatches &matches, const QString &query, quint64 revision);
 
     Library m_library;
     QString m_searchText;
@@ -253,6 +272,19 @@ private:
     Preferences &m_preferences;
     LibraryWriter &m_writer;
     AttachmentStore &m_attachments;
+    SearchIndex &m_searchIndex;
+
+    //! The pending search: its debounce, what it will search, its cancellation.
+    QTimer m_searchTimer;
+    struct PendingSearch
+    {
+        QString query;
+        Project project;
+        Library library;
+        quint64 revision = 0;
+    } m_pendingSearch;
+    Cancellation m_searchCancellation;
+    Cancellation m_indexSyncCancellation;
 
     //! The pending save and what it will write, as of the commit that scheduled it.
     QTimer m_saveTimer;
