@@ -225,6 +225,11 @@ private:
         const Library &library, quint64 revision, const Cancellation &cancellation)
     {
         openDatabase();
+        // A file removed under an open connection (the cache folder cleared,
+        // say) would go on taking writes unseen; it counts as a failure, so
+        // that a new file is made.
+        if (!FileSystem::exists(m_path))
+            throw IndexError {QStringLiteral("The database file %1 was removed").arg(m_path)};
         Snapshot snapshot = makeSnapshot(library);
         if (cancellation.isCancelled())
             throw Cancelled {};

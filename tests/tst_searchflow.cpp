@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The Store's side of search with a real index and real timers: debouncing,
+// clearing, the guards that drop stale answers, and searching under changes.
+
+#include "TestEnvironment.h"
+
+#include "attachments/AttachmentStore.h"
+#include "library/LibraryWriter.h"
+#include "search/SearchIndex.h"
+#include "shell/Preferences.h"
+#include "store/Store.h"
+
+#include <QSignalSpy>
+
+using namespace Vesko;
+
+namespace {
+
+Library libraryOf(const QStringList &texts)
+{
+    Library library = makeDefaultLibrary();
+    for (const QString &text : texts) {
+        Note note;
+        note.id = makeID();
+        note.text = text;
+        library.projects[0].sections[0].notes.append(note);
+    }
+    NoteSection work = makeInboxSection();
+    work.title = QStringLiteral("Work");
+    library.projects[0].sections.append(work);
+    return library;
+}
+
+QStringList noteTexts(const Store &store)
+{
+    QStringList texts;
+    for (const Note &note : store.visibleNotes())
+        texts.append(note.text);
+    return texts;
+}
+
+} // namespace
+
+class SearchFlowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void searchFiltersRows();
+    void clearingRestoresRowsAtOnce();
+    void onlyTheFinalTextOfQuickTypingIsSearched();
+    void sameQueryInOtherDressKeepsTheRows();
+    void newQueryEmptiesRowsUntilItsAnswer();
+    void changeUnderASearchReRunsIt();
+    void switchingProjectReSearches();
+    void blankSearchIsNoSearch();
+
+private:
+    std::unique_ptr<Store> makeStore(const Library &library);
+
+    std::unique_ptr<Preferences> m_preferences;
+    std::unique_ptr<LibraryWriter> m_writer;
+    std::unique_ptr<AttachmentStore> m_attachments;
+    std::unique_ptr<SearchIndex> m_searchIndex;
+};
+
+void SearchFlowTest::init()
+{
+    static int counter = 0;
+    Preferences::openSettings()->clear();
+    m_preferences = std::make_unique<Preferences>();
+    m_writer = std::make_unique<LibraryWriter>();
+    m_attachments = std::make_unique<AttachmentStore>();
+    m_searchIndex = std::make_unique<SearchIndex>(Test::IsolatedEnvironment::current().cacheHome()
+        + QStringLiteral("/flow-%1.sqlite").arg(++counter));
+}
+
+void SearchFlowTest::cleanup()
+{
+    m_searchIndex.reset();
+    m_attachments.reset();
+    m_writer.reset();
+}
+
+std::unique_ptr<Store> SearchFlowTest::makeStore(const Library &library)
+{
+    return std::make_unique<Store>(
+        library, Store::Services {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+}
+
+void SearchFlowTest::searchFiltersRows()
+{
+    auto store = makeStore(libraryOf(
+        {QStringLiteral("buy milk"), QStringLiteral("call Anna"), QStringLiteral("milkshake")}));
+    store->setSearchText(QStringLiteral("MILK"));
+    QVERIFY(store->isSearching());
+    QTRY_COMPARE(
+        noteTexts(*store), (QStringList {QStringLiteral("buy milk"), QStringLiteral("milkshake")}));
+    QCOMPARE(store->appliedSearchQuery(), QStringLiteral("milk"));
+    // The section without matches has no row; the one with matches has its header.
+    QCOMPARE(store->rows().size(), 3);
+
+    // A title match lists the whole section.
+    store->setSearchText(QStringLiteral("inbo"));
+    QTRY_COMPARE(noteTexts(*store).size(), 3);
+}
+
+void SearchFlowTest::clearingRestoresRowsAtOnce()
+{
+    auto store = makeStore(libraryOf({QStringLiteral("alpha"), QStringLiteral("beta")}));
+    const qsizetype allRows = store->rows().size();
+    store->setSearchText(QStringLiteral("alpha"));
+    QTRY_COMPARE(noteTexts(*store), QStringList {QStringLiteral("alpha")});
+
+    // A search in flight when the field is cleared has no effect.
+    store->setSearchText(QStringLiteral("beta"));
+    store->setSearchText(QString());
+    QCOMPARE(store->rows().size(), allRows); // in the same turn
+    QVERIFY(store->currentMatches().noteIDs.isEmpty());
+    QTest::qWait(200);
+    QCOMPARE(store->rows().size(), allRows);
+}
+
+void SearchFlowTest::onlyTheFinalTextOfQuickTypingIsSearched()
+{
+    auto store = makeStore(libraryOf({QStringLiteral("alphabet soup"), QStringLiteral("alpine")}));
+    QTest::qWait(100); // let the first index synchronisation finish
+    const int before = m_searchIndex->sqlQueryCount();
+    for (const QString &text :
+        {QStringLiteral("alp"), QStringLiteral("alph"), QStringLiteral("alpha")}) {
+        store->setSearchText(text);
+        QTest::qWait(20);
+    }
+    QTRY_COMPARE(noteTexts(*store), QStringList {QStringLiteral("alphabet soup")});
+    QTest::qWait(150);
+    QCOMPARE(m_searchIndex->sqlQueryCount(), before + 2); // one search: notes and sections
+}
+
+void SearchFlowTest::sameQueryInOtherDressKeepsTheRows()
+{
+    auto store = makeStore(libraryOf({QStringLiteral("alpha"), QStringLiteral("beta")}));
+    store->setSearchText(QStringLiteral("alpha"));
+    QTRY_COMPARE(noteTexts(*store), QStringList {QStringLiteral("alpha")});
+
+    QSignalSpy rows(store.get(), &Store::rowsChanged);
+    store->setSearchText(QStringLiteral("Alpha "));
+    QCOMPARE(noteTexts(*store), QStringList {QStringLiteral("alpha")}); // not emptied
+    QTRY_COMPARE(rows.size(), 1); // the re-run answer, the same matches
+    QCOMPARE(noteTexts(*store), QStringList {QStringLiteral("alpha")});
+
+    QSignalSpy text(store.get(), &Store::searchTextChanged);
+    store->setSearchText(QStringLiteral("Alpha "));
+    QCOMPARE(text.size(), 0);
+}
+
+void SearchFlowTest::newQueryEmptiesRowsUntilItsAnswer()
+{
+    auto store = makeStore(libraryOf({QStringLiteral("alpha"), QStringLiteral("beta")}));
+    store->setSearchText(QStringLiteral("alpha"));
+    QTRY_COMPARE(noteTexts(*store), QStringList {QStringLiteral("alpha")});
+    store->setSearchText(QStringLiteral("beta"));
+    QVERIFY(store->rows().isEmpty()); // never the rows of the older query
+    QTRY_COMPARE(noteTexts(*store), QStringList {QStringLiteral("beta")});
+}
+
+void SearchFlowTest::changeUnderASearchReRunsIt()
+{
+    auto store = makeStore(libraryOf({QStringLiteral("alpha one"), QStringLiteral("beta")}));
+    store->setSearchText(QStringLiteral("alpha"));
+    QTRY_COMPARE(noteTexts(*store), QStringList {QStringLiteral("alpha one")});
+
+    // An edit while a search is pending: the older answer is dropped, the re-run applied.
+    store->setSearchText(QStringLiteral("alpha "));
+    store->addNote(QStringLiteral("alpha two"));
+    QCOMPARE(
+        noteTexts(*store), QStringList {QStringLiteral("alpha one")}); // rows wait for the answer
+    QTRY_COMPARE(noteTexts(*store),
+        (QStringList {QStringLiteral("alpha one"), QStringLiteral("alpha two")}));
+    QCOMPARE(store->appliedSearchQuery(), QStringLiteral("alpha"));
+
+    // A capture with reveal clears the search.
+    store->addNote(
+        QStringLiteral("gamma"), std::nullopt, std::nullopt, false, std::nullopt, {}, true);
+    QVERIFY(store->searchText().isEmpty());
+    QCOMPARE(noteTexts(*store).size(), 4);
+}
+
+void SearchFlowTest::switchingProjectReSearches()
+{
+    Library library = libraryOf({QStringLiteral("alpha here")});
+    Project other;
+    other.id = makeID();
+    other.name = QStringLiteral("Other");
+    NoteSection section = makeInboxSection();
+    Note note;
+    note.id = makeID();
+    note.text = QStringLiteral("alpha there");
+    section.notes = {note};
+    other.sections = {section};
+    other.activeSectionID = section.id;
+    library.projects.append(other);
+
+    auto store = makeStore(library);
+    store->setSearchText(QStringLiteral("alpha"));
+    QTRY_COMPARE(noteTexts(*store), QStringList {QStringLiteral("alpha here")});
+    // Switching clears the search text, as the user asked for another project.
+    store->switchProject(other.id);
+    QVERIFY(store->searchText().isEmpty());
+    QCOMPARE(noteTexts(*store), QStringList {QStringLiteral("alpha there")});
+    store->setSearchText(QStringLiteral("alpha"));
+    QTRY_COMPARE(noteTexts(*store), QStringList {QStringLiteral("alpha there")});
+}
+
+void SearchFlowTest::blankSearchIsNoSearch()
+{
+    auto store = makeStore(libraryOf({QStringLiteral("alpha"), QStringLiteral("beta")}));
+    const qsizetype allRows = store->rows().size();
+    store->setSearchText(QStringLiteral("  \t "));
+    QVERIFY(!store->isSearching());
+    QCOMPARE(store->rows().size(), allRows);
+    QTest::qWait(120);
+    QCOMPARE(store->rows().size(), allRows);
+}
+
+VESKO_TEST_MAIN(SearchFlowTest)
+#include "tst_searchflow.moc"

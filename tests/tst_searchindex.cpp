@@ -1,0 +1,382 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The search index on real SQLite databases: every path agrees with a plain
+// scan, the rules of what reaches SQL, the synchronisation of changes, and
+// the faults it must survive without ever failing a search.
+
+#include "LibraryGenerator.h"
+#include "TestEnvironment.h"
+
+#include "search/SearchIndex.h"
+
+#include <QDir>
+#include <QRandomGenerator>
+
+#include <sqlite3.h>
+
+using namespace Vesko;
+
+namespace {
+
+// What the database file holds, read through a connection of its own.
+QStringList rows(const QString &path, const char *sql)
+{
+    QStringList out;
+    sqlite3 *db = nullptr;
+    if (sqlite3_open_v2(QFile::encodeName(path).constData(), &db, SQLITE_OPEN_READONLY, nullptr)
+        != SQLITE_OK) {
+        sqlite3_close(db);
+        return {QStringLiteral("cannot open")};
+    }
+    sqlite3_stmt *statement = nullptr;
+    if (sqlite3_prepare_v2(db, sql, -1, &statement, nullptr) == SQLITE_OK) {
+        while (sqlite3_step(statement) == SQLITE_ROW)
+            out.append(QString::fromUtf8(
+                reinterpret_cast<const char *>(sqlite3_column_text(statement, 0))));
+    }
+    sqlite3_finalize(statement);
+    sqlite3_close(db);
+    return out;
+}
+
+QByteArray upperID(const QUuid &id)
+{
+    return id.toByteArray(QUuid::WithoutBraces).toUpper();
+}
+
+Note noteWith(const QString &text, const QStringList &attachmentNames = {})
+{
+    Note note;
+    note.id = makeID();
+    note.text = text;
+    for (const QString &name : attachmentNames) {
+        NoteAttachment attachment;
+        attachment.id = makeID();
+        attachment.fileName = name;
+        attachment.storedFileName = name;
+        note.attachments.append(attachment);
+    }
+    return note;
+}
+
+// Two projects; the first holds the notes given, the second one note "alpha elsewhere".
+Library twoProjects(const QList<Note> &notes, const QString &sectionTitle = QStringLiteral("Inbox"))
+{
+    Library library = makeDefaultLibrary();
+    library.projects[0].sections[0].title = sectionTitle;
+    library.projects[0].sections[0].notes = notes;
+    Project other;
+    other.id = makeID();
+    other.name = QStringLiteral("Other");
+    NoteSection section = makeInboxSection();
+    section.notes = {noteWith(QStringLiteral("alpha elsewhere"))};
+    other.sections = {section};
+    library.projects.append(other);
+    return library;
+}
+
+QString randomQuery(QRandomGenerator &random, const Project &project)
+{
+    // Mostly pieces of real text, of 1 to 8 characters, in any case; some noise.
+    QStringList sources;
+    for (const NoteSection &section : project.sections) {
+        sources.append(section.title);
+        for (const Note &note : section.notes.mid(0, 50)) {
+            sources.append(note.text);
+            for (const NoteAttachment &attachment : note.attachments)
+                sources.append(attachment.fileName);
+        }
+    }
+    const QString source = sources.at(random.bounded(int(sources.size())));
+    if (source.isEmpty() || random.bounded(10) == 0)
+        return QStringLiteral("zq%1").arg(random.bounded(100));
+    const int length = 1 + random.bounded(8);
+    const int start = random.bounded(int(std::max<qsizetype>(1, source.size() - length)));
+    QString query = source.mid(start, length);
+    // Typed text never holds half of a surrogate pair.
+    if (!query.isEmpty() && query.front().isLowSurrogate())
+        query.remove(0, 1);
+    if (!query.isEmpty() && query.back().isHighSurrogate())
+        query.chop(1);
+    if (random.bounded(3) == 0)
+        query = query.toUpper();
+    if (random.bounded(5) == 0)
+        query = u' ' + query + u'\t';
+    return query;
+}
+
+} // namespace
+
+class SearchIndexTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void everyPathAgreesWithAPlainScan();
+    void blankQueriesNeverOpenTheDatabase();
+    void shortQueriesNeverRunSql();
+    void wildcardsMatchLiterally_data();
+    void wildcardsMatchLiterally();
+    void textAndAttachmentNamesMatchButNotAcrossThem_data();
+    void textAndAttachmentNamesMatchButNotAcrossThem();
+    void otherProjectsNeverAppear();
+    void sectionTitlesMatch();
+    void movedNoteRowFollows();
+    void staleRevisionAnswersFromTheProject();
+    void deletedNotesGoneAfterTheFirstSyncOfALaunch();
+    void databaseDeletedWhileRunning();
+    void unwritableCacheFolderFallsBackToScanning();
+    void corruptDatabaseAtStart();
+
+private:
+    QString m_path;
+};
+
+void SearchIndexTest::init()
+{
+    static int counter = 0;
+    m_path = Test::IsolatedEnvironment::current().cacheHome()
+        + QStringLiteral("/case-%1/Vesko/SearchIndex-v1.sqlite").arg(++counter);
+}
+
+void SearchIndexTest::everyPathAgreesWithAPlainScan()
+{
+    SearchIndex index(m_path);
+    Library library = Test::generateLibrary(3000, 17);
+    const Project project = library.projects[0];
+    QRandomGenerator random(99);
+    const int sqlBefore = index.sqlQueryCount();
+    for (int i = 0; i < 2000; ++i) {
+        const QString query = randomQuery(random, project);
+        const QString q = SearchIndex::normalizedQuery(query);
+        const SearchMatches expected
+            = q.isEmpty() ? SearchMatches() : SearchIndex::scanProject(q, project);
+        const SearchMatches actual = index.searchAndWait(query, project, library, 1);
+        QVERIFY2(actual == expected, qPrintable(QStringLiteral("query “%1”").arg(query)));
+    }
+    QVERIFY(index.sqlQueryCount() > sqlBefore); // the SQL path took part
+    QCOMPARE(index.indexedRevision(), 1u);
+}
+
+void SearchIndexTest::blankQueriesNeverOpenTheDatabase()
+{
+    SearchIndex index(m_path);
+    const Library library = twoProjects({noteWith(QStringLiteral("alpha"))});
+    QCOMPARE(index.searchAndWait(QStringLiteral(" \t "), library.projects[0], library, 1),
+        SearchMatches());
+    QVERIFY(!index.isDatabaseOpen());
+    QVERIFY(!QFileInfo::exists(m_path));
+
+    // A newline alone is not blank.
+    const Library withNewline = twoProjects({noteWith(QStringLiteral("one\ntwo"))});
+    QCOMPARE(index.searchAndWait(QStringLiteral("\n"), withNewline.projects[0], withNewline, 2)
+                 .noteIDs.size(),
+        1);
+}
+
+void SearchIndexTest::shortQueriesNeverRunSql()
+{
+    SearchIndex index(m_path);
+    const Note note = noteWith(QStringLiteral("Kaffee"), {QStringLiteral("Éclair.PNG")});
+    const Library library = twoProjects({note});
+    index.synchronizeAndWait(library, 1);
+    const int before = index.sqlQueryCount();
+    QCOMPARE(index.searchAndWait(QStringLiteral("FF"), library.projects[0], library, 1).noteIDs,
+        QSet<QUuid> {note.id});
+    QCOMPARE(index.searchAndWait(QStringLiteral("éc"), library.projects[0], library, 1).noteIDs,
+        QSet<QUuid> {note.id});
+    // Three code points but two characters as a person counts them.
+    const Note accented = noteWith(QStringLiteral("cafe\u0301 au lait"));
+    const Library second = twoProjects({accented});
+    QCOMPARE(index.searchAndWait(QStringLiteral("e\u0301 "), second.projects[0], second, 2).noteIDs,
+        QSet<QUuid> {accented.id});
+    QCOMPARE(index.sqlQueryCount(), before);
+
+    QCOMPARE(index.searchAndWait(QStringLiteral("lait"), second.projects[0], second, 2).noteIDs,
+        QSet<QUuid> {accented.id});
+    QCOMPARE(index.sqlQueryCount(), before + 2);
+}
+
+void SearchIndexTest::wildcardsMatchLiterally_data()
+{
+    QTest::addColumn<QString>("query");
+    QTest::addColumn<bool>("found");
+    QTest::newRow("percent") << "100%" << true;
+    QTest::newRow("percent as wildcard would") << "1%0" << false;
+    QTest::newRow("underscore") << "snake_case" << true;
+    QTest::newRow("underscore as wildcard would") << "snake_cas_" << false;
+    QTest::newRow("short underscore") << "_c" << true;
+}
+
+void SearchIndexTest::wildcardsMatchLiterally()
+{
+    QFETCH(QString, query);
+    QFETCH(bool, found);
+    SearchIndex index(m_path);
+    const Library library = twoProjects({noteWith(QStringLiteral("done 100% of snake_case"))});
+    const int before = index.sqlQueryCount();
+    QCOMPARE(!index.searchAndWait(query, library.projects[0], library, 1).noteIDs.isEmpty(), found);
+    QCOMPARE(index.sqlQueryCount(), before);
+}
+
+void SearchIndexTest::textAndAttachmentNamesMatchButNotAcrossThem_data()
+{
+    QTest::addColumn<QString>("query");
+    QTest::addColumn<bool>("found");
+    QTest::newRow("text") << "quarterly" << true;
+    QTest::newRow("attachment name, other case") << "BUDGET.XLS" << true;
+    QTest::newRow("second attachment") << "chart" << true;
+    QTest::newRow("across text and name") << QString::fromUtf8("report\n\u241E\nbudget") << false;
+    QTest::newRow("across two names") << QString::fromUtf8("xlsx\n\u241E\nchart") << false;
+}
+
+void SearchIndexTest::textAndAttachmentNamesMatchButNotAcrossThem()
+{
+    QFETCH(QString, query);
+    QFETCH(bool, found);
+    SearchIndex index(m_path);
+    const Library library = twoProjects({noteWith(QStringLiteral("Quarterly report"),
+        {QStringLiteral("Budget.xlsx"), QStringLiteral("chart.png")})});
+    const int before = index.sqlQueryCount();
+    QCOMPARE(!index.searchAndWait(query, library.projects[0], library, 1).noteIDs.isEmpty(), found);
+    QCOMPARE(index.sqlQueryCount(), before + 2); // served by SQL, confirmed in memory
+}
+
+void SearchIndexTest::otherProjectsNeverAppear()
+{
+    SearchIndex index(m_path);
+    const Note here = noteWith(QStringLiteral("alpha here"));
+    const Library library = twoProjects({here});
+    for (const QString &query :
+        {QStringLiteral("alpha"), QStringLiteral("al"), QStringLiteral("where")}) {
+        const SearchMatches matches = index.searchAndWait(query, library.projects[0], library, 1);
+        QVERIFY(!matches.noteIDs.contains(library.projects[1].sections[0].notes[0].id));
+    }
+    QCOMPARE(index.searchAndWait(QStringLiteral("alpha"), library.projects[0], library, 1).noteIDs,
+        QSet<QUuid> {here.id});
+}
+
+void SearchIndexTest::sectionTitlesMatch()
+{
+    SearchIndex index(m_path);
+    const Library library
+        = twoProjects({noteWith(QStringLiteral("unrelated"))}, QStringLiteral("Groceries"));
+    const SearchMatches matches
+        = index.searchAndWait(QStringLiteral("ocer"), library.projects[0], library, 1);
+    QVERIFY(matches.noteIDs.isEmpty());
+    QCOMPARE(matches.sectionIDs, QSet<QUuid> {library.projects[0].sections[0].id});
+}
+
+void SearchIndexTest::movedNoteRowFollows()
+{
+    SearchIndex index(m_path);
+    Library library = twoProjects({noteWith(QStringLiteral("wandering note"))});
+    library.projects[0].sections.append(makeInboxSection());
+    library.projects[0].sections[1].title = QStringLiteral("Later");
+    index.synchronizeAndWait(library, 1);
+    const QUuid noteID = library.projects[0].sections[0].notes[0].id;
+    const QByteArray query
+        = "SELECT section_id FROM note_search WHERE note_id = '" + upperID(noteID) + "';";
+    QCOMPARE(rows(m_path, query),
+        QStringList {QString::fromLatin1(upperID(library.projects[0].sections[0].id))});
+
+    library.projects[0].sections[1].notes.append(library.projects[0].sections[0].notes.takeFirst());
+    index.synchronizeAndWait(library, 2);
+    QCOMPARE(rows(m_path, query),
+        QStringList {QString::fromLatin1(upperID(library.projects[0].sections[1].id))});
+    QCOMPARE(rows(m_path, "SELECT count(*) FROM note_search;"), QStringList {QStringLiteral("2")});
+}
+
+void SearchIndexTest::staleRevisionAnswersFromTheProject()
+{
+    SearchIndex index(m_path);
+    const Library newer = twoProjects({noteWith(QStringLiteral("newer text"))});
+    index.synchronizeAndWait(newer, 5);
+    const Note old = noteWith(QStringLiteral("older text"));
+    const Library older = twoProjects({old});
+    const int before = index.sqlQueryCount();
+    QCOMPARE(index.searchAndWait(QStringLiteral("older"), older.projects[0], older, 3).noteIDs,
+        QSet<QUuid> {old.id});
+    QCOMPARE(index.sqlQueryCount(), before);
+    QCOMPARE(index.indexedRevision(), 5u); // not rolled back
+}
+
+void SearchIndexTest::deletedNotesGoneAfterTheFirstSyncOfALaunch()
+{
+    const Note gone = noteWith(QStringLiteral("deleted between launches"));
+    const Note kept = noteWith(QStringLiteral("still here"));
+    {
+        SearchIndex first(m_path);
+        first.synchronizeAndWait(twoProjects({gone, kept}), 40);
+    }
+    QCOMPARE(rows(m_path, "SELECT count(*) FROM note_search;"), QStringList {QStringLiteral("3")});
+    SearchIndex second(m_path);
+    second.synchronizeAndWait(twoProjects({kept}), 1); // a new launch starts counting again
+    QCOMPARE(rows(m_path, "SELECT count(*) FROM note_search;"), QStringList {QStringLiteral("2")});
+    QVERIFY(rows(m_path, "SELECT note_id FROM note_search;")
+                .contains(QString::fromLatin1(upperID(kept.id))));
+}
+
+void SearchIndexTest::databaseDeletedWhileRunning()
+{
+    SearchIndex index(m_path);
+    Library library = twoProjects({noteWith(QStringLiteral("first note"))});
+    index.synchronizeAndWait(library, 1);
+    QVERIFY(QFile::remove(m_path));
+
+    library.projects[0].sections[0].notes.append(noteWith(QStringLiteral("second note")));
+    QTest::ignoreMessage(QtCriticalMsg,
+        QRegularExpression(QStringLiteral("^Search index synchronization failed: ")));
+    index.synchronizeAndWait(library, 2);
+    QVERIFY(QFileInfo::exists(m_path));
+    QCOMPARE(index.indexedRevision(), 2u);
+    QCOMPARE(rows(m_path, "SELECT count(*) FROM note_search;"), QStringList {QStringLiteral("3")});
+    QCOMPARE(
+        index.searchAndWait(QStringLiteral("note"), library.projects[0], library, 2).noteIDs.size(),
+        2);
+}
+
+void SearchIndexTest::unwritableCacheFolderFallsBackToScanning()
+{
+    // The folder the database wants is taken by a file.
+    const QString blocked = QFileInfo(QFileInfo(m_path).absolutePath()).absolutePath();
+    QDir().mkpath(blocked);
+    QFile file(QFileInfo(m_path).absolutePath());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+
+    SearchIndex index(m_path);
+    const Note note = noteWith(QStringLiteral("scan me please"));
+    const Library library = twoProjects({note});
+    QTest::ignoreMessage(QtCriticalMsg,
+        QRegularExpression(QStringLiteral("^Search index synchronization failed: ")));
+    QTest::ignoreMessage(
+        QtCriticalMsg, QRegularExpression(QStringLiteral("^Search index rebuild failed: ")));
+    QCOMPARE(index.searchAndWait(QStringLiteral("please"), library.projects[0], library, 1).noteIDs,
+        QSet<QUuid> {note.id});
+    QVERIFY(!index.indexedRevision());
+}
+
+void SearchIndexTest::corruptDatabaseAtStart()
+{
+    QDir().mkpath(QFileInfo(m_path).absolutePath());
+    QFile file(m_path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray(8192, 'x'));
+    file.close();
+
+    SearchIndex index(m_path);
+    const Note note = noteWith(QStringLiteral("survives corruption"));
+    const Library library = twoProjects({note});
+    QTest::ignoreMessage(QtCriticalMsg,
+        QRegularExpression(QStringLiteral("^Search index synchronization failed: ")));
+    QCOMPARE(
+        index.searchAndWait(QStringLiteral("corrupt"), library.projects[0], library, 1).noteIDs,
+        QSet<QUuid> {note.id});
+    QCOMPARE(index.indexedRevision(), 1u);
+    QCOMPARE(rows(m_path, "SELECT count(*) FROM note_search;"), QStringList {QStringLiteral("2")});
+}
+
+VESKO_TEST_MAIN(SearchIndexTest)
+#include "tst_searchindex.moc"
