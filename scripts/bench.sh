@@ -10,4 +10,5 @@ cmake -S . -B build-bench -G Ninja -DCMAKE_BUILD_TYPE=Release -DVESKO_BUILD_TEST
 cmake --build build-bench --parallel "$(nproc)"
 (cd build-bench && ./bench/bench_library --benchmark_min_time=0.5 "$@")
 (cd build-bench && ./bench/bench_store --benchmark_min_time=0.5 "$@")
+(cd build-bench && ./bench/bench_search --benchmark_min_time=0.5 "$@")
 build-bench/bench/library_memory 100000
