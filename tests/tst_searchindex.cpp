@@ -114,6 +114,7 @@ class SearchIndexTest : public QObject
 private Q_SLOTS:
     void init();
     void everyPathAgreesWithAPlainScan();
+    void incrementalSynchronisationStaysExact();
     void blankQueriesNeverOpenTheDatabase();
     void shortQueriesNeverRunSql();
     void wildcardsMatchLiterally_data();
@@ -157,6 +158,49 @@ void SearchIndexTest::everyPathAgreesWithAPlainScan()
     }
     QVERIFY(index.sqlQueryCount() > sqlBefore); // the SQL path took part
     QCOMPARE(index.indexedRevision(), 1u);
+}
+
+void SearchIndexTest::incrementalSynchronisationStaysExact()
+{
+    SearchIndex index(m_path);
+    Library library = Test::generateLibrary(1500, 23);
+    QRandomGenerator random(5);
+    for (quint64 revision = 1; revision <= 30; ++revision) {
+        // Edit, move, add and delete a few notes of the first project.
+        Project &project = library.projects[0];
+        for (int change = 0; change < 5; ++change) {
+            NoteSection &section = project.sections[random.bounded(int(project.sections.size()))];
+            if (section.notes.isEmpty())
+                continue;
+            const qsizetype at = random.bounded(int(section.notes.size()));
+            switch (random.bounded(5)) {
+            case 0:
+                section.notes[at].text = QStringLiteral("Edited ZEBRA %1").arg(revision);
+                break;
+            case 1:
+                project.sections.last().notes.append(section.notes.takeAt(at));
+                break;
+            case 2:
+                section.notes.removeAt(at);
+                break;
+            case 3:
+                section.notes[at].attachments.clear();
+                break;
+            default:
+                section.title = QStringLiteral("Renamed zebra %1").arg(revision);
+            }
+        }
+        index.synchronizeAndWait(library, revision);
+        for (const QString &query :
+            {QStringLiteral("zebra"), QStringLiteral("ed z"), QStringLiteral("the"),
+                QStringLiteral("ze"), randomQuery(random, project), randomQuery(random, project)}) {
+            const QString q = SearchIndex::normalizedQuery(query);
+            const SearchMatches expected
+                = q.isEmpty() ? SearchMatches() : SearchIndex::scanProject(q, project);
+            QVERIFY2(index.searchAndWait(query, project, library, revision) == expected,
+                qPrintable(QStringLiteral("revision %1, query “%2”").arg(revision).arg(query)));
+        }
+    }
 }
 
 void SearchIndexTest::blankQueriesNeverOpenTheDatabase()

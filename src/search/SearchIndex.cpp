@@ -121,8 +121,8 @@ public:
                 fetchIDs("SELECT note_id FROM note_search WHERE body LIKE ? AND project_id = ?;",
                     pattern, projectID)) {
                 const auto note = m_indexedNotes.constFind(id);
-                if (note != m_indexedNotes.cend() && note->projectID == project.id
-                    && noteContains(*note, q))
+                if (note != m_indexedNotes.cend() && note->indexed.projectID == project.id
+                    && noteContains(note->indexed, q))
                     matches.noteIDs.insert(id);
             }
             for (const QUuid &id : fetchIDs(
@@ -194,13 +194,25 @@ private:
         openDatabase();
     }
 
+    // A note as indexed, with the text and attachments it was made from. The
+    // sources keep their buffers alive, so that a note whose text still
+    // shares the same buffer is known unchanged without looking at its text.
+    struct MirrorNote
+    {
+        IndexedNote indexed;
+        QString sourceText;
+        QList<NoteAttachment> sourceAttachments;
+        //! Taken over from the mirror as it was: no row to write.
+        bool unchanged = false;
+    };
+
     struct Snapshot
     {
-        QHash<QUuid, IndexedNote> notes;
+        QHash<QUuid, MirrorNote> notes;
         QHash<QUuid, IndexedSection> sections;
     };
 
-    static Snapshot makeSnapshot(const Library &library)
+    Snapshot makeSnapshot(const Library &library) const
     {
         Snapshot snapshot;
         snapshot.notes.reserve(noteCount(library));
@@ -209,12 +221,27 @@ private:
                 snapshot.sections.insert(
                     section.id, IndexedSection {section.id, project.id, section.title.toLower()});
                 for (const Note &note : section.notes) {
+                    const auto previous = m_indexedNotes.constFind(note.id);
+                    if (previous != m_indexedNotes.cend()
+                        && previous->sourceText.constData() == note.text.constData()
+                        && previous->sourceText.size() == note.text.size()
+                        && previous->sourceAttachments.constData() == note.attachments.constData()
+                        && previous->sourceAttachments.size() == note.attachments.size()
+                        && previous->indexed.projectID == project.id
+                        && previous->indexed.sectionID == section.id) {
+                        MirrorNote same = *previous;
+                        same.unchanged = true;
+                        snapshot.notes.insert(note.id, same);
+                        continue;
+                    }
                     QStringList names;
                     names.reserve(note.attachments.size());
                     for (const NoteAttachment &attachment : note.attachments)
                         names.append(attachment.fileName.toLower());
                     snapshot.notes.insert(note.id,
-                        IndexedNote {note.id, project.id, section.id, note.text.toLower(), names});
+                        MirrorNote {IndexedNote {note.id, project.id, section.id,
+                                        note.text.toLower(), names},
+                            note.text, note.attachments});
                 }
             }
         }
@@ -258,8 +285,8 @@ private:
             if (!m_indexedRevision) {
                 executeScript("DELETE FROM note_search;");
                 executeScript("DELETE FROM section_search;");
-                for (const IndexedNote &note : std::as_const(snapshot.notes))
-                    writeNote(note);
+                for (const MirrorNote &note : std::as_const(snapshot.notes))
+                    writeNote(note.indexed);
                 for (const IndexedSection &section : std::as_const(snapshot.sections))
                     writeSection(section);
             } else {
@@ -267,9 +294,12 @@ private:
                     if (!snapshot.notes.contains(it.key()))
                         deleteNote.run({idText(it.key())});
                 }
-                for (const IndexedNote &note : std::as_const(snapshot.notes)) {
+                for (const MirrorNote &entry : std::as_const(snapshot.notes)) {
+                    if (entry.unchanged)
+                        continue;
+                    const IndexedNote &note = entry.indexed;
                     const auto old = m_indexedNotes.constFind(note.id);
-                    if (old == m_indexedNotes.cend() || !(*old == note)) {
+                    if (old == m_indexedNotes.cend() || !(old->indexed == note)) {
                         deleteNote.run({idText(note.id)});
                         writeNote(note);
                     }
@@ -300,7 +330,8 @@ private:
     SearchMatches scanIndexedMemory(const QString &q, const Project &project) const
     {
         SearchMatches matches;
-        for (const IndexedNote &note : m_indexedNotes) {
+        for (const MirrorNote &entry : m_indexedNotes) {
+            const IndexedNote &note = entry.indexed;
             if (note.projectID == project.id && noteContains(note, q))
                 matches.noteIDs.insert(note.id);
         }
@@ -399,7 +430,7 @@ private:
     QString m_path;
     std::atomic<int> &m_sqlQueryCount;
     sqlite3 *m_database = nullptr;
-    QHash<QUuid, IndexedNote> m_indexedNotes;
+    QHash<QUuid, MirrorNote> m_indexedNotes;
     QHash<QUuid, IndexedSection> m_indexedSections;
     std::optional<quint64> m_indexedRevision;
 };
