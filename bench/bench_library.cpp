@@ -21,6 +21,8 @@
 #include <QJsonDocument>
 #include <QTemporaryDir>
 
+#include "RatioReporter.h"
+
 #include <benchmark/benchmark.h>
 #include <simdjson.h>
 
@@ -179,29 +181,16 @@ BENCHMARK(BM_WriteFloor)->LIBRARY_SIZES;
 BENCHMARK(BM_Save)->LIBRARY_SIZES;
 
 // Prints as usual and keeps each run's time per iteration for the ratios.
-class RatioReporter : public benchmark::ConsoleReporter
+
+// Ratios of one library size.
+class LibraryRatioReporter : public Bench::RatioReporter
 {
 public:
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run &run : runs) {
-            if (run.run_type == Run::RT_Iteration && !run.error_occurred)
-                times[run.benchmark_name()] = run.GetAdjustedRealTime();
-        }
-    }
-
     double ratio(const std::string &name, const std::string &floor, int notes) const
     {
         const auto suffix = "/" + std::to_string(notes) + "/real_time";
-        const auto a = times.find(name + suffix);
-        const auto b = times.find(floor + suffix);
-        if (a == times.end() || b == times.end() || b->second <= 0)
-            return 0;
-        return a->second / b->second;
+        return Bench::RatioReporter::ratio(name + suffix, floor + suffix);
     }
-
-    std::map<std::string, double> times;
 };
 
 } // namespace
@@ -210,7 +199,7 @@ int main(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
+    LibraryRatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
 
     std::printf("\n%-8s %14s %14s %14s %14s %18s\n", "notes", "decode/parse", "load/floor",

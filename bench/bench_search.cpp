@@ -16,6 +16,8 @@
 #include <QCoreApplication>
 #include <QTemporaryDir>
 
+#include "RatioReporter.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -53,7 +55,7 @@ struct Case
     const char *kind;
 };
 const Case cases[] = {{"quokka", "selective"}, {"qkk", "selective"}, {"quokka-3", "selective"},
-                      {"the", "common"},       {"build", "common"}};
+    {"the", "common"}, {"build", "common"}};
 
 std::map<qsizetype, Library> &libraries()
 {
@@ -101,7 +103,8 @@ void BM_FullSync(benchmark::State &state)
     quint64 run = 0;
     for (auto _ : state) {
         state.PauseTiming();
-        auto index = std::make_unique<SearchIndex>(scratch().filePath(QStringLiteral("full-%1.sqlite").arg(run++)));
+        auto index = std::make_unique<SearchIndex>(
+            scratch().filePath(QStringLiteral("full-%1.sqlite").arg(run++)));
         state.ResumeTiming();
         index->synchronizeAndWait(library, 1);
         state.PauseTiming();
@@ -124,20 +127,6 @@ void BM_IncrementalSync(benchmark::State &state)
     }
 }
 
-class RatioReporter : public benchmark::ConsoleReporter
-{
-public:
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run &run : runs) {
-            if (run.run_type == Run::RT_Iteration && !run.error_occurred)
-                times[run.benchmark_name()] = run.GetAdjustedRealTime();
-        }
-    }
-    std::map<std::string, double> times;
-};
-
 } // namespace
 
 int main(int argc, char *argv[])
@@ -146,36 +135,50 @@ int main(int argc, char *argv[])
     QCoreApplication app(argc, argv);
     for (qsizetype notes : {10000, 100000}) {
         for (int c = 0; c < int(std::size(cases)); ++c) {
-            benchmark::RegisterBenchmark("BM_IndexSearch", BM_IndexSearch)->Args({notes, c})->Unit(benchmark::kMillisecond);
-            benchmark::RegisterBenchmark("BM_ScanProject", BM_ScanProject)->Args({notes, c})->Unit(benchmark::kMillisecond);
+            benchmark::RegisterBenchmark("BM_IndexSearch", BM_IndexSearch)
+                ->Args({notes, c})
+                ->Unit(benchmark::kMillisecond);
+            benchmark::RegisterBenchmark("BM_ScanProject", BM_ScanProject)
+                ->Args({notes, c})
+                ->Unit(benchmark::kMillisecond);
         }
     }
     // Library sizes in notes overall: the first project holds half.
-    benchmark::RegisterBenchmark("BM_FullSync", BM_FullSync)->Arg(20000)->Arg(200000)->Unit(benchmark::kMillisecond)->Iterations(3);
-    benchmark::RegisterBenchmark("BM_IncrementalSync", BM_IncrementalSync)->Arg(200000)->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark("BM_FullSync", BM_FullSync)
+        ->Arg(20000)
+        ->Arg(200000)
+        ->Unit(benchmark::kMillisecond)
+        ->Iterations(3);
+    benchmark::RegisterBenchmark("BM_IncrementalSync", BM_IncrementalSync)
+        ->Arg(200000)
+        ->Unit(benchmark::kMillisecond);
 
     benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
+    Bench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
 
     auto &t = reporter.times;
-    std::printf("\n%-8s %-10s %-10s %12s %12s %14s\n", "notes", "kind", "query", "index ms", "scan ms", "scan / index");
+    std::printf("\n%-8s %-10s %-10s %12s %12s %14s\n", "notes", "kind", "query", "index ms",
+        "scan ms", "scan / index");
     for (qsizetype notes : {10000, 100000}) {
         for (int c = 0; c < int(std::size(cases)); ++c) {
             char indexName[64];
             char scanName[64];
-            std::snprintf(indexName, sizeof indexName, "BM_IndexSearch/%lld/%d", qlonglong(notes), c);
+            std::snprintf(
+                indexName, sizeof indexName, "BM_IndexSearch/%lld/%d", qlonglong(notes), c);
             std::snprintf(scanName, sizeof scanName, "BM_ScanProject/%lld/%d", qlonglong(notes), c);
             const double index = t[indexName];
             const double scan = t[scanName];
-            std::printf("%-8lld %-10s %-10s %12.3f %12.3f %14.1f\n", qlonglong(notes), cases[c].kind, cases[c].query,
-                        index, scan, index > 0 ? scan / index : 0.0);
+            std::printf("%-8lld %-10s %-10s %12.3f %12.3f %14.1f\n", qlonglong(notes),
+                cases[c].kind, cases[c].query, index, scan, index > 0 ? scan / index : 0.0);
         }
     }
     const double full = t["BM_FullSync/200000/iterations:3"];
     const double incremental = t["BM_IncrementalSync/200000"];
-    std::printf("\nfull sync 20k notes %.1f ms, 200k notes %.1f ms; incremental after one edit at 200k %.1f ms: %.3f of full\n",
-                t["BM_FullSync/20000/iterations:3"], full, incremental, full > 0 ? incremental / full : 0.0);
+    std::printf("\nfull sync 20k notes %.1f ms, 200k notes %.1f ms; incremental after one edit at "
+                "200k %.1f ms: %.3f of full\n",
+        t["BM_FullSync/20000/iterations:3"], full, incremental,
+        full > 0 ? incremental / full : 0.0);
     benchmark::Shutdown();
     return 0;
 }

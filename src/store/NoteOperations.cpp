@@ -5,6 +5,8 @@
 
 #include "store/Store.h"
 
+#include "store/LibraryPosition.h"
+
 #include "attachments/AttachmentStore.h"
 #include "library/LibraryFile.h"
 
@@ -13,42 +15,6 @@
 namespace Vesko {
 
 namespace {
-
-// The position of a note or section in the library, by indices, so that a
-// mutable reference detaches only the path to it.
-struct Position
-{
-    qsizetype project = -1;
-    qsizetype section = -1;
-    qsizetype note = -1;
-};
-
-std::optional<Position> locateNote(const Library &library, const QUuid &id)
-{
-    for (qsizetype p = 0; p < library.projects.size(); ++p) {
-        const QList<NoteSection> &sections = library.projects.at(p).sections;
-        for (qsizetype s = 0; s < sections.size(); ++s) {
-            const QList<Note> &notes = sections.at(s).notes;
-            for (qsizetype n = 0; n < notes.size(); ++n) {
-                if (notes.at(n).id == id)
-                    return Position {p, s, n};
-            }
-        }
-    }
-    return std::nullopt;
-}
-
-std::optional<Position> locateSection(const Library &library, const QUuid &id)
-{
-    for (qsizetype p = 0; p < library.projects.size(); ++p) {
-        const QList<NoteSection> &sections = library.projects.at(p).sections;
-        for (qsizetype s = 0; s < sections.size(); ++s) {
-            if (sections.at(s).id == id)
-                return Position {p, s, -1};
-        }
-    }
-    return std::nullopt;
-}
 
 QString trimmed(const QString &text)
 {
@@ -84,13 +50,13 @@ QStringList paragraphs(const QString &text)
 
 NoteSection *Store::findSection(const QUuid &id)
 {
-    const std::optional<Position> at = locateSection(m_library, id);
+    const std::optional<LibraryPosition> at = locateSection(m_library, id);
     return at ? &m_library.projects[at->project].sections[at->section] : nullptr;
 }
 
 Note *Store::findNote(const QUuid &id)
 {
-    const std::optional<Position> at = locateNote(m_library, id);
+    const std::optional<LibraryPosition> at = locateNote(m_library, id);
     return at ? &m_library.projects[at->project].sections[at->section].notes[at->note] : nullptr;
 }
 
@@ -328,7 +294,7 @@ void Store::mergeNotes(const QList<QUuid> &ids)
     const QList<Note> notes = visibleNotesAmong(ids);
     if (notes.size() < 2)
         return;
-    const std::optional<Position> first = locateNote(m_library, notes.first().id);
+    const std::optional<LibraryPosition> first = locateNote(m_library, notes.first().id);
     if (!first)
         return;
 
@@ -372,7 +338,7 @@ void Store::mergeNotes(const QList<QUuid> &ids)
 
 void Store::splitNote(const QUuid &id)
 {
-    const std::optional<Position> at = locateNote(m_library, id);
+    const std::optional<LibraryPosition> at = locateNote(m_library, id);
     if (!at)
         return;
     const Note old = m_library.projects.at(at->project).sections.at(at->section).notes.at(at->note);
@@ -443,7 +409,7 @@ void Store::moveNotesToSection(const QList<QUuid> &ids, const QUuid &sectionID)
 void Store::moveNotesToSection(const QList<QUuid> &ids, const QUuid &sectionID, qsizetype index)
 {
     const QList<Note> notes = visibleNotesAmong(ids);
-    const std::optional<Position> at = locateSection(m_library, sectionID);
+    const std::optional<LibraryPosition> at = locateSection(m_library, sectionID);
     if (notes.isEmpty() || !at)
         return;
 

@@ -2,6 +2,8 @@
 
 #include "store/Store.h"
 
+#include "store/LibraryPosition.h"
+
 #include "attachments/AttachmentStore.h"
 #include "library/LibraryFile.h"
 #include "library/LibraryRepair.h"
@@ -73,36 +75,32 @@ void Store::setLibrary(const Library &library)
     notifyLibraryIfChanged();
 }
 
+template<typename T> void Store::assign(T &field, const T &value, void (Store::*changed)())
+{
+    if (field == value)
+        return;
+    field = value;
+    Q_EMIT(this->*changed)();
+}
+
 void Store::setEditingNoteID(std::optional<QUuid> id)
 {
-    if (m_editingNoteID == id)
-        return;
-    m_editingNoteID = id;
-    Q_EMIT editingNoteIDChanged();
+    assign(m_editingNoteID, id, &Store::editingNoteIDChanged);
 }
 
 void Store::setSelectionSet(const QSet<QUuid> &selection)
 {
-    if (m_selection == selection)
-        return;
-    m_selection = selection;
-    Q_EMIT selectionChanged();
+    assign(m_selection, selection, &Store::selectionChanged);
 }
 
 void Store::setSelectionAnchor(std::optional<QUuid> anchor)
 {
-    if (m_selectionAnchor == anchor)
-        return;
-    m_selectionAnchor = anchor;
-    Q_EMIT selectionAnchorChanged();
+    assign(m_selectionAnchor, anchor, &Store::selectionAnchorChanged);
 }
 
 void Store::setExpandedNoteIDs(const QSet<QUuid> &ids)
 {
-    if (m_expandedNoteIDs == ids)
-        return;
-    m_expandedNoteIDs = ids;
-    Q_EMIT expandedNoteIDsChanged();
+    assign(m_expandedNoteIDs, ids, &Store::expandedNoteIDsChanged);
 }
 
 void Store::setSelection(const QSet<QUuid> &selection, std::optional<QUuid> anchor)
@@ -140,39 +138,27 @@ NoteSection Store::activeSection() const
 
 std::optional<NoteAddress> Store::addressOfNote(const QUuid &id) const
 {
-    for (const Project &project : m_library.projects) {
-        for (const NoteSection &section : project.sections) {
-            for (const Note &note : section.notes) {
-                if (note.id == id)
-                    return NoteAddress {project.id, section.id, note.id};
-            }
-        }
-    }
-    return std::nullopt;
+    const std::optional<LibraryPosition> at = locateNote(m_library, id);
+    if (!at)
+        return std::nullopt;
+    const Project &project = m_library.projects.at(at->project);
+    return NoteAddress {project.id, project.sections.at(at->section).id, id};
 }
 
 std::optional<Note> Store::note(const QUuid &id) const
 {
-    for (const Project &project : m_library.projects) {
-        for (const NoteSection &section : project.sections) {
-            for (const Note &note : section.notes) {
-                if (note.id == id)
-                    return note;
-            }
-        }
-    }
-    return std::nullopt;
+    const std::optional<LibraryPosition> at = locateNote(m_library, id);
+    if (!at)
+        return std::nullopt;
+    return m_library.projects.at(at->project).sections.at(at->section).notes.at(at->note);
 }
 
 std::optional<NoteSection> Store::section(const QUuid &id) const
 {
-    for (const Project &project : m_library.projects) {
-        for (const NoteSection &section : project.sections) {
-            if (section.id == id)
-                return section;
-        }
-    }
-    return std::nullopt;
+    const std::optional<LibraryPosition> at = locateSection(m_library, id);
+    if (!at)
+        return std::nullopt;
+    return m_library.projects.at(at->project).sections.at(at->section);
 }
 
 bool Store::isSearching() const

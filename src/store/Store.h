@@ -234,6 +234,8 @@ Q_SIGNALS:
 
 private:
     void notifyLibraryIfChanged();
+    //! Assigns \a value and emits \a changed only when it differs.
+    template<typename T> void assign(T &field, const T &value, void (Store::*changed)());
     void setSelectionSet(const QSet<QUuid> &selection);
     void setSelectionAnchor(std::optional<QUuid> anchor);
     void setExpandedNoteIDs(const QSet<QUuid> &ids);
