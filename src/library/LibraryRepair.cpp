@@ -57,36 +57,12 @@ bool markLegacyCaptureSections(Project &project)
     return changed;
 }
 
-// Phase 2: automatic sections of the same title become the first of them.
-bool joinDuplicateAutomaticSections(Project &project)
-{
-    bool changed = false;
-    for (const QUuid &keeperID : automaticSectionIDs(project)) {
-        qsizetype keeper = indexOfSection(project, keeperID);
-        if (keeper < 0 || !project.sections.at(keeper).isAutomatic)
-            continue;
-        const QString title = project.sections.at(keeper).title;
-        for (qsizetype i = 0; i < project.sections.size();) {
-            const NoteSection &other = project.sections.at(i);
-            if (i == keeper || !other.isAutomatic || !titlesEqual(other.title, title)) {
-                ++i;
-                continue;
-            }
-            project.sections[keeper].notes.append(other.notes);
-            if (project.activeSectionID == other.id)
-                project.activeSectionID = keeperID;
-            project.sections.removeAt(i);
-            if (i < keeper)
-                --keeper;
-            changed = true;
-        }
-    }
-    return changed;
-}
-
-// Phase 3: captures of an older file that lie in an ordinary section of the
-// same title as an automatic section move there; typed notes stay.
-bool collectStrayCaptures(Project &project)
+// For each automatic section still there (the keeper), offers every other
+// section of the same title that \a isCandidate accepts to \a take, which
+// takes notes out of it for the keeper or answers nothing to leave it alone.
+// A section left empty by a take goes; the active mark passes to the keeper.
+template<typename IsCandidate, typename Take>
+bool gatherIntoKeepers(Project &project, IsCandidate isCandidate, Take take)
 {
     bool changed = false;
     for (const QUuid &keeperID : automaticSectionIDs(project)) {
@@ -96,10 +72,48 @@ bool collectStrayCaptures(Project &project)
         const QString title = project.sections.at(keeper).title;
         for (qsizetype i = 0; i < project.sections.size();) {
             NoteSection &other = project.sections[i];
-            if (other.isAutomatic || !titlesEqual(other.title, title)) {
+            if (i == keeper || !isCandidate(other) || !titlesEqual(other.title, title)) {
                 ++i;
                 continue;
             }
+            const std::optional<QList<Note>> taken = take(other, title);
+            if (!taken) {
+                ++i;
+                continue;
+            }
+            changed = true;
+            project.sections[keeper].notes.append(*taken);
+            if (!project.sections.at(i).notes.isEmpty()) {
+                ++i;
+                continue;
+            }
+            if (project.activeSectionID == project.sections.at(i).id)
+                project.activeSectionID = keeperID;
+            project.sections.removeAt(i);
+            if (i < keeper)
+                --keeper;
+        }
+    }
+    return changed;
+}
+
+// Phase 2: automatic sections of the same title become the first of them.
+bool joinDuplicateAutomaticSections(Project &project)
+{
+    return gatherIntoKeepers(
+        project, [](const NoteSection &other) { return other.isAutomatic; },
+        [](NoteSection &other, const QString &) {
+            return std::optional(std::exchange(other.notes, {}));
+        });
+}
+
+// Phase 3: captures of an older file that lie in an ordinary section of the
+// same title as an automatic section move there; typed notes stay.
+bool collectStrayCaptures(Project &project)
+{
+    return gatherIntoKeepers(
+        project, [](const NoteSection &other) { return !other.isAutomatic; },
+        [](NoteSection &other, const QString &title) -> std::optional<QList<Note>> {
             QList<Note> moving;
             QList<Note> staying;
             for (const Note &note : std::as_const(other.notes)) {
@@ -108,25 +122,11 @@ bool collectStrayCaptures(Project &project)
                 else
                     staying.append(note);
             }
-            if (moving.isEmpty()) {
-                ++i;
-                continue;
-            }
-            changed = true;
-            project.sections[keeper].notes.append(moving);
+            if (moving.isEmpty())
+                return std::nullopt;
             other.notes = staying;
-            if (!other.notes.isEmpty()) {
-                ++i;
-                continue;
-            }
-            if (project.activeSectionID == other.id)
-                project.activeSectionID = keeperID;
-            project.sections.removeAt(i);
-            if (i < keeper)
-                --keeper;
-        }
-    }
-    return changed;
+            return moving;
+        });
 }
 
 } // namespace
