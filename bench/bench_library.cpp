@@ -188,7 +188,8 @@ class LibraryRatioReporter : public Bench::RatioReporter
 public:
     double ratio(const std::string &name, const std::string &floor, int notes) const
     {
-        const auto suffix = "/" + std::to_string(notes) + "/real_time";
+        char suffix[32];
+        std::snprintf(suffix, sizeof suffix, "/%d/real_time", notes);
         return Bench::RatioReporter::ratio(name + suffix, floor + suffix);
     }
 };

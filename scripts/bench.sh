@@ -11,4 +11,5 @@ cmake --build build-bench --parallel "$(nproc)"
 (cd build-bench && ./bench/bench_library --benchmark_min_time=0.5 "$@")
 (cd build-bench && ./bench/bench_store --benchmark_min_time=0.5 "$@")
 (cd build-bench && ./bench/bench_search --benchmark_min_time=0.5 "$@")
+(cd build-bench && ./bench/bench_text --benchmark_min_time=0.5 "$@")
 build-bench/bench/library_memory 100000

@@ -12,13 +12,15 @@ CC=clang CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWit
     -DVESKO_BUILD_FUZZERS=ON -DVESKO_BUILD_TESTS=OFF -DVESKO_BUILD_BENCHMARKS=OFF -DVESKO_BUILD_APP=OFF
 cmake --build build-fuzz --parallel "$(nproc)"
 
-for target in library_decoder; do
+for entry in library_decoder:library markdown_parser:markdown; do
+    target=${entry%%:*}
+    seeds=fuzz/corpus/${entry##*:}
     corpus=$(mktemp -d)
     echo "== Fuzzing ${target} for ${seconds} s"
     log=$(mktemp)
     status=0
     "build-fuzz/fuzz/${target}_fuzzer" -max_total_time="$seconds" -max_len=65536 -timeout=10 \
-        -print_final_stats=1 "$corpus" "fuzz/corpus/${target%_decoder}" >"$log" 2>&1 || status=$?
+        -print_final_stats=1 "$corpus" "$seeds" >"$log" 2>&1 || status=$?
     tail -n 40 "$log"
     rm -rf "$corpus" "$log"
     if [ "$status" -ne 0 ]; then

@@ -188,6 +188,16 @@ public:
     //! Deletes the files of records that nothing in the library refers to any more.
     void purgeAttachmentFiles(const QList<NoteAttachment> &attachments);
 
+    // -- text out ---------------------------------------------------------------
+
+    //! The visible notes among \a ids, in row order, as plain text: their
+    //! texts, or stripped of Markdown when copyIncludesMarkdown is off.
+    QString plainCopyText(const QList<QUuid> &ids) const;
+    //! The same notes as a list in the listStyle preference; empty without notes.
+    QString listCopyText(const QList<QUuid> &ids) const;
+    //! The whole library as one Markdown document.
+    QString markdownExportText() const;
+
     // -- sections and projects ----------------------------------------------------
 
     //! The index of the first section of \a project of that kind and title,

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Notes as text for other applications: a plain copy, a copy as a list, and
+// one Markdown document of the whole library. The functions here are pure;
+// the Store picks the notes (the visible ones, in row order) and the
+// preferences, and the clipboard takes the result.
+
+#pragma once
+
+#include "library/Library.h"
+#include "shell/Preferences.h"
+
+#include <optional>
+
+namespace Vesko {
+
+//! A note's text as copied: as typed, or without its inline Markdown markers.
+QString copiedText(const Note &note, bool includesMarkdown);
+
+//! The texts of \a notes joined by a blank line.
+QString plainCopyText(const QList<Note> &notes, bool includesMarkdown);
+
+//! One list item: the style's prefix ("1. ", "- " or nothing) before the
+//! first line, three spaces before every further line.
+QString listItemText(qsizetype index, const Note &note, ListStyle style, bool includesMarkdown);
+
+//! The items of \a notes, numbered from 1, one line feed between them.
+QString listText(const QList<Note> &notes, ListStyle style, bool includesMarkdown);
+
+//! The whole library as a Markdown document: a heading per project and
+//! section, a task line per note, a link line per attachment.
+QString markdownExportText(const Library &library);
+
+//! Writes \a text as UTF-8 to \a path atomically; returns the failure text.
+std::optional<QString> writeMarkdownExport(const QString &text, const QString &path);
+
+} // namespace Vesko

@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Notes as text: plain copies and lists in panel order, list styles, the
+// Markdown export as golden text, and writing the export to a real file.
+
+#include "TestEnvironment.h"
+
+#include "attachments/AttachmentStore.h"
+#include "library/LibraryWriter.h"
+#include "search/SearchIndex.h"
+#include "store/NoteText.h"
+#include "store/Store.h"
+
+#include <QDir>
+
+using namespace Vesko;
+
+namespace {
+
+Note noteWith(const QString &text, bool done = false)
+{
+    Note note;
+    note.id = makeID();
+    note.text = text;
+    note.isDone = done;
+    return note;
+}
+
+NoteAttachment attachment(const QString &name, const QString &stored, NoteAttachment::Kind kind)
+{
+    NoteAttachment a;
+    a.id = makeID();
+    a.fileName = name;
+    a.storedFileName = stored;
+    a.kind = kind;
+    return a;
+}
+
+} // namespace
+
+class NoteTextTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void listItem_data();
+    void listItem();
+    void copiesFollowThePanel();
+    void exportDocument();
+    void exportEdges_data();
+    void exportEdges();
+    void writeExport();
+};
+
+void NoteTextTest::listItem_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("style");
+    QTest::addColumn<bool>("markdown");
+    QTest::addColumn<QString>("expected");
+
+    const QString three = QStringLiteral("first\nsecond\nthird");
+    QTest::newRow("numbered") << three << int(ListStyle::Numbered) << true
+                              << "3. first\n   second\n   third";
+    QTest::newRow("dash") << three << int(ListStyle::Dash) << true
+                          << "- first\n   second\n   third";
+    QTest::newRow("plain keeps the indent")
+        << three << int(ListStyle::Plain) << true << "first\n   second\n   third";
+    QTest::newRow("empty line becomes three spaces")
+        << "a\n\nb" << int(ListStyle::Dash) << true << "- a\n   \n   b";
+    QTest::newRow("markdown kept") << "**bold** [site](https://x.org)" << int(ListStyle::Dash)
+                                   << true << "- **bold** [site](https://x.org)";
+    QTest::newRow("markdown stripped, heading stays")
+        << "# **bold** [site](https://x.org)" << int(ListStyle::Dash) << false << "- # bold site";
+}
+
+void NoteTextTest::listItem()
+{
+    QFETCH(QString, text);
+    QFETCH(int, style);
+    QFETCH(bool, markdown);
+    QFETCH(QString, expected);
+    QCOMPARE(listItemText(2, noteWith(text), ListStyle(style), markdown), expected);
+}
+
+void NoteTextTest::copiesFollowThePanel()
+{
+    Preferences::openSettings()->clear();
+    Preferences preferences;
+    LibraryWriter writer;
+    AttachmentStore attachments;
+    SearchIndex searchIndex(
+        Test::IsolatedEnvironment::current().cacheHome() + QStringLiteral("/text.sqlite"));
+
+    Library library = makeDefaultLibrary();
+    QList<Note> notes;
+    for (const char *text : {"one", "two", "*three*", "four", "five", "six", "seven"})
+        notes.append(noteWith(QString::fromUtf8(text)));
+    library.projects[0].sections[0].notes = notes;
+    NoteSection hidden = makeInboxSection();
+    hidden.title = QStringLiteral("Hidden");
+    hidden.isCollapsed = true;
+    hidden.notes = {noteWith(QStringLiteral("invisible"))};
+    library.projects[0].sections.append(hidden);
+    Store store(library, {preferences, writer, attachments, searchIndex});
+
+    // Notes 7 and 3, asked for in that order, and a hidden one: panel order, numbered from 1.
+    const QList<QUuid> ids = {notes[6].id, notes[2].id, hidden.notes[0].id};
+    QCOMPARE(store.listCopyText(ids), QStringLiteral("1. *three*\n2. seven"));
+    preferences.setCopyIncludesMarkdown(false);
+    preferences.setListStyle(ListStyle::Dash);
+    QCOMPARE(store.listCopyText(ids), QStringLiteral("- three\n- seven"));
+    QCOMPARE(store.plainCopyText(ids), QStringLiteral("three\n\nseven"));
+    QCOMPARE(store.plainCopyText({hidden.notes[0].id}), QString());
+    QCOMPARE(store.listCopyText({}), QString());
+
+    preferences.setNewestFirst(true);
+    store.refreshRows();
+    QCOMPARE(store.plainCopyText(ids), QStringLiteral("seven\n\nthree"));
+}
+
+void NoteTextTest::exportDocument()
+{
+    Library library;
+    Project work;
+    work.id = makeID();
+    work.name = QStringLiteral("Work");
+    NoteSection ideas;
+    ideas.id = makeID();
+    ideas.title = QStringLiteral("Ideas");
+    Note open = noteWith(QStringLiteral("first line\nsecond line"));
+    open.attachments = {attachment(QStringLiteral("Pasted Image.png"),
+        QStringLiteral("A1/Pasted Image.png"), NoteAttachment::Kind::Image)};
+    ideas.notes = {open, noteWith(QStringLiteral("done thing"), true)};
+    work.sections = {ideas};
+    library.projects = {work};
+
+    QCOMPARE(markdownExportText(library),
+        QStringLiteral("# Work\n"
+                       "\n"
+                       "## Ideas\n"
+                       "\n"
+                       "- [ ] first line\n"
+                       "      second line\n"
+                       "      ![Pasted Image.png](Attachments/A1/Pasted Image.png)\n"
+                       "- [x] done thing\n"));
+}
+
+void NoteTextTest::exportEdges_data()
+{
+    QTest::addColumn<QString>(
+        "shape"); // "empty", "no sections", "empty section", "file", "two projects"
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("no projects") << "empty"
+                                 << "";
+    QTest::newRow("project without sections") << "no sections"
+                                              << "# P\n";
+    QTest::newRow("empty section") << "empty section"
+                                   << "# P\n\n## S\n\n";
+    QTest::newRow("file link, raw text")
+        << "file"
+        << "# P\n\n## S\n\n- [ ] **raw** *text*\n      [a b.pdf](Attachments/X/a b.pdf)\n";
+    QTest::newRow("two projects") << "two projects"
+                                  << "# P\n\n## S\n\n\n# Q\n\n## T\n\n";
+}
+
+void NoteTextTest::exportEdges()
+{
+    QFETCH(QString, shape);
+    QFETCH(QString, expected);
+    Library library;
+    auto project = [](const QString &name, const QString &section) {
+        Project p;
+        p.id = makeID();
+        p.name = name;
+        if (!section.isEmpty()) {
+            NoteSection s;
+            s.id = makeID();
+            s.title = section;
+            p.sections = {s};
+        }
+        return p;
+    };
+    if (shape == u"no sections")
+        library.projects = {project(QStringLiteral("P"), QString())};
+    else if (shape == u"empty section")
+        library.projects = {project(QStringLiteral("P"), QStringLiteral("S"))};
+    else if (shape == u"two projects")
+        library.projects = {project(QStringLiteral("P"), QStringLiteral("S")),
+            project(QStringLiteral("Q"), QStringLiteral("T"))};
+    else if (shape == u"file") {
+        library.projects = {project(QStringLiteral("P"), QStringLiteral("S"))};
+        Note note = noteWith(QStringLiteral("**raw** *text*"));
+        note.attachments = {attachment(
+            QStringLiteral("a b.pdf"), QStringLiteral("X/a b.pdf"), NoteAttachment::Kind::File)};
+        library.projects[0].sections[0].notes = {note};
+    }
+    QCOMPARE(markdownExportText(library), expected);
+}
+
+void NoteTextTest::writeExport()
+{
+    const QString folder = Test::IsolatedEnvironment::current().root() + QStringLiteral("/export");
+    QDir().mkpath(folder);
+    const QString path = folder + QStringLiteral("/Vesko Notes.md");
+    const QString text = QStringLiteral("# Ünïcode 🙂\n");
+    QCOMPARE(writeMarkdownExport(text, path), std::nullopt);
+    QCOMPARE(writeMarkdownExport(text + text, path), std::nullopt); // replaces
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(QString::fromUtf8(file.readAll()), text + text);
+    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden),
+        QStringList {QStringLiteral("Vesko Notes.md")});
+
+    // A folder that cannot take the file gives a readable failure.
+    const auto failure = writeMarkdownExport(text, folder + QStringLiteral("/missing/Notes.md"));
+    QVERIFY(failure);
+    QVERIFY2(failure->contains(QStringLiteral("missing")), qPrintable(*failure));
+}
+
+VESKO_TEST_MAIN(NoteTextTest)
+#include "tst_notetext.moc"
