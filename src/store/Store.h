@@ -23,6 +23,7 @@
 namespace Vesko {
 
 class AttachmentStore;
+class Clipboard;
 class LibraryWriter;
 class Preferences;
 class SearchIndex;
@@ -197,6 +198,10 @@ public:
     QString listCopyText(const QList<QUuid> &ids) const;
     //! The whole library as one Markdown document.
     QString markdownExportText() const;
+    //! Puts plainCopyText(ids) on \a clipboard; an empty text leaves it as it was.
+    bool copyNotes(const QList<QUuid> &ids, Clipboard &clipboard) const;
+    //! Puts listCopyText(ids) on \a clipboard; without notes it stays as it was.
+    bool copyAsList(const QList<QUuid> &ids, Clipboard &clipboard) const;
 
     // -- sections and projects ----------------------------------------------------
 

@@ -5,6 +5,8 @@
 #include "store/NoteText.h"
 #include "store/Store.h"
 
+#include "platform/Clipboard.h"
+
 namespace Vesko {
 
 QString Store::plainCopyText(const QList<QUuid> &ids) const
@@ -16,6 +18,25 @@ QString Store::listCopyText(const QList<QUuid> &ids) const
 {
     return listText(
         visibleNotesAmong(ids), m_preferences.listStyle(), m_preferences.copyIncludesMarkdown());
+}
+
+bool Store::copyNotes(const QList<QUuid> &ids, Clipboard &clipboard) const
+{
+    const QString text = plainCopyText(ids);
+    if (text.isEmpty())
+        return false;
+    clipboard.setText(text);
+    return true;
+}
+
+bool Store::copyAsList(const QList<QUuid> &ids, Clipboard &clipboard) const
+{
+    const QList<Note> notes = visibleNotesAmong(ids);
+    if (notes.isEmpty())
+        return false;
+    clipboard.setText(
+        listText(notes, m_preferences.listStyle(), m_preferences.copyIncludesMarkdown()));
+    return true;
 }
 
 QString Store::markdownExportText() const
