@@ -50,6 +50,7 @@ private Q_SLOTS:
     void exportEdges_data();
     void exportEdges();
     void writeExport();
+    void messages();
 };
 
 void NoteTextTest::listItem_data()
@@ -216,6 +217,14 @@ void NoteTextTest::writeExport()
     const auto failure = writeMarkdownExport(text, folder + QStringLiteral("/missing/Notes.md"));
     QVERIFY(failure);
     QVERIFY2(failure->contains(QStringLiteral("missing")), qPrintable(*failure));
+}
+
+void NoteTextTest::messages()
+{
+    QCOMPARE(QString::fromUtf8(TextOutMessages::copiedAsList), QStringLiteral("Copied as List"));
+    QCOMPARE(QString::fromUtf8(TextOutMessages::copied), QStringLiteral("Copied"));
+    QCOMPARE(QString::fromUtf8(TextOutMessages::exported), QStringLiteral("Exported"));
+    QCOMPARE(QString::fromUtf8(TextOutMessages::exportFileName), QStringLiteral("Vesko Notes.md"));
 }
 
 VESKO_TEST_MAIN(NoteTextTest)

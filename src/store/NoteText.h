@@ -10,9 +10,24 @@
 #include "library/Library.h"
 #include "shell/Preferences.h"
 
+#include <QtGlobal>
+
 #include <optional>
 
 namespace Vesko {
+
+//! The short messages that confirm a copy or an export, shown for 1.1 s
+//! beside the pointer with the named symbol. Translated where shown.
+namespace TextOutMessages {
+inline constexpr const char copiedAsList[] = QT_TRANSLATE_NOOP("TextOut", "Copied as List");
+inline constexpr const char copiedAsListSymbol[] = "list.number";
+inline constexpr const char copied[] = QT_TRANSLATE_NOOP("TextOut", "Copied");
+inline constexpr const char copiedSymbol[] = "doc.on.doc";
+inline constexpr const char exported[] = QT_TRANSLATE_NOOP("TextOut", "Exported");
+inline constexpr const char exportedSymbol[] = "square.and.arrow.up";
+//! The name the save dialog suggests for an export.
+inline constexpr const char exportFileName[] = "Vesko Notes.md";
+} // namespace TextOutMessages
 
 //! A note's text as copied: as typed, or without its inline Markdown markers.
 QString copiedText(const Note &note, bool includesMarkdown);
