@@ -88,7 +88,7 @@ int main(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
     for (int kind = 0; kind < int(std::size(kinds)); ++kind) {
-        for (qsizetype size : {100'000, 1'000'000}) {
+        for (qsizetype size : {100'000, 1'000'000, 2'000'000}) {
             benchmark::RegisterBenchmark("BM_Parse", BM_Parse)
                 ->Args({kind, size})
                 ->Unit(benchmark::kMillisecond);
@@ -104,15 +104,17 @@ int main(int argc, char *argv[])
     Bench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
 
-    std::printf("\n%-10s %12s %12s %14s %14s\n", "input", "100 KB ms", "1 MB ms", "1 MB / copy",
-        "1 MB / 100 KB");
+    std::printf("\n%-10s %12s %12s %14s %14s %12s\n", "input", "100 KB ms", "1 MB ms", "1 MB / copy",
+        "1 MB / 100 KB", "2 MB / 1 MB");
     for (int kind = 0; kind < int(std::size(kinds)); ++kind) {
-        char small[64], large[64], copy[64];
+        char small[64], large[64], copy[64], double_[64];
+        std::snprintf(double_, sizeof double_, "BM_Parse/%d/2000000", kind);
         std::snprintf(small, sizeof small, "BM_Parse/%d/100000", kind);
         std::snprintf(large, sizeof large, "BM_Parse/%d/1000000", kind);
         std::snprintf(copy, sizeof copy, "BM_CopyFloor/%d/1000000", kind);
-        std::printf("%-10s %12.3f %12.3f %14.1f %14.2f\n", kinds[kind], reporter.times[small],
-            reporter.times[large], reporter.ratio(large, copy), reporter.ratio(large, small));
+        std::printf("%-10s %12.3f %12.3f %14.1f %14.2f %12.2f\n", kinds[kind], reporter.times[small],
+            reporter.times[large], reporter.ratio(large, copy), reporter.ratio(large, small),
+            reporter.ratio(double_, large));
     }
     std::printf("\nexport of 100k notes / JSON encoding: %.2f (export %.1f ms)\n",
         reporter.ratio("BM_Export", "BM_EncodeFloor"), reporter.times["BM_Export"]);
