@@ -118,15 +118,18 @@ public:
     }
 
 private:
+    // Kept small, since a long note can make a node of nearly every
+    // character: the text lies in one shared buffer, m_text.
     struct Node
     {
-        enum Kind { Text, Open, Close };
+        enum Kind : char { Text, Open, Close };
         Kind kind;
-        QString text;
-        int attribute = 0;
-        QString destination;
-        int next = -1;
-        int prev = -1;
+        char attribute;
+        int textStart;
+        int textLength;
+        int destination; // index into m_destinations, or -1
+        int next;
+        int prev;
     };
 
     struct Delimiter
@@ -153,9 +156,17 @@ private:
     // -- nodes ------------------------------------------------------------------
 
     int appendNode(
-        Node::Kind kind, const QString &text, int attribute = 0, const QString &destination = {})
+        Node::Kind kind, QStringView text, int attribute = 0, const QString &destination = {})
     {
-        m_nodes.push_back(Node {kind, text, attribute, destination, -1, m_last});
+        const int start = int(m_text.size());
+        m_text += text;
+        int destinationIndex = -1;
+        if (!destination.isNull()) {
+            m_destinations.push_back(destination);
+            destinationIndex = int(m_destinations.size()) - 1;
+        }
+        m_nodes.push_back(
+            Node {kind, char(attribute), start, int(text.size()), destinationIndex, -1, m_last});
         const int index = int(m_nodes.size()) - 1;
         if (m_last >= 0)
             m_nodes[m_last].next = index;
@@ -165,9 +176,9 @@ private:
         return index;
     }
 
-    int insertAfter(int at, Node::Kind kind, int attribute, const QString &destination = {})
+    int insertAfter(int at, Node::Kind kind, int attribute)
     {
-        m_nodes.push_back(Node {kind, QString(), attribute, destination, m_nodes[at].next, at});
+        m_nodes.push_back(Node {kind, char(attribute), 0, 0, -1, m_nodes[at].next, at});
         const int index = int(m_nodes.size()) - 1;
         if (m_nodes[at].next >= 0)
             m_nodes[m_nodes[at].next].prev = index;
@@ -182,7 +193,7 @@ private:
         const int before = m_nodes[at].prev;
         if (before >= 0)
             return insertAfter(before, kind, attribute);
-        m_nodes.push_back(Node {kind, QString(), attribute, QString(), at, -1});
+        m_nodes.push_back(Node {kind, char(attribute), 0, 0, -1, at, -1});
         const int index = int(m_nodes.size()) - 1;
         m_nodes[at].prev = index;
         m_first = index;
@@ -533,8 +544,9 @@ private:
             }
             open.count -= used;
             closer.count -= used;
-            m_nodes[open.node].text.chop(used);
-            m_nodes[closer.node].text.remove(0, used);
+            m_nodes[open.node].textLength -= used;
+            m_nodes[closer.node].textStart += used;
+            m_nodes[closer.node].textLength -= used;
             insertAfter(open.node, Node::Open, attribute);
             insertBefore(closer.node, Node::Close, attribute);
 
@@ -587,9 +599,10 @@ private:
         const int attribute = bracket.image ? MarkdownRun::Image : MarkdownRun::Link;
         Node &opener = m_nodes[bracket.node];
         opener.kind = Node::Open;
-        opener.text.clear();
+        opener.textLength = 0;
         opener.attribute = attribute;
-        opener.destination = destination;
+        m_destinations.push_back(destination);
+        opener.destination = int(m_destinations.size()) - 1;
         processEmphasis(bracket.delimiterTop);
         appendNode(Node::Close, QString(), attribute);
         if (!bracket.image) {
@@ -726,7 +739,8 @@ private:
             const Node &node = m_nodes[n];
             switch (node.kind) {
             case Node::Open:
-                active.push_back({node.attribute, node.destination});
+                active.push_back({node.attribute,
+                    node.destination >= 0 ? m_destinations[node.destination] : QString()});
                 break;
             case Node::Close:
                 for (auto it = active.rbegin(); it != active.rend(); ++it) {
@@ -737,7 +751,9 @@ private:
                 }
                 break;
             case Node::Text: {
-                if (node.text.isEmpty())
+                const QStringView text
+                    = QStringView(m_text).sliced(node.textStart, node.textLength);
+                if (text.isEmpty())
                     break;
                 int attributes = 0;
                 QString destination;
@@ -748,7 +764,7 @@ private:
                         destination = a.destination;
                 }
                 if (attributes) {
-                    MarkdownRun run {out.text.size(), node.text.size(), attributes, destination};
+                    MarkdownRun run {out.text.size(), text.size(), attributes, destination};
                     if (!out.runs.isEmpty()
                         && out.runs.last().start + out.runs.last().length == run.start
                         && out.runs.last().attributes == run.attributes
@@ -758,7 +774,7 @@ private:
                         out.runs.append(run);
                     }
                 }
-                out.text += node.text;
+                out.text += text;
             }
             }
         }
@@ -769,6 +785,8 @@ private:
     const qsizetype m_size;
     QString m_pending;
     std::vector<Node> m_nodes;
+    QString m_text;
+    std::vector<QString> m_destinations;
     int m_first = -1;
     int m_last = -1;
     std::vector<Delimiter> m_delimiters;
