@@ -45,6 +45,33 @@ const Project *activeProject(const Library &library)
     return index < 0 ? nullptr : &library.projects.at(index);
 }
 
+qsizetype sectionIndex(const Project &project, const QUuid &id)
+{
+    for (qsizetype i = 0; i < project.sections.size(); ++i) {
+        if (project.sections.at(i).id == id)
+            return i;
+    }
+    return -1;
+}
+
+qsizetype projectIndex(const Library &library, const QUuid &id)
+{
+    for (qsizetype i = 0; i < library.projects.size(); ++i) {
+        if (library.projects.at(i).id == id)
+            return i;
+    }
+    return -1;
+}
+
+qsizetype inboxSectionIndex(const Project &project)
+{
+    for (qsizetype i = 0; i < project.sections.size(); ++i) {
+        if (titlesEqual(project.sections.at(i).title, QStringLiteral("Inbox")))
+            return i;
+    }
+    return -1;
+}
+
 qsizetype noteCount(const Library &library)
 {
     qsizetype count = 0;

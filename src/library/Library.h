@@ -119,6 +119,16 @@ qsizetype activeProjectIndex(const Library &library);
 //! The project that activeProjectIndex() names, or nullptr.
 const Project *activeProject(const Library &library);
 
+//! The index of the section \a id in \a project, or -1.
+qsizetype sectionIndex(const Project &project, const QUuid &id);
+
+//! The index of the project \a id in \a library, or -1.
+qsizetype projectIndex(const Library &library, const QUuid &id);
+
+//! The index of the first section of \a project titled "Inbox", in any case
+//! and of either kind, or -1.
+qsizetype inboxSectionIndex(const Project &project);
+
 //! The number of notes over all projects and sections.
 qsizetype noteCount(const Library &library);
 

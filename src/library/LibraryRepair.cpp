@@ -17,15 +17,6 @@ QString noteSourceTitle(const Note &note)
     return sourceSectionTitle(note.source->appName, note.source->windowTitle);
 }
 
-qsizetype indexOfSection(const Project &project, const QUuid &id)
-{
-    for (qsizetype i = 0; i < project.sections.size(); ++i) {
-        if (project.sections.at(i).id == id)
-            return i;
-    }
-    return -1;
-}
-
 QList<QUuid> automaticSectionIDs(const Project &project)
 {
     QList<QUuid> ids;
@@ -66,7 +57,7 @@ bool gatherIntoKeepers(Project &project, IsCandidate isCandidate, Take take)
 {
     bool changed = false;
     for (const QUuid &keeperID : automaticSectionIDs(project)) {
-        qsizetype keeper = indexOfSection(project, keeperID);
+        qsizetype keeper = sectionIndex(project, keeperID);
         if (keeper < 0 || !project.sections.at(keeper).isAutomatic)
             continue;
         const QString title = project.sections.at(keeper).title;
@@ -195,12 +186,10 @@ bool repairActiveSections(Library &library)
         }
         changed |= migrateLegacySections(project, oldVersion < libraryFormatVersion);
 
-        if (project.activeSectionID && indexOfSection(project, *project.activeSectionID) >= 0)
+        if (project.activeSectionID && sectionIndex(project, *project.activeSectionID) >= 0)
             continue;
-        auto inbox = std::find_if(project.sections.cbegin(), project.sections.cend(),
-            [](const NoteSection &section) { return titlesEqual(section.title, inboxTitle); });
-        project.activeSectionID
-            = inbox != project.sections.cend() ? inbox->id : project.sections.first().id;
+        const qsizetype inbox = inboxSectionIndex(project);
+        project.activeSectionID = project.sections.at(inbox >= 0 ? inbox : 0).id;
         changed = true;
     }
     return changed;

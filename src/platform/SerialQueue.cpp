@@ -28,19 +28,9 @@ SerialQueue::~SerialQueue()
     m_thread.wait();
 }
 
-QString SerialQueue::label() const
-{
-    return m_thread.objectName();
-}
-
 void SerialQueue::async(std::function<void()> job)
 {
     QMetaObject::invokeMethod(m_context, std::move(job), Qt::QueuedConnection);
-}
-
-bool SerialQueue::isCurrentThread() const
-{
-    return QThread::currentThread() == &m_thread;
 }
 
 } // namespace Vesko

@@ -27,8 +27,6 @@ public:
     SerialQueue(const SerialQueue &) = delete;
     SerialQueue &operator=(const SerialQueue &) = delete;
 
-    QString label() const;
-
     //! Runs \a job on the queue's thread after the jobs before it.
     void async(std::function<void()> job);
 
@@ -46,8 +44,6 @@ public:
             return result;
         }
     }
-
-    bool isCurrentThread() const;
 
 private:
     QThread m_thread;

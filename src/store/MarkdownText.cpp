@@ -91,13 +91,13 @@ public:
                 break;
             case '[':
                 flushText();
-                pushBracket(appendNode(Node::Text, QStringLiteral("[")), false, i);
+                pushBracket(appendNode(Node::Text, QStringLiteral("[")), false);
                 ++i;
                 break;
             case '!':
                 if (i + 1 < m_size && m_source.at(i + 1) == u'[') {
                     flushText();
-                    pushBracket(appendNode(Node::Text, QStringLiteral("![")), true, i);
+                    pushBracket(appendNode(Node::Text, QStringLiteral("![")), true);
                     i += 2;
                 } else {
                     m_pending += c;
@@ -570,7 +570,7 @@ private:
 
     // -- links ----------------------------------------------------------------------
 
-    void pushBracket(int node, bool image, qsizetype)
+    void pushBracket(int node, bool image)
     {
         m_brackets.push_back(Bracket {node, image, true, m_delimiterTop, m_bracketTop});
         m_bracketTop = int(m_brackets.size()) - 1;

@@ -90,29 +90,18 @@ std::optional<Note> Store::addNote(const QString &text, std::optional<QUuid> sec
 
     // A library without projects has nowhere to put a note but a new unsaved
     // project; the repair at the next start gives it a default one anyway.
-    qsizetype projectIndex = activeProjectIndex(m_library);
-    if (projectIndex < 0) {
+    qsizetype activeIndex = activeProjectIndex(m_library);
+    if (activeIndex < 0) {
         m_library.projects.append(activeProject());
-        projectIndex = 0;
+        activeIndex = 0;
     }
-    Project &project = m_library.projects[projectIndex];
+    Project &project = m_library.projects[activeIndex];
 
-    qsizetype target = -1;
-    if (sectionID) {
-        for (qsizetype i = 0; i < project.sections.size() && target < 0; ++i) {
-            if (project.sections.at(i).id == *sectionID)
-                target = i;
-        }
-    }
-    if (target < 0 && sectionTitle) {
+    qsizetype target = sectionID ? sectionIndex(project, *sectionID) : -1;
+    if (target < 0 && sectionTitle)
         target = findOrCreateSection(project, *sectionTitle, isAutomaticSection);
-    }
-    if (target < 0 && project.activeSectionID) {
-        for (qsizetype i = 0; i < project.sections.size() && target < 0; ++i) {
-            if (project.sections.at(i).id == *project.activeSectionID)
-                target = i;
-        }
-    }
+    if (target < 0 && project.activeSectionID)
+        target = sectionIndex(project, *project.activeSectionID);
     if (target < 0) {
         target = findOrCreateSection(project, QStringLiteral("Inbox"), false);
         project.activeSectionID = project.sections.at(target).id;
@@ -272,11 +261,11 @@ void Store::purgeAttachmentFiles(const QList<NoteAttachment> &attachments)
 
 void Store::clearCompleted()
 {
-    const qsizetype projectIndex = activeProjectIndex(m_library);
-    if (projectIndex < 0)
+    const qsizetype activeIndex = activeProjectIndex(m_library);
+    if (activeIndex < 0)
         return;
     QSet<QUuid> done;
-    for (const NoteSection &section : m_library.projects.at(projectIndex).sections) {
+    for (const NoteSection &section : m_library.projects.at(activeIndex).sections) {
         for (const Note &note : section.notes) {
             if (note.isDone)
                 done.insert(note.id);
@@ -376,15 +365,13 @@ void Store::moveNotesToProject(
     const QList<Note> notes = visibleNotesAmong(ids);
     if (notes.isEmpty())
         return;
-    const auto project = std::find_if(m_library.projects.cbegin(), m_library.projects.cend(),
-        [&](const Project &candidate) { return candidate.id == projectID; });
-    if (project == m_library.projects.cend())
+    const qsizetype index = projectIndex(m_library, projectID);
+    if (index < 0)
         return;
-    const qsizetype projectIndex = project - m_library.projects.cbegin();
 
     recordUndo();
     stripNotes(idsOf(notes));
-    Project &target = m_library.projects[projectIndex];
+    Project &target = m_library.projects[index];
     const qsizetype section = findOrCreateSection(target, sectionTitle, false);
     target.sections[section].notes.append(notes);
     pruneEmptyAutomaticSections();

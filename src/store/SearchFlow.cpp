@@ -27,11 +27,7 @@ void Store::runSearch()
     const QString q = SearchIndex::normalizedQuery(m_searchText);
     if (q.isEmpty()) {
         // No search: everything shows again at once.
-        if (!m_currentMatches.noteIDs.isEmpty() || !m_currentMatches.sectionIDs.isEmpty()) {
-            m_currentMatches = {};
-            Q_EMIT currentMatchesChanged();
-        }
-        m_appliedSearchQuery.clear();
+        forgetSearchResult();
         rebuildRows();
         return;
     }
@@ -44,6 +40,15 @@ void Store::runSearch()
     m_pendingSearch = {q, activeProject(), m_library, m_libraryRevision};
     m_searchCancellation = Cancellation();
     m_searchTimer.start();
+}
+
+void Store::forgetSearchResult()
+{
+    if (!m_currentMatches.noteIDs.isEmpty() || !m_currentMatches.sectionIDs.isEmpty()) {
+        m_currentMatches = {};
+        Q_EMIT currentMatchesChanged();
+    }
+    m_appliedSearchQuery.clear();
 }
 
 void Store::startPendingSearch()

@@ -10,30 +10,6 @@
 
 namespace Vesko {
 
-namespace {
-
-const QString inboxTitle = QStringLiteral("Inbox");
-
-qsizetype indexOf(const QList<NoteSection> &sections, const QUuid &id)
-{
-    for (qsizetype i = 0; i < sections.size(); ++i) {
-        if (sections.at(i).id == id)
-            return i;
-    }
-    return -1;
-}
-
-qsizetype indexOf(const QList<Project> &projects, const QUuid &id)
-{
-    for (qsizetype i = 0; i < projects.size(); ++i) {
-        if (projects.at(i).id == id)
-            return i;
-    }
-    return -1;
-}
-
-} // namespace
-
 qsizetype Store::findOrCreateSection(Project &project, const QString &title, bool automatic)
 {
     for (qsizetype i = 0; i < project.sections.size(); ++i) {
@@ -64,15 +40,15 @@ std::optional<NoteSection> Store::createOrUseSection(const QString &title)
         }
     }
 
-    const qsizetype projectIndex = activeProjectIndex(m_library);
-    if (projectIndex < 0)
+    const qsizetype activeIndex = activeProjectIndex(m_library);
+    if (activeIndex < 0)
         return std::nullopt;
     recordUndo();
     NoteSection section;
     section.id = makeID();
     section.title = cleaned;
     section.createdAt = currentDate();
-    Project &target = m_library.projects[projectIndex];
+    Project &target = m_library.projects[activeIndex];
     target.sections.append(section);
     target.activeSectionID = section.id;
     setSelection({}, std::nullopt);
@@ -82,18 +58,18 @@ std::optional<NoteSection> Store::createOrUseSection(const QString &title)
 
 void Store::activateSection(const QUuid &id)
 {
-    const qsizetype projectIndex = activeProjectIndex(m_library);
-    if (projectIndex < 0)
+    const qsizetype activeIndex = activeProjectIndex(m_library);
+    if (activeIndex < 0)
         return;
-    const Project &project = m_library.projects.at(projectIndex);
-    const qsizetype sectionIndex = indexOf(project.sections, id);
-    if (sectionIndex < 0 || project.activeSectionID == id)
+    const Project &project = m_library.projects.at(activeIndex);
+    const qsizetype index = sectionIndex(project, id);
+    if (index < 0 || project.activeSectionID == id)
         return;
 
     recordUndo();
-    Project &target = m_library.projects[projectIndex];
+    Project &target = m_library.projects[activeIndex];
     target.activeSectionID = id;
-    target.sections[sectionIndex].isCollapsed = false;
+    target.sections[index].isCollapsed = false;
     setSelection({}, std::nullopt);
     clearSearchText();
     commit();
@@ -120,7 +96,7 @@ void Store::renameSection(const QUuid &id, const QString &title)
 void Store::renameProject(const QUuid &id, const QString &name)
 {
     const QString cleaned = name.trimmed();
-    const qsizetype index = indexOf(m_library.projects, id);
+    const qsizetype index = projectIndex(m_library, id);
     if (cleaned.isEmpty() || index < 0)
         return;
     recordUndo();
@@ -130,37 +106,37 @@ void Store::renameProject(const QUuid &id, const QString &name)
 
 void Store::moveSection(const QUuid &id, int by)
 {
-    const qsizetype projectIndex = activeProjectIndex(m_library);
-    if (projectIndex < 0)
+    const qsizetype activeIndex = activeProjectIndex(m_library);
+    if (activeIndex < 0)
         return;
-    const QList<NoteSection> &sections = m_library.projects.at(projectIndex).sections;
-    const qsizetype from = indexOf(sections, id);
+    const Project &project = m_library.projects.at(activeIndex);
+    const qsizetype from = sectionIndex(project, id);
     const qsizetype to = from + by;
-    if (from < 0 || to < 0 || to >= sections.size())
+    if (from < 0 || to < 0 || to >= project.sections.size())
         return;
     recordUndo();
-    m_library.projects[projectIndex].sections.swapItemsAt(from, to);
+    m_library.projects[activeIndex].sections.swapItemsAt(from, to);
     commit();
 }
 
 void Store::moveSection(const QUuid &id, const std::optional<QUuid> &before)
 {
-    const qsizetype projectIndex = activeProjectIndex(m_library);
-    if (projectIndex < 0)
+    const qsizetype activeIndex = activeProjectIndex(m_library);
+    if (activeIndex < 0)
         return;
-    const QList<NoteSection> &sections = m_library.projects.at(projectIndex).sections;
-    const qsizetype from = indexOf(sections, id);
+    const Project &project = m_library.projects.at(activeIndex);
+    const qsizetype from = sectionIndex(project, id);
     if (from < 0)
         return;
-    qsizetype destination = before ? indexOf(sections, *before) : -1;
+    qsizetype destination = before ? sectionIndex(project, *before) : -1;
     if (destination < 0)
-        destination = sections.size();
+        destination = project.sections.size();
     const qsizetype to = from < destination ? destination - 1 : destination;
     if (to == from)
         return;
 
     recordUndo();
-    QList<NoteSection> &target = m_library.projects[projectIndex].sections;
+    QList<NoteSection> &target = m_library.projects[activeIndex].sections;
     const NoteSection moving = target.takeAt(from);
     target.insert(std::clamp<qsizetype>(to, 0, target.size()), moving);
     commit();
@@ -181,19 +157,19 @@ void Store::expandSection(const QUuid &id)
 
 void Store::collapseAllSections()
 {
-    const qsizetype projectIndex = activeProjectIndex(m_library);
-    if (projectIndex < 0)
+    const qsizetype activeIndex = activeProjectIndex(m_library);
+    if (activeIndex < 0)
         return;
-    for (NoteSection &section : m_library.projects[projectIndex].sections)
+    for (NoteSection &section : m_library.projects[activeIndex].sections)
         section.isCollapsed = true;
 }
 
 void Store::expandAllSections()
 {
-    const qsizetype projectIndex = activeProjectIndex(m_library);
-    if (projectIndex < 0)
+    const qsizetype activeIndex = activeProjectIndex(m_library);
+    if (activeIndex < 0)
         return;
-    for (NoteSection &section : m_library.projects[projectIndex].sections)
+    for (NoteSection &section : m_library.projects[activeIndex].sections)
         section.isCollapsed = false;
 }
 
@@ -211,14 +187,13 @@ void Store::deleteSection(const QUuid &id)
 
     recordUndo();
     for (Project &project : m_library.projects) {
-        if (indexOf(std::as_const(project).sections, id) < 0)
+        if (sectionIndex(std::as_const(project), id) < 0)
             continue;
         project.sections.removeIf([&](const NoteSection &section) { return section.id == id; });
         if (project.activeSectionID == id) {
-            const auto inbox = std::find_if(project.sections.cbegin(), project.sections.cend(),
-                [](const NoteSection &section) { return titlesEqual(section.title, inboxTitle); });
-            if (inbox != project.sections.cend())
-                project.activeSectionID = inbox->id;
+            const qsizetype inbox = inboxSectionIndex(project);
+            if (inbox >= 0)
+                project.activeSectionID = project.sections.at(inbox).id;
             else if (!project.sections.isEmpty())
                 project.activeSectionID = project.sections.first().id;
             else
@@ -262,7 +237,7 @@ std::optional<Project> Store::createProject(const QString &name)
 
 void Store::deleteProject(const QUuid &id)
 {
-    const qsizetype index = indexOf(m_library.projects, id);
+    const qsizetype index = projectIndex(m_library, id);
     if (index < 0)
         return;
     QList<NoteAttachment> attachments;
@@ -292,7 +267,7 @@ void Store::switchProject(const QUuid &id)
     if (m_library.activeProjectID == id)
         return;
     m_library.activeProjectID = id;
-    const qsizetype index = indexOf(m_library.projects, id);
+    const qsizetype index = projectIndex(m_library, id);
     if (index >= 0) {
         Project &project = m_library.projects[index];
         if (!project.activeSectionID && !project.sections.isEmpty())

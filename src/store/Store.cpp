@@ -293,7 +293,15 @@ void Store::reloadLibrary()
 
 void Store::clearSearchText()
 {
-    setSearchText(QString());
+    if (m_searchText.isEmpty())
+        return;
+    // Every caller commits right after, which rebuilds the unfiltered rows:
+    // only the search state is reset here, so that the rows are built once.
+    m_searchTimer.stop();
+    m_searchCancellation.cancel();
+    m_searchText.clear();
+    forgetSearchResult();
+    Q_EMIT searchTextChanged();
 }
 
 } // namespace Vesko

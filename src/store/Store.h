@@ -255,6 +255,7 @@ private:
     void setSelectionAnchor(std::optional<QUuid> anchor);
     void setExpandedNoteIDs(const QSet<QUuid> &ids);
     void saveNow();
+    //! Ends a search without rebuilding the rows; for operations that commit next.
     void clearSearchText();
     //! The visible notes whose ids are among \a ids, in row order.
     QList<Note> visibleNotesAmong(const QList<QUuid> &ids) const;
@@ -271,6 +272,8 @@ private:
     //! Cancels the running search and starts one for the present text.
     void runSearch();
     void startPendingSearch();
+    //! Drops the applied search result and its query.
+    void forgetSearchResult();
     void applySearchResult(const SearchMatches &matches, const QString &query, quint64 revision);
 
     Library m_library;
