@@ -164,6 +164,14 @@ void MarkdownTextTest::parse_data()
                                           << "[a](b c)";
     QTest::newRow("no link in link") << "[foo [bar](/uri)](/uri2)"
                                      << "[foo {L(/uri):bar}](/uri2)";
+    QTest::newRow("links after a link") << "[a [b](c) [d](e)](f)"
+                                        << "[a {L(c):b} {L(e):d}](f)";
+    QTest::newRow("opener under a link stays text") << "[x [a](b) [c] y](z)"
+                                                    << "[x {L(b):a} [c] y](z)";
+    QTest::newRow("link in image") << "![foo [bar](/u)](/i)"
+                                   << "{I(/i):foo }{L(/u)I(/u):bar}";
+    QTest::newRow("text around link") << "x [[y](z) w"
+                                      << "x [{L(z):y} w";
     QTest::newRow("emphasis in link")
         << "[link *foo **bar** `#`*](/uri)"
         << "{L(/uri):link }{EL(/uri):foo }{ESL(/uri):bar}{EL(/uri): }{ECL(/uri):#}";

@@ -90,14 +90,14 @@ public:
                 i = delimiterRun(i);
                 break;
             case '[':
-                flushText();
-                pushBracket(appendNode(Node::Text, QStringLiteral("[")), false);
+                pushBracket(false);
+                m_pending += c;
                 ++i;
                 break;
             case '!':
                 if (i + 1 < m_size && m_source.at(i + 1) == u'[') {
-                    flushText();
-                    pushBracket(appendNode(Node::Text, QStringLiteral("![")), true);
+                    pushBracket(true);
+                    m_pending += QStringLiteral("![");
                     i += 2;
                 } else {
                     m_pending += c;
@@ -144,13 +144,15 @@ private:
         int next = -1;
     };
 
+    // An opening bracket stays plain text until its link closes; a run of
+    // brackets costs no node of its own. Its characters are at \a offset in
+    // m_text, inside the text node that will get the index \a node.
     struct Bracket
     {
         int node;
-        bool image;
-        bool active = true;
+        int offset;
         int delimiterTop; // the top delimiter when the bracket was pushed
-        int prev = -1;
+        bool image;
     };
 
     // -- nodes ------------------------------------------------------------------
@@ -570,48 +572,55 @@ private:
 
     // -- links ----------------------------------------------------------------------
 
-    void pushBracket(int node, bool image)
+    void pushBracket(bool image)
     {
-        m_brackets.push_back(Bracket {node, image, true, m_delimiterTop, m_bracketTop});
-        m_bracketTop = int(m_brackets.size()) - 1;
+        // Every node is made by a flush of the pending text before any other
+        // node, so the text that holds this bracket gets the next index.
+        m_brackets.push_back(Bracket {
+            int(m_nodes.size()), int(m_text.size() + m_pending.size()), m_delimiterTop, image});
+    }
+
+    Bracket popBracket()
+    {
+        const Bracket bracket = m_brackets.back();
+        m_brackets.pop_back();
+        m_linkOpenersBottom = std::min(m_linkOpenersBottom, m_brackets.size());
+        return bracket;
     }
 
     qsizetype closeBracket(qsizetype i)
     {
-        flushText();
-        if (m_bracketTop < 0) {
+        if (m_brackets.empty()) {
             m_pending += u']';
             return i + 1;
         }
-        Bracket bracket = m_brackets[m_bracketTop];
-        m_bracketTop = bracket.prev;
-        if (!bracket.active) {
-            m_pending += u']';
-            return i + 1;
-        }
+        // A link opener under a link that has closed can no longer open one.
+        const bool active = m_brackets.back().image || m_brackets.size() > m_linkOpenersBottom;
+        const Bracket bracket = popBracket();
         QString destination;
-        const qsizetype after = inlineLinkTail(i + 1, &destination);
+        const qsizetype after = active ? inlineLinkTail(i + 1, &destination) : -1;
         if (after < 0) {
             m_pending += u']';
             return i + 1;
         }
 
+        flushText();
         const int attribute = bracket.image ? MarkdownRun::Image : MarkdownRun::Link;
-        Node &opener = m_nodes[bracket.node];
-        opener.kind = Node::Open;
-        opener.textLength = 0;
-        opener.attribute = attribute;
+        const int holder = bracket.node;
+        const int holderEnd = m_nodes[holder].textStart + m_nodes[holder].textLength;
+        const int contentStart = bracket.offset + (bracket.image ? 2 : 1);
+        m_nodes[holder].textLength = bracket.offset - m_nodes[holder].textStart;
+        const int open = insertAfter(holder, Node::Open, attribute);
         m_destinations.push_back(destination);
-        opener.destination = int(m_destinations.size()) - 1;
+        m_nodes[open].destination = int(m_destinations.size()) - 1;
+        const int content = insertAfter(open, Node::Text, 0);
+        m_nodes[content].textStart = contentStart;
+        m_nodes[content].textLength = holderEnd - contentStart;
+
         processEmphasis(bracket.delimiterTop);
         appendNode(Node::Close, QString(), attribute);
-        if (!bracket.image) {
-            // No links inside links.
-            for (int b = m_bracketTop; b >= 0; b = m_brackets[b].prev) {
-                if (!m_brackets[b].image)
-                    m_brackets[b].active = false;
-            }
-        }
+        if (!bracket.image)
+            m_linkOpenersBottom = m_brackets.size(); // no links inside links
         return after;
     }
 
@@ -792,7 +801,7 @@ private:
     std::vector<Delimiter> m_delimiters;
     int m_delimiterTop = -1;
     std::vector<Bracket> m_brackets;
-    int m_bracketTop = -1;
+    size_t m_linkOpenersBottom = 0;
     std::map<qsizetype, std::vector<qsizetype>> m_backtickRuns;
 };
 
