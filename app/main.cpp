@@ -1,37 +1,65 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The vesko program: reads the library into the Store, runs until it is asked
-// to quit, and writes the library on the way out.
+// The vesko program. A second launch hands "reopen" to the running process and
+// ends. The first reads the library into the Store before anything else,
+// shows the floating panel once the event loop runs, and writes the library
+// on the way out, however it is asked to end.
 
 #include "library/Library.h"
+#include "panel/PanelController.h"
+#include "panel/PanelState.h"
 #include "platform/Logging.h"
 #include "platform/TerminationSignals.h"
+#include "shell/AppDelegate.h"
 #include "shell/Preferences.h"
+#include "shell/SingleInstance.h"
+#include "shell/Theme.h"
+#include "shell/TrayIcon.h"
 #include "store/Store.h"
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QTimer>
 
 using namespace Vesko;
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication app(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("Vesko"));
-    QCoreApplication::setApplicationName(QStringLiteral("Vesko"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(VESKO_VERSION));
+    QApplication::setOrganizationName(QStringLiteral("Vesko"));
+    QApplication::setApplicationName(QStringLiteral("Vesko"));
+    QApplication::setApplicationVersion(QStringLiteral(VESKO_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("vesko"));
+    QApplication app(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(Theme::applicationIcon());
+
+    SingleInstance instance;
+    if (instance.forwardReopen())
+        return 0;
+    if (const std::optional<QString> failure = instance.listen())
+        qCWarning(lcStorage, "Cannot accept other launches: %s", qUtf8Printable(*failure));
 
     // The Store first: the library is read and repaired before anything else runs.
     Store &store = Store::shared();
-    Preferences::shared();
+    Preferences &preferences = Preferences::shared();
     qCInfo(lcStorage, "Library at %s: %lld projects, %lld notes",
-        qUtf8Printable(Preferences::shared().libraryPath()),
-        qlonglong(store.library().projects.size()), qlonglong(noteCount(store.library())));
+        qUtf8Printable(preferences.libraryPath()), qlonglong(store.library().projects.size()),
+        qlonglong(noteCount(store.library())));
 
+    PanelController &panel = PanelController::shared();
+    AppDelegate delegate(store, preferences, panel, {});
+    TrayIcon tray(panel, preferences);
+
+    QObject::connect(
+        &instance, &SingleInstance::reopenRequested, &delegate, &AppDelegate::handleReopen);
+    QObject::connect(&tray, &TrayIcon::quitRequested, &app, &QApplication::quit);
     TerminationSignals terminationSignals;
-    QObject::connect(&terminationSignals, &TerminationSignals::terminationRequested, &app,
-        [] { QCoreApplication::quit(); });
+    QObject::connect(
+        &terminationSignals, &TerminationSignals::terminationRequested, &app, &QApplication::quit);
+    // Quit Vesko, the session's logout and the signals all end here.
+    QObject::connect(&app, &QApplication::aboutToQuit, &delegate, &AppDelegate::willTerminate);
 
+    QTimer::singleShot(0, &delegate, &AppDelegate::didFinishLaunching);
     const int status = app.exec();
-    store.flushSave();
+    delegate.willTerminate();
     return status;
 }

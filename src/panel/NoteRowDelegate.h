@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Paints the panel's rows: a section header (title, open count, hairline) or
+// a note card (its text without Markdown, its source line), in the Theme's
+// colours. A note shows at most four lines of its text.
+
+#pragma once
+
+#include <QStyledItemDelegate>
+
+namespace Vesko {
+
+class NoteRowDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+        const QModelIndex &index) const override;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+};
+
+} // namespace Vesko

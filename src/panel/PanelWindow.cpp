@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "panel/PanelWindow.h"
+
+#include "shell/Theme.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QWindow>
+
+namespace Vesko {
+
+namespace {
+
+constexpr int resizeRim = 4;
+
+//! A transparent strip along one edge: a press moves the window, or resizes
+//! it when the press is on the outer rim.
+class DragStrip : public QWidget
+{
+public:
+    DragStrip(Qt::Edge edge, QWidget *parent)
+        : QWidget(parent)
+        , m_edge(edge)
+    {
+        setMouseTracking(true);
+        setAttribute(Qt::WA_NoSystemBackground);
+    }
+
+    Qt::Edge edge() const { return m_edge; }
+
+protected:
+    void mouseMoveEvent(QMouseEvent *event) override
+    {
+        setCursor(resizeEdges(event->position().toPoint())
+                ? cursorFor(resizeEdges(event->position().toPoint()))
+                : Qt::ArrowCursor);
+    }
+
+    void mousePressEvent(QMouseEvent *event) override
+    {
+        if (event->button() != Qt::LeftButton)
+            return;
+        QWindow *window = this->window()->windowHandle();
+        if (!window)
+            return;
+        const Qt::Edges edges = resizeEdges(event->position().toPoint());
+        if (edges)
+            window->startSystemResize(edges);
+        else
+            window->startSystemMove();
+    }
+
+private:
+    //! The window edges under \a point when it lies on the outer rim.
+    Qt::Edges resizeEdges(QPoint point) const
+    {
+        const QPoint inWindow = mapTo(window(), point);
+        const QSize size = window()->size();
+        Qt::Edges edges;
+        const int corner = PanelWindow::cornerRadius;
+        if (inWindow.x() < resizeRim || (inWindow.x() < corner && inWindow.y() < resizeRim)
+            || (inWindow.x() < corner && inWindow.y() >= size.height() - resizeRim))
+            edges |= Qt::LeftEdge;
+        if (inWindow.x() >= size.width() - resizeRim
+            || (inWindow.x() >= size.width() - corner
+                && (inWindow.y() < resizeRim || inWindow.y() >= size.height() - resizeRim)))
+            edges |= Qt::RightEdge;
+        if (inWindow.y() < resizeRim)
+            edges |= Qt::TopEdge;
+        if (inWindow.y() >= size.height() - resizeRim)
+            edges |= Qt::BottomEdge;
+        return edges;
+    }
+
+    static Qt::CursorShape cursorFor(Qt::Edges edges)
+    {
+        const bool horizontal = edges & (Qt::LeftEdge | Qt::RightEdge);
+        const bool vertical = edges & (Qt::TopEdge | Qt::BottomEdge);
+        if (horizontal && vertical) {
+            const bool falling = (edges & Qt::LeftEdge && edges & Qt::TopEdge)
+                || (edges & Qt::RightEdge && edges & Qt::BottomEdge);
+            return falling ? Qt::SizeFDiagCursor : Qt::SizeBDiagCursor;
+        }
+        return horizontal ? Qt::SizeHorCursor : Qt::SizeVerCursor;
+    }
+
+    Qt::Edge m_edge;
+};
+
+} // namespace
+
+PanelWindow::PanelWindow(Qt::WindowFlags flags)
+    : QWidget(nullptr, flags)
+{
+    setObjectName(QStringLiteral("VeskoPanel"));
+    setWindowTitle(QStringLiteral("Vesko"));
+    setAttribute(Qt::WA_TranslucentBackground);
+    setMinimumSize(280, 320);
+    setMaximumSize(640, 1600);
+    for (Qt::Edge edge : {Qt::TopEdge, Qt::BottomEdge, Qt::LeftEdge, Qt::RightEdge})
+        m_strips.append(new DragStrip(edge, this));
+}
+
+void PanelWindow::setContent(QWidget *content)
+{
+    delete m_content;
+    m_content = content;
+    m_content->setParent(this);
+    m_content->setGeometry(rect());
+    m_content->show();
+    placeStrips();
+}
+
+void PanelWindow::setTranslucent(bool translucent)
+{
+    if (m_translucent == translucent)
+        return;
+    m_translucent = translucent;
+    updateMask();
+    update();
+}
+
+void PanelWindow::placeStrips()
+{
+    const int w = width();
+    const int h = height();
+    const int s = dragStripWidth;
+    for (QWidget *widget : m_strips) {
+        auto *strip = static_cast<DragStrip *>(widget);
+        switch (strip->edge()) {
+        case Qt::TopEdge:
+            strip->setGeometry(0, 0, w, s);
+            break;
+        case Qt::BottomEdge:
+            strip->setGeometry(0, h - s, w, s);
+            break;
+        case Qt::LeftEdge:
+            strip->setGeometry(0, s, s, h - 2 * s);
+            break;
+        case Qt::RightEdge:
+            strip->setGeometry(w - s, s, s, h - 2 * s);
+            break;
+        }
+        strip->raise();
+    }
+}
+
+void PanelWindow::updateMask()
+{
+    if (m_translucent) {
+        clearMask();
+        return;
+    }
+    QPainterPath path;
+    path.addRoundedRect(QRectF(rect()), cornerRadius, cornerRadius);
+    setMask(QRegion(path.toFillPolygon().toPolygon()));
+}
+
+void PanelWindow::paintEvent(QPaintEvent *)
+{
+    const ThemeColors colors = Theme::currentColors();
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.fillRect(rect(), Qt::transparent);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    QPainterPath path;
+    path.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+    QColor surface = colors.panelSurface;
+    if (!m_translucent)
+        surface.setAlpha(255);
+    painter.fillPath(path, surface);
+    painter.setPen(QPen(colors.panelStroke, 1));
+    painter.drawPath(path);
+    if (m_awaitingFirstFrame) {
+        m_awaitingFirstFrame = false;
+        Q_EMIT firstFramePainted();
+    }
+}
+
+void PanelWindow::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    if (m_content)
+        m_content->setGeometry(rect());
+    placeStrips();
+    updateMask();
+    Q_EMIT resized();
+}
+
+void PanelWindow::moveEvent(QMoveEvent *event)
+{
+    QWidget::moveEvent(event);
+    Q_EMIT moved();
+}
+
+void PanelWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
+        Q_EMIT cancelOperationRequested();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+void PanelWindow::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    m_awaitingFirstFrame = true;
+}
+
+void PanelWindow::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        Q_EMIT becameActive();
+}
+
+} // namespace Vesko

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "shell/AppDelegate.h"
+
+#include "panel/PanelController.h"
+#include "shell/Preferences.h"
+#include "shell/Theme.h"
+#include "store/Store.h"
+
+namespace Vesko {
+
+namespace {
+
+void call(const std::function<void()> &hook)
+{
+    if (hook)
+        hook();
+}
+
+} // namespace
+
+AppDelegate::AppDelegate(
+    Store &store, Preferences &preferences, PanelController &panel, Hooks hooks, QObject *parent)
+    : QObject(parent)
+    , m_store(store)
+    , m_preferences(preferences)
+    , m_panel(panel)
+    , m_hooks(std::move(hooks))
+{
+    connect(&m_preferences, &Preferences::appearanceAssigned, this,
+        [](AppAppearance appearance) { Theme::applyAppearance(appearance); });
+    connect(&m_preferences, &Preferences::showsInDockAssigned, this,
+        &AppDelegate::applyActivationPolicy);
+}
+
+void AppDelegate::didFinishLaunching()
+{
+    Theme::applyAppearance(m_preferences.appearance());
+    applyActivationPolicy();
+    call(m_hooks.refreshTrust);
+    call(m_hooks.startCapture);
+    call(m_hooks.refreshTrust);
+    if (m_hooks.isTrusted && !m_hooks.isTrusted()) {
+        call(m_hooks.requestAccess);
+        call(m_hooks.showSettings);
+    }
+    m_panel.show(true, true);
+}
+
+void AppDelegate::handleReopen()
+{
+    m_panel.show(true, true);
+}
+
+void AppDelegate::willTerminate()
+{
+    if (m_terminated)
+        return;
+    m_terminated = true;
+    m_store.flushSave();
+    call(m_hooks.unregisterHotKeys);
+}
+
+void AppDelegate::applyActivationPolicy()
+{
+    m_panel.setShowsInTaskbar(m_preferences.showsInDock());
+}
+
+} // namespace Vesko

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Vesko's icon in the desktop's system tray, shown while showsInMenuBar is
+// on, with its menu built afresh each time it opens. Without a tray the
+// program runs all the same.
+
+#pragma once
+
+#include <QObject>
+
+class QMenu;
+class QSystemTrayIcon;
+
+namespace Vesko {
+
+class PanelController;
+class Preferences;
+
+class TrayIcon : public QObject
+{
+    Q_OBJECT
+
+public:
+    TrayIcon(PanelController &panel, Preferences &preferences, QObject *parent = nullptr);
+    ~TrayIcon() override;
+
+    //! The entries of the menu as it would open now; for tests.
+    QStringList menuTitles();
+
+Q_SIGNALS:
+    void quitRequested();
+
+private:
+    void rebuildMenu();
+    void applyVisibility();
+
+    PanelController &m_panel;
+    Preferences &m_preferences;
+    QSystemTrayIcon *m_icon = nullptr;
+    QMenu *m_menu = nullptr;
+};
+
+} // namespace Vesko
