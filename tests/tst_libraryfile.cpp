@@ -10,6 +10,7 @@
 #include "library/LibraryCoding.h"
 #include "library/LibraryFile.h"
 #include "library/LibraryWriter.h"
+#include "platform/SettingsFile.h"
 
 #include <QDir>
 #include <QSettings>
@@ -131,9 +132,7 @@ void LibraryFileTest::init()
     m_folder = Test::IsolatedEnvironment::current().root()
         + QStringLiteral("/case-%1/Vesko").arg(++counter);
     m_path = m_folder + QStringLiteral("/Library.json");
-    QSettings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("Vesko"),
-        QStringLiteral("Vesko"))
-        .clear();
+    openSettingsFile()->clear();
 }
 
 void LibraryFileTest::missingFileGivesNewLibraryAndWritesNothing()
@@ -161,8 +160,8 @@ void LibraryFileTest::libraryPathPreference()
 {
     QFETCH(QVariant, stored);
     QFETCH(bool, usesDefault);
-    QSettings settings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("Vesko"),
-        QStringLiteral("Vesko"));
+    const std::unique_ptr<QSettings> file = openSettingsFile();
+    QSettings &settings = *file;
     if (stored.isValid())
         settings.setValue(QStringLiteral("libraryPath"), stored);
     settings.sync();

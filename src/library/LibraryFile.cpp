@@ -5,6 +5,7 @@
 #include "library/LibraryCoding.h"
 #include "platform/FileSystem.h"
 #include "platform/Logging.h"
+#include "platform/SettingsFile.h"
 
 #include <QDir>
 #include <QFile>
@@ -78,9 +79,7 @@ QString defaultLibraryURL()
 
 QString libraryURL()
 {
-    const QSettings settings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("Vesko"),
-        QStringLiteral("Vesko"));
-    const QString chosen = settings.value(QStringLiteral("libraryPath")).toString();
+    const QString chosen = openSettingsFile()->value(QStringLiteral("libraryPath")).toString();
     return chosen.isEmpty() ? defaultLibraryURL() : chosen;
 }
 

@@ -27,26 +27,28 @@ QString noteText(const QModelIndex &index)
     return strippedMarkdown(index.data(Qt::DisplayRole).toString());
 }
 
-int availableWidth(const QStyleOptionViewItem &option)
-{
-    const auto *view = qobject_cast<const QAbstractItemView *>(option.widget);
-    const int width = view ? view->viewport()->width() : option.rect.width();
-    return std::max(40, width - 2 * cardPaddingH);
-}
-
 //! The lines the text takes in \a width, at most the maximum; the rest is clipped.
 int lineCount(const QString &text, const QFontMetrics &metrics, int width)
 {
-    const QRect bounds = metrics.boundingRect(
-        QRect(0, 0, width, 100000), Qt::TextWordWrap | Qt::TextWrapAnywhere, text);
+    const QRect bounds = metrics.boundingRect(QRect(0, 0, width, 100000), Qt::TextWordWrap, text);
     return std::clamp(bounds.height() / std::max(1, metrics.lineSpacing()), 1, maximumLines);
 }
 
 } // namespace
 
-QSize NoteRowDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
+NoteRowDelegate::NoteRowDelegate(QAbstractItemView *view)
+    : QStyledItemDelegate(view)
+    , m_view(view)
+{ }
+
+int NoteRowDelegate::textWidth() const
 {
-    const int width = availableWidth(option);
+    return std::max(40, m_view->viewport()->width() - 2 * cardPaddingH);
+}
+
+QSize NoteRowDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &index) const
+{
+    const int width = textWidth();
     if (index.data(PanelRowsModel::IsSectionRole).toBool())
         return QSize(width, sectionHeight);
     const QFontMetrics metrics(Theme::noteFont());
@@ -102,14 +104,14 @@ void NoteRowDelegate::paint(
     font.setStrikeOut(done);
     painter->setFont(font);
     const QFontMetrics metrics(font);
-    const int width = availableWidth(option);
+    const int width = textWidth();
     const QString text = noteText(index);
     const int lines = lineCount(text, metrics, width);
     const QRect textRect(rect.left() + cardPaddingH, rect.top() + rowPadding + cardPaddingV, width,
         lines * metrics.lineSpacing());
     painter->setPen(done ? colors.greyLight : colors.text);
     painter->setClipRect(textRect);
-    painter->drawText(textRect, Qt::TextWordWrap | Qt::TextWrapAnywhere, text);
+    painter->drawText(textRect, Qt::TextWordWrap, text);
     painter->setClipping(false);
 
     const QString source = index.data(PanelRowsModel::SourceRole).toString();

@@ -8,6 +8,8 @@
 
 #include <QStyledItemDelegate>
 
+class QAbstractItemView;
+
 namespace Vesko {
 
 class NoteRowDelegate : public QStyledItemDelegate
@@ -15,11 +17,17 @@ class NoteRowDelegate : public QStyledItemDelegate
     Q_OBJECT
 
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    //! Lays rows out in the width of \a view's viewport.
+    explicit NoteRowDelegate(QAbstractItemView *view);
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
         const QModelIndex &index) const override;
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+
+private:
+    int textWidth() const;
+
+    QAbstractItemView *m_view;
 };
 
 } // namespace Vesko

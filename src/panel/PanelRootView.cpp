@@ -70,6 +70,7 @@ PanelRootView::PanelRootView(Store &store, PanelState &state, QWidget *parent)
     m_list->setFrameShape(QFrame::NoFrame);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    m_list->setResizeMode(QListView::Adjust);
     m_list->setSelectionMode(QAbstractItemView::NoSelection);
     m_list->setMouseTracking(true);
     m_list->setAttribute(Qt::WA_MacShowFocusRect, false);

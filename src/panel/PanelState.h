@@ -15,7 +15,6 @@
 
 namespace Vesko {
 
-
 enum class PanelFocusTarget { None, Composer, Search, List };
 
 //! The modal layers of the panel. At most one is on screen: the first that is

@@ -3,6 +3,7 @@
 #include "shell/Preferences.h"
 
 #include "library/LibraryFile.h"
+#include "platform/SettingsFile.h"
 
 namespace Vesko {
 
@@ -137,8 +138,7 @@ ListStyle listStyleFromRawValue(const QString &raw)
 
 std::unique_ptr<QSettings> Preferences::openSettings()
 {
-    return std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
-        QStringLiteral("Vesko"), QStringLiteral("Vesko"));
+    return openSettingsFile();
 }
 
 Preferences::Preferences(QObject *parent)

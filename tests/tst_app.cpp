@@ -1,0 +1,257 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The vesko program from the outside, in a private X server with a window
+// manager: the panel comes up with the composer focused, a note typed with
+// xdotool reaches the library file however the program is ended, a second
+// launch brings the first one's panel forward, and an unreadable library is
+// set aside for an empty panel.
+
+#include "TestEnvironment.h"
+
+#include "library/LibraryCoding.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <csignal>
+
+using namespace Vesko;
+
+namespace {
+
+//! A private set of XDG folders for one run of the program.
+class Session
+{
+public:
+    Session()
+    {
+        for (const char *folder : {"data", "config", "cache", "runtime"})
+            QDir(m_root.path()).mkpath(QString::fromLatin1(folder));
+        QFile::setPermissions(m_root.filePath(QStringLiteral("runtime")),
+            QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        m_environment = QProcessEnvironment::systemEnvironment();
+        m_environment.insert(
+            QStringLiteral("XDG_DATA_HOME"), m_root.filePath(QStringLiteral("data")));
+        m_environment.insert(
+            QStringLiteral("XDG_CONFIG_HOME"), m_root.filePath(QStringLiteral("config")));
+        m_environment.insert(
+            QStringLiteral("XDG_CACHE_HOME"), m_root.filePath(QStringLiteral("cache")));
+        m_environment.insert(
+            QStringLiteral("XDG_RUNTIME_DIR"), m_root.filePath(QStringLiteral("runtime")));
+        m_environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    }
+
+    QString libraryFolder() const { return m_root.filePath(QStringLiteral("data/Vesko")); }
+    QString libraryPath() const { return libraryFolder() + QStringLiteral("/Library.json"); }
+
+    //! Starts vesko; the process ends with the session.
+    QProcess *start()
+    {
+        auto *process = new QProcess;
+        m_processes.append(process);
+        process->setProcessEnvironment(m_environment);
+        process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        process->start(QStringLiteral(VESKO_PATH), {});
+        return process;
+    }
+
+    ~Session()
+    {
+        for (QProcess *process : std::as_const(m_processes)) {
+            if (process->state() != QProcess::NotRunning) {
+                process->kill();
+                process->waitForFinished(5000);
+            }
+            delete process;
+        }
+    }
+
+private:
+    QTemporaryDir m_root;
+    QProcessEnvironment m_environment;
+    QList<QProcess *> m_processes;
+};
+
+QString xdotool(const QStringList &arguments)
+{
+    QProcess process;
+    process.start(QStringLiteral("xdotool"), arguments);
+    process.waitForFinished(10000);
+    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+}
+
+//! The id of the visible panel window, or empty.
+QString visiblePanel()
+{
+    return xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                       QStringLiteral("--name"), QStringLiteral("^Vesko$")})
+        .section(u'\n', 0, 0);
+}
+
+Library readLibrary(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QString error;
+    const std::optional<Library> library = decodeLibrary(file.readAll(), &error);
+    if (!library)
+        qWarning("Cannot decode %s: %s", qPrintable(path), qPrintable(error));
+    return library.value_or(Library {});
+}
+
+QStringList noteTexts(const Library &library)
+{
+    QStringList texts;
+    for (const Project &project : library.projects) {
+        for (const NoteSection &section : project.sections) {
+            for (const Note &note : section.notes)
+                texts.append(note.text);
+        }
+    }
+    return texts;
+}
+
+} // namespace
+
+class AppTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void typedNoteSurvivesTheEnd_data();
+    void typedNoteSurvivesTheEnd();
+    void secondLaunchShowsTheFirstPanel();
+    void escapeHidesThePanel();
+    void startsAgainAfterACrash();
+    void unreadableLibraryIsSetAside();
+};
+
+void AppTest::initTestCase()
+{
+    if (qEnvironmentVariableIsEmpty("DISPLAY"))
+        QSKIP("Needs an X server: run through tests/x-session.sh");
+}
+
+void AppTest::typedNoteSurvivesTheEnd_data()
+{
+    QTest::addColumn<int>("signalNumber");
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGHUP") << SIGHUP;
+}
+
+void AppTest::typedNoteSurvivesTheEnd()
+{
+    QFETCH(int, signalNumber);
+    Session session;
+    QProcess *vesko = session.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+    const QString panel = visiblePanel();
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
+
+    // The composer has the keyboard as soon as the panel is up.
+    const QString text = QStringLiteral("Note typed into the composer %1").arg(signalNumber);
+    xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("5"), text});
+    xdotool({QStringLiteral("key"), QStringLiteral("Return")});
+    // Well inside the save delay: only the way out writes the note.
+    QTest::qWait(100);
+    ::kill(pid_t(vesko->processId()), signalNumber);
+    QVERIFY(vesko->waitForFinished(10000));
+    QCOMPARE(vesko->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(vesko->exitCode(), 0);
+    QCOMPARE(noteTexts(readLibrary(session.libraryPath())), QStringList {text});
+}
+
+void AppTest::secondLaunchShowsTheFirstPanel()
+{
+    Session session;
+    QProcess *first = session.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+    const QString panel = visiblePanel();
+    QCOMPARE(xdotool({QStringLiteral("getwindowpid"), panel}).toLongLong(), first->processId());
+
+    // Hidden by Escape, then brought back by a second launch.
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
+    xdotool({QStringLiteral("key"), QStringLiteral("Escape")});
+    QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), 5000);
+
+    QProcess *second = session.start();
+    QVERIFY(second->waitForFinished(10000));
+    QCOMPARE(second->exitCode(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(visiblePanel(), panel, 5000);
+    QCOMPARE(
+        xdotool({QStringLiteral("getwindowpid"), visiblePanel()}).toLongLong(), first->processId());
+    // The composer has the keyboard again.
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
+    xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("5"),
+        QStringLiteral("after reopen")});
+    xdotool({QStringLiteral("key"), QStringLiteral("Return")});
+    QTest::qWait(100);
+    first->terminate();
+    QVERIFY(first->waitForFinished(10000));
+    QCOMPARE(noteTexts(readLibrary(session.libraryPath())),
+        QStringList {QStringLiteral("after reopen")});
+}
+
+void AppTest::escapeHidesThePanel()
+{
+    Session session;
+    QProcess *vesko = session.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+    const QString panel = visiblePanel();
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
+    xdotool({QStringLiteral("key"), QStringLiteral("Escape")});
+    QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), 5000);
+    // Hiding is not quitting.
+    QTest::qWait(200);
+    QCOMPARE(vesko->state(), QProcess::Running);
+}
+
+void AppTest::startsAgainAfterACrash()
+{
+    Session session;
+    QProcess *crashed = session.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+    // Killed outright, it leaves its socket behind; the next launch takes it over.
+    crashed->kill();
+    QVERIFY(crashed->waitForFinished(10000));
+    QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), 5000);
+    QProcess *next = session.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+    QCOMPARE(next->state(), QProcess::Running);
+    QCOMPARE(xdotool({QStringLiteral("getwindowpid"), visiblePanel()}).toLongLong(),
+        next->processId());
+}
+
+void AppTest::unreadableLibraryIsSetAside()
+{
+    Session session;
+    QDir().mkpath(session.libraryFolder());
+    const QByteArray garbage = QByteArrayLiteral("{\"version\": 3, \"projects\": [tru");
+    {
+        QFile file(session.libraryPath());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(garbage);
+    }
+    QProcess *vesko = session.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+
+    const QStringList setAside
+        = QDir(session.libraryFolder()).entryList({QStringLiteral("Library-unreadable-*.json")});
+    QCOMPARE(setAside.size(), 1);
+    QFile kept(session.libraryFolder() + u'/' + setAside.first());
+    QVERIFY(kept.open(QIODevice::ReadOnly));
+    QCOMPARE(kept.readAll(), garbage);
+
+    vesko->terminate();
+    QVERIFY(vesko->waitForFinished(10000));
+    const Library library = readLibrary(session.libraryPath());
+    QCOMPARE(library.projects.size(), 1);
+    QVERIFY(noteTexts(library).isEmpty());
+}
+
+VESKO_TEST_MAIN(AppTest)
+#include "tst_app.moc"
