@@ -22,9 +22,12 @@ constexpr int sectionHeight = 26;
 constexpr int maximumLines = 4;
 constexpr int sourceSpacing = 2;
 
+//! More than a card's four lines can hold at any panel width; the rest is never laid out.
+constexpr int shownCharacters = 1024;
+
 QString noteText(const QModelIndex &index)
 {
-    return strippedMarkdown(index.data(Qt::DisplayRole).toString());
+    return strippedMarkdown(index.data(Qt::DisplayRole).toString().left(shownCharacters));
 }
 
 //! The lines the text takes in \a width, at most the maximum; the rest is clipped.
@@ -48,15 +51,33 @@ int NoteRowDelegate::textWidth() const
 
 QSize NoteRowDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &index) const
 {
-    const int width = textWidth();
     if (index.data(PanelRowsModel::IsSectionRole).toBool())
-        return QSize(width, sectionHeight);
+        return QSize(textWidth(), sectionHeight);
+    return QSize(textWidth(), noteHeight(index));
+}
+
+int NoteRowDelegate::noteHeight(const QModelIndex &index) const
+{
+    const int width = textWidth();
+    if (width != m_measuredWidth) {
+        m_heights.clear();
+        m_measuredWidth = width;
+    }
+    const QString text = index.data(Qt::DisplayRole).toString();
+    const QString source = index.data(PanelRowsModel::SourceRole).toString();
+    const QUuid id = index.data(PanelRowsModel::IdRole).toUuid();
+    const auto found = m_heights.constFind(id);
+    if (found != m_heights.constEnd() && found->text == text)
+        return found->height;
+
     const QFontMetrics metrics(Theme::noteFont());
     const int lines = lineCount(noteText(index), metrics, width);
     int height = 2 * cardPaddingV + lines * metrics.lineSpacing();
-    if (!index.data(PanelRowsModel::SourceRole).toString().isEmpty())
+    if (!source.isEmpty())
         height += sourceSpacing + QFontMetrics(Theme::captionFont()).height();
-    return QSize(width, height + 2 * rowPadding);
+    height += 2 * rowPadding;
+    m_heights.insert(id, {text, height});
+    return height;
 }
 
 void NoteRowDelegate::paint(

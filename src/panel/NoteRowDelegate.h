@@ -6,7 +6,9 @@
 
 #pragma once
 
+#include <QHash>
 #include <QStyledItemDelegate>
+#include <QUuid>
 
 class QAbstractItemView;
 
@@ -26,8 +28,18 @@ public:
 
 private:
     int textWidth() const;
+    //! The height of a note's card for its text, laid out once per text and width.
+    int noteHeight(const QModelIndex &index) const;
+
+    struct Measured
+    {
+        QString text;
+        int height = 0;
+    };
 
     QAbstractItemView *m_view;
+    mutable QHash<QUuid, Measured> m_heights;
+    mutable int m_measuredWidth = -1;
 };
 
 } // namespace Vesko

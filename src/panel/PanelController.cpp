@@ -69,7 +69,7 @@ void PanelController::makePanel()
     connect(m_panel, &PanelWindow::moved, this, &PanelController::recordFrame);
     connect(m_panel, &PanelWindow::resized, this, &PanelController::recordFrame);
     connect(m_panel, &PanelWindow::becameActive, this, [this] { m_state.setVisible(true); });
-    connect(m_panel, &PanelWindow::firstFramePainted, this, &PanelController::fadeBegan);
+    connect(m_panel, &PanelWindow::framePainted, this, &PanelController::fadeBegan);
 
     m_fade = new QPropertyAnimation(m_panel, "windowOpacity", this);
     connect(m_fade, &QPropertyAnimation::finished, this, [this] {
@@ -159,7 +159,7 @@ void PanelController::fade(double to, int milliseconds)
     m_fade->setEndValue(to);
     m_fade->start();
     // The first frame of the fade is the next paint of the window.
-    m_panel->update();
+    m_panel->requestFrame();
 }
 
 void PanelController::toggle()

@@ -65,18 +65,21 @@ PanelRootView::PanelRootView(Store &store, PanelState &state, QWidget *parent)
     m_model = new PanelRowsModel(store, this);
     m_list = new QListView(this);
     m_list->setObjectName(QStringLiteral("VeskoNoteList"));
-    m_list->setModel(m_model);
     m_list->setItemDelegate(new NoteRowDelegate(m_list));
     m_list->setFrameShape(QFrame::NoFrame);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     m_list->setResizeMode(QListView::Adjust);
+    // A project of thousands of notes is laid out in batches between events.
+    m_list->setLayoutMode(QListView::Batched);
+    m_list->setBatchSize(100);
     m_list->setSelectionMode(QAbstractItemView::NoSelection);
     m_list->setMouseTracking(true);
     m_list->setAttribute(Qt::WA_MacShowFocusRect, false);
     m_list->viewport()->setAutoFillBackground(false);
-    m_list->setStyleSheet(QStringLiteral("QListView { background: transparent; }"));
     m_list->installEventFilter(this);
+    // The model last: view settings made after it lay out every row at once.
+    m_list->setModel(m_model);
     layout->addWidget(m_list, 1);
 
     m_emptyState = new QWidget(m_list->viewport());
@@ -112,7 +115,9 @@ PanelRootView::PanelRootView(Store &store, PanelState &state, QWidget *parent)
     m_composer->setFrame(false);
     m_composer->setFont(Theme::noteFont());
     m_composer->setAttribute(Qt::WA_MacShowFocusRect, false);
-    m_composer->setStyleSheet(QStringLiteral("QLineEdit { background: transparent; }"));
+    QPalette composerPalette = m_composer->palette();
+    composerPalette.setColor(QPalette::Base, Qt::transparent);
+    m_composer->setPalette(composerPalette);
     m_composer->installEventFilter(this);
     boxLayout->addWidget(m_composer);
     layout->addWidget(box);

@@ -123,6 +123,12 @@ void PanelWindow::setTranslucent(bool translucent)
     update();
 }
 
+void PanelWindow::requestFrame()
+{
+    m_frameRequested = true;
+    update();
+}
+
 void PanelWindow::placeStrips()
 {
     const int w = width();
@@ -175,9 +181,9 @@ void PanelWindow::paintEvent(QPaintEvent *)
     painter.fillPath(path, surface);
     painter.setPen(QPen(colors.panelStroke, 1));
     painter.drawPath(path);
-    if (m_awaitingFirstFrame) {
-        m_awaitingFirstFrame = false;
-        Q_EMIT firstFramePainted();
+    if (m_frameRequested) {
+        m_frameRequested = false;
+        Q_EMIT framePainted();
     }
 }
 
@@ -204,12 +210,6 @@ void PanelWindow::keyPressEvent(QKeyEvent *event)
         return;
     }
     QWidget::keyPressEvent(event);
-}
-
-void PanelWindow::showEvent(QShowEvent *event)
-{
-    QWidget::showEvent(event);
-    m_awaitingFirstFrame = true;
 }
 
 void PanelWindow::changeEvent(QEvent *event)

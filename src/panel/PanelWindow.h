@@ -27,21 +27,22 @@ public:
 
     //! Paints solid and applies a shape mask when no compositor runs.
     void setTranslucent(bool translucent);
+    //! Asks for a frame and reports it with framePainted().
+    void requestFrame();
 
 Q_SIGNALS:
     void cancelOperationRequested();
     void moved();
     void resized();
     void becameActive();
-    //! The first frame painted after the window was shown.
-    void firstFramePainted();
+    //! The frame that requestFrame() asked for has been painted.
+    void framePainted();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void moveEvent(QMoveEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
-    void showEvent(QShowEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:
@@ -51,7 +52,7 @@ private:
     QWidget *m_content = nullptr;
     QList<QWidget *> m_strips;
     bool m_translucent = true;
-    bool m_awaitingFirstFrame = false;
+    bool m_frameRequested = false;
 };
 
 } // namespace Vesko
