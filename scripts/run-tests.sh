@@ -21,4 +21,5 @@ echo "== Tests"
 run_suite build-tests -DCMAKE_BUILD_TYPE=Debug
 echo "== Tests with AddressSanitizer and UndefinedBehaviorSanitizer"
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+    LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp \
     run_suite build-asan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVESKO_SANITIZE=ON -DVESKO_BUILD_BENCHMARKS=OFF
