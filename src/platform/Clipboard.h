@@ -12,6 +12,8 @@
 #include <QMap>
 #include <QString>
 
+#include <optional>
+
 namespace Vesko {
 
 class Clipboard
@@ -27,6 +29,10 @@ public:
     virtual Snapshot snapshot() const = 0;
     //! Empties the clipboard, then puts \a items back; an empty snapshot leaves it empty.
     virtual void restore(const Snapshot &items) = 0;
+    //! Raised by every change of the clipboard's content, whoever made it.
+    virtual quint64 changeCount() const = 0;
+    //! The clipboard's plain text; nothing when it holds no text.
+    virtual std::optional<QString> text() const = 0;
 };
 
 } // namespace Vesko

@@ -19,6 +19,26 @@ QClipboard *clipboard()
 
 } // namespace
 
+QtClipboard::QtClipboard()
+{
+    // On X11 Qt learns of other clients' changes through XFixes.
+    m_changes
+        = QObject::connect(clipboard(), &QClipboard::dataChanged, [this] { ++m_changeCount; });
+}
+
+QtClipboard::~QtClipboard()
+{
+    QObject::disconnect(m_changes);
+}
+
+std::optional<QString> QtClipboard::text() const
+{
+    const QMimeData *data = clipboard()->mimeData(QClipboard::Clipboard);
+    if (!data || !data->hasText())
+        return std::nullopt;
+    return data->text();
+}
+
 void QtClipboard::setText(const QString &text)
 {
     clipboard()->setText(text, QClipboard::Clipboard);

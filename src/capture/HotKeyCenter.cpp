@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "capture/HotKeyCenter.h"
+
+#include "capture/KeyEvent.h"
+#include "platform/Logging.h"
+#include "platform/SettingsFile.h"
+
+namespace Vesko {
+
+HotKeyCenter::HotKeyCenter(HotKeyRegistrar &registrar, QObject *parent)
+    : QObject(parent)
+    , m_registrar(registrar)
+    , m_settings(openSettingsFile())
+{
+    for (HotKeyAction action : allHotKeyActions) {
+        const QVariant stored = m_settings->value(settingsKey(action));
+        if (!stored.isValid()) {
+            m_combos.insert(action, KeyCombo::defaultFor(action));
+            continue;
+        }
+        if (const std::optional<KeyCombo> combo = KeyCombo::fromJson(stored.toByteArray()))
+            m_combos.insert(action, *combo);
+    }
+}
+
+QString HotKeyCenter::settingsKey(HotKeyAction action)
+{
+    return QStringLiteral("hotkey.") + rawValue(action);
+}
+
+std::optional<KeyCombo> HotKeyCenter::combo(HotKeyAction action) const
+{
+    const auto found = m_combos.constFind(action);
+    if (found == m_combos.constEnd())
+        return std::nullopt;
+    return *found;
+}
+
+void HotKeyCenter::setHandler(std::function<void(HotKeyAction)> handler)
+{
+    m_handler = std::move(handler);
+}
+
+void HotKeyCenter::installEventHandler()
+{
+    if (m_handlerInstalled)
+        return;
+    m_handlerInstalled = true;
+    m_registrar.installHandler([this](int id) {
+        const std::optional<HotKeyAction> action = hotKeyActionFromID(id);
+        if (action && m_handler)
+            m_handler(*action);
+    });
+}
+
+void HotKeyCenter::registerAll()
+{
+    for (HotKeyAction action : allHotKeyActions) {
+        if (const std::optional<KeyCombo> stored = combo(action))
+            registerCombo(*stored, action);
+    }
+}
+
+void HotKeyCenter::registerCombo(const KeyCombo &combo, HotKeyAction action)
+{
+    if (!(combo.modifiers & ModifierFlag::HotKeyModifiers))
+        return;
+    const int status = m_registrar.registerKey(hotKeyID(action), combo.keyCode, combo.modifiers);
+    if (status == 0) {
+        m_registered.insert(action);
+        m_refused.remove(action);
+    } else {
+        qCCritical(
+            lcCapture, "Could not register %s (%d)", qUtf8Printable(rawValue(action)), status);
+        m_refused.insert(action);
+    }
+    Q_EMIT registrationsChanged();
+}
+
+void HotKeyCenter::unregister(HotKeyAction action)
+{
+    m_refused.remove(action);
+    if (!m_registered.remove(action))
+        return;
+    m_registrar.unregisterKey(hotKeyID(action));
+    Q_EMIT registrationsChanged();
+}
+
+void HotKeyCenter::unregisterAll()
+{
+    for (HotKeyAction action : allHotKeyActions)
+        unregister(action);
+    if (m_handlerInstalled) {
+        m_registrar.removeHandler();
+        m_handlerInstalled = false;
+    }
+}
+
+std::optional<HotKeyAction> HotKeyCenter::conflictingAction(
+    const KeyCombo &combo, HotKeyAction action) const
+{
+    for (HotKeyAction other : allHotKeyActions) {
+        if (other != action && this->combo(other) == combo)
+            return other;
+    }
+    return std::nullopt;
+}
+
+void HotKeyCenter::persist(const std::optional<KeyCombo> &combo, HotKeyAction action)
+{
+    m_settings->setValue(settingsKey(action), combo ? combo->toJson() : QByteArray());
+    m_settings->sync();
+}
+
+void HotKeyCenter::setCombo(const KeyCombo &combo, HotKeyAction action)
+{
+    unregister(action);
+    m_combos.insert(action, combo);
+    persist(combo, action);
+    registerCombo(combo, action);
+    Q_EMIT combosChanged();
+}
+
+void HotKeyCenter::clearCombo(HotKeyAction action)
+{
+    unregister(action);
+    m_combos.remove(action);
+    persist(std::nullopt, action);
+    Q_EMIT combosChanged();
+}
+
+} // namespace Vesko

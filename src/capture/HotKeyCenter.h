@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The four system-wide shortcuts: one key combination per action, kept in
+// the settings file under "hotkey." keys, registered with the desktop through
+// a HotKeyRegistrar, and each press handed to one handler.
+
+#pragma once
+
+#include "capture/KeyCombo.h"
+
+#include <QHash>
+#include <QObject>
+#include <QSet>
+#include <QSettings>
+
+#include <functional>
+#include <memory>
+
+namespace Vesko {
+
+//! The desktop's registration of global key combinations.
+class HotKeyRegistrar
+{
+public:
+    virtual ~HotKeyRegistrar() = default;
+
+    //! Receives the identity of each registered combination pressed.
+    virtual void installHandler(std::function<void(int id)> handler) = 0;
+    virtual void removeHandler() = 0;
+    //! 0 when the combination is now held under \a id, else the desktop's error code.
+    virtual int registerKey(int id, quint16 keyCode, quint64 modifiers) = 0;
+    virtual void unregisterKey(int id) = 0;
+};
+
+class HotKeyCenter : public QObject
+{
+    Q_OBJECT
+
+public:
+    //! Reads the stored combinations: a missing key is the default, empty or
+    //! undecodable data is no combination. Registers nothing.
+    explicit HotKeyCenter(HotKeyRegistrar &registrar, QObject *parent = nullptr);
+
+    std::optional<KeyCombo> combo(HotKeyAction action) const;
+    //! Whom each press goes to.
+    void setHandler(std::function<void(HotKeyAction)> handler);
+
+    void installEventHandler();
+    void registerAll();
+    void registerCombo(const KeyCombo &combo, HotKeyAction action);
+    void unregister(HotKeyAction action);
+    //! Releases every registration and the handler; at quit.
+    void unregisterAll();
+    bool isRegistered(HotKeyAction action) const { return m_registered.contains(action); }
+    //! The desktop refused the action's combination at its last registration:
+    //! another program holds it.
+    bool isRefused(HotKeyAction action) const { return m_refused.contains(action); }
+
+    //! The other action that holds exactly this combination, if any.
+    std::optional<HotKeyAction> conflictingAction(const KeyCombo &combo, HotKeyAction action) const;
+    //! Writes the action's key: the combination as JSON, or empty data for none.
+    void persist(const std::optional<KeyCombo> &combo, HotKeyAction action);
+
+    //! Set and clear, as the shortcut recorder does.
+    void setCombo(const KeyCombo &combo, HotKeyAction action);
+    void clearCombo(HotKeyAction action);
+
+    //! The settings key of an action: "hotkey." and its raw value.
+    static QString settingsKey(HotKeyAction action);
+
+Q_SIGNALS:
+    void combosChanged();
+    void registrationsChanged();
+
+private:
+    HotKeyRegistrar &m_registrar;
+    std::unique_ptr<QSettings> m_settings;
+    QHash<HotKeyAction, KeyCombo> m_combos;
+    QSet<HotKeyAction> m_registered;
+    QSet<HotKeyAction> m_refused;
+    std::function<void(HotKeyAction)> m_handler;
+    bool m_handlerInstalled = false;
+};
+
+} // namespace Vesko

@@ -1,0 +1,641 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Capture without a desktop: the text cleanings, the hot keys' stored form,
+// conflicts and display, the selection reader's order and fallbacks against a
+// fake session and clipboard, and the capture engine's flow into the Store.
+
+#include "TestEnvironment.h"
+
+#include "attachments/AttachmentStore.h"
+#include "capture/AccessibilityPermission.h"
+#include "capture/CaptureEngine.h"
+#include "capture/DoubleShiftMonitor.h"
+#include "capture/HotKeyCenter.h"
+#include "capture/KeyEvent.h"
+#include "capture/SelectionReader.h"
+#include "capture/SelectionText.h"
+#include "library/LibraryWriter.h"
+#include "platform/Clipboard.h"
+#include "platform/DesktopSession.h"
+#include "platform/SettingsFile.h"
+#include "search/SearchIndex.h"
+#include "shell/Preferences.h"
+#include "store/Store.h"
+
+#include <QSignalSpy>
+
+using namespace Vesko;
+
+namespace {
+
+class FakeClipboard : public Clipboard
+{
+public:
+    void setText(const QString &text) override
+    {
+        items = {{{QStringLiteral("text/plain"), text.toUtf8()}}};
+        ++count;
+    }
+    Snapshot snapshot() const override { return items; }
+    void restore(const Snapshot &snapshot) override
+    {
+        items = snapshot;
+        ++count;
+        ++restores;
+    }
+    quint64 changeCount() const override { return count; }
+    std::optional<QString> text() const override
+    {
+        if (items.isEmpty() || !items.first().contains(QStringLiteral("text/plain")))
+            return std::nullopt;
+        return QString::fromUtf8(items.first().value(QStringLiteral("text/plain")));
+    }
+
+    Snapshot items;
+    quint64 count = 0;
+    int restores = 0;
+};
+
+class FakeSession : public DesktopSession
+{
+public:
+    std::optional<FrontApplication> frontApplication() override { return front; }
+    std::optional<QString> primarySelection(qint64 processID) override
+    {
+        return processID == primaryOwner ? primary : std::nullopt;
+    }
+    bool sendCopy(int attempt) override
+    {
+        copies.append(attempt);
+        if (onCopy)
+            onCopy(attempt);
+        return true;
+    }
+
+    std::optional<FrontApplication> front;
+    std::optional<QString> primary;
+    qint64 primaryOwner = 0;
+    QList<int> copies;
+    std::function<void(int)> onCopy;
+};
+
+class FakeKeys : public KeyMonitor
+{
+public:
+    bool start(std::function<void(const KeyEvent &)> r) override
+    {
+        receiver = std::move(r);
+        return true;
+    }
+    void stop() override { receiver = nullptr; }
+    bool isRunning() const override { return bool(receiver); }
+    std::function<void(const KeyEvent &)> receiver;
+};
+
+class FakeRegistrar : public HotKeyRegistrar
+{
+public:
+    void installHandler(std::function<void(int)> h) override { handler = std::move(h); }
+    void removeHandler() override { handler = nullptr; }
+    int registerKey(int id, quint16 keyCode, quint64 modifiers) override
+    {
+        for (auto it = held.cbegin(); it != held.cend(); ++it) {
+            if (it.value() == qMakePair(keyCode, modifiers))
+                return 10; // taken
+        }
+        held.insert(id, qMakePair(keyCode, modifiers));
+        return 0;
+    }
+    void unregisterKey(int id) override { held.remove(id); }
+
+    QMap<int, QPair<quint16, quint64>> held;
+    std::function<void(int)> handler;
+};
+
+class FakeFeedback : public CaptureFeedback
+{
+public:
+    void showPanel(bool activate, bool focusComposer) override
+    {
+        shows.append(qMakePair(activate, focusComposer));
+    }
+    void togglePanel() override { ++toggles; }
+    void toast(const QString &message, const QString &symbol) override
+    {
+        toasts.append(message + u'|' + symbol);
+    }
+    QList<QPair<bool, bool>> shows;
+    int toggles = 0;
+    QStringList toasts;
+};
+
+class FakeLayout : public KeyLayout
+{
+public:
+    std::optional<QString> keyText(quint16 keyCode) const override
+    {
+        if (keyCode == 54)
+            return QStringLiteral("c");
+        if (keyCode == 57)
+            return QStringLiteral("n");
+        return std::nullopt;
+    }
+};
+
+FrontApplication xterm()
+{
+    return {QStringLiteral("XTerm"), QStringLiteral("xterm"), 4242,
+        QStringLiteral("build — Firefox"), true};
+}
+
+FrontApplication editor()
+{
+    return {QStringLiteral("Text Editor"), QStringLiteral("org.gnome.TextEditor"), 77,
+        QStringLiteral("notes.txt"), false};
+}
+
+} // namespace
+
+class CaptureTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void cleanWindowTitle_data();
+    void cleanWindowTitle();
+    void normalizeCapturedText_data();
+    void normalizeCapturedText();
+
+    void hotKeysFromSettings();
+    void hotKeyRegistration();
+    void hotKeyDisplay_data();
+    void hotKeyDisplay();
+
+    void primarySelectionOfTheFrontProcess();
+    void primaryOfAnotherProcessFallsBackToCopy();
+    void copyFallbacks_data();
+    void copyFallbacks();
+    void neverCopiesInATerminal();
+
+    void captureIntoTheSourceSection_data();
+    void captureIntoTheSourceSection();
+    void secondTriggerDuringACaptureIsDropped();
+    void captureWithoutTrust();
+    void nothingSelected();
+    void hotKeyActions();
+
+private:
+    std::unique_ptr<Store> makeStore();
+};
+
+void CaptureTest::init()
+{
+    openSettingsFile()->clear();
+}
+
+void CaptureTest::cleanWindowTitle_data()
+{
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("cleaned");
+    QTest::newRow("chrome") << u"Docs \u2014 Google Chrome"_qs << "Docs";
+    QTest::newRow("cursor twice") << "a.ts - Cursor - Cursor"
+                                  << "a.ts - Cursor";
+    QTest::newRow("suffix before trimming")
+        << u"Page \u2014 Safari "_qs << u"Page \u2014 Safari"_qs;
+    QTest::newRow("arc en dash") << u"Tab \u2013 Arc"_qs << "Tab";
+    QTest::newRow("firefox asymmetry") << "Page - Firefox"
+                                       << "Page - Firefox";
+    QTest::newRow("mozilla firefox") << "Page - Mozilla Firefox"
+                                     << "Page";
+    QTest::newRow("linux firefox") << u"Page \u2014 Mozilla Firefox"_qs << "Page";
+    QTest::newRow("chromium") << "Page - Chromium"
+                              << "Page";
+    QTest::newRow("only the suffix") << " - ChatGPT"
+                                     << "";
+    QTest::newRow("none") << "  build  "
+                          << "build";
+}
+
+void CaptureTest::cleanWindowTitle()
+{
+    QFETCH(QString, title);
+    QFETCH(QString, cleaned);
+    QCOMPARE(Vesko::cleanWindowTitle(title), cleaned);
+}
+
+void CaptureTest::normalizeCapturedText_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("normalized");
+    QTest::newRow("crlf runs, nbsp, indentation")
+        << u"line\r\n\r\n\r\n    indented\u00A0text   \n"_qs << "line\n\n    indented text";
+    QTest::newRow("lone cr stays") << "a\rb"
+                                   << "a\rb";
+    QTest::newRow("blank runs shrink to one") << "a\n\n\n\n b\n \t \n\nc"
+                                              << "a\n\n b\n \t \nc";
+    QTest::newRow("only whitespace") << " \n\t\n "
+                                     << "";
+    QTest::newRow("blank line keeps its spaces") << "a\n  \nb"
+                                                 << "a\n  \nb";
+}
+
+void CaptureTest::normalizeCapturedText()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, normalized);
+    QCOMPARE(Vesko::normalizeCapturedText(text), normalized);
+}
+
+void CaptureTest::hotKeysFromSettings()
+{
+    FakeRegistrar registrar;
+    {
+        const HotKeyCenter fresh(registrar);
+        QCOMPARE(fresh.combo(HotKeyAction::TogglePanel), KeyCombo({65, ModifierFlag::Option}));
+        QCOMPARE(fresh.combo(HotKeyAction::CaptureSelection),
+            KeyCombo({54, ModifierFlag::Control | ModifierFlag::Option}));
+        QCOMPARE(fresh.combo(HotKeyAction::QuickAdd)->keyCode, 57);
+        QCOMPARE(fresh.combo(HotKeyAction::CopySelectionAsList)->keyCode, 46);
+    }
+    {
+        HotKeyCenter center(registrar);
+        center.clearCombo(HotKeyAction::QuickAdd);
+        center.setCombo(
+            {71, ModifierFlag::Shift | ModifierFlag::Command}, HotKeyAction::TogglePanel);
+    }
+    openSettingsFile()->setValue(
+        HotKeyCenter::settingsKey(HotKeyAction::CopySelectionAsList), QByteArray("{not json"));
+    const HotKeyCenter reread(registrar);
+    // Cleared and garbage both read as no combination; the default does not return.
+    QVERIFY(!reread.combo(HotKeyAction::QuickAdd));
+    QVERIFY(!reread.combo(HotKeyAction::CopySelectionAsList));
+    QCOMPARE(reread.combo(HotKeyAction::TogglePanel),
+        KeyCombo({71, ModifierFlag::Shift | ModifierFlag::Command}));
+    QCOMPARE(openSettingsFile()->value(HotKeyCenter::settingsKey(HotKeyAction::QuickAdd)),
+        QVariant(QByteArray()));
+}
+
+void CaptureTest::hotKeyRegistration()
+{
+    FakeRegistrar registrar;
+    HotKeyCenter center(registrar);
+    // An edited store: two actions on one combination, and one without modifiers.
+    center.setCombo({54, ModifierFlag::Control | ModifierFlag::Option}, HotKeyAction::QuickAdd);
+    center.setCombo({30, 0}, HotKeyAction::CopySelectionAsList);
+    center.unregisterAll();
+    QVERIFY(registrar.held.isEmpty());
+
+    QList<HotKeyAction> pressed;
+    center.setHandler([&pressed](HotKeyAction action) { pressed.append(action); });
+    center.installEventHandler();
+    center.registerAll();
+    QVERIFY(center.isRegistered(HotKeyAction::TogglePanel));
+    QVERIFY(center.isRegistered(HotKeyAction::CaptureSelection));
+    QVERIFY(!center.isRegistered(HotKeyAction::QuickAdd));
+    QVERIFY(center.isRefused(HotKeyAction::QuickAdd));
+    QVERIFY(!center.isRegistered(HotKeyAction::CopySelectionAsList));
+    QVERIFY(!center.isRefused(HotKeyAction::CopySelectionAsList));
+    QCOMPARE(center.combo(HotKeyAction::CopySelectionAsList), KeyCombo({30, 0}));
+
+    QCOMPARE(center.conflictingAction({54, ModifierFlag::Control | ModifierFlag::Option},
+                 HotKeyAction::CaptureSelection),
+        HotKeyAction::QuickAdd);
+    QVERIFY(!center.conflictingAction({54, ModifierFlag::Option}, HotKeyAction::QuickAdd));
+
+    registrar.handler(hotKeyID(HotKeyAction::CaptureSelection));
+    registrar.handler(99);
+    QCOMPARE(pressed, QList<HotKeyAction> {HotKeyAction::CaptureSelection});
+    center.unregisterAll();
+    QVERIFY(registrar.held.isEmpty());
+    QVERIFY(!registrar.handler);
+}
+
+void CaptureTest::hotKeyDisplay_data()
+{
+    using namespace ModifierFlag;
+    QTest::addColumn<KeyCombo>("combo");
+    QTest::addColumn<QString>("desktop");
+    QTest::addColumn<QString>("symbols");
+    QTest::newRow("Super+Alt+C") << KeyCombo {54, Control | Option} << "Super+Alt+C"
+                                 << u"\u2303\u2325C"_qs;
+    QTest::newRow("Ctrl+Shift+F5")
+        << KeyCombo {71, Shift | Command} << "Ctrl+Shift+F5" << u"\u21E7\u2318F5"_qs;
+    QTest::newRow("Alt+Space") << KeyCombo {65, Option} << "Alt+Space" << u"\u2325Space"_qs;
+    QTest::newRow("Ctrl+Backspace")
+        << KeyCombo {22, Command} << "Ctrl+Backspace" << u"\u2318\u232B"_qs;
+    QTest::newRow("unknown key") << KeyCombo {200, Option} << "Alt+Key 200" << u"\u2325Key 200"_qs;
+}
+
+void CaptureTest::hotKeyDisplay()
+{
+    QFETCH(KeyCombo, combo);
+    QFETCH(QString, desktop);
+    QFETCH(QString, symbols);
+    const FakeLayout layout;
+    QCOMPARE(displayString(combo, &layout), desktop);
+    QCOMPARE(symbolDisplayString(combo, &layout), symbols);
+}
+
+void CaptureTest::primarySelectionOfTheFrontProcess()
+{
+    FakeSession session;
+    FakeClipboard clipboard;
+    session.front = xterm();
+    session.primary = QStringLiteral("  make test\r\n");
+    session.primaryOwner = 4242;
+    SelectionReader reader(session, clipboard, [] { return true; });
+    std::optional<CapturedSelection> result;
+    reader.readSelection([&](std::optional<CapturedSelection> s) { result = s; });
+    QVERIFY(result);
+    QCOMPARE(result->text, QStringLiteral("make test"));
+    QCOMPARE(result->source.appName, QStringLiteral("XTerm"));
+    QCOMPARE(result->source.bundleIdentifier, QStringLiteral("xterm"));
+    QCOMPARE(result->source.windowTitle, QStringLiteral("build"));
+    QVERIFY(session.copies.isEmpty());
+    QCOMPARE(clipboard.count, 0u);
+}
+
+void CaptureTest::primaryOfAnotherProcessFallsBackToCopy()
+{
+    FakeSession session;
+    FakeClipboard clipboard;
+    session.front = editor();
+    session.primary = QStringLiteral("someone else's");
+    session.primaryOwner = 1;
+    session.onCopy = [&](int) { clipboard.setText(QStringLiteral("from the editor")); };
+    SelectionReader reader(session, clipboard, [] { return true; });
+    std::optional<CapturedSelection> result;
+    bool done = false;
+    reader.readSelection([&](std::optional<CapturedSelection> s) {
+        result = s;
+        done = true;
+    });
+    QTRY_VERIFY(done);
+    QCOMPARE(result->text, QStringLiteral("from the editor"));
+    QCOMPARE(session.copies, QList<int> {1});
+}
+
+void CaptureTest::copyFallbacks_data()
+{
+    QTest::addColumn<QString>("behaviour");
+    QTest::addColumn<QList<int>>("attempts");
+    QTest::addColumn<QString>("captured");
+    QTest::addColumn<QString>("clipboardAfter");
+    // The user's clipboard holds HTML and text before each case.
+    QTest::newRow("text at once") << "text" << QList<int> {1} << "copied"
+                                  << "html";
+    QTest::newRow("text at the second attempt") << "second" << QList<int> {1, 2} << "copied"
+                                                << "html";
+    QTest::newRow("image only") << "image" << QList<int> {1, 2} << ""
+                                << "image";
+    QTest::newRow("silence") << "nothing" << QList<int> {1, 2} << ""
+                             << "html";
+    QTest::newRow("blank text") << "blank" << QList<int> {1} << ""
+                                << "html";
+}
+
+void CaptureTest::copyFallbacks()
+{
+    QFETCH(QString, behaviour);
+    QFETCH(QList<int>, attempts);
+    QFETCH(QString, captured);
+    QFETCH(QString, clipboardAfter);
+    FakeSession session;
+    FakeClipboard clipboard;
+    const Clipboard::Snapshot users = {{{QStringLiteral("text/html"), QByteArray("<b>x</b>")},
+        {QStringLiteral("text/plain"), QByteArray("x")}}};
+    clipboard.items = users;
+    session.front = editor();
+    session.onCopy = [&](int attempt) {
+        if (behaviour == u"text" || behaviour == u"blank"
+            || (behaviour == u"second" && attempt == 2)) {
+            clipboard.setText(
+                behaviour == u"blank" ? QStringLiteral(" \n ") : QStringLiteral("copied"));
+        } else if (behaviour == u"image" && attempt == 1) {
+            clipboard.items = {{{QStringLiteral("image/png"), QByteArray("PNG")}}};
+            ++clipboard.count;
+        }
+    };
+    SelectionReader reader(session, clipboard, [] { return true; });
+    std::optional<CapturedSelection> result;
+    bool done = false;
+    reader.readSelection([&](std::optional<CapturedSelection> s) {
+        result = s;
+        done = true;
+    });
+    QTRY_VERIFY_WITH_TIMEOUT(done, 3000);
+    QCOMPARE(session.copies, attempts);
+    QCOMPARE(result ? result->text : QString(), captured);
+    if (clipboardAfter == u"html")
+        QCOMPARE(clipboard.items, users);
+    else
+        QCOMPARE(clipboard.items.first().keys(), QStringList {QStringLiteral("image/png")});
+}
+
+void CaptureTest::neverCopiesInATerminal()
+{
+    FakeSession session;
+    FakeClipboard clipboard;
+    session.front = xterm();
+    SelectionReader reader(session, clipboard, [] { return true; });
+    bool done = false;
+    std::optional<CapturedSelection> result;
+    reader.readSelection([&](std::optional<CapturedSelection> s) {
+        result = s;
+        done = true;
+    });
+    QVERIFY(done);
+    QVERIFY(!result);
+    QVERIFY(session.copies.isEmpty());
+}
+
+std::unique_ptr<Store> CaptureTest::makeStore()
+{
+    static LibraryWriter writer;
+    static AttachmentStore attachments;
+    static SearchIndex index;
+    return std::make_unique<Store>(
+        Library {}, Store::Services {Preferences::shared(), writer, attachments, index});
+}
+
+void CaptureTest::captureIntoTheSourceSection_data()
+{
+    QTest::addColumn<bool>("bySource");
+    QTest::addColumn<QString>("appName");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("section");
+    QTest::newRow("by source") << true << "XTerm"
+                               << "build" << u"XTerm \u2014 build"_qs;
+    QTest::newRow("unknown application") << true << ""
+                                         << "build" << u"Unknown \u2014 build"_qs;
+    QTest::newRow("title is the name") << true << "XTerm"
+                                       << "xterm"
+                                       << "XTerm";
+    QTest::newRow("inbox") << false << "XTerm"
+                           << "build"
+                           << "Inbox";
+}
+
+void CaptureTest::captureIntoTheSourceSection()
+{
+    QFETCH(bool, bySource);
+    QFETCH(QString, appName);
+    QFETCH(QString, title);
+    QFETCH(QString, section);
+    Preferences::shared().setGroupCapturesBySource(bySource);
+    const std::unique_ptr<Store> store = makeStore();
+    FakeSession session;
+    FakeClipboard clipboard;
+    FakeKeys keys;
+    FakeRegistrar registrar;
+    FakeFeedback feedback;
+    session.front = FrontApplication {appName, std::nullopt, 5, title, true};
+    session.primary = QStringLiteral("selected words");
+    session.primaryOwner = 5;
+    HotKeyCenter hotKeys(registrar);
+    AccessibilityPermission permission([] { return true; });
+    DoubleShiftMonitor monitor(
+        keys, [] { return 0.4; }, [&] { return permission.isTrusted(); });
+    SelectionReader reader(session, clipboard, [&] { return permission.isTrusted(); });
+    CaptureEngine engine(
+        {*store, Preferences::shared(), hotKeys, monitor, reader, permission, feedback, clipboard});
+    engine.start();
+    QVERIFY(engine.isListeningForDoubleShift());
+
+    // Two Shift taps reach the engine through the monitor.
+    for (const KeyEvent &event : {KeyEvent {KeyEvent::FlagsChanged, 50, ModifierFlag::Shift, 1.0},
+             KeyEvent {KeyEvent::FlagsChanged, 50, 0, 1.1},
+             KeyEvent {KeyEvent::FlagsChanged, 50, ModifierFlag::Shift, 1.2},
+             KeyEvent {KeyEvent::FlagsChanged, 50, 0, 1.3}})
+        keys.receiver(event);
+    QTRY_COMPARE(feedback.toasts, QStringList {QStringLiteral("Captured|checkmark")});
+    QCOMPARE(store->selection().size(), 1);
+    const std::optional<NoteAddress> address = store->addressOfNote(*store->selection().cbegin());
+    QVERIFY(address);
+    const std::optional<NoteSection> target = store->section(address->sectionID);
+    QVERIFY(target);
+    QCOMPARE(target->title, section);
+    QCOMPARE(target->notes.size(), 1);
+    QCOMPARE(target->notes.first().text, QStringLiteral("selected words"));
+    QCOMPARE(target->notes.first().source->appName, appName.isEmpty() ? u"Unknown"_qs : appName);
+    QCOMPARE(store->selection(), QSet<QUuid> {target->notes.first().id});
+    QCOMPARE(feedback.shows, (QList<QPair<bool, bool>> {{true, false}}));
+    QVERIFY(!engine.lastCaptureFailed());
+    Preferences::shared().setGroupCapturesBySource(true);
+}
+
+void CaptureTest::secondTriggerDuringACaptureIsDropped()
+{
+    const std::unique_ptr<Store> store = makeStore();
+    FakeSession session;
+    FakeClipboard clipboard;
+    FakeKeys keys;
+    FakeRegistrar registrar;
+    FakeFeedback feedback;
+    session.front = editor();
+    session.onCopy
+        = [&](int) { QTimer::singleShot(50, [&] { clipboard.setText(QStringLiteral("once")); }); };
+    HotKeyCenter hotKeys(registrar);
+    AccessibilityPermission permission([] { return true; });
+    DoubleShiftMonitor monitor(
+        keys, [] { return 0.4; }, [] { return true; });
+    SelectionReader reader(session, clipboard, [] { return true; });
+    CaptureEngine engine(
+        {*store, Preferences::shared(), hotKeys, monitor, reader, permission, feedback, clipboard});
+    QSignalSpy finished(&engine, &CaptureEngine::captureFinished);
+    engine.captureSelection();
+    QVERIFY(engine.isCapturing());
+    engine.captureSelection();
+    QTRY_COMPARE(finished.count(), 1);
+    QTest::qWait(100);
+    QCOMPARE(finished.count(), 1);
+    QCOMPARE(noteCount(store->library()), 1);
+    QCOMPARE(session.copies.size(), 1);
+}
+
+void CaptureTest::captureWithoutTrust()
+{
+    const std::unique_ptr<Store> store = makeStore();
+    FakeSession session;
+    FakeClipboard clipboard;
+    FakeKeys keys;
+    FakeRegistrar registrar;
+    FakeFeedback feedback;
+    session.front = editor();
+    bool available = false;
+    HotKeyCenter hotKeys(registrar);
+    AccessibilityPermission permission([&] { return available; });
+    DoubleShiftMonitor monitor(
+        keys, [] { return 0.4; }, [&] { return permission.isTrusted(); });
+    SelectionReader reader(session, clipboard, [&] { return permission.isTrusted(); });
+    CaptureEngine engine(
+        {*store, Preferences::shared(), hotKeys, monitor, reader, permission, feedback, clipboard});
+    engine.start();
+    QVERIFY(!engine.isListeningForDoubleShift());
+    engine.captureSelection();
+    QCOMPARE(feedback.toasts, QStringList {u"Accessibility Access Needed|lock"_qs});
+    QCOMPARE(feedback.shows, (QList<QPair<bool, bool>> {{true, false}}));
+    QVERIFY(!engine.isCapturing());
+    // Capture becomes available: a refresh starts the gesture.
+    available = true;
+    permission.refresh();
+    QVERIFY(engine.isListeningForDoubleShift());
+}
+
+void CaptureTest::nothingSelected()
+{
+    const std::unique_ptr<Store> store = makeStore();
+    FakeSession session;
+    FakeClipboard clipboard;
+    FakeKeys keys;
+    FakeRegistrar registrar;
+    FakeFeedback feedback;
+    HotKeyCenter hotKeys(registrar);
+    AccessibilityPermission permission([] { return true; });
+    DoubleShiftMonitor monitor(
+        keys, [] { return 0.4; }, [] { return true; });
+    SelectionReader reader(session, clipboard, [] { return true; });
+    CaptureEngine engine(
+        {*store, Preferences::shared(), hotKeys, monitor, reader, permission, feedback, clipboard});
+    session.front = xterm(); // a terminal with nothing in PRIMARY
+    engine.captureSelection();
+    QTRY_COMPARE(feedback.toasts, QStringList {u"Nothing Selected|text.cursor"_qs});
+    QVERIFY(engine.lastCaptureFailed());
+    QVERIFY(feedback.shows.isEmpty());
+    QCOMPARE(noteCount(store->library()), 0);
+}
+
+void CaptureTest::hotKeyActions()
+{
+    const std::unique_ptr<Store> store = makeStore();
+    FakeSession session;
+    FakeClipboard clipboard;
+    FakeKeys keys;
+    FakeRegistrar registrar;
+    FakeFeedback feedback;
+    HotKeyCenter hotKeys(registrar);
+    AccessibilityPermission permission([] { return true; });
+    DoubleShiftMonitor monitor(
+        keys, [] { return 0.4; }, [] { return true; });
+    SelectionReader reader(session, clipboard, [] { return true; });
+    CaptureEngine engine(
+        {*store, Preferences::shared(), hotKeys, monitor, reader, permission, feedback, clipboard});
+    engine.start();
+    registrar.handler(hotKeyID(HotKeyAction::TogglePanel));
+    registrar.handler(hotKeyID(HotKeyAction::QuickAdd));
+    QCOMPARE(feedback.toggles, 1);
+    QCOMPARE(feedback.shows, (QList<QPair<bool, bool>> {{true, true}}));
+    // Nothing to copy: the clipboard stays, the toast comes all the same.
+    registrar.handler(hotKeyID(HotKeyAction::CopySelectionAsList));
+    QCOMPARE(clipboard.count, 0u);
+    store->addNote(QStringLiteral("one"));
+    store->addNote(QStringLiteral("two"));
+    registrar.handler(hotKeyID(HotKeyAction::CopySelectionAsList));
+    QCOMPARE(clipboard.text(), QStringLiteral("1. one\n2. two"));
+    QCOMPARE(feedback.toasts, QStringList(2, u"Copied as List|list.number"_qs));
+}
+
+VESKO_TEST_MAIN(CaptureTest)
+#include "tst_capture.moc"

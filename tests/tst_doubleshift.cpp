@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The double-Shift state machine over recorded event sequences: gaps and
+// holds at their limits, the interval's clamps, spoiling keys and modifiers,
+// and a property: no sequence with another key between the first press and
+// the second release is ever recognised.
+
+#include "TestEnvironment.h"
+
+#include "capture/DoubleShiftMonitor.h"
+
+#include <QRandomGenerator>
+
+#include <cmath>
+#include <limits>
+
+using namespace Vesko;
+
+namespace {
+
+class FakeKeys : public KeyMonitor
+{
+public:
+    bool start(std::function<void(const KeyEvent &)> receiver) override
+    {
+        if (!available)
+            return false;
+        this->receiver = std::move(receiver);
+        return true;
+    }
+    void stop() override { receiver = nullptr; }
+    bool isRunning() const override { return bool(receiver); }
+
+    bool available = true;
+    std::function<void(const KeyEvent &)> receiver;
+};
+
+constexpr quint16 leftShift = DoubleShiftMonitor::leftShiftKeyCode;
+constexpr quint16 rightShift = DoubleShiftMonitor::rightShiftKeyCode;
+constexpr quint16 keyA = 38;
+constexpr quint16 controlKey = 37; // Ctrl, the Command flag
+constexpr quint16 capsLock = 66;
+
+// A compact script: "S+@0" Shift (left) down at 0 s, "S-@0.1" up, "R+" right
+// Shift down, "A@0.2" a letter, "C+"/"C-" Ctrl down and up, "K+"/"K-" Caps Lock.
+QList<KeyEvent> script(const QString &text)
+{
+    QList<KeyEvent> events;
+    quint64 held = 0;
+    int shiftsDown = 0;
+    for (const QString &step : text.split(u' ', Qt::SkipEmptyParts)) {
+        const QString what = step.section(u'@', 0, 0);
+        const double time = step.section(u'@', 1, 1).toDouble();
+        if (what == u"A") {
+            events.append({KeyEvent::KeyDown, keyA, held, time});
+        } else if (what == u"S+" || what == u"R+") {
+            ++shiftsDown;
+            held |= ModifierFlag::Shift;
+            events.append(
+                {KeyEvent::FlagsChanged, what == u"S+" ? leftShift : rightShift, held, time});
+        } else if (what == u"S-" || what == u"R-") {
+            if (--shiftsDown == 0)
+                held &= ~ModifierFlag::Shift;
+            events.append(
+                {KeyEvent::FlagsChanged, what == u"S-" ? leftShift : rightShift, held, time});
+        } else if (what == u"C+" || what == u"C-") {
+            held = what == u"C+" ? held | ModifierFlag::Command : held & ~ModifierFlag::Command;
+            events.append({KeyEvent::FlagsChanged, controlKey, held, time});
+        } else if (what == u"K+" || what == u"K-") {
+            held = what == u"K+" ? held | ModifierFlag::CapsLock : held & ~ModifierFlag::CapsLock;
+            events.append({KeyEvent::FlagsChanged, capsLock, held, time});
+        }
+    }
+    return events;
+}
+
+} // namespace
+
+class DoubleShiftTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void limits_data();
+    void limits();
+    void sequences_data();
+    void sequences();
+    void stopForgetsAPendingTap();
+    void noStartWithoutCapture();
+    void anyOtherKeyBetweenTheTapsSpoils();
+};
+
+void DoubleShiftTest::limits_data()
+{
+    QTest::addColumn<double>("interval");
+    QTest::addColumn<double>("gap");
+    QTest::addColumn<double>("hold");
+    QTest::newRow("default") << 0.4 << 0.4 << 0.65;
+    QTest::newRow("below the range") << 0.1 << 0.2 << 0.65;
+    QTest::newRow("high") << 0.9 << 0.9 << 0.9;
+    QTest::newRow("above the range") << 1.5 << 1.0 << 1.0;
+    QTest::newRow("NaN") << std::numeric_limits<double>::quiet_NaN() << 1.0 << 1.0;
+}
+
+void DoubleShiftTest::limits()
+{
+    QFETCH(double, interval);
+    QFETCH(double, gap);
+    QFETCH(double, hold);
+    QCOMPARE(DoubleShiftMonitor::gapLimit(interval), gap);
+    QCOMPARE(DoubleShiftMonitor::holdLimit(interval), hold);
+}
+
+void DoubleShiftTest::sequences_data()
+{
+    QTest::addColumn<double>("interval");
+    QTest::addColumn<QString>("events");
+    QTest::addColumn<int>("triggers");
+
+    QTest::newRow("gap 0.40 at the default") << 0.4 << "S+@10 S-@10.1 S+@10.5 S-@10.6" << 1;
+    QTest::newRow("gap 0.41") << 0.4 << "S+@10 S-@10.1 S+@10.51 S-@10.6" << 0;
+    QTest::newRow("late tap starts again")
+        << 0.4 << "S+@10 S-@10.1 S+@10.51 S-@10.6 S+@10.8 S-@10.9" << 1;
+    QTest::newRow("third tap is a first tap")
+        << 0.4 << "S+@10 S-@10.1 S+@10.2 S-@10.3 S+@10.4 S-@10.5" << 1;
+    QTest::newRow("hold 0.65") << 0.4 << "S+@10 S-@10.65 S+@10.7 S-@10.8" << 1;
+    QTest::newRow("hold 0.66 clears the first tap")
+        << 0.4 << "S+@10 S-@10.1 S+@10.2 S-@10.86 S+@10.9 S-@11" << 0;
+    QTest::newRow("interval 0.1: gap 0.2") << 0.1 << "S+@10 S-@10.1 S+@10.3 S-@10.4" << 1;
+    QTest::newRow("interval 0.1: gap 0.21") << 0.1 << "S+@10 S-@10.1 S+@10.31 S-@10.4" << 0;
+    QTest::newRow("interval 0.9: hold 0.8") << 0.9 << "S+@10 S-@10.8 S+@11 S-@11.1" << 1;
+    QTest::newRow("interval 1.5: gap 1.0") << 1.5 << "S+@10 S-@10.1 S+@11.1 S-@11.2" << 1;
+    QTest::newRow("interval 1.5: gap 1.01") << 1.5 << "S+@10 S-@10.1 S+@11.11 S-@11.2" << 0;
+    QTest::newRow("NaN interval: gap 1.0")
+        << std::numeric_limits<double>::quiet_NaN() << "S+@10 S-@10.1 S+@11.1 S-@11.2" << 1;
+    QTest::newRow("a letter inside a press") << 0.4 << "S+@10 A@10.05 S-@10.1 S+@10.2 S-@10.3" << 0;
+    QTest::newRow("a letter, then two taps")
+        << 0.4 << "S+@10 A@10.05 S-@10.1 S+@10.2 S-@10.3 S+@10.4 S-@10.5" << 1;
+    QTest::newRow("Ctrl held") << 0.4 << "C+@9 S+@10 S-@10.1 S+@10.2 S-@10.3 C-@11" << 0;
+    QTest::newRow("left then right") << 0.4 << "S+@10 S-@10.1 R+@10.2 R-@10.3" << 1;
+    QTest::newRow("right tapped while left held")
+        << 0.4 << "S+@10 R+@10.05 R-@10.1 S-@10.15 S+@10.2 S-@10.3" << 1;
+    QTest::newRow("Caps Lock on") << 0.4 << "K+@9 K-@9.1 S+@10 S-@10.1 S+@10.2 S-@10.3" << 1;
+    QTest::newRow("Ctrl tapped between the taps")
+        << 0.4 << "S+@10 S-@10.1 C+@10.15 C-@10.2 S+@10.3 S-@10.4" << 0;
+    QTest::newRow("Ctrl released alone between the taps")
+        << 0.4 << "C+@9 S+@10 C-@10.05 S-@10.1 S+@10.2 S-@10.3 S+@10.4 S-@10.5" << 1;
+    QTest::newRow("two gestures") << 0.4
+                                  << "S+@10 S-@10.1 S+@10.2 S-@10.3 S+@12 S-@12.1 S+@12.2 S-@12.3"
+                                  << 2;
+}
+
+void DoubleShiftTest::sequences()
+{
+    QFETCH(double, interval);
+    QFETCH(QString, events);
+    QFETCH(int, triggers);
+    FakeKeys keys;
+    DoubleShiftMonitor monitor(
+        keys, [interval] { return interval; }, [] { return true; });
+    int count = 0;
+    monitor.onTrigger = [&count] { ++count; };
+    monitor.start();
+    QVERIFY(monitor.isListening());
+    for (const KeyEvent &event : script(events))
+        keys.receiver(event);
+    QCOMPARE(count, triggers);
+}
+
+void DoubleShiftTest::stopForgetsAPendingTap()
+{
+    FakeKeys keys;
+    DoubleShiftMonitor monitor(
+        keys, [] { return 0.4; }, [] { return true; });
+    int count = 0;
+    monitor.onTrigger = [&count] { ++count; };
+    monitor.start();
+    const QList<KeyEvent> events = script(QStringLiteral("S+@10 S-@10.1 S+@10.2 S-@10.3"));
+    keys.receiver(events[0]);
+    keys.receiver(events[1]);
+    monitor.stop();
+    monitor.start();
+    keys.receiver(events[2]);
+    keys.receiver(events[3]);
+    QCOMPARE(count, 0);
+}
+
+void DoubleShiftTest::noStartWithoutCapture()
+{
+    FakeKeys keys;
+    DoubleShiftMonitor untrusted(
+        keys, [] { return 0.4; }, [] { return false; });
+    untrusted.start();
+    QVERIFY(!untrusted.isListening());
+    keys.available = false;
+    DoubleShiftMonitor failing(
+        keys, [] { return 0.4; }, [] { return true; });
+    failing.start();
+    QVERIFY(!failing.isListening());
+}
+
+void DoubleShiftTest::anyOtherKeyBetweenTheTapsSpoils()
+{
+    // Random clean double taps with a letter or a modifier press put anywhere
+    // between the first press and the second release.
+    QRandomGenerator random(20261122);
+    for (int round = 0; round < 2000; ++round) {
+        FakeKeys keys;
+        DoubleShiftMonitor monitor(
+            keys, [] { return 0.4; }, [] { return true; });
+        int count = 0;
+        monitor.onTrigger = [&count] { ++count; };
+        monitor.start();
+        const double t0 = 100 + random.bounded(1000);
+        const QList<KeyEvent> taps = script(QStringLiteral("S+@%1 S-@%2 S+@%3 S-@%4")
+                                                .arg(t0)
+                                                .arg(t0 + 0.1)
+                                                .arg(t0 + 0.2)
+                                                .arg(t0 + 0.3));
+        const int at = 1 + int(random.bounded(3)); // before the 2nd, 3rd or 4th event
+        const bool letter = random.bounded(2) == 0;
+        const double time = taps[at - 1].timestamp + 0.01;
+        const quint64 flags = taps[at - 1].flags;
+        for (int i = 0; i < taps.size(); ++i) {
+            if (i == at) {
+                if (letter) {
+                    keys.receiver(
+                        {KeyEvent::KeyDown, quint16(10 + random.bounded(40)), flags, time});
+                } else {
+                    keys.receiver(
+                        {KeyEvent::FlagsChanged, controlKey, flags | ModifierFlag::Option, time});
+                    keys.receiver({KeyEvent::FlagsChanged, controlKey, flags, time});
+                }
+            }
+            keys.receiver(taps[i]);
+        }
+        QCOMPARE(count, 0);
+    }
+}
+
+VESKO_TEST_MAIN(DoubleShiftTest)
+#include "tst_doubleshift.moc"
