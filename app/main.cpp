@@ -11,9 +11,11 @@
 #include "platform/Logging.h"
 #include "platform/TerminationSignals.h"
 #include "shell/AppDelegate.h"
+#include "shell/DesktopCapture.h"
 #include "shell/Preferences.h"
 #include "shell/SingleInstance.h"
 #include "shell/Theme.h"
+#include "shell/Toast.h"
 #include "shell/TrayIcon.h"
 #include "store/Store.h"
 
@@ -46,7 +48,10 @@ int main(int argc, char *argv[])
         qlonglong(noteCount(store.library())));
 
     PanelController &panel = PanelController::shared();
-    AppDelegate delegate(store, preferences, panel, {});
+    // The hot keys' combinations and capture availability are read now; nothing
+    // is registered or listened to before the launch has finished.
+    DesktopCapture capture(store, preferences, panel, ToastPresenter::shared());
+    AppDelegate delegate(store, preferences, panel, capture.launchHooks());
     TrayIcon tray(panel, preferences);
 
     QObject::connect(

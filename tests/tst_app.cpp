@@ -8,7 +8,7 @@
 
 #include "TestEnvironment.h"
 
-#include "library/LibraryCoding.h"
+#include "ProgramSession.h"
 
 #include <QDir>
 #include <QProcess>
@@ -20,97 +20,30 @@ using namespace Vesko;
 
 namespace {
 
-//! A private set of XDG folders for one run of the program.
-class Session
-{
-public:
-    Session()
-    {
-        for (const char *folder : {"data", "config", "cache", "runtime"})
-            QDir(m_root.path()).mkpath(QString::fromLatin1(folder));
-        QFile::setPermissions(m_root.filePath(QStringLiteral("runtime")),
-            QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        m_environment = QProcessEnvironment::systemEnvironment();
-        m_environment.insert(
-            QStringLiteral("XDG_DATA_HOME"), m_root.filePath(QStringLiteral("data")));
-        m_environment.insert(
-            QStringLiteral("XDG_CONFIG_HOME"), m_root.filePath(QStringLiteral("config")));
-        m_environment.insert(
-            QStringLiteral("XDG_CACHE_HOME"), m_root.filePath(QStringLiteral("cache")));
-        m_environment.insert(
-            QStringLiteral("XDG_RUNTIME_DIR"), m_root.filePath(QStringLiteral("runtime")));
-        m_environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-    }
-
-    QString libraryFolder() const { return m_root.filePath(QStringLiteral("data/Vesko")); }
-    QString libraryPath() const { return libraryFolder() + QStringLiteral("/Library.json"); }
-
-    //! Starts vesko; the process ends with the session.
-    QProcess *start()
-    {
-        auto *process = new QProcess;
-        m_processes.append(process);
-        process->setProcessEnvironment(m_environment);
-        process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process->start(QStringLiteral(VESKO_PATH), {});
-        return process;
-    }
-
-    ~Session()
-    {
-        for (QProcess *process : std::as_const(m_processes)) {
-            if (process->state() != QProcess::NotRunning) {
-                process->kill();
-                process->waitForFinished(5000);
-            }
-            delete process;
-        }
-    }
-
-private:
-    QTemporaryDir m_root;
-    QProcessEnvironment m_environment;
-    QList<QProcess *> m_processes;
-};
-
-QString xdotool(const QStringList &arguments)
-{
-    QProcess process;
-    process.start(QStringLiteral("xdotool"), arguments);
-    process.waitForFinished(10000);
-    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
-}
+using Test::xdotool;
 
 //! The id of the visible panel window, or empty.
 QString visiblePanel()
 {
-    return xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                       QStringLiteral("--name"), QStringLiteral("^Vesko$")})
-        .section(u'\n', 0, 0);
-}
-
-Library readLibrary(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QString error;
-    const std::optional<Library> library = decodeLibrary(file.readAll(), &error);
-    if (!library)
-        qWarning("Cannot decode %s: %s", qPrintable(path), qPrintable(error));
-    return library.value_or(Library {});
+    return Test::visibleWindow(QStringLiteral("^Vesko$"));
 }
 
 QStringList noteTexts(const Library &library)
 {
     QStringList texts;
-    for (const Project &project : library.projects) {
-        for (const NoteSection &section : project.sections) {
-            for (const Note &note : section.notes)
-                texts.append(note.text);
-        }
-    }
+    for (const Note &note : Test::allNotes(library))
+        texts.append(note.text);
     return texts;
+}
+
+struct Session : Test::ProgramSession
+{
+    QProcess *start() { return ProgramSession::start(QStringLiteral(VESKO_PATH)); }
+};
+
+Library readLibrary(const QString &path)
+{
+    return Test::readLibraryFile(path);
 }
 
 } // namespace
@@ -222,8 +155,8 @@ void AppTest::startsAgainAfterACrash()
     QProcess *next = session.start();
     QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
     QCOMPARE(next->state(), QProcess::Running);
-    QCOMPARE(xdotool({QStringLiteral("getwindowpid"), visiblePanel()}).toLongLong(),
-        next->processId());
+    QCOMPARE(
+        xdotool({QStringLiteral("getwindowpid"), visiblePanel()}).toLongLong(), next->processId());
 }
 
 void AppTest::unreadableLibraryIsSetAside()

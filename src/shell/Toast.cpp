@@ -4,6 +4,7 @@
 
 #include "panel/PanelPlacement.h"
 #include "platform/DesktopScreens.h"
+#include "platform/X11Window.h"
 #include "shell/Theme.h"
 
 #include <QCursor>
@@ -55,7 +56,23 @@ public:
         m_message = message;
         m_symbol = symbol;
         resize(sizeHint());
+        // Without a compositor a transparent window shows black: the capsule
+        // is painted solid and the window shaped to it.
+        m_solid = !X11Window::hasCompositingManager();
+        if (m_solid) {
+            QPainterPath path;
+            path.addRoundedRect(
+                capsuleRect(), capsuleRect().height() / 2, capsuleRect().height() / 2);
+            setMask(QRegion(path.toFillPolygon().toPolygon()));
+        } else {
+            clearMask();
+        }
         update();
+    }
+
+    QRectF capsuleRect() const
+    {
+        return QRectF(rect()).adjusted(outerMargin, outerMargin, -outerMargin, -outerMargin);
     }
 
     QString message() const { return m_message; }
@@ -83,7 +100,7 @@ protected:
         QPainterPath path;
         path.addRoundedRect(capsule, capsule.height() / 2, capsule.height() / 2);
         QColor fill = colors.panelSurface;
-        fill.setAlpha(245);
+        fill.setAlpha(m_solid ? 255 : 245);
         painter.fillPath(path, fill);
         painter.setPen(QPen(colors.surfaceStroke, 1));
         painter.drawPath(path);
@@ -102,6 +119,7 @@ protected:
 private:
     QString m_message;
     QString m_symbol;
+    bool m_solid = false;
 };
 
 ToastPresenter::ToastPresenter(QObject *parent)

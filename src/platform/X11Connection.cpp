@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/X11Connection.h"
+
+#include <QSocketNotifier>
+
+#include <cstdlib>
+#include <cstring>
+
+namespace Vesko {
+
+X11Connection::X11Connection(QObject *parent)
+    : QObject(parent)
+{
+    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
+    if (xcb_connection_has_error(connection)) {
+        xcb_disconnect(connection);
+        return;
+    }
+    m_connection = connection;
+    m_root = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root;
+    m_notifier
+        = new QSocketNotifier(xcb_get_file_descriptor(m_connection), QSocketNotifier::Read, this);
+    connect(m_notifier, &QSocketNotifier::activated, this, &X11Connection::dispatch);
+}
+
+X11Connection::~X11Connection()
+{
+    if (m_connection)
+        xcb_disconnect(m_connection);
+}
+
+xcb_atom_t X11Connection::atom(const char *name)
+{
+    xcb_intern_atom_reply_t *reply = xcb_intern_atom_reply(
+        m_connection, xcb_intern_atom(m_connection, 0, uint16_t(std::strlen(name)), name), nullptr);
+    const xcb_atom_t result = reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
+    std::free(reply);
+    return result;
+}
+
+std::optional<uint8_t> X11Connection::extensionOpcode(const char *name)
+{
+    xcb_query_extension_reply_t *reply = xcb_query_extension_reply(m_connection,
+        xcb_query_extension(m_connection, uint16_t(std::strlen(name)), name), nullptr);
+    std::optional<uint8_t> opcode;
+    if (reply && reply->present)
+        opcode = reply->major_opcode;
+    std::free(reply);
+    return opcode;
+}
+
+void X11Connection::setEventHandler(std::function<void(xcb_generic_event_t *)> handler)
+{
+    m_handler = std::move(handler);
+}
+
+void X11Connection::dispatch()
+{
+    if (!m_connection)
+        return;
+    while (xcb_generic_event_t *event = xcb_poll_for_event(m_connection)) {
+        if (m_handler)
+            m_handler(event);
+        std::free(event);
+    }
+}
+
+std::optional<QByteArray> X11Connection::property(
+    xcb_window_t window, xcb_atom_t property, xcb_atom_t type, xcb_atom_t *actualType)
+{
+    xcb_get_property_reply_t *reply = xcb_get_property_reply(m_connection,
+        xcb_get_property(m_connection, 0, window, property, type, 0, 1 << 20), nullptr);
+    if (!reply || reply->type == XCB_ATOM_NONE) {
+        std::free(reply);
+        return std::nullopt;
+    }
+    if (actualType)
+        *actualType = reply->type;
+    const QByteArray bytes(static_cast<const char *>(xcb_get_property_value(reply)),
+        xcb_get_property_value_length(reply));
+    std::free(reply);
+    return bytes;
+}
+
+std::optional<uint32_t> X11Connection::cardinal(
+    xcb_window_t window, xcb_atom_t property, xcb_atom_t type)
+{
+    const std::optional<QByteArray> bytes = this->property(window, property, type);
+    if (!bytes || bytes->size() < 4)
+        return std::nullopt;
+    uint32_t value = 0;
+    std::memcpy(&value, bytes->constData(), 4);
+    return value;
+}
+
+} // namespace Vesko

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// A connection of Vesko's own to the X server, apart from Qt's, read on the
+// main thread: the key monitor, the hot keys and the selection reader each
+// keep one, so that what they select and grab does not mix with Qt's own
+// windows and events.
+
+#pragma once
+
+#include <QObject>
+
+#include <xcb/xcb.h>
+
+#include <functional>
+#include <optional>
+
+class QSocketNotifier;
+
+namespace Vesko {
+
+class X11Connection : public QObject
+{
+    Q_OBJECT
+
+public:
+    //! Connects to $DISPLAY; isValid() tells whether it worked.
+    explicit X11Connection(QObject *parent = nullptr);
+    ~X11Connection() override;
+
+    bool isValid() const { return m_connection != nullptr; }
+    xcb_connection_t *get() const { return m_connection; }
+    xcb_window_t root() const { return m_root; }
+
+    xcb_atom_t atom(const char *name);
+    //! The first major opcode of an extension the server offers, if it does.
+    std::optional<uint8_t> extensionOpcode(const char *name);
+
+    //! Every event read from the connection goes to \a handler, on the main thread.
+    void setEventHandler(std::function<void(xcb_generic_event_t *)> handler);
+    //! Reads what is waiting now.
+    void dispatch();
+
+    //! A property's bytes (of any type when \a type is XCB_ATOM_ANY), if set.
+    std::optional<QByteArray> property(xcb_window_t window, xcb_atom_t property,
+        xcb_atom_t type = XCB_ATOM_ANY, xcb_atom_t *actualType = nullptr);
+    //! A 32-bit property's first value.
+    std::optional<uint32_t> cardinal(xcb_window_t window, xcb_atom_t property, xcb_atom_t type);
+
+private:
+    xcb_connection_t *m_connection = nullptr;
+    xcb_window_t m_root = 0;
+    QSocketNotifier *m_notifier = nullptr;
+    std::function<void(xcb_generic_event_t *)> m_handler;
+};
+
+} // namespace Vesko

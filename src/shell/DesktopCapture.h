@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Capture as the running program has it: the X11 key monitor, hot keys and
+// session, the Qt clipboard, and the capture logic over them, answering with
+// the panel and the toast. Made once, after the Store and the Preferences.
+
+#pragma once
+
+#include "shell/AppDelegate.h"
+
+#include <QObject>
+
+#include <memory>
+
+namespace Vesko {
+
+class AccessibilityPermission;
+class CaptureEngine;
+class DoubleShiftMonitor;
+class HotKeyCenter;
+class PanelController;
+class Preferences;
+class QtClipboard;
+class SelectionReader;
+class Store;
+class ToastPresenter;
+class X11HotKeys;
+class X11KeyMonitor;
+class X11Session;
+
+class DesktopCapture : public QObject
+{
+    Q_OBJECT
+
+public:
+    DesktopCapture(Store &store, Preferences &preferences, PanelController &panel,
+        ToastPresenter &toasts, QObject *parent = nullptr);
+    ~DesktopCapture() override;
+
+    HotKeyCenter &hotKeys() { return *m_hotKeys; }
+    AccessibilityPermission &permission() { return *m_permission; }
+    //! Made on first use, at launch.
+    CaptureEngine &engine();
+
+    //! The launch and termination steps that belong to capture.
+    AppDelegate::Hooks launchHooks();
+
+private:
+    class Feedback;
+
+    Store &m_store;
+    Preferences &m_preferences;
+    std::unique_ptr<QtClipboard> m_clipboard;
+    std::unique_ptr<X11HotKeys> m_registrar;
+    std::unique_ptr<HotKeyCenter> m_hotKeys;
+    std::unique_ptr<AccessibilityPermission> m_permission;
+    std::unique_ptr<X11KeyMonitor> m_keys;
+    std::unique_ptr<X11Session> m_session;
+    std::unique_ptr<DoubleShiftMonitor> m_doubleShift;
+    std::unique_ptr<SelectionReader> m_reader;
+    std::unique_ptr<Feedback> m_feedback;
+    std::unique_ptr<CaptureEngine> m_engine;
+};
+
+} // namespace Vesko

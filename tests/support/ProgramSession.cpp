@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ProgramSession.h"
+
+#include "library/LibraryCoding.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace Vesko::Test {
+
+ProgramSession::ProgramSession()
+{
+    for (const char *folder : {"data", "config", "cache", "runtime"})
+        QDir(m_root.path()).mkpath(QString::fromLatin1(folder));
+    QFile::setPermissions(m_root.filePath(QStringLiteral("runtime")),
+        QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    m_environment = QProcessEnvironment::systemEnvironment();
+    m_environment.insert(QStringLiteral("XDG_DATA_HOME"), m_root.filePath(QStringLiteral("data")));
+    m_environment.insert(
+        QStringLiteral("XDG_CONFIG_HOME"), m_root.filePath(QStringLiteral("config")));
+    m_environment.insert(
+        QStringLiteral("XDG_CACHE_HOME"), m_root.filePath(QStringLiteral("cache")));
+    m_environment.insert(
+        QStringLiteral("XDG_RUNTIME_DIR"), m_root.filePath(QStringLiteral("runtime")));
+    m_environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+}
+
+ProgramSession::~ProgramSession()
+{
+    for (QProcess *process : std::as_const(m_processes)) {
+        if (process->state() != QProcess::NotRunning) {
+            process->kill();
+            process->waitForFinished(5000);
+        }
+        delete process;
+    }
+}
+
+QString ProgramSession::libraryFolder() const
+{
+    return m_root.filePath(QStringLiteral("data/Vesko"));
+}
+
+QString ProgramSession::libraryPath() const
+{
+    return libraryFolder() + QStringLiteral("/Library.json");
+}
+
+QString ProgramSession::configPath() const
+{
+    return m_root.filePath(QStringLiteral("config/Vesko/Vesko.conf"));
+}
+
+QProcess *ProgramSession::start(const QString &program, const QStringList &arguments)
+{
+    auto *process = new QProcess;
+    m_processes.append(process);
+    process->setProcessEnvironment(m_environment);
+    process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process->start(program, arguments);
+    return process;
+}
+
+QString xdotool(const QStringList &arguments)
+{
+    QProcess process;
+    process.start(QStringLiteral("xdotool"), arguments);
+    process.waitForFinished(10000);
+    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+}
+
+QString visibleWindow(const QString &pattern)
+{
+    return xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                       QStringLiteral("--name"), pattern})
+        .section(u'\n', 0, 0);
+}
+
+Library readLibraryFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return decodeLibrary(file.readAll()).value_or(Library {});
+}
+
+QList<Note> allNotes(const Library &library)
+{
+    QList<Note> notes;
+    for (const Project &project : library.projects) {
+        for (const NoteSection &section : project.sections)
+            notes.append(section.notes);
+    }
+    return notes;
+}
+
+} // namespace Vesko::Test

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Runs the vesko program (and helpers beside it) from the outside in the
+// current X session: private XDG folders per session, xdotool for the
+// keyboard and the pointer, the library file read back with the decoder.
+
+#pragma once
+
+#include "library/Library.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+
+namespace Vesko::Test {
+
+class ProgramSession
+{
+public:
+    ProgramSession();
+    ~ProgramSession();
+
+    QString libraryFolder() const;
+    QString libraryPath() const;
+    QString configPath() const;
+
+    //! Starts \a program with the session's environment; it ends with the session.
+    QProcess *start(const QString &program, const QStringList &arguments = {});
+
+private:
+    QTemporaryDir m_root;
+    QProcessEnvironment m_environment;
+    QList<QProcess *> m_processes;
+};
+
+//! Runs xdotool and returns its output, trimmed.
+QString xdotool(const QStringList &arguments);
+//! The id of the first visible window whose name matches \a pattern, or empty.
+QString visibleWindow(const QString &pattern);
+//! The library in \a path; an empty one when it cannot be read.
+Library readLibraryFile(const QString &path);
+QList<Note> allNotes(const Library &library);
+
+} // namespace Vesko::Test
