@@ -31,12 +31,14 @@ public:
     void stop() override;
     bool isRunning() const override { return bool(m_receiver); }
 
-    //! Turns one raw event (press or release of \a keyCode at \a time ms) into
-    //! what the receiver gets, if anything; public for the benchmark.
-    std::optional<KeyEvent> translate(bool press, quint8 keyCode, quint32 time);
+    //! Decodes one event of the connection and delivers what it means, if
+    //! anything; public for the benchmark.
+    void handleEvent(xcb_generic_event_t *event);
+    uint8_t xinputOpcode() const { return m_xinputOpcode; }
 
 private:
-    void handleEvent(xcb_generic_event_t *event);
+    //! One raw press or release of \a keyCode at \a time (ms) as the receiver gets it.
+    std::optional<KeyEvent> translate(bool press, quint8 keyCode, quint32 time);
 
     std::unique_ptr<X11Connection> m_connection;
     std::unique_ptr<X11Keyboard> m_keyboard;

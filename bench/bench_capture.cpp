@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Capture's costs on a real X server (tests/x-session.sh):
+// - the key monitor per raw key event, decoding plus the double-Shift state
+//   machine, beside decoding alone;
+// - capture latency, from the XTEST release of the second Shift to the note
+//   in the Store, through the primary selection of an xterm and through the
+//   synthetic copy of a window that answers Ctrl+C; beside the time the same
+//   release takes to reach the key monitor.
+
+#include "RatioReporter.h"
+#include "TestEnvironment.h"
+
+#include "attachments/AttachmentStore.h"
+#include "capture/AccessibilityPermission.h"
+#include "capture/CaptureEngine.h"
+#include "capture/DoubleShiftMonitor.h"
+#include "capture/HotKeyCenter.h"
+#include "capture/SelectionReader.h"
+#include "library/LibraryWriter.h"
+#include "platform/QtClipboard.h"
+#include "platform/X11Connection.h"
+#include "platform/X11HotKeys.h"
+#include "platform/X11KeyMonitor.h"
+#include "platform/X11Session.h"
+#include "search/SearchIndex.h"
+#include "shell/Preferences.h"
+#include "store/Store.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QProcess>
+#include <QTimer>
+
+#include <benchmark/benchmark.h>
+#include <xcb/xinput.h>
+#include <xcb/xtest.h>
+
+#include <cstdio>
+
+using namespace Vesko;
+
+namespace {
+
+class SilentFeedback : public CaptureFeedback
+{
+public:
+    void showPanel(bool, bool) override { }
+    void togglePanel() override { }
+    void toast(const QString &, const QString &) override { }
+};
+
+//! Raw key events as the server sends them: a letter and a Shift, each
+//! pressed and released.
+std::vector<xcb_input_raw_key_press_event_t> rawEvents(uint8_t opcode)
+{
+    std::vector<xcb_input_raw_key_press_event_t> events(4);
+    for (size_t i = 0; i < events.size(); ++i) {
+        xcb_input_raw_key_press_event_t &event = events[i];
+        event = {};
+        event.response_type = XCB_GE_GENERIC;
+        event.extension = opcode;
+        event.event_type = i % 2 == 0 ? XCB_INPUT_RAW_KEY_PRESS : XCB_INPUT_RAW_KEY_RELEASE;
+        event.detail = i < 2 ? 38 : 50;
+        event.time = 1000 + uint32_t(i) * 50;
+    }
+    return events;
+}
+
+void BM_DecodeRawKeyEvent(benchmark::State &state)
+{
+    X11KeyMonitor monitor;
+    quint64 delivered = 0;
+    if (!monitor.start([&delivered](const KeyEvent &) { ++delivered; })) {
+        state.SkipWithError("no XInput 2");
+        return;
+    }
+    auto events = rawEvents(monitor.xinputOpcode());
+    for (auto _ : state) {
+        for (auto &event : events)
+            monitor.handleEvent(reinterpret_cast<xcb_generic_event_t *>(&event));
+    }
+    benchmark::DoNotOptimize(delivered);
+    state.SetItemsProcessed(state.iterations() * qint64(events.size()));
+}
+
+void BM_DecodeAndRecognize(benchmark::State &state)
+{
+    X11KeyMonitor keys;
+    DoubleShiftMonitor doubleShift(
+        keys, [] { return 0.4; }, [] { return true; });
+    doubleShift.start();
+    if (!doubleShift.isListening()) {
+        state.SkipWithError("no XInput 2");
+        return;
+    }
+    auto events = rawEvents(keys.xinputOpcode());
+    for (auto _ : state) {
+        for (auto &event : events)
+            keys.handleEvent(reinterpret_cast<xcb_generic_event_t *>(&event));
+    }
+    state.SetItemsProcessed(state.iterations() * qint64(events.size()));
+}
+
+//! The capture pieces of the program over a fresh Store.
+struct CaptureRig
+{
+    CaptureRig()
+        : store(Library {}, {Preferences::shared(), writer, attachments, index})
+        , hotKeys(registrar)
+        , permission(&X11Session::isCaptureAvailable)
+        , doubleShift(
+              keys, [] { return 0.4; }, [this] { return permission.isTrusted(); })
+        , reader(session, clipboard, [this] { return permission.isTrusted(); })
+        , engine({store, Preferences::shared(), hotKeys, doubleShift, reader, permission, feedback,
+              clipboard})
+    {
+        engine.start();
+    }
+
+    LibraryWriter writer;
+    AttachmentStore attachments;
+    SearchIndex index;
+    Store store;
+    QtClipboard clipboard;
+    X11HotKeys registrar;
+    HotKeyCenter hotKeys;
+    AccessibilityPermission permission;
+    X11KeyMonitor keys;
+    X11Session session;
+    SilentFeedback feedback;
+    DoubleShiftMonitor doubleShift;
+    SelectionReader reader;
+    CaptureEngine engine;
+};
+
+void run(const QString &program, const QStringList &arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    process.waitForFinished(10000);
+}
+
+bool waitFor(QObject *sender, const char *signal, int milliseconds = 3000)
+{
+    QEventLoop loop;
+    QObject::connect(sender, signal, &loop, SLOT(quit()));
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    QElapsedTimer timer;
+    timer.start();
+    loop.exec();
+    return timer.elapsed() < milliseconds;
+}
+
+void settle(int milliseconds)
+{
+    QEventLoop loop;
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+//! Taps Shift once through XTEST; returns when the release has been sent.
+void tapShift(X11Connection &x, quint8 shift)
+{
+    xcb_test_fake_input(x.get(), XCB_KEY_PRESS, shift, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    xcb_test_fake_input(x.get(), XCB_KEY_RELEASE, shift, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    xcb_flush(x.get());
+}
+
+enum class Path { KeyDelivery, Primary, Copy };
+
+void BM_Capture(benchmark::State &state)
+{
+    const Path path = Path(state.range(0));
+    static CaptureRig *rig = new CaptureRig;
+    static QProcess *xterm = nullptr;
+    static QProcess *copyTarget = nullptr;
+    X11Connection x;
+    const quint8 shift = 50;
+
+    if (path == Path::Primary || path == Path::KeyDelivery) {
+        if (!xterm) {
+            xterm = new QProcess;
+            xterm->start(QStringLiteral("xterm"),
+                {QStringLiteral("-T"), QStringLiteral("bench"), QStringLiteral("-geometry"),
+                    QStringLiteral("80x8+20+20"), QStringLiteral("-e"), QStringLiteral("sh"),
+                    QStringLiteral("-c"),
+                    QStringLiteral("echo captured by the benchmark; sleep 3600")});
+            settle(1500);
+        }
+        run(QStringLiteral("sh"),
+            {QStringLiteral("-c"),
+                QStringLiteral("w=$(xdotool search --name '^bench$' | head -1); "
+                               "xdotool windowactivate --sync $w mousemove --window $w 30 6 "
+                               "click --repeat 3 --delay 80 1")});
+    } else {
+        if (!copyTarget) {
+            copyTarget = new QProcess;
+            copyTarget->start(QStringLiteral(COPY_TARGET_PATH),
+                {QStringLiteral("copied by the benchmark"), QStringLiteral("0")});
+            settle(1500);
+        }
+        run(QStringLiteral("sh"),
+            {QStringLiteral("-c"),
+                QStringLiteral("xdotool windowactivate --sync $(xdotool search --name '^Copy "
+                               "Target$' | head -1)")});
+    }
+    settle(200);
+
+    for (auto _ : state) {
+        tapShift(x, shift);
+        settle(150);
+        QElapsedTimer timer;
+        xcb_test_fake_input(x.get(), XCB_KEY_PRESS, shift, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+        xcb_flush(x.get());
+        settle(60);
+        xcb_test_fake_input(x.get(), XCB_KEY_RELEASE, shift, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+        xcb_flush(x.get());
+        timer.start();
+        bool arrived;
+        if (path == Path::KeyDelivery) {
+            // The same release, only as far as the gesture's recognition.
+            arrived = waitFor(&rig->engine, SIGNAL(isCapturingChanged()));
+        } else {
+            arrived = waitFor(&rig->store, SIGNAL(libraryChanged()));
+        }
+        state.SetIterationTime(double(timer.nsecsElapsed()) / 1e9);
+        if (!arrived) {
+            state.SkipWithError("nothing arrived");
+            break;
+        }
+        waitFor(&rig->engine, SIGNAL(captureFinished()), 2000);
+        settle(500); // beyond the gesture's gap
+    }
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    Test::IsolatedEnvironment environment;
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    QApplication app(argc, argv);
+    Preferences::shared().setShowPanelOnCapture(false);
+    benchmark::RegisterBenchmark("BM_DecodeRawKeyEvent", BM_DecodeRawKeyEvent);
+    benchmark::RegisterBenchmark("BM_DecodeAndRecognize", BM_DecodeAndRecognize);
+    for (const auto &[name, path] : {std::pair {"BM_CaptureKeyDelivery", Path::KeyDelivery},
+             std::pair {"BM_CapturePrimary", Path::Primary},
+             std::pair {"BM_CaptureCopy", Path::Copy}}) {
+        benchmark::RegisterBenchmark(name, BM_Capture)
+            ->Arg(int(path))
+            ->Iterations(10)
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond);
+    }
+    benchmark::Initialize(&argc, argv);
+    Bench::RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    std::printf("\nkey monitor per event: %.1f ns, %.2f of decoding alone\n",
+        reporter.times["BM_DecodeAndRecognize"] / 4,
+        reporter.ratio("BM_DecodeAndRecognize", "BM_DecodeRawKeyEvent"));
+    const std::string delivery = "BM_CaptureKeyDelivery/0/iterations:10/manual_time";
+    const std::string primary = "BM_CapturePrimary/1/iterations:10/manual_time";
+    const std::string copy = "BM_CaptureCopy/2/iterations:10/manual_time";
+    std::printf("release to recognition: %.2f ms\n", reporter.times[delivery]);
+    std::printf("release to note, primary selection: %.2f ms, %.1f of recognition\n",
+        reporter.times[primary], reporter.ratio(primary, delivery));
+    std::printf("release to note, synthetic copy: %.2f ms, %.1f of recognition\n",
+        reporter.times[copy], reporter.ratio(copy, delivery));
+    benchmark::Shutdown();
+    return 0;
+}
