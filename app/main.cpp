@@ -5,6 +5,7 @@
 // shows the floating panel once the event loop runs, and writes the library
 // on the way out, however it is asked to end.
 
+#include "capture/CaptureEngine.h"
 #include "library/Library.h"
 #include "panel/PanelController.h"
 #include "panel/PanelState.h"
@@ -57,6 +58,8 @@ int main(int argc, char *argv[])
     QObject::connect(
         &instance, &SingleInstance::reopenRequested, &delegate, &AppDelegate::handleReopen);
     QObject::connect(&tray, &TrayIcon::quitRequested, &app, &QApplication::quit);
+    QObject::connect(&tray, &TrayIcon::captureRequested, &capture,
+        [&capture] { capture.engine().captureSelection(); });
     TerminationSignals terminationSignals;
     QObject::connect(
         &terminationSignals, &TerminationSignals::terminationRequested, &app, &QApplication::quit);

@@ -45,6 +45,7 @@ void TrayIcon::rebuildMenu()
     m_menu->clear();
     m_menu->addAction(m_panel.isPanelShown() ? tr("Hide Vesko") : tr("Show Vesko"), this,
         [this] { m_panel.toggle(); });
+    m_menu->addAction(tr("Capture Selection"), this, &TrayIcon::captureRequested);
     m_menu->addAction(tr("Add a Note"), this, [this] { m_panel.show(true, true); });
     m_menu->addSeparator();
     m_menu->addAction(tr("Quit Vesko"), QKeySequence::Quit, this, &TrayIcon::quitRequested);

@@ -28,6 +28,7 @@ public:
     QStringList menuTitles();
 
 Q_SIGNALS:
+    void captureRequested();
     void quitRequested();
 
 private:
