@@ -174,7 +174,8 @@ private Q_SLOTS:
     void hotKeyDisplay();
 
     void primarySelectionOfTheFrontProcess();
-    void primaryOfAnotherProcessFallsBackToCopy();
+    void primaryFallsBackToCopy_data();
+    void primaryFallsBackToCopy();
     void copyFallbacks_data();
     void copyFallbacks();
     void neverCopiesInATerminal();
@@ -188,6 +189,10 @@ private Q_SLOTS:
 
 private:
     std::unique_ptr<Store> makeStore();
+
+    LibraryWriter m_writer;
+    AttachmentStore m_attachments;
+    SearchIndex m_index;
 };
 
 void CaptureTest::init()
@@ -357,13 +362,23 @@ void CaptureTest::primarySelectionOfTheFrontProcess()
     QCOMPARE(clipboard.count, 0u);
 }
 
-void CaptureTest::primaryOfAnotherProcessFallsBackToCopy()
+void CaptureTest::primaryFallsBackToCopy_data()
 {
+    QTest::addColumn<QString>("primary");
+    QTest::addColumn<qint64>("owner");
+    QTest::newRow("owned by another process") << "someone else's" << qint64(1);
+    QTest::newRow("blank, of the front process") << " \n\t " << qint64(77);
+}
+
+void CaptureTest::primaryFallsBackToCopy()
+{
+    QFETCH(QString, primary);
+    QFETCH(qint64, owner);
     FakeSession session;
     FakeClipboard clipboard;
     session.front = editor();
-    session.primary = QStringLiteral("someone else's");
-    session.primaryOwner = 1;
+    session.primary = primary;
+    session.primaryOwner = owner;
     session.onCopy = [&](int) { clipboard.setText(QStringLiteral("from the editor")); };
     SelectionReader reader(session, clipboard, [] { return true; });
     std::optional<CapturedSelection> result;
@@ -453,11 +468,8 @@ void CaptureTest::neverCopiesInATerminal()
 
 std::unique_ptr<Store> CaptureTest::makeStore()
 {
-    static LibraryWriter writer;
-    static AttachmentStore attachments;
-    static SearchIndex index;
     return std::make_unique<Store>(
-        Library {}, Store::Services {Preferences::shared(), writer, attachments, index});
+        Library {}, Store::Services {Preferences::shared(), m_writer, m_attachments, m_index});
 }
 
 void CaptureTest::captureIntoTheSourceSection_data()

@@ -53,7 +53,7 @@ bool X11KeyMonitor::start(std::function<void(const KeyEvent &)> receiver)
     m_xinputOpcode = *opcode;
     m_connection = std::move(connection);
     m_receiver = std::move(receiver);
-    m_held.clear();
+    m_held.reset();
     m_flags = 0;
     m_connection->setEventHandler([this](xcb_generic_event_t *event) { handleEvent(event); });
     xcb_flush(m_connection->get());
@@ -65,7 +65,7 @@ void X11KeyMonitor::stop()
     m_receiver = nullptr;
     m_connection.reset();
     m_keyboard.reset();
-    m_held.clear();
+    m_held.reset();
     m_flags = 0;
 }
 
@@ -73,23 +73,19 @@ std::optional<KeyEvent> X11KeyMonitor::translate(bool press, quint8 keyCode, qui
 {
     const double timestamp = double(time) / 1000.0;
     if (!m_keyboard->isModifier(keyCode)) {
-        if (!press) {
-            m_held.remove(keyCode);
+        m_held[keyCode] = press;
+        if (!press)
             return std::nullopt;
-        }
-        m_held.insert(keyCode);
         return KeyEvent {KeyEvent::KeyDown, keyCode, m_flags, timestamp};
     }
-    if (press) {
-        if (m_held.contains(keyCode))
-            return std::nullopt; // a repeat
-        m_held.insert(keyCode);
-    } else if (!m_held.remove(keyCode)) {
-        return std::nullopt; // a release repeated, or of a key pressed before we listened
-    }
+    if (m_held[keyCode] == press)
+        return std::nullopt; // a repeated press or release, or of a key pressed before we listened
+    m_held[keyCode] = press;
     quint64 flags = 0;
-    for (quint8 held : std::as_const(m_held))
-        flags |= m_keyboard->modifierFlag(held);
+    for (quint8 modifier : m_keyboard->modifierKeyCodes()) {
+        if (m_held[modifier])
+            flags |= m_keyboard->modifierFlag(modifier);
+    }
     m_flags = flags;
     return KeyEvent {KeyEvent::FlagsChanged, keyCode, m_flags, timestamp};
 }

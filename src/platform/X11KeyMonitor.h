@@ -10,7 +10,7 @@
 
 #include "capture/KeyEvent.h"
 
-#include <QSet>
+#include <bitset>
 
 #include <xcb/xcb.h>
 
@@ -44,7 +44,8 @@ private:
     std::unique_ptr<X11Keyboard> m_keyboard;
     uint8_t m_xinputOpcode = 0;
     std::function<void(const KeyEvent &)> m_receiver;
-    QSet<quint8> m_held;
+    //! The keys down now, by key code; fixed storage, nothing allocated per key.
+    std::bitset<256> m_held;
     quint64 m_flags = 0;
 };
 

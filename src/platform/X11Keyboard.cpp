@@ -19,6 +19,7 @@ X11Keyboard::X11Keyboard(xcb_connection_t *connection)
 void X11Keyboard::reload()
 {
     m_modifierFlags.clear();
+    m_modifierKeyCodes.clear();
     m_keysyms.clear();
     if (!m_connection)
         return;
@@ -35,8 +36,10 @@ void X11Keyboard::reload()
         for (int modifier = 0; modifier < 8; ++modifier) {
             for (int i = 0; i < perModifier; ++i) {
                 const xcb_keycode_t code = codes[modifier * perModifier + i];
-                if (code != 0 && flags[modifier] != 0)
+                if (code != 0 && flags[modifier] != 0 && !m_modifierFlags.contains(code)) {
                     m_modifierFlags.insert(code, flags[modifier]);
+                    m_modifierKeyCodes.append(code);
+                }
             }
         }
         std::free(modifiers);

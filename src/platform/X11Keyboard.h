@@ -27,6 +27,8 @@ public:
     //! Control (Super), SecondaryFn (AltGr), CapsLock; 0 for other keys.
     quint64 modifierFlag(quint8 keyCode) const { return m_modifierFlags.value(keyCode); }
     bool isModifier(quint8 keyCode) const { return m_modifierFlags.contains(keyCode); }
+    //! Every modifier key, in no particular order.
+    const QList<quint8> &modifierKeyCodes() const { return m_modifierKeyCodes; }
     //! The first key code that produces \a keysym at its first level, or 0.
     quint8 keyCodeOf(quint32 keysym) const;
     quint32 keysymAt(quint8 keyCode) const;
@@ -38,6 +40,7 @@ public:
 private:
     xcb_connection_t *m_connection;
     QHash<quint8, quint64> m_modifierFlags;
+    QList<quint8> m_modifierKeyCodes;
     quint8 m_minKeyCode = 8;
     int m_keysymsPerKeyCode = 0;
     QList<quint32> m_keysyms;
