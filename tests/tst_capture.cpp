@@ -142,6 +142,32 @@ public:
     }
 };
 
+//! The capture logic over fakes of the desktop, as the program puts it together.
+struct EngineRig
+{
+    explicit EngineRig(
+        Store &store, std::function<bool()> available = [] { return true; })
+        : hotKeys(registrar)
+        , permission(std::move(available))
+        , monitor(
+              keys, [] { return 0.4; }, [this] { return permission.isTrusted(); })
+        , reader(session, clipboard, [this] { return permission.isTrusted(); })
+        , engine({store, Preferences::shared(), hotKeys, monitor, reader, permission, feedback,
+              clipboard})
+    { }
+
+    FakeSession session;
+    FakeClipboard clipboard;
+    FakeKeys keys;
+    FakeRegistrar registrar;
+    FakeFeedback feedback;
+    HotKeyCenter hotKeys;
+    AccessibilityPermission permission;
+    DoubleShiftMonitor monitor;
+    SelectionReader reader;
+    CaptureEngine engine;
+};
+
 FrontApplication xterm()
 {
     return {QStringLiteral("XTerm"), QStringLiteral("xterm"), 4242,
@@ -498,31 +524,20 @@ void CaptureTest::captureIntoTheSourceSection()
     QFETCH(QString, section);
     Preferences::shared().setGroupCapturesBySource(bySource);
     const std::unique_ptr<Store> store = makeStore();
-    FakeSession session;
-    FakeClipboard clipboard;
-    FakeKeys keys;
-    FakeRegistrar registrar;
-    FakeFeedback feedback;
-    session.front = FrontApplication {appName, std::nullopt, 5, title, true};
-    session.primary = QStringLiteral("selected words");
-    session.primaryOwner = 5;
-    HotKeyCenter hotKeys(registrar);
-    AccessibilityPermission permission([] { return true; });
-    DoubleShiftMonitor monitor(
-        keys, [] { return 0.4; }, [&] { return permission.isTrusted(); });
-    SelectionReader reader(session, clipboard, [&] { return permission.isTrusted(); });
-    CaptureEngine engine(
-        {*store, Preferences::shared(), hotKeys, monitor, reader, permission, feedback, clipboard});
-    engine.start();
-    QVERIFY(engine.isListeningForDoubleShift());
+    EngineRig rig(*store);
+    rig.session.front = FrontApplication {appName, std::nullopt, 5, title, true};
+    rig.session.primary = QStringLiteral("selected words");
+    rig.session.primaryOwner = 5;
+    rig.engine.start();
+    QVERIFY(rig.engine.isListeningForDoubleShift());
 
     // Two Shift taps reach the engine through the monitor.
     for (const KeyEvent &event : {KeyEvent {KeyEvent::FlagsChanged, 50, ModifierFlag::Shift, 1.0},
              KeyEvent {KeyEvent::FlagsChanged, 50, 0, 1.1},
              KeyEvent {KeyEvent::FlagsChanged, 50, ModifierFlag::Shift, 1.2},
              KeyEvent {KeyEvent::FlagsChanged, 50, 0, 1.3}})
-        keys.receiver(event);
-    QTRY_COMPARE(feedback.toasts, QStringList {QStringLiteral("Captured|checkmark")});
+        rig.keys.receiver(event);
+    QTRY_COMPARE(rig.feedback.toasts, QStringList {QStringLiteral("Captured|checkmark")});
     QCOMPARE(store->selection().size(), 1);
     const std::optional<NoteAddress> address = store->addressOfNote(*store->selection().cbegin());
     QVERIFY(address);
@@ -532,121 +547,77 @@ void CaptureTest::captureIntoTheSourceSection()
     QCOMPARE(target->notes.size(), 1);
     QCOMPARE(target->notes.first().text, QStringLiteral("selected words"));
     QCOMPARE(target->notes.first().source->appName, appName.isEmpty() ? u"Unknown"_qs : appName);
-    QCOMPARE(store->selection(), QSet<QUuid> {target->notes.first().id});
-    QCOMPARE(feedback.shows, (QList<QPair<bool, bool>> {{true, false}}));
-    QVERIFY(!engine.lastCaptureFailed());
+    QCOMPARE(rig.feedback.shows, (QList<QPair<bool, bool>> {{true, false}}));
+    QVERIFY(!rig.engine.lastCaptureFailed());
     Preferences::shared().setGroupCapturesBySource(true);
 }
 
 void CaptureTest::secondTriggerDuringACaptureIsDropped()
 {
     const std::unique_ptr<Store> store = makeStore();
-    FakeSession session;
-    FakeClipboard clipboard;
-    FakeKeys keys;
-    FakeRegistrar registrar;
-    FakeFeedback feedback;
-    session.front = editor();
-    session.onCopy
-        = [&](int) { QTimer::singleShot(50, [&] { clipboard.setText(QStringLiteral("once")); }); };
-    HotKeyCenter hotKeys(registrar);
-    AccessibilityPermission permission([] { return true; });
-    DoubleShiftMonitor monitor(
-        keys, [] { return 0.4; }, [] { return true; });
-    SelectionReader reader(session, clipboard, [] { return true; });
-    CaptureEngine engine(
-        {*store, Preferences::shared(), hotKeys, monitor, reader, permission, feedback, clipboard});
-    QSignalSpy finished(&engine, &CaptureEngine::captureFinished);
-    engine.captureSelection();
-    QVERIFY(engine.isCapturing());
-    engine.captureSelection();
+    EngineRig rig(*store);
+    rig.session.front = editor();
+    rig.session.onCopy = [&rig](int) {
+        QTimer::singleShot(50, [&rig] { rig.clipboard.setText(QStringLiteral("once")); });
+    };
+    QSignalSpy finished(&rig.engine, &CaptureEngine::captureFinished);
+    rig.engine.captureSelection();
+    QVERIFY(rig.engine.isCapturing());
+    rig.engine.captureSelection();
     QTRY_COMPARE(finished.count(), 1);
     QTest::qWait(100);
     QCOMPARE(finished.count(), 1);
     QCOMPARE(noteCount(store->library()), 1);
-    QCOMPARE(session.copies.size(), 1);
+    QCOMPARE(rig.session.copies.size(), 1);
 }
 
 void CaptureTest::captureWithoutTrust()
 {
     const std::unique_ptr<Store> store = makeStore();
-    FakeSession session;
-    FakeClipboard clipboard;
-    FakeKeys keys;
-    FakeRegistrar registrar;
-    FakeFeedback feedback;
-    session.front = editor();
     bool available = false;
-    HotKeyCenter hotKeys(registrar);
-    AccessibilityPermission permission([&] { return available; });
-    DoubleShiftMonitor monitor(
-        keys, [] { return 0.4; }, [&] { return permission.isTrusted(); });
-    SelectionReader reader(session, clipboard, [&] { return permission.isTrusted(); });
-    CaptureEngine engine(
-        {*store, Preferences::shared(), hotKeys, monitor, reader, permission, feedback, clipboard});
-    engine.start();
-    QVERIFY(!engine.isListeningForDoubleShift());
-    engine.captureSelection();
-    QCOMPARE(feedback.toasts, QStringList {u"Accessibility Access Needed|lock"_qs});
-    QCOMPARE(feedback.shows, (QList<QPair<bool, bool>> {{true, false}}));
-    QVERIFY(!engine.isCapturing());
+    EngineRig rig(*store, [&available] { return available; });
+    rig.session.front = editor();
+    rig.engine.start();
+    QVERIFY(!rig.engine.isListeningForDoubleShift());
+    rig.engine.captureSelection();
+    QCOMPARE(rig.feedback.toasts, QStringList {u"Accessibility Access Needed|lock"_qs});
+    QCOMPARE(rig.feedback.shows, (QList<QPair<bool, bool>> {{true, false}}));
+    QVERIFY(!rig.engine.isCapturing());
     // Capture becomes available: a refresh starts the gesture.
     available = true;
-    permission.refresh();
-    QVERIFY(engine.isListeningForDoubleShift());
+    rig.permission.refresh();
+    QVERIFY(rig.engine.isListeningForDoubleShift());
 }
 
 void CaptureTest::nothingSelected()
 {
     const std::unique_ptr<Store> store = makeStore();
-    FakeSession session;
-    FakeClipboard clipboard;
-    FakeKeys keys;
-    FakeRegistrar registrar;
-    FakeFeedback feedback;
-    HotKeyCenter hotKeys(registrar);
-    AccessibilityPermission permission([] { return true; });
-    DoubleShiftMonitor monitor(
-        keys, [] { return 0.4; }, [] { return true; });
-    SelectionReader reader(session, clipboard, [] { return true; });
-    CaptureEngine engine(
-        {*store, Preferences::shared(), hotKeys, monitor, reader, permission, feedback, clipboard});
-    session.front = xterm(); // a terminal with nothing in PRIMARY
-    engine.captureSelection();
-    QTRY_COMPARE(feedback.toasts, QStringList {u"Nothing Selected|text.cursor"_qs});
-    QVERIFY(engine.lastCaptureFailed());
-    QVERIFY(feedback.shows.isEmpty());
+    EngineRig rig(*store);
+    rig.session.front = xterm(); // a terminal with nothing in PRIMARY
+    rig.engine.captureSelection();
+    QTRY_COMPARE(rig.feedback.toasts, QStringList {u"Nothing Selected|text.cursor"_qs});
+    QVERIFY(rig.engine.lastCaptureFailed());
+    QVERIFY(rig.feedback.shows.isEmpty());
     QCOMPARE(noteCount(store->library()), 0);
 }
 
 void CaptureTest::hotKeyActions()
 {
     const std::unique_ptr<Store> store = makeStore();
-    FakeSession session;
-    FakeClipboard clipboard;
-    FakeKeys keys;
-    FakeRegistrar registrar;
-    FakeFeedback feedback;
-    HotKeyCenter hotKeys(registrar);
-    AccessibilityPermission permission([] { return true; });
-    DoubleShiftMonitor monitor(
-        keys, [] { return 0.4; }, [] { return true; });
-    SelectionReader reader(session, clipboard, [] { return true; });
-    CaptureEngine engine(
-        {*store, Preferences::shared(), hotKeys, monitor, reader, permission, feedback, clipboard});
-    engine.start();
-    registrar.handler(hotKeyID(HotKeyAction::TogglePanel));
-    registrar.handler(hotKeyID(HotKeyAction::QuickAdd));
-    QCOMPARE(feedback.toggles, 1);
-    QCOMPARE(feedback.shows, (QList<QPair<bool, bool>> {{true, true}}));
+    EngineRig rig(*store);
+    rig.engine.start();
+    rig.registrar.handler(hotKeyID(HotKeyAction::TogglePanel));
+    rig.registrar.handler(hotKeyID(HotKeyAction::QuickAdd));
+    QCOMPARE(rig.feedback.toggles, 1);
+    QCOMPARE(rig.feedback.shows, (QList<QPair<bool, bool>> {{true, true}}));
     // Nothing to copy: the clipboard stays, the toast comes all the same.
-    registrar.handler(hotKeyID(HotKeyAction::CopySelectionAsList));
-    QCOMPARE(clipboard.count, 0u);
+    rig.registrar.handler(hotKeyID(HotKeyAction::CopySelectionAsList));
+    QCOMPARE(rig.clipboard.count, 0u);
     store->addNote(QStringLiteral("one"));
     store->addNote(QStringLiteral("two"));
-    registrar.handler(hotKeyID(HotKeyAction::CopySelectionAsList));
-    QCOMPARE(clipboard.text(), QStringLiteral("1. one\n2. two"));
-    QCOMPARE(feedback.toasts, QStringList(2, u"Copied as List|list.number"_qs));
+    rig.registrar.handler(hotKeyID(HotKeyAction::CopySelectionAsList));
+    QCOMPARE(rig.clipboard.text(), QStringLiteral("1. one\n2. two"));
+    QCOMPARE(rig.feedback.toasts, QStringList(2, u"Copied as List|list.number"_qs));
 }
 
 VESKO_TEST_MAIN(CaptureTest)
