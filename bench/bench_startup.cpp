@@ -10,6 +10,7 @@
 #include "RatioReporter.h"
 
 #include "library/LibraryFile.h"
+#include "platform/X11Connection.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -35,11 +36,7 @@ namespace {
 
 xcb_atom_t atom(xcb_connection_t *c, const char *name)
 {
-    xcb_intern_atom_reply_t *reply
-        = xcb_intern_atom_reply(c, xcb_intern_atom(c, 0, uint16_t(strlen(name)), name), nullptr);
-    const xcb_atom_t result = reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
-    std::free(reply);
-    return result;
+    return X11Connection::atom(c, name);
 }
 
 //! A viewable client window named "Vesko" is managed by the window manager.

@@ -36,7 +36,6 @@ public:
     void openSystemSettings();
     //! Replaces a running poll by one of a fresh 120 passes.
     void startPolling();
-    bool isPolling() const { return m_poll.isActive(); }
 
 Q_SIGNALS:
     void isTrustedChanged();

@@ -27,14 +27,16 @@ void SelectionReader::readSelection(Done done)
         done(std::nullopt);
         return;
     }
+    // Asked once: a change of the answer in the middle of a read counts from the next one.
+    const bool trusted = m_isTrusted();
     NoteSource source;
     source.appName = front->name.isEmpty() ? QStringLiteral("Unknown") : front->name;
     source.bundleIdentifier = front->identifier;
     // The title is read before any key goes out.
-    if (m_isTrusted() && front->windowTitle)
+    if (trusted && front->windowTitle)
         source.windowTitle = cleanWindowTitle(*front->windowTitle);
 
-    if (m_isTrusted()) {
+    if (trusted) {
         if (const std::optional<QString> primary = m_session.primarySelection(front->processID)) {
             const QString text = normalizeCapturedText(*primary);
             if (!text.isEmpty()) {
@@ -45,7 +47,7 @@ void SelectionReader::readSelection(Done done)
     }
 
     // The fallback: never a Ctrl+C into a terminal, where it interrupts.
-    if (front->isTerminal || !m_isTrusted()) {
+    if (front->isTerminal || !trusted) {
         done(std::nullopt);
         return;
     }

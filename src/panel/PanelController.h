@@ -56,7 +56,6 @@ public:
     void resetPanelSize();
     //! Lists the panel in the taskbar, or keeps it out as a tool window.
     void setShowsInTaskbar(bool shows);
-    bool showsInTaskbar() const { return m_showsInTaskbar; }
 
     PanelWindow *panel() const { return m_panel; }
     //! The panel is on screen and not on its way out.

@@ -31,11 +31,7 @@ public:
 
     PanelRootView(Store &store, PanelState &state, QWidget *parent = nullptr);
 
-    PanelFocusTarget focus() const { return m_focus; }
     void setFocusTarget(PanelFocusTarget target);
-
-    QListView *list() const { return m_list; }
-    QLineEdit *composer() const { return m_composer; }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -69,20 +69,6 @@ QVariant PanelRowsModel::data(const QModelIndex &index, int role) const
     }
 }
 
-QHash<int, QByteArray> PanelRowsModel::roleNames() const
-{
-    QHash<int, QByteArray> names = QAbstractListModel::roleNames();
-    names.insert(IsSectionRole, "isSection");
-    names.insert(IdRole, "id");
-    names.insert(IsDoneRole, "isDone");
-    names.insert(IsSelectedRole, "isSelected");
-    names.insert(IsCollapsedRole, "isCollapsed");
-    names.insert(IsActiveSectionRole, "isActiveSection");
-    names.insert(RemainingCountRole, "remainingCount");
-    names.insert(SourceRole, "source");
-    return names;
-}
-
 int PanelRowsModel::rowOf(const QUuid &id) const
 {
     const QList<PanelRow> &rows = m_store.rows();

@@ -33,7 +33,6 @@ public:
 
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
-    QHash<int, QByteArray> roleNames() const override;
 
     //! The row of the note or section \a id, or -1.
     int rowOf(const QUuid &id) const;

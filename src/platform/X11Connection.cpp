@@ -18,7 +18,7 @@ X11Connection::X11Connection(QObject *parent)
         return;
     }
     m_connection = connection;
-    m_root = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root;
+    m_root = root(m_connection);
     m_notifier
         = new QSocketNotifier(xcb_get_file_descriptor(m_connection), QSocketNotifier::Read, this);
     connect(m_notifier, &QSocketNotifier::activated, this, &X11Connection::dispatch);
@@ -32,11 +32,21 @@ X11Connection::~X11Connection()
 
 xcb_atom_t X11Connection::atom(const char *name)
 {
+    return atom(m_connection, name);
+}
+
+xcb_atom_t X11Connection::atom(xcb_connection_t *connection, const char *name)
+{
     xcb_intern_atom_reply_t *reply = xcb_intern_atom_reply(
-        m_connection, xcb_intern_atom(m_connection, 0, uint16_t(std::strlen(name)), name), nullptr);
+        connection, xcb_intern_atom(connection, 0, uint16_t(std::strlen(name)), name), nullptr);
     const xcb_atom_t result = reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
     std::free(reply);
     return result;
+}
+
+xcb_window_t X11Connection::root(xcb_connection_t *connection)
+{
+    return xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
 }
 
 std::optional<uint8_t> X11Connection::extensionOpcode(const char *name)
@@ -69,8 +79,20 @@ void X11Connection::dispatch()
 std::optional<QByteArray> X11Connection::property(
     xcb_window_t window, xcb_atom_t property, xcb_atom_t type, xcb_atom_t *actualType)
 {
-    xcb_get_property_reply_t *reply = xcb_get_property_reply(m_connection,
-        xcb_get_property(m_connection, 0, window, property, type, 0, 1 << 20), nullptr);
+    return X11Connection::property(m_connection, window, property, type, actualType);
+}
+
+std::optional<uint32_t> X11Connection::cardinal(
+    xcb_window_t window, xcb_atom_t property, xcb_atom_t type)
+{
+    return X11Connection::cardinal(m_connection, window, property, type);
+}
+
+std::optional<QByteArray> X11Connection::property(xcb_connection_t *connection, xcb_window_t window,
+    xcb_atom_t property, xcb_atom_t type, xcb_atom_t *actualType)
+{
+    xcb_get_property_reply_t *reply = xcb_get_property_reply(
+        connection, xcb_get_property(connection, 0, window, property, type, 0, 1 << 20), nullptr);
     if (!reply || reply->type == XCB_ATOM_NONE) {
         std::free(reply);
         return std::nullopt;
@@ -84,9 +106,10 @@ std::optional<QByteArray> X11Connection::property(
 }
 
 std::optional<uint32_t> X11Connection::cardinal(
-    xcb_window_t window, xcb_atom_t property, xcb_atom_t type)
+    xcb_connection_t *connection, xcb_window_t window, xcb_atom_t property, xcb_atom_t type)
 {
-    const std::optional<QByteArray> bytes = this->property(window, property, type);
+    const std::optional<QByteArray> bytes
+        = X11Connection::property(connection, window, property, type);
     if (!bytes || bytes->size() < 4)
         return std::nullopt;
     uint32_t value = 0;

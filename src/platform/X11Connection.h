@@ -46,6 +46,14 @@ public:
     //! A 32-bit property's first value.
     std::optional<uint32_t> cardinal(xcb_window_t window, xcb_atom_t property, xcb_atom_t type);
 
+    // The same requests on any connection, Qt's own included.
+    static xcb_atom_t atom(xcb_connection_t *connection, const char *name);
+    static xcb_window_t root(xcb_connection_t *connection);
+    static std::optional<QByteArray> property(xcb_connection_t *connection, xcb_window_t window,
+        xcb_atom_t property, xcb_atom_t type = XCB_ATOM_ANY, xcb_atom_t *actualType = nullptr);
+    static std::optional<uint32_t> cardinal(
+        xcb_connection_t *connection, xcb_window_t window, xcb_atom_t property, xcb_atom_t type);
+
 private:
     xcb_connection_t *m_connection = nullptr;
     xcb_window_t m_root = 0;

@@ -23,7 +23,6 @@ X11HotKeys::X11HotKeys()
 {
     if (!m_connection->isValid())
         return;
-    m_keyboard = std::make_unique<X11Keyboard>(m_connection->get());
     m_connection->setEventHandler([this](xcb_generic_event_t *event) { handleEvent(event); });
 }
 
@@ -93,10 +92,6 @@ void X11HotKeys::unregisterKey(int id)
 void X11HotKeys::handleEvent(xcb_generic_event_t *event)
 {
     const uint8_t type = event->response_type & 0x7F;
-    if (type == XCB_MAPPING_NOTIFY) {
-        m_keyboard->reload();
-        return;
-    }
     if (type != XCB_KEY_PRESS)
         return;
     auto *press = reinterpret_cast<xcb_key_press_event_t *>(event);

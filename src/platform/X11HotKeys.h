@@ -18,7 +18,6 @@
 namespace Vesko {
 
 class X11Connection;
-class X11Keyboard;
 
 class X11HotKeys : public HotKeyRegistrar
 {
@@ -31,9 +30,6 @@ public:
     int registerKey(int id, quint16 keyCode, quint64 modifiers) override;
     void unregisterKey(int id) override;
 
-    //! The keyboard layout of the session, for showing combinations.
-    const X11Keyboard *keyboard() const { return m_keyboard.get(); }
-
 private:
     void handleEvent(xcb_generic_event_t *event);
 
@@ -44,7 +40,6 @@ private:
     };
 
     std::unique_ptr<X11Connection> m_connection;
-    std::unique_ptr<X11Keyboard> m_keyboard;
     QHash<int, Grab> m_grabs;
     std::function<void(int)> m_handler;
 };

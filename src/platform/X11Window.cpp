@@ -2,13 +2,14 @@
 
 #include "platform/X11Window.h"
 
+#include "platform/X11Connection.h"
+
 #include <QGuiApplication>
 #include <QWindow>
 
 #include <xcb/xcb.h>
 
 #include <cstdlib>
-#include <cstring>
 
 namespace Vesko::X11Window {
 
@@ -22,29 +23,19 @@ xcb_connection_t *connection()
 
 xcb_atom_t atom(xcb_connection_t *c, const char *name)
 {
-    const xcb_intern_atom_cookie_t cookie = xcb_intern_atom(c, 0, uint16_t(strlen(name)), name);
-    xcb_intern_atom_reply_t *reply = xcb_intern_atom_reply(c, cookie, nullptr);
-    const xcb_atom_t result = reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
-    std::free(reply);
-    return result;
+    return X11Connection::atom(c, name);
 }
 
 xcb_window_t rootWindow(xcb_connection_t *c)
 {
-    const xcb_setup_t *setup = xcb_get_setup(c);
-    return xcb_setup_roots_iterator(setup).data->root;
+    return X11Connection::root(c);
 }
 
 uint32_t currentDesktop(xcb_connection_t *c)
 {
-    const xcb_get_property_cookie_t cookie = xcb_get_property(
-        c, 0, rootWindow(c), atom(c, "_NET_CURRENT_DESKTOP"), XCB_ATOM_CARDINAL, 0, 1);
-    xcb_get_property_reply_t *reply = xcb_get_property_reply(c, cookie, nullptr);
-    uint32_t desktop = 0;
-    if (reply && xcb_get_property_value_length(reply) == 4)
-        desktop = *static_cast<const uint32_t *>(xcb_get_property_value(reply));
-    std::free(reply);
-    return desktop;
+    return X11Connection::cardinal(
+        c, rootWindow(c), atom(c, "_NET_CURRENT_DESKTOP"), XCB_ATOM_CARDINAL)
+        .value_or(0);
 }
 
 } // namespace

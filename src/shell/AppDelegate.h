@@ -47,8 +47,6 @@ public:
     //! Shows the panel in the taskbar or keeps it out, by showsInDock.
     void applyActivationPolicy();
 
-    bool hasTerminated() const { return m_terminated; }
-
 private:
     Store &m_store;
     Preferences &m_preferences;

@@ -167,7 +167,6 @@ void ToastPresenter::present(const QString &message, const QString &symbol, int 
     m_fade->start();
 
     m_dismissal.start(duration);
-    Q_EMIT presented(message, symbol);
 }
 
 void ToastPresenter::dismiss()

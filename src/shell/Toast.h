@@ -41,10 +41,6 @@ public:
     QString currentMessage() const;
     bool isShowing() const;
 
-Q_SIGNALS:
-    //! Each toast as it is raised; capture tests listen for it.
-    void presented(const QString &message, const QString &symbol);
-
 private:
     ToastWindow *m_window = nullptr;
     QPropertyAnimation *m_fade = nullptr;

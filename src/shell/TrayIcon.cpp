@@ -51,13 +51,4 @@ void TrayIcon::rebuildMenu()
     m_menu->addAction(tr("Quit Vesko"), QKeySequence::Quit, this, &TrayIcon::quitRequested);
 }
 
-QStringList TrayIcon::menuTitles()
-{
-    rebuildMenu();
-    QStringList titles;
-    for (const QAction *action : m_menu->actions())
-        titles.append(action->isSeparator() ? QStringLiteral("-") : action->text());
-    return titles;
-}
-
 } // namespace Vesko

@@ -24,9 +24,6 @@ public:
     TrayIcon(PanelController &panel, Preferences &preferences, QObject *parent = nullptr);
     ~TrayIcon() override;
 
-    //! The entries of the menu as it would open now; for tests.
-    QStringList menuTitles();
-
 Q_SIGNALS:
     void captureRequested();
     void quitRequested();
