@@ -10,7 +10,7 @@
 #include "RatioReporter.h"
 
 #include "library/LibraryFile.h"
-#include "platform/X11Connection.h"
+#include "platform/x11/X11Connection.h"
 
 #include <QCoreApplication>
 #include <QDir>

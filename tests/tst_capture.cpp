@@ -11,7 +11,7 @@
 #include "capture/CaptureEngine.h"
 #include "capture/DoubleShiftMonitor.h"
 #include "capture/HotKeyCenter.h"
-#include "capture/KeyEvent.h"
+#include "platform/KeyMonitor.h"
 #include "capture/SelectionReader.h"
 #include "capture/SelectionText.h"
 #include "library/LibraryWriter.h"

@@ -8,7 +8,7 @@
 
 #include "attachments/AttachmentStore.h"
 #include "library/LibraryWriter.h"
-#include "platform/QtClipboard.h"
+#include "platform/qt/QtClipboard.h"
 #include "search/SearchIndex.h"
 #include "shell/Preferences.h"
 #include "store/Store.h"

@@ -7,7 +7,7 @@
 
 #pragma once
 
-#include "capture/KeyEvent.h"
+#include "platform/KeyMonitor.h"
 
 #include <functional>
 

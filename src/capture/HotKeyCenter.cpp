@@ -2,7 +2,7 @@
 
 #include "capture/HotKeyCenter.h"
 
-#include "capture/KeyEvent.h"
+#include "platform/KeyMonitor.h"
 #include "platform/Logging.h"
 #include "platform/SettingsFile.h"
 

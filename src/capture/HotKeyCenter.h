@@ -7,6 +7,7 @@
 #pragma once
 
 #include "capture/KeyCombo.h"
+#include "platform/HotKeyRegistrar.h"
 
 #include <QHash>
 #include <QObject>
@@ -17,20 +18,6 @@
 #include <memory>
 
 namespace Vesko {
-
-//! The desktop's registration of global key combinations.
-class HotKeyRegistrar
-{
-public:
-    virtual ~HotKeyRegistrar() = default;
-
-    //! Receives the identity of each registered combination pressed.
-    virtual void installHandler(std::function<void(int id)> handler) = 0;
-    virtual void removeHandler() = 0;
-    //! 0 when the combination is now held under \a id, else the desktop's error code.
-    virtual int registerKey(int id, quint16 keyCode, quint64 modifiers) = 0;
-    virtual void unregisterKey(int id) = 0;
-};
 
 class HotKeyCenter : public QObject
 {

@@ -2,7 +2,7 @@
 
 #include "capture/KeyCombo.h"
 
-#include "capture/KeyEvent.h"
+#include "platform/KeyMonitor.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>

@@ -6,6 +6,8 @@
 
 #pragma once
 
+#include "platform/KeyLayout.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -41,14 +43,6 @@ struct KeyCombo
     QByteArray toJson() const;
     //! Nothing for empty or undecodable data.
     static std::optional<KeyCombo> fromJson(const QByteArray &data);
-};
-
-//! The text a key shows in the current keyboard layout.
-class KeyLayout
-{
-public:
-    virtual ~KeyLayout() = default;
-    virtual std::optional<QString> keyText(quint16 keyCode) const = 0;
 };
 
 //! The key alone in the desktop's words: "Space", "Backspace", "F5", or the

@@ -6,8 +6,8 @@
 #include "panel/PanelRootView.h"
 #include "panel/PanelState.h"
 #include "panel/PanelWindow.h"
-#include "platform/DesktopScreens.h"
-#include "platform/X11Window.h"
+#include "platform/qt/DesktopScreens.h"
+#include "platform/x11/X11Window.h"
 #include "shell/Theme.h"
 #include "store/Store.h"
 

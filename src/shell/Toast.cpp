@@ -3,8 +3,8 @@
 #include "shell/Toast.h"
 
 #include "panel/PanelPlacement.h"
-#include "platform/DesktopScreens.h"
-#include "platform/X11Window.h"
+#include "platform/qt/DesktopScreens.h"
+#include "platform/x11/X11Window.h"
 #include "shell/Theme.h"
 
 #include <QCursor>

@@ -7,7 +7,7 @@
 
 #pragma once
 
-#include "capture/KeyCombo.h"
+#include "platform/KeyLayout.h"
 
 #include <QHash>
 

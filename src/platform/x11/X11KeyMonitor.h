@@ -8,7 +8,7 @@
 
 #pragma once
 
-#include "capture/KeyEvent.h"
+#include "platform/KeyMonitor.h"
 
 #include <bitset>
 

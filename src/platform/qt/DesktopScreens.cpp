@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/DesktopScreens.h"
+#include "platform/qt/DesktopScreens.h"
 
 #include <QGuiApplication>
 #include <QScreen>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/X11Keyboard.h"
+#include "platform/x11/X11Keyboard.h"
 
-#include "capture/KeyEvent.h"
+#include "platform/KeyMonitor.h"
 
 #include <xkbcommon/xkbcommon.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/X11Window.h"
+#include "platform/x11/X11Window.h"
 
-#include "platform/X11Connection.h"
+#include "platform/x11/X11Connection.h"
 
 #include <QGuiApplication>
 #include <QWindow>

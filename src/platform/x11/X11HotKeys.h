@@ -7,7 +7,7 @@
 
 #pragma once
 
-#include "capture/HotKeyCenter.h"
+#include "platform/HotKeyRegistrar.h"
 
 #include <QHash>
 

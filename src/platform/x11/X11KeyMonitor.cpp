@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/X11KeyMonitor.h"
+#include "platform/x11/X11KeyMonitor.h"
 
-#include "platform/X11Connection.h"
-#include "platform/X11Keyboard.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11Keyboard.h"
 
 #include <xcb/xinput.h>
 
