@@ -82,7 +82,9 @@ AttachmentStore &AttachmentStore::shared()
 
 std::optional<QString> AttachmentStore::contentTypeForFileName(const QString &fileName)
 {
-    if (QFileInfo(fileName).suffix().isEmpty())
+    // The extension follows the last dot; a leading dot only marks a hidden file.
+    const qsizetype dot = fileName.lastIndexOf(u'.');
+    if (dot <= 0 || dot == fileName.size() - 1)
         return std::nullopt;
     static const QMimeDatabase database;
     const QMimeType type = database.mimeTypeForFile(fileName, QMimeDatabase::MatchExtension);
