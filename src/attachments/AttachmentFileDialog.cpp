@@ -34,15 +34,8 @@ void AttachmentFileDialog::chooseFiles(std::function<void(const QList<QUrl> &fil
     dialog->setLabelText(QFileDialog::Accept, tr("Add"));
     dialog->setDirectory(QStandardPaths::writableLocation(QStandardPaths::HomeLocation));
     m_dialog = dialog;
-    auto answered = std::make_shared<bool>(false);
-    connect(dialog, &QFileDialog::urlsSelected, this, [done, answered](const QList<QUrl> &urls) {
-        *answered = true;
-        done(urls);
-    });
-    connect(dialog, &QDialog::finished, this, [done, answered] {
-        if (!*answered)
-            done({});
-        *answered = true;
+    connect(dialog, &QDialog::finished, this, [dialog, done](int result) {
+        done(result == QDialog::Accepted ? dialog->selectedUrls() : QList<QUrl>());
     });
     dialog->open();
     dialog->raise();
