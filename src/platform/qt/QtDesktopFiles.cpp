@@ -25,6 +25,7 @@ void QtDesktopFiles::open(const QString &path)
 void QtDesktopFiles::openFolderOf(const QString &path)
 {
     QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
+    Q_EMIT revealHandled(path, false);
 }
 
 void QtDesktopFiles::reveal(const QString &path)
@@ -41,12 +42,15 @@ void QtDesktopFiles::reveal(const QString &path)
     call << QStringList {QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded)} << QString();
     auto *watcher
         = new QDBusPendingCallWatcher(bus.asyncCall(call, revealTimeoutMilliseconds), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [path](QDBusPendingCallWatcher *w) {
-        // No file manager on the bus, or it failed: the folder at least.
-        if (w->isError())
-            openFolderOf(path);
-        w->deleteLater();
-    });
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+        [this, path](QDBusPendingCallWatcher *w) {
+            // No file manager on the bus, or it failed: the folder at least.
+            if (w->isError())
+                openFolderOf(path);
+            else
+                Q_EMIT revealHandled(path, true);
+            w->deleteLater();
+        });
 }
 
 } // namespace Vesko

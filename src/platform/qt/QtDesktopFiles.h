@@ -26,8 +26,12 @@ public:
     void open(const QString &path) override;
     void reveal(const QString &path) override;
 
+Q_SIGNALS:
+    //! A reveal has been handed on: to the file manager, or else as the folder.
+    void revealHandled(const QString &path, bool byFileManager);
+
 private:
-    static void openFolderOf(const QString &path);
+    void openFolderOf(const QString &path);
 };
 
 } // namespace Vesko
