@@ -4,6 +4,8 @@
 
 #include "attachments/AttachmentActions.h"
 #include "attachments/AttachmentFileDialog.h"
+#include "library/LibraryFile.h"
+#include "panel/PanelCommands.h"
 #include "platform/qt/QtDesktopFiles.h"
 #include "platform/qt/QtPasteboardReader.h"
 #include "shell/Toast.h"
@@ -33,6 +35,26 @@ AttachmentActions &attachmentActions()
     static AttachmentActions *const actions = new AttachmentActions(
         {Store::shared(), AttachmentStore::shared(), *chooser, *pasteboard, *desktop, *feedback});
     return *actions;
+}
+
+void installAttachmentCommands(PanelCommands &commands)
+{
+    PanelCommands::Hooks hooks = commands.hooks();
+    hooks.addAttachments = [](const QUuid &noteID) { attachmentActions().addChosenFiles(noteID); };
+    hooks.pasteAttachments = [](const QUuid &noteID) { attachmentActions().pasteIntoNote(noteID); };
+    hooks.chooseFiles = [](std::function<void(const QList<QUrl> &)> done) {
+        attachmentActions().chooseFiles(std::move(done));
+    };
+    hooks.importFiles
+        = [](const QList<QUrl> &urls,
+              std::function<void(const QList<NoteAttachment> &, const QString &)> done) {
+              AttachmentActions &actions = attachmentActions();
+              AttachmentStore::shared().importFiles(urls, actions.attachmentsFolder(), &actions,
+                  [done = std::move(done)](const ImportResult &result) {
+                      done(result.attachments, result.error.value_or(QString()));
+                  });
+          };
+    commands.setHooks(hooks);
 }
 
 } // namespace Vesko
