@@ -10,10 +10,13 @@
 
 #pragma once
 
+#include "panel/NoteRowView.h"
 #include "panel/PanelState.h"
+#include "store/PanelRow.h"
 
 #include <QAbstractScrollArea>
 #include <QHash>
+#include <QSet>
 #include <QUuid>
 
 #include <functional>
@@ -23,11 +26,12 @@
 class QKeyEvent;
 class QMenu;
 class QMimeData;
+class QUrl;
 class QVariantAnimation;
 
 namespace Vesko {
 
-class NoteRowView;
+class DropIndicatorOverlay;
 class SectionHeaderView;
 class SectionReorder;
 class Store;
@@ -55,6 +59,8 @@ public:
     //! Fills the context menu of notes or of a section.
     using NoteMenuFiller = std::function<void(QMenu &, const QList<QUuid> &)>;
     using SectionMenuFiller = std::function<void(QMenu &, const QUuid &)>;
+    //! Adds dropped files to a note and tells the user how it went.
+    using FileDropHandler = std::function<void(const QList<QUrl> &, const QUuid &noteID)>;
 
     PanelListView(Store &store, PanelState &state, QWidget *parent = nullptr);
     ~PanelListView() override;
@@ -75,6 +81,9 @@ public:
     void setKeyHandler(KeyHandler handler);
     void setNoteMenuFiller(NoteMenuFiller filler);
     void setSectionMenuFiller(SectionMenuFiller filler);
+    //! Without a handler note rows take no files.
+    void setFileDropHandler(FileDropHandler handler);
+    bool acceptsFileDrops() const { return bool(m_fileDropHandler); }
 
     // -- what the list shows, for the panel and its tests -----------------------
 
@@ -133,6 +142,8 @@ private:
     //! on a header at the end of its section. Returns success.
     bool dropOnRow(
         const QMimeData *data, const QUuid &sectionID, const std::optional<QUuid> &beforeNoteID);
+    //! Files dropped on the note \a noteID; returns whether any came.
+    bool dropFiles(const QList<QUrl> &files, const QUuid &noteID);
     void sectionReorderChanged(const QUuid &sectionID, double translation);
     void sectionReorderEnded(const QUuid &sectionID, double translation);
     void sectionReorderCancelled();
@@ -142,43 +153,75 @@ private:
 
     void rowsChanged();
     void searchTextChanged();
-    void activeProjectChanged();
     void selectionChanged();
     void sectionJumpRequested();
     void revealAnchor();
-    //! Runs after a yield: the scroll to the top after a shrink, then the reveal.
+    //! Runs one event-loop turn after the changes that asked for it: the
+    //! scroll to the top after the rows shrank, the reveal, the jump.
     void runDeferredScrolls();
     void scheduleDeferredScrolls();
 
-    //! Measures the rows again from the Store's rows; keeps the first row in
-    //! view where it was.
+    //! Takes the heights of all rows again (measured or estimated), keeping
+    //! the first row in view where it was, and places the rows.
     void relayout();
-    //! Puts row widgets on the rows in view and takes them off the others.
+    //! Puts row widgets on the rows in view, measures them, and takes them
+    //! off the rows out of view.
     void placeRows();
     void updateScrollRange();
     int rowHeight(int index) const;
+    int indexOfRowNear(const QUuid &id, int first, int last) const;
+    NoteRowView *takeIdleNote();
+    SectionHeaderView *takeIdleHeader();
     int clampedScroll(int value) const;
     void scrollTo(int value, bool animated);
     //! The scroll value that puts the row \a index at \a anchor.
     int scrollValueFor(int index, ScrollAnchor anchor) const;
+    //! The row shows, at least in part, between the two bars.
     bool isRowInView(int index) const;
     void setDropTarget(std::optional<QUuid> id);
     void updateSectionFrames();
+    void updateDropLines();
 
     Store &m_store;
     PanelState &m_state;
     std::unique_ptr<VirtualRowLayout> m_layout;
     std::unique_ptr<SectionReorder> m_reorder;
     QVariantAnimation *m_scrollAnimation = nullptr;
+    DropIndicatorOverlay *m_overlay = nullptr;
     KeyHandler m_keyHandler;
     NoteMenuFiller m_noteMenuFiller;
     SectionMenuFiller m_sectionMenuFiller;
+    FileDropHandler m_fileDropHandler;
+
+    //! The Store's rows as last laid out, and their ids for keeping the
+    //! first row in view in place across a rebuild.
+    QList<PanelRow> m_rows;
+    QList<QUuid> m_previousRowIDs;
+    QSet<QUuid> m_expandedIDs;
+    //! Heights of rows once laid out, by note, with what they depend on.
+    struct MeasuredHeight
+    {
+        QString text;
+        qsizetype attachmentCount = 0;
+        bool expanded = false;
+        bool hasSource = false;
+        int height = 0;
+    };
+    QHash<QUuid, MeasuredHeight> m_measured;
+    NoteRowView::Metrics m_metrics;
 
     int m_topMargin = minimumTopMargin;
     int m_bottomMargin = minimumBottomMargin;
     qsizetype m_knownRowCount = 0;
     QUuid m_knownProjectID;
     std::optional<QUuid> m_dropTargetID;
+    bool m_placing = false;
+
+    // The running scroll animation: towards which row, how, from where.
+    std::optional<QUuid> m_animationTarget;
+    ScrollAnchor m_animationAnchor = ScrollAnchor::Center;
+    int m_animationStart = 0;
+    bool m_animating = false;
 
     // Deferred work, run one event-loop turn after the change that asked for it.
     bool m_deferredScheduled = false;
