@@ -34,6 +34,7 @@ MarkdownText highlightedText(const QString &text, const QString &query)
     }
 
     QList<MarkdownRun> runs;
+    qsizetype lastMark = -1; // the mark that the last run lies on, or -1
     qsizetype runIndex = 0;
     qsizetype markIndex = 0;
     for (auto cut = cuts.begin(); cut != cuts.end(); ++cut) {
@@ -55,19 +56,22 @@ MarkdownText highlightedText(const QString &text, const QString &query)
             piece.attributes = parsed.runs[runIndex].attributes;
             piece.destination = parsed.runs[runIndex].destination;
         }
-        if (markIndex < marks.size() && marks[markIndex].first <= start)
+        const bool marked = markIndex < marks.size() && marks[markIndex].first <= start;
+        if (marked)
             piece.attributes |= highlightedAttribute | MarkdownRun::Strong;
         if (piece.attributes == 0)
             continue;
-        // Pieces of one run that nothing split apart stay one run.
+        // Neighbouring pieces alike stay one run, unless they lie on two
+        // occurrences of the query, which stay apart.
+        const qsizetype mark = marked ? markIndex : -1;
         if (!runs.isEmpty() && runs.last().start + runs.last().length == start
             && runs.last().attributes == piece.attributes
-            && runs.last().destination == piece.destination
-            && !(piece.attributes & highlightedAttribute)) {
+            && runs.last().destination == piece.destination && mark == lastMark) {
             runs.last().length += piece.length;
             continue;
         }
         runs.append(piece);
+        lastMark = mark;
     }
     parsed.runs = runs;
     return parsed;
