@@ -173,7 +173,8 @@ PanelListView::PanelListView(Store &store, PanelState &state, QWidget *parent)
     connect(&m_state, &PanelState::sectionJumpRequestChanged, this,
         &PanelListView::sectionJumpRequested);
     connect(&m_state, &PanelState::renamingSectionIDChanged, this, [this] {
-        for (SectionHeaderView *header : std::as_const(m_headerViews))
+        const QList<SectionHeaderView *> headers = m_headerViews.values();
+        for (SectionHeaderView *header : headers)
             header->refresh();
     });
     connect(this, &PanelListView::dropIndicatorsChanged, this, &PanelListView::updateDropLines);
@@ -320,11 +321,10 @@ int PanelListView::scrollValueFor(int index, ScrollAnchor anchor) const
     return clampedScroll(top + m_layout->height(index) / 2 - clearHeight / 2);
 }
 
-void PanelListView::scrollTo(int value, bool animated)
+void PanelListView::scrollTo(int value)
 {
     m_scrollAnimation->stop();
     m_animationTarget.reset();
-    Q_UNUSED(animated);
     verticalScrollBar()->setValue(clampedScroll(value));
 }
 
@@ -334,7 +334,13 @@ void PanelListView::scrollToRow(const QUuid &id, ScrollAnchor anchor, bool anima
     if (index < 0)
         return;
     if (!animated) {
-        scrollTo(scrollValueFor(index, anchor), false);
+        // Rows measured on the way in may move the row: the placement keeps
+        // it where it is asked to be.
+        m_pinnedTarget = std::make_pair(id, anchor);
+        scrollTo(scrollValueFor(index, anchor));
+        if (m_pinnedTarget)
+            placeRows();
+        m_pinnedTarget.reset();
         return;
     }
     m_scrollAnimation->stop();
@@ -365,7 +371,7 @@ void PanelListView::rowsChanged()
     m_knownProjectID = projectID;
     relayout();
     if (projectChanged)
-        scrollTo(0, false);
+        scrollTo(0);
     if (m_knownRowCount < oldCount) {
         m_pendingScrollToTop = true;
         scheduleDeferredScrolls();
@@ -374,15 +380,24 @@ void PanelListView::rowsChanged()
 
 void PanelListView::searchTextChanged()
 {
-    for (NoteRowView *view : std::as_const(m_noteViews))
-        view->refresh();
-    scrollTo(0, false);
+    refreshRowViews();
+    scrollTo(0);
 }
 
 void PanelListView::selectionChanged()
 {
-    for (NoteRowView *view : std::as_const(m_noteViews))
+    refreshRowViews();
+}
+
+void PanelListView::refreshRowViews()
+{
+    // The views only take their new state here; the placement after them
+    // measures what changed in one pass.
+    const bool wasPlacing = std::exchange(m_placing, true);
+    const QList<NoteRowView *> views = m_noteViews.values();
+    for (NoteRowView *view : views)
         view->refresh();
+    m_placing = wasPlacing;
     placeRows();
 }
 
@@ -410,7 +425,7 @@ void PanelListView::runDeferredScrolls()
 {
     m_deferredScheduled = false;
     if (std::exchange(m_pendingScrollToTop, false) && !m_rows.isEmpty())
-        scrollTo(0, false);
+        scrollTo(0);
     if (std::exchange(m_pendingReveal, false))
         revealAnchor();
     if (const std::optional<QUuid> section = std::exchange(m_pendingJump, std::nullopt)) {
@@ -420,7 +435,7 @@ void PanelListView::runDeferredScrolls()
                 scrollToRow(*section, ScrollAnchor::Center, true);
             } else {
                 const int context = std::max(0, index - jumpContextRows);
-                scrollTo(m_layout->top(context), false);
+                scrollToRow(m_rows.at(context).id(), ScrollAnchor::Top, false);
             }
         }
     }
@@ -440,7 +455,7 @@ void PanelListView::revealAnchor()
     }
     // From out of view the row lands with rows of context above it.
     const int context = std::max(index, revealContextRows) - revealContextRows;
-    scrollTo(m_layout->top(context), false);
+    scrollToRow(m_rows.at(context).id(), ScrollAnchor::Top, false);
 }
 
 // -- layout -------------------------------------------------------------------------
@@ -574,8 +589,12 @@ void PanelListView::placeRows()
         if (!changed)
             break;
         updateScrollRange();
-        if (!m_animationTarget && scroll > 0)
+        if (m_pinnedTarget) {
+            if (const int index = indexOfRowNear(m_pinnedTarget->first, first, last); index >= 0)
+                verticalScrollBar()->setValue(scrollValueFor(index, m_pinnedTarget->second));
+        } else if (!m_animationTarget && scroll > 0) {
             verticalScrollBar()->setValue(clampedScroll(m_layout->top(anchorIndex) + anchorOffset));
+        }
     }
 
     // The row being edited keeps its view wherever it is, so that its field
@@ -629,6 +648,7 @@ void PanelListView::placeRows()
     }
     m_overlay->setGeometry(viewport()->rect());
     m_placing = false;
+    m_pinnedTarget.reset();
     updateDropLines();
     Q_EMIT rowsPlaced();
 }

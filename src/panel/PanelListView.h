@@ -154,6 +154,8 @@ private:
     void rowsChanged();
     void searchTextChanged();
     void selectionChanged();
+    //! The views in place read the Store again; then the rows are placed.
+    void refreshRowViews();
     void sectionJumpRequested();
     void revealAnchor();
     //! Runs one event-loop turn after the changes that asked for it: the
@@ -173,7 +175,8 @@ private:
     NoteRowView *takeIdleNote();
     SectionHeaderView *takeIdleHeader();
     int clampedScroll(int value) const;
-    void scrollTo(int value, bool animated);
+    //! Jumps to \a value, ending a running animation.
+    void scrollTo(int value);
     //! The scroll value that puts the row \a index at \a anchor.
     int scrollValueFor(int index, ScrollAnchor anchor) const;
     //! The row shows, at least in part, between the two bars.
@@ -222,6 +225,8 @@ private:
     ScrollAnchor m_animationAnchor = ScrollAnchor::Center;
     int m_animationStart = 0;
     bool m_animating = false;
+    //! A row that the placement in progress keeps at its place, and where.
+    std::optional<std::pair<QUuid, ScrollAnchor>> m_pinnedTarget;
 
     // Deferred work, run one event-loop turn after the change that asked for it.
     bool m_deferredScheduled = false;

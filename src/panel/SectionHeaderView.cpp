@@ -16,6 +16,7 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QPainterPath>
+#include <QTimer>
 #include <QToolTip>
 #include <QVariantAnimation>
 
@@ -129,7 +130,13 @@ void SectionHeaderView::setRenaming(bool renaming)
                     NoteRowActions::commitRename(m_store, m_state, sectionID(), m_draftTitle);
             };
             connect(m_editor, &RowEditorField::committed, this, commit);
-            connect(m_editor, &RowEditorField::blurred, this, commit);
+            connect(m_editor, &RowEditorField::blurred, this, [this, commit] {
+                // When a press on this header took the keyboard away, the
+                // press ends the renaming and is no click on the header.
+                m_ignoreNextPress = true;
+                QTimer::singleShot(0, this, [this] { m_ignoreNextPress = false; });
+                commit();
+            });
             connect(m_editor, &RowEditorField::cancelled, this, [this] {
                 m_draftTitle = m_section.title;
                 NoteRowActions::cancelRename(m_state, sectionID());
@@ -321,7 +328,10 @@ void SectionHeaderView::mousePressEvent(QMouseEvent *event)
         QWidget::mousePressEvent(event);
         return;
     }
+    if (std::exchange(m_ignoreNextPress, false))
+        return;
     m_pressed = true;
+    m_moved = false;
     m_pressGlobal = event->globalPosition();
 }
 
@@ -331,11 +341,14 @@ void SectionHeaderView::mouseMoveEvent(QMouseEvent *event)
         return;
     const double translation = event->globalPosition().y() - m_pressGlobal.y();
     if (!m_reordering) {
-        if (!canReorder()
-            || (event->globalPosition() - m_pressGlobal).manhattanLength()
-                < QApplication::startDragDistance()) {
+        if ((event->globalPosition() - m_pressGlobal).manhattanLength()
+            < QApplication::startDragDistance()) {
             return;
         }
+        // Moved too far for a click; a drag only where the section can move.
+        m_moved = true;
+        if (!canReorder())
+            return;
     }
     reorderChanged(translation);
 }
@@ -351,6 +364,8 @@ void SectionHeaderView::mouseReleaseEvent(QMouseEvent *event)
         reorderEnded(event->globalPosition().y() - m_pressGlobal.y());
         return;
     }
+    if (m_moved)
+        return;
     NoteRowActions::clickSection(m_store, m_state, sectionID());
 }
 

@@ -114,6 +114,8 @@ private:
     QVariantAnimation *m_hoverAnimation = nullptr;
 
     bool m_pressed = false;
+    bool m_moved = false;
+    bool m_ignoreNextPress = false;
     QPointF m_pressGlobal;
 };
 
