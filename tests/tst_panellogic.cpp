@@ -85,8 +85,6 @@ private Q_SLOTS:
     void noteLabel();
     void otherLabels();
 
-    void menuTarget_data();
-    void menuTarget();
     void doneControl_data();
     void doneControl();
     void clicksHandTheKeyboardToTheList();
@@ -208,86 +206,30 @@ void PanelLogicTest::otherLabels()
     QCOMPARE(RowAccessibility::sectionLabel(section), QStringLiteral("Inbox section, 0 remaining"));
 }
 
-void PanelLogicTest::menuTarget_data()
-{
-    QTest::addColumn<QString>("selection");
-    QTest::addColumn<QString>("note");
-    QTest::addColumn<QString>("target");
-
-    QTest::newRow("nothing selected") << ""
-                                      << "a"
-                                      << "a";
-    QTest::newRow("the note alone selected") << "a"
-                                             << "a"
-                                             << "a";
-    QTest::newRow("another note alone selected") << "b"
-                                                 << "a"
-                                                 << "a";
-    QTest::newRow("in a selection of two") << "a,b"
-                                           << "a"
-                                           << "a,b";
-    QTest::newRow("outside a selection of three") << "b,c,d"
-                                                  << "a"
-                                                  << "a";
-    QTest::newRow("in a selection of three") << "b,c,d"
-                                             << "c"
-                                             << "b,c,d";
-}
-
-void PanelLogicTest::menuTarget()
-{
-    QFETCH(QString, selection);
-    QFETCH(QString, note);
-    QFETCH(QString, target);
-    const QList<QUuid> selected = idsFor(selection);
-    QCOMPARE(namesOf(NoteRowActions::menuTarget(
-                 QSet<QUuid>(selected.cbegin(), selected.cend()), idFor(note))),
-        target);
-}
-
 void PanelLogicTest::doneControl_data()
 {
     QTest::addColumn<QString>("project");
-    QTest::addColumn<QString>("selection");
+    QTest::addColumn<QString>("target");
     QTest::addColumn<QString>("pressed");
     QTest::addColumn<QString>("after");
 
-    QTest::newRow("on a note of the selection") << "S1:a,b,c"
-                                                << "a,b"
-                                                << "a"
-                                                << "S1:A,B,c";
-    QTest::newRow("outside the selection") << "S1:a,b,c"
-                                           << "a,b"
-                                           << "c"
-                                           << "S1:a,b,C";
-    QTest::newRow("a done note undoes the selection") << "S1:A,b,c"
-                                                      << "a,b"
-                                                      << "a"
-                                                      << "S1:a,b,c";
-    QTest::newRow("an open note in a mixed selection") << "S1:A,b,c"
-                                                       << "a,b"
-                                                       << "b"
-                                                       << "S1:A,B,c";
-    QTest::newRow("alone") << "S1:a,b"
-                           << ""
-                           << "b"
-                           << "S1:a,B";
-    QTest::newRow("undone alone") << "S1:a,B"
-                                  << "b"
-                                  << "b"
-                                  << "S1:a,b";
+    // clang-format off
+    QTest::newRow("open notes") << "S1:a,b,c" << "a,b" << "a" << "S1:A,B,c";
+    QTest::newRow("a done note undoes them all") << "S1:A,b,c" << "a,b" << "a" << "S1:a,b,c";
+    QTest::newRow("an open note does them all") << "S1:A,b,c" << "a,b" << "b" << "S1:A,B,c";
+    QTest::newRow("alone") << "S1:a,b" << "b" << "b" << "S1:a,B";
+    QTest::newRow("undone alone") << "S1:a,B" << "b" << "b" << "S1:a,b";
+    // clang-format on
 }
 
 void PanelLogicTest::doneControl()
 {
     QFETCH(QString, project);
-    QFETCH(QString, selection);
+    QFETCH(QString, target);
     QFETCH(QString, pressed);
     QFETCH(QString, after);
     PanelTestRig rig(project);
-    const QList<QUuid> selected = idsFor(selection);
-    rig.store().setSelection(QSet<QUuid>(selected.cbegin(), selected.cend()), std::nullopt);
-    NoteRowActions::pressDoneControl(rig.store(), idFor(pressed));
+    NoteRowActions::pressDoneControl(rig.store(), idFor(pressed), idsFor(target));
     QCOMPARE(rig.describe(), QStringLiteral("*") + after);
 }
 

@@ -7,19 +7,12 @@
 
 namespace Vesko::NoteRowActions {
 
-QList<QUuid> menuTarget(const QSet<QUuid> &selection, const QUuid &noteID)
-{
-    if (selection.size() >= 2 && selection.contains(noteID))
-        return QList<QUuid>(selection.cbegin(), selection.cend());
-    return {noteID};
-}
-
-void pressDoneControl(Store &store, const QUuid &noteID)
+void pressDoneControl(Store &store, const QUuid &noteID, const QList<QUuid> &target)
 {
     const std::optional<Note> note = store.note(noteID);
     if (!note)
         return;
-    store.setDone(menuTarget(store.selection(), noteID), !note->isDone);
+    store.setDone(target, !note->isDone);
 }
 
 void clickNote(Store &store, PanelState &state, const QUuid &noteID, ClickKind kind)

@@ -7,7 +7,6 @@
 #pragma once
 
 #include <QList>
-#include <QSet>
 #include <QString>
 #include <QUuid>
 
@@ -18,13 +17,9 @@ class Store;
 
 namespace NoteRowActions {
 
-//! The notes a row acts on: the whole selection when the row's note is in a
-//! selection of two or more, otherwise the row's note alone.
-QList<QUuid> menuTarget(const QSet<QUuid> &selection, const QUuid &noteID);
-
-//! The done control of the row of \a noteID: marks the row's menu target
-//! done, or not done when the row's note is done.
-void pressDoneControl(Store &store, const QUuid &noteID);
+//! The done control of the row of \a noteID: marks the notes the row acts
+//! on, \a target, done, or not done when the row's own note is done.
+void pressDoneControl(Store &store, const QUuid &noteID, const QList<QUuid> &target);
 
 enum class ClickKind { Plain, Extending, Toggling };
 //! A click on a note row: Ctrl toggles the note, Shift extends the range

@@ -3,12 +3,13 @@
 #include "panel/NoteRowView.h"
 
 #include "panel/HighlightedText.h"
+#include "panel/NativeInlineTextField.h"
 #include "panel/NoteRowActions.h"
 #include "panel/PanelListView.h"
+#include "panel/PanelMenus.h"
 #include "panel/PanelState.h"
 #include "panel/RowAccessibility.h"
 #include "panel/RowAttachmentsView.h"
-#include "panel/RowEditorField.h"
 #include "shell/Theme.h"
 #include "store/Store.h"
 
@@ -116,8 +117,9 @@ NoteRowView::NoteRowView(Store &store, PanelState &state, PanelListView &list, Q
     setAttribute(Qt::WA_Hover);
     setAcceptDrops(true);
     setMouseTracking(true);
-    connect(m_doneControl, &QAbstractButton::clicked, this,
-        [this] { NoteRowActions::pressDoneControl(m_store, noteID()); });
+    connect(m_doneControl, &QAbstractButton::clicked, this, [this] {
+        NoteRowActions::pressDoneControl(m_store, noteID(), noteMenuTarget(m_store, noteID()));
+    });
 }
 
 NoteRowView::~NoteRowView() = default;
@@ -349,17 +351,17 @@ void NoteRowView::setEditing(bool editing)
         m_draft = m_row.note.text;
         m_editorHeight = initialEditorHeight;
         if (!m_editor) {
-            m_editor = new RowEditorField(this);
+            m_editor = new NativeInlineTextField(this);
             m_editor->setPlaceholder(tr("Note"));
-            m_editor->setFieldFont(editorFont());
+            m_editor->setTextFont(editorFont());
             m_editor->setMultiline(true);
             m_editor->setResignsOnCommit(true);
-            connect(m_editor, &RowEditorField::textChanged, this,
-                [this] { m_draft = m_editor->text(); });
-            connect(m_editor, &RowEditorField::committed, this, &NoteRowView::commitEdit);
-            connect(m_editor, &RowEditorField::blurred, this, &NoteRowView::commitEdit);
-            connect(m_editor, &RowEditorField::cancelled, this, &NoteRowView::cancelEdit);
-            connect(m_editor, &RowEditorField::heightChanged, this, [this](qreal height) {
+            connect(m_editor, &NativeInlineTextField::textChanged, this,
+                [this](const QString &text) { m_draft = text; });
+            connect(m_editor, &NativeInlineTextField::committed, this, &NoteRowView::commitEdit);
+            connect(m_editor, &NativeInlineTextField::blurred, this, &NoteRowView::commitEdit);
+            connect(m_editor, &NativeInlineTextField::cancelled, this, &NoteRowView::cancelEdit);
+            connect(m_editor, &NativeInlineTextField::heightChanged, this, [this](qreal height) {
                 if (std::abs(height - m_editorHeight) <= 0.5)
                     return;
                 m_editorHeight = height;
@@ -368,10 +370,13 @@ void NoteRowView::setEditing(bool editing)
             });
         }
         m_editor->setTextColor(Theme::currentColors().text);
+        m_editor->setPlaceholderColor(Theme::currentColors().tertiaryText);
         m_editor->setText(m_draft);
+        m_editor->moveCaretToEnd();
         m_editor->show();
         m_editor->setWantsFocus(true);
     } else if (m_editor) {
+        m_editor->setWantsFocus(false);
         m_editor->hide();
     }
 }
@@ -558,13 +563,12 @@ void NoteRowView::mouseDoubleClickEvent(QMouseEvent *event)
 
 void NoteRowView::contextMenuEvent(QContextMenuEvent *event)
 {
-    m_list.showNoteMenu(
-        NoteRowActions::menuTarget(m_store.selection(), noteID()), event->globalPos());
+    m_list.showNoteMenu(noteMenuTarget(m_store, noteID()), event->globalPos());
 }
 
 void NoteRowView::startDrag()
 {
-    const QList<QUuid> target = NoteRowActions::menuTarget(m_store.selection(), noteID());
+    const QList<QUuid> target = noteMenuTarget(m_store, noteID());
     auto *data = new QMimeData;
     data->setText(m_store.plainCopyText(target));
     m_state.setDraggingNoteIDs(target);

@@ -23,7 +23,7 @@ namespace Vesko {
 class PanelListView;
 class PanelState;
 class RowAttachmentsView;
-class RowEditorField;
+class NativeInlineTextField;
 class Store;
 
 //! The round done control of a note row.
@@ -91,7 +91,7 @@ public:
     bool isTextTruncated() const;
 
     DoneControl *doneControl() const { return m_doneControl; }
-    RowEditorField *editor() const { return m_editor; }
+    NativeInlineTextField *editor() const { return m_editor; }
     RowAttachmentsView *attachmentsView() const { return m_attachments; }
 
     bool hasHeightForWidth() const override { return true; }
@@ -149,7 +149,7 @@ private:
 
     DoneControl *m_doneControl = nullptr;
     RowAttachmentsView *m_attachments = nullptr;
-    RowEditorField *m_editor = nullptr;
+    NativeInlineTextField *m_editor = nullptr;
     mutable NoteTextLayout m_text;
     QString m_query;
 

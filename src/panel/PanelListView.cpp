@@ -4,6 +4,7 @@
 
 #include "panel/NoteRowView.h"
 #include "panel/PanelDrop.h"
+#include "panel/PanelMenus.h"
 #include "panel/RowAccessibles.h"
 #include "panel/SectionHeaderView.h"
 #include "panel/SectionReorder.h"
@@ -160,6 +161,13 @@ PanelListView::PanelListView(Store &store, PanelState &state, QWidget *parent)
         }
         m_animationTarget.reset();
     });
+
+    m_noteMenuFiller = [this](QMenu &menu, const QList<QUuid> &target) {
+        fillNoteMenu(menu, m_store, m_state, target);
+    };
+    m_sectionMenuFiller = [this](QMenu &menu, const QUuid &sectionID) {
+        fillSectionMenu(menu, m_store, m_state, sectionID);
+    };
 
     connect(&m_store, &Store::rowsChanged, this, &PanelListView::rowsChanged);
     connect(&m_store, &Store::searchTextChanged, this, &PanelListView::searchTextChanged);

@@ -79,6 +79,7 @@ public:
     //! The key handling of the panel; without one the list moves the
     //! selection with the arrows, Home and End.
     void setKeyHandler(KeyHandler handler);
+    //! The context menus; the panel's note and section menus unless set.
     void setNoteMenuFiller(NoteMenuFiller filler);
     void setSectionMenuFiller(SectionMenuFiller filler);
     //! Without a handler note rows take no files.

@@ -2,10 +2,10 @@
 
 #include "panel/SectionHeaderView.h"
 
+#include "panel/NativeInlineTextField.h"
 #include "panel/NoteRowActions.h"
 #include "panel/PanelListView.h"
 #include "panel/PanelState.h"
-#include "panel/RowEditorField.h"
 #include "shell/Theme.h"
 #include "store/Store.h"
 
@@ -115,39 +115,42 @@ void SectionHeaderView::setRenaming(bool renaming)
     if (renaming) {
         m_draftTitle = m_section.title;
         if (!m_editor) {
-            m_editor = new RowEditorField(this);
+            m_editor = new NativeInlineTextField(this);
             m_editor->setPlaceholder(tr("Section name"));
             QFont font = QApplication::font();
             font.setPixelSize(12);
             font.setWeight(QFont::DemiBold);
-            m_editor->setFieldFont(font);
+            m_editor->setTextFont(font);
             m_editor->setMultiline(false);
             m_editor->setResignsOnCommit(true);
-            connect(m_editor, &RowEditorField::textChanged, this,
-                [this] { m_draftTitle = m_editor->text(); });
+            connect(m_editor, &NativeInlineTextField::textChanged, this,
+                [this](const QString &text) { m_draftTitle = text; });
             auto commit = [this] {
                 if (m_renaming)
                     NoteRowActions::commitRename(m_store, m_state, sectionID(), m_draftTitle);
             };
-            connect(m_editor, &RowEditorField::committed, this, commit);
-            connect(m_editor, &RowEditorField::blurred, this, [this, commit] {
+            connect(m_editor, &NativeInlineTextField::committed, this, commit);
+            connect(m_editor, &NativeInlineTextField::blurred, this, [this, commit] {
                 // When a press on this header took the keyboard away, the
                 // press ends the renaming and is no click on the header.
                 m_ignoreNextPress = true;
                 QTimer::singleShot(0, this, [this] { m_ignoreNextPress = false; });
                 commit();
             });
-            connect(m_editor, &RowEditorField::cancelled, this, [this] {
+            connect(m_editor, &NativeInlineTextField::cancelled, this, [this] {
                 m_draftTitle = m_section.title;
                 NoteRowActions::cancelRename(m_state, sectionID());
             });
         }
         m_editor->setTextColor(Theme::currentColors().text);
+        m_editor->setPlaceholderColor(Theme::currentColors().tertiaryText);
         m_editor->setText(m_draftTitle);
+        m_editor->selectAll();
         m_editor->setGeometry(paddingH, rowPadding, width() - 2 * paddingH, contentHeight);
         m_editor->show();
         m_editor->setWantsFocus(true);
     } else if (m_editor) {
+        m_editor->setWantsFocus(false);
         m_editor->hide();
     }
     update();

@@ -18,7 +18,7 @@ namespace Vesko {
 
 class PanelListView;
 class PanelState;
-class RowEditorField;
+class NativeInlineTextField;
 class Store;
 
 class SectionHeaderView : public QWidget
@@ -60,7 +60,7 @@ public:
     bool showsActiveMark() const { return m_section.isActive; }
     QString displayedTitle() const { return m_section.title.toUpper(); }
     QString draftTitle() const { return m_draftTitle; }
-    RowEditorField *editor() const { return m_editor; }
+    NativeInlineTextField *editor() const { return m_editor; }
 
     //! Where the grip, the active mark and the count are drawn.
     QRect gripRect() const;
@@ -105,7 +105,7 @@ private:
     bool m_reordering = false;
     double m_dragTranslation = 0;
     QString m_draftTitle;
-    RowEditorField *m_editor = nullptr;
+    NativeInlineTextField *m_editor = nullptr;
 
     // 0 open, 1 collapsed; and the opacity of what shows on hover.
     qreal m_chevronTurn = 0;

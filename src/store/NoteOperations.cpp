@@ -162,6 +162,23 @@ void Store::setDone(const QList<QUuid> &ids, bool isDone)
     commit();
 }
 
+bool Store::toggledDoneValue(const QList<QUuid> &ids) const
+{
+    for (const QUuid &id : ids) {
+        const std::optional<Note> found = note(id);
+        if (!found || !found->isDone)
+            return true;
+    }
+    return false;
+}
+
+void Store::toggleDone(const QList<QUuid> &ids)
+{
+    if (ids.isEmpty())
+        return;
+    setDone(ids, toggledDoneValue(ids));
+}
+
 void Store::deleteNotes(const QSet<QUuid> &ids)
 {
     if (ids.isEmpty())

@@ -165,6 +165,11 @@ public:
     //! Sets a note's text; an edit that empties a note without attachments deletes it.
     void updateNote(const QUuid &id, const QString &text);
     void setDone(const QList<QUuid> &ids, bool isDone);
+    //! The value toggleDone() gives \a ids: done, unless every one of them is
+    //! a done note (a note that cannot be found counts as not done).
+    bool toggledDoneValue(const QList<QUuid> &ids) const;
+    //! Marks \a ids done, or not done when all of them are done already.
+    void toggleDone(const QList<QUuid> &ids);
     void deleteNotes(const QSet<QUuid> &ids);
     //! Deletes the done notes of the active project, hidden ones included.
     void clearCompleted();

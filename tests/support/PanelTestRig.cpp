@@ -2,14 +2,7 @@
 
 #include "PanelTestRig.h"
 
-#include <QSettings>
-
 namespace Vesko::Test {
-
-QUuid idFor(const QString &name)
-{
-    return QUuid::createUuidV5(QUuid(), name);
-}
 
 QList<QUuid> idsFor(const QString &names)
 {
@@ -106,20 +99,9 @@ PanelTestRig::PanelTestRig(const QString &description)
     }())
 { }
 
-PanelTestRig::PanelTestRig(Library library)
+PanelTestRig::PanelTestRig(const Library &library)
 {
-    Preferences::openSettings()->clear();
-    m_preferences = std::make_unique<Preferences>();
-    m_writer = std::make_unique<LibraryWriter>();
-    m_attachments = std::make_unique<AttachmentStore>();
-    m_searchIndex = std::make_unique<SearchIndex>();
-    m_store = std::make_unique<Store>(std::move(library),
-        Store::Services {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-}
-
-PanelTestRig::~PanelTestRig()
-{
-    m_store.reset();
+    m_fixture.make(library);
 }
 
 } // namespace Vesko::Test

@@ -3,24 +3,17 @@
 // A real Store over a small library written as text, for the tests of the
 // panel's rows and list. Sections are separated by "|": a title, "+" after
 // it for collapsed, "*" before it for the active one, then ":" and the notes
-// by name, upper case for done ones. Ids follow from the names, so a test
-// names notes and sections by letters and titles.
+// by name, upper case for done ones. Ids follow from the names (idFor()),
+// so a test names notes and sections by letters and titles.
 
 #pragma once
 
-#include "attachments/AttachmentStore.h"
-#include "library/LibraryWriter.h"
-#include "panel/PanelState.h"
-#include "search/SearchIndex.h"
-#include "shell/Preferences.h"
-#include "store/Store.h"
+#include "StoreFixture.h"
 
-#include <memory>
+#include "panel/PanelState.h"
 
 namespace Vesko::Test {
 
-//! The id of the note or section named \a name.
-QUuid idFor(const QString &name);
 //! The ids of the names in \a names, separated by commas.
 QList<QUuid> idsFor(const QString &names);
 Project projectFrom(const QString &description);
@@ -36,20 +29,15 @@ public:
     //! Starts from clean preferences.
     explicit PanelTestRig(const QString &description);
     //! Wraps a library of its own, such as a generated one.
-    explicit PanelTestRig(Library library);
-    ~PanelTestRig();
+    explicit PanelTestRig(const Library &library);
 
-    Store &store() { return *m_store; }
+    Store &store() { return m_fixture.store(); }
     PanelState &state() { return m_state; }
-    Preferences &preferences() { return *m_preferences; }
-    QString describe() const { return describeProject(m_store->activeProject()); }
+    Preferences &preferences() { return m_fixture.preferences(); }
+    QString describe() { return describeProject(store().activeProject()); }
 
 private:
-    std::unique_ptr<Preferences> m_preferences;
-    std::unique_ptr<LibraryWriter> m_writer;
-    std::unique_ptr<AttachmentStore> m_attachments;
-    std::unique_ptr<SearchIndex> m_searchIndex;
-    std::unique_ptr<Store> m_store;
+    StoreFixture m_fixture;
     PanelState m_state;
 };
 
