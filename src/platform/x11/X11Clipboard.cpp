@@ -24,6 +24,18 @@ const QByteArrayList describingTargets
 //! The text targets, best first; the first offered is kept as "text/plain".
 const QByteArrayList textTargets = {"UTF8_STRING", "STRING", "TEXT"};
 
+//! The format a target is kept under: "text/plain" for the text targets,
+//! else the target's own name; empty for targets that describe the
+//! selection rather than hold its content.
+QString formatOfTarget(const QByteArray &targetName)
+{
+    if (targetName.isEmpty() || describingTargets.contains(targetName))
+        return {};
+    if (textTargets.contains(targetName))
+        return QStringLiteral("text/plain");
+    return QString::fromLatin1(targetName);
+}
+
 } // namespace
 
 //! One snapshot under way: the formats still to read, in order, and what came.
@@ -50,15 +62,6 @@ X11Clipboard::X11Clipboard()
 }
 
 X11Clipboard::~X11Clipboard() = default;
-
-QString X11Clipboard::formatOfTarget(const QByteArray &targetName)
-{
-    if (targetName.isEmpty() || describingTargets.contains(targetName))
-        return {};
-    if (textTargets.contains(targetName))
-        return QStringLiteral("text/plain");
-    return QString::fromLatin1(targetName);
-}
 
 bool X11Clipboard::readsFromOwner()
 {

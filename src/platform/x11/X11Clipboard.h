@@ -32,11 +32,6 @@ public:
     void requestSnapshot(std::function<void(Snapshot)> done) override;
     void requestText(std::function<void(std::optional<QString>)> done) override;
 
-    //! The format a target is kept under: "text/plain" for the text targets
-    //! (UTF8_STRING, STRING, TEXT), else the target's own name; empty for
-    //! targets that describe the selection rather than hold its content.
-    static QString formatOfTarget(const QByteArray &targetName);
-
 private:
     struct Reading;
 
