@@ -15,6 +15,8 @@
 namespace Vesko {
 
 class AccessibilityPermission;
+class Clipboard;
+class KeyLayout;
 class CaptureEngine;
 class DoubleShiftMonitor;
 class HotKeyCenter;
@@ -24,7 +26,9 @@ class QtClipboard;
 class SelectionReader;
 class Store;
 class ToastPresenter;
+class X11Connection;
 class X11HotKeys;
+class X11Keyboard;
 class X11KeyMonitor;
 class X11Session;
 
@@ -38,6 +42,9 @@ public:
     ~DesktopCapture() override;
 
     HotKeyCenter &hotKeys() { return *m_hotKeys; }
+    Clipboard &clipboard();
+    //! The keyboard layout that names keys on screen; none off X11.
+    const KeyLayout *keyLayout();
     AccessibilityPermission &permission() { return *m_permission; }
     //! Made on first use, at launch.
     CaptureEngine &engine();
@@ -60,6 +67,8 @@ private:
     std::unique_ptr<SelectionReader> m_reader;
     std::unique_ptr<Feedback> m_feedback;
     std::unique_ptr<CaptureEngine> m_engine;
+    std::unique_ptr<X11Connection> m_keyboardConnection;
+    std::unique_ptr<X11Keyboard> m_keyboard;
 };
 
 } // namespace Vesko

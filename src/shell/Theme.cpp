@@ -246,6 +246,14 @@ QIcon symbolIcon(const QString &symbol, const QColor &color, int size)
         {"paperclip", "mail-attachment-symbolic", u"\u2295"},
         {"clipboard", "edit-paste-symbolic", u"\u2398"},
         {"eye.slash", "view-hidden-symbolic", u"\u2205"},
+        {"gearshape", "preferences-system-symbolic", u"\u2699"},
+        {"text.viewfinder", "edit-find-symbolic", u"\u2316"},
+        {"internaldrive", "drive-harddisk-symbolic", u"\u26C1"},
+        {"info.circle", "help-about-symbolic", u"i"},
+        {"checkmark.circle.fill", "emblem-ok-symbolic", u"\u2714"},
+        {"exclamationmark.triangle.fill", "dialog-warning-symbolic", u"\u26A0"},
+        {"xmark.circle.fill", "edit-clear-symbolic", u"\u2715"},
+        {"person.slash", "avatar-default-symbolic", u"\u2298"},
     };
     const char16_t *glyph = u"\u2022";
     for (const Symbol &entry : symbols) {

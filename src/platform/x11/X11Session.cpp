@@ -102,11 +102,29 @@ X11Session::~X11Session() = default;
 
 bool X11Session::isCaptureAvailable()
 {
+    return captureObstacle() == CaptureObstacle::None;
+}
+
+CaptureObstacle X11Session::captureObstacle()
+{
+    // Under Xwayland the X server only knows its own clients: a Wayland
+    // session is one whatever platform Qt runs on.
+    if (QGuiApplication::platformName().startsWith(u"wayland")
+        || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
+        || qEnvironmentVariable("XDG_SESSION_TYPE") == u"wayland")
+        return CaptureObstacle::WaylandSession;
     if (QGuiApplication::platformName() != QLatin1String("xcb"))
-        return false;
+        return CaptureObstacle::NoXServer;
     X11Connection connection;
-    return connection.isValid() && connection.extensionOpcode("XInputExtension")
-        && connection.extensionOpcode("XTEST") && connection.extensionOpcode("X-Resource");
+    if (!connection.isValid())
+        return CaptureObstacle::NoXServer;
+    if (!connection.extensionOpcode("XInputExtension"))
+        return CaptureObstacle::NoXInput2;
+    if (!connection.extensionOpcode("XTEST"))
+        return CaptureObstacle::NoXTest;
+    if (!connection.extensionOpcode("X-Resource"))
+        return CaptureObstacle::NoXResource;
+    return CaptureObstacle::None;
 }
 
 xcb_window_t X11Session::activeWindow()

@@ -7,6 +7,7 @@
 
 #pragma once
 
+#include "platform/CaptureSupport.h"
 #include "platform/DesktopSession.h"
 
 #include <QHash>
@@ -34,6 +35,8 @@ public:
 
     //! The session has an X server with XInput 2, XTEST and X-Resource.
     static bool isCaptureAvailable();
+    //! What keeps capture from working here, or None.
+    static CaptureObstacle captureObstacle();
 
     std::optional<FrontApplication> frontApplication() override;
     std::optional<QString> primarySelection(qint64 processID) override;
