@@ -24,7 +24,9 @@ void SettingsGroup::addRow(const QString &label, QWidget *field)
 {
     auto *name = new QLabel(label, this);
     name->setBuddy(field);
-    if (field->accessibleName().isEmpty())
+    // A value shown as text keeps its text as its name; the label names it
+    // through the buddy relation.
+    if (field->accessibleName().isEmpty() && !qobject_cast<QLabel *>(field))
         field->setAccessibleName(label);
     m_form->addRow(name, field);
 }
