@@ -8,6 +8,7 @@
 #include "shell/Theme.h"
 
 #include <QScrollArea>
+#include <QTabBar>
 
 namespace Vesko {
 
@@ -26,6 +27,11 @@ SettingsView::SettingsView(const Services &services, QWidget *parent)
     addTab(makeSettingsPage(m_storage), symbolIcon(QStringLiteral("internaldrive"), tint, 16),
         tr("Storage"));
     addTab(new AboutSettingsView, symbolIcon(QStringLiteral("info.circle"), tint, 16), tr("About"));
+}
+
+int SettingsView::preferredHeight() const
+{
+    return tabBar()->sizeHint().height() + m_general->sizeHint().height() + 2 * frameWidth();
 }
 
 } // namespace Vesko

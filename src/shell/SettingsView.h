@@ -35,6 +35,8 @@ public:
     explicit SettingsView(const Services &services, QWidget *parent = nullptr);
 
     void showTab(SettingsTab tab) { setCurrentIndex(int(tab)); }
+    //! The height at which the General tab shows whole.
+    int preferredHeight() const;
     GeneralSettingsView *general() const { return m_general; }
     CaptureSettingsView *capture() const { return m_capture; }
     StorageSettingsView *storage() const { return m_storage; }

@@ -11,6 +11,8 @@
 #include <QVBoxLayout>
 #include <QWidget>
 
+#include <algorithm>
+
 namespace Vesko {
 
 namespace {
@@ -130,7 +132,11 @@ void SettingsWindowController::makeWindow()
     auto *window = new SettingsWindow;
     m_window = window;
     window->setContent(new SettingsView(*m_services));
-    window->resize(contentWidth, contentHeight);
+    // Tall enough for the General tab to show whole, where the screen allows.
+    int height = std::max(contentHeight, window->view()->preferredHeight());
+    if (const QScreen *screen = QGuiApplication::primaryScreen())
+        height = std::min(height, screen->availableGeometry().height() * 9 / 10);
+    window->resize(contentWidth, std::max(height, contentHeight));
     if (!window->restoreFrame()) {
         if (const QScreen *screen = QGuiApplication::primaryScreen()) {
             QRect frame(QPoint(), window->size());
