@@ -5,12 +5,15 @@
 // shows the floating panel once the event loop runs, and writes the library
 // on the way out, however it is asked to end.
 
+#include "attachments/DesktopAttachments.h"
 #include "capture/CaptureEngine.h"
 #include "library/Library.h"
+#include "panel/PanelCommands.h"
 #include "panel/PanelController.h"
 #include "panel/PanelState.h"
 #include "platform/Logging.h"
 #include "platform/TerminationSignals.h"
+#include "platform/x11/X11Session.h"
 #include "shell/AppDelegate.h"
 #include "shell/DesktopCapture.h"
 #include "shell/Preferences.h"
@@ -21,13 +24,8 @@
 #include "shell/TrayIcon.h"
 #include "store/Store.h"
 
-#include "platform/x11/X11Session.h"
-
 #include <QApplication>
-#include <QDesktopServices>
-#include <QFileInfo>
 #include <QTimer>
-#include <QUrl>
 
 using namespace Vesko;
 
@@ -55,6 +53,7 @@ int main(int argc, char *argv[])
         qlonglong(noteCount(store.library())));
 
     PanelController &panel = PanelController::shared();
+    installAttachmentCommands(PanelCommands::shared());
     // The hot keys' combinations and capture availability are read now; nothing
     // is registered or listened to before the launch has finished.
     DesktopCapture capture(store, preferences, panel, ToastPresenter::shared());
@@ -63,18 +62,20 @@ int main(int argc, char *argv[])
         SettingsView::Services {preferences, panel, LoginItem::forCurrentProgram(),
             {preferences, capture.permission(), capture.engine(), capture.hotKeys(),
                 capture.keyLayout(), &X11Session::captureObstacle},
-            {store, preferences, capture.clipboard(),
-                [](const QString &path) {
-                    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
-                }}},
+            {store, preferences, PanelCommands::shared().clipboard(),
+                &PanelCommands::showInFileManager}},
         capture.permission());
     AppDelegate::Hooks hooks = capture.launchHooks();
     // When capture is not available at launch, Settings says why.
     hooks.showSettings = [&settings] { settings.show(SettingsTab::Capture); };
     AppDelegate delegate(store, preferences, panel, hooks);
     TrayIcon tray(panel, preferences);
+    // The tray menu, the panel's overflow menu and its Ctrl+, open Settings.
     QObject::connect(
         &tray, &TrayIcon::settingsRequested, &settings, [&settings] { settings.show(); });
+    PanelCommands::Hooks commands = PanelCommands::shared().hooks();
+    commands.openSettings = [&settings] { settings.show(); };
+    PanelCommands::shared().setHooks(commands);
     // The window is rebuilt in the new appearance once the palette has changed.
     QObject::connect(&preferences, &Preferences::appearanceAssigned, &settings,
         &SettingsWindowController::refreshAppearance, Qt::QueuedConnection);

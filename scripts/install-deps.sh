@@ -15,11 +15,15 @@ packages=(
     libxkbcommon-dev libxkbcommon-x11-dev
     # a real X session for the platform and interface tests
     xvfb xauth openbox x11-utils xdotool xclip xterm
+    # a private session bus for the file manager's D-Bus interface
+    dbus-daemon
     # the Settings window's end-to-end test: a system tray, a session bus and
     # a screen reader's view over AT-SPI
-    trayer dbus at-spi2-core python3-pyatspi gir1.2-atspi-2.0
+    trayer at-spi2-core python3-pyatspi gir1.2-atspi-2.0
     # runtime plugins
     qt6-qpa-plugins fonts-dejavu-core
+    # the file types of attachments
+    shared-mime-info
 )
 
 missing=()

@@ -47,15 +47,16 @@ void flatten(const QJsonObject &node, QStringList &out, QHash<QString, QJsonObje
 
 QStringList windowsNamed(const QString &pattern)
 {
-    const QString found = xdotool(
-        {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"), pattern});
+    const QString found = xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+        QStringLiteral("--name"), pattern});
     return found.isEmpty() ? QStringList() : found.split(u'\n');
 }
 
 QString windowState(const QString &window)
 {
     QProcess xprop;
-    xprop.start(QStringLiteral("xprop"), {QStringLiteral("-id"), window, QStringLiteral("_NET_WM_STATE")});
+    xprop.start(
+        QStringLiteral("xprop"), {QStringLiteral("-id"), window, QStringLiteral("_NET_WM_STATE")});
     xprop.waitForFinished(10000);
     return QString::fromUtf8(xprop.readAllStandardOutput());
 }
@@ -66,15 +67,16 @@ QPoint trayIconCentre()
     const QString found
         = xdotool({QStringLiteral("search"), QStringLiteral("--class"), QStringLiteral("^vesko$")});
     for (const QString &window : found.split(u'\n', Qt::SkipEmptyParts)) {
-        const QString shell = xdotool(
-            {QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window});
+        const QString shell
+            = xdotool({QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window});
         QHash<QString, int> geometry;
         for (const QString &line : shell.split(u'\n'))
             geometry.insert(line.section(u'=', 0, 0), line.section(u'=', 1).toInt());
         if (geometry.value(QStringLiteral("WIDTH")) <= 32
             && geometry.value(QStringLiteral("HEIGHT")) <= 32
             && geometry.value(QStringLiteral("WIDTH")) > 1)
-            return QPoint(geometry.value(QStringLiteral("X")) + geometry.value(QStringLiteral("WIDTH")) / 2,
+            return QPoint(
+                geometry.value(QStringLiteral("X")) + geometry.value(QStringLiteral("WIDTH")) / 2,
                 geometry.value(QStringLiteral("Y")) + geometry.value(QStringLiteral("HEIGHT")) / 2);
     }
     return {};
@@ -106,17 +108,19 @@ private:
 
 void SettingsTest::initTestCase()
 {
-    if (qEnvironmentVariableIsEmpty("DISPLAY") || qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
-        QSKIP("Needs an X server and a session bus: run through dbus-run-session and tests/x-session.sh");
+    if (qEnvironmentVariableIsEmpty("DISPLAY")
+        || qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
+        QSKIP("Needs an X server and a session bus: run through dbus-run-session and "
+              "tests/x-session.sh");
     m_tray.start(QStringLiteral("trayer"),
         {QStringLiteral("--edge"), QStringLiteral("top"), QStringLiteral("--align"),
             QStringLiteral("right"), QStringLiteral("--widthtype"), QStringLiteral("request"),
             QStringLiteral("--height"), QStringLiteral("24"), QStringLiteral("--transparent"),
             QStringLiteral("false")});
     QVERIFY(m_tray.waitForStarted(10000));
-    QTRY_VERIFY_WITH_TIMEOUT(!xdotool({QStringLiteral("search"), QStringLiteral("--class"),
-                                          QStringLiteral("^trayer$")})
-                                  .isEmpty(),
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !xdotool({QStringLiteral("search"), QStringLiteral("--class"), QStringLiteral("^trayer$")})
+             .isEmpty(),
         10000);
     // The accessibility bus runs before the program starts, so that the
     // program joins it as it would in a desktop session with a screen reader.
@@ -233,8 +237,10 @@ void SettingsTest::screenReaderFindsEveryControl()
     // On this desktop a picker is named by its label and reads its choice.
     for (const auto &[label, choice] : {std::pair {"Appearance", "System"},
              std::pair {"Window position", "Right"}, std::pair {"Copy as List uses", "1. 2. 3."}}) {
-        const QJsonObject picker = byName.value(QStringLiteral("combo box|") + QLatin1String(choice));
-        QVERIFY2(picker.value(QStringLiteral("labelled_by")).toArray().contains(QLatin1String(label)),
+        const QJsonObject picker
+            = byName.value(QStringLiteral("combo box|") + QLatin1String(choice));
+        QVERIFY2(
+            picker.value(QStringLiteral("labelled_by")).toArray().contains(QLatin1String(label)),
             label);
     }
     // The slider reads its value as the tab shows it.
@@ -293,8 +299,7 @@ void SettingsTest::closingOnlyHides()
     // It comes back, one window, where it stood.
     openFromTray();
     QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), 10000);
-    QCOMPARE(xdotool({QStringLiteral("getwindowgeometry"), settingsWindow()})
-                 .section(u'\n', 1),
+    QCOMPARE(xdotool({QStringLiteral("getwindowgeometry"), settingsWindow()}).section(u'\n', 1),
         geometry.section(u'\n', 1));
 }
 

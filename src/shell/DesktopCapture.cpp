@@ -77,11 +77,6 @@ CaptureEngine &DesktopCapture::engine()
     return *m_engine;
 }
 
-Clipboard &DesktopCapture::clipboard()
-{
-    return *m_clipboard;
-}
-
 const KeyLayout *DesktopCapture::keyLayout()
 {
     if (!m_keyboard && QGuiApplication::platformName() == QLatin1String("xcb")) {

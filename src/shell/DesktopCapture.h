@@ -15,7 +15,6 @@
 namespace Vesko {
 
 class AccessibilityPermission;
-class Clipboard;
 class KeyLayout;
 class CaptureEngine;
 class DoubleShiftMonitor;
@@ -42,7 +41,6 @@ public:
     ~DesktopCapture() override;
 
     HotKeyCenter &hotKeys() { return *m_hotKeys; }
-    Clipboard &clipboard();
     //! The keyboard layout that names keys on screen; none off X11.
     const KeyLayout *keyLayout();
     AccessibilityPermission &permission() { return *m_permission; }

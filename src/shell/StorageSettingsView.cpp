@@ -3,8 +3,8 @@
 #include "shell/StorageSettingsView.h"
 
 #include "library/LibraryFile.h"
+#include "panel/PanelCommands.h"
 #include "shell/LibraryLocation.h"
-#include "shell/MarkdownExport.h"
 #include "shell/Preferences.h"
 #include "shell/SettingsForm.h"
 #include "shell/Toast.h"
@@ -65,8 +65,9 @@ StorageSettingsView::StorageSettingsView(const Services &services, QWidget *pare
     connect(m_move, &QPushButton::clicked, this, &StorageSettingsView::chooseMoveDestination);
     connect(
         m_useDefault, &QPushButton::clicked, this, [this] { moveLibrary(defaultLibraryURL()); });
-    connect(exportAll, &QPushButton::clicked, this,
-        [this] { exportMarkdown(window(), m_services.store.markdownExportText()); });
+    connect(exportAll, &QPushButton::clicked, this, [this] {
+        PanelCommands::shared().exportMarkdown(m_services.store.markdownExportText(), window());
+    });
     connect(copyProject, &QPushButton::clicked, this, [this] {
         QList<QUuid> ids;
         for (const Note &note : m_services.store.visibleNotes())

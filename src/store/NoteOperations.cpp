@@ -162,6 +162,23 @@ void Store::setDone(const QList<QUuid> &ids, bool isDone)
     commit();
 }
 
+bool Store::toggledDoneValue(const QList<QUuid> &ids) const
+{
+    for (const QUuid &id : ids) {
+        const std::optional<Note> found = note(id);
+        if (!found || !found->isDone)
+            return true;
+    }
+    return false;
+}
+
+void Store::toggleDone(const QList<QUuid> &ids)
+{
+    if (ids.isEmpty())
+        return;
+    setDone(ids, toggledDoneValue(ids));
+}
+
 void Store::deleteNotes(const QSet<QUuid> &ids)
 {
     if (ids.isEmpty())
@@ -440,6 +457,18 @@ void Store::addAttachments(const QList<NoteAttachment> &attachments, const QUuid
     target->attachments.append(attachments);
     target->updatedAt = currentDate();
     commit();
+}
+
+void Store::importAttachments(
+    const QList<QUrl> &sources, const QUuid &noteID, std::function<void(ImportResult)> done)
+{
+    m_attachments.importFiles(sources, attachmentsFolder(libraryURL()), this,
+        [this, noteID, done = std::move(done)](const ImportResult &result) {
+            if (result.succeeded())
+                addAttachments(result.attachments, noteID);
+            if (done)
+                done(result);
+        });
 }
 
 void Store::removeAttachment(const QUuid &attachmentID, const QUuid &noteID)

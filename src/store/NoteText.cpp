@@ -7,8 +7,27 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QTextBoundaryFinder>
 
 namespace Vesko {
+
+bool isLongNoteText(const QString &text)
+{
+    constexpr qsizetype longLineCount = 4;
+    constexpr qsizetype longCharacterCount = 120;
+    if (text.count(u'\n') + 1 >= longLineCount)
+        return true;
+    // A character is what the reader sees: one grapheme, however many code units.
+    if (text.size() <= longCharacterCount)
+        return false;
+    QTextBoundaryFinder graphemes(QTextBoundaryFinder::Grapheme, text);
+    qsizetype count = 0;
+    while (graphemes.toNextBoundary() != -1) {
+        if (++count > longCharacterCount)
+            return true;
+    }
+    return false;
+}
 
 QString copiedText(const Note &note, bool includesMarkdown)
 {

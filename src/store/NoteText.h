@@ -29,6 +29,10 @@ inline constexpr const char exportedSymbol[] = "square.and.arrow.up";
 inline constexpr const char exportFileName[] = "Vesko Notes.md";
 } // namespace TextOutMessages
 
+//! A note's text is long, so that its row can be expanded: four lines or
+//! more, or more than 120 characters as the reader counts them (graphemes).
+bool isLongNoteText(const QString &text);
+
 //! A note's text as copied: as typed, or without its inline Markdown markers.
 QString copiedText(const Note &note, bool includesMarkdown);
 

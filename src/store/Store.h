@@ -9,6 +9,7 @@
 
 #pragma once
 
+#include "attachments/AttachmentStore.h"
 #include "library/Library.h"
 #include "search/SearchIndex.h"
 #include "search/SearchMatches.h"
@@ -18,11 +19,11 @@
 #include <QSet>
 #include <QTimer>
 
+#include <functional>
 #include <optional>
 
 namespace Vesko {
 
-class AttachmentStore;
 class Clipboard;
 class LibraryWriter;
 class Preferences;
@@ -165,6 +166,11 @@ public:
     //! Sets a note's text; an edit that empties a note without attachments deletes it.
     void updateNote(const QUuid &id, const QString &text);
     void setDone(const QList<QUuid> &ids, bool isDone);
+    //! The value toggleDone() gives \a ids: done, unless every one of them is
+    //! a done note (a note that cannot be found counts as not done).
+    bool toggledDoneValue(const QList<QUuid> &ids) const;
+    //! Marks \a ids done, or not done when all of them are done already.
+    void toggleDone(const QList<QUuid> &ids);
     void deleteNotes(const QSet<QUuid> &ids);
     //! Deletes the done notes of the active project, hidden ones included.
     void clearCompleted();
@@ -182,6 +188,11 @@ public:
     //! Attaches records of files already imported; their files go if the note has gone.
     void addAttachments(const QList<NoteAttachment> &attachments, const QUuid &noteID);
     void removeAttachment(const QUuid &attachmentID, const QUuid &noteID);
+    //! Copies the files of \a sources into the attachments folder on the
+    //! importer thread, then attaches them to the note; when the note is gone
+    //! by then, the copies are deleted again. \a done learns the outcome.
+    void importAttachments(const QList<QUrl> &sources, const QUuid &noteID,
+        std::function<void(ImportResult)> done = {});
 
     //! The note to select after removing \a ids: the next visible survivor,
     //! else the nearest one above, else nothing.

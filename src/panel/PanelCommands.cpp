@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "panel/PanelCommands.h"
+
+#include "attachments/AttachmentStore.h"
+#include "library/LibraryFile.h"
+#include "platform/SerialQueue.h"
+#include "platform/qt/QtClipboard.h"
+#include "shell/Toast.h"
+#include "store/NoteText.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QUrl>
+
+namespace Vesko {
+
+namespace {
+
+SerialQueue &exportQueue()
+{
+    static SerialQueue *const queue = new SerialQueue(QStringLiteral("com.vesko.vesko.export"));
+    return *queue;
+}
+
+std::optional<QString> attachmentFile(const NoteAttachment &attachment)
+{
+    return AttachmentStore::fileInside(attachmentsFolder(libraryURL()), attachment.storedFileName);
+}
+
+} // namespace
+
+PanelCommands::PanelCommands(QObject *parent)
+    : QObject(parent)
+{ }
+
+PanelCommands::~PanelCommands() = default;
+
+PanelCommands &PanelCommands::shared()
+{
+    static PanelCommands *const commands = new PanelCommands;
+    return *commands;
+}
+
+void PanelCommands::setHooks(Hooks hooks)
+{
+    m_hooks = std::move(hooks);
+}
+
+Clipboard &PanelCommands::clipboard()
+{
+    if (!m_clipboard)
+        m_clipboard = std::make_unique<QtClipboard>();
+    return *m_clipboard;
+}
+
+void PanelCommands::openNoteWindow(const QUuid &noteID) const
+{
+    if (m_hooks.openNoteWindow)
+        m_hooks.openNoteWindow(noteID);
+}
+
+void PanelCommands::openSettings() const
+{
+    if (m_hooks.openSettings)
+        m_hooks.openSettings();
+}
+
+void PanelCommands::quit() const
+{
+    if (m_hooks.quit)
+        m_hooks.quit();
+    else
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), &QCoreApplication::quit, Qt::QueuedConnection);
+}
+
+void PanelCommands::resetPanelPosition() const
+{
+    if (m_hooks.resetPanelPosition)
+        m_hooks.resetPanelPosition();
+}
+
+void PanelCommands::resetPanelSize() const
+{
+    if (m_hooks.resetPanelSize)
+        m_hooks.resetPanelSize();
+}
+
+void PanelCommands::addAttachments(const QUuid &noteID) const
+{
+    if (m_hooks.addAttachments)
+        m_hooks.addAttachments(noteID);
+}
+
+void PanelCommands::pasteAttachments(const QUuid &noteID) const
+{
+    if (m_hooks.pasteAttachments)
+        m_hooks.pasteAttachments(noteID);
+}
+
+void PanelCommands::chooseFiles(std::function<void(const QList<QUrl> &)> done) const
+{
+    if (m_hooks.chooseFiles) {
+        m_hooks.chooseFiles(std::move(done));
+        return;
+    }
+    auto *dialog = new QFileDialog(nullptr, tr("Add Attachments"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::ExistingFiles);
+    dialog->setLabelText(QFileDialog::Accept, tr("Add"));
+    connect(dialog, &QFileDialog::finished, dialog, [dialog, done = std::move(done)](int result) {
+        done(result == QDialog::Accepted ? dialog->selectedUrls() : QList<QUrl>());
+    });
+    dialog->open();
+}
+
+void PanelCommands::importFiles(const QList<QUrl> &urls,
+    std::function<void(const QList<NoteAttachment> &, const QString &)> done) const
+{
+    if (m_hooks.importFiles) {
+        m_hooks.importFiles(urls, std::move(done));
+        return;
+    }
+    done({}, tr("Attachments cannot be imported."));
+}
+
+void PanelCommands::openAttachment(const NoteAttachment &attachment) const
+{
+    if (const std::optional<QString> file = attachmentFile(attachment))
+        QDesktopServices::openUrl(QUrl::fromLocalFile(*file));
+}
+
+void PanelCommands::revealAttachment(const NoteAttachment &attachment) const
+{
+    if (const std::optional<QString> file = attachmentFile(attachment))
+        showInFileManager(*file);
+}
+
+void PanelCommands::revealLibraryFile() const
+{
+    showInFileManager(libraryURL());
+}
+
+void PanelCommands::showInFileManager(const QString &path)
+{
+    const QString folder = QFileInfo(path).absolutePath();
+    auto openFolder = [folder] { QDesktopServices::openUrl(QUrl::fromLocalFile(folder)); };
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        openFolder();
+        return;
+    }
+    QDBusMessage call
+        = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),
+            QStringLiteral("/org/freedesktop/FileManager1"),
+            QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
+    call << QStringList {QUrl::fromLocalFile(path).toString()} << QString();
+    // Asked without waiting: a file manager that is slow to start never holds the panel.
+    auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
+        [openFolder](QDBusPendingCallWatcher *finished) {
+            if (finished->isError())
+                openFolder();
+            finished->deleteLater();
+        });
+}
+
+void PanelCommands::exportMarkdown(const QString &text, QWidget *parent)
+{
+    if (m_exportDialog) {
+        m_exportDialog->raise();
+        m_exportDialog->activateWindow();
+        return;
+    }
+    auto *dialog = new QFileDialog(parent, tr("Export as Markdown"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setNameFilters({tr("Markdown (*.md)"), tr("Plain text (*.txt)")});
+    dialog->setDefaultSuffix(QStringLiteral("md"));
+    dialog->setDirectory(QDir::homePath());
+    dialog->selectFile(QString::fromLatin1(TextOutMessages::exportFileName));
+    m_exportDialog = dialog;
+    QPointer<QWidget> owner(parent);
+    connect(dialog, &QFileDialog::fileSelected, this,
+        [this, text, owner](const QString &path) { writeExport(text, path, owner); });
+    dialog->open();
+}
+
+void PanelCommands::writeExport(const QString &text, const QString &path, QWidget *parent)
+{
+    QPointer<QWidget> owner(parent);
+    exportQueue().async([this, text, path, owner] {
+        const QString failure = writeMarkdownExport(text, path).value_or(QString());
+        QMetaObject::invokeMethod(this, [this, path, failure, owner] {
+            if (failure.isEmpty()) {
+                ToastPresenter::shared().present(
+                    QCoreApplication::translate("TextOut", TextOutMessages::exported),
+                    QString::fromLatin1(TextOutMessages::exportedSymbol));
+            } else {
+                auto *alert = new QMessageBox(QMessageBox::Warning, tr("Export as Markdown"),
+                    tr("The notes could not be exported to “%1”.").arg(path), QMessageBox::Ok,
+                    owner);
+                alert->setInformativeText(failure);
+                alert->setAttribute(Qt::WA_DeleteOnClose);
+                alert->open();
+            }
+            Q_EMIT exportFinished(path, failure);
+        });
+    });
+}
+
+} // namespace Vesko

@@ -1,0 +1,416 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "panel/PanelMenus.h"
+
+#include "panel/PanelCommands.h"
+#include "panel/PanelState.h"
+#include "shell/Preferences.h"
+#include "store/NoteText.h"
+#include "store/Store.h"
+
+#include <QActionGroup>
+#include <QCoreApplication>
+#include <QEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPointer>
+#include <QTimer>
+
+namespace Vesko {
+
+namespace {
+
+QString text(const char *source)
+{
+    return QCoreApplication::translate("PanelMenus", source);
+}
+
+//! Plain keys (Space, letters) stay with the open menu, which moves and
+//! chooses with them; only combinations with a modifier reach the entries.
+class MenuKeyGuard : public QObject
+{
+public:
+    using QObject::QObject;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::ShortcutOverride) {
+            auto *key = static_cast<QKeyEvent *>(event);
+            const Qt::KeyboardModifiers command
+                = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+            if (!(key->modifiers() & command)) {
+                key->accept();
+                return true;
+            }
+        }
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+void guardKeys(QMenu &menu)
+{
+    if (!menu.findChild<MenuKeyGuard *>(QString(), Qt::FindDirectChildrenOnly))
+        menu.installEventFilter(new MenuKeyGuard(&menu));
+}
+
+QAction *addEntry(QMenu &menu, const QString &title, std::function<void()> run,
+    const QKeySequence &keys = {}, bool enabled = true)
+{
+    QAction *action = menu.addAction(title);
+    if (!keys.isEmpty()) {
+        // The key is shown in the desktop's convention; while the menu is
+        // open it chooses the entry, elsewhere the panel's key handling owns it.
+        action->setShortcut(keys);
+        action->setShortcutContext(Qt::WidgetShortcut);
+        action->setShortcutVisibleInContextMenu(true);
+    }
+    action->setEnabled(enabled);
+    QObject::connect(action, &QAction::triggered, action, [run = std::move(run)] { run(); });
+    return action;
+}
+
+void markDestructive(QAction *action)
+{
+    action->setIcon(QIcon::fromTheme(QStringLiteral("edit-delete")));
+}
+
+QList<Note> notesOf(const Store &store, const QList<QUuid> &ids)
+{
+    QList<Note> notes;
+    for (const QUuid &id : ids) {
+        if (std::optional<Note> note = store.note(id))
+            notes.append(*note);
+    }
+    return notes;
+}
+
+QList<QUuid> noteIDs(const QList<Note> &notes)
+{
+    QList<QUuid> ids;
+    ids.reserve(notes.size());
+    for (const Note &note : notes)
+        ids.append(note.id);
+    return ids;
+}
+
+void fillAttachmentsMenu(QMenu &menu, Store &store, const Note &note)
+{
+    for (const NoteAttachment &attachment : note.attachments) {
+        QMenu *entry = menu.addMenu(attachment.fileName);
+        addEntry(*entry, text("Open"),
+            [attachment] { PanelCommands::shared().openAttachment(attachment); });
+        addEntry(*entry, text("Show in Files"),
+            [attachment] { PanelCommands::shared().revealAttachment(attachment); });
+        entry->addSeparator();
+        QAction *remove = addEntry(*entry, text("Remove"), [&store, attachment, noteID = note.id] {
+            store.removeAttachment(attachment.id, noteID);
+        });
+        markDestructive(remove);
+    }
+}
+
+} // namespace
+
+QList<QUuid> noteMenuTarget(const Store &store, const QUuid &noteID)
+{
+    const QSet<QUuid> selection = store.selection();
+    if (!selection.contains(noteID) || selection.size() < 2)
+        return {noteID};
+    // The selected notes in the order the panel shows them, then any others.
+    QList<QUuid> target;
+    target.reserve(selection.size());
+    for (const Note &note : store.visibleNotes()) {
+        if (selection.contains(note.id))
+            target.append(note.id);
+    }
+    if (target.size() < selection.size()) {
+        QList<QUuid> rest;
+        for (const QUuid &id : selection) {
+            if (!target.contains(id))
+                rest.append(id);
+        }
+        std::sort(rest.begin(), rest.end());
+        target.append(rest);
+    }
+    return target;
+}
+
+void fillNoteMenu(QMenu &menu, Store &store, PanelState &state, const QList<QUuid> &target)
+{
+    guardKeys(menu);
+    const QList<QUuid> ids = target;
+    const QList<Note> notes = notesOf(store, ids);
+    const std::optional<Note> single
+        = notes.size() == 1 ? std::optional(notes.first()) : std::nullopt;
+
+    addEntry(
+        menu, text("Copy"),
+        [&store, ids] { store.copyNotes(ids, PanelCommands::shared().clipboard()); },
+        QKeySequence(Qt::CTRL | Qt::Key_C));
+    addEntry(
+        menu, text("Copy as List"),
+        [&store, ids] { store.copyAsList(ids, PanelCommands::shared().clipboard()); },
+        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
+    menu.addSeparator();
+
+    const bool allDone = !notes.isEmpty()
+        && std::all_of(notes.begin(), notes.end(), [](const Note &note) { return note.isDone; });
+    addEntry(
+        menu, allDone ? text("Mark as Not Done") : text("Mark as Done"),
+        [&store, ids] { store.toggleDone(ids); }, QKeySequence(Qt::Key_Space));
+
+    const QSet<QUuid> expanded = store.expandedNoteIDs();
+    const bool anyExpanded = std::any_of(
+        ids.begin(), ids.end(), [&](const QUuid &id) { return expanded.contains(id); });
+    const bool anyLong = std::any_of(
+        notes.begin(), notes.end(), [](const Note &note) { return isLongNoteText(note.text); });
+    addEntry(
+        menu, anyExpanded ? text("Collapse") : text("Expand"),
+        [&store, ids = noteIDs(notes)] {
+            for (const QUuid &id : ids)
+                store.toggleExpanded(id);
+        },
+        {}, anyLong);
+    menu.addSeparator();
+
+    const QUuid singleID = single ? single->id : QUuid();
+    addEntry(
+        menu, text("Edit"),
+        [&store, singleID] {
+            store.setSelection({singleID}, singleID);
+            // The row starts its editor once the menu has gone.
+            QTimer::singleShot(0, &store, [&store, singleID] { store.setEditingNoteID(singleID); });
+        },
+        QKeySequence(Qt::Key_Return), bool(single));
+    addEntry(
+        menu, text("Edit in New Window"),
+        [singleID] { PanelCommands::shared().openNoteWindow(singleID); },
+        QKeySequence(Qt::CTRL | Qt::Key_Return), bool(single));
+    addEntry(
+        menu, text("Merge Notes"), [&store, ids] { store.mergeNotes(ids); },
+        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_M), notes.size() >= 2);
+    addEntry(
+        menu, text("Split into Notes"), [&store, singleID] { store.splitNote(singleID); }, {},
+        single && single->text.contains(u'\n'));
+    menu.addSeparator();
+
+    addEntry(
+        menu, text("Add Attachment…"),
+        [singleID] { PanelCommands::shared().addAttachments(singleID); }, {}, bool(single));
+    addEntry(
+        menu, text("Paste Image or File"),
+        [singleID] { PanelCommands::shared().pasteAttachments(singleID); }, {}, bool(single));
+    if (single && !single->attachments.isEmpty())
+        fillAttachmentsMenu(*menu.addMenu(text("Attachments")), store, *single);
+    fillMoveToMenu(*menu.addMenu(text("Move to")), store, state, ids);
+    menu.addSeparator();
+
+    QAction *remove = addEntry(
+        menu, text("Delete"),
+        [&store, ids] {
+            if (!ids.isEmpty())
+                store.deleteNotes(QSet<QUuid>(ids.begin(), ids.end()));
+        },
+        QKeySequence(Qt::CTRL | Qt::Key_Backspace));
+    markDestructive(remove);
+}
+
+void fillMoveToMenu(QMenu &menu, Store &store, PanelState &state, const QList<QUuid> &ids)
+{
+    guardKeys(menu);
+    std::optional<QUuid> onlySection;
+    if (ids.size() == 1) {
+        if (const std::optional<NoteAddress> address = store.addressOfNote(ids.first()))
+            onlySection = address->sectionID;
+    }
+    const Project project = store.activeProject();
+    for (const NoteSection &section : project.sections) {
+        addEntry(
+            menu, section.title,
+            [&store, ids, id = section.id] { store.moveNotesToSection(ids, id); }, {},
+            onlySection != section.id);
+    }
+    menu.addSeparator();
+    addEntry(menu, text("New Section…"), [&state, ids] {
+        state.setPendingMoveIDs(ids);
+        state.setShowing(PanelLayer::NewSection, true);
+    });
+    menu.addSeparator();
+    QMenu *projects = menu.addMenu(text("Project"));
+    guardKeys(*projects);
+    const QUuid activeID = project.id;
+    for (const Project &other : store.library().projects) {
+        addEntry(
+            *projects, other.name,
+            [&store, ids, id = other.id] {
+                store.moveNotesToProject(ids, id, QStringLiteral("Inbox"));
+            },
+            {}, other.id != activeID);
+    }
+}
+
+void fillSectionMenu(QMenu &menu, Store &store, PanelState &state, const QUuid &sectionID)
+{
+    guardKeys(menu);
+    const std::optional<NoteSection> section = store.section(sectionID);
+    const bool isCollapsed = section && section->isCollapsed;
+    const Project project = store.activeProject();
+    qsizetype index = -1;
+    for (qsizetype i = 0; i < project.sections.size(); ++i) {
+        if (project.sections.at(i).id == sectionID)
+            index = i;
+    }
+    const bool isFirst = index <= 0;
+    const bool isLast = index < 0 || index == project.sections.size() - 1;
+
+    addEntry(
+        menu, text("Use as Active Section"),
+        [&store, sectionID] { store.activateSection(sectionID); }, {},
+        store.activeSection().id != sectionID);
+    menu.addSeparator();
+    addEntry(menu, text("Rename Section"),
+        [&state, sectionID] { state.setRenamingSectionID(sectionID); });
+    addEntry(
+        menu, isCollapsed ? text("Expand Section") : text("Collapse Section"), [&store, sectionID] {
+            store.toggleSectionCollapsed(sectionID);
+            store.commit();
+        });
+    addEntry(menu, text("Select All in Section"),
+        [&store, sectionID] { store.selectAllInSection(sectionID); });
+    addEntry(menu, text("Copy Section as List"), [&store, sectionID] {
+        QList<QUuid> ids;
+        if (const std::optional<NoteSection> current = store.section(sectionID)) {
+            for (const Note &note : current->notes)
+                ids.append(note.id);
+        }
+        store.copyAsList(ids, PanelCommands::shared().clipboard());
+    });
+    menu.addSeparator();
+    addEntry(
+        menu, text("Move Up"), [&store, sectionID] { store.moveSection(sectionID, -1); }, {},
+        !isFirst);
+    addEntry(
+        menu, text("Move Down"), [&store, sectionID] { store.moveSection(sectionID, +1); }, {},
+        !isLast);
+    const QUuid firstID = project.sections.isEmpty() ? QUuid() : project.sections.first().id;
+    addEntry(
+        menu, text("Move to Top"),
+        [&store, sectionID, firstID] { store.moveSection(sectionID, std::optional(firstID)); }, {},
+        !isFirst);
+    addEntry(
+        menu, text("Move to Bottom"),
+        [&store, sectionID] { store.moveSection(sectionID, std::optional<QUuid>()); }, {}, !isLast);
+    menu.addSeparator();
+    addEntry(
+        menu, text("New Section…"), [&state] { state.setShowing(PanelLayer::NewSection, true); });
+    QAction *remove = addEntry(
+        menu, text("Delete Section"), [&store, sectionID] { store.deleteSection(sectionID); }, {},
+        project.sections.size() >= 2);
+    markDestructive(remove);
+}
+
+void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences &preferences)
+{
+    guardKeys(menu);
+    QPointer<QWidget> owner = menu.parentWidget() ? menu.parentWidget()->window() : nullptr;
+    const Project active = store.activeProject();
+
+    menu.addSection(text("Project"));
+    auto *projects = new QActionGroup(&menu);
+    for (const Project &project : store.library().projects) {
+        QAction *entry
+            = addEntry(menu, project.name, [&store, id = project.id] { store.switchProject(id); });
+        entry->setCheckable(true);
+        entry->setChecked(project.id == active.id);
+        entry->setActionGroup(projects);
+    }
+    addEntry(
+        menu, text("New Project…"), [&state] { state.setShowing(PanelLayer::NewProject, true); },
+        QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_N));
+    addEntry(menu, text("Rename Project…"),
+        [&state] { state.setShowing(PanelLayer::RenameProject, true); });
+    QAction *deleteProject = addEntry(
+        menu, text("Delete Project"), [&store] { store.deleteProject(store.activeProject().id); },
+        {}, store.library().projects.size() >= 2);
+    markDestructive(deleteProject);
+
+    menu.addSection(text("Active Section"));
+    auto *sections = new QActionGroup(&menu);
+    const QUuid activeSectionID = store.activeSection().id;
+    for (const NoteSection &section : active.sections) {
+        QAction *entry = addEntry(
+            menu, section.title, [&store, id = section.id] { store.activateSection(id); });
+        entry->setCheckable(true);
+        entry->setChecked(section.id == activeSectionID);
+        entry->setActionGroup(sections);
+    }
+    addEntry(
+        menu, text("Switch Section…"),
+        [&state] { state.setShowing(PanelLayer::SectionSwitcher, true); },
+        QKeySequence(Qt::CTRL | Qt::Key_K));
+
+    menu.addSeparator();
+    addEntry(
+        menu, text("New Section…"), [&state] { state.setShowing(PanelLayer::NewSection, true); },
+        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N));
+    addEntry(menu, text("Collapse All Sections"), [&store] {
+        store.collapseAllSections();
+        store.commit();
+    });
+    addEntry(menu, text("Expand All Sections"), [&store] {
+        store.expandAllSections();
+        store.commit();
+    });
+
+    menu.addSection(text("View"));
+    struct Toggle
+    {
+        const char *title;
+        bool value;
+        void (Preferences::*set)(bool);
+    };
+    const Toggle toggles[] = {
+        {QT_TRANSLATE_NOOP("PanelMenus", "Show Completed"), preferences.showCompleted(),
+            &Preferences::setShowCompleted},
+        {QT_TRANSLATE_NOOP("PanelMenus", "Completed at Bottom"), preferences.moveDoneToBottom(),
+            &Preferences::setMoveDoneToBottom},
+        {QT_TRANSLATE_NOOP("PanelMenus", "Newest First"), preferences.newestFirst(),
+            &Preferences::setNewestFirst},
+    };
+    for (const Toggle &toggle : toggles) {
+        QAction *entry = menu.addAction(text(toggle.title));
+        entry->setCheckable(true);
+        entry->setChecked(toggle.value);
+        QObject::connect(entry, &QAction::toggled, entry,
+            [&preferences, set = toggle.set](bool on) { (preferences.*set)(on); });
+    }
+
+    menu.addSeparator();
+    addEntry(menu, text("Copy All as List"), [&store] {
+        store.copyAsList(noteIDs(store.visibleNotes()), PanelCommands::shared().clipboard());
+    });
+    addEntry(menu, text("Clear Completed"), [&store] { store.clearCompleted(); });
+    addEntry(menu, text("Export as Markdown…"), [&store, owner] {
+        PanelCommands::shared().exportMarkdown(store.markdownExportText(), owner);
+    });
+    addEntry(menu, text("Show Notes File in Files"),
+        [] { PanelCommands::shared().revealLibraryFile(); });
+
+    menu.addSeparator();
+    addEntry(
+        menu, text("Reset Window Position"), [] { PanelCommands::shared().resetPanelPosition(); });
+    addEntry(menu, text("Reset Window Size"), [] { PanelCommands::shared().resetPanelSize(); });
+    addEntry(
+        menu, text("Keyboard Shortcuts…"),
+        [&state] { state.setShowing(PanelLayer::Shortcuts, true); },
+        QKeySequence(Qt::CTRL | Qt::Key_Slash));
+    addEntry(
+        menu, text("Settings…"), [] { PanelCommands::shared().openSettings(); },
+        QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    addEntry(
+        menu, text("Quit Vesko"), [] { PanelCommands::shared().quit(); },
+        QKeySequence(Qt::CTRL | Qt::Key_Q));
+}
+
+} // namespace Vesko

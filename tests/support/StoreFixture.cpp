@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "StoreFixture.h"
+
+#include "TestEnvironment.h"
+
+#include <QDir>
+
+namespace Vesko::Test {
+
+QUuid idFor(const QString &name)
+{
+    return QUuid::createUuidV5(QUuid(), name);
+}
+
+Project describedProject(const QString &description, const QString &name)
+{
+    Project project;
+    project.id = idFor(QStringLiteral("project ") + name);
+    project.name = name;
+    project.createdAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
+    for (const QString &part : description.split(u'|', Qt::SkipEmptyParts)) {
+        NoteSection section;
+        QString title = part.section(u':', 0, 0);
+        const bool active = title.startsWith(u'*');
+        if (active)
+            title.remove(0, 1);
+        section.isCollapsed = title.contains(u'+');
+        section.isAutomatic = title.contains(u'!');
+        title.remove(u'+').remove(u'!');
+        section.title = title;
+        section.id = idFor(name + u'/' + title);
+        section.createdAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
+        if (active)
+            project.activeSectionID = section.id;
+        for (const QString &letter : part.section(u':', 1).split(u',', Qt::SkipEmptyParts)) {
+            Note note;
+            note.id = idFor(letter.toLower());
+            note.text = letter.toLower();
+            note.isDone = letter != letter.toLower();
+            if (note.isDone)
+                note.completedAt = QDateTime::fromSecsSinceEpoch(1000, Qt::UTC);
+            note.createdAt = note.updatedAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
+            section.notes.append(note);
+        }
+        project.sections.append(section);
+    }
+    return project;
+}
+
+QList<QUuid> noteIDs(const QString &letters)
+{
+    QList<QUuid> ids;
+    for (const QString &letter : letters.split(u',', Qt::SkipEmptyParts))
+        ids.append(idFor(letter));
+    return ids;
+}
+
+StoreFixture::StoreFixture()
+{
+    Preferences::openSettings()->clear();
+    QDir(IsolatedEnvironment::current().dataHome()).removeRecursively();
+    m_preferences = std::make_unique<Preferences>();
+    m_writer = std::make_unique<LibraryWriter>();
+    m_attachments = std::make_unique<AttachmentStore>();
+    m_searchIndex = std::make_unique<SearchIndex>();
+}
+
+StoreFixture::~StoreFixture()
+{
+    m_store.reset();
+    m_attachments.reset();
+    m_writer.reset();
+}
+
+Store &StoreFixture::make(const QStringList &projects)
+{
+    Library library;
+    const QStringList names = {QStringLiteral("P"), QStringLiteral("Q"), QStringLiteral("R")};
+    for (qsizetype i = 0; i < projects.size(); ++i)
+        library.projects.append(
+            describedProject(projects.at(i), names.value(i, QString::number(i))));
+    library.activeProjectID = library.projects.first().id;
+    // Set after construction, so that the repair at load leaves the fixture as written.
+    make(makeDefaultLibrary());
+    m_store->setLibrary(library);
+    m_store->refreshRows();
+    return *m_store;
+}
+
+Store &StoreFixture::make(const Library &library)
+{
+    m_store.reset();
+    m_store = std::make_unique<Store>(
+        library, Store::Services {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+    return *m_store;
+}
+
+} // namespace Vesko::Test

@@ -1,0 +1,710 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The panel's menus on a real Store: the entries of each menu in their
+// order with their titles, enabled states and keys, and what choosing an
+// entry does. A menu is written as its entries joined by "|": "-" for a
+// rule, "~" after a disabled entry, ">" after a submenu, "#" before a heading.
+
+#include "StoreFixture.h"
+#include "WidgetTestMain.h"
+
+#include "panel/PanelCommands.h"
+#include "panel/PanelMenus.h"
+#include "panel/PanelState.h"
+#include "platform/Clipboard.h"
+
+#include <QMenu>
+#include <QSignalSpy>
+
+using namespace Vesko;
+using Test::idFor;
+using Test::noteIDs;
+
+namespace {
+
+QString describeMenu(const QMenu &menu)
+{
+    QStringList entries;
+    for (const QAction *action : menu.actions()) {
+        if (action->isSeparator()) {
+            entries.append(action->text().isEmpty() ? QStringLiteral("-") : u'#' + action->text());
+            continue;
+        }
+        QString entry = action->text();
+        if (action->menu())
+            entry += u'>';
+        if (!action->isEnabled())
+            entry += u'~';
+        entries.append(entry);
+    }
+    return entries.join(u'|');
+}
+
+QSet<QUuid> idSet(const QString &letters)
+{
+    const QList<QUuid> ids = noteIDs(letters);
+    return QSet<QUuid>(ids.begin(), ids.end());
+}
+
+QAction *entry(const QMenu &menu, const QString &title)
+{
+    for (QAction *action : menu.actions()) {
+        if (action->text() == title)
+            return action;
+    }
+    return nullptr;
+}
+
+QMenu *submenu(const QMenu &menu, const QString &title)
+{
+    QAction *action = entry(menu, title);
+    return action ? action->menu() : nullptr;
+}
+
+QStringList sectionTitles(const Store &store)
+{
+    QStringList titles;
+    for (const NoteSection &section : store.activeProject().sections)
+        titles.append(section.title);
+    return titles;
+}
+
+QStringList notesOfSection(const Store &store, const QString &title)
+{
+    QStringList letters;
+    for (const NoteSection &section : store.activeProject().sections) {
+        if (section.title != title)
+            continue;
+        for (const Note &note : section.notes)
+            letters.append(note.isDone ? note.text.toUpper() : note.text);
+    }
+    return letters;
+}
+
+} // namespace
+
+class PanelMenusTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void noteMenuEntries_data();
+    void noteMenuEntries();
+    void markingFollowsTheToggleRule_data();
+    void markingFollowsTheToggleRule();
+    void expandTogglesEachNote();
+    void editSelectsThenEdits();
+    void deleteAndMergeAct();
+    void attachmentsSubmenu();
+    void moveToMenu_data();
+    void moveToMenu();
+    void moveToNewSectionWaitsForThePrompt();
+    void sectionMenuEntries_data();
+    void sectionMenuEntries();
+    void sectionMenuActs();
+    void overflowMenuEntries();
+    void overflowMenuActs();
+    void keysInTheDesktopConvention_data();
+    void keysInTheDesktopConvention();
+    void hooksReachTheProgram();
+    void menuTargetFollowsTheSelection_data();
+    void menuTargetFollowsTheSelection();
+
+private:
+    std::unique_ptr<Test::StoreFixture> m_fixture;
+    std::unique_ptr<PanelState> m_state;
+};
+
+void PanelMenusTest::init()
+{
+    m_fixture = std::make_unique<Test::StoreFixture>();
+    m_state = std::make_unique<PanelState>();
+    PanelCommands::shared().setHooks({});
+}
+
+void PanelMenusTest::cleanup()
+{
+    m_state.reset();
+    m_fixture.reset();
+}
+
+void PanelMenusTest::noteMenuEntries_data()
+{
+    QTest::addColumn<QString>("project");
+    QTest::addColumn<QString>("texts"); // letter=text pairs separated by ";"
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QString>("expanded");
+    QTest::addColumn<QString>("expected");
+
+    const QString tail = QStringLiteral("|-|Add Attachment…|Paste Image or File|Move to>|-|Delete");
+    const QString tailDisabled
+        = QStringLiteral("|-|Add Attachment…~|Paste Image or File~|Move to>|-|Delete");
+    QTest::newRow("one short note") << "*Inbox:a,b"
+                                    << ""
+                                    << "a"
+                                    << ""
+                                    << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit|Edit in "
+                                       "New Window|Merge Notes~|Split into Notes~"
+            + tail;
+    QTest::newRow("three notes, one done")
+        << "*Inbox:a,B,c"
+        << ""
+        << "a,B,c"
+        << ""
+        << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit~|Edit in New Window~|Merge Notes|Split "
+           "into Notes~"
+            + tailDisabled;
+    QTest::newRow("all done") << "*Inbox:A,B"
+                              << ""
+                              << "a,b"
+                              << ""
+                              << "Copy|Copy as List|-|Mark as Not Done|Expand~|-|Edit~|Edit in New "
+                                 "Window~|Merge Notes|Split into Notes~"
+            + tailDisabled;
+    QTest::newRow("three short lines are not long")
+        << "*Inbox:a"
+        << "a=one\ntwo\nthree"
+        << "a"
+        << ""
+        << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split "
+           "into Notes"
+            + tail;
+    QTest::newRow("four lines are long") << "*Inbox:a"
+                                         << "a=1\n2\n3\n4"
+                                         << "a"
+                                         << ""
+                                         << "Copy|Copy as List|-|Mark as Done|Expand|-|Edit|Edit "
+                                            "in New Window|Merge Notes~|Split into Notes"
+            + tail;
+    QTest::newRow("121 characters are long")
+        << "*Inbox:a"
+        << "a=" + QString(121, u'x') << "a"
+        << ""
+        << "Copy|Copy as List|-|Mark as Done|Expand|-|Edit|Edit in New Window|Merge Notes~|Split "
+           "into Notes~"
+            + tail;
+    QTest::newRow("120 accented characters are not long")
+        << "*Inbox:a"
+        << "a=" + QString(120, u'e') + QString(120, QChar(0x0301)) << "a"
+        << ""
+        << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split "
+           "into Notes~"
+            + tail;
+    QTest::newRow("one long note among two")
+        << "*Inbox:a,b"
+        << "b=" + QString(130, u'y') << "a,b"
+        << ""
+        << "Copy|Copy as List|-|Mark as Done|Expand|-|Edit~|Edit in New Window~|Merge Notes|Split "
+           "into Notes~"
+            + tailDisabled;
+    QTest::newRow("one expanded note reads Collapse")
+        << "*Inbox:a,b"
+        << ""
+        << "a,b"
+        << "b"
+        << "Copy|Copy as List|-|Mark as Done|Collapse~|-|Edit~|Edit in New Window~|Merge "
+           "Notes|Split into Notes~"
+            + tailDisabled;
+    QTest::newRow("a missing note counts for nothing")
+        << "*Inbox:a"
+        << ""
+        << "a,zz"
+        << ""
+        << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split "
+           "into Notes~"
+            + tail;
+}
+
+void PanelMenusTest::noteMenuEntries()
+{
+    QFETCH(QString, project);
+    QFETCH(QString, texts);
+    QFETCH(QString, target);
+    QFETCH(QString, expanded);
+    QFETCH(QString, expected);
+
+    Store &store = m_fixture->make({project});
+    for (const QString &pair : texts.split(u';', Qt::SkipEmptyParts))
+        store.updateNote(idFor(pair.section(u'=', 0, 0)), pair.section(u'=', 1));
+    for (const QUuid &id : noteIDs(expanded))
+        store.toggleExpanded(id);
+
+    QMenu menu;
+    fillNoteMenu(menu, store, *m_state, noteIDs(target));
+    QCOMPARE(describeMenu(menu), expected);
+}
+
+void PanelMenusTest::markingFollowsTheToggleRule_data()
+{
+    QTest::addColumn<QString>("project");
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("mixed becomes done") << "*Inbox:a,B,c"
+                                        << "a,b,c"
+                                        << "A,B,C";
+    QTest::newRow("all done becomes open") << "*Inbox:A,B,c"
+                                           << "a,b"
+                                           << "a,b,c";
+    QTest::newRow("a missing note counts as open") << "*Inbox:A"
+                                                   << "a,zz"
+                                                   << "A";
+}
+
+void PanelMenusTest::markingFollowsTheToggleRule()
+{
+    QFETCH(QString, project);
+    QFETCH(QString, target);
+    QFETCH(QString, expected);
+
+    Store &store = m_fixture->make({project});
+    QMenu menu;
+    fillNoteMenu(menu, store, *m_state, noteIDs(target));
+    QAction *mark = menu.actions().at(3);
+    mark->trigger();
+    QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")).join(u','), expected);
+}
+
+void PanelMenusTest::expandTogglesEachNote()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
+    store.updateNote(idFor(QStringLiteral("a")), QString(200, u'x'));
+    store.toggleExpanded(idFor(QStringLiteral("b")));
+    QMenu menu;
+    fillNoteMenu(menu, store, *m_state, noteIDs(QStringLiteral("a,b")));
+    entry(menu, QStringLiteral("Collapse"))->trigger();
+    // Each note swaps: the collapsed one opens, the open one closes.
+    QCOMPARE(store.expandedNoteIDs(), QSet<QUuid> {idFor(QStringLiteral("a"))});
+}
+
+void PanelMenusTest::editSelectsThenEdits()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
+    store.setSelection({idFor(QStringLiteral("b"))}, idFor(QStringLiteral("b")));
+    QMenu menu;
+    fillNoteMenu(menu, store, *m_state, noteIDs(QStringLiteral("a")));
+    entry(menu, QStringLiteral("Edit"))->trigger();
+    QCOMPARE(store.selection(), QSet<QUuid> {idFor(QStringLiteral("a"))});
+    QCOMPARE(store.selectionAnchor(), idFor(QStringLiteral("a")));
+    // The editor opens one turn of the event loop later, once the menu is gone.
+    QCOMPARE(store.editingNoteID(), std::nullopt);
+    QTRY_COMPARE(store.editingNoteID(), idFor(QStringLiteral("a")));
+}
+
+void PanelMenusTest::deleteAndMergeAct()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b,c")});
+    {
+        QMenu menu;
+        fillNoteMenu(menu, store, *m_state, noteIDs(QStringLiteral("c,a")));
+        entry(menu, QStringLiteral("Merge Notes"))->trigger();
+    }
+    QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), (QStringList {"a\n\nc", "b"}));
+    const qsizetype steps = store.undoStepCount();
+    {
+        QMenu menu;
+        fillNoteMenu(menu, store, *m_state, noteIDs(QStringLiteral("b")));
+        entry(menu, QStringLiteral("Delete"))->trigger();
+    }
+    QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), QStringList {"a\n\nc"});
+    QCOMPARE(store.undoStepCount(), steps + 1);
+    store.undo();
+    QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), (QStringList {"a\n\nc", "b"}));
+}
+
+void PanelMenusTest::attachmentsSubmenu()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
+    NoteAttachment picture;
+    picture.id = idFor(QStringLiteral("picture"));
+    picture.fileName = QStringLiteral("Pasted Image.png");
+    picture.storedFileName
+        = picture.id.toString(QUuid::WithoutBraces).toUpper() + QStringLiteral("/Pasted Image.png");
+    picture.kind = NoteAttachment::Kind::Image;
+    picture.createdAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
+    store.addAttachments({picture}, idFor(QStringLiteral("a")));
+
+    QMenu withFiles;
+    fillNoteMenu(withFiles, store, *m_state, noteIDs(QStringLiteral("a")));
+    QMenu *attachments = submenu(withFiles, QStringLiteral("Attachments"));
+    QVERIFY(attachments);
+    QCOMPARE(describeMenu(*attachments), QStringLiteral("Pasted Image.png>"));
+    QMenu *file = submenu(*attachments, QStringLiteral("Pasted Image.png"));
+    QCOMPARE(describeMenu(*file), QStringLiteral("Open|Show in Files|-|Remove"));
+    entry(*file, QStringLiteral("Remove"))->trigger();
+    QVERIFY(store.note(idFor(QStringLiteral("a")))->attachments.isEmpty());
+
+    // Without attachments, or on two notes, there is no such submenu.
+    QMenu plain;
+    fillNoteMenu(plain, store, *m_state, noteIDs(QStringLiteral("b")));
+    QVERIFY(!submenu(plain, QStringLiteral("Attachments")));
+}
+
+void PanelMenusTest::moveToMenu_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QString>("expected");
+    QTest::addColumn<QString>("choose");
+    QTest::addColumn<QString>("after");
+
+    QTest::newRow("one note: its own section is disabled")
+        << "a"
+        << "Inbox~|Work|-|New Section…|-|Project>"
+        << "Work"
+        << "Inbox:b|Work:c,a";
+    QTest::newRow("two notes of one section: enabled, to its end")
+        << "a,b"
+        << "Inbox|Work|-|New Section…|-|Project>"
+        << "Inbox"
+        << "Inbox:a,b|Work:c";
+    QTest::newRow("notes of two sections") << "a,c"
+                                           << "Inbox|Work|-|New Section…|-|Project>"
+                                           << "Inbox"
+                                           << "Inbox:b,a,c|Work:";
+}
+
+void PanelMenusTest::moveToMenu()
+{
+    QFETCH(QString, target);
+    QFETCH(QString, expected);
+    QFETCH(QString, choose);
+    QFETCH(QString, after);
+
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b|Work:c"), QStringLiteral("Other:")});
+    QMenu menu;
+    fillNoteMenu(menu, store, *m_state, noteIDs(target));
+    QMenu *moveTo = submenu(menu, QStringLiteral("Move to"));
+    QVERIFY(moveTo);
+    QCOMPARE(describeMenu(*moveTo), expected);
+    // The library's projects, the active one disabled.
+    QCOMPARE(describeMenu(*submenu(*moveTo, QStringLiteral("Project"))), QStringLiteral("P~|Q"));
+
+    entry(*moveTo, choose)->trigger();
+    QStringList sections;
+    for (const QString &title : sectionTitles(store))
+        sections.append(title + u':' + notesOfSection(store, title).join(u','));
+    QCOMPARE(sections.join(u'|'), after);
+    QCOMPARE(store.selection(), idSet(target));
+}
+
+void PanelMenusTest::moveToNewSectionWaitsForThePrompt()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b|Work:c"), QStringLiteral("Other:")});
+    QMenu menu;
+    fillNoteMenu(menu, store, *m_state, noteIDs(QStringLiteral("a,c")));
+    QMenu *moveTo = submenu(menu, QStringLiteral("Move to"));
+    entry(*moveTo, QStringLiteral("New Section…"))->trigger();
+    QVERIFY(m_state->isShowing(PanelLayer::NewSection));
+    QCOMPARE(m_state->pendingMoveIDs(), noteIDs(QStringLiteral("a,c")));
+    // Nothing moves before the prompt commits.
+    QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), (QStringList {"a", "b"}));
+
+    // To another project: into its Inbox, and the selection goes.
+    QMenu again;
+    fillNoteMenu(again, store, *m_state, noteIDs(QStringLiteral("b")));
+    entry(*submenu(*submenu(again, QStringLiteral("Move to")), QStringLiteral("Project")),
+        QStringLiteral("Q"))
+        ->trigger();
+    QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), QStringList {"a"});
+    QCOMPARE(store.library().projects.at(1).sections.last().title, QStringLiteral("Inbox"));
+    QCOMPARE(
+        store.library().projects.at(1).sections.last().notes.first().text, QStringLiteral("b"));
+    QVERIFY(store.selection().isEmpty());
+}
+
+void PanelMenusTest::sectionMenuEntries_data()
+{
+    QTest::addColumn<QString>("project");
+    QTest::addColumn<QString>("section");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("the active, first section")
+        << "*Inbox:a|Work:b|Later:"
+        << "Inbox"
+        << "Use as Active Section~|-|Rename Section|Collapse Section|Select All in Section|Copy "
+           "Section as List|-|Move Up~|Move Down|Move to Top~|Move to Bottom|-|New Section…|Delete "
+           "Section";
+    QTest::newRow("a middle section")
+        << "*Inbox:a|Work:b|Later:"
+        << "Work"
+        << "Use as Active Section|-|Rename Section|Collapse Section|Select All in Section|Copy "
+           "Section as List|-|Move Up|Move Down|Move to Top|Move to Bottom|-|New Section…|Delete "
+           "Section";
+    QTest::newRow("the last, collapsed section")
+        << "*Inbox:a|Work:b|Later+:"
+        << "Later"
+        << "Use as Active Section|-|Rename Section|Expand Section|Select All in Section|Copy "
+           "Section as List|-|Move Up|Move Down~|Move to Top|Move to Bottom~|-|New Section…|Delete "
+           "Section";
+    QTest::newRow("the only section")
+        << "*Inbox:a"
+        << "Inbox"
+        << "Use as Active Section~|-|Rename Section|Collapse Section|Select All in Section|Copy "
+           "Section as List|-|Move Up~|Move Down~|Move to Top~|Move to Bottom~|-|New "
+           "Section…|Delete Section~";
+}
+
+void PanelMenusTest::sectionMenuEntries()
+{
+    QFETCH(QString, project);
+    QFETCH(QString, section);
+    QFETCH(QString, expected);
+
+    Store &store = m_fixture->make({project});
+    QMenu menu;
+    fillSectionMenu(menu, store, *m_state, idFor(QStringLiteral("P/") + section));
+    QCOMPARE(describeMenu(menu), expected);
+}
+
+void PanelMenusTest::sectionMenuActs()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a|Work:b,c|Later:")});
+    const QUuid work = idFor(QStringLiteral("P/Work"));
+    auto choose = [&](const QString &title) {
+        QMenu menu;
+        fillSectionMenu(menu, store, *m_state, work);
+        QAction *action = entry(menu, title);
+        QVERIFY2(action, qPrintable(title));
+        action->trigger();
+    };
+
+    choose(QStringLiteral("Move to Top"));
+    QCOMPARE(sectionTitles(store), (QStringList {"Work", "Inbox", "Later"}));
+    choose(QStringLiteral("Move to Bottom"));
+    QCOMPARE(sectionTitles(store), (QStringList {"Inbox", "Later", "Work"}));
+    choose(QStringLiteral("Move Up"));
+    QCOMPARE(sectionTitles(store), (QStringList {"Inbox", "Work", "Later"}));
+
+    choose(QStringLiteral("Collapse Section"));
+    QVERIFY(store.section(work)->isCollapsed);
+    QVERIFY(store.hasPendingSave());
+    choose(QStringLiteral("Select All in Section"));
+    QCOMPARE(store.selection(), idSet(QStringLiteral("b,c")));
+    QCOMPARE(store.selectionAnchor(), idFor(QStringLiteral("b")));
+
+    choose(QStringLiteral("Rename Section"));
+    QCOMPARE(m_state->renamingSectionID(), work);
+    choose(QStringLiteral("New Section…"));
+    QVERIFY(m_state->isShowing(PanelLayer::NewSection));
+    QVERIFY(m_state->pendingMoveIDs().isEmpty());
+
+    choose(QStringLiteral("Use as Active Section"));
+    QCOMPARE(store.activeSection().id, work);
+    choose(QStringLiteral("Delete Section"));
+    QCOMPARE(sectionTitles(store), (QStringList {"Inbox", "Later"}));
+    QVERIFY(!store.note(idFor(QStringLiteral("b"))));
+}
+
+void PanelMenusTest::overflowMenuEntries()
+{
+    Store &store = m_fixture->make({QStringLiteral("Inbox:a|*Work:b")});
+    QMenu menu;
+    fillOverflowMenu(menu, store, *m_state, m_fixture->preferences());
+    QCOMPARE(describeMenu(menu),
+        QStringLiteral(
+            "#Project|P|New Project…|Rename Project…|Delete Project~"
+            "|#Active Section|Inbox|Work|Switch Section…"
+            "|-|New Section…|Collapse All Sections|Expand All Sections"
+            "|#View|Show Completed|Completed at Bottom|Newest First"
+            "|-|Copy All as List|Clear Completed|Export as Markdown…|Show Notes File in Files"
+            "|-|Reset Window Position|Reset Window Size|Keyboard Shortcuts…|Settings…|Quit Vesko"));
+    QVERIFY(entry(menu, QStringLiteral("P"))->isChecked());
+    QVERIFY(!entry(menu, QStringLiteral("Inbox"))->isChecked());
+    QVERIFY(entry(menu, QStringLiteral("Work"))->isChecked());
+    // The view toggles show the preferences as they stand (defaults of a new user).
+    QCOMPARE(entry(menu, QStringLiteral("Show Completed"))->isChecked(),
+        m_fixture->preferences().showCompleted());
+    QCOMPARE(entry(menu, QStringLiteral("Newest First"))->isChecked(),
+        m_fixture->preferences().newestFirst());
+
+    // With two projects, the active one can go.
+    Store &two = m_fixture->make({QStringLiteral("*Inbox:a"), QStringLiteral("Inbox:b")});
+    QMenu second;
+    fillOverflowMenu(second, two, *m_state, m_fixture->preferences());
+    QVERIFY(entry(second, QStringLiteral("Delete Project"))->isEnabled());
+    entry(second, QStringLiteral("Delete Project"))->trigger();
+    QCOMPARE(two.library().projects.size(), 1);
+    QCOMPARE(two.activeProject().name, QStringLiteral("Q"));
+}
+
+void PanelMenusTest::overflowMenuActs()
+{
+    Store &store
+        = m_fixture->make({QStringLiteral("Inbox:a,B|*Work:c"), QStringLiteral("*Inbox:d")});
+    auto choose = [&](const QString &title) {
+        QMenu menu;
+        fillOverflowMenu(menu, store, *m_state, m_fixture->preferences());
+        QAction *action = entry(menu, title);
+        QVERIFY2(action, qPrintable(title));
+        action->trigger();
+    };
+    const std::array layers = {
+        std::pair {QStringLiteral("New Project…"), PanelLayer::NewProject},
+        std::pair {QStringLiteral("Rename Project…"), PanelLayer::RenameProject},
+        std::pair {QStringLiteral("Switch Section…"), PanelLayer::SectionSwitcher},
+        std::pair {QStringLiteral("New Section…"), PanelLayer::NewSection},
+        std::pair {QStringLiteral("Keyboard Shortcuts…"), PanelLayer::Shortcuts},
+    };
+    for (const auto &[title, layer] : layers) {
+        choose(title);
+        QVERIFY2(m_state->isShowing(layer), qPrintable(title));
+        m_state->setShowing(layer, false);
+    }
+
+    choose(QStringLiteral("Collapse All Sections"));
+    QVERIFY(store.activeProject().sections.at(0).isCollapsed);
+    QVERIFY(store.activeProject().sections.at(1).isCollapsed);
+    QVERIFY(store.visibleNotes().isEmpty());
+    choose(QStringLiteral("Expand All Sections"));
+    QCOMPARE(store.visibleNotes().size(), 3);
+
+    const bool showsCompleted = m_fixture->preferences().showCompleted();
+    choose(QStringLiteral("Show Completed"));
+    QCOMPARE(m_fixture->preferences().showCompleted(), !showsCompleted);
+    QTRY_COMPARE(store.visibleNotes().size(), showsCompleted ? 2 : 3);
+    choose(QStringLiteral("Show Completed"));
+
+    choose(QStringLiteral("Inbox"));
+    QCOMPARE(store.activeSection().title, QStringLiteral("Inbox"));
+    choose(QStringLiteral("Clear Completed"));
+    QVERIFY(!store.note(idFor(QStringLiteral("b"))));
+    choose(QStringLiteral("Q"));
+    QCOMPARE(store.activeProject().name, QStringLiteral("Q"));
+}
+
+void PanelMenusTest::keysInTheDesktopConvention_data()
+{
+    QTest::addColumn<QString>("menu");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("keys");
+
+    QTest::newRow("copy") << "note"
+                          << "Copy"
+                          << "Ctrl+C";
+    QTest::newRow("copy as list") << "note"
+                                  << "Copy as List"
+                                  << "Ctrl+Shift+C";
+    QTest::newRow("mark") << "note"
+                          << "Mark as Done"
+                          << "Space";
+    QTest::newRow("edit") << "note"
+                          << "Edit"
+                          << "Return";
+    QTest::newRow("edit in new window") << "note"
+                                        << "Edit in New Window"
+                                        << "Ctrl+Return";
+    QTest::newRow("merge") << "note"
+                           << "Merge Notes"
+                           << "Ctrl+Shift+M";
+    QTest::newRow("delete") << "note"
+                            << "Delete"
+                            << "Ctrl+Backspace";
+    QTest::newRow("split has none") << "note"
+                                    << "Split into Notes"
+                                    << "";
+    QTest::newRow("new project") << "overflow"
+                                 << "New Project…"
+                                 << "Ctrl+Alt+N";
+    QTest::newRow("switch section") << "overflow"
+                                    << "Switch Section…"
+                                    << "Ctrl+K";
+    QTest::newRow("new section") << "overflow"
+                                 << "New Section…"
+                                 << "Ctrl+Shift+N";
+    QTest::newRow("shortcuts") << "overflow"
+                               << "Keyboard Shortcuts…"
+                               << "Ctrl+/";
+    QTest::newRow("settings") << "overflow"
+                              << "Settings…"
+                              << "Ctrl+,";
+    QTest::newRow("quit") << "overflow"
+                          << "Quit Vesko"
+                          << "Ctrl+Q";
+}
+
+void PanelMenusTest::keysInTheDesktopConvention()
+{
+    QFETCH(QString, menu);
+    QFETCH(QString, title);
+    QFETCH(QString, keys);
+
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
+    QMenu filled;
+    if (menu == QLatin1String("note"))
+        fillNoteMenu(filled, store, *m_state, noteIDs(QStringLiteral("a")));
+    else
+        fillOverflowMenu(filled, store, *m_state, m_fixture->preferences());
+    QAction *action = entry(filled, title);
+    QVERIFY(action);
+    QCOMPARE(action->shortcut().toString(QKeySequence::NativeText), keys);
+}
+
+void PanelMenusTest::hooksReachTheProgram()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
+    QStringList calls;
+    PanelCommands::Hooks hooks;
+    hooks.openNoteWindow
+        = [&](const QUuid &id) { calls.append(QStringLiteral("window ") + store.note(id)->text); };
+    hooks.openSettings = [&] { calls.append(QStringLiteral("settings")); };
+    hooks.quit = [&] { calls.append(QStringLiteral("quit")); };
+    hooks.resetPanelPosition = [&] { calls.append(QStringLiteral("position")); };
+    hooks.resetPanelSize = [&] { calls.append(QStringLiteral("size")); };
+    hooks.addAttachments
+        = [&](const QUuid &id) { calls.append(QStringLiteral("add ") + store.note(id)->text); };
+    hooks.pasteAttachments
+        = [&](const QUuid &id) { calls.append(QStringLiteral("paste ") + store.note(id)->text); };
+    PanelCommands::shared().setHooks(hooks);
+
+    QMenu note;
+    fillNoteMenu(note, store, *m_state, noteIDs(QStringLiteral("a")));
+    for (const QString &title : {QStringLiteral("Edit in New Window"),
+             QStringLiteral("Add Attachment…"), QStringLiteral("Paste Image or File")})
+        entry(note, title)->trigger();
+    QMenu overflow;
+    fillOverflowMenu(overflow, store, *m_state, m_fixture->preferences());
+    for (const QString &title :
+        {QStringLiteral("Reset Window Position"), QStringLiteral("Reset Window Size"),
+            QStringLiteral("Settings…"), QStringLiteral("Quit Vesko")})
+        entry(overflow, title)->trigger();
+    QCOMPARE(calls,
+        (QStringList {"window a", "add a", "paste a", "position", "size", "settings", "quit"}));
+    PanelCommands::shared().setHooks({});
+}
+
+void PanelMenusTest::menuTargetFollowsTheSelection_data()
+{
+    QTest::addColumn<QString>("selection");
+    QTest::addColumn<QString>("row");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("outside the selection") << "a,b"
+                                           << "c"
+                                           << "c";
+    QTest::newRow("the only selected note") << "b"
+                                            << "b"
+                                            << "b";
+    QTest::newRow("one of several, in row order") << "c,a"
+                                                  << "c"
+                                                  << "a,c";
+    QTest::newRow("nothing selected") << ""
+                                      << "a"
+                                      << "a";
+}
+
+void PanelMenusTest::menuTargetFollowsTheSelection()
+{
+    QFETCH(QString, selection);
+    QFETCH(QString, row);
+    QFETCH(QString, expected);
+
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b|Work:c")});
+    store.setSelection(idSet(selection), std::nullopt);
+    QCOMPARE(noteMenuTarget(store, idFor(row)), noteIDs(expected));
+}
+
+VESKO_WIDGET_TEST_MAIN(PanelMenusTest)
+#include "tst_panelmenus.moc"
