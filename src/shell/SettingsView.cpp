@@ -31,7 +31,7 @@ SettingsView::SettingsView(const Services &services, QWidget *parent)
 
 int SettingsView::preferredHeight() const
 {
-    return tabBar()->sizeHint().height() + m_general->sizeHint().height() + 2 * frameWidth();
+    return tabBar()->sizeHint().height() + m_general->sizeHint().height() + 12;
 }
 
 } // namespace Vesko
