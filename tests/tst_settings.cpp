@@ -95,6 +95,7 @@ private Q_SLOTS:
     void screenReaderFindsEveryControl();
     void toggleChangesTheFileAndThePanel();
     void closingOnlyHides();
+    void launchWithoutCaptureOpensTheCaptureTab();
 
 private:
     void openFromTray();
@@ -301,6 +302,61 @@ void SettingsTest::closingOnlyHides()
     QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), 10000);
     QCOMPARE(xdotool({QStringLiteral("getwindowgeometry"), settingsWindow()}).section(u'\n', 1),
         geometry.section(u'\n', 1));
+}
+
+void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
+{
+    // Another user's session, on Wayland: capture cannot work there, and the
+    // launch says why on the Capture tab.
+    Test::ProgramSession wayland;
+    wayland.setEnvironmentVariable(
+        QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+    wayland.setEnvironmentVariable(QStringLiteral("WAYLAND_DISPLAY"), QStringLiteral("wayland-0"));
+    QProcess *vesko = wayland.start(QStringLiteral(VESKO_PATH));
+    QString window;
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [&] {
+            for (const QString &candidate : windowsNamed(QStringLiteral("^Vesko Settings$"))) {
+                if (xdotool({QStringLiteral("getwindowpid"), candidate}).toLongLong()
+                    == vesko->processId())
+                    window = candidate;
+            }
+            return !window.isEmpty();
+        }(),
+        15000);
+    std::optional<QByteArray> json;
+    QTRY_VERIFY_WITH_TIMEOUT(
+        (json = atspi({QString::number(vesko->processId()), QStringLiteral("Vesko Settings")})),
+        30000);
+    QStringList nodes;
+    QHash<QString, QJsonObject> byName;
+    flatten(QJsonDocument::fromJson(*json).object(), nodes, byName);
+    // The Capture page is the one on screen: its lines show, the General page's do not.
+    QVERIFY(!byName.value(QStringLiteral("check box|Always on top"))
+                 .value(QStringLiteral("states"))
+                 .toArray()
+                 .contains(QStringLiteral("showing")));
+    const QString reason = QStringLiteral("This is a Wayland session: it keeps other "
+                                          "applications' keys and selected text away from Vesko.");
+    QVERIFY(nodes.contains(QStringLiteral("label|Capture is not available")));
+    QVERIFY2(nodes.contains(QStringLiteral("label|") + reason), qPrintable(nodes.join(u'\n')));
+    QVERIFY(byName.value(QStringLiteral("label|") + reason)
+                .value(QStringLiteral("states"))
+                .toArray()
+                .contains(QStringLiteral("showing")));
+    // The panel comes up as well.
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [&] {
+            for (const QString &candidate : windowsNamed(QStringLiteral("^Vesko$"))) {
+                if (xdotool({QStringLiteral("getwindowpid"), candidate}).toLongLong()
+                    == vesko->processId())
+                    return true;
+            }
+            return false;
+        }(),
+        10000);
+    vesko->terminate();
+    QVERIFY(vesko->waitForFinished(10000));
 }
 
 VESKO_TEST_MAIN(SettingsTest)
