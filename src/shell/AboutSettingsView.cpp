@@ -41,7 +41,7 @@ AboutSettingsView::AboutSettingsView(QWidget *parent)
                                   "Built for working alongside AI tools."));
     tagline->setWordWrap(true);
     tagline->setAlignment(Qt::AlignCenter);
-    tagline->setMaximumWidth(340);
+    tagline->setFixedWidth(340);
     layout->addWidget(tagline, 0, Qt::AlignHCenter);
     layout->addSpacing(12);
 

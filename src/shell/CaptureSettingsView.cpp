@@ -72,8 +72,9 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
         line->setForegroundRole(QPalette::WindowText);
         permission->addRow(line);
     }
-    permission->addRow(makeFootnote(tr("Vesko uses it to read your text selection and listen "
-                                       "for double Shift. Nothing is recorded or sent anywhere.")));
+    permission->addRow(makeFootnote(tr("Vesko uses the X server to read your text selection and "
+                                       "listen for double Shift. Nothing is recorded or sent "
+                                       "anywhere.")));
     permission->addButtons({m_checkAgain});
     layout->addWidget(permission);
 

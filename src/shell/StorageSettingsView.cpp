@@ -13,6 +13,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -21,7 +22,7 @@ namespace Vesko {
 StorageSettingsView::StorageSettingsView(const Services &services, QWidget *parent)
     : QWidget(parent)
     , m_services(services)
-    , m_path(new QLabel)
+    , m_path(new QLineEdit)
     , m_reveal(new QPushButton(tr("Show in Files")))
     , m_move(new QPushButton(tr("Move…")))
     , m_useDefault(new QPushButton(tr("Use Default Location")))
@@ -33,8 +34,11 @@ StorageSettingsView::StorageSettingsView(const Services &services, QWidget *pare
     auto *layout = new QVBoxLayout(this);
 
     auto *local = new SettingsGroup(tr("Local file"), this);
-    m_path->setWordWrap(true);
-    m_path->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    // The whole path, however long: read-only, scrollable and copyable.
+    m_path->setReadOnly(true);
+    m_path->setFrame(false);
+    m_path->setBackgroundRole(QPalette::Window);
+    m_path->setStyleSheet(QStringLiteral("QLineEdit { background: transparent; }"));
     local->addRow(tr("Notes file"), m_path);
     local->addButtons({m_reveal, m_move, m_useDefault});
     m_progress->hide();
@@ -130,6 +134,8 @@ void StorageSettingsView::moveLibrary(const QString &destination)
 void StorageSettingsView::refreshLocation()
 {
     m_path->setText(m_services.preferences.libraryPath());
+    m_path->setCursorPosition(0);
+    m_path->setToolTip(m_path->text());
     m_useDefault->setVisible(offersDefaultLocation());
 }
 

@@ -12,6 +12,7 @@
 #include <functional>
 
 class QLabel;
+class QLineEdit;
 class QPushButton;
 
 namespace Vesko {
@@ -55,7 +56,7 @@ private:
     Services m_services;
     bool m_isMoving = false;
     QString m_error;
-    QLabel *m_path;
+    QLineEdit *m_path;
     QPushButton *m_reveal;
     QPushButton *m_move;
     QPushButton *m_useDefault;

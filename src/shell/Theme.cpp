@@ -247,7 +247,7 @@ QIcon symbolIcon(const QString &symbol, const QColor &color, int size)
         {"clipboard", "edit-paste-symbolic", u"\u2398"},
         {"eye.slash", "view-hidden-symbolic", u"\u2205"},
         {"gearshape", "preferences-system-symbolic", u"\u2699"},
-        {"text.viewfinder", "edit-find-symbolic", u"\u2316"},
+        {"text.viewfinder", "edit-find-symbolic", u"\u25CE"},
         {"internaldrive", "drive-harddisk-symbolic", u"\u26C1"},
         {"info.circle", "help-about-symbolic", u"i"},
         {"checkmark.circle.fill", "emblem-ok-symbolic", u"\u2714"},
