@@ -83,3 +83,25 @@ for appearance in light dark; do
     rm -rf "$root"
 done
 kill "$tray_pid" 2>/dev/null || true
+
+# The Capture tab where capture cannot work: a Wayland session's launch opens it.
+root=$(mktemp -d)
+mkdir -p "$root"/{data/Vesko,config/Vesko,cache,runtime}
+chmod 700 "$root/runtime"
+printf '[General]\nappearance=light\n' >"$root/config/Vesko/Vesko.conf"
+WAYLAND_DISPLAY=wayland-0 XDG_DATA_HOME=$root/data XDG_CONFIG_HOME=$root/config \
+    XDG_CACHE_HOME=$root/cache XDG_RUNTIME_DIR=$root/runtime QT_QPA_PLATFORM=xcb \
+    build-tests/app/vesko &
+pid=$!
+window=$(xdotool search --sync --onlyvisible --name '^Vesko Settings$' | head -1)
+xdotool windowmove --sync "$window" 60 60
+sleep 1
+X=$(xwininfo -id "$window" | awk '/Absolute upper-left X/ {print $4}')
+Y=$(xwininfo -id "$window" | awk '/Absolute upper-left Y/ {print $4}')
+WIDTH=$(xwininfo -id "$window" | awk '/Width:/ {print $2}')
+HEIGHT=$(xwininfo -id "$window" | awk '/Height:/ {print $2}')
+build-tests/tests/screen_grab "$out/settings-capture-unavailable.png" "$X" "$Y" "$WIDTH" "$HEIGHT"
+echo "wrote $out/settings-capture-unavailable.png"
+kill -TERM "$pid"
+wait "$pid" || true
+rm -rf "$root"

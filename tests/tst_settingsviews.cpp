@@ -355,6 +355,15 @@ void SettingsViewsTest::captureTabSaysWhy()
     QVERIFY(visibleLabel(&view, QStringLiteral("Capture is not available")));
     QVERIFY(visibleLabel(&view, reason));
     QVERIFY(findByText<QPushButton>(&view, QStringLiteral("Check Again"))->isVisibleTo(&view));
+    // Nothing can be grabbed here, so no combination is said to be taken.
+    const auto holdToggle = [](Test::SettingsRig &rig) {
+        const KeyCombo toggle = *rig.hotKeys.combo(HotKeyAction::TogglePanel);
+        rig.registrar.taken.insert(qMakePair(toggle.keyCode, toggle.modifiers));
+        rig.hotKeys.registerAll();
+    };
+    const QString taken = QStringLiteral("Taken by another application");
+    holdToggle(*m_rig);
+    QVERIFY(!visibleLabel(&view, taken));
 
     // In a session where capture works, the tab says so and nothing more.
     Test::SettingsRig working;
@@ -364,6 +373,8 @@ void SettingsViewsTest::captureTabSaysWhy()
     QVERIFY(visibleLabel(&fine, QStringLiteral("Capture is available")));
     QVERIFY(!visibleLabel(&fine, reason));
     QVERIFY(!findByText<QPushButton>(&fine, QStringLiteral("Check Again"))->isVisibleTo(&fine));
+    holdToggle(working);
+    QVERIFY(visibleLabel(&fine, taken));
 }
 
 void SettingsViewsTest::intervalSliderKeepsItsBounds()

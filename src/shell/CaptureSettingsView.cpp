@@ -186,6 +186,8 @@ void CaptureSettingsView::refreshPermission()
     m_advice->setText(captureObstacleAdvice(obstacle));
     m_advice->setVisible(!available && !m_advice->text().isEmpty());
     m_checkAgain->setVisible(!available);
+    for (ShortcutRecorderView *recorder : std::as_const(m_recorders))
+        recorder->setCaptureAvailable(available);
 }
 
 void CaptureSettingsView::refreshDoubleShift()

@@ -129,7 +129,16 @@ QString ShortcutRecorderView::buttonText() const
 
 QString ShortcutRecorderView::refusalText() const
 {
-    return m_hotKeys.isRefused(m_action) ? tr("Taken by another application") : QString();
+    return m_captureAvailable && m_hotKeys.isRefused(m_action) ? tr("Taken by another application")
+                                                               : QString();
+}
+
+void ShortcutRecorderView::setCaptureAvailable(bool available)
+{
+    if (available == m_captureAvailable)
+        return;
+    m_captureAvailable = available;
+    refresh();
 }
 
 void ShortcutRecorderView::toggleRecording()

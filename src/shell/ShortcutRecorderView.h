@@ -39,6 +39,9 @@ public:
     //! The line shown while the desktop refuses the combination, or empty.
     QString refusalText() const;
 
+    //! Where capture cannot work nothing is registered, so no refusal is told.
+    void setCaptureAvailable(bool available);
+
     //! Starts or ends recording; either way the warning goes.
     void toggleRecording();
     //! A key pressed while recording, by its platform key code and the
@@ -68,6 +71,7 @@ private:
     QLabel *m_refusalLine;
     bool m_isRecording = false;
     bool m_isHovering = false;
+    bool m_captureAvailable = true;
     QString m_warning;
 };
 
