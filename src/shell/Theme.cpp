@@ -253,8 +253,6 @@ QIcon symbolIcon(const QString &symbol, const QColor &color, int size)
         {"checkmark.circle.fill", "emblem-ok-symbolic", u"\u2714"},
         {"exclamationmark.triangle.fill", "dialog-warning-symbolic", u"\u26A0"},
         {"person.slash", "avatar-default-symbolic", u"\u2298"},
-        {"photo", "image-x-generic-symbolic", u"\u25A3"},
-        {"doc", "text-x-generic-symbolic", u"\u25AF"},
         {"xmark.circle.fill", "edit-clear-symbolic", u"\u2297"},
     };
     const char16_t *glyph = u"\u2022";
