@@ -13,9 +13,11 @@
 #include "panel/PanelState.h"
 #include "platform/Logging.h"
 #include "platform/TerminationSignals.h"
+#include "platform/x11/X11Session.h"
 #include "shell/AppDelegate.h"
 #include "shell/DesktopCapture.h"
 #include "shell/Preferences.h"
+#include "shell/SettingsWindowController.h"
 #include "shell/SingleInstance.h"
 #include "shell/Theme.h"
 #include "shell/Toast.h"
@@ -55,8 +57,28 @@ int main(int argc, char *argv[])
     // The hot keys' combinations and capture availability are read now; nothing
     // is registered or listened to before the launch has finished.
     DesktopCapture capture(store, preferences, panel, ToastPresenter::shared());
-    AppDelegate delegate(store, preferences, panel, capture.launchHooks());
+    SettingsWindowController &settings = SettingsWindowController::shared();
+    settings.setServices(
+        SettingsView::Services {preferences, panel, LoginItem::forCurrentProgram(),
+            {preferences, capture.permission(), capture.engine(), capture.hotKeys(),
+                capture.keyLayout(), &X11Session::captureObstacle},
+            {store, preferences, PanelCommands::shared().clipboard(),
+                &PanelCommands::showInFileManager}},
+        capture.permission());
+    AppDelegate::Hooks hooks = capture.launchHooks();
+    // When capture is not available at launch, Settings says why.
+    hooks.showSettings = [&settings] { settings.show(SettingsTab::Capture); };
+    AppDelegate delegate(store, preferences, panel, hooks);
     TrayIcon tray(panel, preferences);
+    // The tray menu, the panel's overflow menu and its Ctrl+, open Settings.
+    QObject::connect(
+        &tray, &TrayIcon::settingsRequested, &settings, [&settings] { settings.show(); });
+    PanelCommands::Hooks commands = PanelCommands::shared().hooks();
+    commands.openSettings = [&settings] { settings.show(); };
+    PanelCommands::shared().setHooks(commands);
+    // The window is rebuilt in the new appearance once the palette has changed.
+    QObject::connect(&preferences, &Preferences::appearanceAssigned, &settings,
+        &SettingsWindowController::refreshAppearance, Qt::QueuedConnection);
 
     QObject::connect(
         &instance, &SingleInstance::reopenRequested, &delegate, &AppDelegate::handleReopen);

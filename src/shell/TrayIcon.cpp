@@ -48,6 +48,9 @@ void TrayIcon::rebuildMenu()
     m_menu->addAction(tr("Capture Selection"), this, &TrayIcon::captureRequested);
     m_menu->addAction(tr("Add a Note"), this, [this] { m_panel.show(true, true); });
     m_menu->addSeparator();
+    m_menu->addAction(tr("Settings"),
+        QKeySequence(QKeyCombination(Qt::ControlModifier, Qt::Key_Comma)), this,
+        &TrayIcon::settingsRequested);
     m_menu->addAction(tr("Quit Vesko"), QKeySequence::Quit, this, &TrayIcon::quitRequested);
 }
 

@@ -26,6 +26,7 @@ public:
 
 Q_SIGNALS:
     void captureRequested();
+    void settingsRequested();
     void quitRequested();
 
 private:

@@ -23,6 +23,9 @@ public:
     QString libraryPath() const;
     QString configPath() const;
 
+    //! Sets a variable of the environment the next programs start with.
+    void setEnvironmentVariable(const QString &name, const QString &value);
+
     //! Starts \a program with the session's environment; it ends with the session.
     QProcess *start(const QString &program, const QStringList &arguments = {});
 
