@@ -2,10 +2,16 @@
 //
 // What the Settings window works with, put together for in-process tests: a
 // real Store over the isolated library file, real Preferences and panel
-// controller, and the capture logic over stand-ins of the desktop (no keys
-// arrive, the clipboard is a list, registrations are kept in a map).
+// controller, and the capture logic over stand-ins of the desktop (the fakes
+// of tests/fakes).
 
 #pragma once
+
+#include "FakeCaptureFeedback.h"
+#include "FakeClipboard.h"
+#include "FakeDesktopSession.h"
+#include "FakeHotKeyRegistrar.h"
+#include "FakeKeyMonitor.h"
 
 #include "attachments/AttachmentStore.h"
 #include "capture/AccessibilityPermission.h"
@@ -17,91 +23,12 @@
 #include "library/LibraryWriter.h"
 #include "panel/PanelController.h"
 #include "panel/PanelState.h"
-#include "platform/Clipboard.h"
-#include "platform/DesktopSession.h"
-#include "platform/KeyMonitor.h"
 #include "search/SearchIndex.h"
 #include "shell/Preferences.h"
 #include "shell/SettingsView.h"
 #include "store/Store.h"
 
 namespace Vesko::Test {
-
-class ListClipboard : public Clipboard
-{
-public:
-    void setText(const QString &text) override
-    {
-        items = {{{QStringLiteral("text/plain"), text.toUtf8()}}};
-        ++count;
-    }
-    Snapshot snapshot() const override { return items; }
-    void restore(const Snapshot &snapshot) override
-    {
-        items = snapshot;
-        ++count;
-    }
-    quint64 changeCount() const override { return count; }
-    std::optional<QString> text() const override
-    {
-        if (items.isEmpty() || !items.first().contains(QStringLiteral("text/plain")))
-            return std::nullopt;
-        return QString::fromUtf8(items.first().value(QStringLiteral("text/plain")));
-    }
-
-    Snapshot items;
-    quint64 count = 0;
-};
-
-class QuietSession : public DesktopSession
-{
-public:
-    std::optional<FrontApplication> frontApplication() override { return std::nullopt; }
-    std::optional<QString> primarySelection(qint64) override { return std::nullopt; }
-    bool sendCopy(int) override { return false; }
-};
-
-class QuietKeys : public KeyMonitor
-{
-public:
-    bool start(std::function<void(const KeyEvent &)> r) override
-    {
-        receiver = std::move(r);
-        return true;
-    }
-    void stop() override { receiver = nullptr; }
-    bool isRunning() const override { return bool(receiver); }
-    std::function<void(const KeyEvent &)> receiver;
-};
-
-//! Holds what it is given; a combination held under another id is refused.
-class MapRegistrar : public HotKeyRegistrar
-{
-public:
-    void installHandler(std::function<void(int)>) override { }
-    void removeHandler() override { }
-    int registerKey(int id, quint16 keyCode, quint64 modifiers) override
-    {
-        const auto combination = qMakePair(keyCode, modifiers);
-        if (taken.contains(combination))
-            return 10;
-        held.insert(id, combination);
-        return 0;
-    }
-    void unregisterKey(int id) override { held.remove(id); }
-
-    QMap<int, QPair<quint16, quint64>> held;
-    //! Combinations another program holds.
-    QSet<QPair<quint16, quint64>> taken;
-};
-
-class SilentFeedback : public CaptureFeedback
-{
-public:
-    void showPanel(bool, bool) override { }
-    void togglePanel() override { }
-    void toast(const QString &, const QString &) override { }
-};
 
 struct SettingsRig
 {
@@ -134,11 +61,11 @@ struct SettingsRig
     Store store;
     PanelState panelState;
     PanelController panel;
-    ListClipboard clipboard;
-    QuietSession session;
-    QuietKeys keys;
-    MapRegistrar registrar;
-    SilentFeedback feedback;
+    FakeClipboard clipboard;
+    FakeDesktopSession session;
+    FakeKeyMonitor keys;
+    FakeHotKeyRegistrar registrar;
+    FakeCaptureFeedback feedback;
     HotKeyCenter hotKeys;
     AccessibilityPermission permission;
     DoubleShiftMonitor monitor;
