@@ -4,6 +4,7 @@
 
 #include "panel/NoteRowDelegate.h"
 #include "panel/PanelRowsModel.h"
+#include "panel/SaveStatusView.h"
 #include "shell/Theme.h"
 #include "store/Store.h"
 
@@ -121,6 +122,7 @@ PanelRootView::PanelRootView(Store &store, PanelState &state, QWidget *parent)
     m_composer->installEventFilter(this);
     boxLayout->addWidget(m_composer);
     layout->addWidget(box);
+    layout->addWidget(new SaveStatusView(store, this));
 
     connect(m_composer, &QLineEdit::returnPressed, this, &PanelRootView::commitComposer);
     connect(&m_state, &PanelState::focusRequestChanged, this, &PanelRootView::applyFocusRequest);

@@ -22,6 +22,10 @@ public:
     QString libraryFolder() const;
     QString libraryPath() const;
     QString configPath() const;
+    //! $XDG_STATE_HOME of the session.
+    QString stateFolder() const;
+    //! The session's private folder, for files of a test's own.
+    QString rootFolder() const { return m_root.path(); }
 
     //! Starts \a program with the session's environment; it ends with the session.
     QProcess *start(const QString &program, const QStringList &arguments = {});
