@@ -37,8 +37,10 @@ void SaveStatusView::refresh()
 void SaveStatusView::showElided()
 {
     const int width = contentsRect().width();
+    // Cut in the middle: the start says what this is, the end why (a long
+    // file path sits between them).
     setText(
-        width > 0 ? fontMetrics().elidedText(m_statusText, Qt::ElideRight, width) : m_statusText);
+        width > 0 ? fontMetrics().elidedText(m_statusText, Qt::ElideMiddle, width) : m_statusText);
 }
 
 void SaveStatusView::applyColors()

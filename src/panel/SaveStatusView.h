@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // One quiet line at the foot of the panel while the library cannot be saved:
-// "Not saved: " and the reason, cut short to the panel's width with the whole
-// text in its tool tip. It watches the Store itself and hides again at the
+// "Not saved: " and the reason, cut in the middle to the panel's width with
+// the whole text in its tool tip. It watches the Store itself and hides again at the
 // first save that succeeds.
 
 #pragma once

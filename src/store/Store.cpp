@@ -277,18 +277,29 @@ void Store::restoreSnapshot(QList<Library> &from, QList<Library> &to)
     Q_EMIT undoStateChanged();
 
     // Notes that no longer exist leave the selection; the anchor stays. One
-    // pass over the library, whatever the size of the selection.
+    // pass over the library with the selection as a set, starting with the
+    // active project, where the selected notes normally are, and ending as
+    // soon as every one of them is found.
     if (!m_selection.isEmpty()) {
         QSet<QUuid> kept;
-        for (const Project &project : std::as_const(m_library.projects)) {
+        kept.reserve(m_selection.size());
+        auto keepSelected = [&](const Project &project) {
             for (const NoteSection &section : project.sections) {
                 for (const Note &note : section.notes) {
                     if (m_selection.contains(note.id))
                         kept.insert(note.id);
                 }
             }
+            return kept.size() == m_selection.size();
+        };
+        const qsizetype active = activeProjectIndex(m_library);
+        bool allFound = active >= 0 && keepSelected(m_library.projects.at(active));
+        for (qsizetype p = 0; p < m_library.projects.size() && !allFound; ++p) {
+            if (p != active)
+                allFound = keepSelected(m_library.projects.at(p));
         }
-        setSelectionSet(kept);
+        if (!allFound)
+            setSelectionSet(kept);
     }
     commit();
 }
