@@ -506,15 +506,11 @@ void SearchIndexTest::queriesAreTrimmedOfEverySpace_data()
     QTest::addColumn<QString>("expected");
     // Tab and the space separators of Unicode (category Zs) go; line breaks stay.
     QTest::newRow("space and tab") << QStringLiteral(" \tMilk\t ") << QStringLiteral("milk");
-    QTest::newRow("no-break space") << QStringLiteral("\u00A0milk\u00A0") << QStringLiteral("milk");
-    QTest::newRow("ogham space mark") << QStringLiteral("\u1680milk") << QStringLiteral("milk");
-    QTest::newRow("en quad to hair space")
-        << QStringLiteral("\u2000\u2001\u2002\u2003\u2004\u2005milk\u2006\u2007\u2008\u2009\u200A")
+    QTest::newRow("no-break spaces")
+        << QStringLiteral("\u00A0\u202Fmilk\u00A0") << QStringLiteral("milk");
+    QTest::newRow("typographic spaces")
+        << QStringLiteral("\u1680\u2000\u2003\u2006milk\u2009\u200A\u205F")
         << QStringLiteral("milk");
-    QTest::newRow("narrow no-break space")
-        << QStringLiteral("milk\u202F") << QStringLiteral("milk");
-    QTest::newRow("medium mathematical space")
-        << QStringLiteral("\u205Fmilk") << QStringLiteral("milk");
     QTest::newRow("ideographic space")
         << QStringLiteral("\u3000milk\u3000") << QStringLiteral("milk");
     QTest::newRow("inner spaces stay")

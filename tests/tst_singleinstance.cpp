@@ -1,21 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The guard that keeps Vesko to one process: where its lock and socket live
-// when the session gives no runtime folder, the lock that decides which
-// launch runs, and the socket that only carries "reopen".
+// when the session gives no runtime folder, and the lock that decides which
+// launch runs. The socket is tested with the program (tst_app).
 
 #include "TestEnvironment.h"
 
 #include "shell/SingleInstance.h"
 
 #include <QDir>
-#include <QLocalSocket>
-#include <QSignalSpy>
 
-#include <cstring>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 using namespace Vesko;
@@ -75,7 +70,6 @@ private Q_SLOTS:
     void withoutRuntimeFolderTheSocketStaysPrivate_data();
     void withoutRuntimeFolderTheSocketStaysPrivate();
     void oneClaimAtATime();
-    void leftoverSocketIsTakenOver();
 };
 
 void SingleInstanceTest::withoutRuntimeFolderTheSocketStaysPrivate_data()
@@ -132,40 +126,6 @@ void SingleInstanceTest::oneClaimAtATime()
     SingleInstance nowhere((QString()));
     QCOMPARE(nowhere.claim(), SingleInstance::Claim::Failed);
     QVERIFY(!nowhere.failure().isEmpty());
-}
-
-void SingleInstanceTest::leftoverSocketIsTakenOver()
-{
-    const QString folder
-        = Test::IsolatedEnvironment::current().root() + QStringLiteral("/leftover");
-    QDir().mkpath(folder);
-    SingleInstance instance(folder);
-    // A socket whose process ended without removing it: nobody listens there.
-    {
-        const int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
-        sockaddr_un address = {};
-        address.sun_family = AF_UNIX;
-        const QByteArray path = QFile::encodeName(instance.socketPath());
-        QVERIFY(size_t(path.size()) < sizeof(address.sun_path));
-        std::memcpy(address.sun_path, path.constData(), size_t(path.size()));
-        QCOMPARE(::bind(fd, reinterpret_cast<sockaddr *>(&address), sizeof(address)), 0);
-        ::close(fd);
-    }
-    QVERIFY(QFileInfo::exists(instance.socketPath()));
-
-    QCOMPARE(instance.claim(), SingleInstance::Claim::Acquired);
-    QCOMPARE(instance.listen(), std::nullopt);
-    QSignalSpy reopened(&instance, &SingleInstance::reopenRequested);
-    QLocalSocket client;
-    client.connectToServer(instance.socketPath());
-    client.write("reopen\n");
-    QTRY_COMPARE(reopened.size(), 1);
-    // Anything else on the socket is no request.
-    QLocalSocket other;
-    other.connectToServer(instance.socketPath());
-    other.write("quit\n");
-    QTRY_COMPARE(other.state(), QLocalSocket::UnconnectedState);
-    QCOMPARE(reopened.size(), 1);
 }
 
 VESKO_TEST_MAIN(SingleInstanceTest)

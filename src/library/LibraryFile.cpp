@@ -62,6 +62,9 @@ std::optional<QString> copyFolderEntries(
         } else if (entry.isDir()) {
             if (auto error = copyFolderEntries(sourcePath, targetPath, progress))
                 return error;
+        } else if (!entry.isFile()) {
+            // A pipe, socket or device is no attachment, and no copy of one is made.
+            qCInfo(lcStorage, "Left out of the move: %s is not a file", qUtf8Printable(sourcePath));
         } else if (!FileSystem::exists(targetPath)) {
             FileSystem::CopyOptions options;
             options.followsLinks = false;

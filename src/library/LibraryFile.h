@@ -53,8 +53,8 @@ std::optional<Library> readLibraryFile(const QString &path, QString *error);
 //! Never overwrites; a failure leaves the file where it is.
 void setAsideUnreadableLibrary(const QString &path);
 
-//! Copies the file at \a path into "Library Backups" keeping its date, and
-//! keeps the newest five entries of that folder. Never fails.
+//! Copies the file at \a path into "Library Backups", a private copy (0600)
+//! keeping its date, and keeps the newest five entries of that folder. Never fails.
 void backUpLibraryFile(const QString &path);
 
 //! Writes \a library to \a path: backup, encode, a private temporary file

@@ -173,7 +173,8 @@ std::optional<QString> copyFileKeepingDate(
     const QString &from, const QString &to, const CopyOptions &options)
 {
     const QByteArray source = native(from);
-    const int flags = O_RDONLY | O_CLOEXEC | (options.followsLinks ? 0 : O_NOFOLLOW);
+    // Without waiting: opening a named pipe would otherwise block until a writer comes.
+    const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | (options.followsLinks ? 0 : O_NOFOLLOW);
     Descriptor in(retryOnInterrupt([&] { return ::open(source.constData(), flags); }));
     struct stat info;
     if (in.get() < 0 || ::fstat(in.get(), &info) != 0)

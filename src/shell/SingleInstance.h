@@ -43,7 +43,6 @@ public:
     //! separate data folders (tests) run separate instances.
     static QString serverNameForSession();
 
-    QString socketPath() const { return m_socketPath; }
     QString lockPath() const { return m_lockPath; }
 
     //! Takes the instance lock without waiting. Once acquired it is held
