@@ -18,6 +18,7 @@
 #include "shell/DesktopCapture.h"
 #include "shell/Preferences.h"
 #include "shell/SettingsWindowController.h"
+#include "shell/QuitGuard.h"
 #include "shell/SingleInstance.h"
 #include "shell/Theme.h"
 #include "shell/Toast.h"
@@ -39,11 +40,22 @@ int main(int argc, char *argv[])
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(Theme::applicationIcon());
 
+    // One process runs; a later launch hands it "reopen" and ends.
     SingleInstance instance;
-    if (instance.forwardReopen())
+    switch (instance.claim()) {
+    case SingleInstance::Claim::HeldElsewhere:
+        if (!instance.forwardReopen())
+            qCWarning(lcStorage, "Vesko runs already, but did not answer");
         return 0;
-    if (const std::optional<QString> failure = instance.listen())
-        qCWarning(lcStorage, "Cannot accept other launches: %s", qUtf8Printable(*failure));
+    case SingleInstance::Claim::Failed:
+        qCWarning(lcStorage, "Cannot make sure that Vesko runs once: %s",
+            qUtf8Printable(instance.failure()));
+        break;
+    case SingleInstance::Claim::Acquired:
+        if (const std::optional<QString> failure = instance.listen())
+            qCWarning(lcStorage, "Cannot accept other launches: %s", qUtf8Printable(*failure));
+        break;
+    }
 
     // The Store first: the library is read and repaired before anything else runs.
     Store &store = Store::shared();
@@ -69,7 +81,7 @@ int main(int argc, char *argv[])
     // When capture is not available at launch, Settings says why.
     hooks.showSettings = [&settings] { settings.show(SettingsTab::Capture); };
     AppDelegate delegate(store, preferences, panel, hooks);
-    TrayIcon tray(panel, preferences);
+    TrayIcon tray(store, panel, preferences);
     // The tray menu, the panel's overflow menu and its Ctrl+, open Settings.
     QObject::connect(
         &tray, &TrayIcon::settingsRequested, &settings, [&settings] { settings.show(); });
@@ -79,10 +91,13 @@ int main(int argc, char *argv[])
     // The window is rebuilt in the new appearance once the palette has changed.
     QObject::connect(&preferences, &Preferences::appearanceAssigned, &settings,
         &SettingsWindowController::refreshAppearance, Qt::QueuedConnection);
+    // Quit Vesko asks first while the latest changes could not be saved.
+    QuitGuard quitGuard(store);
 
     QObject::connect(
         &instance, &SingleInstance::reopenRequested, &delegate, &AppDelegate::handleReopen);
-    QObject::connect(&tray, &TrayIcon::quitRequested, &app, &QApplication::quit);
+    QObject::connect(&tray, &TrayIcon::quitRequested, &quitGuard, &QuitGuard::requestQuit);
+    QObject::connect(&quitGuard, &QuitGuard::quitAccepted, &app, &QApplication::quit);
     QObject::connect(&tray, &TrayIcon::captureRequested, &capture,
         [&capture] { capture.engine().captureSelection(); });
     TerminationSignals terminationSignals;

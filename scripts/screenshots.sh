@@ -111,3 +111,26 @@ for appearance in light dark; do
     build-tests/tests/attachment_gallery "$out/attachments-$appearance.png" "$appearance"
     echo "wrote $out/attachments-$appearance.png"
 done
+
+# The line at the panel's foot while the library cannot be saved: its folder's
+# place is taken by a file.
+root=$(mktemp -d)
+mkdir -p "$root"/{data,config/Vesko,cache,state,runtime}
+chmod 700 "$root/runtime"
+touch "$root/blocked"
+printf '[General]\nappearance=light\nlibraryPath=%s\n' "$root/blocked/Library.json" \
+    >"$root/config/Vesko/Vesko.conf"
+XDG_DATA_HOME=$root/data XDG_CONFIG_HOME=$root/config XDG_CACHE_HOME=$root/cache \
+    XDG_STATE_HOME=$root/state XDG_RUNTIME_DIR=$root/runtime QT_QPA_PLATFORM=xcb \
+    build-tests/app/vesko &
+pid=$!
+xdotool search --sync --onlyvisible --name '^Vesko$' >/dev/null
+sleep 1
+xdotool type --delay 10 'A note that cannot be saved yet'
+xdotool key Return
+sleep 1.5
+build-tests/tests/screen_grab "$out/panel-not-saved.png" 896 100 380 600
+kill -TERM "$pid"
+wait "$pid" || true
+rm -rf "$root"
+echo "wrote $out/panel-not-saved.png"

@@ -5,20 +5,23 @@
 #include "panel/PanelController.h"
 #include "shell/Preferences.h"
 #include "shell/Theme.h"
+#include "store/Store.h"
 
 #include <QMenu>
 #include <QSystemTrayIcon>
 
 namespace Vesko {
 
-TrayIcon::TrayIcon(PanelController &panel, Preferences &preferences, QObject *parent)
+TrayIcon::TrayIcon(Store &store, PanelController &panel, Preferences &preferences, QObject *parent)
     : QObject(parent)
+    , m_store(store)
     , m_panel(panel)
     , m_preferences(preferences)
     , m_icon(new QSystemTrayIcon(Theme::applicationIcon(), this))
     , m_menu(new QMenu)
 {
-    m_icon->setToolTip(QStringLiteral("Vesko"));
+    refreshToolTip();
+    connect(&m_store, &Store::saveFailureChanged, this, &TrayIcon::refreshToolTip);
     m_icon->setContextMenu(m_menu);
     connect(m_menu, &QMenu::aboutToShow, this, &TrayIcon::rebuildMenu);
     connect(m_icon, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason r) {
@@ -33,6 +36,17 @@ TrayIcon::TrayIcon(PanelController &panel, Preferences &preferences, QObject *pa
 TrayIcon::~TrayIcon()
 {
     delete m_menu;
+}
+
+QString TrayIcon::toolTip() const
+{
+    return m_icon->toolTip();
+}
+
+void TrayIcon::refreshToolTip()
+{
+    const QString failure = m_store.saveFailure();
+    m_icon->setToolTip(failure.isEmpty() ? QStringLiteral("Vesko") : tr("Not saved: ") + failure);
 }
 
 void TrayIcon::applyVisibility()
