@@ -28,13 +28,19 @@ bool differsFromDefault(const QString &libraryPath)
 void move(Store &store, const QString &destination, QObject *context, MoveFinished finished)
 {
     // The move starts on the next turn of the event loop, so that the tab can
-    // show its progress line first; it reports on the turn after.
+    // show its progress line first. The Store copies the attachments in the
+    // background and tells the end.
     QPointer<Store> guardedStore(&store);
     QTimer::singleShot(0, context, [guardedStore, destination, context, finished] {
         if (!guardedStore)
             return;
-        const std::optional<QString> failure = guardedStore->moveLibrary(destination);
-        QTimer::singleShot(0, context, [finished, failure] { finished(failure); });
+        QObject::connect(
+            guardedStore.data(), &Store::libraryMoveFinished, context,
+            [finished](const QString &failure) {
+                finished(failure.isEmpty() ? std::nullopt : std::optional<QString>(failure));
+            },
+            Qt::SingleShotConnection);
+        guardedStore->moveLibrary(destination);
     });
 }
 
