@@ -17,8 +17,8 @@
 #include "shell/AppDelegate.h"
 #include "shell/DesktopCapture.h"
 #include "shell/Preferences.h"
-#include "shell/SettingsWindowController.h"
 #include "shell/QuitGuard.h"
+#include "shell/SettingsWindowController.h"
 #include "shell/SingleInstance.h"
 #include "shell/Theme.h"
 #include "shell/Toast.h"
@@ -91,8 +91,10 @@ int main(int argc, char *argv[])
     // The window is rebuilt in the new appearance once the palette has changed.
     QObject::connect(&preferences, &Preferences::appearanceAssigned, &settings,
         &SettingsWindowController::refreshAppearance, Qt::QueuedConnection);
-    // Quit Vesko asks first while the latest changes could not be saved.
+    // Quit Vesko, from the tray or the panel, asks first while the latest
+    // changes could not be saved.
     QuitGuard quitGuard(store);
+    quitGuard.serve(PanelCommands::shared());
 
     QObject::connect(
         &instance, &SingleInstance::reopenRequested, &delegate, &AppDelegate::handleReopen);

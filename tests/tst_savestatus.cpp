@@ -2,13 +2,16 @@
 //
 // What the user sees while the library cannot be saved, with a save that
 // really fails (the data folder's place is taken by a file): the line at the
-// foot of the panel, the tray icon's tool tip and the question before quitting.
+// foot of the panel, the tray icon's tool tip and the question before quitting,
+// from the tray and from the panel's own menu alike.
 
 #include "TestEnvironment.h"
 
 #include "attachments/AttachmentStore.h"
 #include "library/LibraryWriter.h"
+#include "panel/PanelCommands.h"
 #include "panel/PanelController.h"
+#include "panel/PanelMenus.h"
 #include "panel/PanelState.h"
 #include "panel/SaveStatusView.h"
 #include "search/SearchIndex.h"
@@ -19,6 +22,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -46,6 +50,22 @@ QPushButton *buttonTitled(QMessageBox *box, const QString &title)
     return nullptr;
 }
 
+//! Chooses "Quit Vesko" in the panel's overflow menu, as the user does.
+void quitFromThePanel(Store &store, Preferences &preferences)
+{
+    PanelState state;
+    QMenu menu;
+    fillOverflowMenu(menu, store, state, preferences);
+    for (QAction *action : menu.actions()) {
+        if (action->text() == QStringLiteral("Quit Vesko")) {
+            QCOMPARE(action->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Q));
+            action->trigger();
+            return;
+        }
+    }
+    QFAIL("no Quit Vesko in the panel's menu");
+}
+
 } // namespace
 
 class SaveStatusTest : public QObject
@@ -57,6 +77,7 @@ private Q_SLOTS:
     void cleanup();
     void panelLineAndTrayFollowTheSaves();
     void quitAsksWhileTheLastSaveFailed();
+    void panelQuitAsksUntilASaveSucceeds();
 
 private:
     // Edits the note; the save follows 0.35 seconds later.
@@ -169,6 +190,35 @@ void SaveStatusTest::quitAsksWhileTheLastSaveFailed()
         QTRY_VERIFY(!guard.question());
     }
     QCOMPARE(accepted.size(), 2); // Cancel kept the program; Quit Anyway ended it
+}
+
+void SaveStatusTest::panelQuitAsksUntilASaveSucceeds()
+{
+    QuitGuard guard(*m_store);
+    guard.serve(PanelCommands::shared());
+    QSignalSpy accepted(&guard, &QuitGuard::quitAccepted);
+
+    blockSaves(true);
+    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("^Save failed: ")));
+    edit(QStringLiteral("unsaved"));
+    QTRY_VERIFY(!m_store->saveFailure().isEmpty());
+
+    quitFromThePanel(*m_store, *m_preferences);
+    QVERIFY(guard.question());
+    QTRY_VERIFY(guard.question()->isVisible());
+    QCOMPARE(accepted.size(), 0);
+
+    // The disk takes the retry: the question goes, and the quit that was
+    // asked for goes ahead.
+    blockSaves(false);
+    QTRY_VERIFY_WITH_TIMEOUT(m_store->saveFailure().isEmpty(), Store::saveRetryMilliseconds + 2000);
+    QTRY_VERIFY(!guard.question());
+    QCOMPARE(accepted.size(), 1);
+
+    // Saved: the next quit asks nothing.
+    quitFromThePanel(*m_store, *m_preferences);
+    QVERIFY(!guard.question());
+    QCOMPARE(accepted.size(), 2);
 }
 
 int main(int argc, char *argv[])

@@ -2,6 +2,7 @@
 
 #include "shell/QuitGuard.h"
 
+#include "panel/PanelCommands.h"
 #include "store/Store.h"
 
 #include <QMessageBox>
@@ -12,11 +13,24 @@ namespace Vesko {
 QuitGuard::QuitGuard(Store &store, QObject *parent)
     : QObject(parent)
     , m_store(store)
-{ }
+{
+    connect(&m_store, &Store::saveFailureChanged, this, &QuitGuard::followSaveFailure);
+}
 
 QuitGuard::~QuitGuard()
 {
     delete m_question;
+}
+
+void QuitGuard::serve(PanelCommands &commands)
+{
+    PanelCommands::Hooks hooks = commands.hooks();
+    QPointer<QuitGuard> guard(this);
+    hooks.quit = [guard] {
+        if (guard)
+            guard->requestQuit();
+    };
+    commands.setHooks(hooks);
 }
 
 void QuitGuard::requestQuit()
@@ -44,6 +58,19 @@ void QuitGuard::requestQuit()
             Q_EMIT quitAccepted();
     });
     m_question->open();
+}
+
+void QuitGuard::followSaveFailure()
+{
+    if (!m_question)
+        return;
+    if (!m_store.saveFailure().isEmpty()) {
+        // Still failing, perhaps for another reason: the question says the latest.
+        m_question->setInformativeText(m_store.saveFailure());
+        return;
+    }
+    m_question->close();
+    Q_EMIT quitAccepted();
 }
 
 } // namespace Vesko

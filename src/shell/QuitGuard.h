@@ -2,7 +2,9 @@
 //
 // "Quit Vesko" while the latest changes could not be saved asks first, so that
 // they are not given up unseen. At any other time the quit goes ahead at once.
-// The question is a window of its own: nothing waits for the answer.
+// Every quit the user chooses (the tray menu, the panel's menu and its Ctrl+Q)
+// comes through requestQuit(). The question is a window of its own: nothing
+// waits for the answer, and it goes by itself once a later save succeeds.
 
 #pragma once
 
@@ -12,6 +14,7 @@
 
 namespace Vesko {
 
+class PanelCommands;
 class Store;
 
 class QuitGuard : public QObject
@@ -24,6 +27,8 @@ public:
 
     //! Quits at once, or asks first while the last save failed.
     void requestQuit();
+    //! Makes the panel's "Quit Vesko" come here.
+    void serve(PanelCommands &commands);
     //! The question on screen, if any.
     QMessageBox *question() const { return m_question; }
 
@@ -32,6 +37,10 @@ Q_SIGNALS:
     void quitAccepted();
 
 private:
+    //! A save succeeded while the question was open: nothing is left to
+    //! lose, so the quit that was asked for goes ahead.
+    void followSaveFailure();
+
     Store &m_store;
     QPointer<QMessageBox> m_question;
 };
