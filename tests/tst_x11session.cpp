@@ -4,13 +4,17 @@
 // (tests/x-session.sh), against other programs: the primary selection of a
 // process, answered on the event loop and only by the answer to the request
 // made (a UTF-8 answer that comes too late is never read as the Latin-1
-// one), large selections piecewise (xclip); Ctrl+C into a window while the
-// user holds modifiers, which are let go for the copy and held again after.
+// one, a late refusal never taken for the next request's), large selections
+// piecewise (xclip); Ctrl+C into a window while the user holds modifiers,
+// which are let go for the copy and held again after, or Vesko's own capture
+// hot key, whose grab would take the copy.
 
 #include "ProgramSession.h"
 #include "TestEnvironment.h"
 
+#include "platform/KeyMonitor.h"
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11Session.h"
 
 #include <QProcess>
@@ -129,8 +133,10 @@ void X11SessionTest::primaryOfTheFrontProcessOnly()
 void X11SessionTest::onlyTheAnswerAskedFor_data()
 {
     // The owner answers UTF8_STRING and STRING after these delays (ms); -1
-    // never answers, "refuses" does not offer the target. Each answer is
-    // awaited a quarter of a second.
+    // never answers, "refuses" does not offer the target, "refuse@N" refuses
+    // after N ms stamped CurrentTime; a list gives one delay per request.
+    // Each answer is awaited a quarter of a second. "read" lists what each of
+    // the reads, one after the other, gives.
     QTest::addColumn<QString>("utf8");
     QTest::addColumn<QString>("latin1");
     QTest::addColumn<QString>("read");
@@ -149,6 +155,11 @@ void X11SessionTest::onlyTheAnswerAskedFor_data()
     QTest::newRow("neither in time") << "-1"
                                      << "400"
                                      << "none";
+    // The first read's UTF-8 request gives up; its refusal comes while the
+    // second read's UTF-8 request waits for its own answer.
+    QTest::newRow("late refusal of an abandoned request") << "refuse@300,100"
+                                                          << "0"
+                                                          << "latin1 utf8";
 }
 
 void X11SessionTest::onlyTheAnswerAskedFor()
@@ -165,11 +176,13 @@ void X11SessionTest::onlyTheAnswerAskedFor()
     QProcess owner;
     QVERIFY(startOwner(owner, QStringLiteral(SELECTION_OWNER_PATH), arguments));
     X11Session session;
-    const std::optional<QString> text = readPrimary(session, owner.processId());
-    if (read == u"none")
-        QCOMPARE(text, std::nullopt);
-    else
-        QCOMPARE(text, read == u"utf8" ? utf8Text : latin1Text);
+    for (const QString &expected : read.split(u' ')) {
+        const std::optional<QString> text = readPrimary(session, owner.processId());
+        if (expected == u"none")
+            QCOMPARE(text, std::nullopt);
+        else
+            QCOMPARE(text, expected == u"utf8" ? utf8Text : latin1Text);
+    }
     stop(owner);
 }
 

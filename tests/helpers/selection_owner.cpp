@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// selection_owner SELECTION [TARGET DELAY_MS TEXT]...: another program
+// selection_owner SELECTION [TARGET DELAYS TEXT]...: another program
 // holding a selection (PRIMARY or CLIPBOARD) that answers each target after
-// its own delay, or never when the delay is negative. TEXT goes out as UTF-8
-// for UTF8_STRING and as Latin-1 for STRING. Targets not listed are refused.
-// Prints "owned" once it holds the selection; runs until killed.
+// its own delay, or never when the delay is negative. DELAYS may list one
+// delay per request, separated by commas, the last one for the rest; a delay
+// written "refuse@N" refuses after N ms, stamped CurrentTime, as some owners
+// do. TEXT goes out as UTF-8 for UTF8_STRING and as Latin-1 for STRING.
+// Targets not listed are refused. Prints "owned" once it holds the
+// selection; runs until killed.
 
 #include <xcb/xcb.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -20,11 +24,25 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+struct Behaviour
+{
+    int delay = 0;
+    bool refuses = false;
+};
+
 struct Offer
 {
     xcb_atom_t target;
-    int delay;
+    std::vector<Behaviour> behaviours;
     std::string bytes;
+    size_t requests = 0;
+
+    //! What the next request of this target gets.
+    Behaviour next()
+    {
+        const size_t at = std::min(requests++, behaviours.size() - 1);
+        return behaviours[at];
+    }
 };
 
 struct Answer
@@ -32,7 +50,27 @@ struct Answer
     Clock::time_point due;
     xcb_selection_request_event_t request;
     const Offer *offer;
+    bool refuses;
 };
+
+std::vector<Behaviour> parseBehaviours(const std::string &text)
+{
+    std::vector<Behaviour> behaviours;
+    size_t start = 0;
+    while (start <= text.size()) {
+        const size_t comma = std::min(text.find(',', start), text.size());
+        std::string item = text.substr(start, comma - start);
+        Behaviour behaviour;
+        if (item.rfind("refuse@", 0) == 0) {
+            behaviour.refuses = true;
+            item = item.substr(7);
+        }
+        behaviour.delay = std::atoi(item.c_str());
+        behaviours.push_back(behaviour);
+        start = comma + 1;
+    }
+    return behaviours;
+}
 
 xcb_atom_t atom(xcb_connection_t *c, const char *name)
 {
@@ -60,11 +98,12 @@ std::string latin1(const std::string &utf8)
     return out;
 }
 
-void notify(xcb_connection_t *c, const xcb_selection_request_event_t &request, xcb_atom_t property)
+void notify(xcb_connection_t *c, const xcb_selection_request_event_t &request, xcb_atom_t property,
+    xcb_timestamp_t time)
 {
     xcb_selection_notify_event_t event = {};
     event.response_type = XCB_SELECTION_NOTIFY;
-    event.time = request.time;
+    event.time = time;
     event.requestor = request.requestor;
     event.selection = request.selection;
     event.target = request.target;
@@ -90,8 +129,8 @@ int main(int argc, char *argv[])
     for (int i = 2; i + 2 < argc; i += 3) {
         const xcb_atom_t target = atom(c, argv[i]);
         const std::string text = argv[i + 2];
-        offers.push_back(
-            {target, std::atoi(argv[i + 1]), target == XCB_ATOM_STRING ? latin1(text) : text});
+        offers.push_back({target, parseBehaviours(argv[i + 1]),
+            target == XCB_ATOM_STRING ? latin1(text) : text});
     }
     const xcb_window_t window = xcb_generate_id(c);
     xcb_create_window(c, XCB_COPY_FROM_PARENT, window, root, 0, 0, 1, 1, 0,
@@ -118,16 +157,21 @@ int main(int argc, char *argv[])
                 continue;
             }
             const xcb_selection_request_event_t &request = it->request;
-            xcb_change_property(c, XCB_PROP_MODE_REPLACE, request.requestor, request.property,
-                it->offer->target, 8, uint32_t(it->offer->bytes.size()), it->offer->bytes.data());
-            notify(c, request, request.property);
+            if (it->refuses) {
+                notify(c, request, XCB_ATOM_NONE, XCB_CURRENT_TIME);
+            } else {
+                xcb_change_property(c, XCB_PROP_MODE_REPLACE, request.requestor, request.property,
+                    it->offer->target, 8, uint32_t(it->offer->bytes.size()),
+                    it->offer->bytes.data());
+                notify(c, request, request.property, request.time);
+            }
             it = pending.erase(it);
         }
         while (xcb_generic_event_t *event = xcb_poll_for_event(c)) {
             if ((event->response_type & 0x7F) == XCB_SELECTION_REQUEST) {
                 const auto request = *reinterpret_cast<xcb_selection_request_event_t *>(event);
-                const Offer *offer = nullptr;
-                for (const Offer &candidate : offers) {
+                Offer *offer = nullptr;
+                for (Offer &candidate : offers) {
                     if (candidate.target == request.target)
                         offer = &candidate;
                 }
@@ -137,12 +181,12 @@ int main(int argc, char *argv[])
                         list.push_back(candidate.target);
                     xcb_change_property(c, XCB_PROP_MODE_REPLACE, request.requestor,
                         request.property, XCB_ATOM_ATOM, 32, uint32_t(list.size()), list.data());
-                    notify(c, request, request.property);
+                    notify(c, request, request.property, request.time);
                 } else if (!offer) {
-                    notify(c, request, XCB_ATOM_NONE);
-                } else if (offer->delay >= 0) {
-                    pending.push_back(
-                        {Clock::now() + std::chrono::milliseconds(offer->delay), request, offer});
+                    notify(c, request, XCB_ATOM_NONE, request.time);
+                } else if (const Behaviour behaviour = offer->next(); behaviour.delay >= 0) {
+                    pending.push_back({Clock::now() + std::chrono::milliseconds(behaviour.delay),
+                        request, offer, behaviour.refuses});
                 }
             }
             std::free(event);

@@ -175,13 +175,17 @@ bool X11SelectionConverter::handleEvent(xcb_generic_event_t *event)
     auto *notify = reinterpret_cast<xcb_selection_notify_event_t *>(event);
     if (notify->requestor != m_window)
         return false;
-    // The answer to the request under way, and to no other: an owner echoes
-    // the request's time (some send CurrentTime, which the property and
-    // target still tie to this request).
-    const bool current = m_stage == Stage::Converting && notify->selection == m_current.selection
-        && notify->target == m_current.target
-        && (notify->property == m_property || notify->property == XCB_ATOM_NONE)
-        && (notify->time == m_time || notify->time == XCB_CURRENT_TIME);
+    // The answer to the request under way, and to no other. Owners echo the
+    // request's time; an answer stamped CurrentTime is tied to this request
+    // only by its property, which no earlier request used. A refusal
+    // (property None) without the request's time could answer any earlier
+    // request for the same selection and target.
+    const bool sameRequest = m_stage == Stage::Converting
+        && notify->selection == m_current.selection && notify->target == m_current.target;
+    const bool current = sameRequest
+        && (notify->time == m_time
+                ? (notify->property == m_property || notify->property == XCB_ATOM_NONE)
+                : (notify->time == XCB_CURRENT_TIME && notify->property == m_property));
     if (!current) {
         if (notify->property != XCB_ATOM_NONE && notify->property != m_property)
             xcb_delete_property(m_connection.get(), m_window, notify->property);

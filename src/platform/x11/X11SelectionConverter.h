@@ -4,8 +4,9 @@
 // target, without ever waiting on the main thread. Each conversion takes a
 // server timestamp, asks with ConvertSelection into a property of its own on
 // a window of its own, and accepts only the SelectionNotify that answers it:
-// same selection, target and property, same time. A late answer to an
-// earlier request, which gave up waiting, is thrown away. Large content
+// same selection and target, and the request's time or (stamped CurrentTime)
+// the request's own property. A late answer or refusal of an earlier
+// request, which gave up waiting, is thrown away. Large content
 // arrives piecewise (INCR). Conversions run one at a time, in the order asked;
 // each ends with the content, or with nothing when the owner refuses, is
 // gone, or is silent longer than the conversion's bound.
