@@ -37,6 +37,9 @@ public:
 
     //! The server reports repeats as presses without releases between.
     bool hasDetectableAutoRepeat() const { return m_detectableAutoRepeat; }
+    //! The connection that holds the grabs; a held combination's key keeps
+    //! the keyboard grabbed by it until the key goes up. Null when unavailable.
+    X11Connection *connection() const { return m_connection.get(); }
 
 private:
     struct Grab

@@ -24,7 +24,9 @@ class X11SyntheticKeys;
 class X11Session : public DesktopSession
 {
 public:
-    X11Session();
+    //! \a hotKeys is the connection whose key grabs may hold the keyboard
+    //! while a hot key is down (see X11SyntheticKeys), if any.
+    explicit X11Session(X11Connection *hotKeys = nullptr);
     ~X11Session() override;
 
     //! The session is an X11 one, with an X server that has XInput 2, XTEST
