@@ -3,7 +3,7 @@
 // What each way of adding an attachment tells the user, with real files and
 // a real Store; the dialog, the clipboard, the file manager and the toast
 // are stand-ins that record what they were asked. Also the choice of what to
-// read from the clipboard.
+// read from the clipboard, and files added while the library moves.
 
 #include "TestEnvironment.h"
 
@@ -17,6 +17,7 @@
 #include "store/Store.h"
 
 #include <QDir>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 
 using namespace Vesko;
@@ -86,6 +87,8 @@ private Q_SLOTS:
     void cancelledDialogDoesNothing();
     void sameNameTwiceOpensBoth();
     void newNoteImportGivesRecords();
+    void addedDuringAMoveGoToTheNewFolder_data();
+    void addedDuringAMoveGoToTheNewFolder();
     void formatsToRead_data();
     void formatsToRead();
     void localFilesOfUriList_data();
@@ -291,6 +294,73 @@ void AttachmentActionsTest::newNoteImportGivesRecords()
     QVERIFY(!answer->has_value());
     QCOMPARE(m_feedback.toasts.size(), 1);
     QCOMPARE(m_feedback.toasts.first().message, QStringLiteral("Could Not Add Attachment"));
+}
+
+void AttachmentActionsTest::addedDuringAMoveGoToTheNewFolder_data()
+{
+    QTest::addColumn<QString>("entry");
+    QTest::newRow("dropped on a note") << "drop";
+    QTest::newRow("file pasted into a note") << "paste file";
+    QTest::newRow("image pasted into a note") << "paste image";
+    QTest::newRow("file of a new note") << "new note";
+}
+
+void AttachmentActionsTest::addedDuringAMoveGoToTheNewFolder()
+{
+    QFETCH(QString, entry);
+    // Enough for the move to take a while: it copies these first.
+    const QString oldFolder = m_store->currentAttachmentsFolder();
+    QDir().mkpath(oldFolder + QStringLiteral("/Earlier"));
+    QFile large(oldFolder + QStringLiteral("/Earlier/large.bin"));
+    QVERIFY(large.open(QIODevice::WriteOnly));
+    for (int i = 0; i < 32; ++i)
+        large.write(QByteArray(1024 * 1024, char('a' + i % 26)));
+    large.close();
+    const QString source = makeSource(QStringLiteral("added.txt"));
+    const QByteArray png("\x89PNG pasted during the move");
+    m_pasteboard.content.fileURLs = {};
+    if (entry == u"paste file")
+        m_pasteboard.content.fileURLs = {QUrl::fromLocalFile(source)};
+    else if (entry == u"paste image")
+        m_pasteboard.content.png = png;
+
+    const QString destination = m_scratch->filePath(QStringLiteral("Moved"));
+    QDir().mkpath(destination);
+    QSignalSpy finished(m_store.get(), &Store::libraryMoveFinished);
+    m_store->moveLibrary(destination);
+    QVERIFY(m_store->isMovingLibrary());
+
+    std::optional<QList<NoteAttachment>> records;
+    if (entry == u"drop") {
+        QVERIFY(m_actions->dropFiles({QUrl::fromLocalFile(source)}, m_noteID));
+    } else if (entry == u"new note") {
+        m_actions->importForNewNote({QUrl::fromLocalFile(source)},
+            [&](const std::optional<QList<NoteAttachment>> &answer) { records = answer; });
+    } else {
+        m_actions->pasteIntoNote(m_noteID);
+    }
+    QVERIFY(finished.wait(30000));
+    QCOMPARE(finished.first().first().toString(), QString());
+    if (entry == u"new note") {
+        QVERIFY(QTest::qWaitFor([&] { return records.has_value(); }, 10000));
+    } else {
+        QVERIFY(QTest::qWaitFor(
+            [&] { return !m_store->note(m_noteID)->attachments.isEmpty(); }, 10000));
+        records = m_store->note(m_noteID)->attachments;
+    }
+    m_files->waitForIdle(); // the old folder goes in the background
+
+    const QString newFolder = destination + QStringLiteral("/Attachments");
+    QCOMPARE(m_store->currentAttachmentsFolder(), newFolder);
+    QVERIFY(!QFileInfo::exists(oldFolder));
+    QCOMPARE(records->size(), 1);
+    const std::optional<QString> path
+        = AttachmentStore::fileInside(newFolder, records->first().storedFileName);
+    QVERIFY(path);
+    QFile file(*path);
+    QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(*path));
+    QCOMPARE(file.readAll(), entry == u"paste image" ? png : QByteArray("added.txt"));
+    QVERIFY(m_feedback.toasts.isEmpty() || entry == u"drop");
 }
 
 void AttachmentActionsTest::formatsToRead_data()

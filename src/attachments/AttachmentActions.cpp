@@ -2,7 +2,6 @@
 
 #include "attachments/AttachmentActions.h"
 
-#include "library/LibraryFile.h"
 #include "platform/DesktopFiles.h"
 #include "platform/FileChooser.h"
 #include "platform/Logging.h"
@@ -39,7 +38,7 @@ AttachmentActions::~AttachmentActions() = default;
 
 QString AttachmentActions::attachmentsFolder() const
 {
-    return Vesko::attachmentsFolder(libraryURL());
+    return m_store.currentAttachmentsFolder();
 }
 
 std::optional<QString> AttachmentActions::filePath(const NoteAttachment &attachment) const
@@ -68,14 +67,18 @@ void AttachmentActions::pasteAttachments(std::function<void(const ImportResult &
     m_pasteboard.readPasteboard([guard, done = std::move(done)](const PasteboardContent &content) {
         if (!guard)
             return;
-        if (!content.fileURLs.isEmpty())
-            guard->m_files.importFiles(
-                content.fileURLs, guard->attachmentsFolder(), guard.data(), done);
-        else if (!content.png.isEmpty())
-            guard->m_files.writePastedImage(
-                content.png, guard->attachmentsFolder(), guard.data(), done);
-        else
+        if (content.fileURLs.isEmpty() && content.png.isEmpty()) {
             done(ImportResult {});
+            return;
+        }
+        // During a move of the library the files wait for its end.
+        guard->m_store.whenAttachmentsFolderSettled(
+            guard.data(), [guard, content, done](const QString &folder) {
+                if (!content.fileURLs.isEmpty())
+                    guard->m_files.importFiles(content.fileURLs, folder, guard.data(), done);
+                else
+                    guard->m_files.writePastedImage(content.png, folder, guard.data(), done);
+            });
     });
 }
 
@@ -128,13 +131,15 @@ bool AttachmentActions::dropFiles(const QList<QUrl> &files, const QUuid &noteID)
 void AttachmentActions::importForNewNote(const QList<QUrl> &files,
     std::function<void(const std::optional<QList<NoteAttachment>> &attachments)> done)
 {
-    m_files.importFiles(files, attachmentsFolder(), this,
-        [this, done = std::move(done)](const ImportResult &result) {
-            logFailure(result);
-            if (!result.succeeded())
-                toastAddFailed();
-            if (done)
-                done(result.succeeded() ? std::optional(result.attachments) : std::nullopt);
+    m_store.whenAttachmentsFolderSettled(
+        this, [this, files, done = std::move(done)](const QString &folder) {
+            m_files.importFiles(files, folder, this, [this, done](const ImportResult &result) {
+                logFailure(result);
+                if (!result.succeeded())
+                    toastAddFailed();
+                if (done)
+                    done(result.succeeded() ? std::optional(result.attachments) : std::nullopt);
+            });
         });
 }
 

@@ -49,9 +49,13 @@ void installAttachmentCommands(PanelCommands &commands)
         = [](const QList<QUrl> &urls,
               std::function<void(const QList<NoteAttachment> &, const QString &)> done) {
               AttachmentActions &actions = attachmentActions();
-              AttachmentStore::shared().importFiles(urls, actions.attachmentsFolder(), &actions,
-                  [done = std::move(done)](const ImportResult &result) {
-                      done(result.attachments, result.error.value_or(QString()));
+              // During a move of the library the files wait for its end.
+              Store::shared().whenAttachmentsFolderSettled(
+                  &actions, [urls, &actions, done = std::move(done)](const QString &folder) {
+                      AttachmentStore::shared().importFiles(
+                          urls, folder, &actions, [done](const ImportResult &result) {
+                              done(result.attachments, result.error.value_or(QString()));
+                          });
                   });
           };
     commands.setHooks(hooks);

@@ -470,12 +470,15 @@ void Store::addAttachments(const QList<NoteAttachment> &attachments, const QUuid
 void Store::importAttachments(
     const QList<QUrl> &sources, const QUuid &noteID, std::function<void(ImportResult)> done)
 {
-    m_attachments.importFiles(sources, attachmentsFolder(libraryURL()), this,
-        [this, noteID, done = std::move(done)](const ImportResult &result) {
-            if (result.succeeded())
-                addAttachments(result.attachments, noteID);
-            if (done)
-                done(result);
+    whenAttachmentsFolderSettled(
+        this, [this, sources, noteID, done = std::move(done)](const QString &folder) {
+            m_attachments.importFiles(
+                sources, folder, this, [this, noteID, done](const ImportResult &result) {
+                    if (result.succeeded())
+                        addAttachments(result.attachments, noteID);
+                    if (done)
+                        done(result);
+                });
         });
 }
 

@@ -16,6 +16,7 @@
 #include "store/PanelRow.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QSet>
 #include <QTimer>
 
@@ -203,8 +204,17 @@ public:
     //! Copies the files of \a sources into the attachments folder on the
     //! importer thread, then attaches them to the note; when the note is gone
     //! by then, the copies are deleted again. \a done learns the outcome.
+    //! While the library is being moved the copy waits for the move's end.
     void importAttachments(const QList<QUrl> &sources, const QUuid &noteID,
         std::function<void(ImportResult)> done = {});
+    //! The "Attachments" folder beside the library file in use.
+    QString currentAttachmentsFolder() const;
+    //! Hands \a job the folder that new attachment files go into: at once, or,
+    //! while the library is being moved, once the move has ended, with the
+    //! folder of the file in use then. Nothing new lands in a folder that the
+    //! move copies and removes. The job is dropped when \a context has gone.
+    void whenAttachmentsFolderSettled(
+        QObject *context, std::function<void(const QString &folder)> job);
 
     //! The note to select after removing \a ids: the next visible survivor,
     //! else the nearest one above, else nothing.
@@ -355,6 +365,8 @@ private:
     QString m_saveFailure;
     QTimer m_saveRetryTimer;
     bool m_isMovingLibrary = false;
+    //! New attachment files that wait for the move to end.
+    QList<std::pair<QPointer<QObject>, std::function<void(const QString &)>>> m_jobsAfterMove;
 
     //! The library as last announced by libraryChanged().
     Library m_announcedLibrary;

@@ -4,7 +4,9 @@
 // importer's thread; the file is written on the writer's thread behind every
 // save queued before, and read back there; only then does the Store go on
 // with the file in its new place and let the old one go. The interface never
-// waits for any of it, and the end is told by libraryMoveFinished().
+// waits for any of it, and the end is told by libraryMoveFinished(). New
+// attachment files wait for the end, so that none lands in the old folder
+// after its copy.
 
 #include "store/Store.h"
 
@@ -92,7 +94,29 @@ void Store::finishLibraryMove(const QString &failure)
 {
     m_isMovingLibrary = false;
     Q_EMIT isMovingLibraryChanged();
+    // What waited goes to the folder in use now: the new one, or after a
+    // failure the old one, which stays.
+    const QString folder = currentAttachmentsFolder();
+    const auto waiting = std::exchange(m_jobsAfterMove, {});
+    for (const auto &[context, job] : waiting) {
+        if (context)
+            job(folder);
+    }
     Q_EMIT libraryMoveFinished(failure);
+}
+
+QString Store::currentAttachmentsFolder() const
+{
+    return attachmentsFolder(libraryFile());
+}
+
+void Store::whenAttachmentsFolderSettled(
+    QObject *context, std::function<void(const QString &folder)> job)
+{
+    if (m_isMovingLibrary)
+        m_jobsAfterMove.append({QPointer<QObject>(context), std::move(job)});
+    else
+        job(currentAttachmentsFolder());
 }
 
 } // namespace Vesko
