@@ -109,6 +109,8 @@ private Q_SLOTS:
     void firstWriteMakesNoBackup();
     void sevenSavesKeepFiveBackups();
     void foreignBackupEntriesTakePart();
+    void failedWritesBackUpEachStateOnce_data();
+    void failedWritesBackUpEachStateOnce();
     void filesArePrivateWhateverTheUmask();
     void backupsArePrivateCopies_data();
     void backupsArePrivateCopies();
@@ -331,6 +333,44 @@ void LibraryFileTest::foreignBackupEntriesTakePart()
     QCOMPARE(names.size(), 5);
     QVERIFY(names.contains(QStringLiteral(".hidden-new"))); // newest by date
     QVERIFY(!names.contains(QStringLiteral("old notes.txt"))); // oldest, rotated out
+}
+
+void LibraryFileTest::failedWritesBackUpEachStateOnce_data()
+{
+    // Between the failed writes, the file is left alone or changed from outside.
+    QTest::addColumn<bool>("changedBetween");
+    QTest::addColumn<int>("backups");
+    QTest::newRow("left alone") << false << 1;
+    QTest::newRow("changed each time") << true << 3;
+}
+
+void LibraryFileTest::failedWritesBackUpEachStateOnce()
+{
+    QFETCH(bool, changedBetween);
+    QFETCH(int, backups);
+    // A name the file system takes, but not with the temporary file's
+    // prefix and suffix added: every write fails after its backup.
+    const QString path = m_folder + u'/' + QString(220, u'n') + QStringLiteral(".json");
+    QList<QByteArray> states;
+    for (int i = 0; i < 3; ++i) {
+        if (i == 0 || changedBetween) {
+            states.append(encodeLibrary(libraryNamed(QStringLiteral("state %1").arg(i))));
+            writeFile(path, states.last());
+            setModified(path, 1700000000 + i * 10);
+        }
+        const std::optional<QString> failure
+            = writeLibrary(libraryNamed(QStringLiteral("new")), path);
+        QVERIFY(failure);
+        QVERIFY2(failure->contains(QStringLiteral("File name too long")), qPrintable(*failure));
+        QCOMPARE(readFile(path), states.last());
+    }
+    const QString folder = backupsFolder(path);
+    QList<QByteArray> kept;
+    for (const QString &name : entries(folder))
+        kept.append(readFile(folder + u'/' + name));
+    QCOMPARE(kept.size(), backups);
+    for (const QByteArray &state : std::as_const(states))
+        QCOMPARE(kept.count(state), 1);
 }
 
 void LibraryFileTest::filesArePrivateWhateverTheUmask()

@@ -200,38 +200,55 @@ void backUpLibraryFile(const QString &path)
     if (!FileSystem::exists(path))
         return;
 
-    const QString folder = backupsFolder(path);
-    const QString name = QStringLiteral("Library-%1-%2.json")
-                             .arg(fileNameStamp(currentDate()), uuidText(makeID()).left(6));
-    FileSystem::makePath(folder);
-    // A copy of its own, private whatever the file's permissions, dated by the
-    // save that produced its content. It need not reach the disk before the
-    // write goes on: the write itself is flushed.
-    FileSystem::CopyOptions options;
-    options.durability = FileSystem::Durability::Cached;
-    FileSystem::copyFileKeepingDate(path, QDir(folder).filePath(name), options);
-
     // Every entry of the folder takes part, whatever its name; one whose date
-    // cannot be read counts as the oldest.
+    // cannot be read counts as the oldest. Newest first.
     struct Entry
     {
         QString path;
         timespec modified;
     };
-    std::vector<Entry> entries;
-    const QDir dir(folder);
-    const QStringList names
-        = dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    for (const QString &entryName : names) {
-        const QString entryPath = dir.filePath(entryName);
-        entries.push_back(
-            {entryPath, FileSystem::modificationTime(entryPath).value_or(timespec {0, 0})});
+    const QString folder = backupsFolder(path);
+    auto listBackups = [&folder] {
+        std::vector<Entry> entries;
+        const QDir dir(folder);
+        const QStringList names
+            = dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+        for (const QString &entryName : names) {
+            const QString entryPath = dir.filePath(entryName);
+            entries.push_back(
+                {entryPath, FileSystem::modificationTime(entryPath).value_or(timespec {0, 0})});
+        }
+        std::stable_sort(entries.begin(), entries.end(), [](const Entry &a, const Entry &b) {
+            if (a.modified.tv_sec != b.modified.tv_sec)
+                return a.modified.tv_sec > b.modified.tv_sec;
+            return a.modified.tv_nsec > b.modified.tv_nsec;
+        });
+        return entries;
+    };
+    std::vector<Entry> entries = listBackups();
+
+    // A backup carries the date of the file it copies: when the newest one has
+    // the file's size and date, this content is kept already. A write that
+    // failed, and the retries after it, leave the file as it was, and each
+    // would otherwise push a distinct older backup out for another copy of it.
+    const std::optional<timespec> modified = FileSystem::modificationTime(path);
+    const bool keptAlready = modified && !entries.empty()
+        && entries.front().modified.tv_sec == modified->tv_sec
+        && entries.front().modified.tv_nsec == modified->tv_nsec
+        && QFileInfo(entries.front().path).size() == QFileInfo(path).size();
+    if (!keptAlready) {
+        const QString name = QStringLiteral("Library-%1-%2.json")
+                                 .arg(fileNameStamp(currentDate()), uuidText(makeID()).left(6));
+        FileSystem::makePath(folder);
+        // A copy of its own, private whatever the file's permissions, dated by
+        // the save that produced its content. It need not reach the disk
+        // before the write goes on: the write itself is flushed.
+        FileSystem::CopyOptions options;
+        options.durability = FileSystem::Durability::Cached;
+        FileSystem::copyFileKeepingDate(path, QDir(folder).filePath(name), options);
+        entries = listBackups();
     }
-    std::stable_sort(entries.begin(), entries.end(), [](const Entry &a, const Entry &b) {
-        if (a.modified.tv_sec != b.modified.tv_sec)
-            return a.modified.tv_sec > b.modified.tv_sec;
-        return a.modified.tv_nsec > b.modified.tv_nsec;
-    });
+
     for (size_t i = libraryBackupCount; i < entries.size(); ++i) {
         const QFileInfo info(entries[i].path);
         if (info.isDir() && !info.isSymLink())

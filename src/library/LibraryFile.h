@@ -54,7 +54,8 @@ std::optional<Library> readLibraryFile(const QString &path, QString *error);
 void setAsideUnreadableLibrary(const QString &path);
 
 //! Copies the file at \a path into "Library Backups", a private copy (0600)
-//! keeping its date, and keeps the newest five entries of that folder. Never fails.
+//! keeping its date, unless the newest backup has the file's size and date
+//! already, and keeps the newest five entries of that folder. Never fails.
 void backUpLibraryFile(const QString &path);
 
 //! Writes \a library to \a path: backup, encode, a private temporary file

@@ -208,21 +208,25 @@ void Store::commit()
 void Store::saveNow()
 {
     const Library library = std::exchange(m_pendingSave, Library {});
+    ++m_savesInFlight;
     m_writer.write(library, m_pendingSavePath, this,
         [this](std::optional<QString> failure) { noteSaveResult(failure); });
 }
 
 void Store::retrySave()
 {
-    // A scheduled save writes a state at least as new, and reports itself.
-    if (m_saveTimer.isActive())
+    // A scheduled save writes a state at least as new, and reports itself; so
+    // does a write still on its way, whose failure starts the next retry.
+    if (m_saveTimer.isActive() || m_savesInFlight > 0)
         return;
+    ++m_savesInFlight;
     m_writer.write(m_library, libraryFile(), this,
         [this](std::optional<QString> failure) { noteSaveResult(failure); });
 }
 
 void Store::noteSaveResult(const std::optional<QString> &failure)
 {
+    --m_savesInFlight;
     // Writes end in the order they were queued, so the last result stands.
     if (failure) {
         qCCritical(lcStorage, "Save failed: %s", qUtf8Printable(*failure));

@@ -364,6 +364,8 @@ private:
     QString m_pendingSavePath;
     QString m_saveFailure;
     QTimer m_saveRetryTimer;
+    //! Writes of saves and retries queued and not answered yet.
+    int m_savesInFlight = 0;
     bool m_isMovingLibrary = false;
     //! New attachment files that wait for the move to end.
     QList<std::pair<QPointer<QObject>, std::function<void(const QString &)>>> m_jobsAfterMove;
