@@ -40,26 +40,37 @@ int main(int argc, char *argv[])
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(Theme::applicationIcon());
 
-    // One process runs; a later launch hands it "reopen" and ends.
-    SingleInstance instance;
-    switch (instance.claim()) {
-    case SingleInstance::Claim::HeldElsewhere:
-        if (!instance.forwardReopen())
-            qCWarning(lcStorage, "Vesko runs already, but did not answer");
-        return 0;
-    case SingleInstance::Claim::Failed:
+    // One process runs per library file; a later launch hands it "reopen"
+    // and ends. The preferences say which file that is; nothing else is read.
+    Preferences &preferences = Preferences::shared();
+    SingleInstance instance(preferences.libraryURL());
+    SingleInstance::Claim claim = instance.claim();
+    if (claim == SingleInstance::Claim::HeldElsewhere) {
+        if (instance.forwardReopen())
+            return 0;
+        // No answer: the running process may be ending just now, and its lock with it.
+        claim = instance.claimWithin(SingleInstance::handOverMilliseconds);
+        if (claim == SingleInstance::Claim::HeldElsewhere) {
+            qCWarning(lcStorage, "Vesko runs already, but does not answer");
+            return 1;
+        }
+    }
+    if (claim == SingleInstance::Claim::Failed) {
         qCWarning(lcStorage, "Cannot make sure that Vesko runs once: %s",
             qUtf8Printable(instance.failure()));
-        break;
-    case SingleInstance::Claim::Acquired:
-        if (const std::optional<QString> failure = instance.listen())
-            qCWarning(lcStorage, "Cannot accept other launches: %s", qUtf8Printable(*failure));
-        break;
+    } else if (const std::optional<QString> failure = instance.listen()) {
+        qCWarning(lcStorage, "Cannot accept other launches: %s", qUtf8Printable(*failure));
     }
+    // A moved library takes its lock along.
+    QObject::connect(
+        &preferences, &Preferences::libraryPathChanged, &instance, [&instance, &preferences] {
+            if (!instance.followLibrary(preferences.libraryURL()))
+                qCWarning(lcStorage, "Another Vesko uses the library at %s",
+                    qUtf8Printable(preferences.libraryURL()));
+        });
 
     // The Store first: the library is read and repaired before anything else runs.
     Store &store = Store::shared();
-    Preferences &preferences = Preferences::shared();
     qCInfo(lcStorage, "Library at %s: %lld projects, %lld notes",
         qUtf8Printable(preferences.libraryPath()), qlonglong(store.library().projects.size()),
         qlonglong(noteCount(store.library())));

@@ -1,23 +1,34 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The guard that keeps Vesko to one process: where its lock and socket live
-// when the session gives no runtime folder, and the lock that decides which
-// launch runs. The socket is tested with the program (tst_app).
+// The guard that keeps Vesko to one process per library file: the folder of
+// its lock and socket, which never depends on the session's environment and
+// is never one that others may enter; one lock per library, however the path
+// is spelt; a socket in a deep folder; a launch that meets a holder that is
+// ending; and a library that moves. The whole program is tested with it in
+// tst_app.
 
 #include "TestEnvironment.h"
 
 #include "shell/SingleInstance.h"
 
 #include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QThread>
 
+#include <fcntl.h>
+#include <future>
+#include <sys/file.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 using namespace Vesko;
 
 namespace {
 
-// Sets an environment variable, or unsets it for an empty value, until the end of the scope.
+// Sets an environment variable until the end of the scope.
 class ScopedVariable
 {
 public:
@@ -26,10 +37,7 @@ public:
         , m_wasSet(qEnvironmentVariableIsSet(name))
         , m_previous(qgetenv(name))
     {
-        if (value.isEmpty())
-            qunsetenv(name);
-        else
-            qputenv(name, value);
+        qputenv(name, value);
     }
     ~ScopedVariable()
     {
@@ -60,6 +68,13 @@ Owner ownerOf(const QString &path)
     return {info.st_uid, unsigned(info.st_mode & 07777), S_ISDIR(info.st_mode)};
 }
 
+QString scratch(const QString &name)
+{
+    const QString path = Test::IsolatedEnvironment::current().root() + u'/' + name;
+    QDir().mkpath(path);
+    return path;
+}
+
 } // namespace
 
 class SingleInstanceTest : public QObject
@@ -67,63 +82,224 @@ class SingleInstanceTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void withoutRuntimeFolderTheSocketStaysPrivate_data();
-    void withoutRuntimeFolderTheSocketStaysPrivate();
-    void oneClaimAtATime();
+    void privateFolder_data();
+    void privateFolder();
+    void oneLockPerLibrary_data();
+    void oneLockPerLibrary();
+    void deepFolderKeepsAWorkingSocket();
+    void reopenReachesTheHolder();
+    void holderThatEndsHandsOver();
+    void lockFollowsTheLibrary();
+    void noFolderFails();
 };
 
-void SingleInstanceTest::withoutRuntimeFolderTheSocketStaysPrivate_data()
+void SingleInstanceTest::privateFolder_data()
 {
+    // The runtime root holds the user's folder: private, open to others, or
+    // none. The temporary folder, which every user may write to, may hold a
+    // folder of the usual name that another user made.
+    QTest::addColumn<QString>("runtime");
     QTest::addColumn<bool>("squatted");
-    QTest::newRow("shared temporary folder") << false;
-    QTest::newRow("another user took the usual names") << true;
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("runtime folder") << "private" << false << "runtime";
+    QTest::newRow("runtime folder open to others") << "open" << false << "temporary";
+    QTest::newRow("no runtime folder") << "none" << false << "temporary";
+    QTest::newRow("no runtime folder, names taken") << "none" << true << "cache";
 }
 
-void SingleInstanceTest::withoutRuntimeFolderTheSocketStaysPrivate()
+void SingleInstanceTest::privateFolder()
 {
+    QFETCH(QString, runtime);
     QFETCH(bool, squatted);
-    // A temporary folder that every user may write to, as /tmp is.
-    const QString shared = Test::IsolatedEnvironment::current().root() + QStringLiteral("/shared");
-    QDir().mkpath(shared);
-    QVERIFY(::chmod(QFile::encodeName(shared).constData(), 01777) == 0);
-    if (squatted) {
-        // Another user got there first with a folder and a socket of the names one would guess.
-        const uid_t other = ::geteuid() == 0 ? 65534 : ::geteuid();
-        for (const QString &name : QDir(shared).entryList(QDir::AllEntries | QDir::NoDotAndDotDot))
-            QFile::remove(shared + u'/' + name);
-        for (const char *name : {"runtime-root", "vesko-root"}) {
-            const QString path = shared + u'/' + QLatin1StringView(name);
-            QDir().mkpath(path);
-            QVERIFY(::chown(QFile::encodeName(path).constData(), other, other) == 0);
-            QVERIFY(::chmod(QFile::encodeName(path).constData(), 0777) == 0);
-        }
+    QFETCH(QString, expected);
+    const QString uid = QString::number(::geteuid());
+    const QString root = scratch(QString::fromLatin1(QTest::currentDataTag()).replace(u' ', u'-'));
+    const QString runtimeRoot = root + QStringLiteral("/run");
+    const QString temporaryRoot = root + QStringLiteral("/tmp");
+    QDir().mkpath(temporaryRoot);
+    QVERIFY(::chmod(QFile::encodeName(temporaryRoot).constData(), 01777) == 0);
+    if (runtime != u"none") {
+        QDir().mkpath(runtimeRoot + u'/' + uid);
+        QVERIFY(::chmod(QFile::encodeName(runtimeRoot + u'/' + uid).constData(),
+                    runtime == u"private" ? 0700 : 0755)
+            == 0);
     }
-    ScopedVariable runtime("XDG_RUNTIME_DIR", QByteArray());
-    ScopedVariable temporary("TMPDIR", QFile::encodeName(shared));
+    if (squatted) {
+        if (::geteuid() != 0)
+            QSKIP("Needs root to make a folder of another user");
+        const QString taken = temporaryRoot + QStringLiteral("/vesko-") + uid;
+        QDir().mkpath(taken);
+        QVERIFY(::chown(QFile::encodeName(taken).constData(), 65534, 65534) == 0);
+        QVERIFY(::chmod(QFile::encodeName(taken).constData(), 0777) == 0);
+    }
+    // Whatever the session says, the answer is the same.
+    const QString first = SingleInstance::privateFolder(runtimeRoot, temporaryRoot);
+    QString second;
+    {
+        ScopedVariable elsewhere(
+            "XDG_RUNTIME_DIR", QFile::encodeName(scratch(QStringLiteral("xdg"))));
+        second = SingleInstance::privateFolder(runtimeRoot, temporaryRoot);
+    }
+    QCOMPARE(second, first);
 
-    const QString folder = QFileInfo(SingleInstance::serverNameForSession()).absolutePath();
-    const Owner owner = ownerOf(folder);
-    QVERIFY2(owner.isDirectory, qPrintable(folder));
+    const QString wanted = expected == u"runtime" ? runtimeRoot + u'/' + uid
+        : expected == u"temporary"
+        ? temporaryRoot + QStringLiteral("/vesko-") + uid
+        : Test::IsolatedEnvironment::current().cacheHome() + QStringLiteral("/Vesko/Instance");
+    QCOMPARE(first, wanted);
+    const Owner owner = ownerOf(first);
+    QVERIFY(owner.isDirectory);
     QCOMPARE(owner.uid, ::geteuid());
     QCOMPARE(owner.mode, 0700u);
-    QVERIFY2(QDir::cleanPath(folder) != QDir::cleanPath(shared), qPrintable(folder));
 }
 
-void SingleInstanceTest::oneClaimAtATime()
+void SingleInstanceTest::oneLockPerLibrary_data()
 {
-    const QString folder = Test::IsolatedEnvironment::current().root() + QStringLiteral("/claims");
-    QDir().mkpath(folder);
-    auto first = std::make_unique<SingleInstance>(folder);
-    SingleInstance second(folder);
+    // How the second launch names its library, against the first's "a/Library.json".
+    QTest::addColumn<QString>("other");
+    QTest::addColumn<bool>("same");
+    QTest::newRow("the same path") << "a/Library.json" << true;
+    QTest::newRow("through a linked folder") << "link/Library.json" << true;
+    QTest::newRow("with dots") << "a/../a/./Library.json" << true;
+    QTest::newRow("another file in the folder") << "a/Other.json" << false;
+    QTest::newRow("another folder") << "b/Library.json" << false;
+}
+
+void SingleInstanceTest::oneLockPerLibrary()
+{
+    QFETCH(QString, other);
+    QFETCH(bool, same);
+    const QString root = scratch(QStringLiteral("libraries"));
+    QDir().mkpath(root + QStringLiteral("/a"));
+    QDir().mkpath(root + QStringLiteral("/b"));
+    QFile::link(root + QStringLiteral("/a"), root + QStringLiteral("/link"));
+    const QString folder = scratch(QStringLiteral("locks"));
+
+    auto first = std::make_unique<SingleInstance>(root + QStringLiteral("/a/Library.json"), folder);
+    SingleInstance second(root + u'/' + other, folder);
     QCOMPARE(first->claim(), SingleInstance::Claim::Acquired);
-    QCOMPARE(second.claim(), SingleInstance::Claim::HeldElsewhere);
-    QCOMPARE(second.claim(), SingleInstance::Claim::HeldElsewhere);
+    QCOMPARE(second.claim(),
+        same ? SingleInstance::Claim::HeldElsewhere : SingleInstance::Claim::Acquired);
+    QCOMPARE(second.socketPath() == first->socketPath(), same);
     QCOMPARE(ownerOf(first->lockPath()).mode, 0600u);
     // The lock goes with its holder, and the next claim gets it.
     first.reset();
     QCOMPARE(second.claim(), SingleInstance::Claim::Acquired);
+}
 
-    SingleInstance nowhere((QString()));
+void SingleInstanceTest::deepFolderKeepsAWorkingSocket()
+{
+    // Far past the 108 bytes that a socket's address holds.
+    QString folder = Test::IsolatedEnvironment::current().root();
+    while (folder.size() < 200)
+        folder += QStringLiteral("/a-folder-with-a-long-name");
+    QDir().mkpath(folder);
+    const QString library = scratch(QStringLiteral("deep")) + QStringLiteral("/Library.json");
+    SingleInstance holder(library, folder);
+    QCOMPARE(holder.claim(), SingleInstance::Claim::Acquired);
+    QVERIFY(
+        QFile::encodeName(holder.socketPath()).size() < qsizetype(sizeof(sockaddr_un::sun_path)));
+    QVERIFY(holder.lockPath().startsWith(folder));
+    QCOMPARE(holder.listen(), std::nullopt);
+    QCOMPARE(ownerOf(QFileInfo(holder.socketPath()).absolutePath()).mode, 0700u);
+
+    QSignalSpy reopened(&holder, &SingleInstance::reopenRequested);
+    SingleInstance launch(library, folder);
+    QCOMPARE(launch.claim(), SingleInstance::Claim::HeldElsewhere);
+    auto answered = std::async(std::launch::async, [&launch] { return launch.forwardReopen(); });
+    QTRY_COMPARE(reopened.size(), 1);
+    QVERIFY(answered.get());
+}
+
+void SingleInstanceTest::reopenReachesTheHolder()
+{
+    const QString folder = scratch(QStringLiteral("reopen"));
+    const QString library = folder + QStringLiteral("/Library.json");
+    SingleInstance holder(library, folder);
+    QCOMPARE(holder.claim(), SingleInstance::Claim::Acquired);
+    QCOMPARE(holder.listen(), std::nullopt);
+    QSignalSpy reopened(&holder, &SingleInstance::reopenRequested);
+
+    // Another library's launch knocks elsewhere.
+    SingleInstance stranger(folder + QStringLiteral("/Other.json"), folder);
+    QCOMPARE(stranger.claim(), SingleInstance::Claim::Acquired);
+    QVERIFY(!stranger.forwardReopen(100));
+    QCOMPARE(reopened.size(), 0);
+
+    SingleInstance launch(library, folder);
+    QCOMPARE(launch.claim(), SingleInstance::Claim::HeldElsewhere);
+    auto answered = std::async(std::launch::async, [&launch] { return launch.forwardReopen(); });
+    QTRY_COMPARE(reopened.size(), 1);
+    QVERIFY(answered.get());
+}
+
+void SingleInstanceTest::holderThatEndsHandsOver()
+{
+    // The holder is quitting: it still has the lock but answers nothing.
+    const QString folder = scratch(QStringLiteral("ending"));
+    const QString library = folder + QStringLiteral("/Library.json");
+    auto holder = std::make_unique<SingleInstance>(library, folder);
+    QCOMPARE(holder->claim(), SingleInstance::Claim::Acquired);
+    QCOMPARE(holder->listen(), std::nullopt);
+    SingleInstance launch(library, folder);
+    QCOMPARE(launch.claim(), SingleInstance::Claim::HeldElsewhere);
+    // Its event loop no longer runs: the "reopen" goes unanswered.
+    QVERIFY(!launch.forwardReopen(300));
+
+    // It ends while the launch waits for the lock; the launch runs instead.
+    // (The lock is held by a descriptor of its own from here, as another
+    // process holds it, so that another thread can let it go.)
+    const QString lockPath = holder->lockPath();
+    holder.reset();
+    const int lock = ::open(QFile::encodeName(lockPath).constData(), O_RDWR);
+    QVERIFY(lock >= 0);
+    QCOMPARE(::flock(lock, LOCK_EX | LOCK_NB), 0);
+    QCOMPARE(launch.claim(), SingleInstance::Claim::HeldElsewhere);
+    auto ending = std::async(std::launch::async, [lock] {
+        QThread::msleep(100);
+        ::close(lock);
+    });
+    QCOMPARE(launch.claimWithin(SingleInstance::handOverMilliseconds * 10),
+        SingleInstance::Claim::Acquired);
+    ending.get();
+    QCOMPARE(launch.listen(), std::nullopt);
+
+    // A holder that stays keeps the launch out, within the bound.
+    SingleInstance late(library, folder);
+    QCOMPARE(late.claimWithin(100), SingleInstance::Claim::HeldElsewhere);
+}
+
+void SingleInstanceTest::lockFollowsTheLibrary()
+{
+    const QString folder = scratch(QStringLiteral("moves"));
+    const QString before = folder + QStringLiteral("/Before.json");
+    const QString after = folder + QStringLiteral("/After.json");
+    SingleInstance running(before, folder);
+    QCOMPARE(running.claim(), SingleInstance::Claim::Acquired);
+    QCOMPARE(running.listen(), std::nullopt);
+    QSignalSpy reopened(&running, &SingleInstance::reopenRequested);
+
+    QVERIFY(running.followLibrary(after));
+    // A launch with the moved library finds the running process; one with
+    // the old path runs on its own.
+    SingleInstance withNew(after, folder);
+    QCOMPARE(withNew.claim(), SingleInstance::Claim::HeldElsewhere);
+    auto answered = std::async(std::launch::async, [&withNew] { return withNew.forwardReopen(); });
+    QTRY_COMPARE(reopened.size(), 1);
+    QVERIFY(answered.get());
+    SingleInstance withOld(before, folder);
+    QCOMPARE(withOld.claim(), SingleInstance::Claim::Acquired);
+
+    // Back to a library that another process uses: the lock stays where it is.
+    QVERIFY(!running.followLibrary(before));
+    SingleInstance again(after, folder);
+    QCOMPARE(again.claim(), SingleInstance::Claim::HeldElsewhere);
+}
+
+void SingleInstanceTest::noFolderFails()
+{
+    SingleInstance nowhere(
+        scratch(QStringLiteral("none")) + QStringLiteral("/Library.json"), QString());
     QCOMPARE(nowhere.claim(), SingleInstance::Claim::Failed);
     QVERIFY(!nowhere.failure().isEmpty());
 }

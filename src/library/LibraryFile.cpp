@@ -19,20 +19,6 @@ namespace Vesko {
 
 namespace {
 
-// Where a path leads once every symbolic link on the way is resolved. A path
-// that does not exist yet resolves through the part of it that does.
-QString canonicalLocation(const QString &path)
-{
-    const QString clean = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
-    const QString canonical = QFileInfo(clean).canonicalFilePath();
-    if (!canonical.isEmpty())
-        return canonical;
-    const qsizetype slash = clean.lastIndexOf(u'/');
-    if (slash <= 0)
-        return clean;
-    return canonicalLocation(clean.left(slash)) + clean.mid(slash);
-}
-
 // Whether \a path is \a folder or lies below it.
 bool isWithin(const QString &path, const QString &folder)
 {
@@ -323,6 +309,18 @@ QString writeRescueFile(const Library &library, QString *failure)
     }
     FileSystem::syncDirectory(folder);
     return path;
+}
+
+QString canonicalLocation(const QString &path)
+{
+    const QString clean = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+    const QString canonical = QFileInfo(clean).canonicalFilePath();
+    if (!canonical.isEmpty())
+        return canonical;
+    const qsizetype slash = clean.lastIndexOf(u'/');
+    if (slash <= 0)
+        return clean;
+    return canonicalLocation(clean.left(slash)) + clean.mid(slash);
 }
 
 bool isSameLocation(const QString &first, const QString &second)

@@ -70,6 +70,9 @@ QString libraryMoveTarget(const QString &destination);
 //! Whether two paths lead to the same place once symbolic links are resolved;
 //! either may not exist yet.
 bool isSameLocation(const QString &first, const QString &second);
+//! Where \a path leads once every symbolic link on the way is resolved; a
+//! path that does not exist yet resolves through the part of it that does.
+QString canonicalLocation(const QString &path);
 
 //! Why the library at \a current cannot move to the file \a target, or
 //! nothing: a target inside the library's own Attachments folder would copy

@@ -2,6 +2,7 @@
 
 #include "shell/SingleInstance.h"
 
+#include "library/LibraryFile.h"
 #include "platform/FileSystem.h"
 
 #include <QCryptographicHash>
@@ -16,6 +17,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 namespace Vesko {
@@ -23,37 +25,63 @@ namespace Vesko {
 namespace {
 
 const QByteArray reopenMessage = QByteArrayLiteral("reopen\n");
+const QByteArray answerMessage = QByteArrayLiteral("ok\n");
+//! How often a held lock is tried again while it may be let go.
+constexpr int claimRetryMilliseconds = 20;
 
 // A folder of the user's own that nobody else may enter.
-bool isPrivateFolder(const QString &path, bool followsLinks)
+bool isPrivateFolder(const QString &path)
 {
     struct stat info;
-    const QByteArray name = QFile::encodeName(path);
-    const int result
-        = followsLinks ? ::stat(name.constData(), &info) : ::lstat(name.constData(), &info);
-    return result == 0 && S_ISDIR(info.st_mode) && info.st_uid == ::geteuid()
-        && (info.st_mode & 077) == 0;
+    return ::lstat(QFile::encodeName(path).constData(), &info) == 0 && S_ISDIR(info.st_mode)
+        && info.st_uid == ::geteuid() && (info.st_mode & 077) == 0;
 }
 
-// The name shared by the lock and the socket of one data folder.
-QString instanceName()
+// Makes \a path (its parent exists) a private folder of the user's own, or
+// says that it cannot be one: a folder of that name that belongs to another
+// user, or a link, is never used.
+bool makePrivateFolder(const QString &path)
 {
-    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    const QByteArray hash
-        = QCryptographicHash::hash(data.toUtf8(), QCryptographicHash::Sha256).toHex().left(16);
-    return QStringLiteral("vesko-") + QString::fromLatin1(hash);
+    const QByteArray name = QFile::encodeName(path);
+    if (::mkdir(name.constData(), FileSystem::privateDirectoryMode) != 0 && errno != EEXIST)
+        return false;
+    struct stat info;
+    if (::lstat(name.constData(), &info) != 0 || !S_ISDIR(info.st_mode)
+        || info.st_uid != ::geteuid())
+        return false;
+    // Made by an older version, by hand or under another umask: closed to others.
+    if ((info.st_mode & 077) != 0)
+        ::chmod(name.constData(), FileSystem::privateDirectoryMode);
+    return isPrivateFolder(path);
+}
+
+// The user's runtime folder of the system, or "vesko-UID" in the temporary
+// folder: both short enough for a socket's address.
+QString shortPrivateFolder(const QString &runtimeRoot, const QString &temporaryRoot)
+{
+    const QString uid = QString::number(::geteuid());
+    const QString runtime = runtimeRoot + u'/' + uid;
+    if (isPrivateFolder(runtime))
+        return runtime;
+    const QString temporary = temporaryRoot + QStringLiteral("/vesko-") + uid;
+    if (makePrivateFolder(temporary))
+        return temporary;
+    return {};
+}
+
+// Whether a socket's address holds \a path.
+bool fitsSocketAddress(const QString &path)
+{
+    return QFile::encodeName(path).size() < qsizetype(sizeof(sockaddr_un::sun_path));
 }
 
 } // namespace
 
-SingleInstance::SingleInstance(const QString &folder, QObject *parent)
+SingleInstance::SingleInstance(const QString &libraryPath, const QString &folder, QObject *parent)
     : QObject(parent)
     , m_folder(folder)
 {
-    if (!m_folder.isEmpty()) {
-        m_socketPath = m_folder + u'/' + instanceName() + QStringLiteral(".socket");
-        m_lockPath = m_folder + u'/' + instanceName() + QStringLiteral(".lock");
-    }
+    setName(instanceName(libraryPath));
 }
 
 SingleInstance::~SingleInstance()
@@ -62,38 +90,69 @@ SingleInstance::~SingleInstance()
         ::close(m_lock); // releases the lock
 }
 
-QString SingleInstance::privateFolder()
+void SingleInstance::setName(const QString &name)
 {
-    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    if (!runtime.isEmpty() && QDir::isAbsolutePath(runtime) && isPrivateFolder(runtime, true))
-        return QDir::cleanPath(runtime);
+    m_name = name;
+    if (m_folder.isEmpty())
+        return;
+    m_lockPath = m_folder + u'/' + name + QStringLiteral(".lock");
+    m_socketPath = m_folder + u'/' + name + QStringLiteral(".socket");
+    if (!fitsSocketAddress(m_socketPath)) {
+        const QString shorter
+            = shortPrivateFolder(QStringLiteral("/run/user"), QStringLiteral("/tmp"));
+        if (!shorter.isEmpty())
+            m_socketPath = shorter + u'/' + name + QStringLiteral(".socket");
+    }
+}
 
-    // Without one, a folder in the user's own cache: never a shared folder
-    // such as /tmp, where another user could take the name first.
+QString SingleInstance::privateFolder(const QString &runtimeRoot, const QString &temporaryRoot)
+{
+    const QString folder = shortPrivateFolder(runtimeRoot, temporaryRoot);
+    if (!folder.isEmpty())
+        return folder;
+    // The names in the temporary folder are taken by another user: a folder
+    // in the user's own cache, never a shared one.
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
     if (cache.isEmpty())
         return {};
-    const QString folder = cache + QStringLiteral("/Vesko/Instance");
-    if (FileSystem::makePath(folder))
+    const QString instances = cache + QStringLiteral("/Vesko/Instance");
+    if (FileSystem::makePath(QFileInfo(instances).absolutePath()) || !makePrivateFolder(instances))
         return {};
-    if (!isPrivateFolder(folder, false)) {
-        // Made by an older version, or by hand: closed to others if it is ours.
-        struct stat info;
-        const QByteArray name = QFile::encodeName(folder);
-        if (::lstat(name.constData(), &info) == 0 && S_ISDIR(info.st_mode)
-            && info.st_uid == ::geteuid())
-            ::chmod(name.constData(), FileSystem::privateDirectoryMode);
-        if (!isPrivateFolder(folder, false))
-            return {};
-    }
-    return folder;
+    return instances;
 }
 
-QString SingleInstance::serverNameForSession()
+QString SingleInstance::privateFolder()
 {
-    const QString folder = privateFolder();
-    return folder.isEmpty() ? QString()
-                            : folder + u'/' + instanceName() + QStringLiteral(".socket");
+    return privateFolder(QStringLiteral("/run/user"), QStringLiteral("/tmp"));
+}
+
+QString SingleInstance::instanceName(const QString &libraryPath)
+{
+    const QByteArray hash = QCryptographicHash::hash(
+        canonicalLocation(libraryPath).toUtf8(), QCryptographicHash::Sha256)
+                                .toHex()
+                                .left(16);
+    return QStringLiteral("vesko-") + QString::fromLatin1(hash);
+}
+
+int SingleInstance::lockFile(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    // Not inherited by programs that Vesko starts: the lock ends with this process.
+    const int fd = ::open(
+        name.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, FileSystem::privateFileMode);
+    if (fd < 0)
+        return -1;
+    int result;
+    do {
+        result = ::flock(fd, LOCK_EX | LOCK_NB);
+    } while (result != 0 && errno == EINTR);
+    if (result == 0)
+        return fd;
+    const int error = errno;
+    ::close(fd);
+    errno = error;
+    return -1;
 }
 
 SingleInstance::Claim SingleInstance::claim()
@@ -104,34 +163,33 @@ SingleInstance::Claim SingleInstance::claim()
         m_failure = tr("There is no private folder for the instance lock.");
         return Claim::Failed;
     }
-    const QByteArray name = QFile::encodeName(m_lockPath);
-    // Not inherited by programs that Vesko starts: the lock ends with this process.
-    const int fd = ::open(
-        name.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, FileSystem::privateFileMode);
-    if (fd < 0) {
-        m_failure = tr("Could not open “%1”: %2.").arg(m_lockPath, FileSystem::lastErrorText());
-        return Claim::Failed;
-    }
-    int result;
-    do {
-        result = ::flock(fd, LOCK_EX | LOCK_NB);
-    } while (result != 0 && errno == EINTR);
-    if (result == 0) {
-        m_lock = fd;
+    m_lock = lockFile(m_lockPath);
+    if (m_lock >= 0)
         return Claim::Acquired;
+    if (errno == EWOULDBLOCK)
+        return Claim::HeldElsewhere;
+    m_failure = tr("Could not lock “%1”: %2.").arg(m_lockPath, FileSystem::lastErrorText());
+    return Claim::Failed;
+}
+
+SingleInstance::Claim SingleInstance::claimWithin(int milliseconds)
+{
+    const QDeadlineTimer deadline(milliseconds);
+    while (true) {
+        const Claim result = claim();
+        if (result != Claim::HeldElsewhere || deadline.hasExpired())
+            return result;
+        QThread::msleep(claimRetryMilliseconds);
     }
-    const bool held = errno == EWOULDBLOCK;
-    if (!held)
-        m_failure = tr("Could not lock “%1”: %2.").arg(m_lockPath, FileSystem::lastErrorText());
-    ::close(fd);
-    return held ? Claim::HeldElsewhere : Claim::Failed;
 }
 
 std::optional<QString> SingleInstance::listen()
 {
     Q_ASSERT(m_lock >= 0);
-    m_server = new QLocalServer(this);
-    connect(m_server, &QLocalServer::newConnection, this, &SingleInstance::readConnection);
+    if (!m_server) {
+        m_server = new QLocalServer(this);
+        connect(m_server, &QLocalServer::newConnection, this, &SingleInstance::readConnection);
+    }
     // Whoever holds the lock owns the socket's name: anything there was left
     // by a process that ended without closing it.
     QLocalServer::removeServer(m_socketPath);
@@ -140,26 +198,54 @@ std::optional<QString> SingleInstance::listen()
     return m_server->errorString();
 }
 
+bool SingleInstance::followLibrary(const QString &libraryPath)
+{
+    const QString name = instanceName(libraryPath);
+    if (name == m_name)
+        return true;
+    if (m_lock < 0 || m_folder.isEmpty()) {
+        setName(name);
+        return true;
+    }
+    const int lock = lockFile(m_folder + u'/' + name + QStringLiteral(".lock"));
+    if (lock < 0)
+        return false;
+    ::close(m_lock);
+    m_lock = lock;
+    const bool wasListening = m_server && m_server->isListening();
+    if (m_server)
+        m_server->close(); // removes the old socket
+    setName(name);
+    if (wasListening)
+        listen();
+    return true;
+}
+
 bool SingleInstance::forwardReopen(int timeoutMilliseconds) const
 {
     if (m_socketPath.isEmpty())
         return false;
     const QDeadlineTimer deadline(timeoutMilliseconds);
+    auto remaining = [&deadline] { return int(std::max<qint64>(1, deadline.remainingTime())); };
     while (true) {
         QLocalSocket socket;
         socket.connectToServer(m_socketPath);
-        if (socket.waitForConnected(int(std::max<qint64>(1, deadline.remainingTime())))) {
+        if (socket.waitForConnected(remaining())) {
             socket.write(reopenMessage);
-            if (!socket.waitForBytesWritten(int(std::max<qint64>(1, deadline.remainingTime()))))
+            if (!socket.waitForBytesWritten(remaining()))
                 return false;
-            // The running instance closes the connection once it has read the message.
-            socket.waitForDisconnected(int(std::max<qint64>(1, deadline.remainingTime())));
-            return true;
+            // A running instance answers once its event loop has read the
+            // message; one that is ending closes the connection unanswered.
+            while (!socket.canReadLine()) {
+                if (!socket.waitForReadyRead(remaining()))
+                    return false;
+            }
+            return socket.readLine() == answerMessage;
         }
         // The process holding the lock may not listen yet: it has just started.
         if (deadline.hasExpired())
             return false;
-        QThread::msleep(20);
+        QThread::msleep(claimRetryMilliseconds);
     }
 }
 
@@ -171,6 +257,8 @@ void SingleInstance::readConnection()
             if (!socket->canReadLine())
                 return;
             const QByteArray line = socket->readLine();
+            if (line == reopenMessage)
+                socket->write(answerMessage);
             socket->disconnectFromServer();
             if (line == reopenMessage)
                 Q_EMIT reopenRequested();
