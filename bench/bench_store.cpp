@@ -7,9 +7,11 @@
 //   one note edited and committed in a 100k-note library whose active project
 //     holds 10k notes, until the rows are rebuilt, against copying the 10k
 //     row handles into a list;
-//   setDone of 20k selected notes, undo with 20k notes selected and one key
-//     press that moves the selection, in a 100k-note library whose active
-//     project holds 25k notes, against one rebuild of that project's rows.
+//   setDone of 20k selected notes, toggleDone of 20k selected notes that are
+//     all done (every one of them must be looked at), undo with 20k notes
+//     selected and one key press that moves the selection, in a 100k-note
+//     library whose active project holds 25k notes, against one rebuild of
+//     that project's rows.
 
 #include "LibraryGenerator.h"
 #include "TestEnvironment.h"
@@ -257,6 +259,32 @@ void BM_SetDoneLargeSelection(benchmark::State &state)
         largeSelectionLibrary(), fixture().largeSelectionIndex.get());
 }
 
+// The same library with every note of the active project done.
+const Library &largeDoneLibrary()
+{
+    static const Library library = [] {
+        Library done = largeSelectionLibrary();
+        for (NoteSection &section : done.projects[0].sections) {
+            for (Note &note : section.notes) {
+                note.isDone = true;
+                note.completedAt = note.updatedAt;
+            }
+        }
+        return done;
+    }();
+    return library;
+}
+
+void BM_ToggleDoneLargeSelection(benchmark::State &state)
+{
+    runOperation(
+        state,
+        [](Store &store, const QList<Note> &visible) {
+            store.toggleDone(firstIDs(visible, 20000));
+        },
+        largeDoneLibrary(), fixture().largeSelectionIndex.get());
+}
+
 void BM_UndoWithLargeSelection(benchmark::State &state)
 {
     Store store(largeSelectionLibrary(),
@@ -294,6 +322,7 @@ void BM_MoveSelectionLargeProject(benchmark::State &state)
 BENCHMARK(BM_RebuildRows)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_RebuildRowsLargeProject)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SetDoneLargeSelection)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ToggleDoneLargeSelection)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_UndoWithLargeSelection)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_MoveSelectionLargeProject)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_MergeTwo)->Unit(benchmark::kMillisecond);
@@ -332,8 +361,8 @@ int main(int argc, char *argv[])
     }
     const double largeRebuild = t["BM_RebuildRowsLargeProject"];
     std::printf("\n100k notes, 25k in the active project (one rebuild %.2f ms):\n", largeRebuild);
-    for (const char *name :
-        {"BM_SetDoneLargeSelection", "BM_UndoWithLargeSelection", "BM_MoveSelectionLargeProject"}) {
+    for (const char *name : {"BM_SetDoneLargeSelection", "BM_ToggleDoneLargeSelection",
+             "BM_UndoWithLargeSelection", "BM_MoveSelectionLargeProject"}) {
         std::printf("%-30s %8.2f ms  %6.2f rebuilds\n", name, t[name],
             largeRebuild > 0 ? t[name] / largeRebuild : 0.0);
     }

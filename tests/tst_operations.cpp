@@ -125,6 +125,8 @@ private Q_SLOTS:
     void updateNote_data();
     void updateNote();
     void setDone();
+    void toggleDone_data();
+    void toggleDone();
     void deleteNotes_data();
     void deleteNotes();
     void mergeNotes_data();
@@ -340,6 +342,51 @@ void OperationsTest::setDone()
     QCOMPARE(store->undoStepCount(), 2);
     store->setDone({}, true);
     QCOMPARE(store->undoStepCount(), 2);
+}
+
+void OperationsTest::toggleDone_data()
+{
+    // Done unless every one of the notes is done; a note that cannot be
+    // found counts as not done.
+    QTest::addColumn<QString>("project");
+    QTest::addColumn<QString>("other");
+    QTest::addColumn<QString>("notes");
+    QTest::addColumn<bool>("value");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("open first") << "*S:a,B"
+                                << ""
+                                << "a,b" << true << "*S:A,B";
+    QTest::newRow("open last") << "*S:A,b"
+                               << ""
+                               << "a,b" << true << "*S:A,B";
+    QTest::newRow("all done") << "*S:A,B,c"
+                              << ""
+                              << "b,a" << false << "*S:a,b,c";
+    QTest::newRow("all done, one in another project") << "*S:A,b"
+                                                      << "T:C"
+                                                      << "a,c" << false << "*S:a,b";
+    QTest::newRow("open in another project") << "*S:A"
+                                             << "T:c"
+                                             << "a,c" << true << "*S:A";
+    QTest::newRow("one of them is gone") << "*S:A,B"
+                                         << ""
+                                         << "a,z,b" << true << "*S:A,B";
+    QTest::newRow("named twice") << "*S:A,B"
+                                 << ""
+                                 << "a,a" << false << "*S:a,B";
+}
+
+void OperationsTest::toggleDone()
+{
+    QFETCH(QString, project);
+    QFETCH(QString, other);
+    QFETCH(QString, notes);
+    QFETCH(bool, value);
+    QFETCH(QString, expected);
+    auto store = storeWith(project, other);
+    QCOMPARE(store->toggledDoneValue(ids(notes)), value);
+    store->toggleDone(ids(notes));
+    QCOMPARE(describe(store->library().projects[0]), expected);
 }
 
 void OperationsTest::deleteNotes_data()

@@ -178,12 +178,22 @@ void Store::setDone(const QList<QUuid> &ids, bool isDone)
 
 bool Store::toggledDoneValue(const QList<QUuid> &ids) const
 {
-    for (const QUuid &id : ids) {
-        const std::optional<Note> found = note(id);
-        if (!found || !found->isDone)
-            return true;
+    // One pass over the library with a set of the ids: an open note among
+    // them decides at once, and an id never found counts as an open note.
+    QSet<QUuid> pending = idSet(ids);
+    for (const Project &project : m_library.projects) {
+        for (const NoteSection &section : project.sections) {
+            for (const Note &note : section.notes) {
+                if (!pending.remove(note.id))
+                    continue;
+                if (!note.isDone)
+                    return true;
+                if (pending.isEmpty())
+                    return false;
+            }
+        }
     }
-    return false;
+    return !pending.isEmpty();
 }
 
 void Store::toggleDone(const QList<QUuid> &ids)
