@@ -11,9 +11,11 @@
 
 #include "panel/NativeInlineTextField.h"
 #include "panel/NoteRowView.h"
+#include "panel/PanelCommands.h"
 #include "panel/PanelListView.h"
 #include "panel/RowAttachmentsView.h"
 #include "panel/SectionHeaderView.h"
+#include "shell/Toast.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -160,6 +162,8 @@ private Q_SLOTS:
 
     void drops_data();
     void drops();
+    void filesDroppedOnANote_data();
+    void filesDroppedOnANote();
 };
 
 void PanelListTest::onlyTheRowsInViewAreLaidOut()
@@ -845,6 +849,67 @@ void PanelListTest::drops()
     QCOMPARE(rig.describe(), after);
     QVERIFY(!w.list->dropTargetID());
     QVERIFY(rig.state().draggingNoteIDs().isEmpty());
+}
+
+void PanelListTest::filesDroppedOnANote_data()
+{
+    QTest::addColumn<QString>("import"); // "none" without an import, "fails", "works"
+    QTest::addColumn<bool>("accepted");
+    QTest::addColumn<QString>("toast");
+    QTest::addColumn<QStringList>("attached");
+
+    QTest::newRow("imported") << "works" << true << "Attachment Added"
+                              << QStringList {"one.txt", "two.png"};
+    QTest::newRow("import failed")
+        << "fails" << true << "Could Not Add Attachment" << QStringList();
+    QTest::newRow("no import in the program") << "none" << false << "" << QStringList();
+}
+
+void PanelListTest::filesDroppedOnANote()
+{
+    QFETCH(QString, import);
+    QFETCH(bool, accepted);
+    QFETCH(QString, toast);
+    QFETCH(QStringList, attached);
+
+    PanelCommands::Hooks hooks;
+    if (import != u"none") {
+        // The program's import copies the files off the main thread; here it
+        // answers at once with their records, or with a failure.
+        hooks.importFiles = [import](const QList<QUrl> &urls, auto done) {
+            QList<NoteAttachment> records;
+            for (const QUrl &url : urls) {
+                NoteAttachment record;
+                record.id = makeID();
+                record.fileName = url.fileName();
+                record.storedFileName
+                    = record.id.toString(QUuid::WithoutBraces) + u'/' + record.fileName;
+                records.append(record);
+            }
+            if (import == u"fails")
+                done({}, QStringLiteral("No space left on device"));
+            else
+                done(records, QString());
+        };
+    }
+    PanelCommands::shared().setHooks(hooks);
+    ToastPresenter::shared().dismiss();
+
+    PanelTestRig rig(QStringLiteral("S1:a,b"));
+    ListWindow w(rig);
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QStringLiteral("/tmp/one.txt")),
+        QUrl::fromLocalFile(QStringLiteral("/tmp/two.png"))});
+    bool wasAccepted = false;
+    sendDrop(w.note(QStringLiteral("b")), &data, &wasAccepted);
+    QCOMPARE(wasAccepted, accepted);
+    QStringList names;
+    for (const NoteAttachment &attachment : rig.store().note(idFor("b"))->attachments)
+        names.append(attachment.fileName);
+    QCOMPARE(names, attached);
+    QCOMPARE(ToastPresenter::shared().currentMessage(), toast);
+    QVERIFY(rig.store().note(idFor("a"))->attachments.isEmpty());
+    PanelCommands::shared().setHooks({});
 }
 
 VESKO_WIDGET_TEST_MAIN(PanelListTest)

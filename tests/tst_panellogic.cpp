@@ -15,8 +15,10 @@
 #include "panel/SectionReorder.h"
 #include "panel/VirtualRowLayout.h"
 
+#include <QMimeData>
 #include <QRandomGenerator>
 #include <QSignalSpy>
+#include <QUrl>
 
 using namespace Vesko;
 using namespace Vesko::Test;
@@ -94,6 +96,7 @@ private Q_SLOTS:
     void drop_data();
     void drop();
     void dropAlwaysEndsTheDrag();
+    void textOfADrag();
 
     void reorderTarget_data();
     void reorderTarget();
@@ -388,6 +391,28 @@ void PanelLogicTest::dropAlwaysEndsTheDrag()
                  rig.store(), rig.state(), {QStringLiteral("x")}, idFor("S1"), std::nullopt),
         PanelDrop::Outcome::AddedNote);
     QCOMPARE(rig.describe(), QStringLiteral("*S1:a,x"));
+}
+
+void PanelLogicTest::textOfADrag()
+{
+    QMimeData text;
+    text.setText(QStringLiteral("some words"));
+    QCOMPARE(PanelDrop::textItems(text), QStringList {QStringLiteral("some words")});
+
+    QMimeData link;
+    link.setUrls({QUrl(QStringLiteral("https://example.org/page"))});
+    link.setText(QStringLiteral("https://example.org/page"));
+    QCOMPARE(PanelDrop::textItems(link), QStringList {QStringLiteral("https://example.org/page")});
+
+    // Files bring their paths as text; they are still files.
+    QMimeData files;
+    files.setUrls({QUrl::fromLocalFile(QStringLiteral("/tmp/a.txt"))});
+    files.setText(QStringLiteral("/tmp/a.txt"));
+    QVERIFY(!PanelDrop::textItems(files));
+
+    QMimeData image;
+    image.setData(QStringLiteral("image/png"), QByteArray("\x89PNG"));
+    QVERIFY(!PanelDrop::textItems(image));
 }
 
 void PanelLogicTest::reorderTarget_data()

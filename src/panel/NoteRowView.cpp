@@ -5,6 +5,7 @@
 #include "panel/HighlightedText.h"
 #include "panel/NativeInlineTextField.h"
 #include "panel/NoteRowActions.h"
+#include "panel/PanelDrop.h"
 #include "panel/PanelListView.h"
 #include "panel/PanelMenus.h"
 #include "panel/PanelState.h"
@@ -592,7 +593,7 @@ void NoteRowView::dragEnterEvent(QDragEnterEvent *event)
         m_fileTargeted = true;
         updateFill(true);
         event->acceptProposedAction();
-    } else if (data->hasText()) {
+    } else if (PanelDrop::textItems(*data)) {
         m_list.setRowDropTarget(noteID(), true);
         event->acceptProposedAction();
     } else {

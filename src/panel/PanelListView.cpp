@@ -3,6 +3,7 @@
 #include "panel/PanelListView.h"
 
 #include "panel/NoteRowView.h"
+#include "panel/PanelCommands.h"
 #include "panel/PanelDrop.h"
 #include "panel/PanelMenus.h"
 #include "panel/RowAccessibles.h"
@@ -18,6 +19,7 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPointer>
 #include <QScrollBar>
 #include <QTimer>
 #include <QVariantAnimation>
@@ -736,30 +738,58 @@ void PanelListView::setRowDropTarget(const QUuid &id, bool targeted)
         setDropTarget(std::nullopt);
 }
 
-bool PanelListView::dropOnRow(
-    const QMimeData *data, const QUuid &sectionID, const std::optional<QUuid> &beforeNoteID)
+bool PanelListView::dropOnRow(const QMimeData *data, const std::optional<QUuid> &sectionID,
+    const std::optional<QUuid> &beforeNoteID)
 {
-    const QStringList items = data && data->hasText() ? QStringList {data->text()} : QStringList();
+    const std::optional<QStringList> items = data ? PanelDrop::textItems(*data) : std::nullopt;
+    if (!items) {
+        m_state.setDraggingNoteIDs({});
+        setDropTarget(std::nullopt);
+        return false;
+    }
     const PanelDrop::Outcome outcome
-        = PanelDrop::handleDrop(m_store, m_state, items, sectionID, beforeNoteID);
+        = PanelDrop::handleDrop(m_store, m_state, *items, sectionID, beforeNoteID);
     if (outcome == PanelDrop::Outcome::AddedNote)
         ToastPresenter::shared().present(tr("Added"), QStringLiteral("plus"));
     setDropTarget(std::nullopt);
     return outcome != PanelDrop::Outcome::Refused;
 }
 
+bool PanelListView::acceptsFileDrops() const
+{
+    return m_fileDropHandler || PanelCommands::shared().hooks().importFiles;
+}
+
 bool PanelListView::dropFiles(const QList<QUrl> &files, const QUuid &noteID)
 {
     setDropTarget(std::nullopt);
-    if (files.isEmpty() || !m_fileDropHandler)
+    if (files.isEmpty() || !acceptsFileDrops())
         return false;
-    m_fileDropHandler(files, noteID);
+    if (m_fileDropHandler) {
+        m_fileDropHandler(files, noteID);
+        return true;
+    }
+    // The files are copied off the main thread; the note may be gone by the
+    // time they are, and the Store then removes them again.
+    QPointer<PanelListView> self(this);
+    PanelCommands::shared().importFiles(
+        files, [self, noteID](const QList<NoteAttachment> &attachments, const QString &failure) {
+            if (!self)
+                return;
+            if (!failure.isEmpty()) {
+                ToastPresenter::shared().present(
+                    tr("Could Not Add Attachment"), QStringLiteral("exclamationmark.triangle"));
+                return;
+            }
+            self->m_store.addAttachments(attachments, noteID);
+            ToastPresenter::shared().present(tr("Attachment Added"), QStringLiteral("paperclip"));
+        });
     return true;
 }
 
 void PanelListView::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (event->mimeData()->hasText())
+    if (PanelDrop::textItems(*event->mimeData()))
         event->acceptProposedAction();
     else
         event->ignore();
@@ -778,14 +808,7 @@ void PanelListView::dropEvent(QDropEvent *event)
     const NoteSection active = m_store.activeSection();
     const std::optional<QUuid> section
         = m_store.section(active.id) ? std::optional<QUuid>(active.id) : std::nullopt;
-    const QStringList items
-        = event->mimeData()->hasText() ? QStringList {event->mimeData()->text()} : QStringList();
-    const PanelDrop::Outcome outcome
-        = PanelDrop::handleDrop(m_store, m_state, items, section, std::nullopt);
-    if (outcome == PanelDrop::Outcome::AddedNote)
-        ToastPresenter::shared().present(tr("Added"), QStringLiteral("plus"));
-    setDropTarget(std::nullopt);
-    if (outcome != PanelDrop::Outcome::Refused)
+    if (dropOnRow(event->mimeData(), section, std::nullopt))
         event->acceptProposedAction();
     else
         event->ignore();

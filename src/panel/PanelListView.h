@@ -82,9 +82,10 @@ public:
     //! The context menus; the panel's note and section menus unless set.
     void setNoteMenuFiller(NoteMenuFiller filler);
     void setSectionMenuFiller(SectionMenuFiller filler);
-    //! Without a handler note rows take no files.
+    //! Without a handler, files dropped on a note are imported through the
+    //! panel's commands, when the program provides the import.
     void setFileDropHandler(FileDropHandler handler);
-    bool acceptsFileDrops() const { return bool(m_fileDropHandler); }
+    bool acceptsFileDrops() const;
 
     // -- what the list shows, for the panel and its tests -----------------------
 
@@ -141,8 +142,8 @@ private:
     void setRowDropTarget(const QUuid &id, bool targeted);
     //! A drop of text or notes on a row: on a note row before that note,
     //! on a header at the end of its section. Returns success.
-    bool dropOnRow(
-        const QMimeData *data, const QUuid &sectionID, const std::optional<QUuid> &beforeNoteID);
+    bool dropOnRow(const QMimeData *data, const std::optional<QUuid> &sectionID,
+        const std::optional<QUuid> &beforeNoteID);
     //! Files dropped on the note \a noteID; returns whether any came.
     bool dropFiles(const QList<QUrl> &files, const QUuid &noteID);
     void sectionReorderChanged(const QUuid &sectionID, double translation);

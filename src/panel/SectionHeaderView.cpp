@@ -4,6 +4,7 @@
 
 #include "panel/NativeInlineTextField.h"
 #include "panel/NoteRowActions.h"
+#include "panel/PanelDrop.h"
 #include "panel/PanelListView.h"
 #include "panel/PanelState.h"
 #include "shell/Theme.h"
@@ -416,7 +417,7 @@ void SectionHeaderView::contextMenuEvent(QContextMenuEvent *event)
 
 void SectionHeaderView::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (!event->mimeData()->hasText()) {
+    if (!PanelDrop::textItems(*event->mimeData())) {
         event->ignore();
         return;
     }
