@@ -893,7 +893,7 @@ void PanelListTest::filesDroppedOnANote()
         };
     }
     PanelCommands::shared().setHooks(hooks);
-    ToastPresenter::shared().dismiss();
+    const QString toastBefore = ToastPresenter::shared().currentMessage();
 
     PanelTestRig rig(QStringLiteral("S1:a,b"));
     ListWindow w(rig);
@@ -904,10 +904,12 @@ void PanelListTest::filesDroppedOnANote()
     sendDrop(w.note(QStringLiteral("b")), &data, &wasAccepted);
     QCOMPARE(wasAccepted, accepted);
     QStringList names;
-    for (const NoteAttachment &attachment : rig.store().note(idFor("b"))->attachments)
+    const Note dropped = *rig.store().note(idFor("b"));
+    for (const NoteAttachment &attachment : dropped.attachments)
         names.append(attachment.fileName);
     QCOMPARE(names, attached);
-    QCOMPARE(ToastPresenter::shared().currentMessage(), toast);
+    // Without an import nothing is said.
+    QCOMPARE(ToastPresenter::shared().currentMessage(), toast.isEmpty() ? toastBefore : toast);
     QVERIFY(rig.store().note(idFor("a"))->attachments.isEmpty());
     PanelCommands::shared().setHooks({});
 }

@@ -50,6 +50,15 @@ QList<QUrl> localFiles(const QMimeData *data)
     return files;
 }
 
+//! The locale's short time, without seconds.
+QString shortTimeFormat(const QLocale &locale)
+{
+    QString format = locale.timeFormat(QLocale::ShortFormat);
+    format.remove(QStringLiteral(":ss"));
+    format.remove(QStringLiteral(":s"));
+    return format;
+}
+
 QFont editorFont()
 {
     QFont font = QApplication::font();
@@ -202,7 +211,7 @@ QString NoteRowView::sourceLine() const
     const QDateTime created = m_row.note.createdAt.toLocalTime();
     return source->appName + QStringLiteral(" \u00B7 ")
         + locale.toString(created.date(), QStringLiteral("MMM d, yyyy")) + QLatin1Char(' ')
-        + locale.toString(created.time(), QLocale::ShortFormat);
+        + locale.toString(created.time(), shortTimeFormat(locale));
 }
 
 bool NoteRowView::isTextTruncated() const
@@ -282,6 +291,10 @@ int NoteRowView::estimatedHeight(const Note &note, bool expanded, const Metrics 
         40, metrics.width - (cardPaddingH + DoneControl::diameter + spacing) - cardPaddingH);
     const qreal perLine = std::max<qreal>(1, inner / metrics.averageCharacterWidth);
     const int lineLimit = expanded ? std::numeric_limits<int>::max() : collapsedLines;
+    // Lines of the paragraphs, up to the limit; a paragraph long enough to
+    // fill the limit alone ends the count.
+    const qsizetype longest = expanded ? std::numeric_limits<qsizetype>::max()
+                                       : qsizetype(std::ceil(perLine * collapsedLines));
     int lines = 0;
     qsizetype paragraph = 0;
     const QString &text = note.text;
@@ -290,8 +303,8 @@ int NoteRowView::estimatedHeight(const Note &note, bool expanded, const Metrics 
             if (i > 0 || paragraph > 0)
                 lines += std::max(1, int(std::ceil(qreal(paragraph) / perLine)));
             paragraph = 0;
-        } else {
-            ++paragraph;
+        } else if (++paragraph > longest) {
+            lines = lineLimit;
         }
     }
     lines = std::min(lines, lineLimit);
@@ -454,8 +467,17 @@ void NoteRowView::paintEvent(QPaintEvent *)
     QPainterPath path;
     path.addRoundedRect(card, cardRadius, cardRadius);
     painter.fillPath(path, m_fillColor.isValid() ? m_fillColor : colors.noteFill);
-    painter.setPen(QPen(m_selected ? colors.accentSoft : colors.surfaceStroke, 0.5));
+    // The hairline; a selected card also gets a ring of the accent, so that
+    // the selection reads at a glance on either appearance.
+    painter.setPen(QPen(colors.surfaceStroke, 0.5));
     painter.drawPath(path);
+    if (m_selected) {
+        QPainterPath ring;
+        ring.addRoundedRect(
+            card.adjusted(0.5, 0.5, -0.5, -0.5), cardRadius - 0.5, cardRadius - 0.5);
+        painter.setPen(QPen(colors.accentStrong, 1.2));
+        painter.drawPath(ring);
+    }
 
     if (m_editing)
         return;

@@ -69,6 +69,8 @@ public:
 
     void setLines(const QList<int> &lines)
     {
+        if (!lines.isEmpty())
+            raise(); // above row widgets made since
         if (lines == m_lines)
             return;
         const bool appearing = m_lines.isEmpty() && !lines.isEmpty();
@@ -79,7 +81,6 @@ public:
             m_fade->setEndValue(1.0);
             m_fade->start();
         }
-        raise();
         update();
     }
     const QList<int> &lines() const { return m_lines; }
@@ -470,21 +471,25 @@ void PanelListView::revealAnchor()
 
 // -- layout -------------------------------------------------------------------------
 
-int PanelListView::rowHeight(int index) const
+int PanelListView::rowHeight(int index)
 {
     const PanelRow &row = m_rows.at(index);
     if (row.isSection())
         return SectionHeaderView::rowHeight;
     const Note &note = row.note();
-    const QSet<QUuid> &expandedIDs = m_expandedIDs;
-    const bool expanded = !expandedIDs.isEmpty() && expandedIDs.contains(note.id);
-    const auto measured = m_measured.constFind(note.id);
-    if (measured != m_measured.cend() && measured->expanded == expanded
-        && measured->attachmentCount == note.attachments.size()
-        && measured->hasSource == note.source.has_value() && measured->text == note.text) {
-        return measured->height;
+    const bool expanded = !m_expandedIDs.isEmpty() && m_expandedIDs.contains(note.id);
+    const auto known = m_measured.constFind(note.id);
+    // A text that still shares its buffer compares equal at once.
+    if (known != m_measured.cend() && known->expanded == expanded
+        && known->attachmentCount == note.attachments.size()
+        && known->hasSource == note.source.has_value() && known->text == note.text) {
+        return known->height;
     }
-    return NoteRowView::estimatedHeight(note, expanded, m_metrics);
+    // Estimated once per text; measured when the row is laid out.
+    const int height = NoteRowView::estimatedHeight(note, expanded, m_metrics);
+    m_measured.insert(
+        note.id, {note.text, note.attachments.size(), expanded, note.source.has_value(), height});
+    return height;
 }
 
 void PanelListView::relayout()

@@ -172,7 +172,8 @@ private:
     //! off the rows out of view.
     void placeRows();
     void updateScrollRange();
-    int rowHeight(int index) const;
+    //! The height of the row \a index: as measured, or as estimated.
+    int rowHeight(int index);
     int indexOfRowNear(const QUuid &id, int first, int last) const;
     NoteRowView *takeIdleNote();
     SectionHeaderView *takeIdleHeader();
@@ -203,7 +204,7 @@ private:
     QList<PanelRow> m_rows;
     QList<QUuid> m_previousRowIDs;
     QSet<QUuid> m_expandedIDs;
-    //! Heights of rows once laid out, by note, with what they depend on.
+    //! Heights of note rows, measured or estimated, with what they depend on.
     struct MeasuredHeight
     {
         QString text;
