@@ -5,6 +5,7 @@
 // to the repainted list, against one rebuild of the rows by the Store in the
 // same run. A frame at 60 Hz is 16.7 ms.
 //
+//   rebuild with list   the rows rebuilt and taken in by the list
 //   click               a click selecting a row, to its repaint
 //   double click        a double click, to the inline editor holding the keyboard
 //   collapse / expand   a click on the header of a 5 000-note section, to the
@@ -33,6 +34,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QTest>
 #include <QTextEdit>
 
@@ -125,6 +127,22 @@ Bench &bench()
     return *b;
 }
 
+//! Counts the paint events of note rows.
+class PaintCounter : public QObject
+{
+public:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint && qobject_cast<NoteRowView *>(watched))
+            ++paints;
+        return false;
+    }
+    int paints = 0;
+};
+
+int clickRepaints = 0;
+int clicks = 0;
+
 template<typename Action> void measure(benchmark::State &state, Action action)
 {
     for (auto _ : state) {
@@ -137,9 +155,20 @@ template<typename Action> void measure(benchmark::State &state, Action action)
 
 void BM_RebuildRows(benchmark::State &state)
 {
+    // The Store's work alone: nobody hears of the new rows.
     Bench &b = bench();
+    const QSignalBlocker quiet(&b.store);
     measure(state, [&] { b.store.rebuildRows(); });
-    b.settle();
+}
+
+void BM_RebuildRowsWithList(benchmark::State &state)
+{
+    // The same, and the list taking the new rows in: heights, places, repaint.
+    Bench &b = bench();
+    measure(state, [&] {
+        b.store.rebuildRows();
+        b.settle();
+    });
 }
 
 void BM_ClickToRepaint(benchmark::State &state)
@@ -148,12 +177,17 @@ void BM_ClickToRepaint(benchmark::State &state)
     b.list->scrollToRow(b.store.rows().at(0).id(), ScrollAnchor::Top, false);
     b.settle();
     const QList<NoteRowView *> rows = b.visibleRows();
+    PaintCounter counter;
+    qApp->installEventFilter(&counter);
     int i = 0;
     measure(state, [&] {
         NoteRowView *row = rows.at(i++ % 2);
         QTest::mouseClick(row, Qt::LeftButton, {}, QPoint(row->width() / 2, row->height() / 2));
         b.settle();
     });
+    qApp->removeEventFilter(&counter);
+    clickRepaints += counter.paints;
+    clicks += i;
 }
 
 void BM_DoubleClickToEditor(benchmark::State &state)
@@ -211,6 +245,15 @@ void BM_ArrowWithReveal(benchmark::State &state)
     });
 }
 
+void BM_MoveSelectionInStore(benchmark::State &state)
+{
+    // The Store's part of an arrow: the step over the visible notes, unheard.
+    Bench &b = bench();
+    const QSignalBlocker quiet(&b.store);
+    int i = 0;
+    measure(state, [&] { b.store.moveSelection((i++ % 2) ? -1 : 1, false); });
+}
+
 void BM_LastNoteRevealed(benchmark::State &state)
 {
     Bench &b = bench();
@@ -259,10 +302,12 @@ int main(int argc, char *argv[])
     bench();
     const std::pair<const char *, void (*)(benchmark::State &)> all[] = {
         {"BM_RebuildRows", BM_RebuildRows},
+        {"BM_RebuildRowsWithList", BM_RebuildRowsWithList},
         {"BM_ClickToRepaint", BM_ClickToRepaint},
         {"BM_DoubleClickToEditor", BM_DoubleClickToEditor},
         {"BM_CollapseExpandBigSection", BM_CollapseExpandBigSection},
         {"BM_ArrowWithReveal", BM_ArrowWithReveal},
+        {"BM_MoveSelectionInStore", BM_MoveSelectionInStore},
         {"BM_LastNoteRevealed", BM_LastNoteRevealed},
         {"BM_SectionJump", BM_SectionJump},
         {"BM_ScrollPage", BM_ScrollPage},
@@ -286,7 +331,8 @@ int main(int argc, char *argv[])
         std::printf(
             "%-28s %7.2f ms  %5.2f rebuilds\n", name, time, rebuild > 0 ? time / rebuild : 0.0);
     }
-    std::printf("row widgets made: %d\n", bench().list->rowWidgetCount());
+    std::printf("row widgets made: %d; rows repainted per click: %.1f\n",
+        bench().list->rowWidgetCount(), clicks > 0 ? double(clickRepaints) / clicks : 0.0);
     benchmark::Shutdown();
     return 0;
 }

@@ -185,6 +185,7 @@ void NoteRowView::refresh()
     if (selected != m_selected) {
         m_selected = selected;
         updateFill(true);
+        update(); // the ring at once; the fill eases over
     }
     if (relayout) {
         layoutChildren();

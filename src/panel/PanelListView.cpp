@@ -479,10 +479,13 @@ int PanelListView::rowHeight(int index)
     const Note &note = row.note();
     const bool expanded = !m_expandedIDs.isEmpty() && m_expandedIDs.contains(note.id);
     const auto known = m_measured.constFind(note.id);
-    // A text that still shares its buffer compares equal at once.
+    // A text that still shares its buffer is the same text without a look at it.
+    auto sameText = [](const QString &a, const QString &b) {
+        return a.size() == b.size() && (a.constData() == b.constData() || a == b);
+    };
     if (known != m_measured.cend() && known->expanded == expanded
         && known->attachmentCount == note.attachments.size()
-        && known->hasSource == note.source.has_value() && known->text == note.text) {
+        && known->hasSource == note.source.has_value() && sameText(known->text, note.text)) {
         return known->height;
     }
     // Estimated once per text; measured when the row is laid out.
