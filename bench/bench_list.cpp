@@ -20,13 +20,18 @@
 #include "RatioReporter.h"
 #include "TestEnvironment.h"
 
+#include "attachments/AttachmentActions.h"
+#include "attachments/AttachmentFileDialog.h"
 #include "attachments/AttachmentStore.h"
+#include "attachments/ThumbnailCache.h"
 #include "library/LibraryWriter.h"
 #include "panel/NativeInlineTextField.h"
 #include "panel/NoteRowView.h"
 #include "panel/PanelListView.h"
 #include "panel/PanelState.h"
 #include "panel/SectionHeaderView.h"
+#include "platform/qt/QtDesktopFiles.h"
+#include "platform/qt/QtPasteboardReader.h"
 #include "search/SearchIndex.h"
 #include "shell/Preferences.h"
 #include "store/Store.h"
@@ -74,12 +79,30 @@ Library benchLibrary()
     return library;
 }
 
+//! Attachment actions over this program's own Store, with the desktop's
+//! services; what they say goes nowhere.
+struct Attachments : AttachmentFeedback
+{
+    Attachments(Store &store, AttachmentStore &files)
+        : actions({store, files, chooser, pasteboard, desktop, *this})
+    { }
+    void toast(const QString &, const QString &) override { }
+
+    AttachmentFileDialog chooser;
+    QtPasteboardReader pasteboard;
+    QtDesktopFiles desktop;
+    AttachmentActions actions;
+    ThumbnailCache thumbnails;
+};
+
 struct Bench
 {
     Bench()
         : store(benchLibrary(), {preferences, writer, attachments, searchIndex})
+        , attachmentActions(store, attachments)
         , list(new PanelListView(store, state, &window))
     {
+        list->setAttachmentActions(attachmentActions.actions, attachmentActions.thumbnails);
         window.resize(340, 560);
         list->setGeometry(0, 0, 340, 560);
         window.show();
@@ -117,6 +140,7 @@ struct Bench
     SearchIndex searchIndex;
     Store store;
     PanelState state;
+    Attachments attachmentActions;
     QWidget window;
     PanelListView *list;
 };

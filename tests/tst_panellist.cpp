@@ -9,19 +9,23 @@
 #include "PanelTestRig.h"
 #include "WidgetTestMain.h"
 
+#include "attachments/AttachmentActions.h"
+#include "attachments/AttachmentFileDialog.h"
+#include "attachments/AttachmentListView.h"
+#include "attachments/ThumbnailCache.h"
 #include "panel/NativeInlineTextField.h"
 #include "panel/NoteRowView.h"
-#include "panel/PanelCommands.h"
 #include "panel/PanelListView.h"
-#include "panel/RowAttachmentsView.h"
 #include "panel/SectionHeaderView.h"
-#include "shell/Toast.h"
+#include "platform/DesktopFiles.h"
+#include "platform/Pasteboard.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QScrollBar>
+#include <QTemporaryDir>
 #include <QTextEdit>
 #include <QVBoxLayout>
 
@@ -58,13 +62,34 @@ Library manyNotes(int sections, int perSection)
     return library;
 }
 
+//! The attachment actions of a list under test: the real import and dialog,
+//! nothing from the clipboard or the file manager, the toasts recorded.
+struct Attachments : AttachmentFeedback, PasteboardReader, DesktopFiles
+{
+    explicit Attachments(PanelTestRig &rig)
+        : actions({rig.store(), rig.attachments(), chooser, *this, *this, *this})
+    { }
+
+    void toast(const QString &message, const QString &) override { toasts.append(message); }
+    void readPasteboard(std::function<void(const PasteboardContent &)> done) override { done({}); }
+    void open(const QString &) override { }
+    void reveal(const QString &) override { }
+
+    AttachmentFileDialog chooser;
+    AttachmentActions actions;
+    ThumbnailCache thumbnails;
+    QStringList toasts;
+};
+
 //! The list in a window of the panel's size, with a field to take the focus away.
 struct ListWindow
 {
     explicit ListWindow(PanelTestRig &rig)
+        : attachments(rig)
     {
         auto *layout = new QVBoxLayout(&window);
         list = new PanelListView(rig.store(), rig.state(), &window);
+        list->setAttachmentActions(attachments.actions, attachments.thumbnails);
         other = new QLineEdit(&window);
         layout->addWidget(list, 1);
         layout->addWidget(other);
@@ -97,6 +122,7 @@ struct ListWindow
         return list->rowRect(idFor(name)).center().y() - list->clearArea().center().y();
     }
 
+    Attachments attachments;
     QWidget window;
     PanelListView *list = nullptr;
     QLineEdit *other = nullptr;
@@ -431,7 +457,8 @@ void PanelListTest::noteWithOnlyAttachments()
     QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(row);
     QCOMPARE(accessible->text(QAccessible::Name), QStringLiteral("scan.pdf, photo.png"));
     QVERIFY(w.note(QStringLiteral("b"))->showsText());
-    QVERIFY(!w.note(QStringLiteral("b"))->attachmentsView()->isVisible());
+    NoteRowView *plain = w.note(QStringLiteral("b"));
+    QVERIFY(!plain->attachmentsView() || !plain->attachmentsView()->isVisible());
 }
 
 void PanelListTest::expandingShowsAllLinesAndTheSource()
@@ -853,65 +880,55 @@ void PanelListTest::drops()
 
 void PanelListTest::filesDroppedOnANote_data()
 {
-    QTest::addColumn<QString>("import"); // "none" without an import, "fails", "works"
-    QTest::addColumn<bool>("accepted");
-    QTest::addColumn<QString>("toast");
+    QTest::addColumn<QStringList>(
+        "files"); // written to a folder of the test; "!" before one that is missing
     QTest::addColumn<QStringList>("attached");
+    QTest::addColumn<QString>("toast");
 
-    QTest::newRow("imported") << "works" << true << "Attachment Added"
-                              << QStringList {"one.txt", "two.png"};
-    QTest::newRow("import failed")
-        << "fails" << true << "Could Not Add Attachment" << QStringList();
-    QTest::newRow("no import in the program") << "none" << false << "" << QStringList();
+    QTest::newRow("two files") << QStringList {"one.txt", "two.png"}
+                               << QStringList {"one.txt", "two.png"} << "Attachment Added";
+    QTest::newRow("a missing file spoils the import")
+        << QStringList {"one.txt", "!gone.txt"} << QStringList() << "Could Not Add Attachment";
 }
 
 void PanelListTest::filesDroppedOnANote()
 {
-    QFETCH(QString, import);
-    QFETCH(bool, accepted);
-    QFETCH(QString, toast);
+    QFETCH(QStringList, files);
     QFETCH(QStringList, attached);
+    QFETCH(QString, toast);
 
-    PanelCommands::Hooks hooks;
-    if (import != u"none") {
-        // The program's import copies the files off the main thread; here it
-        // answers at once with their records, or with a failure.
-        hooks.importFiles = [import](const QList<QUrl> &urls, auto done) {
-            QList<NoteAttachment> records;
-            for (const QUrl &url : urls) {
-                NoteAttachment record;
-                record.id = makeID();
-                record.fileName = url.fileName();
-                record.storedFileName
-                    = record.id.toString(QUuid::WithoutBraces) + u'/' + record.fileName;
-                records.append(record);
-            }
-            if (import == u"fails")
-                done({}, QStringLiteral("No space left on device"));
-            else
-                done(records, QString());
-        };
+    QTemporaryDir folder;
+    QList<QUrl> urls;
+    for (QString name : files) {
+        const bool missing = name.startsWith(u'!');
+        name.remove(u'!');
+        if (!missing) {
+            QFile file(folder.filePath(name));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("some bytes");
+        }
+        urls.append(QUrl::fromLocalFile(folder.filePath(name)));
     }
-    PanelCommands::shared().setHooks(hooks);
-    const QString toastBefore = ToastPresenter::shared().currentMessage();
 
     PanelTestRig rig(QStringLiteral("S1:a,b"));
     ListWindow w(rig);
     QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(QStringLiteral("/tmp/one.txt")),
-        QUrl::fromLocalFile(QStringLiteral("/tmp/two.png"))});
+    data.setUrls(urls);
     bool wasAccepted = false;
     sendDrop(w.note(QStringLiteral("b")), &data, &wasAccepted);
-    QCOMPARE(wasAccepted, accepted);
+    QVERIFY(wasAccepted);
+    // The files are copied on the importer's thread; the answer comes back.
+    QTRY_COMPARE(w.attachments.toasts, QStringList {toast});
     QStringList names;
     const Note dropped = *rig.store().note(idFor("b"));
     for (const NoteAttachment &attachment : dropped.attachments)
         names.append(attachment.fileName);
     QCOMPARE(names, attached);
-    // Without an import nothing is said.
-    QCOMPARE(ToastPresenter::shared().currentMessage(), toast.isEmpty() ? toastBefore : toast);
     QVERIFY(rig.store().note(idFor("a"))->attachments.isEmpty());
-    PanelCommands::shared().setHooks({});
+    // The row shows the tiles of what was attached.
+    QCoreApplication::processEvents();
+    NoteRowView *row = w.note(QStringLiteral("b"));
+    QCOMPARE(row->attachmentsView() && row->attachmentsView()->isVisible(), !attached.isEmpty());
 }
 
 VESKO_WIDGET_TEST_MAIN(PanelListTest)

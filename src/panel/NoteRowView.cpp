@@ -2,6 +2,7 @@
 
 #include "panel/NoteRowView.h"
 
+#include "attachments/AttachmentListView.h"
 #include "panel/HighlightedText.h"
 #include "panel/NativeInlineTextField.h"
 #include "panel/NoteRowActions.h"
@@ -10,7 +11,6 @@
 #include "panel/PanelMenus.h"
 #include "panel/PanelState.h"
 #include "panel/RowAccessibility.h"
-#include "panel/RowAttachmentsView.h"
 #include "shell/Theme.h"
 #include "store/Store.h"
 
@@ -121,7 +121,6 @@ NoteRowView::NoteRowView(Store &store, PanelState &state, PanelListView &list, Q
     , m_state(state)
     , m_list(list)
     , m_doneControl(new DoneControl(this))
-    , m_attachments(new RowAttachmentsView(this))
 {
     setFocusPolicy(Qt::NoFocus);
     setAttribute(Qt::WA_Hover);
@@ -150,7 +149,10 @@ void NoteRowView::bind(const PanelNoteRow &row)
             setEditing(false);
     }
     m_doneControl->setDone(row.note.isDone);
-    m_attachments->setAttachments(row.note.attachments, row.note.id);
+    if (!row.note.attachments.isEmpty() && !m_attachments)
+        m_attachments = m_list.makeAttachmentListView(this);
+    if (m_attachments)
+        m_attachments->setAttachments(row.note.attachments, row.note.id);
     // The text, or the done state that strikes it through and greys it.
     rebuildText();
     refresh();
@@ -175,7 +177,8 @@ void NoteRowView::refresh()
     }
     if (expanded != m_expanded) {
         m_expanded = expanded;
-        m_attachments->setExpanded(expanded);
+        if (m_attachments)
+            m_attachments->setExpanded(expanded);
         relayout = true;
     }
     if (editing != m_editing) {
@@ -262,7 +265,7 @@ int NoteRowView::columnHeight(int width) const
     };
     ensureTextLayout(width);
     add(m_text.height());
-    add(m_attachments->heightForWidth(inner));
+    add(attachmentsHeight(inner));
     if (m_expanded && m_row.note.source)
         add(QFontMetrics(Theme::captionFont()).height());
     return height;
@@ -341,22 +344,30 @@ void NoteRowView::layoutChildren()
     const int inner = contentWidth(width());
     const int top = rowPadding + cardPaddingV;
     if (m_editing) {
-        m_attachments->hide();
+        if (m_attachments)
+            m_attachments->hide();
         if (m_editor)
             m_editor->setGeometry(left, top, inner, int(std::ceil(m_editorHeight)));
         return;
     }
     ensureTextLayout(width());
     int y = top + m_text.height();
-    const int attachments = m_attachments->heightForWidth(inner);
+    const int attachments = attachmentsHeight(inner);
     if (attachments > 0) {
         if (m_text.height() > 0)
             y += contentSpacing;
         m_attachments->setGeometry(left, y, inner, attachments);
         m_attachments->show();
-    } else {
+    } else if (m_attachments) {
         m_attachments->hide();
     }
+}
+
+int NoteRowView::attachmentsHeight(int width) const
+{
+    if (!m_attachments || m_row.note.attachments.isEmpty())
+        return 0;
+    return m_attachments->heightForWidth(width);
 }
 
 void NoteRowView::setEditing(bool editing)
@@ -491,7 +502,7 @@ void NoteRowView::paintEvent(QPaintEvent *)
         int y = rowPadding + cardPaddingV + m_text.height();
         if (m_text.height() > 0)
             y += contentSpacing;
-        const int attachments = m_attachments->heightForWidth(contentWidth(width()));
+        const int attachments = attachmentsHeight(contentWidth(width()));
         if (attachments > 0)
             y += attachments + contentSpacing;
         painter.setFont(caption);
@@ -612,7 +623,7 @@ void NoteRowView::startDrag()
 void NoteRowView::dragEnterEvent(QDragEnterEvent *event)
 {
     const QMimeData *data = event->mimeData();
-    if (m_list.acceptsFileDrops() && !localFiles(data).isEmpty()) {
+    if (!localFiles(data).isEmpty()) {
         m_fileTargeted = true;
         updateFill(true);
         event->acceptProposedAction();
@@ -641,7 +652,7 @@ void NoteRowView::dragLeaveEvent(QDragLeaveEvent *)
 void NoteRowView::dropEvent(QDropEvent *event)
 {
     const QMimeData *data = event->mimeData();
-    const QList<QUrl> files = m_list.acceptsFileDrops() ? localFiles(data) : QList<QUrl>();
+    const QList<QUrl> files = localFiles(data);
     bool accepted = false;
     if (m_fileTargeted || !files.isEmpty()) {
         m_fileTargeted = false;

@@ -2,8 +2,10 @@
 
 #include "panel/PanelListView.h"
 
+#include "attachments/AttachmentActions.h"
+#include "attachments/AttachmentListView.h"
+#include "attachments/DesktopAttachments.h"
 #include "panel/NoteRowView.h"
-#include "panel/PanelCommands.h"
 #include "panel/PanelDrop.h"
 #include "panel/PanelMenus.h"
 #include "panel/RowAccessibles.h"
@@ -19,7 +21,6 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPointer>
 #include <QScrollBar>
 #include <QTimer>
 #include <QVariantAnimation>
@@ -227,9 +228,22 @@ void PanelListView::setSectionMenuFiller(SectionMenuFiller filler)
     m_sectionMenuFiller = std::move(filler);
 }
 
-void PanelListView::setFileDropHandler(FileDropHandler handler)
+void PanelListView::setAttachmentActions(AttachmentActions &actions, ThumbnailCache &thumbnails)
 {
-    m_fileDropHandler = std::move(handler);
+    m_attachmentActions = &actions;
+    m_thumbnails = &thumbnails;
+}
+
+AttachmentActions &PanelListView::attachmentActions() const
+{
+    return m_attachmentActions ? *m_attachmentActions : Vesko::attachmentActions();
+}
+
+AttachmentListView *PanelListView::makeAttachmentListView(QWidget *parent) const
+{
+    if (m_attachmentActions)
+        return new AttachmentListView(*m_attachmentActions, *m_thumbnails, parent);
+    return new AttachmentListView(parent);
 }
 
 // -- what the list shows ------------------------------------------------------------
@@ -763,36 +777,10 @@ bool PanelListView::dropOnRow(const QMimeData *data, const std::optional<QUuid> 
     return outcome != PanelDrop::Outcome::Refused;
 }
 
-bool PanelListView::acceptsFileDrops() const
-{
-    return m_fileDropHandler || PanelCommands::shared().hooks().importFiles;
-}
-
 bool PanelListView::dropFiles(const QList<QUrl> &files, const QUuid &noteID)
 {
     setDropTarget(std::nullopt);
-    if (files.isEmpty() || !acceptsFileDrops())
-        return false;
-    if (m_fileDropHandler) {
-        m_fileDropHandler(files, noteID);
-        return true;
-    }
-    // The files are copied off the main thread; the note may be gone by the
-    // time they are, and the Store then removes them again.
-    QPointer<PanelListView> self(this);
-    PanelCommands::shared().importFiles(
-        files, [self, noteID](const QList<NoteAttachment> &attachments, const QString &failure) {
-            if (!self)
-                return;
-            if (!failure.isEmpty()) {
-                ToastPresenter::shared().present(
-                    tr("Could Not Add Attachment"), QStringLiteral("exclamationmark.triangle"));
-                return;
-            }
-            self->m_store.addAttachments(attachments, noteID);
-            ToastPresenter::shared().present(tr("Attachment Added"), QStringLiteral("paperclip"));
-        });
-    return true;
+    return attachmentActions().dropFiles(files, noteID);
 }
 
 void PanelListView::dragEnterEvent(QDragEnterEvent *event)

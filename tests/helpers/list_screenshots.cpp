@@ -8,11 +8,17 @@
 
 #include "TestEnvironment.h"
 
+#include "attachments/AttachmentActions.h"
+#include "attachments/AttachmentFileDialog.h"
 #include "attachments/AttachmentStore.h"
+#include "attachments/ThumbnailCache.h"
 #include "library/LibraryCoding.h"
+#include "library/LibraryFile.h"
 #include "library/LibraryWriter.h"
 #include "panel/PanelListView.h"
 #include "panel/PanelState.h"
+#include "platform/qt/QtDesktopFiles.h"
+#include "platform/qt/QtPasteboardReader.h"
 #include "search/SearchIndex.h"
 #include "shell/Preferences.h"
 #include "shell/Theme.h"
@@ -20,7 +26,9 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -47,6 +55,22 @@ protected:
         painter.setPen(QPen(colors.panelStroke, 1));
         painter.drawPath(path);
     }
+};
+
+//! Attachment actions over this program's own Store, with the desktop's
+//! services; what they say goes nowhere.
+struct Attachments : AttachmentFeedback
+{
+    Attachments(Store &store, AttachmentStore &files)
+        : actions({store, files, chooser, pasteboard, desktop, *this})
+    { }
+    void toast(const QString &, const QString &) override { }
+
+    AttachmentFileDialog chooser;
+    QtPasteboardReader pasteboard;
+    QtDesktopFiles desktop;
+    AttachmentActions actions;
+    ThumbnailCache thumbnails;
 };
 
 void wait(int milliseconds)
@@ -91,6 +115,26 @@ int main(int argc, char *argv[])
     }
     const QString folder = QString::fromLocal8Bit(argv[2]);
 
+    // The attachments' files: a picture of the same name beside the library
+    // description where there is one, a few bytes otherwise.
+    const QString source = QFileInfo(file.fileName()).absolutePath();
+    const QString attachmentsRoot = attachmentsFolder(libraryURL());
+    for (const Project &project : library->projects) {
+        for (const NoteSection &section : project.sections) {
+            for (const Note &note : section.notes) {
+                for (const NoteAttachment &attachment : note.attachments) {
+                    const QString path = attachmentsRoot + u'/' + attachment.storedFileName;
+                    QDir().mkpath(QFileInfo(path).absolutePath());
+                    if (!QFile::copy(source + u'/' + attachment.fileName, path)) {
+                        QFile placeholder(path);
+                        if (placeholder.open(QIODevice::WriteOnly))
+                            placeholder.write("# Release notes\n");
+                    }
+                }
+            }
+        }
+    }
+
     Preferences preferences;
     LibraryWriter writer;
     AttachmentStore attachments;
@@ -101,9 +145,11 @@ int main(int argc, char *argv[])
         Theme::applyAppearance(appearance);
         Store store(*library, {preferences, writer, attachments, searchIndex});
         PanelState state;
+        Attachments attachmentActions(store, attachments);
         Surface surface;
         surface.resize(340, 560);
         auto *list = new PanelListView(store, state, &surface);
+        list->setAttachmentActions(attachmentActions.actions, attachmentActions.thumbnails);
         list->setGeometry(10, 10, 320, 540);
         surface.show();
         wait(50);
