@@ -22,7 +22,9 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDrag>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMimeData>
 #include <QScrollBar>
 #include <QTemporaryDir>
@@ -190,6 +192,8 @@ private Q_SLOTS:
     void drops();
     void filesDroppedOnANote_data();
     void filesDroppedOnANote();
+    void dragOutCarriesTheNotesAsText();
+    void contextMenus();
 };
 
 void PanelListTest::onlyTheRowsInViewAreLaidOut()
@@ -929,6 +933,48 @@ void PanelListTest::filesDroppedOnANote()
     QCoreApplication::processEvents();
     NoteRowView *row = w.note(QStringLiteral("b"));
     QCOMPARE(row->attachmentsView() && row->attachmentsView()->isVisible(), !attached.isEmpty());
+}
+
+void PanelListTest::dragOutCarriesTheNotesAsText()
+{
+    PanelTestRig rig(QStringLiteral("S1:a,b,c"));
+    ListWindow w(rig);
+    rig.store().setSelection({idFor("a"), idFor("c")}, idFor("a"));
+    QList<QList<QUuid>> marked;
+    connect(&rig.state(), &PanelState::draggingNoteIDsChanged, this,
+        [&] { marked.append(rig.state().draggingNoteIDs()); });
+
+    NoteRowView *row = w.note(QStringLiteral("c"));
+    QTest::mousePress(row, Qt::LeftButton, {}, inText(row));
+    QTest::mouseMove(row, inText(row) + QPoint(0, 3 * QApplication::startDragDistance()));
+    // The drag carried the selection, in the panel's order, as plain text,
+    // and left no notes marked as dragged once it was over.
+    const QDrag *drag = row->findChild<QDrag *>();
+    QVERIFY(drag);
+    QCOMPARE(drag->mimeData()->text(), QStringLiteral("a\n\nc"));
+    QCOMPARE(marked.size(), 2);
+    QCOMPARE(namesOf(marked.at(0)), QStringLiteral("a,c"));
+    QVERIFY(marked.at(1).isEmpty());
+    // No click came of it.
+    QTest::mouseRelease(row, Qt::LeftButton, {}, inText(row));
+    QCOMPARE(namesOf(rig.store().selection().values()), QStringLiteral("a,c"));
+}
+
+void PanelListTest::contextMenus()
+{
+    PanelTestRig rig(QStringLiteral("S1:a,b"));
+    ListWindow w(rig);
+    const QList<QWidget *> targets = {w.note(QStringLiteral("a")), w.header(QStringLiteral("S1"))};
+    for (QWidget *target : targets) {
+        QContextMenuEvent event(
+            QContextMenuEvent::Mouse, QPoint(20, 10), target->mapToGlobal(QPoint(20, 10)));
+        QCoreApplication::sendEvent(target, &event);
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        QVERIFY(menu);
+        QVERIFY(!menu->actions().isEmpty());
+        menu->close();
+        QCoreApplication::processEvents();
+    }
 }
 
 VESKO_WIDGET_TEST_MAIN(PanelListTest)
