@@ -14,6 +14,7 @@
 #include "shell/Theme.h"
 #include "store/Store.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QDesktopServices>
@@ -160,6 +161,13 @@ void NoteRowView::bind(const PanelNoteRow &row)
         updateFill(false);
     layoutChildren();
     update();
+    if (QAccessible::isActive()) {
+        // A screen reader on this row hears of its new text or state.
+        QAccessibleEvent name(this, QAccessible::NameChanged);
+        QAccessible::updateAccessibility(&name);
+        QAccessibleEvent description(this, QAccessible::DescriptionChanged);
+        QAccessible::updateAccessibility(&description);
+    }
 }
 
 void NoteRowView::refresh()

@@ -10,6 +10,7 @@
 #include "shell/Theme.h"
 #include "store/Store.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QGraphicsDropShadowEffect>
@@ -79,6 +80,10 @@ SectionHeaderView::SectionHeaderView(
 
 void SectionHeaderView::bind(const PanelSectionRow &section)
 {
+    if (section == m_section) {
+        refresh();
+        return;
+    }
     const bool sameSection = section.id == m_section.id;
     const bool collapseChanged = sameSection && section.isCollapsed != m_section.isCollapsed;
     m_section = section;
@@ -101,6 +106,14 @@ void SectionHeaderView::bind(const PanelSectionRow &section)
     }
     refresh();
     update();
+    if (QAccessible::isActive()) {
+        QAccessibleEvent name(this, QAccessible::NameChanged);
+        QAccessible::updateAccessibility(&name);
+        QAccessible::State changed;
+        changed.expanded = changed.collapsed = true;
+        QAccessibleStateChangeEvent state(this, changed);
+        QAccessible::updateAccessibility(&state);
+    }
 }
 
 void SectionHeaderView::refresh()
