@@ -4,14 +4,16 @@
 # demo library in a private X server, once in the light and once in the dark
 # appearance, and the panel's part of the screen is saved as PNG. The
 # attachment views are drawn by tests/helpers/attachment_gallery; the Settings
-# window is opened from the tray menu, each tab in both appearances.
+# window is opened from the tray menu, each tab in both appearances; the
+# list's own shots (Markdown notes, an expanded note with attachments, a
+# search) are drawn offscreen by tests/helpers/list_screenshots.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 if [ "${1:-}" != "--inside" ]; then
     bash scripts/install-deps.sh
     cmake -S . -B build-tests -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVESKO_BUILD_BENCHMARKS=OFF >/dev/null
-    cmake --build build-tests --target vesko screen_grab attachment_gallery
+    cmake --build build-tests --target vesko screen_grab attachment_gallery list_screenshots
     exec tests/x-session.sh "$0" --inside
 fi
 
@@ -134,3 +136,4 @@ kill -TERM "$pid"
 wait "$pid" || true
 rm -rf "$root"
 echo "wrote $out/panel-not-saved.png"
+build-tests/tests/list_screenshots "$out/list-demo-library.json" "$out"
