@@ -123,14 +123,16 @@ void PanelCommands::chooseFiles(std::function<void(const QList<QUrl> &)> done) c
     dialog->open();
 }
 
-void PanelCommands::importFiles(const QList<QUrl> &urls,
-    std::function<void(const QList<NoteAttachment> &, const QString &)> done) const
+void PanelCommands::importForNewNote(const QList<QUrl> &urls,
+    std::function<void(const std::optional<QList<NoteAttachment>> &)> done) const
 {
-    if (m_hooks.importFiles) {
-        m_hooks.importFiles(urls, std::move(done));
+    if (m_hooks.importForNewNote) {
+        m_hooks.importForNewNote(urls, std::move(done));
         return;
     }
-    done({}, tr("Attachments cannot be imported."));
+    ToastPresenter::shared().present(
+        tr("Could Not Add Attachment"), QStringLiteral("exclamationmark.triangle"));
+    done(std::nullopt);
 }
 
 void PanelCommands::openAttachment(const NoteAttachment &attachment) const

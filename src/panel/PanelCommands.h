@@ -16,6 +16,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QWidget;
 
@@ -47,11 +48,12 @@ public:
         //! Asks for files without blocking, and hands the chosen ones over
         //! (nothing when the dialog was cancelled).
         std::function<void(std::function<void(const QList<QUrl> &)>)> chooseFiles;
-        //! Copies files into the attachments folder off the main thread and
-        //! answers with their records, or with the failure text.
-        std::function<void(const QList<QUrl> &,
-            std::function<void(const QList<NoteAttachment> &, const QString &failure)>)>
-            importFiles;
+        //! Copies the files of a note not yet written into the attachments
+        //! folder off the main thread, and answers with their records, or with
+        //! nothing after a failure, which it has told the user of.
+        std::function<void(
+            const QList<QUrl> &, std::function<void(const std::optional<QList<NoteAttachment>> &)>)>
+            importForNewNote;
     };
 
     explicit PanelCommands(QObject *parent = nullptr);
@@ -74,8 +76,10 @@ public:
     void addAttachments(const QUuid &noteID) const;
     void pasteAttachments(const QUuid &noteID) const;
     void chooseFiles(std::function<void(const QList<QUrl> &)> done) const;
-    void importFiles(const QList<QUrl> &urls,
-        std::function<void(const QList<NoteAttachment> &, const QString &failure)> done) const;
+    //! Imports the files of a note not yet written; \a done gets their
+    //! records, or nothing after a failure (the user has been told).
+    void importForNewNote(const QList<QUrl> &urls,
+        std::function<void(const std::optional<QList<NoteAttachment>> &)> done) const;
 
     //! Opens an attachment's file with the desktop's default application.
     void openAttachment(const NoteAttachment &attachment) const;

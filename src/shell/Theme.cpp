@@ -235,6 +235,9 @@ QIcon symbolIcon(const QString &symbol, const QColor &color, int size)
     };
     static const Symbol symbols[] = {
         {"checkmark", "object-select-symbolic", u"\u2713"},
+        {"ellipsis", "view-more-horizontal-symbolic", u"\u22EF"},
+        {"magnifyingglass", "edit-find-symbolic", u"\u2315"},
+        {"xmark.circle.fill", "edit-clear-symbolic", u"\u2297"},
         {"text.cursor", "edit-select-all-symbolic", u"I"},
         {"exclamationmark.triangle", "dialog-warning-symbolic", u"\u26A0"},
         {"lock", "changes-prevent-symbolic", u"\u26BF"},
