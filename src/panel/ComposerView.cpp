@@ -231,8 +231,14 @@ void ComposerView::commit()
     if (m_isSaving)
         return;
 
-    if (text.startsWith(QLatin1String("# "))) {
-        const QString title = text.mid(2).trimmed();
+    // A line that starts with "# " asks for a section, even with nothing
+    // behind it: then it stays in the box.
+    qsizetype start = 0;
+    const QString typed = m_field->text();
+    while (start < typed.size() && typed.at(start).isSpace())
+        ++start;
+    if (QStringView(typed).mid(start).startsWith(QLatin1String("# "))) {
+        const QString title = typed.mid(start + 2).trimmed();
         if (title.isEmpty()) {
             Q_EMIT focusRequested(PanelFocusTarget::Composer);
             return;

@@ -97,10 +97,12 @@ void PanelRootView::setLayerFactory(LayerFactory factory)
     layerFactory() = std::move(factory);
 }
 
-PanelRootView::PanelRootView(Store &store, PanelState &state, QWidget *parent)
+PanelRootView::PanelRootView(
+    Store &store, PanelState &state, Preferences &preferences, QWidget *parent)
     : QWidget(parent)
     , m_store(store)
     , m_state(state)
+    , m_preferences(preferences)
 {
     setObjectName(QStringLiteral("VeskoPanelRoot"));
 
@@ -227,12 +229,31 @@ void PanelRootView::setFocusTarget(PanelFocusTarget target)
         m_list->setFocus(Qt::OtherFocusReason);
         break;
     case PanelFocusTarget::Composer:
+        // Taken at once when the window is ready, else when it is.
+        if (!m_layer && isVisible())
+            m_composer->field()->setFocus(Qt::OtherFocusReason);
+        break;
     case PanelFocusTarget::None:
         break;
     }
     applyComposerFocus();
     if (changed)
         Q_EMIT focusTargetChanged(m_focus);
+}
+
+QWidget *PanelRootView::focusWidgetFor(PanelFocusTarget target) const
+{
+    switch (target) {
+    case PanelFocusTarget::Composer:
+        return m_composer->field()->editor();
+    case PanelFocusTarget::Search:
+        return m_search->field();
+    case PanelFocusTarget::List:
+        return m_list;
+    case PanelFocusTarget::None:
+        break;
+    }
+    return nullptr;
 }
 
 void PanelRootView::applyComposerFocus()
@@ -283,7 +304,7 @@ void PanelRootView::showOverflowMenu()
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setObjectName(QStringLiteral("VeskoOverflowMenu"));
     menu->setAccessibleName(tr("More options"));
-    fillOverflowMenu(*menu, m_store, m_state, Preferences::shared());
+    fillOverflowMenu(*menu, m_store, m_state, m_preferences);
     m_overflow->setDown(true);
     connect(
         menu, &QMenu::aboutToHide, m_overflow, [button = m_overflow] { button->setDown(false); });
@@ -397,6 +418,14 @@ void PanelRootView::resizeEvent(QResizeEvent *event)
 bool PanelRootView::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::FocusIn) {
+        if (static_cast<QFocusEvent *>(event)->reason() == Qt::ActiveWindowFocusReason) {
+            // The window's first focus on activation is not the user's choice:
+            // the panel's own target takes the keyboard.
+            if (!m_layer && watched != focusWidgetFor(m_focus))
+                QMetaObject::invokeMethod(
+                    this, [this] { setFocusTarget(m_focus); }, Qt::QueuedConnection);
+            return QWidget::eventFilter(watched, event);
+        }
         // Focus that arrives by the pointer or by Tab moves the panel's target.
         PanelFocusTarget target = PanelFocusTarget::None;
         if (watched == m_composer->field()->editor())

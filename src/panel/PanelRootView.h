@@ -24,6 +24,7 @@ namespace Vesko {
 
 class ComposerView;
 class PanelRowsModel;
+class Preferences;
 class SearchFieldView;
 class Store;
 
@@ -46,7 +47,8 @@ public:
     //! The factory for all panels of the process.
     static void setLayerFactory(LayerFactory factory);
 
-    PanelRootView(Store &store, PanelState &state, QWidget *parent = nullptr);
+    PanelRootView(
+        Store &store, PanelState &state, Preferences &preferences, QWidget *parent = nullptr);
     ~PanelRootView() override;
 
     PanelFocusTarget focusTarget() const { return m_focus; }
@@ -86,12 +88,14 @@ private:
     void refreshEmptyState();
     void refreshLayer();
     void applyComposerFocus();
+    QWidget *focusWidgetFor(PanelFocusTarget target) const;
     //! Takes the view of the layer that went down off the screen.
     void retireLayer();
     QWidget *makeLayerView(PanelLayer layer);
 
     Store &m_store;
     PanelState &m_state;
+    Preferences &m_preferences;
     PanelFocusTarget m_focus = PanelFocusTarget::Composer;
     PanelRowsModel *m_model = nullptr;
     QListView *m_list = nullptr;
