@@ -7,6 +7,7 @@
 
 #include "capture/CaptureEngine.h"
 #include "library/Library.h"
+#include "panel/PanelCommands.h"
 #include "panel/PanelController.h"
 #include "panel/PanelState.h"
 #include "platform/Logging.h"
@@ -54,6 +55,14 @@ int main(int argc, char *argv[])
     DesktopCapture capture(store, preferences, panel, ToastPresenter::shared());
     AppDelegate delegate(store, preferences, panel, capture.launchHooks());
     TrayIcon tray(panel, preferences);
+
+    // What the panel's menus reach beyond the Store.
+    PanelCommands::Hooks commands;
+    commands.quit
+        = [&app] { QMetaObject::invokeMethod(&app, &QApplication::quit, Qt::QueuedConnection); };
+    commands.resetPanelPosition = [&panel] { panel.resetPanelPosition(); };
+    commands.resetPanelSize = [&panel] { panel.resetPanelSize(); };
+    PanelCommands::shared().setHooks(commands);
 
     QObject::connect(
         &instance, &SingleInstance::reopenRequested, &delegate, &AppDelegate::handleReopen);

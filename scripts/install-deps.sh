@@ -13,8 +13,12 @@ packages=(
     libsqlite3-dev libsimdjson-dev libbenchmark-dev
     libxcb1-dev libxcb-xinput-dev libxcb-xtest0-dev libxcb-res0-dev libxcb-xkb-dev
     libxkbcommon-dev libxkbcommon-x11-dev
+    # spell checking in the text fields, and a dictionary for its tests
+    libenchant-2-dev hunspell-en-us
     # a real X session for the platform and interface tests
     xvfb xauth openbox x11-utils xdotool xclip xterm
+    # the panel read over AT-SPI as a screen reader does, on a private session bus
+    dbus dbus-bin at-spi2-core python3-pyatspi
     # runtime plugins
     qt6-qpa-plugins fonts-dejavu-core
 )

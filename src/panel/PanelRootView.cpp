@@ -124,6 +124,8 @@ PanelRootView::PanelRootView(
     m_list->setAttribute(Qt::WA_MacShowFocusRect, false);
     m_list->viewport()->setAutoFillBackground(false);
     m_list->installEventFilter(this);
+    m_list->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_list, &QListView::customContextMenuRequested, this, &PanelRootView::showRowMenu);
     // The model last: view settings made after it lay out every row at once.
     m_list->setModel(m_model);
     connect(&m_store, &Store::selectionAnchorChanged, this, [this] {
@@ -310,6 +312,21 @@ void PanelRootView::showOverflowMenu()
         menu, &QMenu::aboutToHide, m_overflow, [button = m_overflow] { button->setDown(false); });
     menu->popup(m_overflow->mapToGlobal(
         QPoint(m_overflow->width() - menu->sizeHint().width(), m_overflow->height() + 4)));
+}
+
+void PanelRootView::showRowMenu(const QPoint &position)
+{
+    const QModelIndex index = m_list->indexAt(position);
+    if (!index.isValid())
+        return;
+    const QUuid id = index.data(PanelRowsModel::IdRole).toUuid();
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    if (index.data(PanelRowsModel::IsSectionRole).toBool())
+        fillSectionMenu(*menu, m_store, m_state, id);
+    else
+        fillNoteMenu(*menu, m_store, m_state, noteMenuTarget(m_store, id));
+    menu->popup(m_list->viewport()->mapToGlobal(position));
 }
 
 QWidget *PanelRootView::makeLayerView(PanelLayer layer)

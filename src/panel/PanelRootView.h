@@ -91,6 +91,8 @@ private:
     QWidget *focusWidgetFor(PanelFocusTarget target) const;
     //! Takes the view of the layer that went down off the screen.
     void retireLayer();
+    //! The context menu of the row at \a position of the list.
+    void showRowMenu(const QPoint &position);
     QWidget *makeLayerView(PanelLayer layer);
 
     Store &m_store;

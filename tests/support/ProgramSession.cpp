@@ -52,6 +52,11 @@ QString ProgramSession::configPath() const
     return m_root.filePath(QStringLiteral("config/Vesko/Vesko.conf"));
 }
 
+void ProgramSession::setEnvironmentVariable(const QString &name, const QString &value)
+{
+    m_environment.insert(name, value);
+}
+
 QProcess *ProgramSession::start(const QString &program, const QStringList &arguments)
 {
     auto *process = new QProcess;

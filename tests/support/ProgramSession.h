@@ -23,6 +23,9 @@ public:
     QString libraryPath() const;
     QString configPath() const;
 
+    //! Adds \a name=\a value to the environment of the programs started next.
+    void setEnvironmentVariable(const QString &name, const QString &value);
+
     //! Starts \a program with the session's environment; it ends with the session.
     QProcess *start(const QString &program, const QStringList &arguments = {});
 

@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The panel from the outside, as a screen reader user meets it: Vesko runs
+// in a private X session with a window manager and a session bus, keys and
+// clicks come from xdotool, and what the panel shows is read over AT-SPI.
+// A note is added through the composer, a search narrows the rows, a
+// section is made through the prompt of the "More options" menu, the note
+// menu is read, and after SIGTERM the library file holds every change.
+
+#include "TestEnvironment.h"
+
+#include "AccessibleTree.h"
+#include "ProgramSession.h"
+
+#include <QProcess>
+
+#include <csignal>
+
+using namespace Vesko;
+using Test::AccessibleNode;
+using Test::AccessibleTree;
+using Test::xdotool;
+
+namespace {
+
+const QString application = QStringLiteral("Vesko");
+
+AccessibleTree tree()
+{
+    return AccessibleTree::read(application);
+}
+
+void key(const QString &keys)
+{
+    xdotool({QStringLiteral("key"), QStringLiteral("--clearmodifiers"), keys});
+}
+
+void type(const QString &text)
+{
+    xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("10"), text});
+}
+
+void click(const QPoint &point, int button = 1)
+{
+    xdotool({QStringLiteral("mousemove"), QString::number(point.x()), QString::number(point.y())});
+    QTest::qWait(100);
+    xdotool({QStringLiteral("click"), QString::number(button)});
+}
+
+//! The names of the rows on screen: list items (the notes and section headers).
+QStringList rowNames(const AccessibleTree &tree)
+{
+    return tree.names(QStringLiteral("list item"));
+}
+
+//! The titles of the entries of the menu on screen.
+QStringList menuEntries(const AccessibleTree &tree)
+{
+    QStringList entries;
+    for (const AccessibleNode *node : tree.all()) {
+        if ((node->role == QLatin1String("menu item")
+                || node->role == QLatin1String("check menu item")
+                || node->role == QLatin1String("radio menu item")
+                || node->role == QLatin1String("menu"))
+            && node->isShowing() && !node->name.isEmpty())
+            entries.append(node->name);
+    }
+    return entries;
+}
+
+} // namespace
+
+class PanelAccessTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void throughTheScreenReader();
+};
+
+void PanelAccessTest::initTestCase()
+{
+    if (qEnvironmentVariableIsEmpty("DISPLAY"))
+        QSKIP("Needs an X server: run through tests/x-session.sh");
+    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
+        QSKIP("Needs a session bus: run through dbus-run-session");
+    if (!QFile::exists(QStringLiteral("/usr/bin/python3")))
+        QSKIP("Needs python3 with pyatspi");
+}
+
+void PanelAccessTest::throughTheScreenReader()
+{
+    Test::ProgramSession session;
+    session.setEnvironmentVariable(
+        QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+    QProcess *vesko = session.start(QStringLiteral(VESKO_PATH));
+    QTRY_VERIFY_WITH_TIMEOUT(!Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), 15000);
+
+    // The composer has the keyboard, and a screen reader hears where a note goes.
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [] {
+            const AccessibleTree now = tree();
+            const AccessibleNode *composer
+                = now.find(QStringLiteral("text"), QStringLiteral("Add to Inbox"));
+            return composer && composer->hasState(QStringLiteral("focused"));
+        }(),
+        20000);
+    {
+        const AccessibleTree now = tree();
+        QVERIFY(now.find(QStringLiteral("push button"), QStringLiteral("More options")));
+        QVERIFY(now.find(QStringLiteral("push button"), QStringLiteral("Add Attachment")));
+        QVERIFY(now.find(QStringLiteral("text"), QStringLiteral("Search")));
+        // No search yet: no clear button on screen.
+        QVERIFY(!now.find(QStringLiteral("push button"), QStringLiteral("Clear search")));
+    }
+
+    // Two notes through the composer; Shift+Return breaks a line.
+    type(QStringLiteral("Buy oat milk"));
+    key(QStringLiteral("Return"));
+    type(QStringLiteral("Call the plumber"));
+    key(QStringLiteral("shift+Return"));
+    type(QStringLiteral("about the sink"));
+    key(QStringLiteral("Return"));
+    QTRY_VERIFY_WITH_TIMEOUT(rowNames(tree()).contains(QStringLiteral("Buy oat milk")), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        rowNames(tree()).contains(QStringLiteral("Call the plumber\nabout the sink")), 10000);
+
+    // A search, typed into the field after a click on it, narrows the rows.
+    const AccessibleNode *search = tree().find(QStringLiteral("text"), QStringLiteral("Search"));
+    QVERIFY(search);
+    click(search->center());
+    type(QStringLiteral("oat"));
+    QTRY_COMPARE_WITH_TIMEOUT(rowNames(tree()).filter(QStringLiteral("plumber")).size(), 0, 10000);
+    QVERIFY(rowNames(tree()).contains(QStringLiteral("Buy oat milk")));
+    QVERIFY(tree().find(QStringLiteral("push button"), QStringLiteral("Clear search")));
+    // A word nobody wrote: the empty state says so.
+    type(QStringLiteral("zzz"));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        tree().find(QStringLiteral("label"), QStringLiteral("No matches")), 10000);
+    // Escape clears the search; the rows come back.
+    key(QStringLiteral("Escape"));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        rowNames(tree()).contains(QStringLiteral("Call the plumber\nabout the sink")), 10000);
+    QVERIFY(!tree().find(QStringLiteral("push button"), QStringLiteral("Clear search")));
+
+    // "More options" opens its menu, with the entries in their order.
+    const AccessibleNode *more
+        = tree().find(QStringLiteral("push button"), QStringLiteral("More options"));
+    QVERIFY(more);
+    click(more->center());
+    QTRY_VERIFY_WITH_TIMEOUT(menuEntries(tree()).contains(QStringLiteral("New Section…")), 10000);
+    {
+        const QStringList entries = menuEntries(tree());
+        const QStringList expected
+            = {"New Project…", "Rename Project…", "Delete Project", "Switch Section…",
+                "New Section…", "Collapse All Sections", "Expand All Sections", "Show Completed",
+                "Completed at Bottom", "Newest First", "Copy All as List", "Clear Completed",
+                "Export as Markdown…", "Show Notes File in Files", "Reset Window Position",
+                "Reset Window Size", "Keyboard Shortcuts…", "Settings…", "Quit Vesko"};
+        qsizetype at = -1;
+        for (const QString &entry : expected) {
+            const qsizetype found = entries.indexOf(entry, at + 1);
+            QVERIFY2(found > at, qPrintable(entry + u" in " + entries.join(u'|')));
+            at = found;
+        }
+    }
+    const AccessibleNode *newSection
+        = tree().find(QStringLiteral("menu item"), QStringLiteral("New Section…"));
+    QVERIFY(newSection);
+    click(newSection->center());
+
+    // The prompt takes the keyboard; its name is said.
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [] {
+            const AccessibleNode *field
+                = tree().find(QStringLiteral("text"), QStringLiteral("Section name"));
+            return field && field->hasState(QStringLiteral("focused"));
+        }(),
+        10000);
+    QVERIFY(tree().find(QStringLiteral("push button"), QStringLiteral("Add")));
+    type(QStringLiteral("Errands"));
+    key(QStringLiteral("Return"));
+    // The new section is the active one: the composer says so.
+    QTRY_VERIFY_WITH_TIMEOUT(
+        tree().find(QStringLiteral("text"), QStringLiteral("Add to Errands")), 10000);
+    QVERIFY(!tree().find(QStringLiteral("text"), QStringLiteral("Section name")));
+
+    // The context menu of a note, opened with the right button.
+    const AccessibleTree rows = tree();
+    const AccessibleNode *milk = nullptr;
+    for (const AccessibleNode *node : rows.all()) {
+        if (node->role == QLatin1String("list item") && node->name == QLatin1String("Buy oat milk"))
+            milk = node;
+    }
+    QVERIFY(milk);
+    click(milk->center(), 3);
+    QTRY_VERIFY_WITH_TIMEOUT(menuEntries(tree()).contains(QStringLiteral("Mark as Done")), 10000);
+    {
+        const QStringList entries = menuEntries(tree());
+        for (const QString &entry : {"Copy", "Copy as List", "Mark as Done", "Expand", "Edit",
+                 "Edit in New Window", "Merge Notes", "Split into Notes", "Add Attachment…",
+                 "Paste Image or File", "Move to", "Delete"})
+            QVERIFY2(entries.contains(QString::fromUtf8(entry)), entry);
+    }
+    // Mark as Done from the menu, by the pointer.
+    const AccessibleNode *markDone
+        = tree().find(QStringLiteral("menu item"), QStringLiteral("Mark as Done"));
+    QVERIFY(markDone);
+    click(markDone->center());
+    QTRY_VERIFY_WITH_TIMEOUT(menuEntries(tree()).isEmpty(), 10000);
+
+    // Ended by a signal within the save delay: the file holds every change.
+    ::kill(pid_t(vesko->processId()), SIGTERM);
+    QVERIFY(vesko->waitForFinished(15000));
+    QCOMPARE(vesko->exitCode(), 0);
+    const Library library = Test::readLibraryFile(session.libraryPath());
+    QCOMPARE(library.projects.size(), 1);
+    QStringList sections;
+    for (const NoteSection &section : library.projects.first().sections)
+        sections.append(section.title);
+    QCOMPARE(sections, (QStringList {"Inbox", "Errands"}));
+    const QList<Note> notes = library.projects.first().sections.first().notes;
+    QCOMPARE(notes.size(), 2);
+    QCOMPARE(notes.at(0).text, QStringLiteral("Buy oat milk"));
+    QVERIFY(notes.at(0).isDone);
+    QCOMPARE(notes.at(1).text, QStringLiteral("Call the plumber\nabout the sink"));
+    QVERIFY(!notes.at(1).isDone);
+    QCOMPARE(library.projects.first().activeSectionID, library.projects.first().sections.last().id);
+}
+
+QTEST_GUILESS_MAIN(PanelAccessTest)
+#include "tst_panelaccess.moc"
