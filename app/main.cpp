@@ -5,6 +5,7 @@
 // shows the floating panel once the event loop runs, and writes the library
 // on the way out, however it is asked to end.
 
+#include "attachments/DesktopAttachments.h"
 #include "capture/CaptureEngine.h"
 #include "library/Library.h"
 #include "panel/PanelCommands.h"
@@ -50,14 +51,15 @@ int main(int argc, char *argv[])
         qlonglong(noteCount(store.library())));
 
     PanelController &panel = PanelController::shared();
+    installAttachmentCommands(PanelCommands::shared());
     // The hot keys' combinations and capture availability are read now; nothing
     // is registered or listened to before the launch has finished.
     DesktopCapture capture(store, preferences, panel, ToastPresenter::shared());
     AppDelegate delegate(store, preferences, panel, capture.launchHooks());
     TrayIcon tray(panel, preferences);
 
-    // What the panel's menus reach beyond the Store.
-    PanelCommands::Hooks commands;
+    // What the panel's menus reach beyond the Store, beside the attachments.
+    PanelCommands::Hooks commands = PanelCommands::shared().hooks();
     commands.quit
         = [&app] { QMetaObject::invokeMethod(&app, &QApplication::quit, Qt::QueuedConnection); };
     commands.resetPanelPosition = [&panel] { panel.resetPanelPosition(); };

@@ -17,10 +17,13 @@ packages=(
     libenchant-2-dev hunspell-en-us
     # a real X session for the platform and interface tests
     xvfb xauth openbox x11-utils xdotool xclip xterm
-    # the panel read over AT-SPI as a screen reader does, on a private session bus
-    dbus dbus-bin at-spi2-core python3-pyatspi
+    # a private session bus (the file manager's D-Bus interface), and the panel
+    # read over AT-SPI as a screen reader does
+    dbus dbus-bin dbus-daemon at-spi2-core python3-pyatspi
     # runtime plugins
     qt6-qpa-plugins fonts-dejavu-core
+    # the file types of attachments
+    shared-mime-info
 )
 
 missing=()

@@ -3,9 +3,10 @@
 // The panel from the outside, as a screen reader user meets it: Vesko runs
 // in a private X session with a window manager and a session bus, keys and
 // clicks come from xdotool, and what the panel shows is read over AT-SPI.
-// A note is added through the composer, a search narrows the rows, a
+// Notes are added through the composer, a search narrows the rows, a
 // section is made through the prompt of the "More options" menu, the note
-// menu is read, and after SIGTERM the library file holds every change.
+// menu is read, a note is marked done through its control and another one
+// edited in place; after SIGTERM the library file holds every change.
 
 #include "TestEnvironment.h"
 
@@ -161,7 +162,7 @@ void PanelAccessTest::throughTheScreenReader()
         qsizetype at = -1;
         for (const QString &entry : expected) {
             const qsizetype found = entries.indexOf(entry, at + 1);
-            QVERIFY2(found > at, qPrintable(entry + u" in " + entries.join(u'|')));
+            QVERIFY2(found > at, qPrintable(entry + QStringLiteral(" in ") + entries.join(u'|')));
             at = found;
         }
     }
@@ -198,17 +199,74 @@ void PanelAccessTest::throughTheScreenReader()
     QTRY_VERIFY_WITH_TIMEOUT(menuEntries(tree()).contains(QStringLiteral("Mark as Done")), 10000);
     {
         const QStringList entries = menuEntries(tree());
-        for (const QString &entry : {"Copy", "Copy as List", "Mark as Done", "Expand", "Edit",
+        for (const char *entry : {"Copy", "Copy as List", "Mark as Done", "Expand", "Edit",
                  "Edit in New Window", "Merge Notes", "Split into Notes", "Add Attachment…",
                  "Paste Image or File", "Move to", "Delete"})
             QVERIFY2(entries.contains(QString::fromUtf8(entry)), entry);
     }
-    // Mark as Done from the menu, by the pointer.
-    const AccessibleNode *markDone
-        = tree().find(QStringLiteral("menu item"), QStringLiteral("Mark as Done"));
-    QVERIFY(markDone);
-    click(markDone->center());
+    key(QStringLiteral("Escape"));
     QTRY_VERIFY_WITH_TIMEOUT(menuEntries(tree()).isEmpty(), 10000);
+
+    // The done control of a row, found inside the row and clicked.
+    const AccessibleNode *control = nullptr;
+    {
+        const AccessibleTree now = tree();
+        for (const AccessibleNode *node : now.all()) {
+            if (node->role == QLatin1String("list item")
+                && node->name == QLatin1String("Buy oat milk")) {
+                QCOMPARE(node->description, QStringLiteral("Not done"));
+                for (const AccessibleNode &child : node->children) {
+                    if (child.role == QLatin1String("push button"))
+                        control = &child;
+                }
+                QVERIFY(control);
+                QCOMPARE(control->name, QStringLiteral("Mark as done"));
+                click(control->center());
+            }
+        }
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [] {
+            const AccessibleTree now = tree();
+            const QList<const AccessibleNode *> rows = now.all([](const AccessibleNode &node) {
+                return node.role == QLatin1String("list item")
+                    && node.name == QLatin1String("Buy oat milk");
+            });
+            return !rows.isEmpty() && rows.first()->description == QLatin1String("Done");
+        }(),
+        10000);
+
+    // A note edited in place: a double click opens its editor with the text.
+    const AccessibleNode *plumber = nullptr;
+    const AccessibleTree beforeEdit = tree();
+    for (const AccessibleNode *node : beforeEdit.all()) {
+        if (node->role == QLatin1String("list item")
+            && node->name == QLatin1String("Call the plumber\nabout the sink"))
+            plumber = node;
+    }
+    QVERIFY(plumber);
+    const QPoint onText = plumber->extents.topLeft() + QPoint(plumber->extents.width() / 2, 14);
+    xdotool(
+        {QStringLiteral("mousemove"), QString::number(onText.x()), QString::number(onText.y())});
+    QTest::qWait(100);
+    xdotool({QStringLiteral("click"), QStringLiteral("--repeat"), QStringLiteral("2"),
+        QStringLiteral("--delay"), QStringLiteral("80"), QStringLiteral("1")});
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [] {
+            const AccessibleTree now = tree();
+            for (const AccessibleNode *node : now.all()) {
+                if (node->role == QLatin1String("text") && node->hasState(QStringLiteral("focused"))
+                    && node->text == QStringLiteral("Call the plumber\nabout the sink"))
+                    return true;
+            }
+            return false;
+        }(),
+        10000);
+    key(QStringLiteral("ctrl+a"));
+    type(QStringLiteral("Call the plumber today"));
+    key(QStringLiteral("Return"));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        rowNames(tree()).contains(QStringLiteral("Call the plumber today")), 10000);
 
     // Ended by a signal within the save delay: the file holds every change.
     ::kill(pid_t(vesko->processId()), SIGTERM);
@@ -224,7 +282,7 @@ void PanelAccessTest::throughTheScreenReader()
     QCOMPARE(notes.size(), 2);
     QCOMPARE(notes.at(0).text, QStringLiteral("Buy oat milk"));
     QVERIFY(notes.at(0).isDone);
-    QCOMPARE(notes.at(1).text, QStringLiteral("Call the plumber\nabout the sink"));
+    QCOMPARE(notes.at(1).text, QStringLiteral("Call the plumber today"));
     QVERIFY(!notes.at(1).isDone);
     QCOMPARE(library.projects.first().activeSectionID, library.projects.first().sections.last().id);
 }

@@ -8,12 +8,19 @@
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
 
+#include "attachments/AttachmentActions.h"
+#include "attachments/AttachmentFileDialog.h"
+#include "attachments/PendingAttachmentStrip.h"
+#include "library/LibraryFile.h"
 #include "panel/ComposerView.h"
 #include "panel/NativeInlineTextField.h"
 #include "panel/PanelCommands.h"
+#include "panel/PanelListView.h"
 #include "panel/PanelPromptView.h"
 #include "panel/PanelRootView.h"
 #include "panel/SearchFieldView.h"
+#include "platform/qt/QtDesktopFiles.h"
+#include "platform/qt/QtPasteboardReader.h"
 #include "shell/Toast.h"
 
 #include <QLineEdit>
@@ -59,6 +66,33 @@ void type(QWidget *widget, const QString &text)
             QTest::keyClicks(widget, QString(c));
     }
 }
+
+//! The attachment actions of the program, on the test's Store, answering with toasts.
+struct Attachments : AttachmentFeedback
+{
+    explicit Attachments(Store &store)
+        : actions({store, files, chooser, pasteboard, desktop, *this})
+    {
+        PanelCommands::Hooks hooks;
+        hooks.importForNewNote
+            = [this](const QList<QUrl> &urls,
+                  std::function<void(const std::optional<QList<NoteAttachment>> &)> done) {
+                  actions.importForNewNote(urls, std::move(done));
+              };
+        PanelCommands::shared().setHooks(hooks);
+    }
+
+    void toast(const QString &message, const QString &symbol) override
+    {
+        ToastPresenter::shared().present(message, symbol);
+    }
+
+    AttachmentStore files;
+    AttachmentFileDialog chooser;
+    QtPasteboardReader pasteboard;
+    QtDesktopFiles desktop;
+    AttachmentActions actions;
+};
 
 } // namespace
 
@@ -416,42 +450,29 @@ void PanelRootTest::sectionLineWithFilesMakesOneNote()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("plan");
     file.close();
-    QList<QList<QUrl>> imports;
-    PanelCommands::Hooks hooks;
-    hooks.importForNewNote
-        = [&](const QList<QUrl> &urls,
-              std::function<void(const std::optional<QList<NoteAttachment>> &)> done) {
-              imports.append(urls);
-              QList<NoteAttachment> records;
-              for (const QUrl &url : urls) {
-                  NoteAttachment record;
-                  record.id = QUuid::createUuid();
-                  record.fileName = url.fileName();
-                  record.storedFileName
-                      = record.id.toString(QUuid::WithoutBraces) + u'/' + url.fileName();
-                  record.createdAt = QDateTime::currentDateTimeUtc();
-                  records.append(record);
-              }
-              done(records);
-          };
-    PanelCommands::shared().setHooks(hooks);
 
     PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
     Store &store = m_fixture->store();
+    Attachments attachments(store);
     root.composer()->addPendingURLs({QUrl::fromLocalFile(file.fileName())});
     QTextEdit *editor = root.composer()->field()->editor();
     QTRY_VERIFY(editor->hasFocus());
     QTest::keyClicks(editor, QStringLiteral("# Files"));
     QTest::keyClick(editor, Qt::Key_Return);
 
-    QCOMPARE(imports.size(), 1);
+    // The section at once, the note when the file has been copied.
     QCOMPARE(sectionTitles(store), (QStringList {"Inbox", "Files"}));
+    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Using Files"));
+    QTRY_VERIFY(!root.composer()->isSaving());
     const NoteSection files = store.activeProject().sections.at(1);
     QCOMPARE(files.notes.size(), 1);
     QCOMPARE(files.notes.first().text, QString());
     QCOMPARE(files.notes.first().attachments.size(), 1);
-    QCOMPARE(files.notes.first().attachments.first().fileName, QStringLiteral("plan.txt"));
-    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Using Files"));
+    const NoteAttachment attached = files.notes.first().attachments.first();
+    QCOMPARE(attached.fileName, QStringLiteral("plan.txt"));
+    QFile copy(attachmentsFolder(libraryURL()) + u'/' + attached.storedFileName);
+    QVERIFY(copy.open(QIODevice::ReadOnly));
+    QCOMPARE(copy.readAll(), QByteArray("plan"));
     QCOMPARE(root.composer()->text(), QString());
     QVERIFY(root.composer()->pendingURLs().isEmpty());
 }
@@ -493,16 +514,17 @@ void PanelRootTest::secondReturnDuringAnImportDoesNothing()
 void PanelRootTest::failedImportKeepsTheBox()
 {
     PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
-    // Without an importer the import fails and says so.
-    root.composer()->addPendingURLs({QUrl::fromLocalFile(QStringLiteral("/tmp/one.png"))});
+    Attachments attachments(m_fixture->store());
+    // A file that is not there: the import fails, and says so.
+    root.composer()->addPendingURLs({QUrl::fromLocalFile(QStringLiteral("/nonexistent/one.png"))});
     QTextEdit *editor = root.composer()->field()->editor();
     QTRY_VERIFY(editor->hasFocus());
     QTest::keyClicks(editor, QStringLiteral("keep me"));
     QTest::keyClick(editor, Qt::Key_Return);
+    QTRY_VERIFY(!root.composer()->isSaving());
     QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Could Not Add Attachment"));
     QCOMPARE(root.composer()->text(), QStringLiteral("keep me"));
     QCOMPARE(root.composer()->pendingURLs().size(), 1);
-    QVERIFY(!root.composer()->isSaving());
     QCOMPARE(notesOf(m_fixture->store(), QStringLiteral("Inbox")), QStringList {"a"});
 }
 
@@ -514,6 +536,7 @@ void PanelRootTest::sameFileOnce()
     root.composer()->addPendingURLs({one, two});
     root.composer()->addPendingURLs({two, one});
     QCOMPARE(root.composer()->pendingURLs(), (QList<QUrl> {one, two}));
+    QCOMPARE(root.composer()->pendingStrip()->chipNames(), (QStringList {"one.png", "two.png"}));
     // Escape with files waiting clears them and keeps the composer.
     QTRY_VERIFY(root.composer()->field()->editor()->hasFocus());
     QTest::keyClick(root.composer()->field()->editor(), Qt::Key_Escape);

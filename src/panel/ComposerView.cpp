@@ -2,6 +2,8 @@
 
 #include "panel/ComposerView.h"
 
+#include "attachments/PendingAttachmentStrip.h"
+
 #include "panel/NativeInlineTextField.h"
 #include "panel/PanelCommands.h"
 #include "panel/PanelSurface.h"
@@ -39,57 +41,12 @@ QList<QUrl> droppedFiles(const QMimeData *data)
 
 } // namespace
 
-//! The files waiting to go with the note: one small chip each, named by the
-//! file, whose button takes it out again. Without files it takes no room.
-class PendingFilesStrip : public QWidget
-{
-public:
-    explicit PendingFilesStrip(ComposerView *composer)
-        : QWidget(composer)
-        , m_composer(composer)
-        , m_layout(new QHBoxLayout(this))
-    {
-        m_layout->setContentsMargins(0, 0, 0, 0);
-        m_layout->setSpacing(5);
-        m_layout->addStretch();
-        hide();
-    }
-
-    void setUrls(const QList<QUrl> &urls)
-    {
-        while (m_layout->count() > 1)
-            delete m_layout->takeAt(0)->widget();
-        for (const QUrl &url : urls) {
-            auto *chip = new QToolButton(this);
-            const QString name = QFileInfo(url.toLocalFile()).fileName();
-            chip->setText(name + QStringLiteral("  ×"));
-            chip->setAutoRaise(true);
-            chip->setFocusPolicy(Qt::NoFocus);
-            chip->setAccessibleName(ComposerView::tr("Remove %1").arg(name));
-            QFont font = Theme::captionFont();
-            font.setPixelSize(11);
-            chip->setFont(font);
-            QObject::connect(chip, &QToolButton::clicked, m_composer, [this, url] {
-                QList<QUrl> remaining = m_composer->pendingURLs();
-                remaining.removeAll(url);
-                m_composer->setPendingURLs(remaining);
-            });
-            m_layout->insertWidget(m_layout->count() - 1, chip);
-        }
-        setVisible(!urls.isEmpty());
-    }
-
-private:
-    ComposerView *m_composer;
-    QHBoxLayout *m_layout;
-};
-
 ComposerView::ComposerView(Store &store, QWidget *parent)
     : QWidget(parent)
     , m_store(store)
     , m_field(new NativeInlineTextField(this))
     , m_attach(new QToolButton(this))
-    , m_strip(new PendingFilesStrip(this))
+    , m_strip(new PendingAttachmentStrip(this))
     , m_emphasis(new EaseOutValue(this, emphasisMilliseconds))
     , m_hover(new EaseOutValue(this, emphasisMilliseconds))
 {
@@ -129,6 +86,9 @@ ComposerView::ComposerView(Store &store, QWidget *parent)
     });
     connect(m_field, &NativeInlineTextField::heightChanged, this, [this] { updateGeometry(); });
     connect(m_attach, &QToolButton::clicked, this, &ComposerView::chooseFiles);
+    // A chip's button takes its file out of the list.
+    connect(m_strip, &PendingAttachmentStrip::urlsChanged, this,
+        [this] { setPendingURLs(m_strip->urls()); });
     connect(&m_store, &Store::rowsChanged, this, &ComposerView::refreshPlaceholder);
 
     applyTheme();

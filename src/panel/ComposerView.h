@@ -21,7 +21,7 @@ namespace Vesko {
 
 class EaseOutValue;
 class NativeInlineTextField;
-class PendingFilesStrip;
+class PendingAttachmentStrip;
 class Store;
 
 class ComposerView : public QWidget
@@ -42,6 +42,7 @@ public:
     bool isFocused() const { return m_isFocused; }
 
     NativeInlineTextField *field() const { return m_field; }
+    PendingAttachmentStrip *pendingStrip() const { return m_strip; }
     QToolButton *attachmentButton() const { return m_attach; }
     QString text() const;
     void setText(const QString &text);
@@ -87,7 +88,7 @@ private:
     Store &m_store;
     NativeInlineTextField *m_field;
     QToolButton *m_attach;
-    PendingFilesStrip *m_strip;
+    PendingAttachmentStrip *m_strip;
     EaseOutValue *m_emphasis;
     EaseOutValue *m_hover;
     QList<QUrl> m_pendingURLs;

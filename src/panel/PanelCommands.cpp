@@ -6,15 +6,11 @@
 #include "library/LibraryFile.h"
 #include "platform/SerialQueue.h"
 #include "platform/qt/QtClipboard.h"
+#include "platform/qt/QtDesktopFiles.h"
 #include "shell/Toast.h"
 #include "store/NoteText.h"
 
 #include <QCoreApplication>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-#include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -107,6 +103,12 @@ void PanelCommands::pasteAttachments(const QUuid &noteID) const
         m_hooks.pasteAttachments(noteID);
 }
 
+void PanelCommands::dropFilesOnNote(const QList<QUrl> &files, const QUuid &noteID) const
+{
+    if (m_hooks.dropFilesOnNote)
+        m_hooks.dropFilesOnNote(files, noteID);
+}
+
 void PanelCommands::chooseFiles(std::function<void(const QList<QUrl> &)> done) const
 {
     if (m_hooks.chooseFiles) {
@@ -135,45 +137,28 @@ void PanelCommands::importForNewNote(const QList<QUrl> &urls,
     done(std::nullopt);
 }
 
-void PanelCommands::openAttachment(const NoteAttachment &attachment) const
+QtDesktopFiles &PanelCommands::desktopFiles()
+{
+    if (!m_desktopFiles)
+        m_desktopFiles = std::make_unique<QtDesktopFiles>();
+    return *m_desktopFiles;
+}
+
+void PanelCommands::openAttachment(const NoteAttachment &attachment)
 {
     if (const std::optional<QString> file = attachmentFile(attachment))
-        QDesktopServices::openUrl(QUrl::fromLocalFile(*file));
+        desktopFiles().open(*file);
 }
 
-void PanelCommands::revealAttachment(const NoteAttachment &attachment) const
+void PanelCommands::revealAttachment(const NoteAttachment &attachment)
 {
     if (const std::optional<QString> file = attachmentFile(attachment))
-        showInFileManager(*file);
+        desktopFiles().reveal(*file);
 }
 
-void PanelCommands::revealLibraryFile() const
+void PanelCommands::revealLibraryFile()
 {
-    showInFileManager(libraryURL());
-}
-
-void PanelCommands::showInFileManager(const QString &path)
-{
-    const QString folder = QFileInfo(path).absolutePath();
-    auto openFolder = [folder] { QDesktopServices::openUrl(QUrl::fromLocalFile(folder)); };
-    QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected()) {
-        openFolder();
-        return;
-    }
-    QDBusMessage call
-        = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),
-            QStringLiteral("/org/freedesktop/FileManager1"),
-            QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
-    call << QStringList {QUrl::fromLocalFile(path).toString()} << QString();
-    // Asked without waiting: a file manager that is slow to start never holds the panel.
-    auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
-        [openFolder](QDBusPendingCallWatcher *finished) {
-            if (finished->isError())
-                openFolder();
-            finished->deleteLater();
-        });
+    desktopFiles().reveal(libraryURL());
 }
 
 void PanelCommands::exportMarkdown(const QString &text, QWidget *parent)

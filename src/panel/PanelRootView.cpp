@@ -4,11 +4,11 @@
 
 #include "panel/ComposerView.h"
 #include "panel/NativeInlineTextField.h"
-#include "panel/NoteRowDelegate.h"
+#include "panel/PanelCommands.h"
+#include "panel/PanelListView.h"
 #include "panel/PanelMenus.h"
 #include "panel/PanelPromptView.h"
 #include "panel/PanelPrompts.h"
-#include "panel/PanelRowsModel.h"
 #include "panel/SearchFieldView.h"
 #include "shell/Preferences.h"
 #include "shell/Theme.h"
@@ -19,7 +19,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListView>
 #include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
@@ -106,34 +105,12 @@ PanelRootView::PanelRootView(
 {
     setObjectName(QStringLiteral("VeskoPanelRoot"));
 
-    // The list first: the bars float over it.
-    m_model = new PanelRowsModel(store, this);
-    m_list = new QListView(this);
+    // The list first: the bars float over it and the rows scroll beneath them.
+    m_list = new PanelListView(store, state, this);
     m_list->setObjectName(QStringLiteral("VeskoNoteList"));
-    m_list->setAccessibleName(tr("Notes"));
-    m_list->setItemDelegate(new NoteRowDelegate(m_list));
-    m_list->setFrameShape(QFrame::NoFrame);
-    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    m_list->setResizeMode(QListView::Adjust);
-    // A project of thousands of notes is laid out in batches between events.
-    m_list->setLayoutMode(QListView::Batched);
-    m_list->setBatchSize(100);
-    m_list->setSelectionMode(QAbstractItemView::NoSelection);
-    m_list->setMouseTracking(true);
-    m_list->setAttribute(Qt::WA_MacShowFocusRect, false);
-    m_list->viewport()->setAutoFillBackground(false);
     m_list->installEventFilter(this);
-    m_list->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(m_list, &QListView::customContextMenuRequested, this, &PanelRootView::showRowMenu);
-    // The model last: view settings made after it lay out every row at once.
-    m_list->setModel(m_model);
-    connect(&m_store, &Store::selectionAnchorChanged, this, [this] {
-        if (const std::optional<QUuid> anchor = m_store.selectionAnchor()) {
-            const int row = m_model->rowOf(*anchor);
-            if (row >= 0)
-                m_list->scrollTo(m_model->index(row));
-        }
+    m_list->setFileDropHandler([](const QList<QUrl> &files, const QUuid &noteID) {
+        PanelCommands::shared().dropFilesOnNote(files, noteID);
     });
 
     m_emptyState = new QWidget(this);
@@ -198,11 +175,6 @@ PanelRootView::PanelRootView(
 }
 
 PanelRootView::~PanelRootView() = default;
-
-QWidget *PanelRootView::list() const
-{
-    return m_list;
-}
 
 void PanelRootView::setFootView(QWidget *view)
 {
@@ -314,21 +286,6 @@ void PanelRootView::showOverflowMenu()
         QPoint(m_overflow->width() - menu->sizeHint().width(), m_overflow->height() + 4)));
 }
 
-void PanelRootView::showRowMenu(const QPoint &position)
-{
-    const QModelIndex index = m_list->indexAt(position);
-    if (!index.isValid())
-        return;
-    const QUuid id = index.data(PanelRowsModel::IdRole).toUuid();
-    auto *menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    if (index.data(PanelRowsModel::IsSectionRole).toBool())
-        fillSectionMenu(*menu, m_store, m_state, id);
-    else
-        fillNoteMenu(*menu, m_store, m_state, noteMenuTarget(m_store, id));
-    menu->popup(m_list->viewport()->mapToGlobal(position));
-}
-
 QWidget *PanelRootView::makeLayerView(PanelLayer layer)
 {
     if (const std::optional<PanelPrompt> prompt = panelPrompt(layer, m_store)) {
@@ -411,10 +368,21 @@ void PanelRootView::layOut()
                                                       : m_composer->sizeHint().height());
     m_composer->setGeometry(inner.left(), bottom - composerHeight, inner.width(), composerHeight);
 
-    const int listTop = inner.top() + headerHeight + padding;
-    const int listBottom = m_composer->y() - padding;
-    m_list->setGeometry(inner.left(), listTop, inner.width(), std::max(0, listBottom - listTop));
-    m_emptyState->setGeometry(m_list->geometry());
+    // The list takes the whole inner area; its rows run under the two bars.
+    m_list->setGeometry(inner);
+    const int topMargin = headerHeight + padding;
+    const int bottomMargin = inner.bottom() + 1 - m_composer->y() + padding;
+    m_list->setContentMargins(topMargin, bottomMargin);
+    // The empty state stands in the clear area between the bars.
+    m_emptyState->setGeometry(inner.left(), inner.top() + topMargin, inner.width(),
+        std::max(0, m_composer->y() - padding - (inner.top() + topMargin)));
+    m_emptyState->raise();
+    m_header->raise();
+    m_composer->raise();
+    if (m_foot)
+        m_foot->raise();
+    if (m_layer)
+        m_layer->raise();
     if (m_layer)
         m_layer->setGeometry(rect());
 }

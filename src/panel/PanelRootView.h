@@ -17,13 +17,12 @@
 #include <functional>
 
 class QLabel;
-class QListView;
 class QToolButton;
 
 namespace Vesko {
 
 class ComposerView;
-class PanelRowsModel;
+class PanelListView;
 class Preferences;
 class SearchFieldView;
 class Store;
@@ -62,7 +61,7 @@ public:
     ComposerView *composer() const { return m_composer; }
     SearchFieldView *searchField() const { return m_search; }
     QToolButton *overflowButton() const { return m_overflow; }
-    QWidget *list() const;
+    PanelListView *list() const { return m_list; }
     //! The layer on screen and its view; None and null without one.
     PanelLayer shownLayer() const { return m_shownLayer; }
     QWidget *layerView() const { return m_layer; }
@@ -91,16 +90,13 @@ private:
     QWidget *focusWidgetFor(PanelFocusTarget target) const;
     //! Takes the view of the layer that went down off the screen.
     void retireLayer();
-    //! The context menu of the row at \a position of the list.
-    void showRowMenu(const QPoint &position);
     QWidget *makeLayerView(PanelLayer layer);
 
     Store &m_store;
     PanelState &m_state;
     Preferences &m_preferences;
     PanelFocusTarget m_focus = PanelFocusTarget::Composer;
-    PanelRowsModel *m_model = nullptr;
-    QListView *m_list = nullptr;
+    PanelListView *m_list = nullptr;
     QWidget *m_header = nullptr;
     SearchFieldView *m_search = nullptr;
     QToolButton *m_overflow = nullptr;

@@ -7,6 +7,10 @@
                                         performs ACTION (default: the first
                                         one) on the first object of ROLE
                                         and NAME, depth first
+    atspi_reader.py where APP ROLE [PATTERN]
+                                        the centre "x y" on the screen of the
+                                        first showing object of ROLE whose
+                                        name matches the regular expression
     atspi_reader.py apps                the names of the applications
 
 Each node of the tree has role, name, description, states, and where the
@@ -17,6 +21,7 @@ from the defaults. Exit status 2 when APP is not on the bus (yet).
 """
 
 import json
+import re
 import sys
 
 import pyatspi
@@ -101,6 +106,21 @@ def first(node, role, name):
     return None
 
 
+def first_showing(node, role, pattern):
+    states = node.getState()
+    if (node.getRoleName() == role and re.search(pattern, node.name or "")
+            and states.contains(pyatspi.STATE_SHOWING)):
+        return node
+    for index in range(min(node.childCount, MAX_CHILDREN)):
+        child = node.getChildAtIndex(index)
+        if child is None:
+            continue
+        found = first_showing(child, role, pattern)
+        if found is not None:
+            return found
+    return None
+
+
 def main(arguments):
     if len(arguments) < 1:
         print(__doc__, file=sys.stderr)
@@ -118,6 +138,13 @@ def main(arguments):
         return 2
     if command == "tree":
         print(json.dumps(describe(app), ensure_ascii=False))
+        return 0
+    if command == "where" and len(arguments) >= 3:
+        target = first_showing(app, arguments[2], arguments[3] if len(arguments) > 3 else "")
+        if target is None:
+            return 3
+        box = target.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+        print(box.x + box.width // 2, box.y + box.height // 2)
         return 0
     if command == "do" and len(arguments) >= 4:
         target = first(app, arguments[2], arguments[3])
