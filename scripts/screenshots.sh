@@ -37,6 +37,18 @@ where() { # ROLE PATTERN: the centre of the first showing object, retried
     echo "not found: $1 $2" >&2
     return 1
 }
+in_menu() { # PATTERN: the centre of the entry of the open popup menu
+    # A popup is read as a screen reader reads it: through the focus of its entry.
+    $reader popup Vesko Down | /usr/bin/python3 -c '
+import json, re, sys
+menu = json.load(sys.stdin)
+for entry in menu.get("children", []):
+    if re.search(sys.argv[1], entry["name"]):
+        x, y, w, h = entry["extents"]
+        print(x + w // 2, y + h // 2)
+        break
+' "$1"
+}
 click_at() { # X Y [BUTTON]
     xdotool mousemove "$1" "$2"
     sleep 0.15
@@ -75,7 +87,7 @@ for appearance in light dark; do
     # The note menu and its "Move to" submenu.
     click_at $(where "list item" 'backup rotation') 3
     grab "menu-note-$appearance.png" $menu_area
-    read -r x y < <(where "menu" '^Move to$')
+    read -r x y < <(in_menu '^Move to$')
     xdotool mousemove "$x" "$y"
     sleep 0.8
     grab "menu-move-$appearance.png" $menu_area
@@ -90,7 +102,7 @@ for appearance in light dark; do
 
     # The "New Section" prompt.
     click_at $(where "push button" '^More options$')
-    click_at $(where "menu item" '^New Section')
+    click_at $(in_menu '^New Section')
     sleep 0.4
     xdotool type --delay 10 'Errands'
     sleep 0.3

@@ -11,6 +11,13 @@
                                         the centre "x y" on the screen of the
                                         first showing object of ROLE whose
                                         name matches the regular expression
+    atspi_reader.py popup APP [KEY]     presses KEY (default Down) with
+                                        xdotool and prints, as JSON, the
+                                        popup menu that gets the focus: a
+                                        popup is no child of its application,
+                                        so it is found as a screen reader
+                                        finds it, by the focus event of its
+                                        entry
     atspi_reader.py apps                the names of the applications
 
 Each node of the tree has role, name, description, states, and where the
@@ -22,6 +29,7 @@ from the defaults. Exit status 2 when APP is not on the bus (yet).
 
 import json
 import re
+import subprocess
 import sys
 
 import pyatspi
@@ -121,6 +129,37 @@ def first_showing(node, role, pattern):
     return None
 
 
+def focused_popup(app_name, key):
+    """The menu whose entry takes the focus after pressing key."""
+    from gi.repository import GLib
+
+    found = {}
+
+    def on_focus(event):
+        source = event.source
+        try:
+            if source.getApplication().name.lower() != app_name.lower():
+                return
+        except Exception:
+            return
+        if event.type.startswith("object:state-changed") and not event.detail1:
+            return
+        role = source.getRoleName()
+        if "menu item" in role or role == "menu":
+            found["menu"] = source.parent if "menu item" in role else source
+
+    def press():
+        subprocess.run(["xdotool", "key", key], check=False)
+        return False
+
+    pyatspi.Registry.registerEventListener(on_focus, "object:state-changed:focused", "focus:")
+    GLib.timeout_add(300, press)
+    GLib.timeout_add(1500, lambda: pyatspi.Registry.stop() or False)
+    pyatspi.Registry.start()
+    pyatspi.Registry.deregisterEventListener(on_focus, "object:state-changed:focused", "focus:")
+    return found.get("menu")
+
+
 def main(arguments):
     if len(arguments) < 1:
         print(__doc__, file=sys.stderr)
@@ -139,6 +178,15 @@ def main(arguments):
     if command == "tree":
         print(json.dumps(describe(app), ensure_ascii=False))
         return 0
+    if command == "popup":
+        menu = focused_popup(arguments[1], arguments[2] if len(arguments) > 2 else "Down")
+        if menu is None:
+            return 3
+        print(json.dumps(describe(menu), ensure_ascii=False))
+        return 0
+    app = find_app(arguments[1])
+    if app is None:
+        return 2
     if command == "where" and len(arguments) >= 3:
         target = first_showing(app, arguments[2], arguments[3] if len(arguments) > 3 else "")
         if target is None:

@@ -56,9 +56,19 @@ void collect(const AccessibleNode &node, QList<const AccessibleNode *> &out)
 
 AccessibleTree AccessibleTree::read(const QString &application)
 {
+    return run({QStringLiteral("tree"), application});
+}
+
+AccessibleTree AccessibleTree::popup(const QString &application, const QString &key)
+{
+    return run({QStringLiteral("popup"), application, key});
+}
+
+AccessibleTree AccessibleTree::run(const QStringList &arguments)
+{
     AccessibleTree tree;
     QProcess reader;
-    reader.start(python, {readerPath(), QStringLiteral("tree"), application});
+    reader.start(python, QStringList {readerPath()} + arguments);
     if (!reader.waitForFinished(30000) || reader.exitCode() != 0)
         return tree;
     const QJsonDocument document = QJsonDocument::fromJson(reader.readAllStandardOutput());

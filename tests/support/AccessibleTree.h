@@ -46,6 +46,12 @@ public:
     //! The tree of the application \a name, as it is now; empty when the
     //! application is not on the accessibility bus.
     static AccessibleTree read(const QString &application);
+    //! The popup menu on screen, found as a screen reader finds it: \a key
+    //! is pressed (xdotool) and the menu whose entry takes the focus is read.
+    //! Empty when no menu entry took the focus. A popup is no child of its
+    //! application, so read() does not see it.
+    static AccessibleTree popup(
+        const QString &application, const QString &key = QStringLiteral("Down"));
     //! Asks AT-SPI to perform \a action on the first object of \a role and \a name.
     static bool perform(const QString &application, const QString &role, const QString &name,
         const QString &action = QString());
@@ -62,6 +68,9 @@ public:
     QStringList names(const QString &role) const;
 
 private:
+    //! Runs the reader with \a arguments and parses the tree it prints.
+    static AccessibleTree run(const QStringList &arguments);
+
     std::optional<AccessibleNode> m_root;
 };
 
