@@ -24,7 +24,7 @@ reader="/usr/bin/python3 tests/helpers/atspi_reader.py"
 # The panel sits at the right edge: 340 × 560 at (916, 120) on 1280 × 800.
 panel_area="896 100 380 600"
 # Menus open beside it, to its left.
-menu_area="560 100 716 640"
+menu_area="560 100 720 640"
 
 where() { # ROLE PATTERN: the centre of the first showing object, retried
     for _ in $(seq 1 50); do

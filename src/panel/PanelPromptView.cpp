@@ -4,7 +4,6 @@
 
 #include "shell/Theme.h"
 
-#include <QGraphicsDropShadowEffect>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -22,6 +21,8 @@ namespace Vesko {
 namespace {
 
 constexpr double dimOpacity = 0.16;
+constexpr double shadowOpacity = 0.22;
+constexpr int shadowOffset = 6;
 constexpr int cardRadius = 16;
 constexpr int fieldRadius = 9;
 
@@ -86,11 +87,6 @@ PanelPromptView::PanelPromptView(const QString &title, const QString &placeholde
     const ThemeColors colors = Theme::currentColors();
 
     m_card->setAccessibleName(title);
-    auto *shadow = new QGraphicsDropShadowEffect(m_card);
-    shadow->setColor(QColor(0, 0, 0, int(0.22 * 255)));
-    shadow->setOffset(0, 6);
-    shadow->setBlurRadius(24);
-    m_card->setGraphicsEffect(shadow);
 
     auto *layout = new QVBoxLayout(m_card);
     layout->setContentsMargins(14, 14, 14, 14);
@@ -240,6 +236,19 @@ void PanelPromptView::paintEvent(QPaintEvent *)
     // The dim follows the panel's rounded surface.
     path.addRoundedRect(QRectF(rect()), 22, 22);
     painter.fillPath(path, QColor(0, 0, 0, int(dimOpacity * 255)));
+
+    // The card's shadow, 6 px below it: rings of black that fade outwards
+    // (painted here, since the layer fades with an opacity effect of its own).
+    constexpr int blur = 12;
+    const QRectF card = QRectF(m_card->geometry()).translated(0, shadowOffset);
+    painter.setPen(Qt::NoPen);
+    for (int ring = blur; ring >= 1; --ring) {
+        const double spread = ring;
+        const double alpha = shadowOpacity * (1.0 - double(ring) / (blur + 1)) / blur * 2.4;
+        painter.setBrush(QColor(0, 0, 0, int(std::min(1.0, alpha) * 255)));
+        painter.drawRoundedRect(card.adjusted(-spread, -spread, spread, spread),
+            cardRadius + spread, cardRadius + spread);
+    }
 }
 
 } // namespace Vesko

@@ -143,6 +143,9 @@ QPalette palette(bool dark)
         p.setColor(QPalette::Disabled, QPalette::WindowText, withAlpha(black, 0.28));
         p.setColor(QPalette::Disabled, QPalette::ButtonText, withAlpha(black, 0.28));
     }
+    // Disabled text is drawn flat: no light etching under it, which would
+    // make it brighter than enabled text on a dark surface.
+    p.setColor(QPalette::Disabled, QPalette::Light, Qt::transparent);
     p.setColor(QPalette::Highlight, accent);
     p.setColor(QPalette::HighlightedText, Qt::white);
     p.setColor(QPalette::Link, accent);
