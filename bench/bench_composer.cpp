@@ -15,6 +15,7 @@
 #include "panel/NativeInlineTextField.h"
 #include "panel/PanelRootView.h"
 #include "panel/PanelState.h"
+#include "platform/SpellChecker.h"
 #include "search/SearchIndex.h"
 #include "shell/Preferences.h"
 #include "store/Store.h"
@@ -111,6 +112,19 @@ void BM_ComposerTypedCharacter(benchmark::State &state)
     }
 }
 
+void BM_ComposerTypedCharacterSpellChecked(benchmark::State &state)
+{
+    // The same with the English dictionary marking misspelled words as typed.
+    if (!SpellChecking::shared().checker()
+        && !SpellChecking::shared().loadNow(QStringLiteral("en_US"))) {
+        state.SkipWithError("no English dictionary");
+        return;
+    }
+    panel().root.composer()->setText(QString());
+    QCoreApplication::processEvents();
+    BM_ComposerTypedCharacter(state);
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -122,6 +136,9 @@ int main(int argc, char *argv[])
     benchmark::RegisterBenchmark("BM_RebuildRows", BM_RebuildRows)->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark("BM_ComposerTypedCharacter", BM_ComposerTypedCharacter)
         ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark(
+        "BM_ComposerTypedCharacterSpellChecked", BM_ComposerTypedCharacterSpellChecked)
+        ->Unit(benchmark::kMillisecond);
     benchmark::Initialize(&argc, argv);
     Bench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
@@ -130,6 +147,9 @@ int main(int argc, char *argv[])
         reporter.times["BM_ComposerTypedCharacter"],
         reporter.ratio("BM_ComposerTypedCharacter", "BM_RebuildRows"),
         reporter.times["BM_RebuildRows"]);
+    std::printf("with spell checking: %.3f ms, %.3f of one rebuild of the rows\n",
+        reporter.times["BM_ComposerTypedCharacterSpellChecked"],
+        reporter.ratio("BM_ComposerTypedCharacterSpellChecked", "BM_RebuildRows"));
     benchmark::Shutdown();
     return 0;
 }
