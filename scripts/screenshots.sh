@@ -5,6 +5,7 @@
 # and once in the dark appearance. The panel, each of its menus and a prompt
 # are opened with real clicks where the accessibility tree (read over AT-SPI,
 # tests/helpers/atspi_reader.py) says the controls are, and saved as PNG.
+# The attachment views are drawn by tests/helpers/attachment_gallery.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -13,7 +14,7 @@ if [ "${1:-}" != "--inside" ]; then
     bash scripts/install-deps.sh
     if [ -z "${VESKO_BUILD:-}" ]; then
         cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVESKO_BUILD_BENCHMARKS=OFF >/dev/null
-        cmake --build "$build" --target vesko screen_grab
+        cmake --build "$build" --target vesko screen_grab attachment_gallery
     fi
     export VESKO_BUILD=$build
     exec tests/x-session.sh dbus-run-session -- "$0" --inside
@@ -112,4 +113,8 @@ for appearance in light dark; do
     kill -TERM "$pid"
     wait "$pid" || true
     rm -rf "$root"
+done
+for appearance in light dark; do
+    "$build"/tests/attachment_gallery "$out/attachments-$appearance.png" "$appearance"
+    echo "wrote $out/attachments-$appearance.png"
 done
