@@ -3,7 +3,8 @@
 // The panel from the outside, as a screen reader user meets it: Vesko runs
 // in a private X session with a window manager and a session bus, keys and
 // clicks come from xdotool, and what the panel shows is read over AT-SPI.
-// Notes are added through the composer, a search narrows the rows, a
+// Notes are added through the composer, a search narrows the rows and marks
+// the word it found (seen on the screen: the mark is the accent colour), a
 // section is made through the prompt of the "More options" menu, the note
 // menu is read, a note is marked done through its control and another one
 // edited in place; after SIGTERM the library file holds every change.
@@ -13,7 +14,9 @@
 #include "AccessibleTree.h"
 #include "ProgramSession.h"
 
+#include <QImage>
 #include <QProcess>
+#include <QTemporaryDir>
 
 #include <csignal>
 
@@ -29,6 +32,14 @@ const QString application = QStringLiteral("Vesko");
 AccessibleTree tree()
 {
     return AccessibleTree::read(application);
+}
+
+//! The object of \a role and \a name on screen now, as a copy.
+std::optional<AccessibleNode> found(const QString &role, const QString &name)
+{
+    const AccessibleTree now = tree();
+    const AccessibleNode *node = now.find(role, name);
+    return node ? std::optional(*node) : std::nullopt;
 }
 
 void key(const QString &keys)
@@ -79,6 +90,39 @@ const AccessibleNode *menuEntry(const AccessibleTree &menu, const QString &name)
     for (const AccessibleNode &node : menu.root().children) {
         if (node.name == name)
             return &node;
+    }
+    return nullptr;
+}
+
+//! The pixels of \a area of the screen that are clearly blue (the search
+//! marks are the accent colour over the note's fill), past the done control.
+int bluishPixels(const QRect &area)
+{
+    QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("row.png"));
+    QProcess grab;
+    grab.start(QStringLiteral(SCREEN_GRAB_PATH),
+        {file, QString::number(area.x()), QString::number(area.y()), QString::number(area.width()),
+            QString::number(area.height())});
+    if (!grab.waitForFinished(10000) || grab.exitCode() != 0)
+        return -1;
+    const QImage image(file);
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 30; x < image.width(); ++x) {
+            const QColor pixel = image.pixelColor(x, y);
+            if (pixel.blue() - pixel.red() > 25)
+                ++count;
+        }
+    }
+    return count;
+}
+
+const AccessibleNode *row(const AccessibleTree &tree, const QString &name)
+{
+    for (const AccessibleNode *node : tree.all()) {
+        if (node->role == QLatin1String("list item") && node->name == name && node->isShowing())
+            return node;
     }
     return nullptr;
 }
@@ -141,14 +185,29 @@ void PanelAccessTest::throughTheScreenReader()
     QTRY_VERIFY_WITH_TIMEOUT(
         rowNames(tree()).contains(QStringLiteral("Call the plumber\nabout the sink")), 10000);
 
-    // A search, typed into the field after a click on it, narrows the rows.
-    const AccessibleNode *search = tree().find(QStringLiteral("text"), QStringLiteral("Search"));
+    // A search, typed into the field after a click on it, narrows the rows
+    // and marks the word in the note that stays.
+    const int bluishBefore = [] {
+        const AccessibleTree now = tree();
+        const AccessibleNode *milk = row(now, QStringLiteral("Buy oat milk"));
+        return milk ? bluishPixels(milk->extents) : -1;
+    }();
+    QVERIFY(bluishBefore >= 0);
+    const std::optional<AccessibleNode> search
+        = found(QStringLiteral("text"), QStringLiteral("Search"));
     QVERIFY(search);
     click(search->center());
     type(QStringLiteral("oat"));
     QTRY_COMPARE_WITH_TIMEOUT(rowNames(tree()).filter(QStringLiteral("plumber")).size(), 0, 10000);
     QVERIFY(rowNames(tree()).contains(QStringLiteral("Buy oat milk")));
     QVERIFY(tree().find(QStringLiteral("push button"), QStringLiteral("Clear search")));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [&] {
+            const AccessibleTree now = tree();
+            const AccessibleNode *milk = row(now, QStringLiteral("Buy oat milk"));
+            return milk && bluishPixels(milk->extents) > bluishBefore + 40;
+        }(),
+        10000);
     // A word nobody wrote: the empty state says so.
     type(QStringLiteral("zzz"));
     QTRY_VERIFY_WITH_TIMEOUT(
@@ -160,8 +219,8 @@ void PanelAccessTest::throughTheScreenReader()
     QVERIFY(!tree().find(QStringLiteral("push button"), QStringLiteral("Clear search")));
 
     // "More options" opens its menu, with the entries in their order.
-    const AccessibleNode *more
-        = tree().find(QStringLiteral("push button"), QStringLiteral("More options"));
+    const std::optional<AccessibleNode> more
+        = found(QStringLiteral("push button"), QStringLiteral("More options"));
     QVERIFY(more);
     click(more->center());
     AccessibleTree overflow;
@@ -181,8 +240,8 @@ void PanelAccessTest::throughTheScreenReader()
     // The prompt takes the keyboard; its name is said.
     QTRY_VERIFY_WITH_TIMEOUT(
         [] {
-            const AccessibleNode *field
-                = tree().find(QStringLiteral("text"), QStringLiteral("Section name"));
+            const std::optional<AccessibleNode> field
+                = found(QStringLiteral("text"), QStringLiteral("Section name"));
             return field && field->hasState(QStringLiteral("focused"));
         }(),
         10000);

@@ -50,8 +50,11 @@ protected:
 
 void guardKeys(QMenu &menu)
 {
-    if (!menu.findChild<MenuKeyGuard *>(QString(), Qt::FindDirectChildrenOnly))
-        menu.installEventFilter(new MenuKeyGuard(&menu));
+    static const char guarded[] = "veskoKeysGuarded";
+    if (menu.property(guarded).toBool())
+        return;
+    menu.setProperty(guarded, true);
+    menu.installEventFilter(new MenuKeyGuard(&menu));
 }
 
 QAction *addEntry(QMenu &menu, const QString &title, std::function<void()> run,
