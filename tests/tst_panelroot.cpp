@@ -23,7 +23,9 @@
 #include "platform/qt/QtPasteboardReader.h"
 #include "shell/Toast.h"
 
+#include <QDragEnterEvent>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTextEdit>
@@ -120,6 +122,7 @@ private Q_SLOTS:
     void secondReturnDuringAnImportDoesNothing();
     void failedImportKeepsTheBox();
     void sameFileOnce();
+    void filesFromTheButtonAndFromADrop();
     void searchFieldEscapeTwice_data();
     void searchFieldEscapeTwice();
     void clearButton();
@@ -542,6 +545,41 @@ void PanelRootTest::sameFileOnce()
     QTest::keyClick(root.composer()->field()->editor(), Qt::Key_Escape);
     QVERIFY(root.composer()->pendingURLs().isEmpty());
     QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
+}
+
+void PanelRootTest::filesFromTheButtonAndFromADrop()
+{
+    const QUrl chosen = QUrl::fromLocalFile(QStringLiteral("/tmp/chosen.pdf"));
+    const QUrl dropped = QUrl::fromLocalFile(QStringLiteral("/tmp/dropped.png"));
+    PanelCommands::Hooks hooks;
+    hooks.chooseFiles = [&](std::function<void(const QList<QUrl> &)> done) { done({chosen}); };
+    PanelCommands::shared().setHooks(hooks);
+
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
+    m_state->requestFocus(PanelFocusTarget::List);
+    QTest::mouseClick(root.composer()->attachmentButton(), Qt::LeftButton);
+    QCOMPARE(root.composer()->pendingURLs(), QList<QUrl> {chosen});
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
+
+    // Files dropped on the box join them; a drop of text alone is refused.
+    m_state->requestFocus(PanelFocusTarget::List);
+    QMimeData files;
+    files.setUrls({dropped, chosen});
+    const QPoint inside = root.composer()->rect().center();
+    QDragEnterEvent enter(inside, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(root.composer(), &enter);
+    QVERIFY(enter.isAccepted());
+    QDropEvent drop(inside, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(root.composer(), &drop);
+    QVERIFY(drop.isAccepted());
+    QCOMPARE(root.composer()->pendingURLs(), (QList<QUrl> {chosen, dropped}));
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
+
+    QMimeData text;
+    text.setText(QStringLiteral("just words"));
+    QDragEnterEvent textEnter(inside, Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(root.composer(), &textEnter);
+    QVERIFY(!textEnter.isAccepted());
 }
 
 void PanelRootTest::searchFieldEscapeTwice_data()

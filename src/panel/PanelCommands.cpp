@@ -111,18 +111,10 @@ void PanelCommands::dropFilesOnNote(const QList<QUrl> &files, const QUuid &noteI
 
 void PanelCommands::chooseFiles(std::function<void(const QList<QUrl> &)> done) const
 {
-    if (m_hooks.chooseFiles) {
+    if (m_hooks.chooseFiles)
         m_hooks.chooseFiles(std::move(done));
-        return;
-    }
-    auto *dialog = new QFileDialog(nullptr, tr("Add Attachments"));
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setFileMode(QFileDialog::ExistingFiles);
-    dialog->setLabelText(QFileDialog::Accept, tr("Add"));
-    connect(dialog, &QFileDialog::finished, dialog, [dialog, done = std::move(done)](int result) {
-        done(result == QDialog::Accepted ? dialog->selectedUrls() : QList<QUrl>());
-    });
-    dialog->open();
+    else
+        done({});
 }
 
 void PanelCommands::importForNewNote(const QList<QUrl> &urls,

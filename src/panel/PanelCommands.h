@@ -49,7 +49,7 @@ public:
         //! Attaches files dropped on a note, with the toasts of the outcome.
         std::function<void(const QList<QUrl> &files, const QUuid &noteID)> dropFilesOnNote;
         //! Asks for files without blocking, and hands the chosen ones over
-        //! (nothing when the dialog was cancelled).
+        //! (nothing when the dialog was cancelled, or without this hook).
         std::function<void(std::function<void(const QList<QUrl> &)>)> chooseFiles;
         //! Copies the files of a note not yet written into the attachments
         //! folder off the main thread, and answers with their records, or with
