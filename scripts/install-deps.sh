@@ -17,9 +17,9 @@ packages=(
     libenchant-2-dev hunspell-en-us
     # a real X session for the platform and interface tests
     xvfb xauth openbox x11-utils xdotool xclip xterm
-    # a private session bus (the file manager's D-Bus interface), and the panel
-    # read over AT-SPI as a screen reader does
-    dbus dbus-bin dbus-daemon at-spi2-core python3-pyatspi
+    # a private session bus (the file manager's D-Bus interface); a system tray;
+    # the panel and the Settings window read over AT-SPI as a screen reader does
+    dbus dbus-bin dbus-daemon trayer at-spi2-core python3-pyatspi gir1.2-atspi-2.0
     # runtime plugins
     qt6-qpa-plugins fonts-dejavu-core
     # the file types of attachments

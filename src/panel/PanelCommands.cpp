@@ -148,6 +148,11 @@ void PanelCommands::revealAttachment(const NoteAttachment &attachment)
         desktopFiles().reveal(*file);
 }
 
+void PanelCommands::showInFileManager(const QString &path)
+{
+    shared().desktopFiles().reveal(path);
+}
+
 void PanelCommands::revealLibraryFile()
 {
     desktopFiles().reveal(libraryURL());

@@ -94,6 +94,10 @@ public:
     //! Asks where to save \a text ("Vesko Notes.md") without blocking, writes
     //! it off the main thread, and says "Exported", or shows why it failed.
     void exportMarkdown(const QString &text, QWidget *parent);
+    //! Shows \a path selected in the desktop's file manager, or opens its
+    //! folder when no file manager answers.
+    static void showInFileManager(const QString &path);
+
     //! The export dialog that is open, if any; for tests and screenshots.
     QWidget *exportDialog() const { return m_exportDialog; }
 

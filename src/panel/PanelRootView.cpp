@@ -9,6 +9,7 @@
 #include "panel/PanelMenus.h"
 #include "panel/PanelPromptView.h"
 #include "panel/PanelPrompts.h"
+#include "panel/SaveStatusView.h"
 #include "panel/SearchFieldView.h"
 #include "shell/Preferences.h"
 #include "shell/Theme.h"
@@ -150,6 +151,8 @@ PanelRootView::PanelRootView(
 
     m_composer = new ComposerView(store, this);
     m_composer->field()->editor()->installEventFilter(this);
+    // Under the composer: the line that says when the library cannot be saved.
+    setFootView(new SaveStatusView(store, this));
 
     connect(m_search, &SearchFieldView::focusRequested, this, &PanelRootView::setFocusTarget);
     connect(m_composer, &ComposerView::focusRequested, this, &PanelRootView::setFocusTarget);
@@ -184,7 +187,8 @@ void PanelRootView::setFootView(QWidget *view)
     m_foot = view;
     if (view) {
         view->setParent(this);
-        view->show();
+        // It shows and hides itself; the panel makes room for it then.
+        view->installEventFilter(this);
     }
     layOut();
 }
@@ -402,6 +406,8 @@ void PanelRootView::resizeEvent(QResizeEvent *event)
 
 bool PanelRootView::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == m_foot && (event->type() == QEvent::Show || event->type() == QEvent::Hide))
+        QMetaObject::invokeMethod(this, &PanelRootView::layOut, Qt::QueuedConnection);
     if (event->type() == QEvent::FocusIn) {
         if (static_cast<QFocusEvent *>(event)->reason() == Qt::ActiveWindowFocusReason) {
             // The window's first focus on activation is not the user's choice:

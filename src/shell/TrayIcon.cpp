@@ -5,20 +5,23 @@
 #include "panel/PanelController.h"
 #include "shell/Preferences.h"
 #include "shell/Theme.h"
+#include "store/Store.h"
 
 #include <QMenu>
 #include <QSystemTrayIcon>
 
 namespace Vesko {
 
-TrayIcon::TrayIcon(PanelController &panel, Preferences &preferences, QObject *parent)
+TrayIcon::TrayIcon(Store &store, PanelController &panel, Preferences &preferences, QObject *parent)
     : QObject(parent)
+    , m_store(store)
     , m_panel(panel)
     , m_preferences(preferences)
     , m_icon(new QSystemTrayIcon(Theme::applicationIcon(), this))
     , m_menu(new QMenu)
 {
-    m_icon->setToolTip(QStringLiteral("Vesko"));
+    refreshToolTip();
+    connect(&m_store, &Store::saveFailureChanged, this, &TrayIcon::refreshToolTip);
     m_icon->setContextMenu(m_menu);
     connect(m_menu, &QMenu::aboutToShow, this, &TrayIcon::rebuildMenu);
     connect(m_icon, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason r) {
@@ -35,6 +38,17 @@ TrayIcon::~TrayIcon()
     delete m_menu;
 }
 
+QString TrayIcon::toolTip() const
+{
+    return m_icon->toolTip();
+}
+
+void TrayIcon::refreshToolTip()
+{
+    const QString failure = m_store.saveFailure();
+    m_icon->setToolTip(failure.isEmpty() ? QStringLiteral("Vesko") : tr("Not saved: ") + failure);
+}
+
 void TrayIcon::applyVisibility()
 {
     m_icon->setVisible(m_preferences.showsInMenuBar());
@@ -48,6 +62,9 @@ void TrayIcon::rebuildMenu()
     m_menu->addAction(tr("Capture Selection"), this, &TrayIcon::captureRequested);
     m_menu->addAction(tr("Add a Note"), this, [this] { m_panel.show(true, true); });
     m_menu->addSeparator();
+    m_menu->addAction(tr("Settings"),
+        QKeySequence(QKeyCombination(Qt::ControlModifier, Qt::Key_Comma)), this,
+        &TrayIcon::settingsRequested);
     m_menu->addAction(tr("Quit Vesko"), QKeySequence::Quit, this, &TrayIcon::quitRequested);
 }
 
