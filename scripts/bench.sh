@@ -18,4 +18,5 @@ build-bench/bench/library_memory 100000
 # The program and its window, in a private X session.
 tests/x-session.sh build-bench/bench/bench_startup "$@"
 tests/x-session.sh build-bench/bench/bench_panel "$@"
+tests/x-session.sh build-bench/bench/bench_composer "$@"
 tests/x-session.sh build-bench/bench/bench_capture "$@"
