@@ -7,6 +7,8 @@
 
 #include "capture/CaptureEngine.h"
 #include "library/Library.h"
+#include "panel/NoteWindowManager.h"
+#include "panel/PanelCommands.h"
 #include "panel/PanelController.h"
 #include "panel/PanelState.h"
 #include "platform/Logging.h"
@@ -53,7 +55,16 @@ int main(int argc, char *argv[])
     // is registered or listened to before the launch has finished.
     DesktopCapture capture(store, preferences, panel, ToastPresenter::shared());
     AppDelegate delegate(store, preferences, panel, capture.launchHooks());
-    TrayIcon tray(panel, preferences);
+    TrayIcon tray(store, panel, preferences);
+    {
+        PanelCommands::Hooks hooks = PanelCommands::shared().hooks();
+        hooks.openNoteWindow = [](const QUuid &id) { NoteWindowManager::shared().open(id); };
+        // The tray's menu is also in the panel's "More options", for desktops without a tray.
+        hooks.fillDashboard = [&tray](QMenu &menu) { tray.fillMenu(menu); };
+        hooks.openSettings = [&tray] { Q_EMIT tray.settingsRequested(); };
+        hooks.quit = [&tray] { Q_EMIT tray.quitRequested(); };
+        PanelCommands::shared().setHooks(hooks);
+    }
 
     QObject::connect(
         &instance, &SingleInstance::reopenRequested, &delegate, &AppDelegate::handleReopen);
