@@ -5,6 +5,7 @@
 // shows the floating panel once the event loop runs, and writes the library
 // on the way out, however it is asked to end.
 
+#include "attachments/DesktopAttachments.h"
 #include "capture/CaptureEngine.h"
 #include "library/Library.h"
 #include "panel/NoteWindowManager.h"
@@ -51,6 +52,7 @@ int main(int argc, char *argv[])
         qlonglong(noteCount(store.library())));
 
     PanelController &panel = PanelController::shared();
+    installAttachmentCommands(PanelCommands::shared());
     // The hot keys' combinations and capture availability are read now; nothing
     // is registered or listened to before the launch has finished.
     DesktopCapture capture(store, preferences, panel, ToastPresenter::shared());

@@ -15,8 +15,12 @@ packages=(
     libxkbcommon-dev libxkbcommon-x11-dev
     # a real X session for the platform and interface tests
     xvfb xauth openbox x11-utils xdotool xclip xterm
+    # a private session bus for the file manager's D-Bus interface
+    dbus-daemon
     # runtime plugins
     qt6-qpa-plugins fonts-dejavu-core
+    # the file types of attachments
+    shared-mime-info
 )
 
 missing=()

@@ -2,18 +2,77 @@
 
 #include "attachments/AttachmentStore.h"
 
+#include "platform/FileSystem.h"
 #include "platform/SerialQueue.h"
 
+#include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QMimeDatabase>
+#include <QPointer>
+#include <QThreadPool>
+
+#include <cerrno>
+#include <sys/stat.h>
 
 namespace Vesko {
 
+namespace {
+
+QString newFolderName()
+{
+    return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+}
+
+// Hands \a result to \a done on the main thread, if \a context still lives
+// by then. The guard is only read there, never on the worker.
+void answer(QPointer<QObject> context, AttachmentStore::ImportDone done, ImportResult result)
+{
+    if (!done)
+        return;
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(),
+        [context, done = std::move(done), result = std::move(result)] {
+            if (context)
+                done(result);
+        },
+        Qt::QueuedConnection);
+}
+
+ImportResult failure(const QString &error)
+{
+    return {{}, error};
+}
+
+// Makes the folder \a path below an existing one, private whatever the umask.
+std::optional<QString> makeFolder(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    if (::mkdir(name.constData(), FileSystem::privateDirectoryMode) != 0)
+        return QObject::tr("Could not create the folder “%1”: %2.")
+            .arg(path, FileSystem::lastErrorText());
+    ::chmod(name.constData(), FileSystem::privateDirectoryMode);
+    return std::nullopt;
+}
+
+} // namespace
+
+QString AttachmentStore::pastedImageName()
+{
+    return QStringLiteral("Pasted Image.png");
+}
+
 AttachmentStore::AttachmentStore()
-    : m_queue(std::make_unique<SerialQueue>(QStringLiteral("com.vesko.vesko.attachment-importer")))
+    : m_queue(std::make_unique<SerialQueue>(
+        QStringLiteral("com.vesko.vesko.attachment-importer"), QThread::HighPriority))
 { }
 
-AttachmentStore::~AttachmentStore() = default;
+AttachmentStore::~AttachmentStore()
+{
+    m_cancelled->store(true);
+}
 
 AttachmentStore &AttachmentStore::shared()
 {
@@ -21,23 +80,169 @@ AttachmentStore &AttachmentStore::shared()
     return *store;
 }
 
-std::optional<QString> AttachmentStore::fileInside(
+std::optional<QString> AttachmentStore::contentTypeForFileName(const QString &fileName)
+{
+    // The extension follows the last dot; a leading dot only marks a hidden file.
+    const qsizetype dot = fileName.lastIndexOf(u'.');
+    if (dot <= 0 || dot == fileName.size() - 1)
+        return std::nullopt;
+    static const QMimeDatabase database;
+    const QMimeType type = database.mimeTypeForFile(fileName, QMimeDatabase::MatchExtension);
+    // The database's answer for an unknown name is the generic type.
+    if (!type.isValid() || type.isDefault() || type.name().startsWith(u"inode/"))
+        return std::nullopt;
+    return type.name();
+}
+
+NoteAttachment::Kind AttachmentStore::kindOfContentType(const std::optional<QString> &contentType)
+{
+    if (!contentType)
+        return NoteAttachment::Kind::File;
+    static const QMimeDatabase database;
+    const QMimeType type = database.mimeTypeForName(*contentType);
+    QStringList names {*contentType};
+    if (type.isValid())
+        names << type.name() << type.allAncestors();
+    for (const QString &name : std::as_const(names)) {
+        if (name.startsWith(u"image/"))
+            return NoteAttachment::Kind::Image;
+    }
+    return NoteAttachment::Kind::File;
+}
+
+ImportResult AttachmentStore::importFilesNow(
+    const QList<QUrl> &sources, const QString &folder, const std::atomic_bool *cancelled)
+{
+    if (auto error = FileSystem::makePath(folder))
+        return failure(*error);
+
+    QStringList madeFolders;
+    auto undo = [&](const QString &error) {
+        for (const QString &made : std::as_const(madeFolders))
+            QDir(made).removeRecursively();
+        return failure(error);
+    };
+
+    FileSystem::PieceCopyOptions options;
+    if (cancelled)
+        options.shouldContinue = [cancelled] { return !cancelled->load(); };
+
+    ImportResult result;
+    for (const QUrl &source : sources) {
+        if (!source.isLocalFile())
+            return undo(
+                QObject::tr("“%1” is not a file on this computer.").arg(source.toDisplayString()));
+        const QString path = source.toLocalFile();
+        struct stat info;
+        if (::stat(QFile::encodeName(path).constData(), &info) != 0)
+            return undo(
+                QObject::tr("Could not read “%1”: %2.").arg(path, FileSystem::lastErrorText()));
+        if (!S_ISREG(info.st_mode))
+            continue; // folders and other non-files are skipped without a word
+
+        const QString id = newFolderName();
+        const QString target = QDir(folder).filePath(id);
+        if (auto error = makeFolder(target))
+            return undo(*error);
+        madeFolders.append(target);
+
+        const QString fileName = QFileInfo(path).fileName();
+        if (auto error = FileSystem::copyFileInPieces(path, target + u'/' + fileName, options))
+            return undo(*error);
+
+        NoteAttachment attachment;
+        attachment.id = QUuid::fromString(id);
+        attachment.fileName = fileName;
+        attachment.storedFileName = id + u'/' + fileName;
+        attachment.contentTypeIdentifier = contentTypeForFileName(fileName);
+        attachment.kind = kindOfContentType(attachment.contentTypeIdentifier);
+        attachment.byteCount = qint64(info.st_size);
+        attachment.createdAt = QDateTime::currentDateTimeUtc();
+        result.attachments.append(attachment);
+    }
+    return result;
+}
+
+ImportResult AttachmentStore::writePastedImageNow(const QByteArray &png, const QString &folder)
+{
+    if (auto error = FileSystem::makePath(folder))
+        return failure(*error);
+    const QString id = newFolderName();
+    const QString target = QDir(folder).filePath(id);
+    if (auto error = makeFolder(target))
+        return failure(*error);
+
+    // Written under a hidden name and renamed, so that the image appears whole or not at all.
+    const QString partial
+        = target + QStringLiteral("/.") + pastedImageName() + QStringLiteral(".partial");
+    const QString path = target + u'/' + pastedImageName();
+    std::optional<QString> error = FileSystem::writeNewFile(partial, png);
+    if (!error)
+        error = FileSystem::replaceFile(partial, path);
+    if (error) {
+        QFile::remove(partial);
+        QDir().rmdir(target);
+        return failure(*error);
+    }
+
+    NoteAttachment attachment;
+    attachment.id = QUuid::fromString(id);
+    attachment.fileName = pastedImageName();
+    attachment.storedFileName = id + u'/' + pastedImageName();
+    attachment.kind = NoteAttachment::Kind::Image;
+    attachment.contentTypeIdentifier = QStringLiteral("image/png");
+    attachment.byteCount = png.size();
+    attachment.createdAt = QDateTime::currentDateTimeUtc();
+    return {{attachment}, std::nullopt};
+}
+
+void AttachmentStore::importFiles(
+    const QList<QUrl> &sources, const QString &folder, QObject *context, ImportDone done)
+{
+    QPointer<QObject> guard(context);
+    std::shared_ptr<std::atomic_bool> cancelled = m_cancelled;
+    m_queue->async([sources, folder, guard, done = std::move(done), cancelled] {
+        ImportResult result = importFilesNow(sources, folder, cancelled.get());
+        answer(guard, done, std::move(result));
+    });
+}
+
+void AttachmentStore::writePastedImage(
+    const QByteArray &png, const QString &folder, QObject *context, ImportDone done)
+{
+    QPointer<QObject> guard(context);
+    QThreadPool::globalInstance()->start([png, folder, guard, done = std::move(done)] {
+        answer(guard, done, writePastedImageNow(png, folder));
+    });
+}
+
+std::optional<QString> AttachmentStore::pathInside(
     const QString &folder, const QString &storedFileName)
 {
     const QString root = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
     const QString path = QDir::cleanPath(root + u'/' + storedFileName);
     if (!path.startsWith(root + u'/'))
         return std::nullopt;
+    return path;
+}
+
+std::optional<QString> AttachmentStore::fileInside(
+    const QString &folder, const QString &storedFileName)
+{
+    const std::optional<QString> path = pathInside(folder, storedFileName);
+    if (!path)
+        return std::nullopt;
 
     // The folders on the way must not lead elsewhere through a link. The last
     // component may itself be a link: removing it removes only the link.
+    const QString root = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
     const QString canonicalRoot = QFileInfo(root).canonicalFilePath();
-    const QString canonicalParent = QFileInfo(QFileInfo(path).absolutePath()).canonicalFilePath();
+    const QString canonicalParent = QFileInfo(QFileInfo(*path).absolutePath()).canonicalFilePath();
     if (canonicalRoot.isEmpty() || canonicalParent.isEmpty())
         return std::nullopt;
     if (canonicalParent != canonicalRoot && !canonicalParent.startsWith(canonicalRoot + u'/'))
         return std::nullopt;
-    return canonicalParent + u'/' + QFileInfo(path).fileName();
+    return canonicalParent + u'/' + QFileInfo(*path).fileName();
 }
 
 void AttachmentStore::removeFiles(const QList<NoteAttachment> &attachments, const QString &folder)

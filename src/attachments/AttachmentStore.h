@@ -1,28 +1,62 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The files of attachments, in the "Attachments" folder beside the library:
-// one folder per attachment, named by a UUID, holding the file. All file work
-// runs on one worker thread, one job at a time.
+// one folder per attachment, named by a UUID, holding the file. Imports and
+// removals run on one worker thread, one job at a time; their answers come
+// back to the main thread. Every file and folder made here is private.
 
 #pragma once
 
 #include "library/Library.h"
 
+#include <QUrl>
+
+#include <atomic>
+#include <functional>
 #include <memory>
 #include <optional>
+
+class QObject;
 
 namespace Vesko {
 
 class SerialQueue;
 
+//! The outcome of an import or of writing a pasted image: the new records, or
+//! the first error and no records at all.
+struct ImportResult
+{
+    QList<NoteAttachment> attachments;
+    std::optional<QString> error;
+
+    bool succeeded() const { return !error.has_value(); }
+};
+
 class AttachmentStore
 {
 public:
+    //! The name a pasted image is stored under.
+    static QString pastedImageName();
+
     AttachmentStore();
     ~AttachmentStore();
 
     //! The one attachment store of the process, made on first use and never destroyed.
     static AttachmentStore &shared();
+
+    using ImportDone = std::function<void(const ImportResult &result)>;
+
+    //! Copies the files of \a sources into \a folder on the worker thread, and
+    //! hands the result to \a done on \a context's thread, unless \a context
+    //! is gone by then. See importFilesNow().
+    void importFiles(
+        const QList<QUrl> &sources, const QString &folder, QObject *context, ImportDone done);
+
+    //! Writes \a png as a pasted image into \a folder on a thread of its own,
+    //! apart from the imports, and hands the result to \a done on \a context's
+    //! thread. See writePastedImageNow().
+    void writePastedImage(
+        const QByteArray &png, const QString &folder, QObject *context, ImportDone done);
 
     //! Deletes the files of \a attachments below \a folder in the background,
     //! and each folder that this leaves empty, but never the attachments
@@ -33,12 +67,36 @@ public:
     //! Blocks until the jobs queued so far are done.
     void waitForIdle();
 
+    //! The import itself, on the calling thread: each regular file of \a
+    //! sources is copied, a piece at a time, into a new folder of its own
+    //! below \a folder, under its own name; folders among the sources are
+    //! skipped. All or nothing: on the first failure every folder made by
+    //! this call is removed again and the error is the result. Setting \a
+    //! cancelled stops it between pieces as a failure.
+    static ImportResult importFilesNow(const QList<QUrl> &sources, const QString &folder,
+        const std::atomic_bool *cancelled = nullptr);
+
+    //! Writing a pasted image, on the calling thread: a new folder below \a
+    //! folder holding \a png as "Pasted Image.png", written atomically.
+    static ImportResult writePastedImageNow(const QByteArray &png, const QString &folder);
+
+    //! The MIME type found for a file name's extension, or nothing when the
+    //! name has no extension or no type is known for it.
+    static std::optional<QString> contentTypeForFileName(const QString &fileName);
+    //! Image when \a contentType is an image type, else file.
+    static NoteAttachment::Kind kindOfContentType(const std::optional<QString> &contentType);
+
     //! The file of \a storedFileName below \a folder, or nothing when the name
     //! leads outside the folder, by "..", or through a link to elsewhere.
     static std::optional<QString> fileInside(const QString &folder, const QString &storedFileName);
+    //! The same test on the names alone, without touching the disk: for the
+    //! main thread, which only reads files through other threads.
+    static std::optional<QString> pathInside(const QString &folder, const QString &storedFileName);
 
 private:
     std::unique_ptr<SerialQueue> m_queue;
+    //! Set when the store goes: an import still running stops between pieces.
+    std::shared_ptr<std::atomic_bool> m_cancelled = std::make_shared<std::atomic_bool>(false);
 };
 
 } // namespace Vesko

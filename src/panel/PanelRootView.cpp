@@ -2,15 +2,13 @@
 
 #include "panel/PanelRootView.h"
 
-#include "panel/NoteRowDelegate.h"
-#include "panel/PanelRowsModel.h"
+#include "panel/PanelListView.h"
 #include "shell/Theme.h"
 #include "store/Store.h"
 
 #include <QEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListView>
 #include <QPainter>
 #include <QPainterPath>
 #include <QVBoxLayout>
@@ -62,24 +60,10 @@ PanelRootView::PanelRootView(Store &store, PanelState &state, QWidget *parent)
     layout->setContentsMargins(10, 10, 10, 10);
     layout->setSpacing(10);
 
-    m_model = new PanelRowsModel(store, this);
-    m_list = new QListView(this);
-    m_list->setObjectName(QStringLiteral("VeskoNoteList"));
-    m_list->setItemDelegate(new NoteRowDelegate(m_list));
-    m_list->setFrameShape(QFrame::NoFrame);
-    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    m_list->setResizeMode(QListView::Adjust);
-    // A project of thousands of notes is laid out in batches between events.
-    m_list->setLayoutMode(QListView::Batched);
-    m_list->setBatchSize(100);
-    m_list->setSelectionMode(QAbstractItemView::NoSelection);
-    m_list->setMouseTracking(true);
-    m_list->setAttribute(Qt::WA_MacShowFocusRect, false);
-    m_list->viewport()->setAutoFillBackground(false);
+    // The list fills the panel; the composer floats over its foot and the
+    // rows scroll beneath it.
+    m_list = new PanelListView(store, state, this);
     m_list->installEventFilter(this);
-    // The model last: view settings made after it lay out every row at once.
-    m_list->setModel(m_model);
     layout->addWidget(m_list, 1);
 
     m_emptyState = new QWidget(m_list->viewport());
@@ -120,20 +104,13 @@ PanelRootView::PanelRootView(Store &store, PanelState &state, QWidget *parent)
     m_composer->setPalette(composerPalette);
     m_composer->installEventFilter(this);
     boxLayout->addWidget(m_composer);
-    layout->addWidget(box);
+    box->raise();
 
     connect(m_composer, &QLineEdit::returnPressed, this, &PanelRootView::commitComposer);
     connect(&m_state, &PanelState::focusRequestChanged, this, &PanelRootView::applyFocusRequest);
     connect(&m_store, &Store::rowsChanged, this, [this] {
         refreshComposerPlaceholder();
         refreshEmptyState();
-    });
-    connect(&m_store, &Store::selectionAnchorChanged, this, [this] {
-        if (const std::optional<QUuid> anchor = m_store.selectionAnchor()) {
-            const int row = m_model->rowOf(*anchor);
-            if (row >= 0)
-                m_list->scrollTo(m_model->index(row));
-        }
     });
     refreshComposerPlaceholder();
     refreshEmptyState();
@@ -193,6 +170,21 @@ void PanelRootView::refreshEmptyState()
     m_emptyState->setGeometry(m_list->viewport()->rect());
 }
 
+void PanelRootView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    placeComposer();
+}
+
+void PanelRootView::placeComposer()
+{
+    const QRect list = m_list->geometry();
+    const int height = std::max(m_composerBox->minimumHeight(), m_composerBox->sizeHint().height());
+    m_composerBox->setGeometry(list.left(), list.bottom() + 1 - height, list.width(), height);
+    // The rows run under the composer, with its height and 10 px above it.
+    m_list->setContentMargins(0, height + 10);
+}
+
 bool PanelRootView::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::FocusIn) {
@@ -202,6 +194,7 @@ bool PanelRootView::eventFilter(QObject *watched, QEvent *event)
             setFocusTarget(PanelFocusTarget::List);
     } else if (event->type() == QEvent::Resize && watched == m_list) {
         m_emptyState->setGeometry(m_list->viewport()->rect());
+        placeComposer();
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -12,11 +12,10 @@
 
 class QLabel;
 class QLineEdit;
-class QListView;
 
 namespace Vesko {
 
-class PanelRowsModel;
+class PanelListView;
 class Preferences;
 class Store;
 
@@ -35,18 +34,19 @@ public:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     void applyFocusRequest();
     void commitComposer();
     void refreshComposerPlaceholder();
     void refreshEmptyState();
+    void placeComposer();
 
     Store &m_store;
     PanelState &m_state;
     PanelFocusTarget m_focus = PanelFocusTarget::Composer;
-    PanelRowsModel *m_model = nullptr;
-    QListView *m_list = nullptr;
+    PanelListView *m_list = nullptr;
     QLineEdit *m_composer = nullptr;
     QWidget *m_composerBox = nullptr;
     QWidget *m_emptyState = nullptr;

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -69,6 +70,68 @@ bool writeAll(int fd, const char *data, qsizetype size)
         }
         data += written;
         size -= written;
+    }
+    return true;
+}
+
+// The largest piece a copy moves in one call, and the buffer of a copy that
+// has to go through user space.
+constexpr qint64 copyPieceBytes = 8 * 1024 * 1024;
+constexpr qint64 copyBufferBytes = 1024 * 1024;
+
+// Copies [offset, end) of \a in to the same place in \a out, a piece at a
+// time: inside the kernel where it can, else through one buffer. Reaching the
+// source's end early stops without failing.
+bool copyRange(int in, int out, qint64 offset, qint64 end, bool &inKernel,
+    const std::function<bool()> &shouldContinue)
+{
+    QByteArray buffer;
+    while (offset < end) {
+        if (shouldContinue && !shouldContinue()) {
+            errno = ECANCELED;
+            return false;
+        }
+        const qint64 length = std::min(end - offset, inKernel ? copyPieceBytes : copyBufferBytes);
+        if (inKernel) {
+            loff_t from = offset;
+            loff_t to = offset;
+            const ssize_t copied = ::copy_file_range(in, &from, out, &to, size_t(length), 0);
+            if (copied > 0) {
+                offset += copied;
+                continue;
+            }
+            if (copied == 0)
+                return true;
+            if (errno == EINTR)
+                continue;
+            // Not between these two files: copy through user space instead.
+            if (errno != EXDEV && errno != ENOSYS && errno != EINVAL && errno != EOPNOTSUPP)
+                return false;
+            inKernel = false;
+            continue;
+        }
+        if (buffer.isEmpty())
+            buffer.resize(copyBufferBytes);
+        const ssize_t read = ::pread(in, buffer.data(), size_t(length), offset);
+        if (read < 0) {
+            if (errno == EINTR)
+                continue;
+            return false;
+        }
+        if (read == 0)
+            return true;
+        qsizetype written = 0;
+        while (written < read) {
+            const ssize_t n = ::pwrite(
+                out, buffer.constData() + written, size_t(read - written), offset + written);
+            if (n < 0) {
+                if (errno == EINTR)
+                    continue;
+                return false;
+            }
+            written += n;
+        }
+        offset += read;
     }
     return true;
 }
@@ -209,6 +272,74 @@ std::optional<QString> copyFileKeepingDate(
         ::unlink(native(partial).constData());
         return text;
     }
+    return std::nullopt;
+}
+
+std::optional<QString> copyFileInPieces(
+    const QString &from, const QString &to, const PieceCopyOptions &options)
+{
+    const QByteArray source = native(from);
+    const int noFollow = options.followLinks ? 0 : O_NOFOLLOW;
+    Descriptor in(retryOnInterrupt(
+        [&] { return ::open(source.constData(), O_RDONLY | O_CLOEXEC | noFollow); }));
+    if (in.get() < 0) {
+        if (errno == ELOOP && noFollow)
+            return QObject::tr("“%1” is a link.").arg(from);
+        return QObject::tr("Could not read “%1”: %2.").arg(from, lastErrorText());
+    }
+    struct stat info;
+    if (::fstat(in.get(), &info) != 0)
+        return QObject::tr("Could not read “%1”: %2.").arg(from, lastErrorText());
+    if (!S_ISREG(info.st_mode))
+        return QObject::tr("“%1” is not a file.").arg(from);
+
+    const QByteArray target = native(to);
+    Descriptor out(retryOnInterrupt([&] {
+        return ::open(target.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, privateFileMode);
+    }));
+    if (out.get() < 0)
+        return QObject::tr("Could not create “%1”: %2.").arg(to, lastErrorText());
+    auto failed = [&](const QString &text) {
+        ::unlink(target.constData());
+        return text;
+    };
+    if (::fchmod(out.get(), privateFileMode) != 0)
+        return failed(
+            QObject::tr("Could not set the permissions of “%1”: %2.").arg(to, lastErrorText()));
+
+    // Only the parts of the source that hold data are copied; the holes
+    // between them stay holes, and the final size is set at the end.
+    const qint64 size = info.st_size;
+    bool inKernel = true;
+    qint64 offset = 0;
+    while (offset < size) {
+        qint64 data = ::lseek(in.get(), offset, SEEK_DATA);
+        if (data < 0) {
+            if (errno == ENXIO)
+                break; // a hole up to the end
+            data = offset; // no hole lookup on this file system: all data
+        }
+        qint64 hole = ::lseek(in.get(), data, SEEK_HOLE);
+        if (hole < 0 || hole > size)
+            hole = size;
+        if (!copyRange(in.get(), out.get(), data, hole, inKernel, options.shouldContinue)) {
+            if (errno == ECANCELED)
+                return failed(QObject::tr("The copy of “%1” was cancelled.").arg(from));
+            return failed(
+                QObject::tr("Could not copy “%1” to “%2”: %3.").arg(from, to, lastErrorText()));
+        }
+        offset = hole;
+    }
+    if (::ftruncate(out.get(), size) != 0)
+        return failed(QObject::tr("Could not write “%1”: %2.").arg(to, lastErrorText()));
+    if (options.keepDate) {
+        const timespec times[2] = {info.st_atim, info.st_mtim};
+        ::futimens(out.get(), times);
+    }
+    if (options.durability == Durability::Flushed && ::fsync(out.get()) != 0)
+        return failed(QObject::tr("Could not flush “%1”: %2.").arg(to, lastErrorText()));
+    if (!out.close())
+        return failed(QObject::tr("Could not close “%1”: %2.").arg(to, lastErrorText()));
     return std::nullopt;
 }
 

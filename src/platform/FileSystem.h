@@ -59,6 +59,25 @@ std::optional<QString> renameWithoutReplacing(const QString &from, const QString
 std::optional<QString> copyFileKeepingDate(
     const QString &from, const QString &to, Durability durability = Durability::Flushed);
 
+//! How copyFileInPieces() treats its source and its copy.
+struct PieceCopyOptions
+{
+    //! A link as the source is refused rather than followed.
+    bool followLinks = true;
+    //! The copy carries the source's modification date.
+    bool keepDate = false;
+    Durability durability = Durability::Flushed;
+    //! Asked before each piece; false stops the copy as failed.
+    std::function<bool()> shouldContinue;
+};
+
+//! Copies the regular file \a from to \a to, which must not exist yet, a
+//! piece at a time, so that no file is ever held whole in memory whatever its
+//! size; the holes of a sparse file stay holes. The copy is private. On
+//! failure nothing is left at \a to.
+std::optional<QString> copyFileInPieces(
+    const QString &from, const QString &to, const PieceCopyOptions &options = {});
+
 //! The modification time of \a path, to the nanosecond, or nothing if it cannot be read.
 std::optional<timespec> modificationTime(const QString &path);
 

@@ -459,6 +459,18 @@ void Store::addAttachments(const QList<NoteAttachment> &attachments, const QUuid
     commit();
 }
 
+void Store::importAttachments(
+    const QList<QUrl> &sources, const QUuid &noteID, std::function<void(ImportResult)> done)
+{
+    m_attachments.importFiles(sources, attachmentsFolder(libraryURL()), this,
+        [this, noteID, done = std::move(done)](const ImportResult &result) {
+            if (result.succeeded())
+                addAttachments(result.attachments, noteID);
+            if (done)
+                done(result);
+        });
+}
+
 void Store::removeAttachment(const QUuid &attachmentID, const QUuid &noteID)
 {
     const std::optional<Note> existing = note(noteID);

@@ -9,6 +9,7 @@
 
 #pragma once
 
+#include "attachments/AttachmentStore.h"
 #include "library/Library.h"
 #include "search/SearchIndex.h"
 #include "search/SearchMatches.h"
@@ -18,11 +19,11 @@
 #include <QSet>
 #include <QTimer>
 
+#include <functional>
 #include <optional>
 
 namespace Vesko {
 
-class AttachmentStore;
 class Clipboard;
 class LibraryWriter;
 class Preferences;
@@ -187,6 +188,11 @@ public:
     //! Attaches records of files already imported; their files go if the note has gone.
     void addAttachments(const QList<NoteAttachment> &attachments, const QUuid &noteID);
     void removeAttachment(const QUuid &attachmentID, const QUuid &noteID);
+    //! Copies the files of \a sources into the attachments folder on the
+    //! importer thread, then attaches them to the note; when the note is gone
+    //! by then, the copies are deleted again. \a done learns the outcome.
+    void importAttachments(const QList<QUrl> &sources, const QUuid &noteID,
+        std::function<void(ImportResult)> done = {});
 
     //! The note to select after removing \a ids: the next visible survivor,
     //! else the nearest one above, else nothing.

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The dialog "Add Attachments": several files, no folders, opened without
+// blocking the event loop; the answer comes when the user closes it.
+
+#pragma once
+
+#include "platform/FileChooser.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <QFileDialog>
+
+namespace Vesko {
+
+class AttachmentFileDialog : public QObject, public FileChooser
+{
+    Q_OBJECT
+
+public:
+    explicit AttachmentFileDialog(QObject *parent = nullptr);
+    ~AttachmentFileDialog() override;
+
+    //! Opens the dialog over the active window and returns at once.
+    void chooseFiles(std::function<void(const QList<QUrl> &files)> done) override;
+
+    //! The dialog while it is open; for tests.
+    QFileDialog *dialog() const { return m_dialog; }
+
+private:
+    QPointer<QFileDialog> m_dialog;
+};
+
+} // namespace Vesko

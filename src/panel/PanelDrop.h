@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Drops on the panel's list. Text from another application becomes a new
+// note in the section it was dropped on; notes dragged inside the panel (the
+// PanelState tells which) move there, before the note they were dropped on.
+
+#pragma once
+
+#include <QStringList>
+#include <QUuid>
+
+#include <optional>
+
+namespace Vesko {
+
+class PanelState;
+class Store;
+
+namespace PanelDrop {
+
+enum class Outcome {
+    //! Nothing happened: no section, or only blanks from outside.
+    Refused,
+    //! A note was made of the dropped text; the panel says "Added".
+    AddedNote,
+    //! The notes being dragged moved.
+    MovedNotes,
+};
+
+//! Handles a drop of \a items, plain texts, on the section \a sectionID,
+//! before the note \a beforeNoteID (or at the end of the section). Ends the
+//! drag of notes in the PanelState whatever the outcome.
+Outcome handleDrop(Store &store, PanelState &state, const QStringList &items,
+    const std::optional<QUuid> &sectionID, const std::optional<QUuid> &beforeNoteID);
+
+} // namespace PanelDrop
+} // namespace Vesko

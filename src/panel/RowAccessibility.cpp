@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "panel/RowAccessibility.h"
+
+#include "store/PanelRow.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+#include <QTextBoundaryFinder>
+
+namespace Vesko::RowAccessibility {
+
+namespace {
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("RowAccessibility", text);
+}
+
+//! The length in UTF-16 units of the first \a count characters (grapheme
+//! clusters) of \a text, or -1 when it has no more than \a count.
+qsizetype prefixOfCharacters(const QString &text, qsizetype count)
+{
+    if (text.size() <= count)
+        return -1; // a character takes at least one unit
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    qsizetype characters = 0;
+    qsizetype end = 0;
+    while ((end = finder.toNextBoundary()) >= 0) {
+        if (++characters == count)
+            return end < text.size() ? end : -1;
+    }
+    return -1;
+}
+
+} // namespace
+
+QString noteLabel(const Note &note)
+{
+    QString text = note.text.trimmed();
+    if (const qsizetype cut = prefixOfCharacters(text, labelTextLimit); cut >= 0)
+        text = text.left(cut) + QChar(0x2026);
+    QStringList names;
+    names.reserve(note.attachments.size());
+    for (const NoteAttachment &attachment : note.attachments)
+        names.append(attachment.fileName);
+    const QString attachments = names.join(QStringLiteral(", "));
+    if (text.isEmpty())
+        return attachments;
+    if (attachments.isEmpty())
+        return text;
+    return text + tr(". Attachments: ") + attachments;
+}
+
+QString noteValue(const Note &note)
+{
+    return note.isDone ? tr("Done") : tr("Not done");
+}
+
+QString doneControlLabel(bool isDone)
+{
+    return isDone ? tr("Mark as not done") : tr("Mark as done");
+}
+
+QString sectionLabel(const PanelSectionRow &section)
+{
+    return section.title + tr(" section, ") + QString::number(section.remainingCount)
+        + tr(" remaining");
+}
+
+} // namespace Vesko::RowAccessibility

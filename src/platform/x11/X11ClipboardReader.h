@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Reads the CLIPBOARD selection of the X server without waiting for its
+// owner: each read is a conversation of requests and events on a connection
+// of Vesko's own, answered later on the main thread. Large data come in
+// pieces (INCR). An owner that stops answering ends the read after a bound,
+// so the program goes on whatever another application does.
+
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QQueue>
+#include <QStringList>
+#include <QTimer>
+
+#include <xcb/xcb.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace Vesko {
+
+class X11Connection;
+
+class X11ClipboardReader : public QObject
+{
+    Q_OBJECT
+
+public:
+    //! How long an owner may stay silent before the read gives up.
+    static constexpr int silenceTimeoutMilliseconds = 3000;
+
+    explicit X11ClipboardReader(QObject *parent = nullptr);
+    ~X11ClipboardReader() override;
+
+    //! There is an X server to read from.
+    bool isValid() const;
+
+    using Done = std::function<void(const std::optional<QByteArray> &data)>;
+    //! The formats the clipboard's owner offers; empty without an owner.
+    void offers(std::function<void(const QStringList &formats)> done);
+    //! The clipboard's data in \a format, or nothing when the owner refuses,
+    //! has gone, or stays silent too long. Reads run one after another.
+    void read(const QString &format, Done done);
+
+private:
+    struct Request
+    {
+        xcb_atom_t target = XCB_ATOM_NONE;
+        Done done;
+    };
+
+    void startNext();
+    void handleEvent(xcb_generic_event_t *event);
+    //! Takes the property's value and deletes it; nothing when it cannot be read.
+    std::optional<QByteArray> takeProperty(xcb_atom_t *type);
+    void finish(const std::optional<QByteArray> &data);
+    xcb_atom_t atom(const QString &name);
+    //! Reads events that a reply may have left waiting in the connection's queue.
+    void dispatchSoon();
+
+    std::unique_ptr<X11Connection> m_connection;
+    xcb_window_t m_window = 0;
+    xcb_atom_t m_clipboard = XCB_ATOM_NONE;
+    xcb_atom_t m_property = XCB_ATOM_NONE;
+    xcb_atom_t m_incr = XCB_ATOM_NONE;
+    xcb_atom_t m_targets = XCB_ATOM_NONE;
+
+    QQueue<Request> m_queue;
+    std::optional<Request> m_current;
+    bool m_incremental = false;
+    QByteArray m_received;
+    QTimer m_silence;
+};
+
+} // namespace Vesko

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "PanelTestRig.h"
+
+namespace Vesko::Test {
+
+QList<QUuid> idsFor(const QString &names)
+{
+    QList<QUuid> ids;
+    for (const QString &name : names.split(u',', Qt::SkipEmptyParts))
+        ids.append(idFor(name.trimmed()));
+    return ids;
+}
+
+Project projectFrom(const QString &description)
+{
+    Project project;
+    project.id = idFor(QStringLiteral("project"));
+    project.name = QStringLiteral("P");
+    for (const QString &part : description.split(u'|', Qt::SkipEmptyParts)) {
+        NoteSection section;
+        QString title = part.section(u':', 0, 0);
+        const bool active = title.startsWith(u'*');
+        if (active)
+            title.remove(0, 1);
+        section.isCollapsed = title.endsWith(u'+');
+        if (section.isCollapsed)
+            title.chop(1);
+        section.title = title;
+        section.id = idFor(title);
+        section.createdAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
+        if (active)
+            project.activeSectionID = section.id;
+        for (const QString &name : part.section(u':', 1).split(u',', Qt::SkipEmptyParts)) {
+            Note note;
+            note.id = idFor(name.toLower());
+            note.text = name.toLower();
+            note.isDone = name != name.toLower();
+            note.createdAt = note.updatedAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
+            if (note.isDone)
+                note.completedAt = note.createdAt;
+            section.notes.append(note);
+        }
+        project.sections.append(section);
+    }
+    if (!project.activeSectionID && !project.sections.isEmpty())
+        project.activeSectionID = project.sections.first().id;
+    return project;
+}
+
+QString describeProject(const Project &project)
+{
+    QStringList parts;
+    for (const NoteSection &section : project.sections) {
+        QStringList notes;
+        for (const Note &note : section.notes)
+            notes.append(note.isDone ? note.text.toUpper() : note.text);
+        parts.append((project.activeSectionID == section.id ? QStringLiteral("*") : QString())
+            + section.title + (section.isCollapsed ? QStringLiteral("+") : QString()) + u':'
+            + notes.join(u','));
+    }
+    return parts.join(u'|');
+}
+
+QString nameOf(const std::optional<QUuid> &id)
+{
+    if (!id)
+        return {};
+    // Notes are named by letters, sections by titles of a letter and a digit.
+    for (char first = 'a'; first <= 'z'; ++first) {
+        const QString letter(QLatin1Char {first});
+        if (idFor(letter) == *id)
+            return letter;
+        for (char digit = '1'; digit <= '9'; ++digit) {
+            const QString title
+                = QString(QLatin1Char(char(first - 'a' + 'A'))) + QLatin1Char(digit);
+            if (idFor(title) == *id)
+                return title;
+        }
+    }
+    return QStringLiteral("?");
+}
+
+QString namesOf(const QList<QUuid> &ids)
+{
+    QStringList names;
+    for (const QUuid &id : ids)
+        names.append(nameOf(id));
+    names.sort();
+    return names.join(u',');
+}
+
+PanelTestRig::PanelTestRig(const QString &description)
+    : PanelTestRig([&] {
+        Library library;
+        library.projects = {projectFrom(description)};
+        library.activeProjectID = library.projects.first().id;
+        return library;
+    }())
+{ }
+
+PanelTestRig::PanelTestRig(const Library &library)
+{
+    m_fixture.make(library);
+}
+
+} // namespace Vesko::Test

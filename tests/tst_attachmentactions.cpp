@@ -1,0 +1,347 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// What each way of adding an attachment tells the user, with real files and
+// a real Store; the dialog, the clipboard, the file manager and the toast
+// are stand-ins that record what they were asked. Also the choice of what to
+// read from the clipboard.
+
+#include "TestEnvironment.h"
+
+#include "attachments/AttachmentActions.h"
+#include "library/LibraryFile.h"
+#include "library/LibraryWriter.h"
+#include "platform/DesktopFiles.h"
+#include "platform/FileChooser.h"
+#include "platform/Pasteboard.h"
+#include "shell/Preferences.h"
+#include "store/Store.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+using namespace Vesko;
+
+namespace {
+
+struct Toast
+{
+    QString message;
+    QString symbol;
+};
+
+class RecordingFeedback : public AttachmentFeedback
+{
+public:
+    void toast(const QString &message, const QString &symbol) override
+    {
+        toasts.append({message, symbol});
+    }
+    QList<Toast> toasts;
+};
+
+// Answers later, through the event loop, as the real dialog does.
+class FakeChooser : public FileChooser
+{
+public:
+    void chooseFiles(std::function<void(const QList<QUrl> &)> done) override
+    {
+        ++opened;
+        QTimer::singleShot(0, [done, files = answer] { done(files); });
+    }
+    QList<QUrl> answer;
+    int opened = 0;
+};
+
+class FakePasteboard : public PasteboardReader
+{
+public:
+    void readPasteboard(std::function<void(const PasteboardContent &)> done) override
+    {
+        QTimer::singleShot(0, [done, content = content] { done(content); });
+    }
+    PasteboardContent content;
+};
+
+class RecordingDesktop : public DesktopFiles
+{
+public:
+    void open(const QString &path) override { opened.append(path); }
+    void reveal(const QString &path) override { revealed.append(path); }
+    QStringList opened;
+    QStringList revealed;
+};
+
+} // namespace
+
+class AttachmentActionsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void toasts_data();
+    void toasts();
+    void cancelledDialogDoesNothing();
+    void sameNameTwiceOpensBoth();
+    void newNoteImportGivesRecords();
+    void formatsToRead_data();
+    void formatsToRead();
+    void localFilesOfUriList_data();
+    void localFilesOfUriList();
+
+private:
+    QString makeSource(const QString &name);
+
+    std::unique_ptr<QTemporaryDir> m_scratch;
+    std::unique_ptr<Preferences> m_preferences;
+    std::unique_ptr<LibraryWriter> m_writer;
+    std::unique_ptr<AttachmentStore> m_files;
+    std::unique_ptr<SearchIndex> m_searchIndex;
+    std::unique_ptr<Store> m_store;
+    FakeChooser m_chooser;
+    FakePasteboard m_pasteboard;
+    RecordingDesktop m_desktop;
+    RecordingFeedback m_feedback;
+    std::unique_ptr<AttachmentActions> m_actions;
+    QUuid m_noteID;
+};
+
+void AttachmentActionsTest::init()
+{
+    m_scratch = std::make_unique<QTemporaryDir>(
+        Test::IsolatedEnvironment::current().root() + QStringLiteral("/scratch-XXXXXX"));
+    Preferences::openSettings()->clear();
+    QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
+    m_preferences = std::make_unique<Preferences>();
+    m_writer = std::make_unique<LibraryWriter>();
+    m_files = std::make_unique<AttachmentStore>();
+    m_searchIndex = std::make_unique<SearchIndex>();
+    m_store = std::make_unique<Store>(makeDefaultLibrary(),
+        Store::Services {*m_preferences, *m_writer, *m_files, *m_searchIndex});
+    m_chooser = {};
+    m_pasteboard = {};
+    m_desktop = {};
+    m_feedback = {};
+    m_actions = std::make_unique<AttachmentActions>(AttachmentActions::Services {
+        *m_store, *m_files, m_chooser, m_pasteboard, m_desktop, m_feedback});
+    m_noteID = m_store->addNote(QStringLiteral("target"))->id;
+}
+
+void AttachmentActionsTest::cleanup()
+{
+    m_actions.reset();
+    m_store.reset();
+    m_files.reset();
+    m_writer.reset();
+    m_searchIndex.reset();
+    m_scratch.reset();
+}
+
+QString AttachmentActionsTest::makeSource(const QString &name)
+{
+    const QString path = m_scratch->filePath(name);
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(name.toUtf8());
+    return path;
+}
+
+void AttachmentActionsTest::toasts_data()
+{
+    QTest::addColumn<QString>("entry"); // add, paste, drop
+    QTest::addColumn<QString>("offered"); // file, missing, image, nothing
+    QTest::addColumn<int>("attached");
+    QTest::addColumn<QString>("message"); // empty: no toast
+    QTest::addColumn<QString>("symbol");
+
+    const QString warning = QStringLiteral("exclamationmark.triangle");
+    QTest::newRow("add: success is silent") << "add"
+                                            << "file" << 1 << ""
+                                            << "";
+    QTest::newRow("add: failure") << "add"
+                                  << "missing" << 0 << "Could Not Add Attachment" << warning;
+    QTest::newRow("paste a file") << "paste"
+                                  << "file" << 1 << ""
+                                  << "";
+    QTest::newRow("paste an image") << "paste"
+                                    << "image" << 1 << ""
+                                    << "";
+    QTest::newRow("paste a file that went")
+        << "paste"
+        << "missing" << 0 << "Could Not Paste Attachment" << warning;
+    QTest::newRow("paste with nothing usable") << "paste"
+                                               << "nothing" << 0 << "No Image or File to Paste"
+                                               << "clipboard";
+    QTest::newRow("drop: success") << "drop"
+                                   << "file" << 1 << "Attachment Added"
+                                   << "paperclip";
+    QTest::newRow("drop: failure") << "drop"
+                                   << "missing" << 0 << "Could Not Add Attachment" << warning;
+}
+
+void AttachmentActionsTest::toasts()
+{
+    QFETCH(QString, entry);
+    QFETCH(QString, offered);
+    QFETCH(int, attached);
+    QFETCH(QString, message);
+    QFETCH(QString, symbol);
+
+    QList<QUrl> files;
+    if (offered == u"file")
+        files = {QUrl::fromLocalFile(makeSource(QStringLiteral("file.txt")))};
+    else if (offered == u"missing")
+        files = {QUrl::fromLocalFile(m_scratch->filePath(QStringLiteral("gone.txt")))};
+    m_chooser.answer = files;
+    m_pasteboard.content.fileURLs = files;
+    if (offered == u"image")
+        m_pasteboard.content.png = QByteArray("\x89PNG image bytes");
+
+    const qsizetype undoSteps = m_store->undoStepCount();
+    if (entry == u"add")
+        m_actions->addChosenFiles(m_noteID);
+    else if (entry == u"paste")
+        m_actions->pasteIntoNote(m_noteID);
+    else
+        QVERIFY(m_actions->dropFiles(files, m_noteID));
+
+    if (message.isEmpty()) {
+        QVERIFY(QTest::qWaitFor(
+            [&] { return m_store->note(m_noteID)->attachments.size() == attached; }, 10000));
+        // Nothing more comes: let every queued answer through.
+        m_files->waitForIdle();
+        QCoreApplication::processEvents();
+        QCOMPARE(m_feedback.toasts.size(), 0);
+    } else {
+        QVERIFY(QTest::qWaitFor([&] { return !m_feedback.toasts.isEmpty(); }, 10000));
+        QCOMPARE(m_feedback.toasts.size(), 1);
+        QCOMPARE(m_feedback.toasts.first().message, message);
+        QCOMPARE(m_feedback.toasts.first().symbol, symbol);
+    }
+    QCOMPARE(m_store->note(m_noteID)->attachments.size(), attached);
+    QCOMPARE(m_store->undoStepCount(), undoSteps + (attached > 0 ? 1 : 0));
+    if (offered == u"image" && attached)
+        QCOMPARE(m_store->note(m_noteID)->attachments.first().fileName,
+            QStringLiteral("Pasted Image.png"));
+}
+
+void AttachmentActionsTest::cancelledDialogDoesNothing()
+{
+    m_actions->addChosenFiles(m_noteID);
+    QVERIFY(QTest::qWaitFor([&] { return m_chooser.opened == 1; }, 1000));
+    m_files->waitForIdle();
+    QCoreApplication::processEvents();
+    QVERIFY(m_feedback.toasts.isEmpty());
+    QVERIFY(m_store->note(m_noteID)->attachments.isEmpty());
+    // A drop without files is refused.
+    QVERIFY(!m_actions->dropFiles({}, m_noteID));
+}
+
+void AttachmentActionsTest::sameNameTwiceOpensBoth()
+{
+    const QList<QUrl> files = {QUrl::fromLocalFile(makeSource(QStringLiteral("one/same.txt"))),
+        QUrl::fromLocalFile(makeSource(QStringLiteral("two/same.txt")))};
+    QVERIFY(m_actions->dropFiles(files, m_noteID));
+    QVERIFY(
+        QTest::qWaitFor([&] { return m_store->note(m_noteID)->attachments.size() == 2; }, 10000));
+    const QList<NoteAttachment> attachments = m_store->note(m_noteID)->attachments;
+    for (const NoteAttachment &attachment : attachments) {
+        m_actions->openAttachment(attachment);
+        m_actions->revealAttachment(attachment);
+    }
+    QCOMPARE(m_desktop.opened.size(), 2);
+    QCOMPARE(m_desktop.opened, m_desktop.revealed);
+    QVERIFY(m_desktop.opened.at(0) != m_desktop.opened.at(1));
+    const QString folder = attachmentsFolder(libraryURL());
+    for (qsizetype i = 0; i < 2; ++i) {
+        QCOMPARE(m_desktop.opened.at(i), folder + u'/' + attachments.at(i).storedFileName);
+        QFile file(m_desktop.opened.at(i));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray(i == 0 ? "one/same.txt" : "two/same.txt"));
+    }
+
+    // A record whose name leads outside the folder is neither opened nor shown.
+    NoteAttachment outside = attachments.first();
+    outside.storedFileName = QStringLiteral("../Library.json");
+    m_actions->openAttachment(outside);
+    m_actions->revealAttachment(outside);
+    QCOMPARE(m_desktop.opened.size(), 2);
+    QCOMPARE(m_desktop.revealed.size(), 2);
+}
+
+void AttachmentActionsTest::newNoteImportGivesRecords()
+{
+    std::optional<std::optional<QList<NoteAttachment>>> answer;
+    m_actions->importForNewNote({QUrl::fromLocalFile(makeSource(QStringLiteral("new.txt")))},
+        [&](const std::optional<QList<NoteAttachment>> &records) { answer = records; });
+    QVERIFY(QTest::qWaitFor([&] { return answer.has_value(); }, 10000));
+    QVERIFY(answer->has_value());
+    QCOMPARE((*answer)->size(), 1);
+    QVERIFY(m_feedback.toasts.isEmpty());
+    // Nothing is attached yet: the composer makes the note with them.
+    QVERIFY(m_store->note(m_noteID)->attachments.isEmpty());
+
+    answer.reset();
+    m_actions->importForNewNote({QUrl::fromLocalFile(m_scratch->filePath(QStringLiteral("x")))},
+        [&](const std::optional<QList<NoteAttachment>> &records) { answer = records; });
+    QVERIFY(QTest::qWaitFor([&] { return answer.has_value(); }, 10000));
+    QVERIFY(!answer->has_value());
+    QCOMPARE(m_feedback.toasts.size(), 1);
+    QCOMPARE(m_feedback.toasts.first().message, QStringLiteral("Could Not Add Attachment"));
+}
+
+void AttachmentActionsTest::formatsToRead_data()
+{
+    QTest::addColumn<QStringList>("offers");
+    QTest::addColumn<QStringList>("plan");
+
+    QTest::newRow("files before images") << QStringList {"image/png", "text/plain", "text/uri-list"}
+                                         << QStringList {"text/uri-list", "image/png"};
+    QTest::newRow("PNG before other images, whatever the order offered")
+        << QStringList {"image/jpeg", "image/bmp", "image/png"}
+        << QStringList {"image/png", "image/jpeg", "image/bmp"};
+    QTest::newRow("only other images") << QStringList {"TARGETS", "image/tiff", "image/jpeg"}
+                                       << QStringList {"image/tiff", "image/jpeg"};
+    QTest::newRow("text only") << QStringList {"UTF8_STRING", "text/plain"} << QStringList {};
+    QTest::newRow("nothing") << QStringList {} << QStringList {};
+}
+
+void AttachmentActionsTest::formatsToRead()
+{
+    QFETCH(QStringList, offers);
+    QFETCH(QStringList, plan);
+    QCOMPARE(Pasteboard::formatsToRead(offers), plan);
+}
+
+void AttachmentActionsTest::localFilesOfUriList_data()
+{
+    QTest::addColumn<QByteArray>("list");
+    QTest::addColumn<QStringList>("paths");
+
+    QTest::newRow("two files, CRLF") << QByteArray("file:///tmp/a.txt\r\nfile:///tmp/b%20c.png\r\n")
+                                     << QStringList {"/tmp/a.txt", "/tmp/b c.png"};
+    QTest::newRow("comments and web links left out")
+        << QByteArray("# copied\nhttps://example.org/x.png\nfile:///home/u/x.pdf\n")
+        << QStringList {"/home/u/x.pdf"};
+    QTest::newRow("UTF-8 names") << QByteArray("file:///tmp/%C3%BCber.txt")
+                                 << QStringList {"/tmp/über.txt"};
+    QTest::newRow("empty") << QByteArray() << QStringList {};
+    QTest::newRow("not a URL") << QByteArray("just some text") << QStringList {};
+}
+
+void AttachmentActionsTest::localFilesOfUriList()
+{
+    QFETCH(QByteArray, list);
+    QFETCH(QStringList, paths);
+    QStringList found;
+    for (const QUrl &url : Pasteboard::localFilesOfUriList(list))
+        found.append(url.toLocalFile());
+    QCOMPARE(found, paths);
+}
+
+VESKO_TEST_MAIN(AttachmentActionsTest)
+
+#include "tst_attachmentactions.moc"

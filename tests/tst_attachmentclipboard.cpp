@@ -1,0 +1,403 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Pasting attachments from the clipboard of a real X server (under Xvfb),
+// held by real other applications: xclip, and a small Qt program that
+// offers several formats at once or takes the clipboard and never answers.
+
+#include "TestEnvironment.h"
+
+#include "attachments/AttachmentActions.h"
+#include "library/LibraryFile.h"
+#include "library/LibraryWriter.h"
+#include "platform/DesktopFiles.h"
+#include "platform/FileChooser.h"
+#include "platform/qt/QtPasteboardReader.h"
+#include "shell/Preferences.h"
+#include "store/Store.h"
+
+#include <QBuffer>
+#include <QClipboard>
+#include <QDir>
+#include <QGuiApplication>
+#include <QImage>
+#include <QImageReader>
+#include <QMimeData>
+#include <QProcess>
+#include <QTemporaryDir>
+
+using namespace Vesko;
+
+namespace {
+
+QByteArray encoded(const QImage &image, const char *format)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, format, 95);
+    return bytes;
+}
+
+QImage filled(int width, int height, QColor color)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(color);
+    return image;
+}
+
+// Many colours, so that the PNG stays large.
+QImage noise(int width, int height)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    quint32 state = 12345;
+    for (int y = 0; y < height; ++y) {
+        auto *line = reinterpret_cast<quint32 *>(image.scanLine(y));
+        for (int x = 0; x < width; ++x) {
+            state = state * 1664525u + 1013904223u;
+            line[x] = 0xff000000u | (state >> 8);
+        }
+    }
+    return image;
+}
+
+class RecordingFeedback : public AttachmentFeedback
+{
+public:
+    void toast(const QString &message, const QString &symbol) override
+    {
+        toasts.append(message + u'|' + symbol);
+    }
+    QStringList toasts;
+};
+
+class NoChooser : public FileChooser
+{
+public:
+    void chooseFiles(std::function<void(const QList<QUrl> &)> done) override { done({}); }
+};
+
+class NoDesktop : public DesktopFiles
+{
+public:
+    void open(const QString &) override { }
+    void reveal(const QString &) override { }
+};
+
+} // namespace
+
+class AttachmentClipboardTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void fileTakesPrecedenceOverImage();
+    void pngBeforeOtherImages();
+    void jpegBecomesPng();
+    void largeImageComesInPieces();
+    void remoteLinksFallBackToTheImage();
+    void nothingUsable_data();
+    void nothingUsable();
+    void silentOwnerDoesNotHoldTheProgram();
+    void ownClipboardIsReadDirectly();
+    void pastedFileBecomesAttachment();
+
+private:
+    QString writeScratch(const QString &name, const QByteArray &bytes);
+    //! Starts an owner offering \a offers (TYPE=FILE) and waits until it holds the clipboard.
+    bool startOwner(const QStringList &arguments);
+    bool offerWithXclip(const QString &type, const QString &file);
+    std::optional<PasteboardContent> readClipboard();
+    void emptyClipboard();
+
+    std::unique_ptr<QTemporaryDir> m_scratch;
+    std::unique_ptr<QtPasteboardReader> m_reader;
+    std::unique_ptr<QProcess> m_owner;
+    std::vector<std::unique_ptr<QProcess>> m_xclips;
+};
+
+void AttachmentClipboardTest::initTestCase()
+{
+    QVERIFY2(QGuiApplication::platformName() == u"xcb", "run under an X server (xvfb-run)");
+}
+
+void AttachmentClipboardTest::init()
+{
+    m_scratch = std::make_unique<QTemporaryDir>(
+        Test::IsolatedEnvironment::current().root() + QStringLiteral("/scratch-XXXXXX"));
+    m_reader = std::make_unique<QtPasteboardReader>();
+}
+
+void AttachmentClipboardTest::cleanup()
+{
+    emptyClipboard();
+    m_reader.reset();
+    m_scratch.reset();
+}
+
+QString AttachmentClipboardTest::writeScratch(const QString &name, const QByteArray &bytes)
+{
+    const QString path = m_scratch->filePath(name);
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(bytes);
+    return path;
+}
+
+bool AttachmentClipboardTest::startOwner(const QStringList &arguments)
+{
+    m_owner = std::make_unique<QProcess>();
+    m_owner->start(QStringLiteral(CLIPBOARD_OWNER_PATH), arguments);
+    if (!m_owner->waitForStarted())
+        return false;
+    return QTest::qWaitFor(
+        [&] { return m_owner->readAllStandardOutput().contains("ready"); }, 10000);
+}
+
+bool AttachmentClipboardTest::offerWithXclip(const QString &type, const QString &file)
+{
+    auto &xclip = *m_xclips.emplace_back(std::make_unique<QProcess>());
+    xclip.start(QStringLiteral("xclip"),
+        {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
+            QStringLiteral("-t"), type, file});
+    if (!xclip.waitForStarted())
+        return false;
+    // xclip serves from the background once it holds the clipboard.
+    return QTest::qWaitFor(
+        [&] {
+            QProcess check;
+            check.start(QStringLiteral("xclip"),
+                {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
+                    QStringLiteral("-t"), QStringLiteral("TARGETS")});
+            check.waitForFinished(5000);
+            return check.readAllStandardOutput().contains(type.toLatin1());
+        },
+        10000);
+}
+
+void AttachmentClipboardTest::emptyClipboard()
+{
+    if (m_owner) {
+        m_owner->kill();
+        m_owner->waitForFinished();
+        m_owner.reset();
+    }
+    for (const auto &xclip : m_xclips) {
+        xclip->kill();
+        xclip->waitForFinished();
+    }
+    m_xclips.clear();
+    // Taking the clipboard and letting it go leaves it without an owner.
+    QGuiApplication::clipboard()->setText(QStringLiteral("x"));
+    QGuiApplication::clipboard()->clear();
+    QVERIFY(!QGuiApplication::clipboard()->ownsClipboard());
+}
+
+std::optional<PasteboardContent> AttachmentClipboardTest::readClipboard()
+{
+    std::optional<PasteboardContent> content;
+    m_reader->readPasteboard([&](const PasteboardContent &c) { content = c; });
+    if (!QTest::qWaitFor([&] { return content.has_value(); }, 20000))
+        return std::nullopt;
+    return content;
+}
+
+void AttachmentClipboardTest::fileTakesPrecedenceOverImage()
+{
+    const QString file = writeScratch(QStringLiteral("notes.txt"), "the file");
+    const QString list
+        = writeScratch(QStringLiteral("list"), QUrl::fromLocalFile(file).toEncoded() + "\r\n");
+    const QString png
+        = writeScratch(QStringLiteral("image.png"), encoded(filled(8, 8, Qt::red), "PNG"));
+    QVERIFY(
+        startOwner({QStringLiteral("image/png=") + png, QStringLiteral("text/uri-list=") + list}));
+
+    const std::optional<PasteboardContent> content = readClipboard();
+    QVERIFY(content);
+    QCOMPARE(content->fileURLs, QList<QUrl> {QUrl::fromLocalFile(file)});
+    QVERIFY(content->png.isEmpty());
+}
+
+void AttachmentClipboardTest::pngBeforeOtherImages()
+{
+    const QByteArray pngBytes = encoded(filled(6, 4, Qt::blue), "PNG");
+    const QString jpeg
+        = writeScratch(QStringLiteral("image.jpg"), encoded(filled(6, 4, Qt::green), "JPEG"));
+    const QString png = writeScratch(QStringLiteral("image.png"), pngBytes);
+    QVERIFY(startOwner({QStringLiteral("image/jpeg=") + jpeg, QStringLiteral("image/png=") + png}));
+
+    const std::optional<PasteboardContent> content = readClipboard();
+    QVERIFY(content);
+    QVERIFY(content->fileURLs.isEmpty());
+    QCOMPARE(content->png, pngBytes);
+}
+
+void AttachmentClipboardTest::jpegBecomesPng()
+{
+    const QString jpeg = writeScratch(
+        QStringLiteral("photo.jpg"), encoded(filled(40, 30, QColor(200, 40, 40)), "JPEG"));
+    QVERIFY(offerWithXclip(QStringLiteral("image/jpeg"), jpeg));
+
+    const std::optional<PasteboardContent> content = readClipboard();
+    QVERIFY(content);
+    QVERIFY(content->png.startsWith("\x89PNG\r\n\x1a\n"));
+    QBuffer buffer;
+    buffer.setData(content->png);
+    QImageReader reader(&buffer, "png");
+    reader.setDecideFormatFromContent(false);
+    const QImage image = reader.read();
+    QVERIFY2(!image.isNull(), qPrintable(reader.errorString()));
+    QCOMPARE(image.size(), QSize(40, 30));
+    const QColor centre = image.pixelColor(20, 15);
+    QVERIFY(qAbs(centre.red() - 200) < 12 && qAbs(centre.green() - 40) < 12
+        && qAbs(centre.blue() - 40) < 12);
+}
+
+void AttachmentClipboardTest::largeImageComesInPieces()
+{
+    // Larger than one request of the X protocol can carry: it comes in pieces.
+    const QByteArray pngBytes = encoded(noise(1000, 1000), "PNG");
+    QVERIFY(pngBytes.size() > 2 * 1024 * 1024);
+    QVERIFY(offerWithXclip(
+        QStringLiteral("image/png"), writeScratch(QStringLiteral("large.png"), pngBytes)));
+
+    const std::optional<PasteboardContent> content = readClipboard();
+    QVERIFY(content);
+    QCOMPARE(content->png.size(), pngBytes.size());
+    QVERIFY(content->png == pngBytes);
+}
+
+void AttachmentClipboardTest::remoteLinksFallBackToTheImage()
+{
+    const QString list = writeScratch(QStringLiteral("list"), "https://example.org/a.png\r\n");
+    const QByteArray pngBytes = encoded(filled(3, 3, Qt::yellow), "PNG");
+    const QString png = writeScratch(QStringLiteral("image.png"), pngBytes);
+    QVERIFY(
+        startOwner({QStringLiteral("text/uri-list=") + list, QStringLiteral("image/png=") + png}));
+
+    const std::optional<PasteboardContent> content = readClipboard();
+    QVERIFY(content);
+    QVERIFY(content->fileURLs.isEmpty());
+    QCOMPARE(content->png, pngBytes);
+}
+
+void AttachmentClipboardTest::nothingUsable_data()
+{
+    QTest::addColumn<QString>("holder");
+    QTest::newRow("no owner") << "none";
+    QTest::newRow("text only") << "text";
+    QTest::newRow("an image that does not decode") << "corrupt";
+}
+
+void AttachmentClipboardTest::nothingUsable()
+{
+    QFETCH(QString, holder);
+    if (holder == u"text")
+        QVERIFY(offerWithXclip(
+            QStringLiteral("UTF8_STRING"), writeScratch(QStringLiteral("t"), "just text")));
+    else if (holder == u"corrupt")
+        QVERIFY(offerWithXclip(QStringLiteral("image/jpeg"),
+            writeScratch(QStringLiteral("bad.jpg"), "not a picture at all")));
+
+    const std::optional<PasteboardContent> content = readClipboard();
+    QVERIFY(content);
+    QVERIFY(content->isEmpty());
+
+    // What the user sees, through the actions on a real Store.
+    Preferences::openSettings()->clear();
+    Preferences preferences;
+    LibraryWriter writer;
+    AttachmentStore files;
+    SearchIndex searchIndex(m_scratch->filePath(QStringLiteral("index.sqlite")));
+    Store store(makeDefaultLibrary(), {preferences, writer, files, searchIndex});
+    const QUuid noteID = store.addNote(QStringLiteral("target"))->id;
+    NoChooser chooser;
+    NoDesktop desktop;
+    RecordingFeedback feedback;
+    AttachmentActions actions({store, files, chooser, *m_reader, desktop, feedback});
+    actions.pasteIntoNote(noteID);
+    QVERIFY(QTest::qWaitFor([&] { return !feedback.toasts.isEmpty(); }, 20000));
+    QCOMPARE(feedback.toasts, QStringList {QStringLiteral("No Image or File to Paste|clipboard")});
+    QVERIFY(store.note(noteID)->attachments.isEmpty());
+}
+
+void AttachmentClipboardTest::silentOwnerDoesNotHoldTheProgram()
+{
+    QVERIFY(startOwner({QStringLiteral("--silent")}));
+    std::optional<PasteboardContent> content;
+    bool turnedBeforeAnswer = false;
+    int turns = 0;
+    QTimer ticker;
+    connect(&ticker, &QTimer::timeout, [&] {
+        ++turns;
+        if (turns == 3 && !content)
+            turnedBeforeAnswer = true;
+    });
+    ticker.start(0);
+    m_reader->readPasteboard([&](const PasteboardContent &c) { content = c; });
+    // The call returned at once; the event loop goes on while the owner is silent.
+    QVERIFY(!content);
+    QVERIFY(QTest::qWaitFor([&] { return content.has_value(); }, 30000));
+    QVERIFY(turnedBeforeAnswer);
+    QVERIFY(content->isEmpty());
+}
+
+void AttachmentClipboardTest::ownClipboardIsReadDirectly()
+{
+    auto *data = new QMimeData;
+    data->setImageData(filled(5, 7, Qt::magenta));
+    QGuiApplication::clipboard()->setMimeData(data);
+    QVERIFY(QGuiApplication::clipboard()->ownsClipboard());
+
+    const std::optional<PasteboardContent> content = readClipboard();
+    QVERIFY(content);
+    const QImage image = QImage::fromData(content->png, "PNG");
+    QCOMPARE(image.size(), QSize(5, 7));
+    QCOMPARE(image.pixelColor(2, 3), QColor(Qt::magenta));
+}
+
+void AttachmentClipboardTest::pastedFileBecomesAttachment()
+{
+    const QString file = writeScratch(QStringLiteral("report.pdf"), "%PDF-1.4 tiny");
+    const QString list
+        = writeScratch(QStringLiteral("list"), QUrl::fromLocalFile(file).toEncoded() + "\r\n");
+    const QString png
+        = writeScratch(QStringLiteral("image.png"), encoded(filled(8, 8, Qt::red), "PNG"));
+    QVERIFY(
+        startOwner({QStringLiteral("text/uri-list=") + list, QStringLiteral("image/png=") + png}));
+
+    Preferences::openSettings()->clear();
+    Preferences preferences;
+    LibraryWriter writer;
+    AttachmentStore files;
+    SearchIndex searchIndex(m_scratch->filePath(QStringLiteral("index.sqlite")));
+    Store store(makeDefaultLibrary(), {preferences, writer, files, searchIndex});
+    const QUuid noteID = store.addNote(QStringLiteral("target"))->id;
+    NoChooser chooser;
+    NoDesktop desktop;
+    RecordingFeedback feedback;
+    AttachmentActions actions({store, files, chooser, *m_reader, desktop, feedback});
+    actions.pasteIntoNote(noteID);
+    QVERIFY(QTest::qWaitFor([&] { return !store.note(noteID)->attachments.isEmpty(); }, 20000));
+    const NoteAttachment attachment = store.note(noteID)->attachments.first();
+    QCOMPARE(attachment.fileName, QStringLiteral("report.pdf"));
+    QCOMPARE(attachment.contentTypeIdentifier, QStringLiteral("application/pdf"));
+    QFile copy(attachmentsFolder(libraryURL()) + u'/' + attachment.storedFileName);
+    QVERIFY(copy.open(QIODevice::ReadOnly));
+    QCOMPARE(copy.readAll(), QByteArray("%PDF-1.4 tiny"));
+    QVERIFY(feedback.toasts.isEmpty());
+}
+
+int main(int argc, char *argv[])
+{
+    Vesko::Test::IsolatedEnvironment environment;
+    QGuiApplication app(argc, argv);
+    AttachmentClipboardTest test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_attachmentclipboard.moc"

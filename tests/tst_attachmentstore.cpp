@@ -1,0 +1,586 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Importing files and pasted images into the attachments folder, with real
+// files in temporary folders: all or nothing under real faults (a missing
+// file, a dangling link, a full disk on a small tmpfs), private permissions
+// whatever the umask, a 1 GiB sparse file copied without holding it in
+// memory, and the Store's import racing the deletion of its note.
+
+#include "TestEnvironment.h"
+
+#include "attachments/AttachmentStore.h"
+#include "library/LibraryFile.h"
+#include "library/LibraryWriter.h"
+#include "platform/FileSystem.h"
+#include "shell/Preferences.h"
+#include "store/Store.h"
+
+#include <QDir>
+#include <QRandomGenerator>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include <fcntl.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Vesko;
+
+namespace {
+
+QByteArray randomBytes(qsizetype size, quint32 seed)
+{
+    QByteArray bytes(size, Qt::Uninitialized);
+    QRandomGenerator random(seed);
+    random.fillRange(reinterpret_cast<quint32 *>(bytes.data()), size / 4);
+    return bytes;
+}
+
+void writeFile(const QString &path, const QByteArray &bytes)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), bytes.size());
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return file.readAll();
+}
+
+// Everything below \a folder, as relative paths.
+QStringList contentsOf(const QString &folder)
+{
+    QStringList entries;
+    QDir dir(folder);
+    for (const QFileInfo &entry :
+        dir.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot)) {
+        entries.append(entry.fileName());
+        if (entry.isDir() && !entry.isSymLink()) {
+            for (const QString &inner : contentsOf(entry.filePath()))
+                entries.append(entry.fileName() + u'/' + inner);
+        }
+    }
+    return entries;
+}
+
+unsigned modeOf(const QString &path)
+{
+    struct stat info;
+    if (::lstat(QFile::encodeName(path).constData(), &info) != 0)
+        return 0;
+    return info.st_mode & 07777;
+}
+
+// The peak resident memory of the process since the last reset, in bytes.
+qint64 residentPeak()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').first().toLongLong() * 1024;
+    }
+    return -1;
+}
+
+qint64 residentNow()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:"))
+            return line.mid(6).trimmed().split(' ').first().toLongLong() * 1024;
+    }
+    return -1;
+}
+
+bool resetResidentPeak()
+{
+    QFile clear(QStringLiteral("/proc/self/clear_refs"));
+    return clear.open(QIODevice::WriteOnly) && clear.write("5") == 1;
+}
+
+// A small tmpfs mounted for the life of the object: a disk that fills up.
+class SmallDisk
+{
+public:
+    explicit SmallDisk(const QString &path, const char *size)
+        : m_path(path)
+    {
+        QDir().mkpath(path);
+        const QByteArray options = QByteArray("size=") + size;
+        m_mounted
+            = ::mount("tmpfs", QFile::encodeName(path).constData(), "tmpfs", 0, options.constData())
+            == 0;
+    }
+    ~SmallDisk()
+    {
+        if (m_mounted)
+            ::umount2(QFile::encodeName(m_path).constData(), MNT_DETACH);
+    }
+    bool isMounted() const { return m_mounted; }
+
+private:
+    QString m_path;
+    bool m_mounted = false;
+};
+
+} // namespace
+
+class AttachmentStoreTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void importKeepsNameTypeAndSize();
+    void foldersAmongSourcesAreSkipped();
+    void importIsAllOrNothing_data();
+    void importIsAllOrNothing();
+    void sameNameTwiceGetsTwoFolders();
+    void contentType_data();
+    void contentType();
+    void filesAndFoldersArePrivate();
+    void pastedImageIsWrittenWhole();
+    void largeSparseFileIsCopiedInPieces();
+    void copyInPiecesRefusesWhatItShould();
+    void cancelledImportLeavesNothing();
+
+    void storeImportAttachesInOrder();
+    void importForDeletedNoteLeavesNoFiles();
+    void removingLastAttachmentKeepsAttachmentsFolder();
+
+private:
+    std::unique_ptr<Store> makeStore();
+
+    std::unique_ptr<QTemporaryDir> m_scratch;
+    QString m_sources;
+    QString m_folder;
+    std::unique_ptr<Preferences> m_preferences;
+    std::unique_ptr<LibraryWriter> m_writer;
+    std::unique_ptr<AttachmentStore> m_attachments;
+    std::unique_ptr<SearchIndex> m_searchIndex;
+};
+
+void AttachmentStoreTest::init()
+{
+    m_scratch = std::make_unique<QTemporaryDir>(
+        Test::IsolatedEnvironment::current().root() + QStringLiteral("/scratch-XXXXXX"));
+    m_sources = m_scratch->filePath(QStringLiteral("sources"));
+    m_folder = m_scratch->filePath(QStringLiteral("Vesko/Attachments"));
+    QDir().mkpath(m_sources);
+    Preferences::openSettings()->clear();
+    QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
+    m_preferences = std::make_unique<Preferences>();
+    m_writer = std::make_unique<LibraryWriter>();
+    m_attachments = std::make_unique<AttachmentStore>();
+    m_searchIndex = std::make_unique<SearchIndex>();
+}
+
+void AttachmentStoreTest::cleanup()
+{
+    m_attachments.reset();
+    m_writer.reset();
+    m_searchIndex.reset();
+    m_scratch.reset();
+}
+
+std::unique_ptr<Store> AttachmentStoreTest::makeStore()
+{
+    return std::make_unique<Store>(makeDefaultLibrary(),
+        Store::Services {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+}
+
+void AttachmentStoreTest::importKeepsNameTypeAndSize()
+{
+    const QByteArray bytes = randomBytes(3 * 1024 * 1024 + 12, 1);
+    const QString source = m_sources + QStringLiteral("/Holiday Photo.JPG");
+    writeFile(source, bytes);
+    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
+
+    const ImportResult result
+        = AttachmentStore::importFilesNow({QUrl::fromLocalFile(source)}, m_folder);
+    QVERIFY2(result.succeeded(), qPrintable(result.error.value_or(QString())));
+    QCOMPARE(result.attachments.size(), 1);
+    const NoteAttachment &attachment = result.attachments.first();
+
+    // The folder is the record's id, upper case and hyphenated, holding the file under its name.
+    const QString folderName = attachment.storedFileName.section(u'/', 0, 0);
+    QCOMPARE(folderName, attachment.id.toString(QUuid::WithoutBraces).toUpper());
+    QCOMPARE(attachment.storedFileName, folderName + QStringLiteral("/Holiday Photo.JPG"));
+    QCOMPARE(attachment.fileName, QStringLiteral("Holiday Photo.JPG"));
+    QCOMPARE(attachment.kind, NoteAttachment::Kind::Image);
+    QCOMPARE(attachment.contentTypeIdentifier, QStringLiteral("image/jpeg"));
+    QCOMPARE(attachment.byteCount, bytes.size());
+    QVERIFY(attachment.createdAt >= before);
+    QVERIFY(attachment.createdAt <= QDateTime::currentDateTimeUtc().addSecs(1));
+    QCOMPARE(readFile(m_folder + u'/' + attachment.storedFileName), bytes);
+    QCOMPARE(readFile(source), bytes); // the source stays
+}
+
+void AttachmentStoreTest::foldersAmongSourcesAreSkipped()
+{
+    writeFile(m_sources + QStringLiteral("/a.txt"), "a");
+    QDir().mkpath(m_sources + QStringLiteral("/folder/inner"));
+    writeFile(m_sources + QStringLiteral("/folder/inner/b.txt"), "b");
+
+    const ImportResult result = AttachmentStore::importFilesNow(
+        {QUrl::fromLocalFile(m_sources + QStringLiteral("/folder")),
+            QUrl::fromLocalFile(m_sources + QStringLiteral("/a.txt"))},
+        m_folder);
+    QVERIFY(result.succeeded());
+    QCOMPARE(result.attachments.size(), 1);
+    QCOMPARE(result.attachments.first().fileName, QStringLiteral("a.txt"));
+    QCOMPARE(contentsOf(m_folder).size(), 2); // one folder with one file
+}
+
+void AttachmentStoreTest::importIsAllOrNothing_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::newRow("second file missing") << "missing";
+    QTest::newRow("second file a dangling link") << "dangling link";
+    QTest::newRow("second file not on this computer") << "remote";
+    QTest::newRow("disk full during the second file") << "full disk";
+}
+
+void AttachmentStoreTest::importIsAllOrNothing()
+{
+    QFETCH(QString, fault);
+    const QString first = m_sources + QStringLiteral("/first.bin");
+    writeFile(first, randomBytes(100 * 1024, 2));
+    QUrl second = QUrl::fromLocalFile(m_sources + QStringLiteral("/second.bin"));
+    std::unique_ptr<SmallDisk> disk;
+    if (fault == u"dangling link") {
+        QVERIFY(QFile::link(m_sources + QStringLiteral("/gone.bin"), second.toLocalFile()));
+    } else if (fault == u"remote") {
+        second = QUrl(QStringLiteral("https://example.org/second.bin"));
+    } else if (fault == u"full disk") {
+        disk = std::make_unique<SmallDisk>(m_folder, "300k");
+        if (!disk->isMounted())
+            QSKIP("mounting a tmpfs is not permitted here");
+        writeFile(second.toLocalFile(), randomBytes(1024 * 1024, 3));
+    }
+
+    const ImportResult result
+        = AttachmentStore::importFilesNow({QUrl::fromLocalFile(first), second}, m_folder);
+    QVERIFY(!result.succeeded());
+    QVERIFY(!result.error->isEmpty());
+    QVERIFY(result.attachments.isEmpty());
+    QVERIFY(QFileInfo(m_folder).isDir());
+    QCOMPARE(contentsOf(m_folder), QStringList());
+}
+
+void AttachmentStoreTest::sameNameTwiceGetsTwoFolders()
+{
+    writeFile(m_sources + QStringLiteral("/one/report.pdf"), "first");
+    writeFile(m_sources + QStringLiteral("/two/report.pdf"), "second");
+    const ImportResult result = AttachmentStore::importFilesNow(
+        {QUrl::fromLocalFile(m_sources + QStringLiteral("/one/report.pdf")),
+            QUrl::fromLocalFile(m_sources + QStringLiteral("/two/report.pdf"))},
+        m_folder);
+    QVERIFY(result.succeeded());
+    QCOMPARE(result.attachments.size(), 2);
+    const NoteAttachment &a = result.attachments.at(0);
+    const NoteAttachment &b = result.attachments.at(1);
+    QCOMPARE(a.fileName, b.fileName);
+    QVERIFY(a.storedFileName != b.storedFileName);
+    QVERIFY(a.id != b.id);
+    QCOMPARE(readFile(m_folder + u'/' + a.storedFileName), QByteArray("first"));
+    QCOMPARE(readFile(m_folder + u'/' + b.storedFileName), QByteArray("second"));
+}
+
+void AttachmentStoreTest::contentType_data()
+{
+    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<QString>("type"); // empty: none
+    QTest::addColumn<bool>("image");
+
+    QTest::newRow("png") << "shot.png"
+                         << "image/png" << true;
+    QTest::newRow("upper-case extension") << "SCAN.JPEG"
+                                          << "image/jpeg" << true;
+    QTest::newRow("svg is an image") << "logo.svg"
+                                     << "image/svg+xml" << true;
+    QTest::newRow("pdf") << "report.pdf"
+                         << "application/pdf" << false;
+    QTest::newRow("plain text") << "notes.txt"
+                                << "text/plain" << false;
+    QTest::newRow("double extension") << "backup.tar.gz"
+                                      << "application/x-compressed-tar" << false;
+    QTest::newRow("no extension") << "README"
+                                  << "" << false;
+    QTest::newRow("hidden file without extension") << ".profile"
+                                                   << "" << false;
+    QTest::newRow("trailing dot") << "draft."
+                                  << "" << false;
+    QTest::newRow("unknown extension") << "data.qqzx"
+                                       << "" << false;
+}
+
+void AttachmentStoreTest::contentType()
+{
+    QFETCH(QString, fileName);
+    QFETCH(QString, type);
+    QFETCH(bool, image);
+    const std::optional<QString> expected
+        = type.isEmpty() ? std::nullopt : std::optional<QString>(type);
+    QCOMPARE(AttachmentStore::contentTypeForFileName(fileName), expected);
+
+    // The same through an import, which is what users meet.
+    writeFile(m_sources + u'/' + fileName, "x");
+    const ImportResult result = AttachmentStore::importFilesNow(
+        {QUrl::fromLocalFile(m_sources + u'/' + fileName)}, m_folder);
+    QVERIFY(result.succeeded());
+    QCOMPARE(result.attachments.first().contentTypeIdentifier, expected);
+    QCOMPARE(result.attachments.first().kind,
+        image ? NoteAttachment::Kind::Image : NoteAttachment::Kind::File);
+}
+
+void AttachmentStoreTest::filesAndFoldersArePrivate()
+{
+    writeFile(m_sources + QStringLiteral("/open.txt"), "readable by all");
+    ::chmod(QFile::encodeName(m_sources + QStringLiteral("/open.txt")).constData(), 0666);
+    const mode_t previous = ::umask(0);
+    const ImportResult imported = AttachmentStore::importFilesNow(
+        {QUrl::fromLocalFile(m_sources + QStringLiteral("/open.txt"))}, m_folder);
+    const ImportResult pasted = AttachmentStore::writePastedImageNow("png bytes", m_folder);
+    ::umask(previous);
+    QVERIFY(imported.succeeded());
+    QVERIFY(pasted.succeeded());
+
+    QCOMPARE(modeOf(m_folder), 0700u);
+    QCOMPARE(modeOf(QFileInfo(m_folder).absolutePath()), 0700u); // made on the way
+    for (const ImportResult *result : {&imported, &pasted}) {
+        const QString file = m_folder + u'/' + result->attachments.first().storedFileName;
+        QCOMPARE(modeOf(file), 0600u);
+        QCOMPARE(modeOf(QFileInfo(file).absolutePath()), 0700u);
+    }
+}
+
+void AttachmentStoreTest::pastedImageIsWrittenWhole()
+{
+    const QByteArray png = randomBytes(64 * 1024, 4);
+    const ImportResult result = AttachmentStore::writePastedImageNow(png, m_folder);
+    QVERIFY(result.succeeded());
+    QCOMPARE(result.attachments.size(), 1);
+    const NoteAttachment &attachment = result.attachments.first();
+    const QString folderName = attachment.id.toString(QUuid::WithoutBraces).toUpper();
+    QCOMPARE(attachment.fileName, QStringLiteral("Pasted Image.png"));
+    QCOMPARE(attachment.storedFileName, folderName + QStringLiteral("/Pasted Image.png"));
+    QCOMPARE(attachment.kind, NoteAttachment::Kind::Image);
+    QCOMPARE(attachment.contentTypeIdentifier, QStringLiteral("image/png"));
+    QCOMPARE(attachment.byteCount, png.size());
+    QCOMPARE(readFile(m_folder + u'/' + attachment.storedFileName), png);
+    // Nothing but the image: no partial file is left beside it.
+    QCOMPARE(contentsOf(m_folder),
+        QStringList({folderName, folderName + QStringLiteral("/Pasted Image.png")}));
+
+    // The same through the store's thread, answered on this one.
+    bool answered = false;
+    QObject context;
+    m_attachments->writePastedImage(png, m_folder, &context, [&](const ImportResult &r) {
+        answered = true;
+        QVERIFY(r.succeeded());
+        QCOMPARE(readFile(m_folder + u'/' + r.attachments.first().storedFileName), png);
+    });
+    QVERIFY(QTest::qWaitFor([&] { return answered; }, 10000));
+}
+
+void AttachmentStoreTest::largeSparseFileIsCopiedInPieces()
+{
+    // 1 GiB, of which three stretches hold data and the rest is holes.
+    constexpr qint64 size = qint64(1) << 30;
+    const QString source = m_sources + QStringLiteral("/disk.img");
+    const QByteArray head = randomBytes(4 * 1024 * 1024, 5);
+    const QByteArray middle = randomBytes(4 * 1024 * 1024, 6);
+    const QByteArray tail = randomBytes(1024 * 1024, 7);
+    {
+        QFile file(source);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(file.resize(size));
+        QVERIFY(file.seek(0) && file.write(head) == head.size());
+        QVERIFY(file.seek(size / 2) && file.write(middle) == middle.size());
+        QVERIFY(file.seek(size - tail.size()) && file.write(tail) == tail.size());
+    }
+
+    if (!resetResidentPeak())
+        QSKIP("the peak resident memory cannot be reset here");
+    const qint64 before = residentNow();
+    bool answered = false;
+    ImportResult result;
+    QObject context;
+    m_attachments->importFiles(
+        {QUrl::fromLocalFile(source)}, m_folder, &context, [&](const ImportResult &r) {
+            result = r;
+            answered = true;
+        });
+    QVERIFY(QTest::qWaitFor([&] { return answered; }, 120000));
+    const qint64 growth = residentPeak() - before;
+    QVERIFY2(result.succeeded(), qPrintable(result.error.value_or(QString())));
+    QVERIFY2(growth < 64 * 1024 * 1024,
+        qPrintable(QStringLiteral("resident memory grew by %1 bytes").arg(growth)));
+
+    const QString copy = m_folder + u'/' + result.attachments.first().storedFileName;
+    QCOMPARE(QFileInfo(copy).size(), size);
+    QCOMPARE(result.attachments.first().byteCount, size);
+    QFile file(copy);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.read(head.size()), head);
+    QVERIFY(file.seek(size / 4));
+    QCOMPARE(file.read(4096), QByteArray(4096, '\0'));
+    QVERIFY(file.seek(size / 2));
+    QCOMPARE(file.read(middle.size()), middle);
+    QVERIFY(file.seek(size - tail.size()));
+    QCOMPARE(file.read(tail.size()), tail);
+    // The holes stayed holes: the copy takes about what the data take.
+    struct stat info;
+    QCOMPARE(::stat(QFile::encodeName(copy).constData(), &info), 0);
+    QVERIFY(qint64(info.st_blocks) * 512 < 64 * 1024 * 1024);
+}
+
+void AttachmentStoreTest::copyInPiecesRefusesWhatItShould()
+{
+    const QString source = m_sources + QStringLiteral("/source.bin");
+    const QByteArray bytes = randomBytes(9 * 1024 * 1024 + 3, 8);
+    writeFile(source, bytes);
+    const QString link = m_sources + QStringLiteral("/link.bin");
+    QVERIFY(QFile::link(source, link));
+    const QString targets = m_scratch->filePath(QStringLiteral("targets"));
+    QDir().mkpath(targets);
+
+    FileSystem::PieceCopyOptions noLinks;
+    noLinks.followLinks = false;
+    QVERIFY(FileSystem::copyFileInPieces(link, targets + QStringLiteral("/a"), noLinks));
+    QVERIFY(!QFileInfo::exists(targets + QStringLiteral("/a")));
+    QVERIFY(!FileSystem::copyFileInPieces(link, targets + QStringLiteral("/a")));
+    QCOMPARE(readFile(targets + QStringLiteral("/a")), bytes);
+
+    // The target must not exist: nothing is overwritten.
+    writeFile(targets + QStringLiteral("/b"), "keep");
+    QVERIFY(FileSystem::copyFileInPieces(source, targets + QStringLiteral("/b")));
+    QCOMPARE(readFile(targets + QStringLiteral("/b")), QByteArray("keep"));
+
+    QVERIFY(FileSystem::copyFileInPieces(m_sources, targets + QStringLiteral("/c")));
+    QVERIFY(!QFileInfo::exists(targets + QStringLiteral("/c")));
+
+    // Keeping the date.
+    const QDateTime old = QDateTime::fromSecsSinceEpoch(1000000000, Qt::UTC);
+    QFile file(source);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(old, QFileDevice::FileModificationTime));
+    file.close();
+    FileSystem::PieceCopyOptions keepDate;
+    keepDate.keepDate = true;
+    QVERIFY(!FileSystem::copyFileInPieces(source, targets + QStringLiteral("/d"), keepDate));
+    QCOMPARE(QFileInfo(targets + QStringLiteral("/d")).lastModified().toUTC(), old);
+    QCOMPARE(readFile(targets + QStringLiteral("/d")), bytes);
+}
+
+void AttachmentStoreTest::cancelledImportLeavesNothing()
+{
+    writeFile(m_sources + QStringLiteral("/a.bin"), randomBytes(1024, 9));
+    writeFile(m_sources + QStringLiteral("/b.bin"), randomBytes(1024, 10));
+    std::atomic_bool cancelled = true;
+    const ImportResult result = AttachmentStore::importFilesNow(
+        {QUrl::fromLocalFile(m_sources + QStringLiteral("/a.bin")),
+            QUrl::fromLocalFile(m_sources + QStringLiteral("/b.bin"))},
+        m_folder, &cancelled);
+    QVERIFY(!result.succeeded());
+    QCOMPARE(contentsOf(m_folder), QStringList());
+}
+
+void AttachmentStoreTest::storeImportAttachesInOrder()
+{
+    auto store = makeStore();
+    const std::optional<Note> note = store->addNote(QStringLiteral("with files"));
+    QVERIFY(note);
+    const qsizetype undoSteps = store->undoStepCount();
+    writeFile(m_sources + QStringLiteral("/a.txt"), "a");
+    writeFile(m_sources + QStringLiteral("/b.png"), "b");
+
+    bool answered = false;
+    store->importAttachments({QUrl::fromLocalFile(m_sources + QStringLiteral("/a.txt")),
+                                 QUrl::fromLocalFile(m_sources + QStringLiteral("/b.png"))},
+        note->id, [&](const ImportResult &result) {
+            answered = true;
+            QVERIFY(result.succeeded());
+        });
+    QVERIFY(QTest::qWaitFor([&] { return answered; }, 10000));
+    const Note updated = *store->note(note->id);
+    QCOMPARE(updated.attachments.size(), 2);
+    QCOMPARE(updated.attachments.at(0).fileName, QStringLiteral("a.txt"));
+    QCOMPARE(updated.attachments.at(1).fileName, QStringLiteral("b.png"));
+    QCOMPARE(store->undoStepCount(), undoSteps + 1);
+    const QString folder = attachmentsFolder(libraryURL());
+    for (const NoteAttachment &attachment : updated.attachments)
+        QVERIFY(QFileInfo(folder + u'/' + attachment.storedFileName).isFile());
+
+    // A failed import attaches nothing and changes nothing.
+    answered = false;
+    store->importAttachments({QUrl::fromLocalFile(m_sources + QStringLiteral("/missing.txt"))},
+        note->id, [&](const ImportResult &result) {
+            answered = true;
+            QVERIFY(!result.succeeded());
+        });
+    QVERIFY(QTest::qWaitFor([&] { return answered; }, 10000));
+    QCOMPARE(store->note(note->id)->attachments.size(), 2);
+    QCOMPARE(store->undoStepCount(), undoSteps + 1);
+}
+
+void AttachmentStoreTest::importForDeletedNoteLeavesNoFiles()
+{
+    auto store = makeStore();
+    const std::optional<Note> note = store->addNote(QStringLiteral("short-lived"));
+    writeFile(m_sources + QStringLiteral("/a.txt"), "a");
+    writeFile(m_sources + QStringLiteral("/b.txt"), "b");
+
+    bool answered = false;
+    store->importAttachments({QUrl::fromLocalFile(m_sources + QStringLiteral("/a.txt")),
+                                 QUrl::fromLocalFile(m_sources + QStringLiteral("/b.txt"))},
+        note->id, [&](const ImportResult &result) {
+            answered = true;
+            QVERIFY(result.succeeded());
+        });
+    // The import's answer can only arrive through the event loop, so the note
+    // is surely gone before it.
+    store->deleteNotes({note->id});
+    QVERIFY(QTest::qWaitFor([&] { return answered; }, 10000));
+    m_attachments->waitForIdle();
+    const QString folder = attachmentsFolder(libraryURL());
+    QCOMPARE(contentsOf(folder), QStringList());
+    QVERIFY(QFileInfo(folder).isDir());
+}
+
+void AttachmentStoreTest::removingLastAttachmentKeepsAttachmentsFolder()
+{
+    auto store = makeStore();
+    const std::optional<Note> note = store->addNote(QStringLiteral("one file"));
+    writeFile(m_sources + QStringLiteral("/only.txt"), "only");
+    bool answered = false;
+    store->importAttachments({QUrl::fromLocalFile(m_sources + QStringLiteral("/only.txt"))},
+        note->id, [&](const ImportResult &) { answered = true; });
+    QVERIFY(QTest::qWaitFor([&] { return answered; }, 10000));
+    const NoteAttachment attachment = store->note(note->id)->attachments.first();
+    const QString folder = attachmentsFolder(libraryURL());
+    QCOMPARE(contentsOf(folder).size(), 2);
+
+    store->removeAttachment(attachment.id, note->id);
+    m_attachments->waitForIdle();
+    QCOMPARE(contentsOf(folder), QStringList());
+    QVERIFY(QFileInfo(folder).isDir());
+    QVERIFY(store->note(note->id)); // the note stays
+}
+
+VESKO_TEST_MAIN(AttachmentStoreTest)
+
+#include "tst_attachmentstore.moc"

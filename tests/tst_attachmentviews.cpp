@@ -1,0 +1,490 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The attachment views with real image files: thumbnails made off the main
+// thread and read once per file, the symbol kept where no image can be had,
+// the tiles' texts and menu acting on a real Store, the pending strip and
+// the file dialog that does not block.
+
+#include "TestEnvironment.h"
+
+#include "attachments/AttachmentActions.h"
+#include "attachments/AttachmentFileDialog.h"
+#include "attachments/AttachmentListView.h"
+#include "attachments/AttachmentThumbnailView.h"
+#include "attachments/AttachmentTile.h"
+#include "attachments/PendingAttachmentStrip.h"
+#include "attachments/ThumbnailCache.h"
+#include "library/LibraryFile.h"
+#include "library/LibraryWriter.h"
+#include "platform/DesktopFiles.h"
+#include "platform/Pasteboard.h"
+#include "shell/Preferences.h"
+#include "store/Store.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMenu>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QToolButton>
+
+using namespace Vesko;
+
+namespace {
+
+class NoFeedback : public AttachmentFeedback
+{
+public:
+    void toast(const QString &, const QString &) override { }
+};
+
+class NoPasteboard : public PasteboardReader
+{
+public:
+    void readPasteboard(std::function<void(const PasteboardContent &)> done) override { done({}); }
+};
+
+class RecordingDesktop : public DesktopFiles
+{
+public:
+    void open(const QString &path) override { opened.append(path); }
+    void reveal(const QString &path) override { revealed.append(path); }
+    QStringList opened;
+    QStringList revealed;
+};
+
+NoteAttachment recordFor(const QString &storedFileName, NoteAttachment::Kind kind,
+    std::optional<QString> type = std::nullopt, std::optional<qint64> bytes = std::nullopt)
+{
+    NoteAttachment attachment;
+    attachment.id = QUuid::createUuid();
+    attachment.fileName = QFileInfo(storedFileName).fileName();
+    attachment.storedFileName = storedFileName;
+    attachment.kind = kind;
+    attachment.contentTypeIdentifier = type;
+    attachment.byteCount = bytes;
+    attachment.createdAt = QDateTime::currentDateTimeUtc();
+    return attachment;
+}
+
+} // namespace
+
+class AttachmentViewsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void thumbnails_data();
+    void thumbnails();
+    void largeImageDecodesOffTheMainThread();
+    void manyTilesReadEachFileOnce();
+    void sizeText_data();
+    void sizeText();
+    void tileOpensAndItsMenuActs();
+    void listTakesNoRoomWithoutAttachmentsAndWraps();
+    void pendingStripRemovesItsChips();
+    void fileDialogDoesNotBlock();
+
+private:
+    //! Writes \a image as \a storedFileName into the attachments folder.
+    QString saveImage(const QString &storedFileName, const QImage &image, const char *format);
+    QString writeBytes(const QString &storedFileName, const QByteArray &bytes);
+
+    QString m_folder;
+    std::unique_ptr<Preferences> m_preferences;
+    std::unique_ptr<LibraryWriter> m_writer;
+    std::unique_ptr<AttachmentStore> m_files;
+    std::unique_ptr<SearchIndex> m_searchIndex;
+    std::unique_ptr<Store> m_store;
+    AttachmentFileDialog m_chooser;
+    NoPasteboard m_pasteboard;
+    RecordingDesktop m_desktop;
+    NoFeedback m_feedback;
+    std::unique_ptr<AttachmentActions> m_actions;
+    std::unique_ptr<ThumbnailCache> m_cache;
+};
+
+void AttachmentViewsTest::init()
+{
+    Preferences::openSettings()->clear();
+    QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
+    m_folder = attachmentsFolder(libraryURL());
+    QDir().mkpath(m_folder);
+    m_preferences = std::make_unique<Preferences>();
+    m_writer = std::make_unique<LibraryWriter>();
+    m_files = std::make_unique<AttachmentStore>();
+    m_searchIndex = std::make_unique<SearchIndex>();
+    m_store = std::make_unique<Store>(makeDefaultLibrary(),
+        Store::Services {*m_preferences, *m_writer, *m_files, *m_searchIndex});
+    m_desktop = {};
+    m_actions = std::make_unique<AttachmentActions>(AttachmentActions::Services {
+        *m_store, *m_files, m_chooser, m_pasteboard, m_desktop, m_feedback});
+    m_cache = std::make_unique<ThumbnailCache>();
+}
+
+void AttachmentViewsTest::cleanup()
+{
+    m_cache.reset();
+    m_actions.reset();
+    m_store.reset();
+    m_files.reset();
+    m_writer.reset();
+    m_searchIndex.reset();
+}
+
+QString AttachmentViewsTest::saveImage(
+    const QString &storedFileName, const QImage &image, const char *format)
+{
+    const QString path = m_folder + u'/' + storedFileName;
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    image.save(path, format);
+    return path;
+}
+
+QString AttachmentViewsTest::writeBytes(const QString &storedFileName, const QByteArray &bytes)
+{
+    const QString path = m_folder + u'/' + storedFileName;
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(bytes);
+    return path;
+}
+
+void AttachmentViewsTest::thumbnails_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<bool>("image");
+    QTest::addColumn<QColor>("colour");
+
+    QTest::newRow("png") << "png" << true << QColor(220, 20, 20);
+    QTest::newRow("jpeg") << "jpeg" << true << QColor(20, 180, 20);
+    QTest::newRow("corrupt image") << "corrupt" << false << QColor();
+    QTest::newRow("missing image") << "missing" << false << QColor();
+    QTest::newRow("text file") << "text" << false << QColor();
+}
+
+void AttachmentViewsTest::thumbnails()
+{
+    QFETCH(QString, file);
+    QFETCH(bool, image);
+    QFETCH(QColor, colour);
+
+    NoteAttachment attachment;
+    QString path;
+    if (file == u"png" || file == u"jpeg") {
+        QImage source(300, 200, QImage::Format_RGB32);
+        source.fill(colour);
+        const QString name = QStringLiteral("A/picture.") + file;
+        path = saveImage(name, source, file == u"png" ? "PNG" : "JPEG");
+        attachment = recordFor(name, NoteAttachment::Kind::Image, QStringLiteral("image/") + file);
+    } else if (file == u"corrupt") {
+        path = writeBytes(QStringLiteral("B/broken.png"), "\x89PNG\r\n\x1a\n and then nothing");
+        attachment = recordFor(QStringLiteral("B/broken.png"), NoteAttachment::Kind::Image,
+            QStringLiteral("image/png"));
+    } else if (file == u"missing") {
+        path = m_folder + QStringLiteral("/C/gone.png");
+        attachment = recordFor(
+            QStringLiteral("C/gone.png"), NoteAttachment::Kind::Image, QStringLiteral("image/png"));
+    } else {
+        path = writeBytes(QStringLiteral("D/notes.txt"), "plain words");
+        attachment = recordFor(QStringLiteral("D/notes.txt"), NoteAttachment::Kind::File,
+            QStringLiteral("text/plain"));
+    }
+
+    AttachmentThumbnailView view(*m_cache);
+    view.setAttachment(attachment, path);
+    view.show();
+    QSignalSpy failed(m_cache.get(), &ThumbnailCache::thumbnailFailed);
+    if (image) {
+        QVERIFY(QTest::qWaitFor([&] { return view.hasImage(); }, 10000));
+        // Twice the larger side, filling the square.
+        const int side
+            = qCeil(2 * AttachmentThumbnailView::expandedSide * view.devicePixelRatioF());
+        QCOMPARE(view.image().size(), QSize(side, side));
+        const QColor centre = view.image().pixelColor(side / 2, side / 2);
+        QVERIFY(qAbs(centre.red() - colour.red()) < 10);
+        QVERIFY(qAbs(centre.green() - colour.green()) < 10);
+    } else if (attachment.kind == NoteAttachment::Kind::Image) {
+        QVERIFY(QTest::qWaitFor([&] { return failed.count() == 1; }, 10000));
+        QCOMPARE(m_cache->state(path), ThumbnailCache::State::Failed);
+        QVERIFY(!view.hasImage());
+        // A failed file is not read again.
+        AttachmentThumbnailView again(*m_cache);
+        again.setAttachment(attachment, path);
+        again.show();
+        QCOMPARE(m_cache->readCount(), 1);
+    } else {
+        QCoreApplication::processEvents();
+        QVERIFY(!view.hasImage());
+        QCOMPARE(m_cache->readCount(), 0); // files are never decoded
+    }
+    // Whatever it shows, the view paints.
+    QVERIFY(!view.grab().isNull());
+}
+
+void AttachmentViewsTest::largeImageDecodesOffTheMainThread()
+{
+    QImage source(6000, 4000, QImage::Format_RGB32);
+    source.fill(QColor(30, 60, 200));
+    const QString path = saveImage(QStringLiteral("L/large.png"), source, "PNG");
+    const NoteAttachment attachment = recordFor(
+        QStringLiteral("L/large.png"), NoteAttachment::Kind::Image, QStringLiteral("image/png"));
+
+    AttachmentThumbnailView view(*m_cache);
+    view.setAttachment(attachment, path);
+    view.show();
+    // The request came back at once, without the image.
+    QVERIFY(!view.hasImage());
+    QCOMPARE(m_cache->state(path), ThumbnailCache::State::Pending);
+
+    // Events keep flowing while the image is decoded elsewhere.
+    bool turned = false;
+    bool turnedBeforeImage = false;
+    QTimer::singleShot(0, [&] {
+        turned = true;
+        turnedBeforeImage = !view.hasImage();
+    });
+    QVERIFY(QTest::qWaitFor([&] { return view.hasImage(); }, 30000));
+    QVERIFY(turned);
+    QVERIFY(turnedBeforeImage);
+    QCOMPARE(view.image().pixelColor(10, 10), QColor(30, 60, 200));
+}
+
+void AttachmentViewsTest::manyTilesReadEachFileOnce()
+{
+    QList<NoteAttachment> attachments;
+    for (int file = 0; file < 10; ++file) {
+        QImage image(120, 90, QImage::Format_RGB32);
+        image.fill(QColor::fromHsv(file * 30, 200, 200));
+        const QString name = QStringLiteral("F%1/image.png").arg(file);
+        saveImage(name, image, "PNG");
+        attachments.append(
+            recordFor(name, NoteAttachment::Kind::Image, QStringLiteral("image/png")));
+    }
+    QList<NoteAttachment> many;
+    for (int i = 0; i < 1000; ++i)
+        many.append(attachments.at(i % 10));
+
+    AttachmentListView list(*m_actions, *m_cache);
+    list.resize(600, 400);
+    list.setAttachments(many, QUuid::createUuid());
+    list.show();
+    QCOMPARE(list.tiles().size(), 1000);
+    QVERIFY(QTest::qWaitFor(
+        [&] {
+            return std::all_of(list.tiles().cbegin(), list.tiles().cend(),
+                [](AttachmentTile *tile) { return tile->thumbnail()->hasImage(); });
+        },
+        30000));
+    QCOMPARE(m_cache->readCount(), 10);
+
+    // Expanding the tiles reads nothing again.
+    list.setExpanded(true);
+    QCoreApplication::processEvents();
+    QCOMPARE(m_cache->readCount(), 10);
+}
+
+void AttachmentViewsTest::sizeText_data()
+{
+    QTest::addColumn<qint64>("bytes");
+    QTest::addColumn<QString>("text");
+    // Decimal units: 1 kB is 1000 bytes.
+    QTest::newRow("bytes") << qint64(999) << "999 bytes";
+    QTest::newRow("kilobytes") << qint64(1500) << "1.5 kB";
+    QTest::newRow("megabytes") << qint64(1234567) << "1.2 MB";
+    QTest::newRow("gigabytes") << qint64(5000000000) << "5.0 GB";
+}
+
+void AttachmentViewsTest::sizeText()
+{
+    QFETCH(qint64, bytes);
+    QFETCH(QString, text);
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    AttachmentTile tile(*m_actions, *m_cache);
+    tile.setAttachment(
+        recordFor(QStringLiteral("S/size.bin"), NoteAttachment::Kind::File, std::nullopt, bytes),
+        QUuid::createUuid(), m_folder + QStringLiteral("/S/size.bin"));
+    QCOMPARE(tile.sizeText(), QString()); // only when expanded
+    QCOMPARE(tile.thumbnail()->side(), 30);
+    tile.setExpanded(true);
+    QCOMPARE(tile.sizeText(), text);
+    QCOMPARE(tile.thumbnail()->side(), 38);
+    QCOMPARE(tile.toolTip(), QStringLiteral("Open size.bin"));
+
+    tile.setAttachment(
+        recordFor(QStringLiteral("S/no size.bin"), NoteAttachment::Kind::File), QUuid(), {});
+    QCOMPARE(tile.sizeText(), QString());
+    QCOMPARE(tile.toolTip(), QStringLiteral("Open no size.bin"));
+}
+
+void AttachmentViewsTest::tileOpensAndItsMenuActs()
+{
+    const QUuid noteID = m_store->addNote(QStringLiteral("note"))->id;
+    const NoteAttachment first = recordFor(QStringLiteral("M1/a.txt"), NoteAttachment::Kind::File);
+    const NoteAttachment second = recordFor(QStringLiteral("M2/b.txt"), NoteAttachment::Kind::File);
+    writeBytes(first.storedFileName, "a");
+    writeBytes(second.storedFileName, "b");
+    m_store->addAttachments({first, second}, noteID);
+
+    AttachmentListView list(*m_actions, *m_cache);
+    list.setAttachments(m_store->note(noteID)->attachments, noteID);
+    list.resize(list.sizeHint());
+    list.show();
+    QCOMPARE(list.tiles().size(), 2);
+
+    QTest::mouseClick(list.tiles().at(1), Qt::LeftButton);
+    QCOMPARE(m_desktop.opened, QStringList {m_folder + QStringLiteral("/M2/b.txt")});
+
+    QMenu menu;
+    fillAttachmentMenu(menu, *m_actions, first, noteID, QStringLiteral("Remove Attachment"));
+    QStringList entries;
+    for (QAction *action : menu.actions())
+        entries.append(action->isSeparator() ? QStringLiteral("-") : action->text());
+    QCOMPARE(entries, QStringList({"Open", "Show in Files", "-", "Remove Attachment"}));
+
+    menu.actions().at(0)->trigger();
+    menu.actions().at(1)->trigger();
+    QCOMPARE(m_desktop.opened.last(), m_folder + QStringLiteral("/M1/a.txt"));
+    QCOMPARE(m_desktop.revealed, QStringList {m_folder + QStringLiteral("/M1/a.txt")});
+
+    const qsizetype undoSteps = m_store->undoStepCount();
+    menu.actions().at(3)->trigger();
+    QCOMPARE(m_store->note(noteID)->attachments, QList<NoteAttachment> {second});
+    QCOMPARE(m_store->undoStepCount(), undoSteps + 1);
+    m_files->waitForIdle();
+    QVERIFY(!QFileInfo::exists(m_folder + QStringLiteral("/M1")));
+    QVERIFY(QFileInfo::exists(m_folder + QStringLiteral("/M2/b.txt")));
+}
+
+void AttachmentViewsTest::listTakesNoRoomWithoutAttachmentsAndWraps()
+{
+    QWidget window;
+    AttachmentListView list(*m_actions, *m_cache, &window);
+    window.show();
+    QVERIFY(list.isHidden());
+    QCOMPARE(list.sizeHint(), QSize(0, 0));
+
+    QList<NoteAttachment> attachments;
+    for (int i = 0; i < 4; ++i)
+        attachments.append(
+            recordFor(QStringLiteral("W%1/a rather long file name number %1.txt").arg(i),
+                NoteAttachment::Kind::File));
+    list.setAttachments(attachments, QUuid::createUuid());
+    QVERIFY(!list.isHidden());
+    const AttachmentTile *tile = list.tiles().first();
+    const int oneLine = tile->sizeHint().height();
+    QCOMPARE(list.heightForWidth(100000), oneLine);
+    // Too narrow for two tiles side by side: one line each.
+    const int narrow = tile->sizeHint().width() + 10;
+    QCOMPARE(list.heightForWidth(narrow), 4 * oneLine + 3 * AttachmentListView::spacing);
+
+    // Tiles are kept when the list is given records again.
+    const QList<AttachmentTile *> before = list.tiles();
+    attachments.removeLast();
+    list.setAttachments(attachments, list.noteID());
+    QCOMPARE(list.tiles(), before.mid(0, 3));
+
+    list.setAttachments({}, list.noteID());
+    QVERIFY(list.isHidden());
+    QVERIFY(list.tiles().isEmpty());
+}
+
+void AttachmentViewsTest::pendingStripRemovesItsChips()
+{
+    QWidget window;
+    PendingAttachmentStrip strip(&window);
+    window.show();
+    QVERIFY(strip.isHidden());
+
+    const QList<QUrl> urls = {QUrl::fromLocalFile(QStringLiteral("/tmp/a.txt")),
+        QUrl::fromLocalFile(QStringLiteral("/tmp/b photo.png")),
+        QUrl::fromLocalFile(QStringLiteral("/home/c.pdf"))};
+    QSignalSpy changed(&strip, &PendingAttachmentStrip::urlsChanged);
+    strip.setUrls(urls);
+    QVERIFY(!strip.isHidden());
+    QCOMPARE(strip.chipNames(), QStringList({"a.txt", "b photo.png", "c.pdf"}));
+
+    QToolButton *remove = nullptr;
+    for (QToolButton *button : strip.findChildren<QToolButton *>()) {
+        if (button->accessibleName() == u"Remove b photo.png")
+            remove = button;
+    }
+    QVERIFY(remove);
+    QTest::mouseClick(remove, Qt::LeftButton);
+    QCOMPARE(strip.urls(), QList<QUrl>({urls.at(0), urls.at(2)}));
+    QCOMPARE(strip.chipNames(), QStringList({"a.txt", "c.pdf"}));
+    QCOMPARE(changed.count(), 2);
+
+    strip.setUrls({});
+    QVERIFY(strip.isHidden());
+
+    // Records: the strip asks, and the owner decides.
+    const NoteAttachment record
+        = recordFor(QStringLiteral("P/made.txt"), NoteAttachment::Kind::File);
+    QSignalSpy requested(&strip, &PendingAttachmentStrip::removeRequested);
+    strip.setAttachments({record});
+    QCOMPARE(strip.chipNames(), QStringList {"made.txt"});
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // the old chips go
+    const QList<QToolButton *> buttons = strip.findChildren<QToolButton *>();
+    QCOMPARE(buttons.size(), 1);
+    QCOMPARE(buttons.first()->accessibleName(), QStringLiteral("Remove made.txt"));
+    QTest::mouseClick(buttons.first(), Qt::LeftButton);
+    QCOMPARE(requested.count(), 1);
+    QCOMPARE(requested.first().first().value<QUuid>(), record.id);
+}
+
+void AttachmentViewsTest::fileDialogDoesNotBlock()
+{
+    const QString folder = Test::IsolatedEnvironment::current().root() + QStringLiteral("/pick");
+    QDir().mkpath(folder);
+    for (const char *name : {"one.txt", "two.txt"}) {
+        QFile file(folder + u'/' + QLatin1String(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+
+    std::optional<QList<QUrl>> chosen;
+    m_chooser.chooseFiles([&](const QList<QUrl> &files) { chosen = files; });
+    // Back at once, with the dialog open.
+    QVERIFY(!chosen);
+    QFileDialog *dialog = m_chooser.dialog();
+    QVERIFY(dialog);
+    QVERIFY(QTest::qWaitForWindowExposed(dialog));
+    QCOMPARE(dialog->windowTitle(), QStringLiteral("Add Attachments"));
+    QCOMPARE(dialog->labelText(QFileDialog::Accept), QStringLiteral("Add"));
+    QCOMPARE(dialog->fileMode(), QFileDialog::ExistingFiles);
+
+    dialog->setDirectory(folder);
+    // As the user types them.
+    auto *nameEdit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    QVERIFY(nameEdit);
+    nameEdit->setText(QStringLiteral("\"one.txt\" \"two.txt\""));
+    static_cast<QDialog *>(dialog)->accept();
+    QVERIFY(QTest::qWaitFor([&] { return chosen.has_value(); }, 5000));
+    QCOMPARE(*chosen,
+        QList<QUrl>({QUrl::fromLocalFile(folder + QStringLiteral("/one.txt")),
+            QUrl::fromLocalFile(folder + QStringLiteral("/two.txt"))}));
+
+    chosen.reset();
+    m_chooser.chooseFiles([&](const QList<QUrl> &files) { chosen = files; });
+    QVERIFY(m_chooser.dialog());
+    m_chooser.dialog()->reject();
+    QVERIFY(QTest::qWaitFor([&] { return chosen.has_value(); }, 5000));
+    QVERIFY(chosen->isEmpty());
+}
+
+int main(int argc, char *argv[])
+{
+    Vesko::Test::IsolatedEnvironment environment;
+    QApplication app(argc, argv);
+    AttachmentViewsTest test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_attachmentviews.moc"

@@ -1,0 +1,851 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The panel's list on its real widgets and a real Store: clicks, edits, the
+// done control, drops, headers and their reorder, what a screen reader is
+// told, and where the list scrolls on a reveal, a jump and a reset. Where the
+// list scrolls is checked against the rows' own places: a row "at the top"
+// has its top edge at the top of the area between the bars.
+
+#include "PanelTestRig.h"
+#include "WidgetTestMain.h"
+
+#include "panel/NativeInlineTextField.h"
+#include "panel/NoteRowView.h"
+#include "panel/PanelListView.h"
+#include "panel/RowAttachmentsView.h"
+#include "panel/SectionHeaderView.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QTextEdit>
+#include <QVBoxLayout>
+
+using namespace Vesko;
+using namespace Vesko::Test;
+
+namespace {
+
+//! A project of \a sections sections "S1"… of \a perSection notes each, "n0"… in order.
+Library manyNotes(int sections, int perSection)
+{
+    Library library;
+    Project project;
+    project.id = idFor(QStringLiteral("project"));
+    project.name = QStringLiteral("P");
+    int number = 0;
+    for (int s = 1; s <= sections; ++s) {
+        NoteSection section;
+        section.title = QStringLiteral("S%1").arg(s);
+        section.id = idFor(section.title);
+        for (int n = 0; n < perSection; ++n, ++number) {
+            Note note;
+            note.id = idFor(QStringLiteral("n%1").arg(number));
+            note.text = QStringLiteral("note %1").arg(number);
+            if (number % 7 == 0)
+                note.text += QStringLiteral(" with a longer text that wraps onto a second line");
+            section.notes.append(note);
+        }
+        project.sections.append(section);
+    }
+    project.activeSectionID = project.sections.first().id;
+    library.projects = {project};
+    library.activeProjectID = project.id;
+    return library;
+}
+
+//! The list in a window of the panel's size, with a field to take the focus away.
+struct ListWindow
+{
+    explicit ListWindow(PanelTestRig &rig)
+    {
+        auto *layout = new QVBoxLayout(&window);
+        list = new PanelListView(rig.store(), rig.state(), &window);
+        other = new QLineEdit(&window);
+        layout->addWidget(list, 1);
+        layout->addWidget(other);
+        window.resize(340, 560);
+        window.show();
+        QCoreApplication::processEvents();
+    }
+
+    //! Lets the deferred scrolls run and ends a running animation.
+    void settle()
+    {
+        QCoreApplication::processEvents();
+        QCoreApplication::processEvents();
+        list->finishScrollAnimation();
+        QCoreApplication::processEvents();
+    }
+
+    NoteRowView *note(const QString &name) const { return list->noteRowView(idFor(name)); }
+    SectionHeaderView *header(const QString &name) const
+    {
+        return list->sectionHeaderView(idFor(name));
+    }
+    //! The row's top, measured from the top of the area between the bars.
+    int topInClearArea(const QString &name) const
+    {
+        return list->rowRect(idFor(name)).top() - list->clearArea().top();
+    }
+    int centreOffset(const QString &name) const
+    {
+        return list->rowRect(idFor(name)).center().y() - list->clearArea().center().y();
+    }
+
+    QWidget window;
+    PanelListView *list = nullptr;
+    QLineEdit *other = nullptr;
+};
+
+QPoint inText(QWidget *row)
+{
+    return QPoint(row->width() / 2, row->height() / 2);
+}
+
+void sendDrop(QWidget *target, QMimeData *data, bool *accepted = nullptr)
+{
+    const QPointF at(target->width() / 2.0, target->height() / 2.0);
+    QDragEnterEvent enter(at.toPoint(), Qt::CopyAction | Qt::MoveAction, data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &enter);
+    QDragMoveEvent move(at.toPoint(), Qt::CopyAction | Qt::MoveAction, data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &move);
+    QDropEvent drop(at, Qt::CopyAction | Qt::MoveAction, data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &drop);
+    if (accepted)
+        *accepted = drop.isAccepted();
+}
+
+} // namespace
+
+class PanelListTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void onlyTheRowsInViewAreLaidOut();
+    void everyRowIsReachable();
+
+    void clicks_data();
+    void clicks();
+    void doneControlActsOnTheMenuTarget_data();
+    void doneControlActsOnTheMenuTarget();
+    void fills_data();
+    void fills();
+
+    void returnCommitsAnEdit();
+    void leavingTheFieldCommits();
+    void escapeCancels();
+    void anEditSurvivesScrollingAway();
+
+    void noteWithOnlyAttachments();
+    void expandingShowsAllLinesAndTheSource();
+    void accessibility();
+
+    void headerShowsWhatItsStateAllows_data();
+    void headerShowsWhatItsStateAllows();
+    void headerClickCollapses();
+    void openSectionCannotBeDragged();
+    void collapsedSectionIsReordered();
+    void headerRenamesInPlace();
+
+    void reveal_data();
+    void reveal();
+    void jump_data();
+    void jump();
+    void resetsScrollToTheTop_data();
+    void resetsScrollToTheTop();
+
+    void drops_data();
+    void drops();
+};
+
+void PanelListTest::onlyTheRowsInViewAreLaidOut()
+{
+    PanelTestRig rig(manyNotes(2, 5000));
+    ListWindow w(rig);
+    QCOMPARE(w.list->rowCount(), 10002);
+    QVERIFY2(w.list->rowWidgetCount() < 40, qPrintable(QString::number(w.list->rowWidgetCount())));
+    QVERIFY(w.note(QStringLiteral("n0")));
+    QVERIFY(!w.note(QStringLiteral("n9999")));
+
+    w.list->scrollToRow(idFor(QStringLiteral("n9999")), ScrollAnchor::Top, false);
+    QCoreApplication::processEvents();
+    QVERIFY(w.note(QStringLiteral("n9999")));
+    QVERIFY(!w.note(QStringLiteral("n0")));
+    QVERIFY(w.list->clearArea().intersects(w.list->rowRect(idFor(QStringLiteral("n9999")))));
+    QVERIFY(w.list->rowWidgetCount() < 40);
+
+    // A collapse of a section of 5000 notes reuses the same widgets.
+    rig.store().toggleSectionCollapsed(idFor(QStringLiteral("S1")));
+    rig.store().commit();
+    w.settle();
+    QCOMPARE(w.list->rowCount(), 5002);
+    QVERIFY(w.list->rowWidgetCount() < 40);
+}
+
+void PanelListTest::everyRowIsReachable()
+{
+    PanelTestRig rig(manyNotes(3, 40));
+    ListWindow w(rig);
+    // By the keyboard: each step down brings the anchor between the bars.
+    for (int number = 0; number < 120; ++number) {
+        rig.store().moveSelection(1, false);
+        w.settle();
+        const QString name = QStringLiteral("n%1").arg(number);
+        QVERIFY2(w.list->clearArea().contains(w.list->rowRect(idFor(name))), qPrintable(name));
+        QVERIFY(w.note(name));
+    }
+    // By the pointer: the scroll range ends at the last row, just above the composer.
+    w.list->verticalScrollBar()->setValue(w.list->verticalScrollBar()->maximum());
+    QCoreApplication::processEvents();
+    QCOMPARE(w.list->rowRect(idFor(QStringLiteral("n119"))).bottom() + 1,
+        w.list->clearArea().bottom() + 1);
+    QVERIFY(w.note(QStringLiteral("n119")));
+}
+
+void PanelListTest::clicks_data()
+{
+    QTest::addColumn<QString>("clicks"); // a name each, "^" before it for Ctrl, "+" for Shift
+    QTest::addColumn<QString>("selection");
+    QTest::addColumn<QString>("anchor");
+
+    QTest::newRow("a click") << "b"
+                             << "b"
+                             << "b";
+    QTest::newRow("another click replaces") << "b,d"
+                                            << "d"
+                                            << "d";
+    QTest::newRow("ctrl adds") << "b,^d"
+                               << "b,d"
+                               << "d";
+    QTest::newRow("ctrl removes, the anchor stays") << "b,^b"
+                                                    << ""
+                                                    << "b";
+    QTest::newRow("shift extends from the anchor") << "b,+e"
+                                                   << "b,c,d,e"
+                                                   << "b";
+    QTest::newRow("shift upwards") << "e,+b"
+                                   << "b,c,d,e"
+                                   << "e";
+    QTest::newRow("shift without an anchor") << "+c"
+                                             << "c"
+                                             << "c";
+}
+
+void PanelListTest::clicks()
+{
+    QFETCH(QString, clicks);
+    QFETCH(QString, selection);
+    QFETCH(QString, anchor);
+    PanelTestRig rig(QStringLiteral("S1:a,b,c|S2:d,e"));
+    ListWindow w(rig);
+    for (QString click : clicks.split(u',')) {
+        Qt::KeyboardModifiers modifiers;
+        if (click.startsWith(u'^'))
+            modifiers = Qt::ControlModifier;
+        else if (click.startsWith(u'+'))
+            modifiers = Qt::ShiftModifier;
+        if (modifiers)
+            click.remove(0, 1);
+        NoteRowView *row = w.note(click);
+        QVERIFY(row);
+        QTest::mouseClick(row, Qt::LeftButton, modifiers, inText(row));
+    }
+    QCOMPARE(namesOf(rig.store().selection().values()), selection);
+    QCOMPARE(nameOf(rig.store().selectionAnchor()), anchor);
+    QCOMPARE(rig.state().focusTarget(), PanelFocusTarget::List);
+    QCOMPARE(w.note(QStringLiteral("b"))->isSelected(), selection.contains(u'b'));
+}
+
+void PanelListTest::doneControlActsOnTheMenuTarget_data()
+{
+    QTest::addColumn<QString>("selection");
+    QTest::addColumn<QString>("pressed");
+    QTest::addColumn<QString>("after");
+
+    QTest::newRow("on the selection") << "a,b"
+                                      << "b"
+                                      << "*S1:A,B,c,D";
+    QTest::newRow("outside the selection") << "a,b"
+                                           << "c"
+                                           << "*S1:a,b,C,D";
+    QTest::newRow("on a done note") << ""
+                                    << "d"
+                                    << "*S1:a,b,c,d";
+}
+
+void PanelListTest::doneControlActsOnTheMenuTarget()
+{
+    QFETCH(QString, selection);
+    QFETCH(QString, pressed);
+    QFETCH(QString, after);
+    PanelTestRig rig(QStringLiteral("S1:a,b,c,D"));
+    ListWindow w(rig);
+    const QList<QUuid> ids = idsFor(selection);
+    rig.store().setSelection(QSet<QUuid>(ids.cbegin(), ids.cend()), std::nullopt);
+    QTest::mouseClick(w.note(pressed)->doneControl(), Qt::LeftButton);
+    QCOMPARE(rig.describe(), after);
+    // The click changes no selection.
+    QCOMPARE(namesOf(rig.store().selection().values()), selection);
+}
+
+void PanelListTest::fills_data()
+{
+    QTest::addColumn<bool>("done");
+    QTest::addColumn<bool>("selected");
+    QTest::addColumn<bool>("hovered");
+    QTest::addColumn<int>("fill");
+
+    const int doneFill = int(NoteRowView::Fill::Done);
+    const int selectedFill = int(NoteRowView::Fill::Selected);
+    const int plainFill = int(NoteRowView::Fill::Plain);
+    QTest::newRow("plain") << false << false << false << plainFill;
+    QTest::newRow("selected") << false << true << false << selectedFill;
+    QTest::newRow("hovered") << false << false << true << selectedFill;
+    QTest::newRow("done wins over selected") << true << true << false << doneFill;
+    QTest::newRow("done wins over hovered") << true << false << true << doneFill;
+    QTest::newRow("done") << true << false << false << doneFill;
+}
+
+void PanelListTest::fills()
+{
+    QFETCH(bool, done);
+    QFETCH(bool, selected);
+    QFETCH(bool, hovered);
+    QFETCH(int, fill);
+    PanelTestRig rig(done ? QStringLiteral("S1:A,b") : QStringLiteral("S1:a,b"));
+    ListWindow w(rig);
+    if (selected)
+        rig.store().setSelection({idFor("a")}, idFor("a"));
+    NoteRowView *row = w.note(QStringLiteral("a"));
+    if (hovered) {
+        QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), row->mapToGlobal(QPointF(5, 5)));
+        QCoreApplication::sendEvent(row, &enter);
+    }
+    QCOMPARE(int(row->fill()), fill);
+}
+
+void PanelListTest::returnCommitsAnEdit()
+{
+    PanelTestRig rig(QStringLiteral("S1:a,b,c"));
+    ListWindow w(rig);
+    NoteRowView *row = w.note(QStringLiteral("b"));
+    QTest::mouseDClick(row, Qt::LeftButton, {}, inText(row));
+    QCoreApplication::processEvents();
+    QVERIFY(row->isEditing());
+    QCOMPARE(nameOf(rig.store().editingNoteID()), QStringLiteral("b"));
+    QCOMPARE(namesOf(rig.store().selection().values()), QStringLiteral("b"));
+    QTextEdit *editor = row->editor()->editor();
+    QVERIFY(editor->hasFocus());
+    QCOMPARE(editor->toPlainText(), QStringLiteral("b"));
+
+    QTest::keyClicks(editor, QStringLiteral("ee"));
+    // Shift+Return adds a line; Return commits.
+    QTest::keyClick(editor, Qt::Key_Return, Qt::ShiftModifier);
+    QTest::keyClicks(editor, QStringLiteral("two"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCOMPARE(rig.store().note(idFor("b"))->text, QStringLiteral("bee\ntwo"));
+    QVERIFY(!rig.store().editingNoteID());
+    QVERIFY(!row->isEditing());
+    QCOMPARE(rig.state().focusTarget(), PanelFocusTarget::List);
+}
+
+void PanelListTest::leavingTheFieldCommits()
+{
+    PanelTestRig rig(QStringLiteral("S1:a,b"));
+    ListWindow w(rig);
+    NoteRowView *row = w.note(QStringLiteral("a"));
+    QTest::mouseDClick(row, Qt::LeftButton, {}, inText(row));
+    QCoreApplication::processEvents();
+    QTest::keyClicks(row->editor()->editor(), QStringLiteral("nt"));
+    w.other->setFocus(Qt::MouseFocusReason);
+    QCoreApplication::processEvents();
+    QCOMPARE(rig.store().note(idFor("a"))->text, QStringLiteral("ant"));
+    QVERIFY(!rig.store().editingNoteID());
+}
+
+void PanelListTest::escapeCancels()
+{
+    PanelTestRig rig(QStringLiteral("S1:a,b"));
+    ListWindow w(rig);
+    NoteRowView *row = w.note(QStringLiteral("a"));
+    QTest::mouseDClick(row, Qt::LeftButton, {}, inText(row));
+    QCoreApplication::processEvents();
+    QTest::keyClicks(row->editor()->editor(), QStringLiteral("xyz"));
+    QTest::keyClick(row->editor()->editor(), Qt::Key_Escape);
+    QCOMPARE(rig.store().note(idFor("a"))->text, QStringLiteral("a"));
+    QVERIFY(!rig.store().editingNoteID());
+    QVERIFY(!rig.store().canUndo());
+    // Leaving afterwards saves nothing either.
+    w.other->setFocus(Qt::MouseFocusReason);
+    QCoreApplication::processEvents();
+    QCOMPARE(rig.store().note(idFor("a"))->text, QStringLiteral("a"));
+}
+
+void PanelListTest::anEditSurvivesScrollingAway()
+{
+    PanelTestRig rig(manyNotes(1, 300));
+    ListWindow w(rig);
+    NoteRowView *row = w.note(QStringLiteral("n1"));
+    QTest::mouseDClick(row, Qt::LeftButton, {}, inText(row));
+    QCoreApplication::processEvents();
+    QTest::keyClicks(row->editor()->editor(), QStringLiteral("!"));
+    w.list->verticalScrollBar()->setValue(w.list->verticalScrollBar()->maximum());
+    QCoreApplication::processEvents();
+    QVERIFY(w.note(QStringLiteral("n299")));
+    // The edited row kept its widget and its field the keyboard.
+    QCOMPARE(w.note(QStringLiteral("n1")), row);
+    QVERIFY(row->editor()->editor()->hasFocus());
+    QTest::keyClick(row->editor()->editor(), Qt::Key_Return);
+    QCOMPARE(rig.store().note(idFor("n1"))->text, QStringLiteral("note 1!"));
+}
+
+void PanelListTest::noteWithOnlyAttachments()
+{
+    Library library;
+    library.projects = {projectFrom(QStringLiteral("S1:a,b"))};
+    library.activeProjectID = library.projects.first().id;
+    Note &note = library.projects[0].sections[0].notes[0];
+    note.text.clear();
+    for (const QString &name : {QStringLiteral("scan.pdf"), QStringLiteral("photo.png")}) {
+        NoteAttachment attachment;
+        attachment.id = makeID();
+        attachment.fileName = name;
+        attachment.storedFileName = attachment.id.toString(QUuid::WithoutBraces) + u'/' + name;
+        note.attachments.append(attachment);
+    }
+    PanelTestRig rig(library);
+    ListWindow w(rig);
+    NoteRowView *row = w.note(QStringLiteral("a"));
+    QVERIFY(!row->showsText());
+    QVERIFY(row->attachmentsView()->isVisible());
+    // The tiles take the place of the text, at the top of the card.
+    QCOMPARE(row->attachmentsView()->geometry().top(), 3 + 9);
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(row);
+    QCOMPARE(accessible->text(QAccessible::Name), QStringLiteral("scan.pdf, photo.png"));
+    QVERIFY(w.note(QStringLiteral("b"))->showsText());
+    QVERIFY(!w.note(QStringLiteral("b"))->attachmentsView()->isVisible());
+}
+
+void PanelListTest::expandingShowsAllLinesAndTheSource()
+{
+    Library library;
+    library.projects = {projectFrom(QStringLiteral("S1:a,b,c"))};
+    library.activeProjectID = library.projects.first().id;
+    QList<Note> &notes = library.projects[0].sections[0].notes;
+    notes[0].text = QStringLiteral("one\ntwo\nthree\nfour\nfive");
+    notes[1].source = NoteSource {QStringLiteral("Terminal"), std::nullopt, std::nullopt};
+    PanelTestRig rig(library);
+    ListWindow w(rig);
+
+    NoteRowView *five = w.note(QStringLiteral("a"));
+    QVERIFY(five->isTextTruncated());
+    const int collapsed = five->height();
+    rig.store().toggleExpanded(idFor("a"));
+    QCoreApplication::processEvents();
+    QVERIFY(five->isExpanded());
+    QVERIFY(!five->isTextTruncated());
+    QVERIFY(five->height() > collapsed);
+    QCOMPARE(w.list->rowRect(idFor("a")).height(), five->height());
+
+    // A source line comes with the expansion, only for a note with a source.
+    NoteRowView *sourced = w.note(QStringLiteral("b"));
+    const int sourcedCollapsed = sourced->height();
+    QVERIFY(sourced->sourceLine().startsWith(QStringLiteral("Terminal \u00B7 ")));
+    rig.store().toggleExpanded(idFor("b"));
+    QCoreApplication::processEvents();
+    QVERIFY(sourced->height() > sourcedCollapsed);
+
+    NoteRowView *plain = w.note(QStringLiteral("c"));
+    const int plainCollapsed = plain->height();
+    rig.store().toggleExpanded(idFor("c"));
+    QCoreApplication::processEvents();
+    QVERIFY(plain->isExpanded());
+    QCOMPARE(plain->height(), plainCollapsed);
+    QVERIFY(plain->sourceLine().isEmpty());
+}
+
+void PanelListTest::accessibility()
+{
+    PanelTestRig rig(QStringLiteral("S1:a,B|S2+:c"));
+    rig.store().updateNote(idFor("a"), QString(130, u'x'));
+    ListWindow w(rig);
+    QAccessibleInterface *row = QAccessible::queryAccessibleInterface(w.note(QStringLiteral("a")));
+    QCOMPARE(row->role(), QAccessible::ListItem);
+    QCOMPARE(row->text(QAccessible::Name), QString(120, u'x') + u'…');
+    QCOMPARE(row->text(QAccessible::Value), QStringLiteral("Not done"));
+    QAccessibleInterface *done
+        = QAccessible::queryAccessibleInterface(w.note(QStringLiteral("a"))->doneControl());
+    QCOMPARE(done->text(QAccessible::Name), QStringLiteral("Mark as done"));
+    QCOMPARE(done->role(), QAccessible::Button);
+
+    QAccessibleInterface *doneRow
+        = QAccessible::queryAccessibleInterface(w.note(QStringLiteral("b")));
+    QCOMPARE(doneRow->text(QAccessible::Value), QStringLiteral("Done"));
+    QCOMPARE(QAccessible::queryAccessibleInterface(w.note(QStringLiteral("b"))->doneControl())
+                 ->text(QAccessible::Name),
+        QStringLiteral("Mark as not done"));
+
+    // Pressing the control through the accessibility action marks the note.
+    done->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    // The press animates the button before it clicks.
+    QTRY_COMPARE(rig.store().note(idFor("a"))->isDone, true);
+    QCOMPARE(row->text(QAccessible::Value), QStringLiteral("Done"));
+    QCOMPARE(done->text(QAccessible::Name), QStringLiteral("Mark as not done"));
+
+    QAccessibleInterface *open
+        = QAccessible::queryAccessibleInterface(w.header(QStringLiteral("S1")));
+    QCOMPARE(open->text(QAccessible::Name), QStringLiteral("S1 section, 0 remaining"));
+    QVERIFY(open->state().expanded);
+    QAccessibleInterface *collapsed
+        = QAccessible::queryAccessibleInterface(w.header(QStringLiteral("S2")));
+    QCOMPARE(collapsed->text(QAccessible::Name), QStringLiteral("S2 section, 1 remaining"));
+    QVERIFY(collapsed->state().collapsed);
+}
+
+void PanelListTest::headerShowsWhatItsStateAllows_data()
+{
+    QTest::addColumn<QString>("project");
+    QTest::addColumn<bool>("hovered");
+    QTest::addColumn<bool>("grip");
+    QTest::addColumn<bool>("count");
+    QTest::addColumn<bool>("activeMark");
+
+    QTest::newRow("open") << "*S1:a|S2:b" << false << false << false << true;
+    QTest::newRow("open, hovered: count, no grip") << "*S1:a|S2:b" << true << false << true << true;
+    QTest::newRow("collapsed: count") << "*S1+:a|S2:b" << false << false << true << true;
+    QTest::newRow("collapsed, hovered: grip") << "*S1+:a|S2:b" << true << true << true << true;
+    QTest::newRow("zero count shows no number") << "*S1+:A|S2:b" << true << true << false << true;
+    QTest::newRow("not active") << "S1+:a|*S2:b" << false << false << true << false;
+}
+
+void PanelListTest::headerShowsWhatItsStateAllows()
+{
+    QFETCH(QString, project);
+    QFETCH(bool, hovered);
+    QFETCH(bool, grip);
+    QFETCH(bool, count);
+    QFETCH(bool, activeMark);
+    PanelTestRig rig(project);
+    ListWindow w(rig);
+    SectionHeaderView *header = w.header(QStringLiteral("S1"));
+    QVERIFY(header);
+    if (hovered) {
+        QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), header->mapToGlobal(QPointF(5, 5)));
+        QCoreApplication::sendEvent(header, &enter);
+    }
+    QCOMPARE(header->showsGrip(), grip);
+    QCOMPARE(header->showsCount(), count);
+    QCOMPARE(header->showsActiveMark(), activeMark);
+    QCOMPARE(header->displayedTitle(), QStringLiteral("S1"));
+}
+
+void PanelListTest::headerClickCollapses()
+{
+    PanelTestRig rig(QStringLiteral("S1:a,b|S2:c"));
+    ListWindow w(rig);
+    SectionHeaderView *header = w.header(QStringLiteral("S1"));
+    QTest::mouseClick(header, Qt::LeftButton, {}, QPoint(40, 12));
+    w.settle();
+    QCOMPARE(rig.describe(), QStringLiteral("*S1+:a,b|S2:c"));
+    QVERIFY(!w.note(QStringLiteral("a")));
+    QTest::mouseClick(w.header(QStringLiteral("S1")), Qt::LeftButton, {}, QPoint(40, 12));
+    w.settle();
+    QCOMPARE(rig.describe(), QStringLiteral("*S1:a,b|S2:c"));
+    QVERIFY(w.note(QStringLiteral("a")));
+}
+
+void PanelListTest::openSectionCannotBeDragged()
+{
+    PanelTestRig rig(QStringLiteral("S1:a|S2:b|S3:c"));
+    ListWindow w(rig);
+    SectionHeaderView *header = w.header(QStringLiteral("S1"));
+    QVERIFY(!header->canReorder());
+    QTest::mousePress(header, Qt::LeftButton, {}, QPoint(40, 12));
+    QTest::mouseMove(header, QPoint(40, 150));
+    QVERIFY(!header->isReordering());
+    QVERIFY(!w.list->sectionDragSourceID());
+    QTest::mouseRelease(header, Qt::LeftButton, {}, QPoint(40, 150));
+    w.settle();
+    // Neither moved nor collapsed: a drag is no click.
+    QCOMPARE(rig.describe(), QStringLiteral("*S1:a|S2:b|S3:c"));
+}
+
+void PanelListTest::collapsedSectionIsReordered()
+{
+    PanelTestRig rig(QStringLiteral("S1+:a|S2+:b|S3+:c|S4+:d"));
+    ListWindow w(rig);
+    // The pointer goes by the viewport, which stays put while the header follows it.
+    QWidget *viewport = w.list->viewport();
+    auto centre = [&](const char *name) { return w.list->rowRect(idFor(name)).center(); };
+    SectionHeaderView *header = nullptr;
+    auto press = [&](const char *name) {
+        header = w.header(QString::fromLatin1(name));
+        QTest::mousePress(header, Qt::LeftButton, {}, header->mapFrom(viewport, centre(name)));
+    };
+    auto moveTo = [&](QPoint at) { QTest::mouseMove(header, header->mapFrom(viewport, at)); };
+    auto release = [&](QPoint at) {
+        QTest::mouseRelease(header, Qt::LeftButton, {}, header->mapFrom(viewport, at));
+    };
+    const QPoint start = centre("S1");
+    const QPoint belowS3 = centre("S3") + QPoint(0, 2);
+    press("S1");
+    moveTo((start + belowS3) / 2);
+    QVERIFY(header->isReordering());
+    moveTo(belowS3);
+    QCOMPARE(nameOf(w.list->sectionDragSourceID()), QStringLiteral("S1"));
+    // Its middle passed the middle of S3: it lands before S4.
+    QCOMPARE(nameOf(w.list->sectionDragTargetID()), QStringLiteral("S4"));
+    release(belowS3);
+    w.settle();
+    QCOMPARE(rig.describe(), QStringLiteral("S2+:b|S3+:c|*S1+:a|S4+:d"));
+    QVERIFY(!w.list->sectionDragSourceID());
+
+    // Past the last header: to the end, with the line under the last header.
+    const QPoint s2 = centre("S2");
+    const QPoint farBelow = s2 + QPoint(0, 300);
+    press("S2");
+    moveTo(s2 + QPoint(0, 20));
+    moveTo(farBelow);
+    QCOMPARE(nameOf(w.list->sectionDragSourceID()), QStringLiteral("S2"));
+    QVERIFY(!w.list->sectionDragTargetID());
+    QVERIFY(w.list->showsDropLineBelow(idFor("S4")));
+    QVERIFY(!w.list->showsDropLineBelow(idFor("S3")));
+    release(farBelow);
+    w.settle();
+    QCOMPARE(rig.describe(), QStringLiteral("S3+:c|*S1+:a|S4+:d|S2+:b"));
+}
+
+void PanelListTest::headerRenamesInPlace()
+{
+    PanelTestRig rig(QStringLiteral("S1:a|S2:b"));
+    ListWindow w(rig);
+    rig.state().setRenamingSectionID(idFor("S2"));
+    QCoreApplication::processEvents();
+    SectionHeaderView *header = w.header(QStringLiteral("S2"));
+    QVERIFY(header->isRenaming());
+    QTextEdit *editor = header->editor()->editor();
+    QVERIFY(editor->hasFocus());
+    QCOMPARE(editor->toPlainText(), QStringLiteral("S2"));
+    // The title is selected: typing replaces it.
+    QTest::keyClicks(editor, QStringLiteral("Later"));
+    // A click on a header in rename does not collapse it.
+    QTest::mouseClick(header, Qt::LeftButton, {}, QPoint(2, 2));
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCOMPARE(rig.describe(), QStringLiteral("*S1:a|Later:b"));
+    QVERIFY(!rig.state().renamingSectionID());
+    QVERIFY(!header->isRenaming());
+
+    rig.state().setRenamingSectionID(idFor("S1"));
+    QCoreApplication::processEvents();
+    QTest::keyClicks(w.header(QStringLiteral("S1"))->editor()->editor(), QStringLiteral("zz"));
+    QTest::keyClick(w.header(QStringLiteral("S1"))->editor()->editor(), Qt::Key_Escape);
+    QCOMPARE(rig.describe(), QStringLiteral("*S1:a|Later:b"));
+}
+
+void PanelListTest::reveal_data()
+{
+    QTest::addColumn<QString>("scrolledTo"); // the row at the top before, or none
+    QTest::addColumn<QString>("anchor");
+    QTest::addColumn<QString>("atTop"); // the row expected at the top; empty for centred
+
+    QTest::newRow("out of view below: three rows of context") << ""
+                                                              << "n150"
+                                                              << "n147";
+    QTest::newRow("out of view above") << "n150"
+                                       << "n20"
+                                       << "n17";
+    QTest::newRow("near the start the first row stays on top") << "n150"
+                                                               << "n1"
+                                                               << "S1";
+    QTest::newRow("in view: centred") << "n100"
+                                      << "n103"
+                                      << "";
+    QTest::newRow("in view, partly under the composer") << "n100"
+                                                        << "straddling"
+                                                        << "";
+}
+
+void PanelListTest::reveal()
+{
+    QFETCH(QString, scrolledTo);
+    QFETCH(QString, anchor);
+    QFETCH(QString, atTop);
+    PanelTestRig rig(manyNotes(1, 300));
+    ListWindow w(rig);
+    if (!scrolledTo.isEmpty()) {
+        w.list->scrollToRow(idFor(scrolledTo), ScrollAnchor::Top, false);
+        QCoreApplication::processEvents();
+    }
+    if (anchor == u"straddling") {
+        // The row across the lower edge of the area between the bars.
+        const int edge = w.list->clearArea().bottom();
+        for (int number = 100; number < 130; ++number) {
+            const QRect row = w.list->rowRect(idFor(QStringLiteral("n%1").arg(number)));
+            if (row.top() < edge && row.bottom() > edge)
+                anchor = QStringLiteral("n%1").arg(number);
+        }
+        QVERIFY(anchor.startsWith(u'n'));
+    }
+    rig.store().setSelection({idFor(anchor)}, idFor(anchor));
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    QCOMPARE(w.list->isScrollAnimating(), atTop.isEmpty());
+    w.settle();
+    if (atTop.isEmpty())
+        QVERIFY2(std::abs(w.centreOffset(anchor)) <= 1,
+            qPrintable(QString::number(w.centreOffset(anchor))));
+    else
+        QCOMPARE(w.topInClearArea(atTop), 0);
+    QVERIFY(w.note(anchor));
+}
+
+void PanelListTest::jump_data()
+{
+    QTest::addColumn<QString>("scrolledTo");
+    QTest::addColumn<QString>("section");
+    QTest::addColumn<QString>("atTop"); // empty for centred
+
+    // Sections of 30 notes: S3 is row 62, after note n59.
+    QTest::newRow("out of view: one row of context") << ""
+                                                     << "S6"
+                                                     << "n149";
+    QTest::newRow("back to the first section") << "n200"
+                                               << "S1"
+                                               << "S1";
+    QTest::newRow("in view: centred") << "n57"
+                                      << "S3"
+                                      << "";
+}
+
+void PanelListTest::jump()
+{
+    QFETCH(QString, scrolledTo);
+    QFETCH(QString, section);
+    QFETCH(QString, atTop);
+    PanelTestRig rig(manyNotes(8, 30));
+    ListWindow w(rig);
+    if (!scrolledTo.isEmpty()) {
+        w.list->scrollToRow(idFor(scrolledTo), ScrollAnchor::Top, false);
+        QCoreApplication::processEvents();
+    }
+    rig.store().activateSection(idFor(section));
+    rig.state().setSectionJumpRequest(idFor(section));
+    // The list empties the slot, so the same jump can be asked again.
+    QVERIFY(!rig.state().sectionJumpRequest());
+    w.settle();
+    if (atTop.isEmpty())
+        QVERIFY(std::abs(w.centreOffset(section)) <= 1);
+    else
+        QCOMPARE(w.topInClearArea(atTop), 0);
+    QVERIFY(w.header(section));
+}
+
+void PanelListTest::resetsScrollToTheTop_data()
+{
+    QTest::addColumn<QString>("change");
+    QTest::addColumn<QString>("atTop"); // empty for the top of the list
+
+    QTest::newRow("a collapse") << "collapse"
+                                << "";
+    QTest::newRow("a search") << "search"
+                              << "";
+    // The rows shrink, and the next note, now anchored, is revealed.
+    QTest::newRow("a deletion") << "delete"
+                                << "n147";
+    QTest::newRow("more rows") << "add"
+                               << "n120";
+    QTest::newRow("an edit") << "edit"
+                             << "n120";
+}
+
+void PanelListTest::resetsScrollToTheTop()
+{
+    QFETCH(QString, change);
+    QFETCH(QString, atTop);
+    PanelTestRig rig(manyNotes(2, 100));
+    ListWindow w(rig);
+    w.list->scrollToRow(idFor("n120"), ScrollAnchor::Top, false);
+    QCoreApplication::processEvents();
+    Store &store = rig.store();
+    if (change == u"delete")
+        store.deleteNotes({idFor("n150"), idFor("n151")});
+    else if (change == u"collapse") {
+        store.toggleSectionCollapsed(idFor("S2"));
+        store.commit();
+    } else if (change == u"search")
+        store.setSearchText(QStringLiteral("note"));
+    else if (change == u"add")
+        store.addNote(QStringLiteral("new"), idFor("S2"));
+    else
+        store.updateNote(idFor("n121"), QStringLiteral("changed"));
+    w.settle();
+    if (atTop.isEmpty())
+        QCOMPARE(w.list->verticalScrollBar()->value(), 0);
+    else
+        QCOMPARE(w.topInClearArea(atTop), 0);
+}
+
+void PanelListTest::drops_data()
+{
+    QTest::addColumn<QString>("dragging");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<bool>("accepted");
+    QTest::addColumn<QString>("after");
+
+    QTest::newRow("text on a row") << ""
+                                   << "from elsewhere"
+                                   << "d" << true << "*S1:a,b,c|S2:d,e,from elsewhere";
+    QTest::newRow("text on a header") << ""
+                                      << "x"
+                                      << "S1" << true << "*S1:a,b,c,x|S2:d,e";
+    QTest::newRow("blank text") << ""
+                                << " \n "
+                                << "d" << false << "*S1:a,b,c|S2:d,e";
+    QTest::newRow("notes on a row") << "a,b"
+                                    << "a\n\nb"
+                                    << "e" << true << "*S1:c|S2:d,a,b,e";
+    QTest::newRow("notes on their own header") << "a"
+                                               << "a"
+                                               << "S1" << true << "*S1:b,c,a|S2:d,e";
+    QTest::newRow("text behind the rows") << ""
+                                          << "y"
+                                          << "list" << true << "*S1:a,b,c,y|S2:d,e";
+}
+
+void PanelListTest::drops()
+{
+    QFETCH(QString, dragging);
+    QFETCH(QString, text);
+    QFETCH(QString, target);
+    QFETCH(bool, accepted);
+    QFETCH(QString, after);
+    PanelTestRig rig(QStringLiteral("S1:a,b,c|S2:d,e"));
+    ListWindow w(rig);
+    rig.state().setDraggingNoteIDs(idsFor(dragging));
+    QWidget *widget = target == u"list" ? w.list->viewport()
+        : target.startsWith(u'S')       ? static_cast<QWidget *>(w.header(target))
+                                        : w.note(target);
+    QMimeData data;
+    data.setText(text);
+
+    if (target != u"list") {
+        const QPointF at(widget->width() / 2.0, widget->height() / 2.0);
+        QDragEnterEvent enter(at.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(widget, &enter);
+        QCOMPARE(nameOf(w.list->dropTargetID()), target);
+    }
+    bool wasAccepted = false;
+    sendDrop(widget, &data, &wasAccepted);
+    QCOMPARE(wasAccepted, accepted);
+    QCOMPARE(rig.describe(), after);
+    QVERIFY(!w.list->dropTargetID());
+    QVERIFY(rig.state().draggingNoteIDs().isEmpty());
+}
+
+VESKO_WIDGET_TEST_MAIN(PanelListTest)
+#include "tst_panellist.moc"

@@ -1,0 +1,504 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// What the panel's rows and list decide without widgets: the search marks
+// on a rendered note, what a screen reader hears, which notes a row acts on,
+// drops, the target of a dragged section, the geometry of the virtual list,
+// and clicks and edits on a real Store.
+
+#include "PanelTestRig.h"
+#include "TestEnvironment.h"
+
+#include "panel/HighlightedText.h"
+#include "panel/NoteRowActions.h"
+#include "panel/PanelDrop.h"
+#include "panel/RowAccessibility.h"
+#include "panel/SectionReorder.h"
+#include "panel/VirtualRowLayout.h"
+
+#include <QRandomGenerator>
+#include <QSignalSpy>
+
+using namespace Vesko;
+using namespace Vesko::Test;
+
+namespace {
+
+// A rendered text as "plain {SH:marked} plain": each run in braces with its
+// attributes as letters, E emphasis, S strong, X strikethrough, C code,
+// L link, H search mark.
+QString render(const MarkdownText &text)
+{
+    QString out;
+    qsizetype at = 0;
+    for (const MarkdownRun &run : text.runs) {
+        out += text.text.mid(at, run.start - at);
+        QString letters;
+        const std::pair<int, char> names[] = {{MarkdownRun::Emphasis, 'E'},
+            {MarkdownRun::Strong, 'S'}, {MarkdownRun::Strikethrough, 'X'}, {MarkdownRun::Code, 'C'},
+            {MarkdownRun::Link, 'L'}, {highlightedAttribute, 'H'}};
+        for (const auto &[attribute, letter] : names) {
+            if (run.attributes & attribute)
+                letters += QLatin1Char(letter);
+        }
+        out += u'{' + letters + u':' + text.text.mid(run.start, run.length) + u'}';
+        at = run.start + run.length;
+    }
+    return out + text.text.mid(at);
+}
+
+Note noteWith(const QString &text, const QStringList &attachmentNames = {})
+{
+    Note note;
+    note.id = makeID();
+    note.text = text;
+    for (const QString &name : attachmentNames) {
+        NoteAttachment attachment;
+        attachment.id = makeID();
+        attachment.fileName = name;
+        attachment.storedFileName = attachment.id.toString(QUuid::WithoutBraces) + u'/' + name;
+        note.attachments.append(attachment);
+    }
+    return note;
+}
+
+QHash<QUuid, QRectF> framesFor(const QString &layout)
+{
+    // "S1@0,S2@30": headers 24 high with their tops.
+    QHash<QUuid, QRectF> frames;
+    for (const QString &entry : layout.split(u',', Qt::SkipEmptyParts))
+        frames.insert(idFor(entry.section(u'@', 0, 0)),
+            QRectF(0, entry.section(u'@', 1).toDouble(), 300, 24));
+    return frames;
+}
+
+} // namespace
+
+class PanelLogicTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void highlightedText_data();
+    void highlightedText();
+
+    void noteLabel_data();
+    void noteLabel();
+    void otherLabels();
+
+    void doneControl_data();
+    void doneControl();
+    void clicksHandTheKeyboardToTheList();
+    void editing();
+    void sectionClicksAndRenaming();
+
+    void drop_data();
+    void drop();
+    void dropAlwaysEndsTheDrag();
+
+    void reorderTarget_data();
+    void reorderTarget();
+    void reorderMovesTheSection_data();
+    void reorderMovesTheSection();
+
+    void virtualLayoutAgreesWithAPlainSum();
+};
+
+void PanelLogicTest::highlightedText_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("query");
+    QTest::addColumn<QString>("rendered");
+
+    QTest::newRow("no query keeps the parse") << "plain **b**"
+                                              << ""
+                                              << "plain {S:b}";
+    QTest::newRow("blank query keeps the parse") << "plain *e*"
+                                                 << " \t "
+                                                 << "plain {E:e}";
+    QTest::newRow("every occurrence, any case") << "Hello hello HELLO"
+                                                << "hello"
+                                                << "{SH:Hello} {SH:hello} {SH:HELLO}";
+    QTest::newRow("query in capitals marks lower case") << "a word here"
+                                                        << "WORD"
+                                                        << "a {SH:word} here";
+    QTest::newRow("query trimmed") << "a word here"
+                                   << "  word "
+                                   << "a {SH:word} here";
+    QTest::newRow("no overlaps") << "aaa"
+                                 << "aa"
+                                 << "{SH:aa}a";
+    QTest::newRow("across a run's edge") << "x **ab**cd"
+                                         << "bc"
+                                         << "x {S:a}{SH:bc}d";
+    QTest::newRow("on the rendered characters") << "**bo**ld"
+                                                << "bold"
+                                                << "{SH:bold}";
+    QTest::newRow("markers are not matched") << "**x**"
+                                             << "**"
+                                             << "{S:x}";
+    QTest::newRow("inside a link") << "[docs](https://example.org) here"
+                                   << "doc"
+                                   << "{SLH:doc}{L:s} here";
+    QTest::newRow("code keeps its attribute") << "run `a+b` now"
+                                              << "A+B"
+                                              << "run {SCH:a+b} now";
+    QTest::newRow("struck and emphasised") << "~~old~~ *new*"
+                                           << "ld n"
+                                           << "{X:o}{SXH:ld}{SH: }{ESH:n}{E:ew}";
+    QTest::newRow("no occurrence") << "**bold** text"
+                                   << "zzz"
+                                   << "{S:bold} text";
+}
+
+void PanelLogicTest::highlightedText()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, query);
+    QFETCH(QString, rendered);
+    QCOMPARE(render(Vesko::highlightedText(text, query)), rendered);
+}
+
+void PanelLogicTest::noteLabel_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("attachments");
+    QTest::addColumn<QString>("label");
+
+    QTest::newRow("text trimmed") << "  buy milk \n" << QStringList() << "buy milk";
+    QTest::newRow("text and files")
+        << "see these" << QStringList {"a.png", "b.pdf"} << "see these. Attachments: a.png, b.pdf";
+    QTest::newRow("only files") << "" << QStringList {"a.png", "b.pdf"} << "a.png, b.pdf";
+    QTest::newRow("blank text, one file") << " \n " << QStringList {"scan.jpg"} << "scan.jpg";
+    QTest::newRow("nothing") << "" << QStringList() << "";
+    QTest::newRow("120 characters stay whole")
+        << QString(120, u'x') << QStringList() << QString(120, u'x');
+    QTest::newRow("121 characters are cut")
+        << QString(121, u'x') << QStringList() << QString(120, u'x') + u'…';
+    QTest::newRow("130 characters are cut")
+        << QString(130, u'x') << QStringList() << QString(120, u'x') + u'…';
+    QTest::newRow("cut after whole characters")
+        << QString(119, u'x') + QStringLiteral("👍🏽") + QString(10, u'y') << QStringList()
+        << QString(119, u'x') + QStringLiteral("👍🏽…");
+    QTest::newRow("cut text with files")
+        << QString(125, u'x') << QStringList {"f.txt"}
+        << QString(120, u'x') + QStringLiteral("…. Attachments: f.txt");
+}
+
+void PanelLogicTest::noteLabel()
+{
+    QFETCH(QString, text);
+    QFETCH(QStringList, attachments);
+    QFETCH(QString, label);
+    QCOMPARE(RowAccessibility::noteLabel(noteWith(text, attachments)), label);
+}
+
+void PanelLogicTest::otherLabels()
+{
+    Note note = noteWith(QStringLiteral("x"));
+    QCOMPARE(RowAccessibility::noteValue(note), QStringLiteral("Not done"));
+    note.isDone = true;
+    QCOMPARE(RowAccessibility::noteValue(note), QStringLiteral("Done"));
+    QCOMPARE(RowAccessibility::doneControlLabel(false), QStringLiteral("Mark as done"));
+    QCOMPARE(RowAccessibility::doneControlLabel(true), QStringLiteral("Mark as not done"));
+    PanelSectionRow section {makeID(), QStringLiteral("Inbox"), false, 3, true};
+    QCOMPARE(RowAccessibility::sectionLabel(section), QStringLiteral("Inbox section, 3 remaining"));
+    section.remainingCount = 0;
+    QCOMPARE(RowAccessibility::sectionLabel(section), QStringLiteral("Inbox section, 0 remaining"));
+}
+
+void PanelLogicTest::doneControl_data()
+{
+    QTest::addColumn<QString>("project");
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QString>("pressed");
+    QTest::addColumn<QString>("after");
+
+    // clang-format off
+    QTest::newRow("open notes") << "S1:a,b,c" << "a,b" << "a" << "S1:A,B,c";
+    QTest::newRow("a done note undoes them all") << "S1:A,b,c" << "a,b" << "a" << "S1:a,b,c";
+    QTest::newRow("an open note does them all") << "S1:A,b,c" << "a,b" << "b" << "S1:A,B,c";
+    QTest::newRow("alone") << "S1:a,b" << "b" << "b" << "S1:a,B";
+    QTest::newRow("undone alone") << "S1:a,B" << "b" << "b" << "S1:a,b";
+    // clang-format on
+}
+
+void PanelLogicTest::doneControl()
+{
+    QFETCH(QString, project);
+    QFETCH(QString, target);
+    QFETCH(QString, pressed);
+    QFETCH(QString, after);
+    PanelTestRig rig(project);
+    NoteRowActions::pressDoneControl(rig.store(), idFor(pressed), idsFor(target));
+    QCOMPARE(rig.describe(), QStringLiteral("*") + after);
+}
+
+void PanelLogicTest::clicksHandTheKeyboardToTheList()
+{
+    PanelTestRig rig(QStringLiteral("S1:a,b,c"));
+    Store &store = rig.store();
+    PanelState &state = rig.state();
+
+    const qint64 before = state.focusRequest();
+    NoteRowActions::clickNote(store, state, idFor("b"), NoteRowActions::ClickKind::Plain);
+    QCOMPARE(namesOf(store.selection().values()), QStringLiteral("b"));
+    QCOMPARE(nameOf(store.selectionAnchor()), QStringLiteral("b"));
+    QCOMPARE(state.focusTarget(), PanelFocusTarget::List);
+    QCOMPARE(state.focusRequest(), before + 1);
+
+    NoteRowActions::clickNote(store, state, idFor("c"), NoteRowActions::ClickKind::Toggling);
+    QCOMPARE(namesOf(store.selection().values()), QStringLiteral("b,c"));
+    NoteRowActions::clickNote(store, state, idFor("a"), NoteRowActions::ClickKind::Extending);
+    QCOMPARE(namesOf(store.selection().values()), QStringLiteral("a,b,c"));
+    QCOMPARE(state.focusRequest(), before + 3);
+
+    // A plain click on the note being edited leaves the selection alone.
+    store.setEditingNoteID(idFor("a"));
+    NoteRowActions::clickNote(store, state, idFor("a"), NoteRowActions::ClickKind::Plain);
+    QCOMPARE(namesOf(store.selection().values()), QStringLiteral("a,b,c"));
+    QCOMPARE(state.focusRequest(), before + 3);
+}
+
+void PanelLogicTest::editing()
+{
+    PanelTestRig rig(QStringLiteral("S1:a,b,c"));
+    Store &store = rig.store();
+    PanelState &state = rig.state();
+    store.setSelection({idFor("a"), idFor("c")}, idFor("a"));
+
+    NoteRowActions::startEditing(store, idFor("b"));
+    QCOMPARE(namesOf(store.selection().values()), QStringLiteral("b"));
+    QCOMPARE(nameOf(store.selectionAnchor()), QStringLiteral("b"));
+    QCOMPARE(nameOf(store.editingNoteID()), QStringLiteral("b"));
+
+    NoteRowActions::commitEdit(store, state, idFor("b"), QStringLiteral("  bee \n"));
+    QCOMPARE(store.note(idFor("b"))->text, QStringLiteral("bee"));
+    QVERIFY(!store.editingNoteID());
+    QCOMPARE(state.focusTarget(), PanelFocusTarget::List);
+
+    // A commit that arrives after the editing ended saves nothing.
+    NoteRowActions::commitEdit(store, state, idFor("b"), QStringLiteral("late"));
+    QCOMPARE(store.note(idFor("b"))->text, QStringLiteral("bee"));
+
+    NoteRowActions::startEditing(store, idFor("c"));
+    NoteRowActions::cancelEdit(store, state, idFor("c"));
+    QCOMPARE(store.note(idFor("c"))->text, QStringLiteral("c"));
+    QVERIFY(!store.editingNoteID());
+
+    // An emptied note goes, as the Store decides for an edit.
+    NoteRowActions::startEditing(store, idFor("a"));
+    NoteRowActions::commitEdit(store, state, idFor("a"), QStringLiteral(" \n "));
+    QCOMPARE(rig.describe(), QStringLiteral("*S1:bee,c"));
+    QVERIFY(!store.editingNoteID());
+}
+
+void PanelLogicTest::sectionClicksAndRenaming()
+{
+    PanelTestRig rig(QStringLiteral("S1:a|S2:b"));
+    Store &store = rig.store();
+    PanelState &state = rig.state();
+    QSignalSpy rows(&store, &Store::rowsChanged);
+
+    NoteRowActions::clickSection(store, state, idFor("S2"));
+    QCOMPARE(rig.describe(), QStringLiteral("*S1:a|S2+:b"));
+    QCOMPARE(rows.count(), 1);
+
+    state.setRenamingSectionID(idFor("S2"));
+    NoteRowActions::clickSection(store, state, idFor("S2"));
+    QCOMPARE(rig.describe(), QStringLiteral("*S1:a|S2+:b"));
+
+    NoteRowActions::commitRename(store, state, idFor("S2"), QStringLiteral("  Later "));
+    QCOMPARE(store.section(idFor("S2"))->title, QStringLiteral("Later"));
+    QVERIFY(!state.renamingSectionID());
+    // Not being renamed any more: a late commit changes nothing.
+    NoteRowActions::commitRename(store, state, idFor("S2"), QStringLiteral("Again"));
+    QCOMPARE(store.section(idFor("S2"))->title, QStringLiteral("Later"));
+
+    state.setRenamingSectionID(idFor("S1"));
+    NoteRowActions::cancelRename(state, idFor("S1"));
+    QVERIFY(!state.renamingSectionID());
+    QCOMPARE(store.section(idFor("S1"))->title, QStringLiteral("S1"));
+}
+
+void PanelLogicTest::drop_data()
+{
+    QTest::addColumn<QString>("dragging");
+    QTest::addColumn<QStringList>("items");
+    QTest::addColumn<QString>("section");
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<int>("outcome");
+    QTest::addColumn<QString>("after");
+
+    const int refused = int(PanelDrop::Outcome::Refused);
+    const int added = int(PanelDrop::Outcome::AddedNote);
+    const int moved = int(PanelDrop::Outcome::MovedNotes);
+
+    QTest::newRow("text from outside on a row") << "" << QStringList {"  hello \n"} << "S2"
+                                                << "e" << added << "*S1:a,b,c|S2:d,e,hello";
+    QTest::newRow("several texts joined") << "" << QStringList {"one", "two"} << "S1"
+                                          << "" << added << "*S1:a,b,c,one\n\ntwo|S2:d,e";
+    QTest::newRow("blanks refused") << "" << QStringList {"  ", "\n\t"} << "S1"
+                                    << "" << refused << "*S1:a,b,c|S2:d,e";
+    QTest::newRow("no section") << "" << QStringList {"text"} << ""
+                                << "" << refused << "*S1:a,b,c|S2:d,e";
+    QTest::newRow("a note before a row of another section") << "a" << QStringList {"a"} << "S2"
+                                                            << "e" << moved << "*S1:b,c|S2:d,a,e";
+    QTest::newRow("notes on their own header go to its end")
+        << "a,b" << QStringList {"a\n\nb"} << "S1"
+        << "" << moved << "*S1:c,a,b|S2:d,e";
+    QTest::newRow("notes on a row of the drag") << "a,b" << QStringList() << "S1"
+                                                << "b" << moved << "*S1:a,b,c|S2:d,e";
+    QTest::newRow("notes just after themselves") << "a,b" << QStringList() << "S1"
+                                                 << "c" << moved << "*S1:a,b,c|S2:d,e";
+    QTest::newRow("a note up in its section") << "c" << QStringList() << "S1"
+                                              << "a" << moved << "*S1:c,a,b|S2:d,e";
+    QTest::newRow("notes on a missing section") << "a" << QStringList() << "X9"
+                                                << "" << moved << "*S1:a,b,c|S2:d,e";
+    QTest::newRow("dragged text from the panel is not added") << "d" << QStringList {"d"} << "S1"
+                                                              << "" << moved << "*S1:a,b,c,d|S2:e";
+}
+
+void PanelLogicTest::drop()
+{
+    QFETCH(QString, dragging);
+    QFETCH(QStringList, items);
+    QFETCH(QString, section);
+    QFETCH(QString, before);
+    QFETCH(int, outcome);
+    QFETCH(QString, after);
+
+    PanelTestRig rig(QStringLiteral("S1:a,b,c|S2:d,e"));
+    rig.state().setDraggingNoteIDs(idsFor(dragging));
+    const auto result = PanelDrop::handleDrop(rig.store(), rig.state(), items,
+        section.isEmpty() ? std::nullopt : std::optional<QUuid>(idFor(section)),
+        before.isEmpty() ? std::nullopt : std::optional<QUuid>(idFor(before)));
+    QCOMPARE(int(result), outcome);
+    QCOMPARE(rig.describe(), after);
+    QVERIFY(rig.state().draggingNoteIDs().isEmpty());
+}
+
+void PanelLogicTest::dropAlwaysEndsTheDrag()
+{
+    PanelTestRig rig(QStringLiteral("S1:a"));
+    rig.state().setDraggingNoteIDs(idsFor(QStringLiteral("a")));
+    PanelDrop::handleDrop(rig.store(), rig.state(), {QStringLiteral("x")}, std::nullopt, {});
+    QVERIFY(rig.state().draggingNoteIDs().isEmpty());
+    // The next drop of text is then one from outside again.
+    QCOMPARE(PanelDrop::handleDrop(
+                 rig.store(), rig.state(), {QStringLiteral("x")}, idFor("S1"), std::nullopt),
+        PanelDrop::Outcome::AddedNote);
+    QCOMPARE(rig.describe(), QStringLiteral("*S1:a,x"));
+}
+
+void PanelLogicTest::reorderTarget_data()
+{
+    QTest::addColumn<QString>("frames");
+    QTest::addColumn<QString>("order");
+    QTest::addColumn<QString>("dragged");
+    QTest::addColumn<double>("y");
+    QTest::addColumn<QString>("target");
+
+    // Headers 24 high at 0, 30, 60, 90: middles 12, 42, 72, 102.
+    const QString four = QStringLiteral("S1@0,S2@30,S3@60,S4@90");
+    const QString order = QStringLiteral("S1,S2,S3,S4");
+    QTest::newRow("down past one") << four << order << "S1" << 50.0 << "S3";
+    QTest::newRow("hardly moved") << four << order << "S1" << 13.0 << "S2";
+    QTest::newRow("to the top") << four << order << "S4" << -10.0 << "S1";
+    QTest::newRow("on a middle goes below it") << four << order << "S4" << 42.0 << "S3";
+    QTest::newRow("past the last") << four << order << "S2" << 200.0 << "";
+    QTest::newRow("past the last listed reaches the next section") << "S1@0,S2@30"
+                                                                   << "S1,S2,S3"
+                                                                   << "S1" << 200.0 << "S3";
+    QTest::newRow("which may be the dragged one") << "S1@0,S2@30"
+                                                  << "S1,S2,S3"
+                                                  << "S3" << 200.0 << "S3";
+    QTest::newRow("no other headers") << "S1@0"
+                                      << "S1,S2"
+                                      << "S1" << 50.0 << "";
+    QTest::newRow("unsorted frames") << "S3@60,S1@0,S4@90,S2@30" << order << "S4" << 20.0 << "S2";
+}
+
+void PanelLogicTest::reorderTarget()
+{
+    QFETCH(QString, frames);
+    QFETCH(QString, order);
+    QFETCH(QString, dragged);
+    QFETCH(double, y);
+    QFETCH(QString, target);
+    QCOMPARE(nameOf(SectionReorder::targetFor(framesFor(frames), idFor(dragged), y, idsFor(order))),
+        target);
+}
+
+void PanelLogicTest::reorderMovesTheSection_data()
+{
+    QTest::addColumn<QString>("frames");
+    QTest::addColumn<QString>("dragged");
+    QTest::addColumn<QList<double>>("translations");
+    QTest::addColumn<QString>("after");
+
+    const QString three = QStringLiteral("S1@0,S2@30,S3@60");
+    QTest::newRow("down one") << three << "S1" << QList<double> {20, 50} << "S2+:b|S1+:a|S3+:c";
+    QTest::newRow("to the end") << three << "S1" << QList<double> {90} << "S2+:b|S3+:c|S1+:a";
+    QTest::newRow("up to the top") << three << "S3" << QList<double> {-70} << "S3+:c|S1+:a|S2+:b";
+    QTest::newRow("back where it was")
+        << three << "S2" << QList<double> {40, 0} << "S1+:a|S2+:b|S3+:c";
+    QTest::newRow("without a frame it goes to the end")
+        << "S2@30,S3@60"
+        << "S1" << QList<double> {-100} << "S2+:b|S3+:c|S1+:a";
+}
+
+void PanelLogicTest::reorderMovesTheSection()
+{
+    QFETCH(QString, frames);
+    QFETCH(QString, dragged);
+    QFETCH(QList<double>, translations);
+    QFETCH(QString, after);
+
+    PanelTestRig rig(QStringLiteral("S1+:a|S2+:b|S3+:c"));
+    rig.store().activateSection(makeID()); // no section active: the description shows none
+    SectionReorder reorder;
+    reorder.setSectionFrames(framesFor(frames));
+    for (double translation : translations)
+        reorder.changed(rig.store(), idFor(dragged), translation);
+    QCOMPARE(nameOf(reorder.sourceID()), dragged);
+    reorder.ended(rig.store(), idFor(dragged), translations.last());
+    QVERIFY(!reorder.sourceID() && !reorder.startY() && !reorder.targetID());
+    QCOMPARE(rig.describe().remove(u'*'), after);
+}
+
+void PanelLogicTest::virtualLayoutAgreesWithAPlainSum()
+{
+    QRandomGenerator random(5);
+    VirtualRowLayout layout;
+    QCOMPARE(layout.indexAt(10), -1);
+    QCOMPARE(layout.totalHeight(), 0);
+
+    std::vector<int> heights(300);
+    for (int &height : heights)
+        height = 20 + random.bounded(60);
+    layout.setHeights(heights);
+    for (int step = 0; step < 200; ++step) {
+        if (step % 2) {
+            const int index = random.bounded(int(heights.size()));
+            heights[size_t(index)] = 20 + random.bounded(60);
+            layout.setHeight(index, heights[size_t(index)]);
+        }
+        int top = 0;
+        for (size_t i = 0; i < heights.size(); ++i) {
+            QCOMPARE(layout.top(int(i)), top);
+            top += heights[i];
+        }
+        QCOMPARE(layout.totalHeight(), top);
+        const int y = random.bounded(-50, top + 50);
+        int expected = 0;
+        for (int sum = 0; expected < int(heights.size()); ++expected) {
+            sum += heights[size_t(expected)];
+            if (y < sum)
+                break;
+        }
+        QCOMPARE(layout.indexAt(y), std::clamp(expected, 0, int(heights.size()) - 1));
+    }
+}
+
+VESKO_TEST_MAIN(PanelLogicTest)
+#include "tst_panellogic.moc"
