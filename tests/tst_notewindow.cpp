@@ -8,11 +8,18 @@
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
 
+#include "attachments/AttachmentActions.h"
+#include "attachments/AttachmentListView.h"
+#include "attachments/AttachmentTile.h"
+#include "library/LibraryFile.h"
 #include "panel/NoteEditorView.h"
 #include "panel/NoteWindow.h"
 #include "panel/NoteWindowManager.h"
 #include "panel/PanelCommands.h"
 #include "platform/Clipboard.h"
+#include "platform/DesktopFiles.h"
+#include "platform/FileChooser.h"
+#include "platform/Pasteboard.h"
 #include "shell/Toast.h"
 #include "store/NoteTitle.h"
 
@@ -20,6 +27,7 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QSettings>
+#include <QTemporaryDir>
 #include <QTextBlock>
 #include <QTextBrowser>
 #include <QTextCursor>
@@ -44,6 +52,34 @@ QString noteText(const Store &store, const QString &letter)
     return note ? note->text : QStringLiteral("(gone)");
 }
 
+//! The file dialog, answering with the files a test has put in \a answer.
+class ScriptedChooser : public FileChooser
+{
+public:
+    void chooseFiles(std::function<void(const QList<QUrl> &)> done) override { done(answer); }
+    QList<QUrl> answer;
+};
+
+class RecordedToasts : public AttachmentFeedback
+{
+public:
+    void toast(const QString &message, const QString &) override { messages.append(message); }
+    QStringList messages;
+};
+
+class NoPasteboard : public PasteboardReader
+{
+public:
+    void readPasteboard(std::function<void(const PasteboardContent &)> done) override { done({}); }
+};
+
+class NoDesktop : public DesktopFiles
+{
+public:
+    void open(const QString &) override { }
+    void reveal(const QString &) override { }
+};
+
 } // namespace
 
 class NoteWindowTest : public QObject
@@ -67,6 +103,8 @@ private Q_SLOTS:
     void doneToggleFollowsTheNote();
     void copyPutsTheNoteOnTheClipboard();
     void sourceNameInTheBar();
+    void addAttachment_data();
+    void addAttachment();
     void frameIsRememberedAcrossOpeningsAndRestarts();
     void appearanceAtCreation_data();
     void appearanceAtCreation();
@@ -75,26 +113,38 @@ private:
     NoteWindow *openNote(const QString &letter);
 
     std::unique_ptr<Test::StoreFixture> m_fixture;
+    std::unique_ptr<AttachmentActions> m_actions;
     std::unique_ptr<NoteWindowManager> m_manager;
+    ScriptedChooser m_chooser;
+    RecordedToasts m_toasts;
+    NoPasteboard m_pasteboard;
+    NoDesktop m_desktop;
 };
 
 void NoteWindowTest::init()
 {
     m_fixture = std::make_unique<Test::StoreFixture>();
     PanelCommands::shared().setHooks({});
+    m_chooser.answer.clear();
+    m_toasts.messages.clear();
 }
 
 void NoteWindowTest::cleanup()
 {
     m_manager.reset();
+    m_actions.reset();
     m_fixture.reset();
 }
 
 NoteWindow *NoteWindowTest::openNote(const QString &letter)
 {
-    if (!m_manager)
-        m_manager
-            = std::make_unique<NoteWindowManager>(m_fixture->store(), m_fixture->preferences());
+    if (!m_manager) {
+        m_actions
+            = std::make_unique<AttachmentActions>(AttachmentActions::Services {m_fixture->store(),
+                m_fixture->attachments(), m_chooser, m_pasteboard, m_desktop, m_toasts});
+        m_manager = std::make_unique<NoteWindowManager>(
+            m_fixture->store(), m_fixture->preferences(), *m_actions);
+    }
     return m_manager->open(idFor(letter));
 }
 
@@ -403,6 +453,58 @@ void NoteWindowTest::sourceNameInTheBar()
     NoteWindow *typed = openNote(QStringLiteral("b"));
     QVERIFY(QTest::qWaitForWindowExposed(typed));
     QVERIFY(!typed->editor()->sourceLabel()->isVisible());
+}
+
+void NoteWindowTest::addAttachment_data()
+{
+    QTest::addColumn<QStringList>("chosen");
+    QTest::addColumn<QStringList>("attached");
+    QTest::addColumn<QStringList>("toasts");
+
+    QTest::newRow("a file") << QStringList {"plan.txt"} << QStringList {"plan.txt"}
+                            << QStringList();
+    QTest::newRow("two files, one missing: nothing") << QStringList {
+        "plan.txt", "missing.txt"} << QStringList() << QStringList {"Could Not Add Attachment"};
+    QTest::newRow("cancelled") << QStringList() << QStringList() << QStringList();
+}
+
+void NoteWindowTest::addAttachment()
+{
+    QFETCH(QStringList, chosen);
+    QFETCH(QStringList, attached);
+    QFETCH(QStringList, toasts);
+
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
+    QTemporaryDir sources;
+    QFile file(sources.filePath(QStringLiteral("plan.txt")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("the plan\n");
+    file.close();
+    for (const QString &name : chosen)
+        m_chooser.answer.append(QUrl::fromLocalFile(sources.filePath(name)));
+
+    NoteWindow *window = openNote(QStringLiteral("a"));
+    NoteEditorView *view = window->editor();
+    view->setShowsPreview(true);
+    QTest::mouseClick(view->attachButton(), Qt::LeftButton);
+
+    // The import runs on the importer's thread; its answer comes back here.
+    auto names = [&store] {
+        QStringList names;
+        for (const NoteAttachment &attachment : store.note(idFor(QStringLiteral("a")))->attachments)
+            names.append(attachment.fileName);
+        return names;
+    };
+    QTRY_COMPARE(m_toasts.messages, toasts);
+    QTRY_COMPARE(names(), attached);
+    QTRY_COMPARE(view->attachmentList()->tiles().size(), attached.size());
+    QCOMPARE(view->attachmentList()->isVisibleTo(view), !attached.isEmpty());
+    if (!attached.isEmpty()) {
+        const NoteAttachment record = store.note(idFor(QStringLiteral("a")))->attachments.first();
+        QFile copy(attachmentsFolder(libraryURL()) + u'/' + record.storedFileName);
+        QVERIFY(copy.open(QIODevice::ReadOnly));
+        QCOMPARE(copy.readAll(), QByteArray("the plan\n"));
+    }
 }
 
 void NoteWindowTest::frameIsRememberedAcrossOpeningsAndRestarts()

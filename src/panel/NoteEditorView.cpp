@@ -2,6 +2,9 @@
 
 #include "panel/NoteEditorView.h"
 
+#include "attachments/AttachmentActions.h"
+#include "attachments/AttachmentListView.h"
+#include "attachments/ThumbnailCache.h"
 #include "panel/MarkdownFormat.h"
 #include "panel/PanelCommands.h"
 #include "shell/Theme.h"
@@ -72,9 +75,11 @@ QToolButton *barButton(QWidget *parent, const QString &title, const QString &too
 
 } // namespace
 
-NoteEditorView::NoteEditorView(Store &store, const QUuid &noteID, QWidget *parent)
+NoteEditorView::NoteEditorView(
+    Store &store, AttachmentActions &attachments, const QUuid &noteID, QWidget *parent)
     : QWidget(parent)
     , m_store(store)
+    , m_attachments(attachments)
     , m_noteID(noteID)
 {
     setAutoFillBackground(true);
@@ -115,6 +120,9 @@ NoteEditorView::NoteEditorView(Store &store, const QUuid &noteID, QWidget *paren
     m_previewText->setAccessibleName(tr("Preview"));
     m_previewText->setFont(Theme::noteFont());
     columnLayout->addWidget(m_previewText);
+    m_attachmentList = new AttachmentListView(m_attachments, ThumbnailCache::shared(), column);
+    m_attachmentList->setExpanded(true);
+    columnLayout->addWidget(m_attachmentList);
     columnLayout->addStretch(1);
     m_previewScroll->setWidget(column);
     previewLayout->addWidget(m_previewScroll);
@@ -157,8 +165,8 @@ QWidget *NoteEditorView::makeBar()
     layout->addWidget(m_done);
 
     m_attach = barButton(bar, tr("Add Attachment"), tr("Add images or files"));
-    connect(m_attach, &QToolButton::clicked, this,
-        [this] { PanelCommands::shared().addAttachments(m_noteID); });
+    connect(
+        m_attach, &QToolButton::clicked, this, [this] { m_attachments.addChosenFiles(m_noteID); });
     layout->addWidget(m_attach);
 
     m_source = new QLabel(bar);
@@ -227,6 +235,9 @@ void NoteEditorView::refreshNote()
     const QString source = note && note->source ? note->source->appName : QString();
     m_source->setText(source);
     m_source->setVisible(!source.isEmpty());
+    // A note that is gone keeps the tiles it had; they act on nothing.
+    if (note)
+        m_attachmentList->setAttachments(note->attachments, m_noteID);
     refreshIcons();
 }
 

@@ -20,6 +20,8 @@ class QToolButton;
 
 namespace Vesko {
 
+class AttachmentActions;
+class AttachmentListView;
 class Store;
 
 class NoteEditorView : public QWidget
@@ -31,7 +33,10 @@ public:
     static constexpr int editorMinimumHeight = 120;
     static constexpr int previewMinimumHeight = 80;
 
-    NoteEditorView(Store &store, const QUuid &noteID, QWidget *parent = nullptr);
+    //! Edits the note \a noteID of \a store; attachments are added, opened
+    //! and removed through \a attachments.
+    NoteEditorView(Store &store, AttachmentActions &attachments, const QUuid &noteID,
+        QWidget *parent = nullptr);
     ~NoteEditorView() override;
 
     QUuid noteID() const { return m_noteID; }
@@ -49,6 +54,7 @@ public:
 
     QPlainTextEdit *editor() const { return m_editor; }
     QTextBrowser *previewText() const { return m_previewText; }
+    AttachmentListView *attachmentList() const { return m_attachmentList; }
     QWidget *previewArea() const { return m_previewArea; }
     QToolButton *doneButton() const { return m_done; }
     QToolButton *attachButton() const { return m_attach; }
@@ -72,6 +78,7 @@ private:
     void refreshIcons();
 
     Store &m_store;
+    AttachmentActions &m_attachments;
     const QUuid m_noteID;
     QString m_lastText;
     bool m_showsPreview = false;
@@ -81,6 +88,7 @@ private:
     QWidget *m_previewArea = nullptr;
     QScrollArea *m_previewScroll = nullptr;
     QTextBrowser *m_previewText = nullptr;
+    AttachmentListView *m_attachmentList = nullptr;
     QWidget *m_bar = nullptr;
     QToolButton *m_done = nullptr;
     QToolButton *m_attach = nullptr;

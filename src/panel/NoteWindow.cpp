@@ -9,13 +9,14 @@
 
 namespace Vesko {
 
-NoteWindow::NoteWindow(Store &store, const QUuid &noteID, QWidget *parent)
+NoteWindow::NoteWindow(
+    Store &store, AttachmentActions &attachments, const QUuid &noteID, QWidget *parent)
     : QWidget(parent, Qt::Window)
     , m_noteID(noteID)
 {
     setObjectName(noteID.toString(QUuid::WithoutBraces).toUpper());
     setAttribute(Qt::WA_DeleteOnClose);
-    m_editor = new NoteEditorView(store, noteID, this);
+    m_editor = new NoteEditorView(store, attachments, noteID, this);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_editor);

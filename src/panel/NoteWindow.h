@@ -11,6 +11,7 @@
 
 namespace Vesko {
 
+class AttachmentActions;
 class NoteEditorView;
 class Store;
 
@@ -19,7 +20,8 @@ class NoteWindow : public QWidget
     Q_OBJECT
 
 public:
-    NoteWindow(Store &store, const QUuid &noteID, QWidget *parent = nullptr);
+    NoteWindow(Store &store, AttachmentActions &attachments, const QUuid &noteID,
+        QWidget *parent = nullptr);
     ~NoteWindow() override;
 
     //! The note this window edits; also the window's object name, as a string.

@@ -2,6 +2,7 @@
 
 #include "panel/NoteWindowManager.h"
 
+#include "attachments/DesktopAttachments.h"
 #include "panel/NoteEditorView.h"
 #include "panel/NoteWindow.h"
 #include "platform/x11/X11Window.h"
@@ -18,10 +19,12 @@
 
 namespace Vesko {
 
-NoteWindowManager::NoteWindowManager(Store &store, Preferences &preferences, QObject *parent)
+NoteWindowManager::NoteWindowManager(
+    Store &store, Preferences &preferences, AttachmentActions &attachments, QObject *parent)
     : QObject(parent)
     , m_store(store)
     , m_preferences(preferences)
+    , m_attachments(attachments)
 {
     // Open windows take a new appearance once the application's palette has changed.
     connect(
@@ -44,7 +47,7 @@ NoteWindowManager::~NoteWindowManager()
 NoteWindowManager &NoteWindowManager::shared()
 {
     static NoteWindowManager *const manager
-        = new NoteWindowManager(Store::shared(), Preferences::shared());
+        = new NoteWindowManager(Store::shared(), Preferences::shared(), attachmentActions());
     return *manager;
 }
 
@@ -63,7 +66,7 @@ NoteWindow *NoteWindowManager::open(const QUuid &noteID)
     if (!note)
         return nullptr;
 
-    auto *window = new NoteWindow(m_store, noteID);
+    auto *window = new NoteWindow(m_store, m_attachments, noteID);
     // The title is the note's as it is now; later edits leave it.
     QString title = noteWindowTitle(note->text);
     // Qt reads "[*]" in a title as the place of the modified mark.

@@ -15,6 +15,7 @@
 
 namespace Vesko {
 
+class AttachmentActions;
 class NoteWindow;
 class Preferences;
 class Store;
@@ -29,7 +30,8 @@ public:
     //! Where the settings file keeps the last note window's frame.
     static inline const QString frameKey = QStringLiteral("noteWindowFrame");
 
-    NoteWindowManager(Store &store, Preferences &preferences, QObject *parent = nullptr);
+    NoteWindowManager(Store &store, Preferences &preferences, AttachmentActions &attachments,
+        QObject *parent = nullptr);
     ~NoteWindowManager() override;
 
     //! The manager of the process, made on first use and never destroyed.
@@ -51,6 +53,7 @@ private:
 
     Store &m_store;
     Preferences &m_preferences;
+    AttachmentActions &m_attachments;
     QHash<QUuid, QPointer<NoteWindow>> m_windows;
 };
 
