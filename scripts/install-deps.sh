@@ -14,7 +14,7 @@ packages=(
     libxcb1-dev libxcb-xinput-dev libxcb-xtest0-dev libxcb-res0-dev libxcb-xkb-dev
     libxkbcommon-dev libxkbcommon-x11-dev
     # a real X session for the platform and interface tests
-    xvfb xauth openbox x11-utils xdotool xclip xterm
+    xvfb xauth openbox x11-utils xdotool xclip xterm trayer
     # a private session bus for the file manager's D-Bus interface
     dbus-daemon
     # runtime plugins
