@@ -2,14 +2,15 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Takes the screenshots of the panel in docs/screenshots/: Vesko runs on a
 # demo library in a private X server, once in the light and once in the dark
-# appearance, and the panel's part of the screen is saved as PNG.
+# appearance, and the panel's part of the screen is saved as PNG. The
+# attachment views are drawn by tests/helpers/attachment_gallery.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 if [ "${1:-}" != "--inside" ]; then
     bash scripts/install-deps.sh
     cmake -S . -B build-tests -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVESKO_BUILD_BENCHMARKS=OFF >/dev/null
-    cmake --build build-tests --target vesko screen_grab
+    cmake --build build-tests --target vesko screen_grab attachment_gallery
     exec tests/x-session.sh "$0" --inside
 fi
 
@@ -33,4 +34,8 @@ for appearance in light dark; do
     wait "$pid" || true
     rm -rf "$root"
     echo "wrote $out/panel-$appearance.png"
+done
+for appearance in light dark; do
+    build-tests/tests/attachment_gallery "$out/attachments-$appearance.png" "$appearance"
+    echo "wrote $out/attachments-$appearance.png"
 done

@@ -103,7 +103,6 @@ private Q_SLOTS:
     void nothingUsable();
     void silentOwnerDoesNotHoldTheProgram();
     void ownClipboardIsReadDirectly();
-    void pastedFileBecomesAttachment();
 
 private:
     QString writeScratch(const QString &name, const QByteArray &bytes);
@@ -357,38 +356,6 @@ void AttachmentClipboardTest::ownClipboardIsReadDirectly()
     const QImage image = QImage::fromData(content->png, "PNG");
     QCOMPARE(image.size(), QSize(5, 7));
     QCOMPARE(image.pixelColor(2, 3), QColor(Qt::magenta));
-}
-
-void AttachmentClipboardTest::pastedFileBecomesAttachment()
-{
-    const QString file = writeScratch(QStringLiteral("report.pdf"), "%PDF-1.4 tiny");
-    const QString list
-        = writeScratch(QStringLiteral("list"), QUrl::fromLocalFile(file).toEncoded() + "\r\n");
-    const QString png
-        = writeScratch(QStringLiteral("image.png"), encoded(filled(8, 8, Qt::red), "PNG"));
-    QVERIFY(
-        startOwner({QStringLiteral("text/uri-list=") + list, QStringLiteral("image/png=") + png}));
-
-    Preferences::openSettings()->clear();
-    Preferences preferences;
-    LibraryWriter writer;
-    AttachmentStore files;
-    SearchIndex searchIndex(m_scratch->filePath(QStringLiteral("index.sqlite")));
-    Store store(makeDefaultLibrary(), {preferences, writer, files, searchIndex});
-    const QUuid noteID = store.addNote(QStringLiteral("target"))->id;
-    NoChooser chooser;
-    NoDesktop desktop;
-    RecordingFeedback feedback;
-    AttachmentActions actions({store, files, chooser, *m_reader, desktop, feedback});
-    actions.pasteIntoNote(noteID);
-    QVERIFY(QTest::qWaitFor([&] { return !store.note(noteID)->attachments.isEmpty(); }, 20000));
-    const NoteAttachment attachment = store.note(noteID)->attachments.first();
-    QCOMPARE(attachment.fileName, QStringLiteral("report.pdf"));
-    QCOMPARE(attachment.contentTypeIdentifier, QStringLiteral("application/pdf"));
-    QFile copy(attachmentsFolder(libraryURL()) + u'/' + attachment.storedFileName);
-    QVERIFY(copy.open(QIODevice::ReadOnly));
-    QCOMPARE(copy.readAll(), QByteArray("%PDF-1.4 tiny"));
-    QVERIFY(feedback.toasts.isEmpty());
 }
 
 int main(int argc, char *argv[])

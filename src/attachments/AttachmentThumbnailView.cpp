@@ -40,7 +40,6 @@ AttachmentThumbnailView::AttachmentThumbnailView(ThumbnailCache &cache, QWidget 
 {
     setFixedSize(sizeHint());
     setAttribute(Qt::WA_TransparentForMouseEvents);
-    connect(&m_cache, &ThumbnailCache::thumbnailReady, this, &AttachmentThumbnailView::takeImage);
 }
 
 AttachmentThumbnailView::~AttachmentThumbnailView() = default;
@@ -91,18 +90,29 @@ void AttachmentThumbnailView::requestImage()
     if (!m_image.isNull() || m_filePath.isEmpty()
         || m_attachment.kind != NoteAttachment::Kind::Image)
         return;
-    const QImage image = m_cache.thumbnail(m_filePath, pixelSide());
-    if (!image.isNull()) {
-        m_image = image;
-        update();
-        Q_EMIT imageChanged();
-    }
+    if (m_waiting == m_filePath)
+        return;
+    const QString path = m_filePath;
+    const QImage image
+        = m_cache.thumbnail(path, pixelSide(), this, [this, path](const QImage &arrived) {
+              if (m_waiting == path)
+                  m_waiting.clear();
+              if (path == m_filePath)
+                  takeImage(arrived);
+          });
+    if (!image.isNull())
+        takeImage(image);
+    else if (m_cache.state(path) == ThumbnailCache::State::Pending)
+        m_waiting = path;
 }
 
-void AttachmentThumbnailView::takeImage(const QString &path)
+void AttachmentThumbnailView::takeImage(const QImage &image)
 {
-    if (path == m_filePath && m_image.isNull() && m_attachment.kind == NoteAttachment::Kind::Image)
-        requestImage();
+    if (image.isNull() || !m_image.isNull())
+        return;
+    m_image = image;
+    update();
+    Q_EMIT imageChanged();
 }
 
 void AttachmentThumbnailView::paintEvent(QPaintEvent *)
@@ -128,17 +138,52 @@ void AttachmentThumbnailView::paintEvent(QPaintEvent *)
     }
 
     painter.fillPath(clip, colors.surfaceFill);
-    const int symbolSide = qRound(side() * 0.48);
-    const QRect symbolRect(
+    const qreal symbolSide = side() * 0.48;
+    const QRectF symbolRect(
         (side() - symbolSide) / 2, (side() - symbolSide) / 2, symbolSide, symbolSide);
     if (!m_typeIcon.isNull()) {
-        m_typeIcon.paint(&painter, symbolRect);
+        m_typeIcon.paint(&painter, symbolRect.toAlignedRect());
         return;
     }
-    const QString symbol = m_attachment.kind == NoteAttachment::Kind::Image
-        ? QStringLiteral("photo")
-        : QStringLiteral("doc");
-    symbolIcon(symbol, colors.greyStrong, symbolSide).paint(&painter, symbolRect);
+    drawSymbol(painter, symbolRect, colors.greyStrong);
+}
+
+void AttachmentThumbnailView::drawSymbol(
+    QPainter &painter, const QRectF &area, const QColor &color) const
+{
+    // Line drawings, so that they look the same on every desktop.
+    painter.setPen(
+        QPen(color, std::max(1.0, area.width() / 12), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(Qt::NoBrush);
+    const qreal w = area.width();
+    const qreal h = area.height();
+    if (m_attachment.kind == NoteAttachment::Kind::Image) {
+        // "photo": a frame with the sun over a hill.
+        const QRectF frame = area.adjusted(0, h * 0.12, 0, -h * 0.12);
+        painter.drawRoundedRect(frame, w * 0.12, w * 0.12);
+        painter.drawEllipse(QPointF(frame.left() + w * 0.3, frame.top() + frame.height() * 0.32),
+            w * 0.08, w * 0.08);
+        const QPointF hill[] = {{frame.left() + w * 0.08, frame.bottom() - h * 0.06},
+            {frame.left() + w * 0.42, frame.top() + frame.height() * 0.5},
+            {frame.left() + w * 0.62, frame.top() + frame.height() * 0.7},
+            {frame.left() + w * 0.76, frame.top() + frame.height() * 0.56},
+            {frame.right() - w * 0.06, frame.bottom() - h * 0.06}};
+        painter.drawPolyline(hill, 5);
+        return;
+    }
+    // "doc": a page with a folded corner and lines of text.
+    const qreal left = area.left() + w * 0.16;
+    const qreal right = area.right() - w * 0.16;
+    const qreal fold = w * 0.22;
+    const QPointF page[] = {{left, area.top()}, {right - fold, area.top()},
+        {right, area.top() + fold}, {right, area.bottom()}, {left, area.bottom()}};
+    painter.drawPolygon(page, 5);
+    painter.drawPolyline(QPolygonF({{right - fold, area.top()}, {right - fold, area.top() + fold},
+        {right, area.top() + fold}}));
+    for (int line = 0; line < 3; ++line) {
+        const qreal y = area.top() + h * (0.48 + 0.16 * line);
+        painter.drawLine(QPointF(left + w * 0.12, y), QPointF(right - w * 0.12, y));
+    }
 }
 
 } // namespace Vesko

@@ -12,6 +12,8 @@
 #include <QImage>
 #include <QWidget>
 
+class QPainter;
+
 namespace Vesko {
 
 class ThumbnailCache;
@@ -54,7 +56,9 @@ protected:
 
 private:
     void requestImage();
-    void takeImage(const QString &path);
+    //! The symbol of the attachment's kind, in \a area.
+    void drawSymbol(QPainter &painter, const QRectF &area, const QColor &color) const;
+    void takeImage(const QImage &image);
     //! The side in device pixels that every thumbnail is decoded at.
     int pixelSide() const;
 
@@ -63,6 +67,8 @@ private:
     QString m_filePath;
     bool m_expanded = false;
     QImage m_image;
+    //! The file whose thumbnail this view waits for, if any.
+    QString m_waiting;
     //! The file type's icon, for files that are not images.
     QIcon m_typeIcon;
 };

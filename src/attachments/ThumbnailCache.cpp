@@ -57,12 +57,14 @@ QImage ThumbnailCache::decode(const QString &path, int pixelSide)
     return image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
-QImage ThumbnailCache::thumbnail(const QString &path, int pixelSide)
+QImage ThumbnailCache::thumbnail(const QString &path, int pixelSide, QObject *receiver, Ready ready)
 {
     if (const QImage *image = m_images.object(path); image && m_sides.value(path) >= pixelSide)
         return *image;
     if (m_failed.contains(path))
         return {};
+    if (receiver && ready)
+        m_waiters[path].append({receiver, std::move(ready)});
     if (m_pending.value(path) >= pixelSide)
         return {};
 
@@ -84,16 +86,23 @@ QImage ThumbnailCache::thumbnail(const QString &path, int pixelSide)
 
 void ThumbnailCache::finish(const QString &path, int pixelSide, const QImage &image)
 {
-    if (m_pending.value(path) == pixelSide)
-        m_pending.remove(path);
-    if (image.isNull()) {
+    if (m_pending.value(path) != pixelSide)
+        return; // a larger one is on its way
+    m_pending.remove(path);
+    if (image.isNull())
         m_failed.insert(path);
-        Q_EMIT thumbnailFailed(path);
-        return;
+    else {
+        m_images.insert(path, new QImage(image), std::max<qsizetype>(1, image.sizeInBytes()));
+        m_sides.insert(path, pixelSide);
     }
-    m_images.insert(path, new QImage(image), std::max<qsizetype>(1, image.sizeInBytes()));
-    m_sides.insert(path, pixelSide);
-    Q_EMIT thumbnailReady(path);
+    for (const Waiter &waiter : m_waiters.take(path)) {
+        if (waiter.receiver)
+            waiter.ready(image);
+    }
+    if (image.isNull())
+        Q_EMIT thumbnailFailed(path);
+    else
+        Q_EMIT thumbnailReady(path);
 }
 
 ThumbnailCache::State ThumbnailCache::state(const QString &path) const

@@ -11,8 +11,10 @@
 #include <QHash>
 #include <QImage>
 #include <QObject>
+#include <QPointer>
 #include <QSet>
 
+#include <functional>
 #include <memory>
 
 namespace Vesko {
@@ -35,11 +37,15 @@ public:
     //! The one cache of the process, made on first use.
     static ThumbnailCache &shared();
 
+    using Ready = std::function<void(const QImage &image)>;
+
     //! The thumbnail of the image file \a path, at least \a pixelSide pixels
     //! square, when it is at hand. Otherwise a null image, and the file is
     //! decoded in the background unless that is under way or failed before;
-    //! thumbnailReady() or thumbnailFailed() follows.
-    QImage thumbnail(const QString &path, int pixelSide);
+    //! thumbnailReady() or thumbnailFailed() follows, and \a ready is called
+    //! with the image (null after a failure) if \a receiver still lives.
+    QImage thumbnail(
+        const QString &path, int pixelSide, QObject *receiver = nullptr, Ready ready = {});
     State state(const QString &path) const;
 
     //! How many times a file was read so far.
@@ -61,6 +67,14 @@ private:
     //! The side each cached image was decoded at.
     QHash<QString, int> m_sides;
     QHash<QString, int> m_pending;
+    struct Waiter
+    {
+        QPointer<QObject> receiver;
+        Ready ready;
+    };
+    //! Who waits for which file: told directly, not through a signal that
+    //! every view would hear.
+    QHash<QString, QList<Waiter>> m_waiters;
     QSet<QString> m_failed;
     int m_readCount = 0;
 };

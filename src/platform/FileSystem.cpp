@@ -81,10 +81,16 @@ constexpr qint64 copyBufferBytes = 1024 * 1024;
 
 // Copies [offset, end) of \a in to the same place in \a out, a piece at a
 // time: inside the kernel where it can, else through one buffer. Reaching the
-// source's end early stops without failing.
+// source's end early stops without failing. With \a startWriteback each
+// piece starts on its way to the disk at once, so that the final flush finds
+// little left to write.
 bool copyRange(int in, int out, qint64 offset, qint64 end, bool &inKernel,
-    const std::function<bool()> &shouldContinue)
+    const std::function<bool()> &shouldContinue, bool startWriteback)
 {
+    auto pieceWritten = [&](qint64 from, qint64 length) {
+        if (startWriteback)
+            ::sync_file_range(out, from, length, SYNC_FILE_RANGE_WRITE);
+    };
     QByteArray buffer;
     while (offset < end) {
         if (shouldContinue && !shouldContinue()) {
@@ -97,6 +103,7 @@ bool copyRange(int in, int out, qint64 offset, qint64 end, bool &inKernel,
             loff_t to = offset;
             const ssize_t copied = ::copy_file_range(in, &from, out, &to, size_t(length), 0);
             if (copied > 0) {
+                pieceWritten(offset, copied);
                 offset += copied;
                 continue;
             }
@@ -131,6 +138,7 @@ bool copyRange(int in, int out, qint64 offset, qint64 end, bool &inKernel,
             }
             written += n;
         }
+        pieceWritten(offset, read);
         offset += read;
     }
     return true;
@@ -322,7 +330,8 @@ std::optional<QString> copyFileInPieces(
         qint64 hole = ::lseek(in.get(), data, SEEK_HOLE);
         if (hole < 0 || hole > size)
             hole = size;
-        if (!copyRange(in.get(), out.get(), data, hole, inKernel, options.shouldContinue)) {
+        if (!copyRange(in.get(), out.get(), data, hole, inKernel, options.shouldContinue,
+                options.durability == Durability::Flushed)) {
             if (errno == ECANCELED)
                 return failed(QObject::tr("The copy of “%1” was cancelled.").arg(from));
             return failed(

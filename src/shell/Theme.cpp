@@ -249,8 +249,6 @@ QIcon symbolIcon(const QString &symbol, const QColor &color, int size)
         {"paperclip", "mail-attachment-symbolic", u"\u2295"},
         {"clipboard", "edit-paste-symbolic", u"\u2398"},
         {"eye.slash", "view-hidden-symbolic", u"\u2205"},
-        {"photo", "image-x-generic-symbolic", u"\u25A3"},
-        {"doc", "text-x-generic-symbolic", u"\u25AF"},
         {"xmark.circle.fill", "edit-clear-symbolic", u"\u2297"},
     };
     const char16_t *glyph = u"\u2022";

@@ -123,8 +123,9 @@ std::optional<QByteArray> X11ClipboardReader::takeProperty(xcb_atom_t *type)
     if (!reply)
         return std::nullopt;
     *type = reply->type;
+    // The length is in bytes, whatever the format.
     const QByteArray bytes(static_cast<const char *>(xcb_get_property_value(reply)),
-        xcb_get_property_value_length(reply) * (reply->format / 8));
+        xcb_get_property_value_length(reply));
     std::free(reply);
     return bytes;
 }
