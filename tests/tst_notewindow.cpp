@@ -490,8 +490,9 @@ void NoteWindowTest::addAttachment()
 
     // The import runs on the importer's thread; its answer comes back here.
     auto names = [&store] {
+        const std::optional<Note> note = store.note(idFor(QStringLiteral("a")));
         QStringList names;
-        for (const NoteAttachment &attachment : store.note(idFor(QStringLiteral("a")))->attachments)
+        for (const NoteAttachment &attachment : note->attachments)
             names.append(attachment.fileName);
         return names;
     };

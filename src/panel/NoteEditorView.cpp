@@ -47,7 +47,7 @@ public:
         setFrameShape(QFrame::NoFrame);
         setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
         setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+        setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
         setOpenLinks(false);
         setTextInteractionFlags(
             Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard | Qt::LinksAccessibleByMouse);
@@ -56,10 +56,8 @@ public:
         connect(this, &QTextBrowser::anchorClicked, this,
             [](const QUrl &url) { QDesktopServices::openUrl(url); });
         connect(document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged,
-            this, [this](const QSizeF &size) { setMinimumHeight(int(std::ceil(size.height()))); });
+            this, [this](const QSizeF &size) { setFixedHeight(int(std::ceil(size.height()))); });
     }
-
-    QSize sizeHint() const override { return {QTextBrowser::sizeHint().width(), minimumHeight()}; }
 };
 
 QToolButton *barButton(QWidget *parent, const QString &title, const QString &toolTip)
