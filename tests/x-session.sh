@@ -7,6 +7,9 @@ if [ "${1:-}" != "--inside" ]; then
     exec xvfb-run -a -s "-screen 0 1280x800x24 -nolisten tcp" "$0" --inside "$@"
 fi
 shift
+# The session is this X server, whatever the desktop around it runs.
+unset WAYLAND_DISPLAY
+export XDG_SESSION_TYPE=x11
 openbox --sm-disable >/dev/null 2>&1 &
 wm=$!
 # The window manager is ready once it announces itself on the root window.

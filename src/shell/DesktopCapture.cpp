@@ -9,7 +9,7 @@
 #include "capture/SelectionReader.h"
 #include "panel/PanelController.h"
 #include "platform/Logging.h"
-#include "platform/qt/QtClipboard.h"
+#include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyMonitor.h"
 #include "platform/x11/X11Session.h"
@@ -46,7 +46,7 @@ DesktopCapture::DesktopCapture(Store &store, Preferences &preferences, PanelCont
     : QObject(parent)
     , m_store(store)
     , m_preferences(preferences)
-    , m_clipboard(std::make_unique<QtClipboard>())
+    , m_clipboard(std::make_unique<X11Clipboard>())
     , m_registrar(std::make_unique<X11HotKeys>())
     , m_hotKeys(std::make_unique<HotKeyCenter>(*m_registrar))
     , m_permission(std::make_unique<AccessibilityPermission>(&X11Session::isCaptureAvailable))

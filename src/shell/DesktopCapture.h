@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Capture as the running program has it: the X11 key monitor, hot keys and
-// session, the Qt clipboard, and the capture logic over them, answering with
-// the panel and the toast. Made once, after the Store and the Preferences.
+// Capture as the running program has it: the X11 key monitor, hot keys,
+// session and clipboard, and the capture logic over them, answering with the
+// panel and the toast. Made once, after the Store and the Preferences.
 
 #pragma once
 
@@ -20,10 +20,10 @@ class DoubleShiftMonitor;
 class HotKeyCenter;
 class PanelController;
 class Preferences;
-class QtClipboard;
 class SelectionReader;
 class Store;
 class ToastPresenter;
+class X11Clipboard;
 class X11HotKeys;
 class X11KeyMonitor;
 class X11Session;
@@ -50,7 +50,7 @@ private:
 
     Store &m_store;
     Preferences &m_preferences;
-    std::unique_ptr<QtClipboard> m_clipboard;
+    std::unique_ptr<X11Clipboard> m_clipboard;
     std::unique_ptr<X11HotKeys> m_registrar;
     std::unique_ptr<HotKeyCenter> m_hotKeys;
     std::unique_ptr<AccessibilityPermission> m_permission;
