@@ -76,8 +76,6 @@ private Q_SLOTS:
     void noteTitles();
     void choosingANoteMarksItDone();
     void sectionAndProjectChoices();
-    void panelAndProgramEntries_data();
-    void panelAndProgramEntries();
     void copyAllAsList();
     void rebuiltAtEachOpening();
     void toolTipCountsOpenNotes_data();
@@ -254,40 +252,6 @@ void MenuBarTest::sectionAndProjectChoices()
     rebuild(filled);
     QVERIFY(
         describeMenu(filled).contains(QStringLiteral("No notes in R~|-|Section: Trip>|Project>")));
-}
-
-void MenuBarTest::panelAndProgramEntries_data()
-{
-    QTest::addColumn<bool>("panelShown");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QString>("call");
-
-    QTest::newRow("show") << false << "Show Vesko"
-                          << "show with composer";
-    QTest::newRow("hide") << true << "Hide Vesko"
-                          << "hide";
-    QTest::newRow("capture") << false << "Capture Selection"
-                             << "capture";
-    QTest::newRow("add a note") << true << "Add a Note"
-                                << "show with composer";
-    QTest::newRow("settings") << false << "Settings"
-                              << "settings";
-    QTest::newRow("quit") << false << "Quit Vesko"
-                          << "quit";
-}
-
-void MenuBarTest::panelAndProgramEntries()
-{
-    QFETCH(bool, panelShown);
-    QFETCH(QString, title);
-    QFETCH(QString, call);
-
-    m_fixture->make({QStringLiteral("*Inbox:a")});
-    m_panelShown = panelShown;
-    QMenu filled;
-    rebuild(filled);
-    entry(filled, title)->trigger();
-    QCOMPARE(m_calls, QStringList {call});
 }
 
 void MenuBarTest::copyAllAsList()

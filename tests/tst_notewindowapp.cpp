@@ -176,9 +176,14 @@ void NoteWindowAppTest::noteWindowEditsTheNote()
     // The row's menu: Copy, Copy as List, Mark as Done, Edit, Edit in New Window.
     auto openFromTheRowMenu = [&] {
         const QStringList before = visibleWindows(vesko->processId());
-        xdotool({QStringLiteral("mousemove"), QString::number(firstRow.x()),
-            QString::number(firstRow.y()), QStringLiteral("click"), QStringLiteral("3")});
-        QTRY_VERIFY_WITH_TIMEOUT(!newWindow(vesko->processId(), before).isEmpty(), 5000);
+        QString menu;
+        for (int attempt = 0; attempt < 3 && menu.isEmpty(); ++attempt) {
+            xdotool({QStringLiteral("mousemove"), QString::number(firstRow.x()),
+                QString::number(firstRow.y()), QStringLiteral("click"), QStringLiteral("3")});
+            (void)QTest::qWaitFor(
+                [&] { return !(menu = newWindow(vesko->processId(), before)).isEmpty(); }, 4000);
+        }
+        QVERIFY(!menu.isEmpty());
         pressKeys(QStringLiteral("Down"), 5);
         xdotool({QStringLiteral("key"), QStringLiteral("Return")});
     };
@@ -240,10 +245,16 @@ void NoteWindowAppTest::trayMenuIsTheDashboard()
 
     auto chooseEntry = [&](int downs) {
         const QStringList before = visibleWindows(vesko->processId());
-        xdotool({QStringLiteral("mousemove"), QString::number(icon.center().x()),
-            QString::number(icon.center().y()), QStringLiteral("click"), QStringLiteral("3")});
         QString menu;
-        QTRY_VERIFY_WITH_TIMEOUT(!(menu = newWindow(vesko->processId(), before)).isEmpty(), 5000);
+        // A click that comes while the last menu still holds the pointer is
+        // lost; the user would click again, and so does the test.
+        for (int attempt = 0; attempt < 3 && menu.isEmpty(); ++attempt) {
+            xdotool({QStringLiteral("mousemove"), QString::number(icon.center().x()),
+                QString::number(icon.center().y()), QStringLiteral("click"), QStringLiteral("3")});
+            (void)QTest::qWaitFor(
+                [&] { return !(menu = newWindow(vesko->processId(), before)).isEmpty(); }, 4000);
+        }
+        QVERIFY(!menu.isEmpty());
         pressKeys(QStringLiteral("Down"), downs);
         xdotool({QStringLiteral("key"), QStringLiteral("Return")});
         QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(vesko->processId()).contains(menu), 5000);

@@ -26,6 +26,12 @@ NoteWindowManager::NoteWindowManager(
     , m_preferences(preferences)
     , m_attachments(attachments)
 {
+    m_frameSave.setSingleShot(true);
+    m_frameSave.setInterval(frameSaveDelayMilliseconds);
+    connect(&m_frameSave, &QTimer::timeout, this, [this] {
+        if (m_movedWindow)
+            rememberFrame(m_movedWindow);
+    });
     // Open windows take a new appearance once the application's palette has changed.
     connect(
         &m_preferences, &Preferences::appearanceAssigned, this,
@@ -79,7 +85,11 @@ NoteWindow *NoteWindowManager::open(const QUuid &noteID)
         rememberFrame(window);
         windowWillClose(noteID);
     });
-    connect(window, &NoteWindow::frameChanged, this, [this, window] { rememberFrame(window); });
+    // A drag moves the window many times a second; the file is written when it rests.
+    connect(window, &NoteWindow::frameChanged, this, [this, window] {
+        m_movedWindow = window;
+        m_frameSave.start();
+    });
     m_windows.insert(noteID, window);
     bringForward(window);
     return window;

@@ -11,6 +11,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QSize>
+#include <QTimer>
 #include <QUuid>
 
 namespace Vesko {
@@ -29,6 +30,8 @@ public:
     static constexpr QSize contentSize {460, 380};
     //! Where the settings file keeps the last note window's frame.
     static inline const QString frameKey = QStringLiteral("noteWindowFrame");
+    //! The quiet time after a move or resize before the frame is written.
+    static constexpr int frameSaveDelayMilliseconds = 400;
 
     NoteWindowManager(Store &store, Preferences &preferences, AttachmentActions &attachments,
         QObject *parent = nullptr);
@@ -55,6 +58,9 @@ private:
     Preferences &m_preferences;
     AttachmentActions &m_attachments;
     QHash<QUuid, QPointer<NoteWindow>> m_windows;
+    //! The window last moved or resized, written once the moving stops.
+    QPointer<NoteWindow> m_movedWindow;
+    QTimer m_frameSave;
 };
 
 } // namespace Vesko
