@@ -50,8 +50,14 @@ protected:
 
 void guardKeys(QMenu &menu)
 {
-    if (!menu.findChild<MenuKeyGuard *>(QString(), Qt::FindDirectChildrenOnly))
-        menu.installEventFilter(new MenuKeyGuard(&menu));
+    // MenuKeyGuard has no meta-object of its own, so a search by type would
+    // match any child (the menu's own QAction first); it goes by its name.
+    static const QString guardName = QStringLiteral("VeskoMenuKeyGuard");
+    if (menu.findChild<QObject *>(guardName, Qt::FindDirectChildrenOnly))
+        return;
+    auto *guard = new MenuKeyGuard(&menu);
+    guard->setObjectName(guardName);
+    menu.installEventFilter(guard);
 }
 
 QAction *addEntry(QMenu &menu, const QString &title, std::function<void()> run,
