@@ -17,6 +17,9 @@ packages=(
     xvfb xauth openbox x11-utils xdotool xclip xterm trayer
     # a private session bus for the file manager's D-Bus interface
     dbus-daemon
+    # the Settings window's end-to-end test: a system tray, a session bus and
+    # a screen reader's view over AT-SPI
+    trayer at-spi2-core python3-pyatspi gir1.2-atspi-2.0
     # runtime plugins
     qt6-qpa-plugins fonts-dejavu-core
     # the file types of attachments

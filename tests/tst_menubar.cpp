@@ -284,23 +284,31 @@ void MenuBarTest::rebuiltAtEachOpening()
 void MenuBarTest::toolTipCountsOpenNotes_data()
 {
     QTest::addColumn<QString>("project");
+    QTest::addColumn<QString>("failure");
     QTest::addColumn<QString>("toolTip");
 
     QTest::newRow("none") << "*Inbox:A"
+                          << ""
                           << "Vesko: no open notes in P";
     QTest::newRow("one") << "Inbox:A,b"
+                         << ""
                          << "Vesko: 1 open note in P";
     QTest::newRow("seven, over sections") << "Inbox:a,b,C|*Later:d,e,f,g,h"
+                                          << ""
                                           << "Vesko: 7 open notes in P";
+    QTest::newRow("a failed save") << "Inbox:a"
+                                   << "No space left on device"
+                                   << "Vesko: 1 open note in P\nNot saved: No space left on device";
 }
 
 void MenuBarTest::toolTipCountsOpenNotes()
 {
     QFETCH(QString, project);
+    QFETCH(QString, failure);
     QFETCH(QString, toolTip);
 
     Store &store = m_fixture->make({project});
-    QCOMPARE(menuBarToolTip(store.activeProject().name, openNoteCount(store)), toolTip);
+    QCOMPARE(menuBarToolTip(store.activeProject().name, openNoteCount(store), failure), toolTip);
     QCOMPARE(menuBarDashboard(store).openNoteCount, openNoteCount(store));
 }
 

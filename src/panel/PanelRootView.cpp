@@ -3,6 +3,7 @@
 #include "panel/PanelRootView.h"
 
 #include "panel/PanelListView.h"
+#include "panel/SaveStatusView.h"
 #include "shell/Theme.h"
 #include "store/Store.h"
 
@@ -105,6 +106,7 @@ PanelRootView::PanelRootView(Store &store, PanelState &state, QWidget *parent)
     m_composer->installEventFilter(this);
     boxLayout->addWidget(m_composer);
     box->raise();
+    layout->addWidget(new SaveStatusView(store, this));
 
     connect(m_composer, &QLineEdit::returnPressed, this, &PanelRootView::commitComposer);
     connect(&m_state, &PanelState::focusRequestChanged, this, &PanelRootView::applyFocusRequest);

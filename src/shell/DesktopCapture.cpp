@@ -10,11 +10,15 @@
 #include "panel/PanelController.h"
 #include "platform/Logging.h"
 #include "platform/x11/X11Clipboard.h"
+#include "platform/x11/X11Connection.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyMonitor.h"
+#include "platform/x11/X11Keyboard.h"
 #include "platform/x11/X11Session.h"
 #include "shell/Preferences.h"
 #include "shell/Toast.h"
+
+#include <QGuiApplication>
 
 namespace Vesko {
 
@@ -71,6 +75,16 @@ CaptureEngine &DesktopCapture::engine()
             *m_hotKeys, *m_doubleShift, *m_reader, *m_permission, *m_feedback, *m_clipboard});
     }
     return *m_engine;
+}
+
+const KeyLayout *DesktopCapture::keyLayout()
+{
+    if (!m_keyboard && QGuiApplication::platformName() == QLatin1String("xcb")) {
+        m_keyboardConnection = std::make_unique<X11Connection>();
+        if (m_keyboardConnection->isValid())
+            m_keyboard = std::make_unique<X11Keyboard>(m_keyboardConnection->get());
+    }
+    return m_keyboard.get();
 }
 
 AppDelegate::Hooks DesktopCapture::launchHooks()

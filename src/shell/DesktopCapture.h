@@ -15,6 +15,7 @@
 namespace Vesko {
 
 class AccessibilityPermission;
+class KeyLayout;
 class CaptureEngine;
 class DoubleShiftMonitor;
 class HotKeyCenter;
@@ -24,7 +25,9 @@ class SelectionReader;
 class Store;
 class ToastPresenter;
 class X11Clipboard;
+class X11Connection;
 class X11HotKeys;
+class X11Keyboard;
 class X11KeyMonitor;
 class X11Session;
 
@@ -38,6 +41,8 @@ public:
     ~DesktopCapture() override;
 
     HotKeyCenter &hotKeys() { return *m_hotKeys; }
+    //! The keyboard layout that names keys on screen; none off X11.
+    const KeyLayout *keyLayout();
     AccessibilityPermission &permission() { return *m_permission; }
     //! Made on first use, at launch.
     CaptureEngine &engine();
@@ -60,6 +65,8 @@ private:
     std::unique_ptr<SelectionReader> m_reader;
     std::unique_ptr<Feedback> m_feedback;
     std::unique_ptr<CaptureEngine> m_engine;
+    std::unique_ptr<X11Connection> m_keyboardConnection;
+    std::unique_ptr<X11Keyboard> m_keyboard;
 };
 
 } // namespace Vesko

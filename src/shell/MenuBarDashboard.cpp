@@ -47,14 +47,19 @@ qsizetype openNoteCount(const Store &store)
     return count;
 }
 
-QString menuBarToolTip(const QString &projectName, qsizetype openNotes)
+QString menuBarToolTip(const QString &projectName, qsizetype openNotes, const QString &saveFailure)
 {
     auto tr = [](const char *text) { return QCoreApplication::translate("MenuBar", text); };
+    QString tip;
     if (openNotes == 0)
-        return tr("Vesko: no open notes in %1").arg(projectName);
-    if (openNotes == 1)
-        return tr("Vesko: 1 open note in %1").arg(projectName);
-    return tr("Vesko: %1 open notes in %2").arg(QString::number(openNotes), projectName);
+        tip = tr("Vesko: no open notes in %1").arg(projectName);
+    else if (openNotes == 1)
+        tip = tr("Vesko: 1 open note in %1").arg(projectName);
+    else
+        tip = tr("Vesko: %1 open notes in %2").arg(QString::number(openNotes), projectName);
+    if (!saveFailure.isEmpty())
+        tip += u'\n' + QCoreApplication::translate("TrayIcon", "Not saved: ") + saveFailure;
+    return tip;
 }
 
 } // namespace Vesko

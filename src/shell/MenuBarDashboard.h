@@ -58,7 +58,9 @@ MenuBarDashboard menuBarDashboard(const Store &store);
 qsizetype openNoteCount(const Store &store);
 
 //! The tray icon's tool tip: the program and how many open notes the
-//! project named \a projectName has.
-QString menuBarToolTip(const QString &projectName, qsizetype openNotes);
+//! project named \a projectName has, then, while saves fail, "Not saved: "
+//! and \a saveFailure on a line of its own.
+QString menuBarToolTip(
+    const QString &projectName, qsizetype openNotes, const QString &saveFailure = {});
 
 } // namespace Vesko

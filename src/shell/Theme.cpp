@@ -249,6 +249,13 @@ QIcon symbolIcon(const QString &symbol, const QColor &color, int size)
         {"paperclip", "mail-attachment-symbolic", u"\u2295"},
         {"clipboard", "edit-paste-symbolic", u"\u2398"},
         {"eye.slash", "view-hidden-symbolic", u"\u2205"},
+        {"gearshape", "preferences-system-symbolic", u"\u2699"},
+        {"text.viewfinder", "edit-find-symbolic", u"\u25CE"},
+        {"internaldrive", "drive-harddisk-symbolic", u"\u26C1"},
+        {"info.circle", "help-about-symbolic", u"i"},
+        {"checkmark.circle.fill", "emblem-ok-symbolic", u"\u2714"},
+        {"exclamationmark.triangle.fill", "dialog-warning-symbolic", u"\u26A0"},
+        {"person.slash", "avatar-default-symbolic", u"\u2298"},
         {"xmark.circle.fill", "edit-clear-symbolic", u"\u2297"},
     };
     const char16_t *glyph = u"\u2022";

@@ -26,6 +26,7 @@ TrayIcon::TrayIcon(Store &store, PanelController &panel, Preferences &preference
     m_menu->setObjectName(QStringLiteral("VeskoTrayMenu"));
     refreshToolTip();
     connect(&m_store, &Store::libraryChanged, this, &TrayIcon::refreshToolTip);
+    connect(&m_store, &Store::saveFailureChanged, this, &TrayIcon::refreshToolTip);
     m_icon->setContextMenu(m_menu);
     connect(m_menu, &QMenu::aboutToShow, this, &TrayIcon::rebuildMenu);
     connect(m_icon, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason r) {
@@ -49,7 +50,8 @@ QString TrayIcon::toolTip() const
 
 void TrayIcon::refreshToolTip()
 {
-    const QString tip = menuBarToolTip(m_store.activeProject().name, openNoteCount(m_store));
+    const QString tip = menuBarToolTip(
+        m_store.activeProject().name, openNoteCount(m_store), m_store.saveFailure());
     // Tray hosts repaint or resend the tip at each assignment.
     if (m_icon->toolTip() != tip)
         m_icon->setToolTip(tip);

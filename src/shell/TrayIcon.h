@@ -2,9 +2,9 @@
 //
 // Vesko's icon in the desktop's system tray, shown while showsInMenuBar is
 // on, with its menu, the dashboard, built afresh each time it opens. Its tool
-// tip says how many open notes the active project has. Without a tray the
-// program runs all the same, and the panel's "More options" menu offers the
-// same dashboard.
+// tip says how many open notes the active project has, and when the library
+// cannot be saved. Without a tray the program runs all the same, and the
+// panel's "More options" menu offers the same dashboard.
 
 #pragma once
 
@@ -32,6 +32,8 @@ public:
     void fillMenu(QMenu &menu);
     //! The menu the icon shows; for tests and screenshots.
     QMenu *menu() const { return m_menu; }
+    //! The open notes of the active project, and "Not saved: " and the
+    //! reason while the library cannot be saved.
     QString toolTip() const;
 
 Q_SIGNALS:

@@ -10,6 +10,7 @@
 
 #include <QMap>
 #include <QPair>
+#include <QSet>
 
 namespace Vesko::Test {
 
@@ -22,6 +23,8 @@ public:
     int registerKey(int id, quint16 keyCode, quint64 modifiers) override
     {
         held.remove(id);
+        if (taken.contains(qMakePair(keyCode, modifiers)))
+            return takenStatus;
         for (auto it = held.cbegin(); it != held.cend(); ++it) {
             if (it.value() == qMakePair(keyCode, modifiers))
                 return takenStatus;
@@ -33,6 +36,8 @@ public:
 
     bool available = true;
     QMap<int, QPair<quint16, quint64>> held;
+    //! Combinations another program holds.
+    QSet<QPair<quint16, quint64>> taken;
     std::function<void(int)> handler;
 };
 

@@ -34,11 +34,27 @@ X11Session::~X11Session() = default;
 
 bool X11Session::isCaptureAvailable()
 {
-    if (QGuiApplication::platformName() != QLatin1String("xcb") || isWaylandSession())
-        return false;
+    return captureObstacle() == CaptureObstacle::None;
+}
+
+CaptureObstacle X11Session::captureObstacle()
+{
+    // Under Xwayland the X server only knows its own clients: a Wayland
+    // session is one whatever platform Qt runs on.
+    if (QGuiApplication::platformName().startsWith(u"wayland") || isWaylandSession())
+        return CaptureObstacle::WaylandSession;
+    if (QGuiApplication::platformName() != QLatin1String("xcb"))
+        return CaptureObstacle::NoXServer;
     X11Connection connection;
-    return connection.isValid() && connection.extensionOpcode("XInputExtension")
-        && connection.extensionOpcode("XTEST") && connection.extensionOpcode("X-Resource");
+    if (!connection.isValid())
+        return CaptureObstacle::NoXServer;
+    if (!connection.extensionOpcode("XInputExtension"))
+        return CaptureObstacle::NoXInput2;
+    if (!connection.extensionOpcode("XTEST"))
+        return CaptureObstacle::NoXTest;
+    if (!connection.extensionOpcode("X-Resource"))
+        return CaptureObstacle::NoXResource;
+    return CaptureObstacle::None;
 }
 
 std::optional<FrontApplication> X11Session::frontApplication()

@@ -7,6 +7,7 @@
 
 #pragma once
 
+#include "platform/CaptureSupport.h"
 #include "platform/DesktopSession.h"
 
 #include <memory>
@@ -29,6 +30,8 @@ public:
     //! The session is an X11 one, with an X server that has XInput 2, XTEST
     //! and X-Resource.
     static bool isCaptureAvailable();
+    //! What keeps capture from working here, or None.
+    static CaptureObstacle captureObstacle();
 
     std::optional<FrontApplication> frontApplication() override;
     void readPrimarySelection(
