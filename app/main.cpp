@@ -8,6 +8,7 @@
 #include "attachments/DesktopAttachments.h"
 #include "capture/CaptureEngine.h"
 #include "library/Library.h"
+#include "panel/NoteWindowManager.h"
 #include "panel/PanelCommands.h"
 #include "panel/PanelController.h"
 #include "panel/PanelState.h"
@@ -100,6 +101,9 @@ int main(int argc, char *argv[])
     };
     commands.resetPanelPosition = [&panel] { panel.resetPanelPosition(); };
     commands.resetPanelSize = [&panel] { panel.resetPanelSize(); };
+    commands.openNoteWindow = [](const QUuid &id) { NoteWindowManager::shared().open(id); };
+    // The tray's menu is also in the panel's "More options", for desktops without a tray.
+    commands.fillDashboard = [&tray](QMenu &menu) { tray.fillMenu(menu); };
     PanelCommands::shared().setHooks(commands);
 
     QObject::connect(

@@ -4,6 +4,7 @@
 
 #include "attachments/AttachmentListView.h"
 #include "panel/HighlightedText.h"
+#include "panel/MarkdownFormat.h"
 #include "panel/NativeInlineTextField.h"
 #include "panel/NoteRowActions.h"
 #include "panel/PanelDrop.h"
@@ -237,10 +238,9 @@ void NoteRowView::rebuildText()
     const bool done = m_row.note.isDone;
     m_text.setContent(highlightedText(m_row.note.text, m_query), Theme::noteFont(), done);
     const ThemeColors colors = Theme::currentColors();
-    QColor code = colors.greyLight;
-    code.setAlphaF(0.12f);
-    m_text.setColors({done ? colors.tertiaryText : colors.text, colors.accent, colors.accentSoft,
-        code, colors.greyStrong});
+    const MarkdownFormatColors markdown = markdownFormatColors();
+    m_text.setColors({done ? colors.tertiaryText : colors.text, markdown.link, colors.accentSoft,
+        markdown.codeBackground, colors.greyStrong});
 }
 
 int NoteRowView::contentLeft() const

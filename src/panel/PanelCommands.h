@@ -18,6 +18,7 @@
 #include <memory>
 #include <optional>
 
+class QMenu;
 class QWidget;
 
 namespace Vesko {
@@ -36,6 +37,9 @@ public:
     {
         //! Opens a note in a window of its own.
         std::function<void(const QUuid &noteID)> openNoteWindow;
+        //! Fills the dashboard submenu of "More options" with the tray menu's
+        //! entries; without it the submenu is left out.
+        std::function<void(QMenu &menu)> fillDashboard;
         //! Opens the Settings window.
         std::function<void()> openSettings;
         //! Quits the program the way "Quit Vesko" does.

@@ -400,6 +400,14 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
     addEntry(menu, text("Show Notes File in Files"),
         [] { PanelCommands::shared().revealLibraryFile(); });
 
+    if (const auto &fillDashboard = PanelCommands::shared().hooks().fillDashboard) {
+        // The tray's menu, here too: its entries stay within reach without a tray.
+        QMenu *dashboard = menu.addMenu(text("Dashboard"));
+        fillDashboard(*dashboard);
+        QObject::connect(dashboard, &QMenu::aboutToShow, dashboard,
+            [dashboard, fillDashboard] { fillDashboard(*dashboard); });
+    }
+
     menu.addSeparator();
     addEntry(
         menu, text("Reset Window Position"), [] { PanelCommands::shared().resetPanelPosition(); });
