@@ -110,9 +110,6 @@ PanelRootView::PanelRootView(
     m_list = new PanelListView(store, state, this);
     m_list->setObjectName(QStringLiteral("VeskoNoteList"));
     m_list->installEventFilter(this);
-    m_list->setFileDropHandler([](const QList<QUrl> &files, const QUuid &noteID) {
-        PanelCommands::shared().dropFilesOnNote(files, noteID);
-    });
 
     m_emptyState = new QWidget(this);
     m_emptyState->setAttribute(Qt::WA_TransparentForMouseEvents);
