@@ -8,6 +8,7 @@
 #include "attachments/DesktopAttachments.h"
 #include "capture/CaptureEngine.h"
 #include "library/Library.h"
+#include "panel/NoteWindowManager.h"
 #include "panel/PanelCommands.h"
 #include "panel/PanelController.h"
 #include "panel/PanelState.h"
@@ -96,9 +97,6 @@ int main(int argc, char *argv[])
     // The tray menu, the panel's overflow menu and its Ctrl+, open Settings.
     QObject::connect(
         &tray, &TrayIcon::settingsRequested, &settings, [&settings] { settings.show(); });
-    PanelCommands::Hooks commands = PanelCommands::shared().hooks();
-    commands.openSettings = [&settings] { settings.show(); };
-    PanelCommands::shared().setHooks(commands);
     // The window is rebuilt in the new appearance once the palette has changed.
     QObject::connect(&preferences, &Preferences::appearanceAssigned, &settings,
         &SettingsWindowController::refreshAppearance, Qt::QueuedConnection);
@@ -106,6 +104,17 @@ int main(int argc, char *argv[])
     // changes could not be saved.
     QuitGuard quitGuard(store);
     quitGuard.serve(PanelCommands::shared());
+
+    // What the panel's menus reach beyond the Store, beside the attachments:
+    // Settings (quitting is the quit guard's, above), the window's resets.
+    PanelCommands::Hooks commands = PanelCommands::shared().hooks();
+    commands.openSettings = [&settings] { settings.show(); };
+    commands.resetPanelPosition = [&panel] { panel.resetPanelPosition(); };
+    commands.resetPanelSize = [&panel] { panel.resetPanelSize(); };
+    commands.openNoteWindow = [](const QUuid &id) { NoteWindowManager::shared().open(id); };
+    // The tray's menu is also in the panel's "More options", for desktops without a tray.
+    commands.fillDashboard = [&tray](QMenu &menu) { tray.fillMenu(menu); };
+    PanelCommands::shared().setHooks(commands);
 
     QObject::connect(
         &instance, &SingleInstance::reopenRequested, &delegate, &AppDelegate::handleReopen);

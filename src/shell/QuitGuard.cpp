@@ -26,9 +26,10 @@ void QuitGuard::serve(PanelCommands &commands)
 {
     PanelCommands::Hooks hooks = commands.hooks();
     QPointer<QuitGuard> guard(this);
+    // Once the menu that chose it has closed.
     hooks.quit = [guard] {
         if (guard)
-            guard->requestQuit();
+            QMetaObject::invokeMethod(guard, &QuitGuard::requestQuit, Qt::QueuedConnection);
     };
     commands.setHooks(hooks);
 }
