@@ -38,31 +38,7 @@ namespace {
 // A library of \a total notes whose first, active, project holds \a active of them.
 Library libraryWithActiveProject(qsizetype total, qsizetype active)
 {
-    Library library = Test::generateLibrary(total, 42);
-    qsizetype inFirst = 0;
-    for (const NoteSection &section : library.projects[0].sections)
-        inFirst += section.notes.size();
-    // Move notes between the first and the second project until the first holds exactly `active`.
-    Project &first = library.projects[0];
-    Project &second = library.projects[1];
-    for (qsizetype s = 0; inFirst > active; s = (s + 1) % first.sections.size()) {
-        NoteSection &from = first.sections[s];
-        if (from.notes.isEmpty())
-            continue;
-        second.sections[s % second.sections.size()].notes.append(from.notes.takeLast());
-        --inFirst;
-    }
-    for (qsizetype s = 0; inFirst < active; s = (s + 1) % second.sections.size()) {
-        NoteSection &from = second.sections[s];
-        if (from.notes.isEmpty())
-            continue;
-        first.sections[s % first.sections.size()].notes.append(from.notes.takeLast());
-        ++inFirst;
-    }
-    for (NoteSection &section : first.sections)
-        section.isCollapsed = false;
-    library.activeProjectID = first.id;
-    return library;
+    return Test::generateLibraryWithActiveProject(total, active, 42);
 }
 
 struct Fixture
