@@ -20,6 +20,7 @@
 
 #include <QClipboard>
 #include <QLineEdit>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTextEdit>
 
@@ -260,17 +261,20 @@ void PanelKeysTest::keysInContext()
     QFETCH(int, modifiers);
     QFETCH(QString, outcome);
 
+    // The list takes a jump request at once and empties the slot: record it
+    // before the list hears of it.
+    QList<QUuid> jumps;
+    const QMetaObject::Connection recording
+        = connect(m_state.get(), &PanelState::sectionJumpRequestChanged, this, [&] {
+              if (const std::optional<QUuid> id = m_state->sectionJumpRequest())
+                  jumps.append(*id);
+          });
+    const auto stopRecording = qScopeGuard([&] { disconnect(recording); });
     showRoot({"*Inbox:a,b,c|Work:d|Later:e", "Home:f"});
     Store &store = m_fixture->store();
     store.setSelection({idFor("b")}, idFor("b"));
     QVERIFY(enter(context));
     const QString before = snapshot(store, *m_state);
-    // The list takes a jump request at once and empties the slot: record it.
-    QList<QUuid> jumps;
-    connect(m_state.get(), &PanelState::sectionJumpRequestChanged, this, [&] {
-        if (const std::optional<QUuid> id = m_state->sectionJumpRequest())
-            jumps.append(*id);
-    });
 
     press(key, modifiers);
     QCoreApplication::processEvents();
