@@ -87,11 +87,16 @@ void AppCommandsTest::keysComeFromTheTable()
 
 void AppCommandsTest::copyPrefersTheTextField()
 {
-    // Without a text field holding the keyboard, Copy takes every visible note.
+    // Without a text field holding the keyboard, Copy takes every visible
+    // note: those of all the project's sections.
     m_window->setFocus();
     m_editor->clearFocus();
     m_commands->action("Copy")->trigger();
-    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("a\n\nb"));
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("a\n\nb\n\nc\n\nd"));
+    // With a selection, the selection.
+    m_fixture->store().setSelection({idFor("c")}, idFor("c"));
+    m_commands->action("Copy")->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("c"));
 
     m_editor->setPlainText("typed words");
     m_editor->setFocus();

@@ -105,6 +105,10 @@ QLabel *addRow(QWidget *group, const QString &symbol, const QString &title, cons
     layout->addWidget(icon);
     auto *name = new QLabel(title, row);
     name->setFont(Theme::captionFont());
+    // A long title wraps; the keys keep their width.
+    name->setWordWrap(true);
+    name->setMinimumWidth(0);
+    name->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     setTextColor(name, colors.text);
     layout->addWidget(name, 1);
     auto *value = new QLabel(keys, row);
@@ -112,6 +116,7 @@ QLabel *addRow(QWidget *group, const QString &symbol, const QString &title, cons
     keyFont.setWeight(QFont::Medium);
     value->setFont(keyFont);
     value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    value->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
     setTextColor(value, colors.greyStrong);
     layout->addWidget(value);
     row->setAccessibleName(title + u' ' + keys);
