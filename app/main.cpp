@@ -11,10 +11,13 @@
 #include "panel/NoteWindowManager.h"
 #include "panel/PanelCommands.h"
 #include "panel/PanelController.h"
+#include "panel/PanelRootView.h"
 #include "panel/PanelState.h"
+#include "panel/ShortcutSheetView.h"
 #include "platform/Logging.h"
 #include "platform/TerminationSignals.h"
 #include "platform/x11/X11Session.h"
+#include "shell/AppCommands.h"
 #include "shell/AppDelegate.h"
 #include "shell/DesktopCapture.h"
 #include "shell/Preferences.h"
@@ -115,6 +118,26 @@ int main(int argc, char *argv[])
     // The tray's menu is also in the panel's "More options", for desktops without a tray.
     commands.fillDashboard = [&tray](QMenu &menu) { tray.fillMenu(menu); };
     PanelCommands::shared().setHooks(commands);
+    // The program's commands with their keys, in every note window.
+    MenuBarCommands appCommandHooks;
+    appCommandHooks.isPanelShown = [&panel] { return panel.isPanelShown(); };
+    appCommandHooks.hidePanel = [&panel] { panel.hide(); };
+    appCommandHooks.showPanel = [&panel](bool focusComposer) { panel.show(true, focusComposer); };
+    appCommandHooks.captureSelection = [&capture] { capture.engine().captureSelection(); };
+    appCommandHooks.openSettings = [&settings] { settings.show(); };
+    appCommandHooks.quit = commands.quit;
+    AppCommands appCommands(store, PanelState::shared(), appCommandHooks);
+    QObject::connect(&NoteWindowManager::shared(), &NoteWindowManager::windowOpened, &appCommands,
+        [&appCommands](QWidget *window) { appCommands.attachTo(window); });
+
+    // The shortcut sheet shows the hot keys of this session.
+    PanelRootView::setLayerFactory(
+        [&store, &capture](PanelLayer layer, QWidget *parent) -> QWidget * {
+            if (layer != PanelLayer::Shortcuts)
+                return nullptr;
+            return new ShortcutSheetView(
+                store, PanelState::shared(), &capture.hotKeys(), capture.keyLayout(), parent);
+        });
 
     QObject::connect(
         &instance, &SingleInstance::reopenRequested, &delegate, &AppDelegate::handleReopen);

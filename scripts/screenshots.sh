@@ -8,7 +8,8 @@
 # The attachment views are drawn by tests/helpers/attachment_gallery; the
 # Settings window is opened from the tray menu, each tab in both appearances;
 # the list's own shots (Markdown notes, an expanded note with attachments, a
-# search) are drawn offscreen by tests/helpers/list_screenshots.
+# search) are drawn offscreen by tests/helpers/list_screenshots, the shortcut
+# sheet and the switchers by tests/helpers/keys_screenshots.
 # A note window with its preview and the tray's menu (in trayer, an XEmbed
 # tray) come from the same demo library.
 set -euo pipefail
@@ -19,7 +20,7 @@ if [ "${1:-}" != "--inside" ]; then
     bash scripts/install-deps.sh
     if [ -z "${VESKO_BUILD:-}" ]; then
         cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVESKO_BUILD_BENCHMARKS=OFF >/dev/null
-        cmake --build "$build" --target vesko screen_grab attachment_gallery list_screenshots
+        cmake --build "$build" --target vesko screen_grab attachment_gallery list_screenshots keys_screenshots
     fi
     export VESKO_BUILD=$build
     exec tests/x-session.sh dbus-run-session -- "$0" --inside
@@ -271,3 +272,4 @@ wait "$pid" || true
 rm -rf "$root"
 echo "wrote $out/panel-not-saved.png"
 "$build"/tests/list_screenshots "$out/list-demo-library.json" "$out"
+"$build"/tests/keys_screenshots "$out/list-demo-library.json" "$out"

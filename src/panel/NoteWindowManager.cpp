@@ -81,6 +81,7 @@ NoteWindow *NoteWindowManager::open(const QUuid &noteID)
     window->setWindowIcon(Theme::applicationIcon());
     applyAppearance(window);
     placeNew(window);
+    Q_EMIT windowOpened(window);
     connect(window, &NoteWindow::closing, this, [this, noteID, window] {
         rememberFrame(window);
         windowWillClose(noteID);

@@ -47,6 +47,10 @@ public:
     NoteWindow *window(const QUuid &noteID) const;
     QList<QUuid> openNoteIDs() const { return m_windows.keys(); }
 
+Q_SIGNALS:
+    //! A new note window is about to be shown (the program's commands join it).
+    void windowOpened(QWidget *window);
+
 private:
     void bringForward(NoteWindow *window);
     void placeNew(NoteWindow *window);

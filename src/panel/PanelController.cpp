@@ -84,6 +84,7 @@ void PanelController::makePanel()
 void PanelController::replaceContent()
 {
     auto *root = new PanelRootView(m_store, m_state, m_preferences);
+    connect(root, &PanelRootView::hideRequested, this, &PanelController::hide);
     m_panel->setContent(root);
 }
 

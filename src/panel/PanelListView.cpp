@@ -908,45 +908,33 @@ void PanelListView::scrollContentsBy(int, int)
 
 void PanelListView::keyPressEvent(QKeyEvent *event)
 {
-    if (m_keyHandler) {
-        if (m_keyHandler(event))
-            event->accept();
-        else
-            event->ignore();
+    if (m_keyHandler && m_keyHandler(event)) {
+        event->accept();
         return;
     }
-    // Until the panel's key handling is installed: the arrows move the
-    // selection (Shift extends), Home and End go to the ends.
     const Qt::KeyboardModifiers modifiers
         = event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
     switch (event->key()) {
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+        if (modifiers == Qt::NoModifier) {
+            verticalScrollBar()->triggerAction(event->key() == Qt::Key_PageUp
+                    ? QAbstractSlider::SliderPageStepSub
+                    : QAbstractSlider::SliderPageStepAdd);
+            event->accept();
+            return;
+        }
+        break;
     case Qt::Key_Up:
     case Qt::Key_Down:
-        if (modifiers == Qt::NoModifier || modifiers == Qt::ShiftModifier) {
+        // Without the panel's key handling (a list on its own): the arrows
+        // move the selection, Shift extends.
+        if (!m_keyHandler && (modifiers == Qt::NoModifier || modifiers == Qt::ShiftModifier)) {
             m_store.moveSelection(event->key() == Qt::Key_Up ? -1 : 1, modifiers != Qt::NoModifier);
             event->accept();
             return;
         }
         break;
-    case Qt::Key_Home:
-    case Qt::Key_End:
-        if (modifiers == Qt::NoModifier) {
-            const QList<Note> notes = m_store.visibleNotes();
-            if (!notes.isEmpty()) {
-                const QUuid id = event->key() == Qt::Key_Home ? notes.first().id : notes.last().id;
-                m_store.setSelection({id}, id);
-            }
-            event->accept();
-            return;
-        }
-        break;
-    case Qt::Key_PageUp:
-    case Qt::Key_PageDown:
-        verticalScrollBar()->triggerAction(event->key() == Qt::Key_PageUp
-                ? QAbstractSlider::SliderPageStepSub
-                : QAbstractSlider::SliderPageStepAdd);
-        event->accept();
-        return;
     default:
         break;
     }

@@ -78,7 +78,7 @@ public:
     void scrollToRow(const QUuid &id, ScrollAnchor anchor, bool animated);
 
     //! The key handling of the panel; without one the list moves the
-    //! selection with the arrows, Home and End.
+    //! selection with the arrows. Page Up and Page Down scroll either way.
     void setKeyHandler(KeyHandler handler);
     //! The context menus; the panel's note and section menus unless set.
     void setNoteMenuFiller(NoteMenuFiller filler);

@@ -4,6 +4,7 @@
 
 #include "panel/PanelCommands.h"
 #include "panel/PanelState.h"
+#include "panel/Shortcut.h"
 #include "shell/Preferences.h"
 #include "store/NoteText.h"
 #include "store/Store.h"
@@ -150,18 +151,18 @@ void fillNoteMenu(QMenu &menu, Store &store, PanelState &state, const QList<QUui
     addEntry(
         menu, text("Copy"),
         [&store, ids] { store.copyNotes(ids, PanelCommands::shared().clipboard()); },
-        QKeySequence(Qt::CTRL | Qt::Key_C));
+        Shortcuts::keySequence(Shortcut::copy));
     addEntry(
         menu, text("Copy as List"),
         [&store, ids] { store.copyAsList(ids, PanelCommands::shared().clipboard()); },
-        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
+        Shortcuts::keySequence(Shortcut::copyAsList));
     menu.addSeparator();
 
     const bool allDone = !notes.isEmpty()
         && std::all_of(notes.begin(), notes.end(), [](const Note &note) { return note.isDone; });
     addEntry(
         menu, allDone ? text("Mark as Not Done") : text("Mark as Done"),
-        [&store, ids] { store.toggleDone(ids); }, QKeySequence(Qt::Key_Space));
+        [&store, ids] { store.toggleDone(ids); }, Shortcuts::keySequence(Shortcut::toggleDone));
 
     const QSet<QUuid> expanded = store.expandedNoteIDs();
     const bool anyExpanded = std::any_of(
@@ -185,14 +186,14 @@ void fillNoteMenu(QMenu &menu, Store &store, PanelState &state, const QList<QUui
             // The row starts its editor once the menu has gone.
             QTimer::singleShot(0, &store, [&store, singleID] { store.setEditingNoteID(singleID); });
         },
-        QKeySequence(Qt::Key_Return), bool(single));
+        Shortcuts::keySequence(Shortcut::editNote), bool(single));
     addEntry(
         menu, text("Edit in New Window"),
         [singleID] { PanelCommands::shared().openNoteWindow(singleID); },
-        QKeySequence(Qt::CTRL | Qt::Key_Return), bool(single));
+        Shortcuts::keySequence(Shortcut::openInNewWindow), bool(single));
     addEntry(
         menu, text("Merge Notes"), [&store, ids] { store.mergeNotes(ids); },
-        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_M), notes.size() >= 2);
+        Shortcuts::keySequence(Shortcut::mergeNotes), notes.size() >= 2);
     addEntry(
         menu, text("Split into Notes"), [&store, singleID] { store.splitNote(singleID); }, {},
         single && single->text.contains(u'\n'));
@@ -215,7 +216,7 @@ void fillNoteMenu(QMenu &menu, Store &store, PanelState &state, const QList<QUui
             if (!ids.isEmpty())
                 store.deleteNotes(QSet<QUuid>(ids.begin(), ids.end()));
         },
-        QKeySequence(Qt::CTRL | Qt::Key_Backspace));
+        Shortcuts::keySequence(Shortcut::deleteNotes));
     markDestructive(remove);
 }
 
@@ -330,7 +331,7 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
     }
     addEntry(
         menu, text("New Project…"), [&state] { state.setShowing(PanelLayer::NewProject, true); },
-        QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_N));
+        Shortcuts::keySequence(Shortcut::newProject));
     addEntry(menu, text("Rename Project…"),
         [&state] { state.setShowing(PanelLayer::RenameProject, true); });
     QAction *deleteProject = addEntry(
@@ -351,12 +352,12 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
     addEntry(
         menu, text("Switch Section…"),
         [&state] { state.setShowing(PanelLayer::SectionSwitcher, true); },
-        QKeySequence(Qt::CTRL | Qt::Key_K));
+        Shortcuts::keySequence(Shortcut::switchSection));
 
     menu.addSeparator();
     addEntry(
         menu, text("New Section…"), [&state] { state.setShowing(PanelLayer::NewSection, true); },
-        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N));
+        Shortcuts::keySequence(Shortcut::newSection));
     addEntry(menu, text("Collapse All Sections"), [&store] {
         store.collapseAllSections();
         store.commit();
@@ -415,10 +416,10 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
     addEntry(
         menu, text("Keyboard Shortcuts…"),
         [&state] { state.setShowing(PanelLayer::Shortcuts, true); },
-        QKeySequence(Qt::CTRL | Qt::Key_Slash));
+        Shortcuts::keySequence(Shortcut::showShortcuts));
     addEntry(
         menu, text("Settings…"), [] { PanelCommands::shared().openSettings(); },
-        QKeySequence(Qt::CTRL | Qt::Key_Comma));
+        Shortcuts::keySequence(Shortcut::settings));
     addEntry(
         menu, text("Quit Vesko"), [] { PanelCommands::shared().quit(); },
         QKeySequence(Qt::CTRL | Qt::Key_Q));

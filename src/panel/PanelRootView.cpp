@@ -11,10 +11,13 @@
 #include "panel/PanelPrompts.h"
 #include "panel/SaveStatusView.h"
 #include "panel/SearchFieldView.h"
+#include "panel/ShortcutSheetView.h"
+#include "panel/SwitcherView.h"
 #include "shell/Preferences.h"
 #include "shell/Theme.h"
 #include "store/Store.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QGraphicsOpacityEffect>
 #include <QKeyEvent>
@@ -90,6 +93,46 @@ void fadeIn(QWidget *widget)
     fade->start(QAbstractAnimation::DeleteWhenStopped);
 }
 
+//! The widget takes typed text: a line or text editor.
+bool takesText(const QWidget *widget)
+{
+    return widget
+        && (widget->inherits("QLineEdit") || widget->inherits("QTextEdit")
+            || widget->inherits("QPlainTextEdit") || widget->inherits("QAbstractSpinBox"));
+}
+
+//! Hands the key presses made in one panel to its key handler before the
+//! focused widget sees them; a press the handler ignores goes on as usual.
+class KeyRouter : public QObject
+{
+public:
+    KeyRouter(QWidget &root, PanelKeyHandler &keys)
+        : QObject(&root)
+        , m_root(root)
+        , m_keys(keys)
+    { }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        // Only the first delivery, to the focused widget: a press the widget
+        // ignores travels up its parents and is not decided again.
+        if (event->type() != QEvent::KeyPress || !watched->isWidgetType()
+            || watched != QApplication::focusWidget())
+            return false;
+        auto *widget = static_cast<QWidget *>(watched);
+        if (widget != &m_root && !m_root.isAncestorOf(widget))
+            return false;
+        const auto *key = static_cast<QKeyEvent *>(event);
+        return m_keys.handleKeyPress(key->key(), key->modifiers())
+            == PanelKeyHandler::Result::Handled;
+    }
+
+private:
+    QWidget &m_root;
+    PanelKeyHandler &m_keys;
+};
+
 } // namespace
 
 void PanelRootView::setLayerFactory(LayerFactory factory)
@@ -103,13 +146,24 @@ PanelRootView::PanelRootView(
     , m_store(store)
     , m_state(state)
     , m_preferences(preferences)
+    , m_keys(store, state)
 {
+    m_keys.setHooks({
+        .focusTarget = [this] { return m_focus; },
+        .textFieldFocused = [] { return takesText(QApplication::focusWidget()); },
+        .hidePanel = [this] { Q_EMIT hideRequested(); },
+    });
     setObjectName(QStringLiteral("VeskoPanelRoot"));
 
     // The list first: the bars float over it and the rows scroll beneath them.
     m_list = new PanelListView(store, state, this);
     m_list->setObjectName(QStringLiteral("VeskoNoteList"));
     m_list->installEventFilter(this);
+    // Every key press inside the panel, the list's included, passes the key
+    // handler first, from whichever part holds the keyboard (before the
+    // widget's own Tab handling too). The list's own arrow keys stand down.
+    m_list->setKeyHandler([](QKeyEvent *) { return false; });
+    qApp->installEventFilter(new KeyRouter(*this, m_keys));
 
     m_emptyState = new QWidget(this);
     m_emptyState->setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -297,10 +351,16 @@ QWidget *PanelRootView::makeLayerView(PanelLayer layer)
             },
             this);
     }
+    if (layer == PanelLayer::SectionSwitcher)
+        return new SectionSwitcherView(m_store, m_state, this);
+    if (layer == PanelLayer::ProjectSwitcher)
+        return new ProjectSwitcherView(m_store, m_state, this);
     if (const LayerFactory &factory = layerFactory()) {
         if (QWidget *view = factory(layer, this))
             return view;
     }
+    if (layer == PanelLayer::Shortcuts)
+        return new ShortcutSheetView(m_store, m_state, nullptr, nullptr, this);
     return new LayerDim(m_state, layer, this);
 }
 

@@ -9,6 +9,7 @@
 
 #pragma once
 
+#include "panel/PanelKeyHandler.h"
 #include "panel/PanelState.h"
 
 #include <QPointer>
@@ -40,8 +41,8 @@ public:
     static constexpr int overflowButtonSize = 28;
     static constexpr int layerFadeMilliseconds = 160;
 
-    //! Makes the view of a modal layer that is not a prompt (the switchers,
-    //! the shortcut sheet), or nothing when it has none yet.
+    //! Makes the view of the shortcut sheet with the program's hot keys, or
+    //! nothing to take the sheet without them.
     using LayerFactory = std::function<QWidget *(PanelLayer layer, QWidget *parent)>;
     //! The factory for all panels of the process.
     static void setLayerFactory(LayerFactory factory);
@@ -73,8 +74,13 @@ public:
     //! Opens the "More options" menu under its button.
     void showOverflowMenu();
 
+    //! What decides every key press made inside this view.
+    PanelKeyHandler &keyHandler() { return m_keys; }
+
 Q_SIGNALS:
     void focusTargetChanged(Vesko::PanelFocusTarget target);
+    //! A shortcut or Escape asked to hide the panel.
+    void hideRequested();
 
 protected:
     bool event(QEvent *event) override;
@@ -107,6 +113,7 @@ private:
     QLabel *m_emptyHint = nullptr;
     PanelLayer m_shownLayer = PanelLayer::None;
     QPointer<QWidget> m_layer;
+    PanelKeyHandler m_keys;
 };
 
 } // namespace Vesko

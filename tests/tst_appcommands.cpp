@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The program's commands as actions, in a window of their own as a note
+// window has them: a focused text field keeps Copy, Select All and Undo;
+// without one they act on the notes (all visible ones when nothing is
+// selected); the section steps wrap; a jump past the last section does
+// nothing, not even bring the panel forward; a key the window already uses
+// stays with its own control.
+
+#include "StoreFixture.h"
+#include "WidgetTestMain.h"
+
+#include "panel/PanelCommands.h"
+#include "panel/PanelState.h"
+#include "panel/Shortcut.h"
+#include "shell/AppCommands.h"
+
+#include <QAction>
+#include <QClipboard>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTextEdit>
+#include <QVBoxLayout>
+
+using namespace Vesko;
+using Test::idFor;
+
+class AppCommandsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void keysComeFromTheTable();
+    void copyPrefersTheTextField();
+    void undoPrefersTheTextField();
+    void sectionSteps_data();
+    void sectionSteps();
+    void keysTheWindowUsesStayWithIt();
+
+private:
+    std::unique_ptr<Test::StoreFixture> m_fixture;
+    std::unique_ptr<PanelState> m_state;
+    std::unique_ptr<AppCommands> m_commands;
+    std::unique_ptr<QWidget> m_window;
+    QTextEdit *m_editor = nullptr;
+    int m_broughtForward = 0;
+};
+
+void AppCommandsTest::init()
+{
+    m_fixture = std::make_unique<Test::StoreFixture>();
+    m_fixture->make({"*Inbox:a,b|Work:c|Later:d"});
+    m_state = std::make_unique<PanelState>();
+    m_broughtForward = 0;
+    MenuBarCommands hooks;
+    hooks.showPanel = [this](bool) { ++m_broughtForward; };
+    m_commands = std::make_unique<AppCommands>(m_fixture->store(), *m_state, hooks);
+    m_window = std::make_unique<QWidget>();
+    auto *layout = new QVBoxLayout(m_window.get());
+    m_editor = new QTextEdit(m_window.get());
+    layout->addWidget(m_editor);
+    m_commands->attachTo(m_window.get());
+    m_window->show();
+    QApplication::setActiveWindow(m_window.get());
+    QGuiApplication::clipboard()->clear();
+}
+
+void AppCommandsTest::cleanup()
+{
+    m_window.reset();
+    m_commands.reset();
+    m_state.reset();
+    m_fixture.reset();
+}
+
+void AppCommandsTest::keysComeFromTheTable()
+{
+    QCOMPARE(m_commands->menus().size(), qsizetype(5));
+    QCOMPARE(m_commands->action("Copy as List")->shortcut(), QKeySequence("Ctrl+Shift+C"));
+    QCOMPARE(m_commands->action("Jump to Section 3")->shortcut(), QKeySequence("Ctrl+3"));
+    QCOMPARE(m_commands->action("Delete")->shortcut(), QKeySequence("Ctrl+Backspace"));
+    QVERIFY(!m_commands->action("Check for Updates…"));
+}
+
+void AppCommandsTest::copyPrefersTheTextField()
+{
+    // Without a text field holding the keyboard, Copy takes every visible
+    // note: those of all the project's sections.
+    m_window->setFocus();
+    m_editor->clearFocus();
+    m_commands->action("Copy")->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("a\n\nb\n\nc\n\nd"));
+    // With a selection, the selection.
+    m_fixture->store().setSelection({idFor("c")}, idFor("c"));
+    m_commands->action("Copy")->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("c"));
+
+    m_editor->setPlainText("typed words");
+    m_editor->setFocus();
+    QTRY_VERIFY(m_editor->hasFocus());
+    m_editor->selectAll();
+    QTest::keyClick(m_editor, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("typed words"));
+    QGuiApplication::clipboard()->clear();
+    m_commands->action("Copy")->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("typed words"));
+}
+
+void AppCommandsTest::undoPrefersTheTextField()
+{
+    Store &store = m_fixture->store();
+    store.deleteNotes({idFor("a")});
+    QVERIFY(!store.note(idFor("a")));
+    m_editor->setFocus();
+    QTRY_VERIFY(m_editor->hasFocus());
+    QTest::keyClicks(m_editor, "xy");
+    QTest::keyClick(m_editor, Qt::Key_Z, Qt::ControlModifier);
+    // The typing went back, the library's deletion did not.
+    QVERIFY(!m_editor->toPlainText().contains("xy"));
+    QVERIFY(!store.note(idFor("a")));
+    m_editor->clearFocus();
+    m_window->setFocus();
+    m_commands->action("Undo")->trigger();
+    QVERIFY(store.note(idFor("a")));
+}
+
+void AppCommandsTest::sectionSteps_data()
+{
+    QTest::addColumn<QString>("entry");
+    QTest::addColumn<QString>("active");
+    QTest::addColumn<int>("broughtForward");
+
+    QTest::newRow("next") << "Next Section"
+                          << "Work" << 1;
+    QTest::newRow("previous wraps to the last") << "Previous Section"
+                                                << "Later" << 1;
+    QTest::newRow("jump to 3") << "Jump to Section 3"
+                               << "Later" << 1;
+    QTest::newRow("jump past the last does nothing") << "Jump to Section 9"
+                                                     << "Inbox" << 0;
+}
+
+void AppCommandsTest::sectionSteps()
+{
+    QFETCH(QString, entry);
+    QFETCH(QString, active);
+    QFETCH(int, broughtForward);
+    m_commands->action(entry)->trigger();
+    QCOMPARE(m_fixture->store().activeSection().title, active);
+    QCOMPARE(m_broughtForward, broughtForward);
+}
+
+void AppCommandsTest::keysTheWindowUsesStayWithIt()
+{
+    QWidget window;
+    auto *button = new QPushButton("Copy this", &window);
+    button->setShortcut(Shortcuts::keySequence(Shortcut::copyAsList));
+    m_commands->attachTo(&window);
+    QVERIFY(!window.actions().contains(m_commands->action("Copy as List")));
+    QVERIFY(window.actions().contains(m_commands->action("Copy")));
+}
+
+VESKO_WIDGET_TEST_MAIN(AppCommandsTest)
+#include "tst_appcommands.moc"
