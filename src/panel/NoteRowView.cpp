@@ -428,7 +428,7 @@ void NoteRowView::cancelEdit()
     NoteRowActions::cancelEdit(m_store, m_state, noteID());
 }
 
-void NoteRowView::updateFill(bool animated)
+void NoteRowView::updateFill(bool animated, int milliseconds)
 {
     const ThemeColors colors = Theme::currentColors();
     QColor target;
@@ -454,7 +454,6 @@ void NoteRowView::updateFill(bool animated)
     }
     if (!m_fillAnimation) {
         m_fillAnimation = new QVariantAnimation(this);
-        m_fillAnimation->setDuration(fillMilliseconds);
         m_fillAnimation->setEasingCurve(easeOut());
         connect(
             m_fillAnimation, &QVariantAnimation::valueChanged, this, [this](const QVariant &value) {
@@ -463,6 +462,7 @@ void NoteRowView::updateFill(bool animated)
             });
     }
     m_fillAnimation->stop();
+    m_fillAnimation->setDuration(milliseconds);
     m_fillAnimation->setStartValue(m_fillColor);
     m_fillAnimation->setEndValue(target);
     m_fillAnimation->start();
@@ -633,7 +633,7 @@ void NoteRowView::dragEnterEvent(QDragEnterEvent *event)
     const QMimeData *data = event->mimeData();
     if (!localFiles(data).isEmpty()) {
         m_fileTargeted = true;
-        updateFill(true);
+        updateFill(true, dropFillMilliseconds);
         event->acceptProposedAction();
     } else if (PanelDrop::textItems(*data)) {
         m_list.setRowDropTarget(noteID(), true);
@@ -652,7 +652,7 @@ void NoteRowView::dragLeaveEvent(QDragLeaveEvent *)
 {
     if (m_fileTargeted) {
         m_fileTargeted = false;
-        updateFill(true);
+        updateFill(true, dropFillMilliseconds);
     }
     m_list.setRowDropTarget(noteID(), false);
 }
@@ -664,7 +664,7 @@ void NoteRowView::dropEvent(QDropEvent *event)
     bool accepted = false;
     if (m_fileTargeted || !files.isEmpty()) {
         m_fileTargeted = false;
-        updateFill(true);
+        updateFill(true, dropFillMilliseconds);
         accepted = m_list.dropFiles(files, noteID());
     } else {
         accepted = m_list.dropOnRow(data, sectionID(), noteID());

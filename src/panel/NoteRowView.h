@@ -62,6 +62,8 @@ public:
     static constexpr int contentSpacing = 4;
     static constexpr int collapsedLines = 3;
     static constexpr int fillMilliseconds = 140;
+    //! Files held over the row change its fill a little more slowly.
+    static constexpr int dropFillMilliseconds = 180;
     //! The height of the inline editor before it reports its own.
     static constexpr int initialEditorHeight = 17;
 
@@ -138,7 +140,7 @@ private:
     void rebuildText();
     void ensureTextLayout(int width) const;
     void setEditing(bool editing);
-    void updateFill(bool animated);
+    void updateFill(bool animated, int milliseconds = fillMilliseconds);
     void startDrag();
     void commitEdit();
     void cancelEdit();
