@@ -54,6 +54,21 @@ QAction *entry(const QMenu &menu, const QString &title)
     return nullptr;
 }
 
+//! The words a menu draws for \a action: "&&" is a plain "&", a single "&"
+//! only marks the next letter as the access key, and what follows a tab
+//! stands apart in the key column.
+QString drawnText(const QAction *action)
+{
+    const QString text = action->text().section(u'\t', 0, 0);
+    QString drawn;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text.at(i) == u'&' && i + 1 < text.size())
+            ++i;
+        drawn += text.at(i);
+    }
+    return drawn;
+}
+
 QMenu *submenu(const QMenu &menu, const QString &title)
 {
     QAction *action = entry(menu, title);
@@ -74,6 +89,8 @@ private Q_SLOTS:
     void entries();
     void noteTitles_data();
     void noteTitles();
+    void usersWordsShowAsTyped_data();
+    void usersWordsShowAsTyped();
     void choosingANoteMarksItDone();
     void sectionAndProjectChoices();
     void copyAllAsList();
@@ -209,6 +226,55 @@ void MenuBarTest::noteTitles()
     rebuild(filled);
     QCOMPARE(filled.actions().at(4)->text(), title);
     QCOMPARE(filled.actions().at(5)->text(), QStringLiteral("b"));
+}
+
+void MenuBarTest::usersWordsShowAsTyped_data()
+{
+    QTest::addColumn<QString>("words");
+    QTest::addColumn<QString>("shown");
+
+    QTest::newRow("an ampersand between words") << "Tom & Jerry"
+                                                << "Tom & Jerry";
+    QTest::newRow("an ampersand before a letter") << "R&D budget"
+                                                  << "R&D budget";
+    QTest::newRow("two ampersands") << "a && b"
+                                    << "a && b";
+    QTest::newRow("a tab") << "name\tvalue"
+                           << "name value";
+}
+
+void MenuBarTest::usersWordsShowAsTyped()
+{
+    QFETCH(QString, words);
+    QFETCH(QString, shown);
+
+    // The same words as a note, a section title and the names of two projects.
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a"), QStringLiteral("Inbox:B")});
+    store.updateNote(idFor(QStringLiteral("a")), words);
+    store.renameSection(store.activeSection().id, words);
+    store.renameProject(store.activeProject().id, words);
+    QMenu filled;
+    rebuild(filled);
+    QCOMPARE(drawnText(filled.actions().at(4)), shown);
+    QAction *sections = filled.actions().at(7);
+    QCOMPARE(drawnText(sections), QStringLiteral("Section: ") + shown);
+    QCOMPARE(drawnText(sections->menu()->actions().at(0)), shown);
+    QMenu *projects = filled.actions().at(8)->menu();
+    QVERIFY(projects);
+    QCOMPARE(drawnText(projects->actions().at(0)), shown);
+
+    // A project without open notes is named as typed, too.
+    store.setDone({idFor(QStringLiteral("a"))}, true);
+    rebuild(filled);
+    QCOMPARE(drawnText(filled.actions().at(4)), QStringLiteral("No notes in ") + shown);
+
+    // The panel's own menu lists the sections and projects as typed.
+    QMenu overflow;
+    fillOverflowMenu(overflow, store, *m_state, m_fixture->preferences());
+    const QList<QAction *> actions = overflow.actions();
+    QCOMPARE(std::count_if(actions.begin(), actions.end(),
+                 [&shown](const QAction *action) { return drawnText(action) == shown; }),
+        2);
 }
 
 void MenuBarTest::choosingANoteMarksItDone()

@@ -4,7 +4,7 @@
 // cut from the note's text, typing that reaches the Store at every key, the
 // preview of the inline Markdown, the bar's done toggle, copy and attachment
 // import, the window of a deleted note, the remembered frame and the
-// appearance at creation.
+// appearance taken at creation and kept.
 
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
@@ -21,6 +21,7 @@
 #include "platform/DesktopFiles.h"
 #include "platform/FileChooser.h"
 #include "platform/Pasteboard.h"
+#include "shell/Theme.h"
 #include "shell/Toast.h"
 #include "store/NoteTitle.h"
 
@@ -51,6 +52,17 @@ QString noteText(const Store &store, const QString &letter)
 {
     const std::optional<Note> note = store.note(idFor(letter));
     return note ? note->text : QStringLiteral("(gone)");
+}
+
+//! A record of a file attached to a note; its file need not exist.
+NoteAttachment attachmentRecord(const QString &name)
+{
+    NoteAttachment file;
+    file.id = idFor(name);
+    file.fileName = name;
+    file.storedFileName = file.id.toString(QUuid::WithoutBraces).toUpper() + u'/' + name;
+    file.createdAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
+    return file;
 }
 
 //! The file dialog, answering with the files a test has put in \a answer.
@@ -99,6 +111,7 @@ private Q_SLOTS:
     void clearingTheText_data();
     void clearingTheText();
     void deletedNoteLeavesAHarmlessWindow();
+    void previewListsAttachmentsWhileTheNoteExists();
     void previewRendersInlineMarkdown();
     void doneToggleFollowsTheNote();
     void copyPutsTheNoteOnTheClipboard();
@@ -273,15 +286,9 @@ void NoteWindowTest::clearingTheText()
     Library library;
     library.projects.append(Test::describedProject(QStringLiteral("*Inbox:a,b")));
     library.activeProjectID = library.projects.first().id;
-    if (hasAttachment) {
-        NoteAttachment file;
-        file.id = idFor(QStringLiteral("file"));
-        file.fileName = QStringLiteral("plan.pdf");
-        file.storedFileName
-            = file.id.toString(QUuid::WithoutBraces).toUpper() + QStringLiteral("/plan.pdf");
-        file.createdAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
-        library.projects[0].sections[0].notes[0].attachments.append(file);
-    }
+    if (hasAttachment)
+        library.projects[0].sections[0].notes[0].attachments.append(
+            attachmentRecord(QStringLiteral("plan.pdf")));
     Store &store = m_fixture->make(library);
     store.updateNote(idFor(QStringLiteral("a")), QStringLiteral("two words"));
 
@@ -321,6 +328,30 @@ void NoteWindowTest::deletedNoteLeavesAHarmlessWindow()
     QVERIFY(view->doneButton()->isEnabled());
     QTest::keyClick(view->editor(), u'!');
     QCOMPARE(noteText(store, QStringLiteral("a")), QStringLiteral("kept on screen and typed!"));
+}
+
+void NoteWindowTest::previewListsAttachmentsWhileTheNoteExists()
+{
+    Library library;
+    library.projects.append(Test::describedProject(QStringLiteral("*Inbox:a,b")));
+    library.activeProjectID = library.projects.first().id;
+    library.projects[0].sections[0].notes[0].attachments = {
+        attachmentRecord(QStringLiteral("plan.pdf")), attachmentRecord(QStringLiteral("map.png"))};
+    Store &store = m_fixture->make(library);
+    NoteEditorView *view = openNote(QStringLiteral("a"))->editor();
+    view->setShowsPreview(true);
+    QCOMPARE(view->attachmentList()->tiles().size(), 2);
+    QVERIFY(view->attachmentList()->isVisibleTo(view));
+
+    // Deleted elsewhere: the tiles go with the note, the text stays.
+    store.deleteNotes({idFor(QStringLiteral("a"))});
+    QCOMPARE(view->attachmentList()->tiles().size(), 0);
+    QVERIFY(!view->attachmentList()->isVisibleTo(view));
+    QCOMPARE(view->text(), QStringLiteral("a"));
+
+    // An undo brings the note back, and its tiles with it.
+    store.undo();
+    QCOMPARE(view->attachmentList()->tiles().size(), 2);
 }
 
 void NoteWindowTest::previewRendersInlineMarkdown()
@@ -501,17 +532,34 @@ void NoteWindowTest::appearanceAtCreation()
     QFETCH(AppAppearance, appearance);
     QFETCH(bool, dark);
 
-    m_fixture->make({QStringLiteral("*Inbox:a")});
-    m_fixture->preferences().setAppearance(appearance);
-    NoteWindow *window = openNote(QStringLiteral("a"));
-    const QPalette palette = window->editor()->palette();
-    QCOMPARE(palette.color(QPalette::Base).lightness() < 128, dark);
-    QCOMPARE(palette.color(QPalette::Text).lightness() < 128, !dark);
+    // The application turns to a new appearance as its delegate does.
+    auto setAppearance = [this](AppAppearance value) {
+        m_fixture->preferences().setAppearance(value);
+        Theme::applyAppearance(value);
+    };
+    // "dark" for light text on a dark ground, "light" for the reverse.
+    auto looks = [](const NoteWindow *window) {
+        const QPalette palette = window->editor()->palette();
+        const bool darkBase = palette.color(QPalette::Base).lightness() < 128;
+        const bool darkText = palette.color(QPalette::Text).lightness() < 128;
+        if (darkBase == darkText)
+            return QStringLiteral("mixed");
+        return darkBase ? QStringLiteral("dark") : QStringLiteral("light");
+    };
+    const QString made = dark ? QStringLiteral("dark") : QStringLiteral("light");
+    const QString other = dark ? QStringLiteral("light") : QStringLiteral("dark");
 
-    // A later change of appearance reaches the open window.
-    m_fixture->preferences().setAppearance(dark ? AppAppearance::Light : AppAppearance::Dark);
-    QTRY_COMPARE(window->editor()->palette().color(QPalette::Base).lightness() < 128, !dark);
-    m_fixture->preferences().setAppearance(AppAppearance::System);
+    m_fixture->make({QStringLiteral("*Inbox:a,b")});
+    setAppearance(appearance);
+    NoteWindow *window = openNote(QStringLiteral("a"));
+    QCOMPARE(looks(window), made);
+
+    // A later change leaves the open window as it was made; a new one takes it.
+    setAppearance(dark ? AppAppearance::Light : AppAppearance::Dark);
+    QCoreApplication::processEvents();
+    QCOMPARE(looks(window), made);
+    QCOMPARE(looks(openNote(QStringLiteral("b"))), other);
+    setAppearance(AppAppearance::System);
 }
 
 VESKO_WIDGET_TEST_MAIN(NoteWindowTest)

@@ -233,9 +233,8 @@ void NoteEditorView::refreshNote()
     const QString source = note && note->source ? note->source->appName : QString();
     m_source->setText(source);
     m_source->setVisible(!source.isEmpty());
-    // A note that is gone keeps the tiles it had; they act on nothing.
-    if (note)
-        m_attachmentList->setAttachments(note->attachments, m_noteID);
+    // The preview lists attachments only while the note exists.
+    m_attachmentList->setAttachments(note ? note->attachments : QList<NoteAttachment>(), m_noteID);
     refreshIcons();
 }
 

@@ -32,16 +32,6 @@ NoteWindowManager::NoteWindowManager(
         if (m_movedWindow)
             rememberFrame(m_movedWindow);
     });
-    // Open windows take a new appearance once the application's palette has changed.
-    connect(
-        &m_preferences, &Preferences::appearanceAssigned, this,
-        [this] {
-            for (const QPointer<NoteWindow> &window : std::as_const(m_windows)) {
-                if (window)
-                    applyAppearance(window);
-            }
-        },
-        Qt::QueuedConnection);
 }
 
 NoteWindowManager::~NoteWindowManager()

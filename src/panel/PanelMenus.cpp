@@ -231,7 +231,7 @@ void fillMoveToMenu(QMenu &menu, Store &store, PanelState &state, const QList<QU
     const Project project = store.activeProject();
     for (const NoteSection &section : project.sections) {
         addEntry(
-            menu, section.title,
+            menu, menuEntryText(section.title),
             [&store, ids, id = section.id] { store.moveNotesToSection(ids, id); }, {},
             onlySection != section.id);
     }
@@ -246,7 +246,7 @@ void fillMoveToMenu(QMenu &menu, Store &store, PanelState &state, const QList<QU
     const QUuid activeID = project.id;
     for (const Project &other : store.library().projects) {
         addEntry(
-            *projects, other.name,
+            *projects, menuEntryText(other.name),
             [&store, ids, id = other.id] {
                 store.moveNotesToProject(ids, id, QStringLiteral("Inbox"));
             },
@@ -323,8 +323,8 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
     menu.addSection(text("Project"));
     auto *projects = new QActionGroup(&menu);
     for (const Project &project : store.library().projects) {
-        QAction *entry
-            = addEntry(menu, project.name, [&store, id = project.id] { store.switchProject(id); });
+        QAction *entry = addEntry(menu, menuEntryText(project.name),
+            [&store, id = project.id] { store.switchProject(id); });
         entry->setCheckable(true);
         entry->setChecked(project.id == active.id);
         entry->setActionGroup(projects);
@@ -343,8 +343,8 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
     auto *sections = new QActionGroup(&menu);
     const QUuid activeSectionID = store.activeSection().id;
     for (const NoteSection &section : active.sections) {
-        QAction *entry = addEntry(
-            menu, section.title, [&store, id = section.id] { store.activateSection(id); });
+        QAction *entry = addEntry(menu, menuEntryText(section.title),
+            [&store, id = section.id] { store.activateSection(id); });
         entry->setCheckable(true);
         entry->setChecked(section.id == activeSectionID);
         entry->setActionGroup(sections);
@@ -423,6 +423,14 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
     addEntry(
         menu, text("Quit Vesko"), [] { PanelCommands::shared().quit(); },
         QKeySequence(Qt::CTRL | Qt::Key_Q));
+}
+
+QString menuEntryText(const QString &words)
+{
+    QString shown = words;
+    shown.replace(u'&', QStringLiteral("&&"));
+    shown.replace(u'\t', u' ');
+    return shown;
 }
 
 } // namespace Vesko

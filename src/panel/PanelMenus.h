@@ -9,6 +9,7 @@
 #pragma once
 
 #include <QList>
+#include <QString>
 #include <QUuid>
 
 class QMenu;
@@ -40,5 +41,10 @@ void fillSectionMenu(QMenu &menu, Store &store, PanelState &state, const QUuid &
 //! the tray's dashboard (when the program provides it), the window,
 //! shortcuts, Settings and Quit.
 void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences &preferences);
+
+//! The user's own words (a note, a section title, a project name) as the
+//! text of a menu entry, so that they show as typed: a menu reads "&" as the
+//! mark of an access key and a tab as the start of the key column.
+QString menuEntryText(const QString &words);
 
 } // namespace Vesko

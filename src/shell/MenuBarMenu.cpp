@@ -3,6 +3,7 @@
 #include "shell/MenuBarMenu.h"
 
 #include "panel/PanelCommands.h"
+#include "panel/PanelMenus.h"
 #include "panel/PanelState.h"
 #include "shell/MenuBarDashboard.h"
 #include "store/Store.h"
@@ -46,7 +47,8 @@ void addChoices(QMenu &menu, const QList<MenuBarChoice> &choices,
 {
     auto *group = new QActionGroup(&menu);
     for (const MenuBarChoice &choice : choices) {
-        QAction *entry = addEntry(menu, choice.title, [choose, id = choice.id] { choose(id); });
+        QAction *entry
+            = addEntry(menu, menuEntryText(choice.title), [choose, id = choice.id] { choose(id); });
         entry->setCheckable(true);
         entry->setChecked(choice.isActive);
         entry->setActionGroup(group);
@@ -87,12 +89,12 @@ void rebuildMenuBarMenu(
     menu.addSeparator();
 
     if (dashboard.notes.isEmpty()) {
-        QAction *none = menu.addAction(text("No notes in ") + dashboard.projectName);
+        QAction *none = menu.addAction(text("No notes in ") + menuEntryText(dashboard.projectName));
         none->setEnabled(false);
     } else {
         for (const MenuBarNote &note : dashboard.notes) {
             // A box to tick: choosing the entry marks the note done.
-            QAction *entry = addEntry(menu, note.title,
+            QAction *entry = addEntry(menu, menuEntryText(note.title),
                 [&store, id = note.id, isDone = note.isDone] { store.setDone({id}, !isDone); });
             entry->setCheckable(true);
             entry->setChecked(note.isDone);
@@ -106,7 +108,7 @@ void rebuildMenuBarMenu(
     }
     menu.addSeparator();
 
-    QMenu *sections = menu.addMenu(text("Section: ") + dashboard.activeSectionTitle);
+    QMenu *sections = menu.addMenu(text("Section: ") + menuEntryText(dashboard.activeSectionTitle));
     addChoices(*sections, dashboard.sections, [&store, bringForward](const QUuid &id) {
         bringForward();
         store.activateSection(id);
