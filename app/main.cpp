@@ -8,6 +8,7 @@
 #include "attachments/DesktopAttachments.h"
 #include "capture/CaptureEngine.h"
 #include "library/Library.h"
+#include "panel/NoteWindowManager.h"
 #include "panel/PanelCommands.h"
 #include "panel/PanelController.h"
 #include "panel/PanelState.h"
@@ -17,8 +18,8 @@
 #include "shell/AppDelegate.h"
 #include "shell/DesktopCapture.h"
 #include "shell/Preferences.h"
-#include "shell/SettingsWindowController.h"
 #include "shell/QuitGuard.h"
+#include "shell/SettingsWindowController.h"
 #include "shell/SingleInstance.h"
 #include "shell/Theme.h"
 #include "shell/Toast.h"
@@ -85,14 +86,25 @@ int main(int argc, char *argv[])
     // The tray menu, the panel's overflow menu and its Ctrl+, open Settings.
     QObject::connect(
         &tray, &TrayIcon::settingsRequested, &settings, [&settings] { settings.show(); });
-    PanelCommands::Hooks commands = PanelCommands::shared().hooks();
-    commands.openSettings = [&settings] { settings.show(); };
-    PanelCommands::shared().setHooks(commands);
     // The window is rebuilt in the new appearance once the palette has changed.
     QObject::connect(&preferences, &Preferences::appearanceAssigned, &settings,
         &SettingsWindowController::refreshAppearance, Qt::QueuedConnection);
     // Quit Vesko asks first while the latest changes could not be saved.
     QuitGuard quitGuard(store);
+
+    // What the panel's menus reach beyond the Store, beside the attachments:
+    // Settings, quitting (asking first like the tray's), the window's resets.
+    PanelCommands::Hooks commands = PanelCommands::shared().hooks();
+    commands.openSettings = [&settings] { settings.show(); };
+    commands.quit = [&quitGuard] {
+        QMetaObject::invokeMethod(&quitGuard, &QuitGuard::requestQuit, Qt::QueuedConnection);
+    };
+    commands.resetPanelPosition = [&panel] { panel.resetPanelPosition(); };
+    commands.resetPanelSize = [&panel] { panel.resetPanelSize(); };
+    commands.openNoteWindow = [](const QUuid &id) { NoteWindowManager::shared().open(id); };
+    // The tray's menu is also in the panel's "More options", for desktops without a tray.
+    commands.fillDashboard = [&tray](QMenu &menu) { tray.fillMenu(menu); };
+    PanelCommands::shared().setHooks(commands);
 
     QObject::connect(
         &instance, &SingleInstance::reopenRequested, &delegate, &AppDelegate::handleReopen);

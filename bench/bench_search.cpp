@@ -6,7 +6,9 @@
 //     3 to 8 characters and for common ones, against scanProject of the same
 //     project and query;
 //   an incremental synchronisation after one edited note at 100k notes,
-//     against the full synchronisation of the same library.
+//     against the full synchronisation of the same library;
+//   the synchronisations after deleting 1000 notes and adding them back, at
+//     200k notes, against the same full synchronisation.
 
 #include "LibraryGenerator.h"
 #include "TestEnvironment.h"
@@ -127,6 +129,25 @@ void BM_IncrementalSync(benchmark::State &state)
     }
 }
 
+void BM_DeleteAndRestoreSync(benchmark::State &state)
+{
+    const Library full = libraryOf(state.range(0) / 2);
+    Library shrunk = full;
+    qsizetype toRemove = 1000;
+    for (NoteSection &section : shrunk.projects[0].sections) {
+        const qsizetype count = std::min(toRemove, section.notes.size());
+        section.notes.remove(0, count);
+        toRemove -= count;
+    }
+    SearchIndex index(scratch().filePath(QStringLiteral("delete.sqlite")));
+    quint64 revision = 1;
+    index.synchronizeAndWait(full, revision);
+    for (auto _ : state) {
+        index.synchronizeAndWait(shrunk, ++revision);
+        index.synchronizeAndWait(full, ++revision);
+    }
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -152,6 +173,10 @@ int main(int argc, char *argv[])
     benchmark::RegisterBenchmark("BM_IncrementalSync", BM_IncrementalSync)
         ->Arg(200000)
         ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark("BM_DeleteAndRestoreSync", BM_DeleteAndRestoreSync)
+        ->Arg(200000)
+        ->Unit(benchmark::kMillisecond)
+        ->Iterations(3);
 
     benchmark::Initialize(&argc, argv);
     Bench::RatioReporter reporter;
@@ -179,6 +204,9 @@ int main(int argc, char *argv[])
                 "200k %.1f ms: %.3f of full\n",
         t["BM_FullSync/20000/iterations:3"], full, incremental,
         full > 0 ? incremental / full : 0.0);
+    const double deleteAndRestore = t["BM_DeleteAndRestoreSync/200000/iterations:3"];
+    std::printf("1000 notes deleted and added back at 200k: %.1f ms, %.3f of full\n",
+        deleteAndRestore, full > 0 ? deleteAndRestore / full : 0.0);
     benchmark::Shutdown();
     return 0;
 }

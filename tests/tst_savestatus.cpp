@@ -116,7 +116,8 @@ void SaveStatusTest::panelLineAndTrayFollowTheSaves()
     SaveStatusView line(*m_store);
     line.resize(200, 20);
     QVERIFY(line.isHidden());
-    QCOMPARE(tray.toolTip(), QStringLiteral("Vesko"));
+    // The tray says how many notes are open, and nothing about saving.
+    QVERIFY2(!tray.toolTip().contains(u'\n'), qPrintable(tray.toolTip()));
 
     blockSaves(true);
     QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("^Save failed: ")));
@@ -125,7 +126,8 @@ void SaveStatusTest::panelLineAndTrayFollowTheSaves()
     QVERIFY2(line.statusText().startsWith(QStringLiteral("Not saved: “"))
             && line.statusText().endsWith(QStringLiteral("” exists and is not a folder.")),
         qPrintable(line.statusText()));
-    QCOMPARE(tray.toolTip(), line.statusText());
+    // Its second line is the panel's.
+    QCOMPARE(tray.toolTip().section(u'\n', 1), line.statusText());
     QCOMPARE(line.toolTip(), line.statusText());
     // Cut to the width in the middle, keeping what it is and why; the whole
     // text in the tool tip.
@@ -140,7 +142,7 @@ void SaveStatusTest::panelLineAndTrayFollowTheSaves()
     edit(QStringLiteral("third"));
     QTRY_VERIFY(line.isHidden());
     QCOMPARE(line.statusText(), QString());
-    QCOMPARE(tray.toolTip(), QStringLiteral("Vesko"));
+    QVERIFY2(!tray.toolTip().contains(u'\n'), qPrintable(tray.toolTip()));
 }
 
 void SaveStatusTest::quitAsksWhileTheLastSaveFailed()

@@ -214,6 +214,16 @@ void SearchIndexTest::incrementalSynchronisationStaysExact()
             QVERIFY2(index.searchAndWait(query, project, library, revision) == expected,
                 qPrintable(QStringLiteral("revision %1, query “%2”").arg(revision).arg(query)));
         }
+        // One row per note, no more: an edit or a deletion leaves nothing behind.
+        QStringList noteIDs;
+        for (const Project &each : std::as_const(library.projects))
+            for (const NoteSection &section : each.sections)
+                for (const Note &note : section.notes)
+                    noteIDs.append(note.id.toString(QUuid::WithoutBraces).toUpper());
+        QStringList indexed = rows(m_path, "SELECT note_id FROM note_search;");
+        noteIDs.sort();
+        indexed.sort();
+        QCOMPARE(indexed, noteIDs);
     }
 }
 

@@ -45,15 +45,14 @@ void installAttachmentCommands(PanelCommands &commands)
     hooks.chooseFiles = [](std::function<void(const QList<QUrl> &)> done) {
         attachmentActions().chooseFiles(std::move(done));
     };
-    hooks.importFiles
+    hooks.importForNewNote
         = [](const QList<QUrl> &urls,
-              std::function<void(const QList<NoteAttachment> &, const QString &)> done) {
-              AttachmentActions &actions = attachmentActions();
-              AttachmentStore::shared().importFiles(urls, actions.attachmentsFolder(), &actions,
-                  [done = std::move(done)](const ImportResult &result) {
-                      done(result.attachments, result.error.value_or(QString()));
-                  });
+              std::function<void(const std::optional<QList<NoteAttachment>> &)> done) {
+              attachmentActions().importForNewNote(urls, std::move(done));
           };
+    hooks.dropFilesOnNote = [](const QList<QUrl> &files, const QUuid &noteID) {
+        attachmentActions().dropFiles(files, noteID);
+    };
     commands.setHooks(hooks);
 }
 

@@ -217,6 +217,8 @@ private:
         QList<NoteAttachment> sourceAttachments;
         //! Taken over from the mirror as it was: no row to write.
         bool unchanged = false;
+        //! The note's row in note_search; 0 before it is written.
+        qint64 rowID = 0;
     };
 
     struct Snapshot
@@ -247,6 +249,8 @@ private:
                         snapshot.notes.insert(note.id, same);
                         continue;
                     }
+                    const qint64 previousRow
+                        = previous != m_indexedNotes.cend() ? previous->rowID : 0;
                     QStringList names;
                     names.reserve(note.attachments.size());
                     for (const NoteAttachment &attachment : note.attachments)
@@ -254,7 +258,7 @@ private:
                     snapshot.notes.insert(note.id,
                         MirrorNote {IndexedNote {note.id, project.id, section.id,
                                         note.text.toLower(), names},
-                            note.text, note.attachments});
+                            note.text, note.attachments, false, previousRow});
                 }
             }
         }
@@ -276,19 +280,27 @@ private:
 
         executeScript("BEGIN IMMEDIATE TRANSACTION;");
         try {
-            Statement deleteNote(*this, "DELETE FROM note_search WHERE note_id = ?;");
+            // A note's row goes by its rowid: note_id is not indexed, and a
+            // delete by it would read the whole table for each note.
+            Statement deleteNote(*this, "DELETE FROM note_search WHERE rowid = CAST(? AS INTEGER);");
             Statement insertNote(*this,
                 "INSERT INTO note_search(note_id, project_id, section_id, body) VALUES (?, ?, ?, "
                 "?);");
             Statement deleteSection(*this, "DELETE FROM section_search WHERE section_id = ?;");
             Statement insertSection(*this,
                 "INSERT INTO section_search(section_id, project_id, title) VALUES (?, ?, ?);");
-            auto writeNote = [&](const IndexedNote &note) {
+            auto writeNote = [&](MirrorNote &entry) {
+                const IndexedNote &note = entry.indexed;
                 const QString body = note.attachmentNames.isEmpty()
                     ? note.text
                     : note.text + recordSeparator + note.attachmentNames.join(recordSeparator);
                 insertNote.run({idText(note.id), idText(note.projectID), idText(note.sectionID),
                     body.toUtf8()});
+                entry.rowID = sqlite3_last_insert_rowid(database());
+            };
+            auto removeNote = [&](const MirrorNote &entry) {
+                if (entry.rowID > 0)
+                    deleteNote.run({QByteArray::number(entry.rowID)});
             };
             auto writeSection = [&](const IndexedSection &section) {
                 insertSection.run(
@@ -298,23 +310,24 @@ private:
             if (!m_indexedRevision) {
                 executeScript("DELETE FROM note_search;");
                 executeScript("DELETE FROM section_search;");
-                for (const MirrorNote &note : std::as_const(snapshot.notes))
-                    writeNote(note.indexed);
+                for (MirrorNote &note : snapshot.notes)
+                    writeNote(note);
                 for (const IndexedSection &section : std::as_const(snapshot.sections))
                     writeSection(section);
             } else {
                 for (auto it = m_indexedNotes.cbegin(); it != m_indexedNotes.cend(); ++it) {
                     if (!snapshot.notes.contains(it.key()))
-                        deleteNote.run({idText(it.key())});
+                        removeNote(*it);
                 }
-                for (const MirrorNote &entry : std::as_const(snapshot.notes)) {
+                for (MirrorNote &entry : snapshot.notes) {
                     if (entry.unchanged)
                         continue;
-                    const IndexedNote &note = entry.indexed;
-                    const auto old = m_indexedNotes.constFind(note.id);
-                    if (old == m_indexedNotes.cend() || !(old->indexed == note)) {
-                        deleteNote.run({idText(note.id)});
-                        writeNote(note);
+                    const auto old = m_indexedNotes.constFind(entry.indexed.id);
+                    if (old == m_indexedNotes.cend()) {
+                        writeNote(entry);
+                    } else if (!(old->indexed == entry.indexed)) {
+                        removeNote(*old);
+                        writeNote(entry);
                     }
                 }
                 for (auto it = m_indexedSections.cbegin(); it != m_indexedSections.cend(); ++it) {

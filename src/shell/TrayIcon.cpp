@@ -3,6 +3,9 @@
 #include "shell/TrayIcon.h"
 
 #include "panel/PanelController.h"
+#include "panel/PanelState.h"
+#include "shell/MenuBarDashboard.h"
+#include "shell/MenuBarMenu.h"
 #include "shell/Preferences.h"
 #include "shell/Theme.h"
 #include "store/Store.h"
@@ -20,7 +23,9 @@ TrayIcon::TrayIcon(Store &store, PanelController &panel, Preferences &preference
     , m_icon(new QSystemTrayIcon(Theme::applicationIcon(), this))
     , m_menu(new QMenu)
 {
+    m_menu->setObjectName(QStringLiteral("VeskoTrayMenu"));
     refreshToolTip();
+    connect(&m_store, &Store::libraryChanged, this, &TrayIcon::refreshToolTip);
     connect(&m_store, &Store::saveFailureChanged, this, &TrayIcon::refreshToolTip);
     m_icon->setContextMenu(m_menu);
     connect(m_menu, &QMenu::aboutToShow, this, &TrayIcon::rebuildMenu);
@@ -45,8 +50,11 @@ QString TrayIcon::toolTip() const
 
 void TrayIcon::refreshToolTip()
 {
-    const QString failure = m_store.saveFailure();
-    m_icon->setToolTip(failure.isEmpty() ? QStringLiteral("Vesko") : tr("Not saved: ") + failure);
+    const QString tip = menuBarToolTip(
+        m_store.activeProject().name, openNoteCount(m_store), m_store.saveFailure());
+    // Tray hosts repaint or resend the tip at each assignment.
+    if (m_icon->toolTip() != tip)
+        m_icon->setToolTip(tip);
 }
 
 void TrayIcon::applyVisibility()
@@ -54,18 +62,21 @@ void TrayIcon::applyVisibility()
     m_icon->setVisible(m_preferences.showsInMenuBar());
 }
 
+void TrayIcon::fillMenu(QMenu &menu)
+{
+    MenuBarCommands commands;
+    commands.isPanelShown = [this] { return m_panel.isPanelShown(); };
+    commands.hidePanel = [this] { m_panel.hide(); };
+    commands.showPanel = [this](bool focusComposer) { m_panel.show(true, focusComposer); };
+    commands.captureSelection = [this] { Q_EMIT captureRequested(); };
+    commands.openSettings = [this] { Q_EMIT settingsRequested(); };
+    commands.quit = [this] { Q_EMIT quitRequested(); };
+    rebuildMenuBarMenu(menu, m_store, PanelState::shared(), commands);
+}
+
 void TrayIcon::rebuildMenu()
 {
-    m_menu->clear();
-    m_menu->addAction(m_panel.isPanelShown() ? tr("Hide Vesko") : tr("Show Vesko"), this,
-        [this] { m_panel.toggle(); });
-    m_menu->addAction(tr("Capture Selection"), this, &TrayIcon::captureRequested);
-    m_menu->addAction(tr("Add a Note"), this, [this] { m_panel.show(true, true); });
-    m_menu->addSeparator();
-    m_menu->addAction(tr("Settings"),
-        QKeySequence(QKeyCombination(Qt::ControlModifier, Qt::Key_Comma)), this,
-        &TrayIcon::settingsRequested);
-    m_menu->addAction(tr("Quit Vesko"), QKeySequence::Quit, this, &TrayIcon::quitRequested);
+    fillMenu(*m_menu);
 }
 
 } // namespace Vesko
