@@ -15,6 +15,7 @@
 #include "library/LibraryCoding.h"
 #include "shell/GeneralSettingsView.h"
 #include "shell/SettingsWindowController.h"
+#include "shell/UpdateController.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -25,7 +26,11 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSignalSpy>
 #include <QSlider>
+#include <QWheelEvent>
 
 using namespace Vesko;
 
@@ -131,8 +136,9 @@ void confirmMoveDialog(const QString &folder)
 {
     QTRY_VERIFY(openFileDialog());
     QFileDialog *dialog = openFileDialog();
-    QCOMPARE(
-        dialog->windowTitle(), QStringLiteral("Choose where Vesko should keep your notes file."));
+    // The message stands inside the dialog, not only in its title bar.
+    QVERIFY(
+        visibleLabel(dialog, QStringLiteral("Choose where Vesko should keep your notes file.")));
     QCOMPARE(dialog->labelText(QFileDialog::Accept), QStringLiteral("Move Here"));
     QCOMPARE(dialog->fileMode(), QFileDialog::Directory);
     dialog->setDirectory(folder);
@@ -165,6 +171,16 @@ private Q_SLOTS:
     void housekeepingCounts();
     void windowIsMadeOnceAndKeepsItsPlace();
     void appearanceRebuildsTheWindowOnItsTab();
+    void rebuiltStorageTabFollowsTheMove_data();
+    void rebuiltStorageTabFollowsTheMove();
+    void wheelScrollsThePageUnlessTheControlHasFocus_data();
+    void wheelScrollsThePageUnlessTheControlHasFocus();
+    void doubleShiftToggleStartsAndStopsTheListener_data();
+    void doubleShiftToggleStartsAndStopsTheListener();
+    void exportAllWritesTheFile();
+    void aboutTabTexts_data();
+    void aboutTabTexts();
+    void updateControllerStaysStoppedAndInstallsAStagedUpdate();
 
 private:
     LoginItem loginItem() const
@@ -331,30 +347,49 @@ void SettingsViewsTest::captureTabSaysWhy_data()
 {
     QTest::addColumn<int>("obstacle");
     QTest::addColumn<QString>("reason");
+    QTest::addColumn<QString>("button");
     QTest::newRow("wayland") << int(CaptureObstacle::WaylandSession)
                              << "This is a Wayland session: it keeps other applications' keys "
-                                "and selected text away from Vesko.";
+                                "and selected text away from Vesko."
+                             << "Grant Access…";
     QTest::newRow("xtest") << int(CaptureObstacle::NoXTest)
                            << "The X server lacks XTEST, which Vesko uses to copy the selected "
-                              "text.";
+                              "text."
+                           << "Open System Settings…";
     QTest::newRow("no x server") << int(CaptureObstacle::NoXServer)
                                  << "Vesko is not running on an X server, so it cannot see other "
-                                    "applications' keys and selected text.";
+                                    "applications' keys and selected text."
+                                 << "Grant Access…";
 }
 
 void SettingsViewsTest::captureTabSaysWhy()
 {
     QFETCH(int, obstacle);
     QFETCH(QString, reason);
+    QFETCH(QString, button);
     m_view.reset();
-    m_rig = std::make_unique<Test::SettingsRig>([] { return false; });
+    auto available = std::make_shared<bool>(false);
+    m_rig = std::make_unique<Test::SettingsRig>([available] { return *available; });
     SettingsView view(
         m_rig->services(loginItem(), [obstacle] { return CaptureObstacle(obstacle); }));
     view.showTab(SettingsTab::Capture);
     view.show();
-    QVERIFY(visibleLabel(&view, QStringLiteral("Capture is not available")));
+    const QString needed = QStringLiteral("Accessibility access needed");
+    const QString granted = QStringLiteral("Accessibility access granted");
+    const QString footnote = QStringLiteral("Vesko uses it to read your text selection and listen "
+                                            "for double Shift. Nothing is recorded or sent "
+                                            "anywhere.");
+    QVERIFY(visibleLabel(&view, needed));
     QVERIFY(visibleLabel(&view, reason));
-    QVERIFY(findByText<QPushButton>(&view, QStringLiteral("Check Again"))->isVisibleTo(&view));
+    QVERIFY(visibleLabel(&view, footnote));
+    for (const char *text : {"Grant Access…", "Open System Settings…"})
+        QVERIFY(findByText<QPushButton>(&view, QString::fromUtf8(text))->isVisibleTo(&view));
+    // A Wayland session is never said to have an X server.
+    if (obstacle == int(CaptureObstacle::WaylandSession)) {
+        for (QLabel *label : view.findChildren<QLabel *>())
+            QVERIFY2(!label->isVisibleTo(&view) || !label->text().contains(u"X server"),
+                qPrintable(label->text()));
+    }
     // Nothing can be grabbed here, so no combination is said to be taken.
     const auto holdToggle = [](Test::SettingsRig &rig) {
         const KeyCombo toggle = *rig.hotKeys.combo(HotKeyAction::TogglePanel);
@@ -365,16 +400,18 @@ void SettingsViewsTest::captureTabSaysWhy()
     holdToggle(*m_rig);
     QVERIFY(!visibleLabel(&view, taken));
 
-    // In a session where capture works, the tab says so and nothing more.
-    Test::SettingsRig working;
-    SettingsView fine(working.services(loginItem()));
-    fine.showTab(SettingsTab::Capture);
-    fine.show();
-    QVERIFY(visibleLabel(&fine, QStringLiteral("Capture is available")));
-    QVERIFY(!visibleLabel(&fine, reason));
-    QVERIFY(!findByText<QPushButton>(&fine, QStringLiteral("Check Again"))->isVisibleTo(&fine));
-    holdToggle(working);
-    QVERIFY(visibleLabel(&fine, taken));
+    // Either button reads the answer again: once capture works, the tab says
+    // so and nothing more.
+    *available = true;
+    findByText<QPushButton>(&view, button)->click();
+    QVERIFY(visibleLabel(&view, granted));
+    QVERIFY(!visibleLabel(&view, needed));
+    QVERIFY(!visibleLabel(&view, reason));
+    QVERIFY(visibleLabel(&view, footnote));
+    for (const char *text : {"Grant Access…", "Open System Settings…"})
+        QVERIFY(!findByText<QPushButton>(&view, QString::fromUtf8(text))->isVisibleTo(&view));
+    holdToggle(*m_rig);
+    QVERIFY(visibleLabel(&view, taken));
 }
 
 void SettingsViewsTest::intervalSliderKeepsItsBounds()
@@ -544,10 +581,217 @@ void SettingsViewsTest::appearanceRebuildsTheWindowOnItsTab()
     QTRY_COMPARE(controller.window()->findChildren<SettingsView *>().size(), 1);
 }
 
+void SettingsViewsTest::rebuiltStorageTabFollowsTheMove_data()
+{
+    QTest::addColumn<bool>("readOnlyTarget");
+    QTest::newRow("moved") << false;
+    QTest::newRow("refused by the target") << true;
+}
+
+void SettingsViewsTest::rebuiltStorageTabFollowsTheMove()
+{
+    QFETCH(bool, readOnlyTarget);
+    m_view.reset();
+    m_rig.reset();
+    const QString home = dataFolder() + QStringLiteral("/Library.json");
+    writeLibraryWithAttachment(home);
+    m_rig = std::make_unique<Test::SettingsRig>();
+    const QString target = Test::IsolatedEnvironment::current().root()
+        + (readOnlyTarget ? QStringLiteral("/ro") : QStringLiteral("/Elsewhere"));
+    std::unique_ptr<Test::ReadOnlyFolder> readOnly;
+    if (readOnlyTarget) {
+        readOnly = std::make_unique<Test::ReadOnlyFolder>(target);
+        if (!readOnly->isMounted())
+            QSKIP("Mounting a read-only tmpfs is not permitted here");
+    } else {
+        QDir().mkpath(target);
+    }
+
+    SettingsWindowController controller;
+    controller.setServices(m_rig->services(loginItem()), m_rig->permission);
+    controller.show(SettingsTab::Storage);
+    controller.view()->storage()->moveLibrary(target);
+    QVERIFY(m_rig->store.isMovingLibrary());
+    // The appearance changes while the attachments are being copied.
+    controller.refreshAppearance();
+    StorageSettingsView *storage = controller.view()->storage();
+    QVERIFY(storage->isMoving());
+    QCOMPARE(storage->progressText(), QStringLiteral("Moving your notes…"));
+    for (QPushButton *button : storage->findChildren<QPushButton *>()) {
+        if (button->text() == u"Move…")
+            QVERIFY(!button->isEnabled());
+    }
+    // Once the size is known, the line tells the share copied.
+    Q_EMIT m_rig->store.libraryMoveProgress(4096, 16384);
+    QCOMPARE(storage->progressText(), QStringLiteral("Moving your notes… 25%"));
+
+    QTRY_VERIFY(!m_rig->store.isMovingLibrary());
+    QCOMPARE(storage->progressText(), QString());
+    const QString moved = target + QStringLiteral("/Library.json");
+    if (readOnlyTarget) {
+        QVERIFY2(storage->error().contains(QStringLiteral("Read-only file system")),
+            qPrintable(storage->error()));
+        QVERIFY(visibleLabel(storage, storage->error()));
+        QVERIFY(showsPath(storage, home));
+    } else {
+        QCOMPARE(storage->error(), QString());
+        QVERIFY(showsPath(storage, moved));
+        QCOMPARE(noteTexts(moved), QStringList {QStringLiteral("with a picture")});
+    }
+    for (QPushButton *button : storage->findChildren<QPushButton *>())
+        QVERIFY(button->isEnabled());
+}
+
+void SettingsViewsTest::wheelScrollsThePageUnlessTheControlHasFocus_data()
+{
+    QTest::addColumn<int>("tab");
+    QTest::addColumn<QString>("control");
+    QTest::addColumn<bool>("focused");
+    QTest::addColumn<QString>("key");
+    QTest::newRow("picker passed over") << 0 << "Copy as List uses" << false << "listStyle";
+    QTest::newRow("slider passed over")
+        << 1 << "Time between presses" << false << "doubleShiftInterval";
+    QTest::newRow("picker with focus") << 0 << "Copy as List uses" << true << "listStyle";
+    QTest::newRow("slider with focus")
+        << 1 << "Time between presses" << true << "doubleShiftInterval";
+}
+
+void SettingsViewsTest::wheelScrollsThePageUnlessTheControlHasFocus()
+{
+    QFETCH(int, tab);
+    QFETCH(QString, control);
+    QFETCH(bool, focused);
+    QFETCH(QString, key);
+    m_view->resize(480, 160);
+    m_view->setCurrentIndex(tab);
+    m_view->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
+    QWidget *widget = nullptr;
+    for (QWidget *candidate : m_view->findChildren<QWidget *>()) {
+        if (candidate->accessibleName() == control
+            && (qobject_cast<QComboBox *>(candidate) || qobject_cast<QSlider *>(candidate)))
+            widget = candidate;
+    }
+    QVERIFY(widget);
+    QScrollArea *page = nullptr;
+    for (QWidget *up = widget->parentWidget(); up && !page; up = up->parentWidget())
+        page = qobject_cast<QScrollArea *>(up);
+    QVERIFY(page);
+    QScrollBar *bar = page->verticalScrollBar();
+    QTRY_VERIFY(bar->maximum() > 0);
+    bar->setValue(0);
+    if (focused) {
+        widget->setFocus(Qt::MouseFocusReason);
+        QVERIFY(widget->hasFocus());
+    }
+
+    // One notch of the wheel towards the user, over the control.
+    const QPointF inside(widget->width() / 2.0, widget->height() / 2.0);
+    QWheelEvent wheel(inside, widget->mapToGlobal(inside), QPoint(), QPoint(0, -120), Qt::NoButton,
+        Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(widget, &wheel);
+
+    // Only a control with the focus takes the wheel; otherwise the page scrolls.
+    QCOMPARE(storedValue(key).isValid(), focused);
+    QCOMPARE(bar->value() > 0, !focused);
+}
+
+void SettingsViewsTest::doubleShiftToggleStartsAndStopsTheListener_data()
+{
+    QTest::addColumn<bool>("enabledBefore");
+    QTest::newRow("turned off") << true;
+    QTest::newRow("turned on") << false;
+}
+
+void SettingsViewsTest::doubleShiftToggleStartsAndStopsTheListener()
+{
+    QFETCH(bool, enabledBefore);
+    m_rig->preferences.setDoubleShiftEnabled(enabledBefore);
+    m_rig->engine.start();
+    QCOMPARE(m_rig->keys.isRunning(), enabledBefore);
+    m_view->showTab(SettingsTab::Capture);
+    const QString listening = QStringLiteral("Listening");
+    const QString notListening = QStringLiteral("Not listening");
+    QVERIFY(visibleLabel(m_view.get(), enabledBefore ? listening : notListening));
+
+    findByText<QCheckBox>(m_view.get(), QStringLiteral("Capture with Shift pressed twice"))
+        ->click();
+    // The key monitor itself starts or stops, and the row says so.
+    QCOMPARE(m_rig->keys.isRunning(), !enabledBefore);
+    QVERIFY(visibleLabel(m_view.get(), enabledBefore ? notListening : listening));
+    QVERIFY(!visibleLabel(m_view.get(), enabledBefore ? listening : notListening));
+}
+
+void SettingsViewsTest::exportAllWritesTheFile()
+{
+    m_rig->store.addNote(QStringLiteral("first line\nsecond line"));
+    m_view->showTab(SettingsTab::Storage);
+    findByText<QPushButton>(m_view.get(), QStringLiteral("Export All as Markdown…"))->click();
+    QTRY_VERIFY(openFileDialog());
+    QFileDialog *dialog = openFileDialog();
+    QCOMPARE(dialog->acceptMode(), QFileDialog::AcceptSave);
+    const QString path
+        = Test::IsolatedEnvironment::current().root() + QStringLiteral("/Exported Notes.md");
+    dialog->selectFile(path);
+    QVERIFY(QMetaObject::invokeMethod(dialog, "accept"));
+    QTRY_VERIFY(QFile::exists(path));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(QString::fromUtf8(file.readAll()),
+        QStringLiteral("# Notes\n\n## Inbox\n\n- [ ] first line\n      second line\n"));
+}
+
+void SettingsViewsTest::aboutTabTexts_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("name") << "Vesko";
+    QTest::newRow("version") << "Version 1.2.3";
+    QTest::newRow("tagline") << "A to-do list, a clipboard, and a scratchpad in one panel. Built "
+                                "for working alongside AI tools.";
+    QTest::newRow("local file") << "Notes stay in a local file";
+    QTest::newRow("no tracking") << "No tracking, no telemetry";
+    QTest::newRow("no account") << "No account, no sync";
+}
+
+void SettingsViewsTest::aboutTabTexts()
+{
+    QFETCH(QString, text);
+    m_view->showTab(SettingsTab::About);
+    QVERIFY2(visibleLabel(m_view->currentWidget(), text), qPrintable(text));
+}
+
+void SettingsViewsTest::updateControllerStaysStoppedAndInstallsAStagedUpdate()
+{
+    UpdateController updates;
+    QSignalSpy ready(&updates, &UpdateController::updateReadyToInstallChanged);
+    // No updater on this system: started twice, it stays stopped and its
+    // setting stays off.
+    updates.start();
+    updates.start();
+    QVERIFY(!updates.isStarted());
+    updates.setAutomaticallyChecksForUpdates(true);
+    QVERIFY(!updates.automaticallyChecksForUpdates());
+    updates.installUpdate(); // nothing staged: nothing happens
+
+    QStringList installed;
+    QVERIFY(
+        updates.willInstallUpdateOnQuit([&installed] { installed.append(QStringLiteral("1")); }));
+    QVERIFY(updates.updateReadyToInstall());
+    // A second staged update replaces the first; the offer stays.
+    QVERIFY(
+        updates.willInstallUpdateOnQuit([&installed] { installed.append(QStringLiteral("2")); }));
+    QCOMPARE(ready.size(), 1);
+    updates.installUpdate();
+    updates.installUpdate();
+    QCOMPARE(installed, (QStringList {QStringLiteral("2"), QStringLiteral("2")}));
+    QVERIFY(updates.updateReadyToInstall());
+}
+
 int main(int argc, char *argv[])
 {
     Vesko::Test::IsolatedEnvironment environment;
     QApplication app(argc, argv);
+    QCoreApplication::setApplicationVersion(QStringLiteral("1.2.3"));
     SettingsViewsTest test;
     QTEST_SET_MAIN_SOURCE_PATH
     return QTest::qExec(&test, argc, argv);

@@ -66,6 +66,7 @@ private:
 } // namespace
 
 Q_DECLARE_METATYPE(std::optional<Vesko::KeyCombo>)
+Q_DECLARE_METATYPE(Vesko::KeyCombo)
 
 class ShortcutRecorderTest : public QObject
 {
@@ -75,6 +76,8 @@ private Q_SLOTS:
     void initTestCase();
     void recordsRealKeys_data();
     void recordsRealKeys();
+    void refusalNamesWhoHoldsTheKeys_data();
+    void refusalNamesWhoHoldsTheKeys();
 };
 
 void ShortcutRecorderTest::initTestCase()
@@ -182,6 +185,62 @@ void ShortcutRecorderTest::recordsRealKeys()
     // A combination recorded and free is grabbed at once.
     const bool recorded = combo && warning.isEmpty() && keys != u"shift+Escape";
     QCOMPARE(hotKeys.isRegistered(action), recorded && !takenElsewhere);
+}
+
+void ShortcutRecorderTest::refusalNamesWhoHoldsTheKeys_data()
+{
+    QTest::addColumn<KeyCombo>("combo");
+    QTest::addColumn<bool>("foreignGrab");
+    QTest::addColumn<QString>("refusal");
+    // Super+Alt+Space, the panel's own key.
+    QTest::newRow("another of Vesko's actions")
+        << KeyCombo {65, Control | Option} << false << "Already used by “Show or Hide Vesko”.";
+    QTest::newRow("another X client")
+        << KeyCombo {keyK, Command | Option} << true << "Taken by another application";
+}
+
+void ShortcutRecorderTest::refusalNamesWhoHoldsTheKeys()
+{
+    QFETCH(KeyCombo, combo);
+    QFETCH(bool, foreignGrab);
+    QFETCH(QString, refusal);
+
+    Preferences::openSettings()->clear();
+    std::unique_ptr<ForeignGrab> foreign;
+    if (foreignGrab) {
+        foreign = std::make_unique<ForeignGrab>(keyK, controlMask | altMask);
+        QVERIFY(foreign->isHeld());
+    }
+    X11Connection connection;
+    X11Keyboard layout(connection.get());
+    X11HotKeys registrar;
+    HotKeyCenter hotKeys(registrar);
+    hotKeys.registerAll();
+    QVERIFY(hotKeys.isRegistered(HotKeyAction::TogglePanel));
+    ShortcutRecorderView recorder(HotKeyAction::QuickAdd, hotKeys, &layout);
+    recorder.show();
+
+    // Stored as the settings file might hold it, past the recorder's check.
+    hotKeys.setCombo(combo, HotKeyAction::QuickAdd);
+    QVERIFY(hotKeys.isRefused(HotKeyAction::QuickAdd));
+    QCOMPARE(recorder.refusalText(), refusal);
+    bool shown = false;
+    for (QLabel *label : recorder.findChildren<QLabel *>())
+        shown = shown || (label->text() == refusal && label->isVisibleTo(&recorder));
+    QVERIFY(shown);
+
+    // Once the holder lets go, the combination is grabbed and the line goes.
+    if (foreign) {
+        foreign.reset();
+        // The other client's release reaches the server on its own
+        // connection: ask until it has.
+        QTRY_VERIFY((hotKeys.registerAll(), hotKeys.isRegistered(HotKeyAction::QuickAdd)));
+    } else {
+        // The action that held it passes it on at once.
+        hotKeys.clearCombo(HotKeyAction::TogglePanel);
+        QVERIFY(hotKeys.isRegistered(HotKeyAction::QuickAdd));
+    }
+    QCOMPARE(recorder.refusalText(), QString());
 }
 
 int main(int argc, char *argv[])

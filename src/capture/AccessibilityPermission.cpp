@@ -37,7 +37,9 @@ void AccessibilityPermission::requestAccess()
 
 void AccessibilityPermission::openSystemSettings()
 {
-    // An X11 session has no switch to flip: the Capture pane says what is missing.
+    // An X11 session has no switch to flip: the Capture pane says what is
+    // missing. The answer is read again, and watched for a while.
+    refresh();
     startPolling();
 }
 

@@ -32,7 +32,8 @@ public:
     void refresh();
     //! Reads the answer, and polls for a change.
     void requestAccess();
-    //! The place to grant access, where the desktop has one; then polls.
+    //! The place to grant access, where the desktop has one; here it reads
+    //! the answer again, and polls for a change.
     void openSystemSettings();
     //! Replaces a running poll by one of a fresh 120 passes.
     void startPolling();

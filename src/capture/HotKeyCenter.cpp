@@ -101,6 +101,42 @@ void HotKeyCenter::unregisterAll()
     }
 }
 
+namespace {
+
+// The same grab on the desktop: the same key with the same modifiers.
+bool sameGrab(const KeyCombo &a, const KeyCombo &b)
+{
+    return a.keyCode == b.keyCode
+        && (a.modifiers & ModifierFlag::HotKeyModifiers)
+        == (b.modifiers & ModifierFlag::HotKeyModifiers);
+}
+
+} // namespace
+
+std::optional<HotKeyAction> HotKeyCenter::refusingAction(HotKeyAction action) const
+{
+    const std::optional<KeyCombo> wanted = combo(action);
+    if (!isRefused(action) || !wanted)
+        return std::nullopt;
+    for (HotKeyAction other : allHotKeyActions) {
+        const std::optional<KeyCombo> held = combo(other);
+        if (other != action && isRegistered(other) && held && sameGrab(*held, *wanted))
+            return other;
+    }
+    return std::nullopt;
+}
+
+void HotKeyCenter::offerFreedCombo(const std::optional<KeyCombo> &freed, HotKeyAction action)
+{
+    if (!freed)
+        return;
+    for (HotKeyAction other : allHotKeyActions) {
+        const std::optional<KeyCombo> wanted = combo(other);
+        if (other != action && isRefused(other) && wanted && sameGrab(*wanted, *freed))
+            registerCombo(*wanted, other);
+    }
+}
+
 std::optional<HotKeyAction> HotKeyCenter::conflictingAction(
     const KeyCombo &combo, HotKeyAction action) const
 {
@@ -119,18 +155,25 @@ void HotKeyCenter::persist(const std::optional<KeyCombo> &combo, HotKeyAction ac
 
 void HotKeyCenter::setCombo(const KeyCombo &combo, HotKeyAction action)
 {
+    const std::optional<KeyCombo> held
+        = isRegistered(action) ? this->combo(action) : std::optional<KeyCombo>();
     unregister(action);
     m_combos.insert(action, combo);
     persist(combo, action);
     registerCombo(combo, action);
+    if (held && !sameGrab(*held, combo))
+        offerFreedCombo(held, action);
     Q_EMIT combosChanged();
 }
 
 void HotKeyCenter::clearCombo(HotKeyAction action)
 {
+    const std::optional<KeyCombo> held
+        = isRegistered(action) ? combo(action) : std::optional<KeyCombo>();
     unregister(action);
     m_combos.remove(action);
     persist(std::nullopt, action);
+    offerFreedCombo(held, action);
     Q_EMIT combosChanged();
 }
 

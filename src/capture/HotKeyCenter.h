@@ -43,12 +43,17 @@ public:
     //! another program holds it, or another action does.
     bool isRefused(HotKeyAction action) const { return m_refused.contains(action); }
 
+    //! When the action's combination was refused because another of these
+    //! actions holds it, that action; nothing when another program holds it.
+    std::optional<HotKeyAction> refusingAction(HotKeyAction action) const;
+
     //! The other action that holds exactly this combination, if any.
     std::optional<HotKeyAction> conflictingAction(const KeyCombo &combo, HotKeyAction action) const;
     //! Writes the action's key: the combination as JSON, or empty data for none.
     void persist(const std::optional<KeyCombo> &combo, HotKeyAction action);
 
-    //! Set and clear, as the shortcut recorder does.
+    //! Set and clear, as the shortcut recorder does. A combination the
+    //! action lets go of is given to an action that was refused it.
     void setCombo(const KeyCombo &combo, HotKeyAction action);
     void clearCombo(HotKeyAction action);
 
@@ -60,6 +65,10 @@ Q_SIGNALS:
     void registrationsChanged();
 
 private:
+    //! Registers again the refused actions that wanted \a freed, which
+    //! \a action has just let go of.
+    void offerFreedCombo(const std::optional<KeyCombo> &freed, HotKeyAction action);
+
     HotKeyRegistrar &m_registrar;
     std::unique_ptr<QSettings> m_settings;
     QHash<HotKeyAction, KeyCombo> m_combos;

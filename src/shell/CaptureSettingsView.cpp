@@ -49,7 +49,8 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
     , m_permissionTitle(new QLabel)
     , m_reason(makeFootnote(QString()))
     , m_advice(makeFootnote(QString()))
-    , m_checkAgain(new QPushButton(tr("Check Again")))
+    , m_grantAccess(new QPushButton(tr("Grant Access…")))
+    , m_openSystemSettings(new QPushButton(tr("Open System Settings…")))
     , m_doubleShift(new QCheckBox(tr("Capture with Shift pressed twice")))
     , m_listener(new QLabel)
     , m_interval(new QSlider(Qt::Horizontal))
@@ -72,10 +73,9 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
         line->setForegroundRole(QPalette::WindowText);
         permission->addRow(line);
     }
-    permission->addRow(makeFootnote(tr("Vesko uses the X server to read your text selection and "
-                                       "listen for double Shift. Nothing is recorded or sent "
-                                       "anywhere.")));
-    permission->addButtons({m_checkAgain});
+    permission->addRow(makeFootnote(tr("Vesko uses it to read your text selection and listen for "
+                                       "double Shift. Nothing is recorded or sent anywhere.")));
+    permission->addButtons({m_grantAccess, m_openSystemSettings});
     layout->addWidget(permission);
 
     auto *doubleShift = new SettingsGroup(tr("Double Shift"), this);
@@ -118,8 +118,12 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
     captured->addRow(m_showPanel);
     layout->addWidget(captured);
 
-    connect(m_checkAgain, &QPushButton::clicked, &m_services.permission,
+    // Nothing is granted on this desktop: both read the answer again and keep
+    // looking for a while.
+    connect(m_grantAccess, &QPushButton::clicked, &m_services.permission,
         &AccessibilityPermission::requestAccess);
+    connect(m_openSystemSettings, &QPushButton::clicked, &m_services.permission,
+        &AccessibilityPermission::openSystemSettings);
     connect(&m_services.permission, &AccessibilityPermission::isTrustedChanged, this,
         &CaptureSettingsView::refreshPermission);
     connect(m_doubleShift, &QCheckBox::toggled, this, [this](bool enabled) {
@@ -180,12 +184,13 @@ void CaptureSettingsView::refreshPermission()
             tint, 16)
             .pixmap(16, 16));
     m_permissionTitle->setText(
-        available ? tr("Capture is available") : tr("Capture is not available"));
+        available ? tr("Accessibility access granted") : tr("Accessibility access needed"));
     m_reason->setText(captureObstacleReason(obstacle));
     m_reason->setVisible(!available && !m_reason->text().isEmpty());
     m_advice->setText(captureObstacleAdvice(obstacle));
     m_advice->setVisible(!available && !m_advice->text().isEmpty());
-    m_checkAgain->setVisible(!available);
+    m_grantAccess->setVisible(!available);
+    m_openSystemSettings->setVisible(!available);
     for (ShortcutRecorderView *recorder : std::as_const(m_recorders))
         recorder->setCaptureAvailable(available);
 }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The Capture tab of Settings: whether capture is available in this session
-// and, when it is not, why and what to do instead; the double-Shift gesture
+// ("Accessibility access") and, when it is not, why in plain words and what
+// to do instead; the double-Shift gesture
 // and its interval; the four system-wide shortcuts; and whether a capture
 // brings the panel forward.
 
@@ -67,7 +68,8 @@ private:
     QLabel *m_permissionTitle;
     QLabel *m_reason;
     QLabel *m_advice;
-    QPushButton *m_checkAgain;
+    QPushButton *m_grantAccess;
+    QPushButton *m_openSystemSettings;
     QCheckBox *m_doubleShift;
     QLabel *m_listener;
     QSlider *m_interval;

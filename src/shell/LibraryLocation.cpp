@@ -6,8 +6,6 @@
 #include "store/Store.h"
 
 #include <QDir>
-#include <QPointer>
-#include <QTimer>
 
 namespace Vesko::LibraryLocation {
 
@@ -23,25 +21,6 @@ QString normalised(const QString &path)
 bool differsFromDefault(const QString &libraryPath)
 {
     return normalised(libraryPath) != normalised(defaultLibraryURL());
-}
-
-void move(Store &store, const QString &destination, QObject *context, MoveFinished finished)
-{
-    // The move starts on the next turn of the event loop, so that the tab can
-    // show its progress line first. The Store copies the attachments in the
-    // background and tells the end.
-    QPointer<Store> guardedStore(&store);
-    QTimer::singleShot(0, context, [guardedStore, destination, context, finished] {
-        if (!guardedStore)
-            return;
-        QObject::connect(
-            guardedStore.data(), &Store::libraryMoveFinished, context,
-            [finished](const QString &failure) {
-                finished(failure.isEmpty() ? std::nullopt : std::optional<QString>(failure));
-            },
-            Qt::SingleShotConnection);
-        guardedStore->moveLibrary(destination);
-    });
 }
 
 qsizetype activeProjectNoteCount(const Store &store)

@@ -2,13 +2,65 @@
 
 #include "shell/SettingsForm.h"
 
+#include <QAbstractSlider>
+#include <QAbstractSpinBox>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 namespace Vesko {
+
+namespace {
+
+// Turns the wheel away from a control that does not have the focus: the
+// event goes to the page instead, which scrolls.
+class WheelGuard : public QObject
+{
+public:
+    explicit WheelGuard(QScrollArea *page)
+        : QObject(page)
+        , m_page(page)
+    { }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() != QEvent::Wheel || static_cast<QWidget *>(watched)->hasFocus())
+            return QObject::eventFilter(watched, event);
+        QCoreApplication::sendEvent(m_page->viewport(), event);
+        event->accept();
+        return true;
+    }
+
+private:
+    QScrollArea *m_page;
+};
+
+void guardWheel(QWidget *content, WheelGuard *guard)
+{
+    QList<QWidget *> controls;
+    for (QComboBox *box : content->findChildren<QComboBox *>())
+        controls.append(box);
+    for (QAbstractSpinBox *box : content->findChildren<QAbstractSpinBox *>())
+        controls.append(box);
+    for (QAbstractSlider *slider : content->findChildren<QAbstractSlider *>()) {
+        if (!qobject_cast<QScrollBar *>(slider))
+            controls.append(slider);
+    }
+    for (QWidget *control : std::as_const(controls)) {
+        // Focus by click or Tab, never by the wheel passing over.
+        control->setFocusPolicy(Qt::StrongFocus);
+        control->installEventFilter(guard);
+    }
+}
+
+} // namespace
 
 SettingsGroup::SettingsGroup(const QString &title, QWidget *parent)
     : QGroupBox(title, parent)
@@ -80,6 +132,7 @@ QScrollArea *makeSettingsPage(QWidget *content)
     page->setWidgetResizable(true);
     page->setFrameShape(QFrame::NoFrame);
     page->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    guardWheel(content, new WheelGuard(page));
     return page;
 }
 

@@ -35,7 +35,9 @@ private:
 QLabel *makeFootnote(const QString &text, QWidget *parent = nullptr);
 //! A small line for a failure, in the palette's warning colour.
 QLabel *makeErrorLine(QWidget *parent = nullptr);
-//! A page of groups that scrolls when the window is too short for it.
+//! A page of groups that scrolls when the window is too short for it. The
+//! wheel over a picker or a slider of the page scrolls the page, unless that
+//! control has the focus: passing over one never changes a setting.
 QScrollArea *makeSettingsPage(QWidget *content);
 
 } // namespace Vesko

@@ -129,8 +129,12 @@ QString ShortcutRecorderView::buttonText() const
 
 QString ShortcutRecorderView::refusalText() const
 {
-    return m_captureAvailable && m_hotKeys.isRefused(m_action) ? tr("Taken by another application")
-                                                               : QString();
+    if (!m_captureAvailable || !m_hotKeys.isRefused(m_action))
+        return {};
+    // Refused by Vesko itself, because another of its actions holds the keys.
+    if (const std::optional<HotKeyAction> holder = m_hotKeys.refusingAction(m_action))
+        return tr("Already used by “%1”.").arg(title(*holder));
+    return tr("Taken by another application");
 }
 
 void ShortcutRecorderView::setCaptureAvailable(bool available)

@@ -3,8 +3,9 @@
 // The control that records one system-wide shortcut: a button showing the
 // combination ("None" without one, "Press keys…" while recording), a clear
 // button while the pointer is over it, and the lines under it: why a key was
-// not taken, and "Taken by another application" while the desktop refuses
-// the combination.
+// not taken, and why the combination is not in effect: "Taken by another
+// application" while another program holds it, "Already used by “…”." while
+// another of Vesko's actions does.
 
 #pragma once
 
@@ -36,7 +37,7 @@ public:
     //! The line under the control, empty when there is none.
     QString warning() const { return m_warning; }
     QString buttonText() const;
-    //! The line shown while the desktop refuses the combination, or empty.
+    //! The line shown while the combination is refused, or empty.
     QString refusalText() const;
 
     //! Where capture cannot work nothing is registered, so no refusal is told.

@@ -12,12 +12,51 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace Vesko {
+
+namespace {
+
+//! Puts \a text above everything else in Qt's own file dialog.
+void addMessage(QFileDialog *dialog, const QString &text)
+{
+    auto *grid = qobject_cast<QGridLayout *>(dialog->layout());
+    if (!grid)
+        return;
+    struct Placed
+    {
+        QLayoutItem *item;
+        int row, column, rowSpan, columnSpan;
+    };
+    QList<Placed> placed;
+    const int columns = grid->columnCount();
+    QList<int> stretches;
+    for (int row = 0; row < grid->rowCount(); ++row)
+        stretches.append(grid->rowStretch(row));
+    while (grid->count() > 0) {
+        Placed entry {};
+        grid->getItemPosition(0, &entry.row, &entry.column, &entry.rowSpan, &entry.columnSpan);
+        entry.item = grid->takeAt(0);
+        placed.append(entry);
+    }
+    auto *message = new QLabel(text, dialog);
+    message->setWordWrap(true);
+    grid->addWidget(message, 0, 0, 1, columns);
+    for (const Placed &entry : std::as_const(placed))
+        grid->addItem(entry.item, entry.row + 1, entry.column, entry.rowSpan, entry.columnSpan);
+    grid->setRowStretch(0, 0);
+    for (int row = 0; row < stretches.size(); ++row)
+        grid->setRowStretch(row + 1, stretches.at(row));
+}
+
+} // namespace
 
 StorageSettingsView::StorageSettingsView(const Services &services, QWidget *parent)
     : QWidget(parent)
@@ -84,8 +123,24 @@ StorageSettingsView::StorageSettingsView(const Services &services, QWidget *pare
     connect(&m_services.preferences, &Preferences::libraryPathChanged, this,
         &StorageSettingsView::refreshLocation);
     connect(&m_services.store, &Store::libraryChanged, this, &StorageSettingsView::refreshCounts);
+    connect(&m_services.store, &Store::isMovingLibraryChanged, this,
+        &StorageSettingsView::refreshMoving);
+    connect(&m_services.store, &Store::libraryMoveProgress, this,
+        &StorageSettingsView::showMoveProgress);
+    connect(&m_services.store, &Store::libraryMoveFinished, this, &StorageSettingsView::finishMove);
     refreshLocation();
     refreshCounts();
+    refreshMoving();
+}
+
+bool StorageSettingsView::isMoving() const
+{
+    return m_services.store.isMovingLibrary();
+}
+
+QString StorageSettingsView::progressText() const
+{
+    return m_progress->isVisibleTo(this) ? m_progress->text() : QString();
 }
 
 bool StorageSettingsView::offersDefaultLocation() const
@@ -95,13 +150,14 @@ bool StorageSettingsView::offersDefaultLocation() const
 
 void StorageSettingsView::chooseMoveDestination()
 {
-    auto *dialog = new QFileDialog(window(), tr("Choose where Vesko should keep your notes file."));
+    auto *dialog = new QFileDialog(window(), tr("Move Notes File"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::Directory);
     dialog->setOption(QFileDialog::ShowDirsOnly);
-    // The dialog's own widgets carry the prompt and the button's words.
+    // Qt's own dialog, so that it can carry the message and the button's words.
     dialog->setOption(QFileDialog::DontUseNativeDialog);
     dialog->setLabelText(QFileDialog::Accept, tr("Move Here"));
+    addMessage(dialog, tr("Choose where Vesko should keep your notes file."));
     dialog->setDirectory(QFileInfo(m_services.preferences.libraryPath()).absolutePath());
     connect(dialog, &QFileDialog::fileSelected, this, &StorageSettingsView::moveLibrary);
     dialog->open();
@@ -109,26 +165,42 @@ void StorageSettingsView::chooseMoveDestination()
 
 void StorageSettingsView::moveLibrary(const QString &destination)
 {
-    if (m_isMoving)
+    if (isMoving())
         return;
-    m_isMoving = true;
-    m_error.clear();
-    m_errorLine->hide();
-    m_progress->show();
+    // The Store copies in the background; its flag, and with it the progress
+    // line, is set before this returns.
+    m_services.store.moveLibrary(destination);
+}
+
+void StorageSettingsView::refreshMoving()
+{
+    const bool moving = isMoving();
+    if (moving) {
+        m_error.clear();
+        m_errorLine->hide();
+        m_progress->setText(tr("Moving your notes…"));
+    }
+    m_progress->setVisible(moving);
     for (QPushButton *button : {m_move, m_useDefault})
-        button->setEnabled(false);
-    LibraryLocation::move(
-        m_services.store, destination, this, [this](const std::optional<QString> &failure) {
-            m_isMoving = false;
-            m_progress->hide();
-            m_error = failure.value_or(QString());
-            m_errorLine->setText(m_error);
-            m_errorLine->setVisible(failure.has_value());
-            for (QPushButton *button : {m_move, m_useDefault})
-                button->setEnabled(true);
-            refreshLocation();
-            Q_EMIT moveFinished();
-        });
+        button->setEnabled(!moving);
+}
+
+void StorageSettingsView::showMoveProgress(qint64 copiedBytes, qint64 totalBytes)
+{
+    if (!isMoving() || totalBytes <= 0)
+        return;
+    const int percent = int(std::clamp(copiedBytes * 100 / totalBytes, qint64(0), qint64(100)));
+    m_progress->setText(tr("Moving your notes… %1%").arg(percent));
+}
+
+void StorageSettingsView::finishMove(const QString &failure)
+{
+    m_error = failure;
+    m_errorLine->setText(m_error);
+    m_errorLine->setVisible(!m_error.isEmpty());
+    refreshMoving();
+    refreshLocation();
+    Q_EMIT moveFinished();
 }
 
 void StorageSettingsView::refreshLocation()

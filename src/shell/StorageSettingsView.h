@@ -3,7 +3,9 @@
 // The Storage tab of Settings: where the notes file lies, showing it in the
 // file manager, moving it (and back to the default place) with a progress
 // line while the move runs and the failure under it; exporting and copying
-// the notes; and the counts with "Clear Completed in This Project".
+// the notes; and the counts with "Clear Completed in This Project". The move
+// is the Store's: the tab follows it from the Store, so a tab made while a
+// move runs shows its progress and its end as well.
 
 #pragma once
 
@@ -40,9 +42,11 @@ public:
     //! Moves the library to \a destination, as "Move Here" and "Use Default
     //! Location" do; the tab shows the progress and then the outcome.
     void moveLibrary(const QString &destination);
-    bool isMoving() const { return m_isMoving; }
+    bool isMoving() const;
     //! The failure of the last move, or empty.
     QString error() const { return m_error; }
+    //! The line shown while a move runs, or empty.
+    QString progressText() const;
     bool offersDefaultLocation() const;
 
 Q_SIGNALS:
@@ -50,11 +54,13 @@ Q_SIGNALS:
 
 private:
     void chooseMoveDestination();
+    void refreshMoving();
+    void showMoveProgress(qint64 copiedBytes, qint64 totalBytes);
+    void finishMove(const QString &failure);
     void refreshLocation();
     void refreshCounts();
 
     Services m_services;
-    bool m_isMoving = false;
     QString m_error;
     QLineEdit *m_path;
     QPushButton *m_reveal;

@@ -7,8 +7,10 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPixmap>
+#include <QProxyStyle>
 #include <QStyle>
 #include <QStyleFactory>
+#include <QStyleOption>
 
 namespace Vesko {
 
@@ -41,6 +43,34 @@ bool paletteIsDark(const QPalette &palette)
 {
     return palette.color(QPalette::Window).lightness() < 128;
 }
+
+// Fusion frames a check box in a shade of the window colour, which all but
+// vanishes on a dark window: there the frame is drawn again, lighter.
+class VeskoStyle : public QProxyStyle
+{
+public:
+    explicit VeskoStyle(QStyle *fusion)
+        : QProxyStyle(fusion)
+    { }
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+        const QWidget *widget) const override
+    {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        if (element != PE_IndicatorCheckBox || !paletteIsDark(option->palette))
+            return;
+        // The keyboard focus keeps Fusion's highlighted frame.
+        if ((option->state & State_HasFocus) && (option->state & State_KeyboardFocusChange))
+            return;
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing, true);
+        painter->translate(0.5, 0.5);
+        painter->setPen(withAlpha(white, 0.4));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(QRectF(option->rect.adjusted(0, 0, -1, -1)));
+        painter->restore();
+    }
+};
 
 QFont systemFont(int pixelSize, QFont::Weight weight)
 {
@@ -167,7 +197,7 @@ void applyAppearance(AppAppearance appearance)
         break;
     case AppAppearance::Light:
     case AppAppearance::Dark:
-        QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+        QApplication::setStyle(new VeskoStyle(QStyleFactory::create(QStringLiteral("Fusion"))));
         QApplication::setPalette(palette(appearance == AppAppearance::Dark));
         break;
     }

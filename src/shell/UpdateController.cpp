@@ -35,6 +35,16 @@ void UpdateController::setAutomaticallyChecksForUpdates(bool checks)
     Q_EMIT automaticallyChecksForUpdatesChanged();
 }
 
+bool UpdateController::willInstallUpdateOnQuit(std::function<void()> immediateInstallation)
+{
+    m_immediateInstallation = std::move(immediateInstallation);
+    if (!m_updateReadyToInstall) {
+        m_updateReadyToInstall = true;
+        Q_EMIT updateReadyToInstallChanged();
+    }
+    return true;
+}
+
 void UpdateController::installUpdate()
 {
     if (m_immediateInstallation)

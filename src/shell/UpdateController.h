@@ -2,8 +2,9 @@
 //
 // The update offer of the program. Software on Linux is updated by the
 // package manager, so this build has no updater: start() leaves it stopped,
-// checks and installs do nothing, and Settings and the tray menu show no
-// update controls. The interface stays for a build that has an updater.
+// checks do nothing, and Settings and the tray menu show no update controls.
+// The interface stays for a build that has an updater, which reports a staged
+// update through willInstallUpdateOnQuit(); installUpdate() then installs it.
 
 #pragma once
 
@@ -35,8 +36,15 @@ public:
     bool automaticallyChecksForUpdates() const { return m_automaticallyChecksForUpdates; }
     //! Dropped while not started, so the setting stays off.
     void setAutomaticallyChecksForUpdates(bool checks);
-    //! Installs a staged update now, where there is one.
+    //! Installs a staged update now, where there is one. The installation
+    //! is kept for a later call.
     void installUpdate();
+
+    //! An update is staged to be installed at quit: \a immediateInstallation
+    //! installs it now and starts the program again. It replaces any earlier
+    //! one, and the offer stands until the program ends. Returns true: the
+    //! program offers the installation itself.
+    bool willInstallUpdateOnQuit(std::function<void()> immediateInstallation);
 
     bool isStarted() const { return m_isStarted; }
     bool updateReadyToInstall() const { return m_updateReadyToInstall; }
