@@ -288,8 +288,10 @@ std::optional<QString> copyFileInPieces(
 {
     const QByteArray source = native(from);
     const int noFollow = options.followLinks ? 0 : O_NOFOLLOW;
+    // Opened without waiting: a pipe or a device put where the file was
+    // would otherwise hold the open until another program writes to it.
     Descriptor in(retryOnInterrupt(
-        [&] { return ::open(source.constData(), O_RDONLY | O_CLOEXEC | noFollow); }));
+        [&] { return ::open(source.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | noFollow); }));
     if (in.get() < 0) {
         if (errno == ELOOP && noFollow)
             return QObject::tr("“%1” is a link.").arg(from);
@@ -300,6 +302,9 @@ std::optional<QString> copyFileInPieces(
         return QObject::tr("Could not read “%1”: %2.").arg(from, lastErrorText());
     if (!S_ISREG(info.st_mode))
         return QObject::tr("“%1” is not a file.").arg(from);
+    const int flags = ::fcntl(in.get(), F_GETFL);
+    if (flags < 0 || ::fcntl(in.get(), F_SETFL, flags & ~O_NONBLOCK) != 0)
+        return QObject::tr("Could not read “%1”: %2.").arg(from, lastErrorText());
 
     const QByteArray target = native(to);
     Descriptor out(retryOnInterrupt([&] {
