@@ -31,9 +31,8 @@ AttachmentActions &attachmentActions()
     static ToastFeedback *const feedback = new ToastFeedback;
     static AttachmentFileDialog *const chooser = new AttachmentFileDialog;
     static QtPasteboardReader *const pasteboard = new QtPasteboardReader;
-    static QtDesktopFiles *const desktop = new QtDesktopFiles;
-    static AttachmentActions *const actions = new AttachmentActions(
-        {Store::shared(), AttachmentStore::shared(), *chooser, *pasteboard, *desktop, *feedback});
+    static AttachmentActions *const actions = new AttachmentActions({Store::shared(),
+        AttachmentStore::shared(), *chooser, *pasteboard, QtDesktopFiles::shared(), *feedback});
     return *actions;
 }
 
@@ -45,13 +44,17 @@ void installAttachmentCommands(PanelCommands &commands)
     hooks.chooseFiles = [](std::function<void(const QList<QUrl> &)> done) {
         attachmentActions().chooseFiles(std::move(done));
     };
+    // The files of a note not yet written: a failure is told with the same
+    // toast as every other way of adding files.
     hooks.importFiles
         = [](const QList<QUrl> &urls,
               std::function<void(const QList<NoteAttachment> &, const QString &)> done) {
-              AttachmentActions &actions = attachmentActions();
-              AttachmentStore::shared().importFiles(urls, actions.attachmentsFolder(), &actions,
-                  [done = std::move(done)](const ImportResult &result) {
-                      done(result.attachments, result.error.value_or(QString()));
+              attachmentActions().importForNewNote(urls,
+                  [done = std::move(done)](const std::optional<QList<NoteAttachment>> &records) {
+                      if (records)
+                          done(*records, QString());
+                      else
+                          done({}, AttachmentActions::tr("Could Not Add Attachment"));
                   });
           };
     commands.setHooks(hooks);

@@ -6,15 +6,11 @@
 #include "library/LibraryFile.h"
 #include "platform/SerialQueue.h"
 #include "platform/qt/QtClipboard.h"
+#include "platform/qt/QtDesktopFiles.h"
 #include "shell/Toast.h"
 #include "store/NoteText.h"
 
 #include <QCoreApplication>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-#include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -33,7 +29,7 @@ SerialQueue &exportQueue()
 
 std::optional<QString> attachmentFile(const NoteAttachment &attachment)
 {
-    return AttachmentStore::fileInside(attachmentsFolder(libraryURL()), attachment.storedFileName);
+    return AttachmentStore::pathInside(attachmentsFolder(libraryURL()), attachment.storedFileName);
 }
 
 } // namespace
@@ -136,7 +132,7 @@ void PanelCommands::importFiles(const QList<QUrl> &urls,
 void PanelCommands::openAttachment(const NoteAttachment &attachment) const
 {
     if (const std::optional<QString> file = attachmentFile(attachment))
-        QDesktopServices::openUrl(QUrl::fromLocalFile(*file));
+        QtDesktopFiles::shared().open(*file);
 }
 
 void PanelCommands::revealAttachment(const NoteAttachment &attachment) const
@@ -152,26 +148,7 @@ void PanelCommands::revealLibraryFile() const
 
 void PanelCommands::showInFileManager(const QString &path)
 {
-    const QString folder = QFileInfo(path).absolutePath();
-    auto openFolder = [folder] { QDesktopServices::openUrl(QUrl::fromLocalFile(folder)); };
-    QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected()) {
-        openFolder();
-        return;
-    }
-    QDBusMessage call
-        = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),
-            QStringLiteral("/org/freedesktop/FileManager1"),
-            QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
-    call << QStringList {QUrl::fromLocalFile(path).toString()} << QString();
-    // Asked without waiting: a file manager that is slow to start never holds the panel.
-    auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
-        [openFolder](QDBusPendingCallWatcher *finished) {
-            if (finished->isError())
-                openFolder();
-            finished->deleteLater();
-        });
+    QtDesktopFiles::shared().reveal(path);
 }
 
 void PanelCommands::exportMarkdown(const QString &text, QWidget *parent)
