@@ -8,14 +8,18 @@
 #include "attachments/DesktopAttachments.h"
 #include "capture/CaptureEngine.h"
 #include "library/Library.h"
+#include "panel/NoteWindowManager.h"
 #include "panel/PanelCommands.h"
 #include "panel/PanelController.h"
 #include "panel/PanelState.h"
 #include "platform/Logging.h"
 #include "platform/TerminationSignals.h"
+#include "platform/x11/X11Session.h"
 #include "shell/AppDelegate.h"
 #include "shell/DesktopCapture.h"
 #include "shell/Preferences.h"
+#include "shell/QuitGuard.h"
+#include "shell/SettingsWindowController.h"
 #include "shell/SingleInstance.h"
 #include "shell/Theme.h"
 #include "shell/Toast.h"
@@ -37,11 +41,22 @@ int main(int argc, char *argv[])
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(Theme::applicationIcon());
 
+    // One process runs; a later launch hands it "reopen" and ends.
     SingleInstance instance;
-    if (instance.forwardReopen())
+    switch (instance.claim()) {
+    case SingleInstance::Claim::HeldElsewhere:
+        if (!instance.forwardReopen())
+            qCWarning(lcStorage, "Vesko runs already, but did not answer");
         return 0;
-    if (const std::optional<QString> failure = instance.listen())
-        qCWarning(lcStorage, "Cannot accept other launches: %s", qUtf8Printable(*failure));
+    case SingleInstance::Claim::Failed:
+        qCWarning(lcStorage, "Cannot make sure that Vesko runs once: %s",
+            qUtf8Printable(instance.failure()));
+        break;
+    case SingleInstance::Claim::Acquired:
+        if (const std::optional<QString> failure = instance.listen())
+            qCWarning(lcStorage, "Cannot accept other launches: %s", qUtf8Printable(*failure));
+        break;
+    }
 
     // The Store first: the library is read and repaired before anything else runs.
     Store &store = Store::shared();
@@ -55,12 +70,46 @@ int main(int argc, char *argv[])
     // The hot keys' combinations and capture availability are read now; nothing
     // is registered or listened to before the launch has finished.
     DesktopCapture capture(store, preferences, panel, ToastPresenter::shared());
-    AppDelegate delegate(store, preferences, panel, capture.launchHooks());
-    TrayIcon tray(panel, preferences);
+    SettingsWindowController &settings = SettingsWindowController::shared();
+    settings.setServices(
+        SettingsView::Services {preferences, panel, LoginItem::forCurrentProgram(),
+            {preferences, capture.permission(), capture.engine(), capture.hotKeys(),
+                capture.keyLayout(), &X11Session::captureObstacle},
+            {store, preferences, PanelCommands::shared().clipboard(),
+                &PanelCommands::showInFileManager}},
+        capture.permission());
+    AppDelegate::Hooks hooks = capture.launchHooks();
+    // When capture is not available at launch, Settings says why.
+    hooks.showSettings = [&settings] { settings.show(SettingsTab::Capture); };
+    AppDelegate delegate(store, preferences, panel, hooks);
+    TrayIcon tray(store, panel, preferences);
+    // The tray menu, the panel's overflow menu and its Ctrl+, open Settings.
+    QObject::connect(
+        &tray, &TrayIcon::settingsRequested, &settings, [&settings] { settings.show(); });
+    // The window is rebuilt in the new appearance once the palette has changed.
+    QObject::connect(&preferences, &Preferences::appearanceAssigned, &settings,
+        &SettingsWindowController::refreshAppearance, Qt::QueuedConnection);
+    // Quit Vesko asks first while the latest changes could not be saved.
+    QuitGuard quitGuard(store);
+
+    // What the panel's menus reach beyond the Store, beside the attachments:
+    // Settings, quitting (asking first like the tray's), the window's resets.
+    PanelCommands::Hooks commands = PanelCommands::shared().hooks();
+    commands.openSettings = [&settings] { settings.show(); };
+    commands.quit = [&quitGuard] {
+        QMetaObject::invokeMethod(&quitGuard, &QuitGuard::requestQuit, Qt::QueuedConnection);
+    };
+    commands.resetPanelPosition = [&panel] { panel.resetPanelPosition(); };
+    commands.resetPanelSize = [&panel] { panel.resetPanelSize(); };
+    commands.openNoteWindow = [](const QUuid &id) { NoteWindowManager::shared().open(id); };
+    // The tray's menu is also in the panel's "More options", for desktops without a tray.
+    commands.fillDashboard = [&tray](QMenu &menu) { tray.fillMenu(menu); };
+    PanelCommands::shared().setHooks(commands);
 
     QObject::connect(
         &instance, &SingleInstance::reopenRequested, &delegate, &AppDelegate::handleReopen);
-    QObject::connect(&tray, &TrayIcon::quitRequested, &app, &QApplication::quit);
+    QObject::connect(&tray, &TrayIcon::quitRequested, &quitGuard, &QuitGuard::requestQuit);
+    QObject::connect(&quitGuard, &QuitGuard::quitAccepted, &app, &QApplication::quit);
     QObject::connect(&tray, &TrayIcon::captureRequested, &capture,
         [&capture] { capture.engine().captureSelection(); });
     TerminationSignals terminationSignals;

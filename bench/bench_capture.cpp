@@ -6,7 +6,10 @@
 // - capture latency, from the XTEST release of the second Shift to the note
 //   in the Store, through the primary selection of an xterm and through the
 //   synthetic copy of a window that answers Ctrl+C; beside the time the same
-//   release takes to reach the key monitor.
+//   release takes to reach the key monitor;
+// - the main thread's longest stall during a capture through each path, as
+//   the lateness of a 1 ms timer, beside the same timer's lateness while no
+//   capture runs.
 
 #include "RatioReporter.h"
 #include "TestEnvironment.h"
@@ -18,7 +21,7 @@
 #include "capture/HotKeyCenter.h"
 #include "capture/SelectionReader.h"
 #include "library/LibraryWriter.h"
-#include "platform/qt/QtClipboard.h"
+#include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyMonitor.h"
@@ -28,6 +31,7 @@
 #include "store/Store.h"
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QProcess>
@@ -123,7 +127,7 @@ struct CaptureRig
     AttachmentStore attachments;
     SearchIndex index;
     Store store;
-    QtClipboard clipboard;
+    X11Clipboard clipboard;
     X11HotKeys registrar;
     HotKeyCenter hotKeys;
     AccessibilityPermission permission;
@@ -168,14 +172,22 @@ void tapShift(X11Connection &x, quint8 shift)
     xcb_flush(x.get());
 }
 
+//! One set of capture pieces for every benchmark, so that one trigger makes one capture.
+CaptureRig *sharedRig()
+{
+    static CaptureRig *rig = new CaptureRig;
+    return rig;
+}
+
+QProcess *xterm = nullptr;
+QProcess *copyTarget = nullptr;
+
 enum class Path { KeyDelivery, Primary, Copy };
 
 void BM_Capture(benchmark::State &state)
 {
     const Path path = Path(state.range(0));
-    static CaptureRig *rig = new CaptureRig;
-    static QProcess *xterm = nullptr;
-    static QProcess *copyTarget = nullptr;
+    CaptureRig *rig = sharedRig();
     X11Connection x;
     const quint8 shift = 50;
 
@@ -235,6 +247,131 @@ void BM_Capture(benchmark::State &state)
     }
 }
 
+//! The lateness of a 1 ms timer on the main thread: how long the event loop
+//! was kept from turning.
+class StallMeter
+{
+public:
+    StallMeter()
+    {
+        m_timer.setTimerType(Qt::PreciseTimer);
+        m_timer.setInterval(1);
+        QObject::connect(&m_timer, &QTimer::timeout, [this] {
+            const qint64 now = m_clock.nsecsElapsed();
+            m_longest = std::max(m_longest, now - m_last - 1'000'000);
+            m_last = now;
+        });
+    }
+    void start()
+    {
+        m_longest = 0;
+        m_clock.start();
+        m_last = 0;
+        m_timer.start();
+    }
+    //! The longest lateness since start(), in seconds.
+    double stop()
+    {
+        m_timer.stop();
+        return double(std::max<qint64>(m_longest, 0)) / 1e9;
+    }
+
+private:
+    QTimer m_timer;
+    QElapsedTimer m_clock;
+    qint64 m_last = 0;
+    qint64 m_longest = 0;
+};
+
+//! Holds the capture hot key (Super+Alt+C) for about as long as a person
+//! does, from another process, as a keyboard would.
+void pressCaptureHotKey()
+{
+    QProcess::startDetached(QStringLiteral("xdotool"),
+        {QStringLiteral("keydown"), QStringLiteral("super+alt+c"), QStringLiteral("sleep"),
+            QStringLiteral("0.08"), QStringLiteral("keyup"), QStringLiteral("super+alt+c")});
+}
+
+enum class StallPath { Idle, Primary, Copy };
+
+void BM_Stall(benchmark::State &state)
+{
+    const StallPath path = StallPath(state.range(0));
+    CaptureRig *rig = sharedRig();
+    X11Connection x;
+    StallMeter meter;
+    if (path == StallPath::Primary) {
+        if (!xterm) {
+            xterm = new QProcess;
+            xterm->start(QStringLiteral("xterm"),
+                {QStringLiteral("-T"), QStringLiteral("bench"), QStringLiteral("-geometry"),
+                    QStringLiteral("80x8+20+20"), QStringLiteral("-e"), QStringLiteral("sh"),
+                    QStringLiteral("-c"),
+                    QStringLiteral("echo captured by the benchmark; sleep 3600")});
+            settle(1500);
+        }
+        run(QStringLiteral("sh"),
+            {QStringLiteral("-c"),
+                QStringLiteral("w=$(xdotool search --name '^bench$' | head -1); "
+                               "xdotool windowactivate --sync $w mousemove --window $w 30 6 "
+                               "click --repeat 3 --delay 80 1")});
+    } else if (path == StallPath::Copy) {
+        if (!copyTarget) {
+            copyTarget = new QProcess;
+            copyTarget->start(QStringLiteral(COPY_TARGET_PATH),
+                {QStringLiteral("copied by the benchmark"), QStringLiteral("0")});
+            settle(1500);
+        }
+        run(QStringLiteral("sh"),
+            {QStringLiteral("-c"),
+                QStringLiteral("xdotool windowactivate --sync $(xdotool search --name '^Copy "
+                               "Target$' | head -1)")});
+    }
+    settle(200);
+
+    double longest = 0;
+    for (auto _ : state) {
+        if (path == StallPath::Copy) {
+            // The user's clipboard belongs to another program, as it usually does.
+            run(QStringLiteral("sh"),
+                {QStringLiteral("-c"),
+                    QStringLiteral("printf 'the user clipboard' | xclip -i -selection "
+                                   "clipboard")});
+            settle(100);
+        }
+        int finishedCaptures = 0;
+        const QMetaObject::Connection counting = QObject::connect(&rig->engine,
+            &CaptureEngine::captureFinished, [&finishedCaptures] { ++finishedCaptures; });
+        // Starting xdotool blocks for its fork and exec: before the measure,
+        // which still begins well before xdotool's keys arrive.
+        if (path == StallPath::Copy)
+            pressCaptureHotKey();
+        meter.start();
+        if (path == StallPath::Idle) {
+            settle(400);
+            finishedCaptures = 1;
+        } else if (path == StallPath::Primary) {
+            tapShift(x, 50);
+            settle(100);
+            tapShift(x, 50);
+        }
+        QDeadlineTimer deadline(3000);
+        while (finishedCaptures == 0 && !deadline.hasExpired())
+            settle(5);
+        const bool finished = finishedCaptures > 0;
+        QObject::disconnect(counting);
+        const double stall = meter.stop();
+        longest = std::max(longest, stall);
+        state.SetIterationTime(stall);
+        if (!finished) {
+            state.SkipWithError("the capture did not finish");
+            break;
+        }
+        settle(500);
+    }
+    state.counters["longest_ms"] = longest * 1000;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -254,6 +391,15 @@ int main(int argc, char *argv[])
             ->UseManualTime()
             ->Unit(benchmark::kMillisecond);
     }
+    for (const auto &[name, path] : {std::pair {"BM_StallIdle", StallPath::Idle},
+             std::pair {"BM_StallPrimary", StallPath::Primary},
+             std::pair {"BM_StallCopy", StallPath::Copy}}) {
+        benchmark::RegisterBenchmark(name, BM_Stall)
+            ->Arg(int(path))
+            ->Iterations(10)
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond);
+    }
     benchmark::Initialize(&argc, argv);
     Bench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
@@ -268,6 +414,14 @@ int main(int argc, char *argv[])
         reporter.times[primary], reporter.ratio(primary, delivery));
     std::printf("release to note, synthetic copy: %.2f ms, %.1f of recognition\n",
         reporter.times[copy], reporter.ratio(copy, delivery));
+    const std::string idle = "BM_StallIdle/0/iterations:10/manual_time";
+    const std::string stallPrimary = "BM_StallPrimary/1/iterations:10/manual_time";
+    const std::string stallCopy = "BM_StallCopy/2/iterations:10/manual_time";
+    std::printf("1 ms timer lateness, no capture: %.2f ms\n", reporter.times[idle]);
+    std::printf("during a capture through the primary selection: %.2f ms, %.1f of idle\n",
+        reporter.times[stallPrimary], reporter.ratio(stallPrimary, idle));
+    std::printf("during a capture through the synthetic copy: %.2f ms, %.1f of idle\n",
+        reporter.times[stallCopy], reporter.ratio(stallCopy, idle));
     benchmark::Shutdown();
     return 0;
 }

@@ -6,7 +6,10 @@
 //     apart and taken out;
 //   one note edited and committed in a 100k-note library whose active project
 //     holds 10k notes, until the rows are rebuilt, against copying the 10k
-//     row handles into a list.
+//     row handles into a list;
+//   setDone of 20k selected notes, undo with 20k notes selected and one key
+//     press that moves the selection, in a 100k-note library whose active
+//     project holds 25k notes, against one rebuild of that project's rows.
 
 #include "LibraryGenerator.h"
 #include "TestEnvironment.h"
@@ -69,6 +72,10 @@ struct Fixture
     std::unique_ptr<LibraryWriter> writer;
     std::unique_ptr<AttachmentStore> attachments = std::make_unique<AttachmentStore>();
     std::unique_ptr<SearchIndex> searchIndex = std::make_unique<SearchIndex>();
+    //! The large selection's library has an index of its own: switching one
+    //! index between two libraries of 100k notes rewrites most of it each time.
+    std::unique_ptr<SearchIndex> largeSelectionIndex = std::make_unique<SearchIndex>(
+        Test::IsolatedEnvironment::current().cacheHome() + QStringLiteral("/large.sqlite"));
 };
 
 Fixture &fixture()
@@ -148,11 +155,11 @@ void BM_RebuildRows(benchmark::State &state)
 // put back, untimed, before each run.
 template<typename Operation>
 void runOperation(benchmark::State &state, Operation operation,
-    const Library &original = libraryWithActiveProject(100000, 10000))
+    const Library &original = libraryWithActiveProject(100000, 10000), SearchIndex *index = nullptr)
 {
     Store store(original,
         {*fixture().preferences, *fixture().writer, *fixture().attachments,
-            *fixture().searchIndex});
+            index ? *index : *fixture().searchIndex});
     for (auto _ : state) {
         state.PauseTiming();
         store.setLibrary(original);
@@ -217,7 +224,78 @@ void BM_RepairVersion2(benchmark::State &state)
     }
 }
 
+// The large selection: 20k of the 25k notes of the active project, in a
+// library of 100k.
+const Library &largeSelectionLibrary()
+{
+    static const Library library = libraryWithActiveProject(100000, 25000);
+    return library;
+}
+
+QList<QUuid> largeSelection(const Store &store)
+{
+    return firstIDs(store.visibleNotes(), 20000);
+}
+
+void BM_RebuildRowsLargeProject(benchmark::State &state)
+{
+    Store store(largeSelectionLibrary(),
+        {*fixture().preferences, *fixture().writer, *fixture().attachments,
+            *fixture().largeSelectionIndex});
+    for (auto _ : state)
+        store.rebuildRows();
+    state.counters["rows"] = double(store.rows().size());
+}
+
+void BM_SetDoneLargeSelection(benchmark::State &state)
+{
+    runOperation(
+        state,
+        [](Store &store, const QList<Note> &visible) {
+            store.setDone(firstIDs(visible, 20000), true);
+        },
+        largeSelectionLibrary(), fixture().largeSelectionIndex.get());
+}
+
+void BM_UndoWithLargeSelection(benchmark::State &state)
+{
+    Store store(largeSelectionLibrary(),
+        {*fixture().preferences, *fixture().writer, *fixture().attachments,
+            *fixture().largeSelectionIndex});
+    const QList<QUuid> ids = largeSelection(store);
+    const QSet<QUuid> selection(ids.cbegin(), ids.cend());
+    for (auto _ : state) {
+        state.PauseTiming();
+        store.setLibrary(largeSelectionLibrary());
+        store.rebuildRows();
+        store.setSelection(selection, ids.first());
+        store.deleteNotes({ids.last()}); // one step to undo
+        store.setSelection(selection, ids.first());
+        state.ResumeTiming();
+        store.undo();
+    }
+    state.counters["selected"] = double(store.selection().size());
+}
+
+void BM_MoveSelectionLargeProject(benchmark::State &state)
+{
+    Store store(largeSelectionLibrary(),
+        {*fixture().preferences, *fixture().writer, *fixture().attachments,
+            *fixture().largeSelectionIndex});
+    const QList<QUuid> ids = largeSelection(store);
+    store.setSelection({ids.at(10000)}, ids.at(10000));
+    int step = 1;
+    for (auto _ : state) {
+        store.moveSelection(step, false);
+        step = -step;
+    }
+}
+
 BENCHMARK(BM_RebuildRows)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RebuildRowsLargeProject)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SetDoneLargeSelection)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_UndoWithLargeSelection)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_MoveSelectionLargeProject)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_MergeTwo)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_MoveHundred)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DeleteThousand)->Unit(benchmark::kMillisecond);
@@ -252,9 +330,17 @@ int main(int argc, char *argv[])
         std::printf("%-26s %7.2f ms  %5.2f rebuilds\n", name, t[name],
             rebuild > 0 ? t[name] / rebuild : 0.0);
     }
+    const double largeRebuild = t["BM_RebuildRowsLargeProject"];
+    std::printf("\n100k notes, 25k in the active project (one rebuild %.2f ms):\n", largeRebuild);
+    for (const char *name :
+        {"BM_SetDoneLargeSelection", "BM_UndoWithLargeSelection", "BM_MoveSelectionLargeProject"}) {
+        std::printf("%-30s %8.2f ms  %6.2f rebuilds\n", name, t[name],
+            largeRebuild > 0 ? t[name] / largeRebuild : 0.0);
+    }
     benchmark::Shutdown();
     fixture().writer.reset();
     fixture().attachments.reset();
     fixture().searchIndex.reset();
+    fixture().largeSelectionIndex.reset();
     return 0;
 }

@@ -12,9 +12,11 @@ cmake --build build-bench --parallel "$(nproc)"
 (cd build-bench && ./bench/bench_store --benchmark_min_time=0.5 "$@")
 (cd build-bench && ./bench/bench_search --benchmark_min_time=0.5 "$@")
 (cd build-bench && ./bench/bench_text --benchmark_min_time=0.5 "$@")
+(cd build-bench && ./bench/bench_list --benchmark_min_time=1 "$@")
 build-bench/bench/library_memory 100000
 (cd build-bench && ./bench/bench_attachments "$@")
 # The program and its window, in a private X session.
 tests/x-session.sh build-bench/bench/bench_startup "$@"
 tests/x-session.sh build-bench/bench/bench_panel "$@"
+tests/x-session.sh build-bench/bench/bench_composer "$@"
 tests/x-session.sh build-bench/bench/bench_capture "$@"

@@ -13,10 +13,13 @@ packages=(
     libsqlite3-dev libsimdjson-dev libbenchmark-dev
     libxcb1-dev libxcb-xinput-dev libxcb-xtest0-dev libxcb-res0-dev libxcb-xkb-dev
     libxkbcommon-dev libxkbcommon-x11-dev
+    # spell checking in the text fields, and a dictionary for its tests
+    libenchant-2-dev hunspell-en-us
     # a real X session for the platform and interface tests
     xvfb xauth openbox x11-utils xdotool xclip xterm
-    # a private session bus for the file manager's D-Bus interface
-    dbus-daemon
+    # a private session bus (the file manager's D-Bus interface); a system tray;
+    # the panel and the Settings window read over AT-SPI as a screen reader does
+    dbus dbus-bin dbus-daemon trayer at-spi2-core python3-pyatspi gir1.2-atspi-2.0
     # runtime plugins
     qt6-qpa-plugins fonts-dejavu-core
     # the file types of attachments

@@ -9,12 +9,15 @@
 #include "TestEnvironment.h"
 
 #include "ProgramSession.h"
+#include "SmallFileSystem.h"
 
 #include <QDir>
 #include <QProcess>
+#include <QSettings>
 #include <QTemporaryDir>
 
 #include <csignal>
+#include <sys/stat.h>
 
 using namespace Vesko;
 
@@ -60,6 +63,8 @@ private Q_SLOTS:
     void escapeHidesThePanel();
     void startsAgainAfterACrash();
     void unreadableLibraryIsSetAside();
+    void pairedLaunchesLeaveOneRunning();
+    void failedSaveIsRetriedThenRescued();
 };
 
 void AppTest::initTestCase()
@@ -106,9 +111,10 @@ void AppTest::secondLaunchShowsTheFirstPanel()
     const QString panel = visiblePanel();
     QCOMPARE(xdotool({QStringLiteral("getwindowpid"), panel}).toLongLong(), first->processId());
 
-    // Hidden by Escape, then brought back by a second launch.
+    // Hidden by Escape (the empty composer hands the keyboard to the list,
+    // which hides the panel), then brought back by a second launch.
     QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
-    xdotool({QStringLiteral("key"), QStringLiteral("Escape")});
+    xdotool({QStringLiteral("key"), QStringLiteral("Escape"), QStringLiteral("Escape")});
     QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), 5000);
 
     QProcess *second = session.start();
@@ -136,6 +142,10 @@ void AppTest::escapeHidesThePanel()
     QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
     const QString panel = visiblePanel();
     QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
+    // The first Escape only moves the keyboard from the empty composer to the list.
+    xdotool({QStringLiteral("key"), QStringLiteral("Escape")});
+    QTest::qWait(300);
+    QVERIFY(!visiblePanel().isEmpty());
     xdotool({QStringLiteral("key"), QStringLiteral("Escape")});
     QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), 5000);
     // Hiding is not quitting.
@@ -184,6 +194,88 @@ void AppTest::unreadableLibraryIsSetAside()
     const Library library = readLibrary(session.libraryPath());
     QCOMPARE(library.projects.size(), 1);
     QVERIFY(noteTexts(library).isEmpty());
+}
+
+void AppTest::pairedLaunchesLeaveOneRunning()
+{
+    Session session;
+    for (int round = 1; round <= 20; ++round) {
+        QProcess *first = session.start();
+        QProcess *second = session.start();
+        // One of the two hands "reopen" to the other and ends.
+        QTRY_VERIFY_WITH_TIMEOUT(
+            first->state() == QProcess::NotRunning || second->state() == QProcess::NotRunning,
+            15000);
+        QProcess *ended = first->state() == QProcess::NotRunning ? first : second;
+        QProcess *running = ended == first ? second : first;
+        QVERIFY2(ended->exitStatus() == QProcess::NormalExit && ended->exitCode() == 0,
+            qPrintable(QStringLiteral("round %1").arg(round)));
+
+        QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+        QCOMPARE(xdotool({QStringLiteral("getwindowpid"), visiblePanel()}).toLongLong(),
+            running->processId());
+        QCOMPARE(running->state(), QProcess::Running);
+        running->terminate();
+        QVERIFY(running->waitForFinished(10000));
+        QCOMPARE(running->exitCode(), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), 5000);
+    }
+}
+
+void AppTest::failedSaveIsRetriedThenRescued()
+{
+    Session session;
+    Test::SmallFileSystem disk(session.rootFolder() + QStringLiteral("/disk"), 320);
+    if (!disk.isMounted())
+        QSKIP(qPrintable(QStringLiteral("Cannot mount a tmpfs: ") + disk.failure()));
+    const QString library = disk.folder() + QStringLiteral("/Library.json");
+    {
+        QSettings settings(session.configPath(), QSettings::IniFormat);
+        settings.setValue(QStringLiteral("libraryPath"), library);
+    }
+    QProcess *vesko = session.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), visiblePanel(), 5000);
+
+    // The disk fills up before the note is added: its save fails.
+    QVERIFY(disk.fill());
+    const QString first = QStringLiteral("Saved once there is room");
+    xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("5"), first});
+    xdotool({QStringLiteral("key"), QStringLiteral("Return")});
+    QTest::qWait(1500);
+    QVERIFY(!noteTexts(readLibrary(library)).contains(first));
+
+    // Room again: the note reaches the file without another change.
+    disk.release();
+    QTRY_VERIFY_WITH_TIMEOUT(noteTexts(readLibrary(library)).contains(first), 6000);
+
+    // Full again, and the program is ended: the last state goes to a rescue file.
+    QVERIFY(disk.fill());
+    const QString second = QStringLiteral("Rescued at the end");
+    xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("5"), second});
+    xdotool({QStringLiteral("key"), QStringLiteral("Return")});
+    QTest::qWait(1500);
+    ::kill(pid_t(vesko->processId()), SIGTERM);
+    QVERIFY(vesko->waitForFinished(10000));
+    QCOMPARE(vesko->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(vesko->exitCode(), 0);
+    QVERIFY(!noteTexts(readLibrary(library)).contains(second));
+
+    const QString rescueFolder = session.stateFolder() + QStringLiteral("/Vesko");
+    const QStringList rescued
+        = QDir(rescueFolder).entryList({QStringLiteral("Library-unsaved-*.json")}, QDir::Files);
+    QCOMPARE(rescued.size(), 1);
+    QVERIFY2(
+        QRegularExpression(
+            QStringLiteral("^Library-unsaved-\\d{4}-\\d\\d-\\d\\dT\\d\\d-\\d\\d-\\d\\dZ\\.json$"))
+            .match(rescued.first())
+            .hasMatch(),
+        qPrintable(rescued.first()));
+    const QString rescue = rescueFolder + u'/' + rescued.first();
+    QCOMPARE(noteTexts(readLibrary(rescue)), (QStringList {first, second}));
+    struct stat info;
+    QCOMPARE(::stat(QFile::encodeName(rescue).constData(), &info), 0);
+    QCOMPARE(info.st_mode & 07777, 0600u);
 }
 
 VESKO_TEST_MAIN(AppTest)

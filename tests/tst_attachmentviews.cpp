@@ -652,14 +652,13 @@ void AttachmentViewsTest::newNoteImportFailureIsToasted()
     // The composer's files go through the program's commands, as in the program.
     PanelCommands commands;
     installAttachmentCommands(commands);
-    std::optional<QString> failure;
-    commands.importFiles({QUrl::fromLocalFile(m_folder + QStringLiteral("/nowhere.txt"))},
-        [&](const QList<NoteAttachment> &records, const QString &text) {
-            QVERIFY(records.isEmpty());
-            failure = text;
+    bool answered = false;
+    commands.importForNewNote({QUrl::fromLocalFile(m_folder + QStringLiteral("/nowhere.txt"))},
+        [&](const std::optional<QList<NoteAttachment>> &records) {
+            QVERIFY(!records);
+            answered = true;
         });
-    QVERIFY(QTest::qWaitFor([&] { return failure.has_value(); }, 10000));
-    QVERIFY(!failure->isEmpty());
+    QVERIFY(QTest::qWaitFor([&] { return answered; }, 10000));
     QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Could Not Add Attachment"));
 }
 

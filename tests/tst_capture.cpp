@@ -4,19 +4,24 @@
 // conflicts and display, the selection reader's order and fallbacks against a
 // fake session and clipboard, and the capture engine's flow into the Store.
 
+#include "ProgramSession.h"
 #include "TestEnvironment.h"
+
+#include "FakeCaptureFeedback.h"
+#include "FakeClipboard.h"
+#include "FakeDesktopSession.h"
+#include "FakeHotKeyRegistrar.h"
+#include "FakeKeyLayout.h"
+#include "FakeKeyMonitor.h"
 
 #include "attachments/AttachmentStore.h"
 #include "capture/AccessibilityPermission.h"
 #include "capture/CaptureEngine.h"
 #include "capture/DoubleShiftMonitor.h"
 #include "capture/HotKeyCenter.h"
-#include "platform/KeyMonitor.h"
 #include "capture/SelectionReader.h"
 #include "capture/SelectionText.h"
 #include "library/LibraryWriter.h"
-#include "platform/Clipboard.h"
-#include "platform/DesktopSession.h"
 #include "platform/SettingsFile.h"
 #include "search/SearchIndex.h"
 #include "shell/Preferences.h"
@@ -28,119 +33,12 @@ using namespace Vesko;
 
 namespace {
 
-class FakeClipboard : public Clipboard
-{
-public:
-    void setText(const QString &text) override
-    {
-        items = {{{QStringLiteral("text/plain"), text.toUtf8()}}};
-        ++count;
-    }
-    Snapshot snapshot() const override { return items; }
-    void restore(const Snapshot &snapshot) override
-    {
-        items = snapshot;
-        ++count;
-        ++restores;
-    }
-    quint64 changeCount() const override { return count; }
-    std::optional<QString> text() const override
-    {
-        if (items.isEmpty() || !items.first().contains(QStringLiteral("text/plain")))
-            return std::nullopt;
-        return QString::fromUtf8(items.first().value(QStringLiteral("text/plain")));
-    }
-
-    Snapshot items;
-    quint64 count = 0;
-    int restores = 0;
-};
-
-class FakeSession : public DesktopSession
-{
-public:
-    std::optional<FrontApplication> frontApplication() override { return front; }
-    std::optional<QString> primarySelection(qint64 processID) override
-    {
-        return processID == primaryOwner ? primary : std::nullopt;
-    }
-    bool sendCopy(int attempt) override
-    {
-        copies.append(attempt);
-        if (onCopy)
-            onCopy(attempt);
-        return true;
-    }
-
-    std::optional<FrontApplication> front;
-    std::optional<QString> primary;
-    qint64 primaryOwner = 0;
-    QList<int> copies;
-    std::function<void(int)> onCopy;
-};
-
-class FakeKeys : public KeyMonitor
-{
-public:
-    bool start(std::function<void(const KeyEvent &)> r) override
-    {
-        receiver = std::move(r);
-        return true;
-    }
-    void stop() override { receiver = nullptr; }
-    bool isRunning() const override { return bool(receiver); }
-    std::function<void(const KeyEvent &)> receiver;
-};
-
-class FakeRegistrar : public HotKeyRegistrar
-{
-public:
-    void installHandler(std::function<void(int)> h) override { handler = std::move(h); }
-    void removeHandler() override { handler = nullptr; }
-    int registerKey(int id, quint16 keyCode, quint64 modifiers) override
-    {
-        for (auto it = held.cbegin(); it != held.cend(); ++it) {
-            if (it.value() == qMakePair(keyCode, modifiers))
-                return 10; // taken
-        }
-        held.insert(id, qMakePair(keyCode, modifiers));
-        return 0;
-    }
-    void unregisterKey(int id) override { held.remove(id); }
-
-    QMap<int, QPair<quint16, quint64>> held;
-    std::function<void(int)> handler;
-};
-
-class FakeFeedback : public CaptureFeedback
-{
-public:
-    void showPanel(bool activate, bool focusComposer) override
-    {
-        shows.append(qMakePair(activate, focusComposer));
-    }
-    void togglePanel() override { ++toggles; }
-    void toast(const QString &message, const QString &symbol) override
-    {
-        toasts.append(message + u'|' + symbol);
-    }
-    QList<QPair<bool, bool>> shows;
-    int toggles = 0;
-    QStringList toasts;
-};
-
-class FakeLayout : public KeyLayout
-{
-public:
-    std::optional<QString> keyText(quint16 keyCode) const override
-    {
-        if (keyCode == 54)
-            return QStringLiteral("c");
-        if (keyCode == 57)
-            return QStringLiteral("n");
-        return std::nullopt;
-    }
-};
+using Test::FakeCaptureFeedback;
+using Test::FakeClipboard;
+using Test::FakeDesktopSession;
+using Test::FakeHotKeyRegistrar;
+using Test::FakeKeyLayout;
+using Test::FakeKeyMonitor;
 
 //! The capture logic over fakes of the desktop, as the program puts it together.
 struct EngineRig
@@ -156,11 +54,11 @@ struct EngineRig
               clipboard})
     { }
 
-    FakeSession session;
+    FakeDesktopSession session;
     FakeClipboard clipboard;
-    FakeKeys keys;
-    FakeRegistrar registrar;
-    FakeFeedback feedback;
+    FakeKeyMonitor keys;
+    FakeHotKeyRegistrar registrar;
+    FakeCaptureFeedback feedback;
     HotKeyCenter hotKeys;
     AccessibilityPermission permission;
     DoubleShiftMonitor monitor;
@@ -196,6 +94,7 @@ private Q_SLOTS:
 
     void hotKeysFromSettings();
     void hotKeyRegistration();
+    void noHotKeysWhereTheSessionHasNone();
     void hotKeyDisplay_data();
     void hotKeyDisplay();
 
@@ -205,9 +104,12 @@ private Q_SLOTS:
     void copyFallbacks_data();
     void copyFallbacks();
     void neverCopiesInATerminal();
+    void changesBeforeTheSnapshotAreNotTheCopy();
+    void oneReadAtATime();
 
     void captureIntoTheSourceSection_data();
     void captureIntoTheSourceSection();
+    void secondTriggerDuringACaptureIsDropped_data();
     void secondTriggerDuringACaptureIsDropped();
     void captureWithoutTrust();
     void nothingSelected();
@@ -281,10 +183,12 @@ void CaptureTest::normalizeCapturedText()
 
 void CaptureTest::hotKeysFromSettings()
 {
-    FakeRegistrar registrar;
+    FakeHotKeyRegistrar registrar;
     {
         const HotKeyCenter fresh(registrar);
-        QCOMPARE(fresh.combo(HotKeyAction::TogglePanel), KeyCombo({65, ModifierFlag::Option}));
+        // Super+Alt+Space: Alt+Space alone is most desktops' window menu.
+        QCOMPARE(fresh.combo(HotKeyAction::TogglePanel),
+            KeyCombo({65, ModifierFlag::Control | ModifierFlag::Option}));
         QCOMPARE(fresh.combo(HotKeyAction::CaptureSelection),
             KeyCombo({54, ModifierFlag::Control | ModifierFlag::Option}));
         QCOMPARE(fresh.combo(HotKeyAction::QuickAdd)->keyCode, 57);
@@ -310,7 +214,7 @@ void CaptureTest::hotKeysFromSettings()
 
 void CaptureTest::hotKeyRegistration()
 {
-    FakeRegistrar registrar;
+    FakeHotKeyRegistrar registrar;
     HotKeyCenter center(registrar);
     // An edited store: two actions on one combination, and one without modifiers.
     center.setCombo({54, ModifierFlag::Control | ModifierFlag::Option}, HotKeyAction::QuickAdd);
@@ -343,6 +247,22 @@ void CaptureTest::hotKeyRegistration()
     QVERIFY(!registrar.handler);
 }
 
+void CaptureTest::noHotKeysWhereTheSessionHasNone()
+{
+    FakeHotKeyRegistrar registrar;
+    registrar.available = false;
+    HotKeyCenter center(registrar);
+    center.registerAll();
+    center.setCombo({57, ModifierFlag::Command}, HotKeyAction::QuickAdd);
+    QVERIFY(registrar.held.isEmpty());
+    for (HotKeyAction action : allHotKeyActions) {
+        QVERIFY(!center.isRegistered(action));
+        // Nothing took the keys: Settings must not say another program did.
+        QVERIFY(!center.isRefused(action));
+    }
+    QCOMPARE(center.combo(HotKeyAction::QuickAdd), KeyCombo({57, ModifierFlag::Command}));
+}
+
 void CaptureTest::hotKeyDisplay_data()
 {
     using namespace ModifierFlag;
@@ -354,6 +274,8 @@ void CaptureTest::hotKeyDisplay_data()
     QTest::newRow("Ctrl+Shift+F5")
         << KeyCombo {71, Shift | Command} << "Ctrl+Shift+F5" << u"\u21E7\u2318F5"_qs;
     QTest::newRow("Alt+Space") << KeyCombo {65, Option} << "Alt+Space" << u"\u2325Space"_qs;
+    QTest::newRow("Super+Alt+Space")
+        << KeyCombo {65, Control | Option} << "Super+Alt+Space" << u"\u2303\u2325Space"_qs;
     QTest::newRow("Ctrl+Backspace")
         << KeyCombo {22, Command} << "Ctrl+Backspace" << u"\u2318\u232B"_qs;
     QTest::newRow("unknown key") << KeyCombo {200, Option} << "Alt+Key 200" << u"\u2325Key 200"_qs;
@@ -364,14 +286,14 @@ void CaptureTest::hotKeyDisplay()
     QFETCH(KeyCombo, combo);
     QFETCH(QString, desktop);
     QFETCH(QString, symbols);
-    const FakeLayout layout;
+    const FakeKeyLayout layout;
     QCOMPARE(displayString(combo, &layout), desktop);
     QCOMPARE(symbolDisplayString(combo, &layout), symbols);
 }
 
 void CaptureTest::primarySelectionOfTheFrontProcess()
 {
-    FakeSession session;
+    FakeDesktopSession session;
     FakeClipboard clipboard;
     session.front = xterm();
     session.primary = QStringLiteral("  make test\r\n");
@@ -400,7 +322,7 @@ void CaptureTest::primaryFallsBackToCopy()
 {
     QFETCH(QString, primary);
     QFETCH(qint64, owner);
-    FakeSession session;
+    FakeDesktopSession session;
     FakeClipboard clipboard;
     session.front = editor();
     session.primary = primary;
@@ -443,7 +365,7 @@ void CaptureTest::copyFallbacks()
     QFETCH(QList<int>, attempts);
     QFETCH(QString, captured);
     QFETCH(QString, clipboardAfter);
-    FakeSession session;
+    FakeDesktopSession session;
     FakeClipboard clipboard;
     const Clipboard::Snapshot users = {{{QStringLiteral("text/html"), QByteArray("<b>x</b>")},
         {QStringLiteral("text/plain"), QByteArray("x")}}};
@@ -477,7 +399,7 @@ void CaptureTest::copyFallbacks()
 
 void CaptureTest::neverCopiesInATerminal()
 {
-    FakeSession session;
+    FakeDesktopSession session;
     FakeClipboard clipboard;
     session.front = xterm();
     SelectionReader reader(session, clipboard, [] { return true; });
@@ -490,6 +412,60 @@ void CaptureTest::neverCopiesInATerminal()
     QVERIFY(done);
     QVERIFY(!result);
     QVERIFY(session.copies.isEmpty());
+}
+
+void CaptureTest::changesBeforeTheSnapshotAreNotTheCopy()
+{
+    FakeDesktopSession session;
+    FakeClipboard clipboard;
+    session.front = editor();
+    clipboard.setText(QStringLiteral("the user's"));
+    // The application answers only the second Ctrl+C.
+    session.onCopy = [&](int attempt) {
+        if (attempt == 2)
+            clipboard.setText(QStringLiteral("copied"));
+    };
+    clipboard.answers.holding = true;
+    SelectionReader reader(session, clipboard, [] { return true; });
+    std::optional<CapturedSelection> result;
+    bool done = false;
+    reader.readSelection([&](std::optional<CapturedSelection> s) {
+        result = s;
+        done = true;
+    });
+    QCOMPARE(clipboard.answers.heldCount(), 1);
+    QVERIFY2(session.copies.isEmpty(), "no key goes out before the snapshot is taken");
+
+    // Another program changes the clipboard while its snapshot is on the way.
+    clipboard.setText(QStringLiteral("another program's"));
+    clipboard.answers.holding = false;
+    clipboard.answers.release();
+    QTRY_VERIFY_WITH_TIMEOUT(done, 3000);
+    QCOMPARE(session.copies, (QList<int> {1, 2}));
+    QVERIFY(result);
+    QCOMPARE(result->text, QStringLiteral("copied"));
+    QCOMPARE(clipboard.text(), QStringLiteral("another program's"));
+}
+
+void CaptureTest::oneReadAtATime()
+{
+    FakeDesktopSession session;
+    FakeClipboard clipboard;
+    session.front = editor();
+    session.primary = QStringLiteral("selected");
+    session.primaryOwner = editor().processID;
+    session.primaryAnswers.holding = true;
+    SelectionReader reader(session, clipboard, [] { return true; });
+    QStringList answers;
+    const auto record = [&answers](std::optional<CapturedSelection> s) {
+        answers.append(s ? s->text : QStringLiteral("none"));
+    };
+    reader.readSelection(record);
+    reader.readSelection(record);
+    QCOMPARE(answers, QStringList {QStringLiteral("none")});
+    session.primaryAnswers.release();
+    QCOMPARE(answers, (QStringList {QStringLiteral("none"), QStringLiteral("selected")}));
+    QVERIFY(!reader.isReading());
 }
 
 std::unique_ptr<Store> CaptureTest::makeStore()
@@ -552,23 +528,65 @@ void CaptureTest::captureIntoTheSourceSection()
     Preferences::shared().setGroupCapturesBySource(true);
 }
 
+void CaptureTest::secondTriggerDuringACaptureIsDropped_data()
+{
+    // Where the capture waits on the desktop when the second trigger comes.
+    QTest::addColumn<QString>("waitingOn");
+    QTest::addColumn<QString>("captured");
+    QTest::newRow("the primary selection") << "primary"
+                                           << "from primary";
+    QTest::newRow("the clipboard snapshot") << "snapshot"
+                                            << "copied once";
+    QTest::newRow("held keys before the copy") << "keys"
+                                               << "copied once";
+    QTest::newRow("the clipboard's text") << "text"
+                                          << "copied once";
+}
+
 void CaptureTest::secondTriggerDuringACaptureIsDropped()
 {
+    QFETCH(QString, waitingOn);
+    QFETCH(QString, captured);
     const std::unique_ptr<Store> store = makeStore();
     EngineRig rig(*store);
     rig.session.front = editor();
-    rig.session.onCopy = [&rig](int) {
-        QTimer::singleShot(50, [&rig] { rig.clipboard.setText(QStringLiteral("once")); });
-    };
+    if (waitingOn == u"primary") {
+        rig.session.primary = QStringLiteral("from primary");
+        rig.session.primaryOwner = editor().processID;
+    }
+    rig.session.onCopy = [&rig](int) { rig.clipboard.setText(QStringLiteral("copied once")); };
+    Test::FakeAnswers &held = waitingOn == u"primary" ? rig.session.primaryAnswers
+        : waitingOn == u"keys"                        ? rig.session.copyAnswers
+                                                      : rig.clipboard.answers;
+    held.holding = true;
+    rig.engine.start();
     QSignalSpy finished(&rig.engine, &CaptureEngine::captureFinished);
     rig.engine.captureSelection();
+    if (waitingOn == u"text") {
+        // The snapshot goes first; the text is asked once the copy has landed.
+        QCOMPARE(held.heldCount(), 1);
+        held.release();
+    }
+    QTRY_COMPARE(held.heldCount(), 1);
     QVERIFY(rig.engine.isCapturing());
+
+    // A menu entry and a double Shift while the capture waits: both dropped.
     rig.engine.captureSelection();
+    double time = 10;
+    for (quint64 flags : {ModifierFlag::Shift, quint64(0), ModifierFlag::Shift, quint64(0)})
+        rig.keys.receiver(KeyEvent {KeyEvent::FlagsChanged, 50, flags, time += 0.1});
+    QTest::qWait(50);
+    QCOMPARE(held.heldCount(), 1);
+    QCOMPARE(finished.count(), 0);
+
+    held.holding = false;
+    held.release();
     QTRY_COMPARE(finished.count(), 1);
     QTest::qWait(100);
     QCOMPARE(finished.count(), 1);
     QCOMPARE(noteCount(store->library()), 1);
-    QCOMPARE(rig.session.copies.size(), 1);
+    QCOMPARE(Test::allNotes(store->library()).first().text, captured);
+    QVERIFY(rig.session.copies.size() <= 1);
 }
 
 void CaptureTest::captureWithoutTrust()

@@ -4,8 +4,10 @@
 // selected in an xterm becomes a note labelled with the xterm and its title
 // after two Shift taps or the capture hot key; a window that answers Ctrl+C
 // slowly is read through the clipboard, which is put back afterwards, and a
-// second gesture during that capture adds nothing; with nothing selected
-// there is a toast and no note.
+// second gesture during that capture adds nothing; the capture hot key held
+// down through the keyboard's repeats captures once, into a window that
+// only answers a clean Ctrl+C; with nothing selected there is a toast and no
+// note.
 
 #include "TestEnvironment.h"
 
@@ -99,6 +101,7 @@ private Q_SLOTS:
     void captureFromXterm_data();
     void captureFromXterm();
     void slowCopyThroughTheClipboard();
+    void hotKeyHeldDown();
     void nothingSelected();
 };
 
@@ -177,6 +180,32 @@ void CaptureX11Test::slowCopyThroughTheClipboard()
     QCOMPARE(session.notes().first().text, text);
     QCOMPARE(session.notes().first().source->windowTitle, QStringLiteral("Copy Target"));
     // The clipboard is the user's again.
+    QCOMPARE(
+        xclip({QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard")}),
+        QStringLiteral("the user's clipboard"));
+}
+
+void CaptureX11Test::hotKeyHeldDown()
+{
+    CaptureSession session;
+    QVERIFY(session.startVesko());
+    xclip({QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard")},
+        QByteArray("the user's clipboard"));
+    const QString text = QStringLiteral("held words");
+    session.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("0")});
+    QString window;
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !(window = Test::visibleWindow(QStringLiteral("^Copy Target$"))).isEmpty(), 10000);
+    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
+
+    // Held longer than the keyboard's repeat delay, and longer than Vesko
+    // waits for held keys before it lets the modifiers go.
+    xdotool({QStringLiteral("keydown"), QStringLiteral("super+alt+c"), QStringLiteral("sleep"),
+        QStringLiteral("1"), QStringLiteral("keyup"), QStringLiteral("super+alt+c")});
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 5000);
+    QTest::qWait(1500);
+    QCOMPARE(session.notes().size(), 1);
+    QCOMPARE(session.notes().first().text, text);
     QCOMPARE(
         xclip({QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard")}),
         QStringLiteral("the user's clipboard"));

@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The clipboard of a real X session (run under Xvfb), read and written by a
-// real other client, xclip: snapshots keep every format byte for byte, an
-// empty clipboard comes back empty, and copies from the Store land as text.
+// The clipboard of a real X session (run under Xvfb), read and written by
+// real other clients: snapshots keep every format byte for byte, also of a
+// large image that comes piecewise (xclip); a slow owner (copy_target) is
+// read without holding the event loop, a silent one ends the snapshot within
+// its bound; an empty clipboard comes back empty, and copies from the Store
+// land as text.
 
 #include "TestEnvironment.h"
 
 #include "attachments/AttachmentStore.h"
 #include "library/LibraryWriter.h"
-#include "platform/qt/QtClipboard.h"
+#include "platform/x11/X11Clipboard.h"
 #include "search/SearchIndex.h"
 #include "shell/Preferences.h"
 #include "store/Store.h"
@@ -19,6 +22,8 @@
 #include <QImage>
 #include <QMimeData>
 #include <QProcess>
+#include <QTemporaryFile>
+#include <QTimer>
 
 using namespace Vesko;
 
@@ -39,6 +44,26 @@ std::optional<QByteArray> readWithXclip(const QString &target)
     if (xclip.exitStatus() != QProcess::NormalExit || xclip.exitCode() != 0)
         return std::nullopt;
     return xclip.readAllStandardOutput();
+}
+
+//! The snapshot \a clipboard hands over, waited for on the event loop.
+Clipboard::Snapshot snapshotOf(Clipboard &clipboard)
+{
+    std::optional<Clipboard::Snapshot> snapshot;
+    clipboard.requestSnapshot([&snapshot](Clipboard::Snapshot s) { snapshot = std::move(s); });
+    if (!QTest::qWaitFor([&] { return snapshot.has_value(); }, 10000))
+        return {};
+    return *snapshot;
+}
+
+//! Starts copy_target as the clipboard's owner, giving each format after \a delay ms.
+bool startClipboardOwner(QProcess &owner, const QString &text, int delay)
+{
+    owner.start(QStringLiteral(COPY_TARGET_PATH),
+        {QStringLiteral("--own-clipboard"), text, QString::number(delay)});
+    return owner.waitForStarted()
+        && QTest::qWaitFor([&owner] { return owner.canReadLine(); }, 10000)
+        && owner.readLine().trimmed() == "owned";
 }
 
 QByteArray pngBytes()
@@ -62,6 +87,9 @@ private Q_SLOTS:
     void initTestCase();
     void snapshotKeepsEveryFormat();
     void textFromAnotherClient();
+    void slowOwnerIsReadOnTheEventLoop();
+    void silentOwnerEndsTheSnapshot();
+    void largeImagePiecewise();
     void emptyClipboardRestoresEmpty();
     void storeCopiesLandAsText();
 };
@@ -73,7 +101,7 @@ void ClipboardTest::initTestCase()
 
 void ClipboardTest::snapshotKeepsEveryFormat()
 {
-    QtClipboard clipboard;
+    X11Clipboard clipboard;
     const QByteArray png = pngBytes();
     auto *data = new QMimeData;
     data->setData(QStringLiteral("text/plain"), QByteArray("plain ünïcode"));
@@ -81,7 +109,7 @@ void ClipboardTest::snapshotKeepsEveryFormat()
     data->setData(QStringLiteral("image/png"), png);
     QGuiApplication::clipboard()->setMimeData(data);
 
-    const Clipboard::Snapshot snapshot = clipboard.snapshot();
+    const Clipboard::Snapshot snapshot = snapshotOf(clipboard);
     QCOMPARE(snapshot.size(), 1);
     QCOMPARE(snapshot.first().value(QStringLiteral("text/html")), QByteArray("<b>bold</b>"));
 
@@ -96,7 +124,7 @@ void ClipboardTest::snapshotKeepsEveryFormat()
 
 void ClipboardTest::textFromAnotherClient()
 {
-    QtClipboard clipboard;
+    X11Clipboard clipboard;
     QProcess xclip;
     xclip.start(QStringLiteral("xclip"),
         {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard")});
@@ -109,7 +137,7 @@ void ClipboardTest::textFromAnotherClient()
         },
         10000));
 
-    const Clipboard::Snapshot snapshot = clipboard.snapshot();
+    const Clipboard::Snapshot snapshot = snapshotOf(clipboard);
     QVERIFY(!snapshot.isEmpty());
     clipboard.setText(QStringLiteral("overwritten"));
     clipboard.restore(snapshot);
@@ -118,17 +146,103 @@ void ClipboardTest::textFromAnotherClient()
     xclip.waitForFinished();
 }
 
+void ClipboardTest::slowOwnerIsReadOnTheEventLoop()
+{
+    // Each format comes 300 ms after it is asked for; the owner stands still meanwhile.
+    QProcess owner;
+    QVERIFY(startClipboardOwner(owner, QStringLiteral("slow words"), 300));
+    X11Clipboard clipboard;
+    int turns = 0;
+    QTimer turning;
+    QObject::connect(&turning, &QTimer::timeout, [&turns] { ++turns; });
+    turning.start(5);
+    std::optional<int> turnsBeforeTheAnswer;
+    Clipboard::Snapshot snapshot;
+    clipboard.requestSnapshot([&](Clipboard::Snapshot s) {
+        turnsBeforeTheAnswer = turns;
+        snapshot = std::move(s);
+    });
+    QVERIFY2(!turnsBeforeTheAnswer, "the snapshot was taken while the program waited");
+    QTRY_VERIFY_WITH_TIMEOUT(turnsBeforeTheAnswer.has_value(), 15000);
+    QVERIFY(*turnsBeforeTheAnswer > 0);
+    QCOMPARE(snapshot.size(), 1);
+    const QMap<QString, QByteArray> &formats = snapshot.first();
+    QCOMPARE(formats.value(QStringLiteral("text/plain")), QByteArray("slow words"));
+    QCOMPARE(formats.value(QStringLiteral("text/html")), QByteArray("<b>slow words</b>"));
+    QCOMPARE(formats.value(QStringLiteral("application/x-vesko-test")), QByteArray("sdrow wols"));
+
+    std::optional<QString> text;
+    clipboard.requestText([&text](std::optional<QString> t) { text = t; });
+    QVERIFY(!text);
+    QTRY_COMPARE_WITH_TIMEOUT(text, QStringLiteral("slow words"), 5000);
+    owner.kill();
+    owner.waitForFinished();
+}
+
+void ClipboardTest::silentOwnerEndsTheSnapshot()
+{
+    // The owner takes far longer than the bound for each format.
+    QProcess owner;
+    QVERIFY(startClipboardOwner(owner, QStringLiteral("never sent"), 2500));
+    X11Clipboard clipboard;
+    std::optional<Clipboard::Snapshot> snapshot;
+    clipboard.requestSnapshot([&snapshot](Clipboard::Snapshot s) { snapshot = std::move(s); });
+    QVERIFY(!snapshot);
+    QTRY_VERIFY_WITH_TIMEOUT(snapshot.has_value(), 10000);
+    QVERIFY(snapshot->isEmpty());
+    owner.kill();
+    owner.waitForFinished();
+
+    // The late answers it may still send are no one's: the next owner is read as it should be.
+    QProcess xclip;
+    xclip.start(QStringLiteral("xclip"),
+        {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard")});
+    xclip.write("the next owner's");
+    xclip.closeWriteChannel();
+    xclip.waitForFinished(5000);
+    QTRY_COMPARE_WITH_TIMEOUT(snapshotOf(clipboard).value(0).value(QStringLiteral("text/plain")),
+        QByteArray("the next owner's"), 10000);
+}
+
+void ClipboardTest::largeImagePiecewise()
+{
+    // Four mebibytes of image data: more than one property holds, so xclip
+    // sends it in pieces.
+    QByteArray image = pngBytes();
+    for (quint32 i = 0; image.size() < 4 * 1024 * 1024; ++i)
+        image.append(char(i * 2654435761u >> 24));
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    file.write(image);
+    file.close();
+    QProcess xclip;
+    xclip.start(QStringLiteral("xclip"),
+        {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
+            QStringLiteral("-t"), QStringLiteral("image/png"), file.fileName()});
+    QVERIFY(xclip.waitForFinished(5000));
+    X11Clipboard clipboard;
+    Clipboard::Snapshot snapshot;
+    QTRY_VERIFY_WITH_TIMEOUT(!(snapshot = snapshotOf(clipboard)).isEmpty(), 10000);
+    QCOMPARE(snapshot.first().keys(), QStringList {QStringLiteral("image/png")});
+    QVERIFY(snapshot.first().value(QStringLiteral("image/png")) == image);
+
+    // Put back, it is served whole again.
+    clipboard.setText(QStringLiteral("in between"));
+    clipboard.restore(snapshot);
+    QVERIFY(readWithXclip(QStringLiteral("image/png")) == image);
+}
+
 void ClipboardTest::emptyClipboardRestoresEmpty()
 {
-    QtClipboard clipboard;
+    X11Clipboard clipboard;
     clipboard.restore({});
-    QVERIFY(clipboard.snapshot().isEmpty());
+    QVERIFY(snapshotOf(clipboard).isEmpty());
     QVERIFY(!readWithXclip(QStringLiteral("UTF8_STRING")).has_value()
         || readWithXclip(QStringLiteral("UTF8_STRING"))->isEmpty());
 
     clipboard.setText(QStringLiteral("x"));
-    clipboard.restore(clipboard.snapshot().mid(0, 0));
-    QVERIFY(clipboard.snapshot().isEmpty());
+    clipboard.restore(snapshotOf(clipboard).mid(0, 0));
+    QVERIFY(snapshotOf(clipboard).isEmpty());
 }
 
 void ClipboardTest::storeCopiesLandAsText()
@@ -149,7 +263,7 @@ void ClipboardTest::storeCopiesLandAsText()
         ids.append(note.id);
     }
     Store store(library, {preferences, writer, attachments, searchIndex});
-    QtClipboard clipboard;
+    X11Clipboard clipboard;
 
     QVERIFY(store.copyAsList(ids, clipboard));
     QCOMPARE(

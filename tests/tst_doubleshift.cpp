@@ -7,6 +7,8 @@
 
 #include "TestEnvironment.h"
 
+#include "FakeKeyMonitor.h"
+
 #include "capture/DoubleShiftMonitor.h"
 
 #include <QRandomGenerator>
@@ -18,22 +20,7 @@ using namespace Vesko;
 
 namespace {
 
-class FakeKeys : public KeyMonitor
-{
-public:
-    bool start(std::function<void(const KeyEvent &)> receiver) override
-    {
-        if (!available)
-            return false;
-        this->receiver = std::move(receiver);
-        return true;
-    }
-    void stop() override { receiver = nullptr; }
-    bool isRunning() const override { return bool(receiver); }
-
-    bool available = true;
-    std::function<void(const KeyEvent &)> receiver;
-};
+using FakeKeys = Test::FakeKeyMonitor;
 
 constexpr quint16 leftShift = DoubleShiftMonitor::leftShiftKeyCode;
 constexpr quint16 rightShift = DoubleShiftMonitor::rightShiftKeyCode;

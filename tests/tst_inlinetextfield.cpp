@@ -7,13 +7,17 @@
 #include "WidgetTestMain.h"
 
 #include "panel/NativeInlineTextField.h"
+#include "panel/SpellCheckHighlighter.h"
+#include "platform/SpellChecker.h"
 
 #include <QClipboard>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
 #include <QSignalSpy>
+#include <QTextBlock>
 #include <QTextEdit>
+#include <QTextLayout>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -42,6 +46,18 @@ struct Window
     QLineEdit *other;
 };
 
+//! The words of the first line marked as misspelled.
+QStringList markedWords(NativeInlineTextField *field)
+{
+    const QTextBlock block = field->editor()->document()->firstBlock();
+    QStringList words;
+    for (const QTextLayout::FormatRange &range : block.layout()->formats()) {
+        if (range.format.underlineStyle() == QTextCharFormat::SpellCheckUnderline)
+            words.append(block.text().mid(range.start, range.length));
+    }
+    return words;
+}
+
 QTextEdit *editorOf(NativeInlineTextField *field)
 {
     return field->editor();
@@ -63,6 +79,7 @@ private Q_SLOTS:
     void textSetFromOutside();
     void focusFollowsWantsFocus();
     void singleLinePasteStaysOneLine();
+    void misspelledWordsAreMarked();
 };
 
 void InlineTextFieldTest::keys_data()
@@ -244,6 +261,27 @@ void InlineTextFieldTest::singleLinePasteStaysOneLine()
     QApplication::clipboard()->setMimeData(data);
     editorOf(window.field)->paste();
     QCOMPARE(window.field->text(), QStringLiteral("first second third"));
+}
+
+void InlineTextFieldTest::misspelledWordsAreMarked()
+{
+    if (!SpellChecking::shared().loadNow(QStringLiteral("en_US")))
+        QSKIP("No English dictionary on this desktop (hunspell-en-us)");
+    Window window;
+    window.field->setFocus();
+    QTest::keyClicks(editorOf(window.field), QStringLiteral("the quick browm fox jumsp"));
+    // The word at the caret is still being typed.
+    QCOMPARE(markedWords(window.field), QStringList {QStringLiteral("browm")});
+    QTest::keyClicks(editorOf(window.field), QStringLiteral(" "));
+    QCOMPARE(markedWords(window.field), (QStringList {"browm", "jumsp"}));
+    // Names with digits and single letters are not words to check.
+    window.field->setText(QStringLiteral("x86 qwzx a"));
+    QCOMPARE(markedWords(window.field), QStringList {QStringLiteral("qwzx")});
+    const auto found = window.field->spelling()->misspelledWordAt(6);
+    QVERIFY(found);
+    QCOMPARE(found->first, 4);
+    QCOMPARE(found->second, QStringLiteral("qwzx"));
+    QVERIFY(!window.field->spelling()->misspelledWordAt(1));
 }
 
 VESKO_WIDGET_TEST_MAIN(InlineTextFieldTest)

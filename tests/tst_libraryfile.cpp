@@ -104,11 +104,14 @@ private Q_SLOTS:
     void unreadableFileIsSetAside();
     void setAsideNeverOverwrites();
     void interruptedWritesAreCleanedAtLoad();
+    void byteOrderMarkIsReadAndNotWrittenBack();
 
     void firstWriteMakesNoBackup();
     void sevenSavesKeepFiveBackups();
     void foreignBackupEntriesTakePart();
     void filesArePrivateWhateverTheUmask();
+    void backupsArePrivateCopies_data();
+    void backupsArePrivateCopies();
     void writeIntoReadOnlyFolderFails();
     void writeThroughSymbolicLinkKeepsTheLink();
 
@@ -256,6 +259,20 @@ void LibraryFileTest::interruptedWritesAreCleanedAtLoad()
     QVERIFY(QFileInfo::exists(unrelated));
 }
 
+void LibraryFileTest::byteOrderMarkIsReadAndNotWrittenBack()
+{
+    // Editors on other systems put one before the document in a synced folder.
+    const Library library = libraryNamed(QStringLiteral("marked"));
+    const QByteArray document = encodeLibrary(library);
+    writeFile(m_path, QByteArray("\xEF\xBB\xBF") + document);
+
+    QCOMPARE(loadLibrary(m_path), library);
+    QCOMPARE(entries(m_folder), QStringList {QStringLiteral("Library.json")});
+
+    QCOMPARE(writeLibrary(library, m_path), std::nullopt);
+    QCOMPARE(readFile(m_path), document);
+}
+
 void LibraryFileTest::firstWriteMakesNoBackup()
 {
     QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("1")), m_path), std::nullopt);
@@ -329,6 +346,40 @@ void LibraryFileTest::filesArePrivateWhateverTheUmask()
     QCOMPARE(mode(folder), 0700u);
     for (const QString &name : entries(folder))
         QCOMPARE(mode(folder + u'/' + name), 0600u);
+}
+
+void LibraryFileTest::backupsArePrivateCopies_data()
+{
+    QTest::addColumn<unsigned>("sourceMode");
+    QTest::newRow("readable by all") << 0644u;
+    QTest::newRow("writable by all") << 0666u;
+    QTest::newRow("read-only") << 0400u;
+}
+
+void LibraryFileTest::backupsArePrivateCopies()
+{
+    QFETCH(unsigned, sourceMode);
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("before")), m_path), std::nullopt);
+    const QByteArray before = readFile(m_path);
+    // The user opened the file up or locked it; a backup is private all the same.
+    QVERIFY(::chmod(QFile::encodeName(m_path).constData(), sourceMode) == 0);
+    setModified(m_path, 1650000000);
+    struct stat source;
+    QCOMPARE(::stat(QFile::encodeName(m_path).constData(), &source), 0);
+
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("after")), m_path), std::nullopt);
+    const QString folder = backupsFolder(m_path);
+    const QStringList names = entries(folder);
+    QCOMPARE(names.size(), 1);
+    const QString backup = folder + u'/' + names.first();
+    struct stat copy;
+    QCOMPARE(::stat(QFile::encodeName(backup).constData(), &copy), 0);
+    QCOMPARE(copy.st_mode & 07777, 0600u);
+    QVERIFY(copy.st_ino != source.st_ino); // a file of its own, not a second name
+    QCOMPARE(copy.st_nlink, nlink_t(1));
+    QCOMPARE(copy.st_mtim.tv_sec, source.st_mtim.tv_sec);
+    QCOMPARE(copy.st_mtim.tv_nsec, source.st_mtim.tv_nsec);
+    QCOMPARE(readFile(backup), before);
 }
 
 void LibraryFileTest::writeIntoReadOnlyFolderFails()

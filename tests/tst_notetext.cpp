@@ -13,6 +13,8 @@
 
 #include <QDir>
 
+#include <sys/stat.h>
+
 using namespace Vesko;
 
 namespace {
@@ -50,6 +52,7 @@ private Q_SLOTS:
     void exportEdges_data();
     void exportEdges();
     void writeExport();
+    void exportIsPrivateAndLeavesOtherFilesAlone();
     void messages();
 };
 
@@ -217,6 +220,42 @@ void NoteTextTest::writeExport()
     const auto failure = writeMarkdownExport(text, folder + QStringLiteral("/missing/Notes.md"));
     QVERIFY(failure);
     QVERIFY2(failure->contains(QStringLiteral("missing")), qPrintable(*failure));
+}
+
+void NoteTextTest::exportIsPrivateAndLeavesOtherFilesAlone()
+{
+    const QString folder
+        = Test::IsolatedEnvironment::current().root() + QStringLiteral("/export-private");
+    QDir().mkpath(folder);
+    const QString path = folder + QStringLiteral("/Notes.md");
+    // Files whose names a fixed temporary name would take: they are not the export's.
+    const QStringList others
+        = {QStringLiteral(".Notes.md.export"), QStringLiteral(".Notes.md.tmp")};
+    for (const QString &name : others) {
+        QFile file(folder + u'/' + name);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("not the export's");
+    }
+
+    const mode_t previous = ::umask(022);
+    const auto failure = writeMarkdownExport(QStringLiteral("# Private\n"), path);
+    ::umask(previous);
+    QCOMPARE(failure, std::nullopt);
+
+    struct stat info;
+    QCOMPARE(::stat(QFile::encodeName(path).constData(), &info), 0);
+    QCOMPARE(info.st_mode & 07777, 0600u);
+    QStringList expected = others;
+    expected.append(QStringLiteral("Notes.md"));
+    expected.sort();
+    QStringList present = QDir(folder).entryList(QDir::Files | QDir::Hidden);
+    present.sort();
+    QCOMPARE(present, expected);
+    for (const QString &name : others) {
+        QFile file(folder + u'/' + name);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("not the export's"));
+    }
 }
 
 void NoteTextTest::messages()

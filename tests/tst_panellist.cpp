@@ -9,17 +9,25 @@
 #include "PanelTestRig.h"
 #include "WidgetTestMain.h"
 
+#include "attachments/AttachmentActions.h"
+#include "attachments/AttachmentFileDialog.h"
+#include "attachments/AttachmentListView.h"
+#include "attachments/ThumbnailCache.h"
 #include "panel/NativeInlineTextField.h"
 #include "panel/NoteRowView.h"
 #include "panel/PanelListView.h"
-#include "panel/RowAttachmentsView.h"
 #include "panel/SectionHeaderView.h"
+#include "platform/DesktopFiles.h"
+#include "platform/Pasteboard.h"
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDrag>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMimeData>
 #include <QScrollBar>
+#include <QTemporaryDir>
 #include <QTextEdit>
 #include <QVBoxLayout>
 
@@ -56,13 +64,34 @@ Library manyNotes(int sections, int perSection)
     return library;
 }
 
+//! The attachment actions of a list under test: the real import and dialog,
+//! nothing from the clipboard or the file manager, the toasts recorded.
+struct Attachments : AttachmentFeedback, PasteboardReader, DesktopFiles
+{
+    explicit Attachments(PanelTestRig &rig)
+        : actions({rig.store(), rig.attachments(), chooser, *this, *this, *this})
+    { }
+
+    void toast(const QString &message, const QString &) override { toasts.append(message); }
+    void readPasteboard(std::function<void(const PasteboardContent &)> done) override { done({}); }
+    void open(const QString &) override { }
+    void reveal(const QString &) override { }
+
+    AttachmentFileDialog chooser;
+    AttachmentActions actions;
+    ThumbnailCache thumbnails;
+    QStringList toasts;
+};
+
 //! The list in a window of the panel's size, with a field to take the focus away.
 struct ListWindow
 {
     explicit ListWindow(PanelTestRig &rig)
+        : attachments(rig)
     {
         auto *layout = new QVBoxLayout(&window);
         list = new PanelListView(rig.store(), rig.state(), &window);
+        list->setAttachmentActions(attachments.actions, attachments.thumbnails);
         other = new QLineEdit(&window);
         layout->addWidget(list, 1);
         layout->addWidget(other);
@@ -95,6 +124,7 @@ struct ListWindow
         return list->rowRect(idFor(name)).center().y() - list->clearArea().center().y();
     }
 
+    Attachments attachments;
     QWidget window;
     PanelListView *list = nullptr;
     QLineEdit *other = nullptr;
@@ -160,6 +190,10 @@ private Q_SLOTS:
 
     void drops_data();
     void drops();
+    void filesDroppedOnANote_data();
+    void filesDroppedOnANote();
+    void dragOutCarriesTheNotesAsText();
+    void contextMenus();
 };
 
 void PanelListTest::onlyTheRowsInViewAreLaidOut()
@@ -427,7 +461,8 @@ void PanelListTest::noteWithOnlyAttachments()
     QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(row);
     QCOMPARE(accessible->text(QAccessible::Name), QStringLiteral("scan.pdf, photo.png"));
     QVERIFY(w.note(QStringLiteral("b"))->showsText());
-    QVERIFY(!w.note(QStringLiteral("b"))->attachmentsView()->isVisible());
+    NoteRowView *plain = w.note(QStringLiteral("b"));
+    QVERIFY(!plain->attachmentsView() || !plain->attachmentsView()->isVisible());
 }
 
 void PanelListTest::expandingShowsAllLinesAndTheSource()
@@ -845,6 +880,101 @@ void PanelListTest::drops()
     QCOMPARE(rig.describe(), after);
     QVERIFY(!w.list->dropTargetID());
     QVERIFY(rig.state().draggingNoteIDs().isEmpty());
+}
+
+void PanelListTest::filesDroppedOnANote_data()
+{
+    QTest::addColumn<QStringList>(
+        "files"); // written to a folder of the test; "!" before one that is missing
+    QTest::addColumn<QStringList>("attached");
+    QTest::addColumn<QString>("toast");
+
+    QTest::newRow("two files") << QStringList {"one.txt", "two.png"}
+                               << QStringList {"one.txt", "two.png"} << "Attachment Added";
+    QTest::newRow("a missing file spoils the import")
+        << QStringList {"one.txt", "!gone.txt"} << QStringList() << "Could Not Add Attachment";
+}
+
+void PanelListTest::filesDroppedOnANote()
+{
+    QFETCH(QStringList, files);
+    QFETCH(QStringList, attached);
+    QFETCH(QString, toast);
+
+    QTemporaryDir folder;
+    QList<QUrl> urls;
+    for (QString name : files) {
+        const bool missing = name.startsWith(u'!');
+        name.remove(u'!');
+        if (!missing) {
+            QFile file(folder.filePath(name));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("some bytes");
+        }
+        urls.append(QUrl::fromLocalFile(folder.filePath(name)));
+    }
+
+    PanelTestRig rig(QStringLiteral("S1:a,b"));
+    ListWindow w(rig);
+    QMimeData data;
+    data.setUrls(urls);
+    bool wasAccepted = false;
+    sendDrop(w.note(QStringLiteral("b")), &data, &wasAccepted);
+    QVERIFY(wasAccepted);
+    // The files are copied on the importer's thread; the answer comes back.
+    QTRY_COMPARE(w.attachments.toasts, QStringList {toast});
+    QStringList names;
+    const Note dropped = *rig.store().note(idFor("b"));
+    for (const NoteAttachment &attachment : dropped.attachments)
+        names.append(attachment.fileName);
+    QCOMPARE(names, attached);
+    QVERIFY(rig.store().note(idFor("a"))->attachments.isEmpty());
+    // The row shows the tiles of what was attached.
+    QCoreApplication::processEvents();
+    NoteRowView *row = w.note(QStringLiteral("b"));
+    QCOMPARE(row->attachmentsView() && row->attachmentsView()->isVisible(), !attached.isEmpty());
+}
+
+void PanelListTest::dragOutCarriesTheNotesAsText()
+{
+    PanelTestRig rig(QStringLiteral("S1:a,b,c"));
+    ListWindow w(rig);
+    rig.store().setSelection({idFor("a"), idFor("c")}, idFor("a"));
+    QList<QList<QUuid>> marked;
+    connect(&rig.state(), &PanelState::draggingNoteIDsChanged, this,
+        [&] { marked.append(rig.state().draggingNoteIDs()); });
+
+    NoteRowView *row = w.note(QStringLiteral("c"));
+    QTest::mousePress(row, Qt::LeftButton, {}, inText(row));
+    QTest::mouseMove(row, inText(row) + QPoint(0, 3 * QApplication::startDragDistance()));
+    // The drag carried the selection, in the panel's order, as plain text,
+    // and left no notes marked as dragged once it was over.
+    const QDrag *drag = row->findChild<QDrag *>();
+    QVERIFY(drag);
+    QCOMPARE(drag->mimeData()->text(), QStringLiteral("a\n\nc"));
+    QCOMPARE(marked.size(), 2);
+    QCOMPARE(namesOf(marked.at(0)), QStringLiteral("a,c"));
+    QVERIFY(marked.at(1).isEmpty());
+    // No click came of it.
+    QTest::mouseRelease(row, Qt::LeftButton, {}, inText(row));
+    QCOMPARE(namesOf(rig.store().selection().values()), QStringLiteral("a,c"));
+}
+
+void PanelListTest::contextMenus()
+{
+    PanelTestRig rig(QStringLiteral("S1:a,b"));
+    ListWindow w(rig);
+    const QList<QWidget *> targets = {w.note(QStringLiteral("a")), w.header(QStringLiteral("S1"))};
+    for (QWidget *target : targets) {
+        QContextMenuEvent event(
+            QContextMenuEvent::Mouse, QPoint(20, 10), target->mapToGlobal(QPoint(20, 10)));
+        QCoreApplication::sendEvent(target, &event);
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        QVERIFY(menu);
+        QVERIFY(!menu->actions().isEmpty());
+        menu->close();
+        QCoreApplication::processEvents();
+    }
 }
 
 VESKO_WIDGET_TEST_MAIN(PanelListTest)

@@ -15,8 +15,10 @@
 #include "panel/SectionReorder.h"
 #include "panel/VirtualRowLayout.h"
 
+#include <QMimeData>
 #include <QRandomGenerator>
 #include <QSignalSpy>
+#include <QUrl>
 
 using namespace Vesko;
 using namespace Vesko::Test;
@@ -85,15 +87,12 @@ private Q_SLOTS:
     void noteLabel();
     void otherLabels();
 
-    void doneControl_data();
-    void doneControl();
-    void clicksHandTheKeyboardToTheList();
     void editing();
-    void sectionClicksAndRenaming();
 
     void drop_data();
     void drop();
     void dropAlwaysEndsTheDrag();
+    void textOfADrag();
 
     void reorderTarget_data();
     void reorderTarget();
@@ -206,59 +205,6 @@ void PanelLogicTest::otherLabels()
     QCOMPARE(RowAccessibility::sectionLabel(section), QStringLiteral("Inbox section, 0 remaining"));
 }
 
-void PanelLogicTest::doneControl_data()
-{
-    QTest::addColumn<QString>("project");
-    QTest::addColumn<QString>("target");
-    QTest::addColumn<QString>("pressed");
-    QTest::addColumn<QString>("after");
-
-    // clang-format off
-    QTest::newRow("open notes") << "S1:a,b,c" << "a,b" << "a" << "S1:A,B,c";
-    QTest::newRow("a done note undoes them all") << "S1:A,b,c" << "a,b" << "a" << "S1:a,b,c";
-    QTest::newRow("an open note does them all") << "S1:A,b,c" << "a,b" << "b" << "S1:A,B,c";
-    QTest::newRow("alone") << "S1:a,b" << "b" << "b" << "S1:a,B";
-    QTest::newRow("undone alone") << "S1:a,B" << "b" << "b" << "S1:a,b";
-    // clang-format on
-}
-
-void PanelLogicTest::doneControl()
-{
-    QFETCH(QString, project);
-    QFETCH(QString, target);
-    QFETCH(QString, pressed);
-    QFETCH(QString, after);
-    PanelTestRig rig(project);
-    NoteRowActions::pressDoneControl(rig.store(), idFor(pressed), idsFor(target));
-    QCOMPARE(rig.describe(), QStringLiteral("*") + after);
-}
-
-void PanelLogicTest::clicksHandTheKeyboardToTheList()
-{
-    PanelTestRig rig(QStringLiteral("S1:a,b,c"));
-    Store &store = rig.store();
-    PanelState &state = rig.state();
-
-    const qint64 before = state.focusRequest();
-    NoteRowActions::clickNote(store, state, idFor("b"), NoteRowActions::ClickKind::Plain);
-    QCOMPARE(namesOf(store.selection().values()), QStringLiteral("b"));
-    QCOMPARE(nameOf(store.selectionAnchor()), QStringLiteral("b"));
-    QCOMPARE(state.focusTarget(), PanelFocusTarget::List);
-    QCOMPARE(state.focusRequest(), before + 1);
-
-    NoteRowActions::clickNote(store, state, idFor("c"), NoteRowActions::ClickKind::Toggling);
-    QCOMPARE(namesOf(store.selection().values()), QStringLiteral("b,c"));
-    NoteRowActions::clickNote(store, state, idFor("a"), NoteRowActions::ClickKind::Extending);
-    QCOMPARE(namesOf(store.selection().values()), QStringLiteral("a,b,c"));
-    QCOMPARE(state.focusRequest(), before + 3);
-
-    // A plain click on the note being edited leaves the selection alone.
-    store.setEditingNoteID(idFor("a"));
-    NoteRowActions::clickNote(store, state, idFor("a"), NoteRowActions::ClickKind::Plain);
-    QCOMPARE(namesOf(store.selection().values()), QStringLiteral("a,b,c"));
-    QCOMPARE(state.focusRequest(), before + 3);
-}
-
 void PanelLogicTest::editing()
 {
     PanelTestRig rig(QStringLiteral("S1:a,b,c"));
@@ -290,34 +236,6 @@ void PanelLogicTest::editing()
     NoteRowActions::commitEdit(store, state, idFor("a"), QStringLiteral(" \n "));
     QCOMPARE(rig.describe(), QStringLiteral("*S1:bee,c"));
     QVERIFY(!store.editingNoteID());
-}
-
-void PanelLogicTest::sectionClicksAndRenaming()
-{
-    PanelTestRig rig(QStringLiteral("S1:a|S2:b"));
-    Store &store = rig.store();
-    PanelState &state = rig.state();
-    QSignalSpy rows(&store, &Store::rowsChanged);
-
-    NoteRowActions::clickSection(store, state, idFor("S2"));
-    QCOMPARE(rig.describe(), QStringLiteral("*S1:a|S2+:b"));
-    QCOMPARE(rows.count(), 1);
-
-    state.setRenamingSectionID(idFor("S2"));
-    NoteRowActions::clickSection(store, state, idFor("S2"));
-    QCOMPARE(rig.describe(), QStringLiteral("*S1:a|S2+:b"));
-
-    NoteRowActions::commitRename(store, state, idFor("S2"), QStringLiteral("  Later "));
-    QCOMPARE(store.section(idFor("S2"))->title, QStringLiteral("Later"));
-    QVERIFY(!state.renamingSectionID());
-    // Not being renamed any more: a late commit changes nothing.
-    NoteRowActions::commitRename(store, state, idFor("S2"), QStringLiteral("Again"));
-    QCOMPARE(store.section(idFor("S2"))->title, QStringLiteral("Later"));
-
-    state.setRenamingSectionID(idFor("S1"));
-    NoteRowActions::cancelRename(state, idFor("S1"));
-    QVERIFY(!state.renamingSectionID());
-    QCOMPARE(store.section(idFor("S1"))->title, QStringLiteral("S1"));
 }
 
 void PanelLogicTest::drop_data()
@@ -388,6 +306,28 @@ void PanelLogicTest::dropAlwaysEndsTheDrag()
                  rig.store(), rig.state(), {QStringLiteral("x")}, idFor("S1"), std::nullopt),
         PanelDrop::Outcome::AddedNote);
     QCOMPARE(rig.describe(), QStringLiteral("*S1:a,x"));
+}
+
+void PanelLogicTest::textOfADrag()
+{
+    QMimeData text;
+    text.setText(QStringLiteral("some words"));
+    QCOMPARE(PanelDrop::textItems(text), QStringList {QStringLiteral("some words")});
+
+    QMimeData link;
+    link.setUrls({QUrl(QStringLiteral("https://example.org/page"))});
+    link.setText(QStringLiteral("https://example.org/page"));
+    QCOMPARE(PanelDrop::textItems(link), QStringList {QStringLiteral("https://example.org/page")});
+
+    // Files bring their paths as text; they are still files.
+    QMimeData files;
+    files.setUrls({QUrl::fromLocalFile(QStringLiteral("/tmp/a.txt"))});
+    files.setText(QStringLiteral("/tmp/a.txt"));
+    QVERIFY(!PanelDrop::textItems(files));
+
+    QMimeData image;
+    image.setData(QStringLiteral("image/png"), QByteArray("\x89PNG"));
+    QVERIFY(!PanelDrop::textItems(image));
 }
 
 void PanelLogicTest::reorderTarget_data()

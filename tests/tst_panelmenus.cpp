@@ -12,8 +12,14 @@
 #include "panel/PanelMenus.h"
 #include "panel/PanelState.h"
 #include "platform/Clipboard.h"
+#include "shell/Toast.h"
 
+#include <QClipboard>
+#include <QDir>
+#include <QFileDialog>
+#include <QGuiApplication>
 #include <QMenu>
+#include <QMessageBox>
 #include <QSignalSpy>
 
 using namespace Vesko;
@@ -110,6 +116,9 @@ private Q_SLOTS:
     void keysInTheDesktopConvention_data();
     void keysInTheDesktopConvention();
     void hooksReachTheProgram();
+    void copyEntries();
+    void exportWritesTheFileAndSaysSo();
+    void failedExportSaysWhy();
     void menuTargetFollowsTheSelection_data();
     void menuTargetFollowsTheSelection();
 
@@ -673,6 +682,83 @@ void PanelMenusTest::hooksReachTheProgram()
     QCOMPARE(calls,
         (QStringList {"window a", "add a", "paste a", "position", "size", "settings", "quit"}));
     PanelCommands::shared().setHooks({});
+}
+
+void PanelMenusTest::copyEntries()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b|Work+:c")});
+    QMenu note;
+    fillNoteMenu(note, store, *m_state, noteIDs(QStringLiteral("b,a")));
+    entry(note, QStringLiteral("Copy as List"))->trigger();
+    // In the panel's order, numbered from 1 (the style a new user has).
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. a\n2. b"));
+    entry(note, QStringLiteral("Copy"))->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("a\n\nb"));
+
+    // A collapsed section's notes are not in the rows: nothing is copied.
+    QMenu section;
+    fillSectionMenu(section, store, *m_state, idFor(QStringLiteral("P/Work")));
+    entry(section, QStringLiteral("Copy Section as List"))->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("a\n\nb"));
+    QMenu overflow;
+    fillOverflowMenu(overflow, store, *m_state, m_fixture->preferences());
+    entry(overflow, QStringLiteral("Copy All as List"))->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. a\n2. b"));
+}
+
+void PanelMenusTest::exportWritesTheFileAndSaysSo()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,B")});
+    QWidget owner;
+    QMenu overflow(&owner);
+    fillOverflowMenu(overflow, store, *m_state, m_fixture->preferences());
+    entry(overflow, QStringLiteral("Export as Markdown…"))->trigger();
+
+    // The save dialog is open without blocking, with the name to suggest.
+    auto *dialog = qobject_cast<QFileDialog *>(PanelCommands::shared().exportDialog());
+    QVERIFY(dialog);
+    QVERIFY(dialog->isVisible());
+    QCOMPARE(dialog->acceptMode(), QFileDialog::AcceptSave);
+    QCOMPARE(dialog->selectedFiles().value(0).section(u'/', -1), QStringLiteral("Vesko Notes.md"));
+
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("Vesko Notes.md"));
+    QSignalSpy finished(&PanelCommands::shared(), &PanelCommands::exportFinished);
+    dialog->selectFile(path);
+    static_cast<QDialog *>(dialog)->accept();
+    QTRY_COMPARE(finished.size(), 1);
+    QCOMPARE(finished.first().at(1).toString(), QString());
+    QFile written(path);
+    QVERIFY(written.open(QIODevice::ReadOnly));
+    // The document of the library, as written by hand for this one.
+    QCOMPARE(QString::fromUtf8(written.readAll()),
+        QStringLiteral("# P\n\n## Inbox\n\n- [ ] a\n- [x] b\n"));
+    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Exported"));
+    QTRY_VERIFY(!PanelCommands::shared().exportDialog());
+}
+
+void PanelMenusTest::failedExportSaysWhy()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
+    ToastPresenter::shared().present(QStringLiteral("Before"), QStringLiteral("checkmark"));
+    QWidget owner;
+    PanelCommands::shared().exportMarkdown(store.markdownExportText(), &owner);
+    auto *dialog = qobject_cast<QFileDialog *>(PanelCommands::shared().exportDialog());
+    QVERIFY(dialog);
+    QSignalSpy finished(&PanelCommands::shared(), &PanelCommands::exportFinished);
+    // A folder that cannot be written: a file stands where it should be.
+    QTemporaryDir folder;
+    QFile blocker(folder.filePath(QStringLiteral("notes")));
+    QVERIFY(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+    dialog->selectFile(folder.filePath(QStringLiteral("notes/Vesko Notes.md")));
+    static_cast<QDialog *>(dialog)->accept();
+    QTRY_COMPARE(finished.size(), 1);
+    QVERIFY(!finished.first().at(1).toString().isEmpty());
+    // An alert says why; no toast claims success.
+    QTRY_VERIFY(owner.findChild<QMessageBox *>());
+    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Before"));
+    QVERIFY(!QFile::exists(folder.filePath(QStringLiteral("notes/Vesko Notes.md"))));
 }
 
 void PanelMenusTest::menuTargetFollowsTheSelection_data()

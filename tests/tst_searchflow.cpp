@@ -224,6 +224,13 @@ void SearchFlowTest::blankSearchIsNoSearch()
     QCOMPARE(store->rows().size(), allRows);
     QTest::qWait(120);
     QCOMPARE(store->rows().size(), allRows);
+
+    // Spaces of other kinds are blanks too; a line feed is not.
+    store->setSearchText(QStringLiteral("\u00A0\u3000\u2003"));
+    QVERIFY(!store->isSearching());
+    QCOMPARE(store->rows().size(), allRows);
+    store->setSearchText(QStringLiteral("\u00A0\n"));
+    QVERIFY(store->isSearching());
 }
 
 VESKO_TEST_MAIN(SearchFlowTest)

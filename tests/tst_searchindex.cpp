@@ -13,6 +13,7 @@
 #include <QRandomGenerator>
 
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 using namespace Vesko;
 
@@ -37,6 +38,14 @@ QStringList rows(const QString &path, const char *sql)
     sqlite3_finalize(statement);
     sqlite3_close(db);
     return out;
+}
+
+unsigned mode(const QString &path)
+{
+    struct stat info;
+    if (::stat(QFile::encodeName(path).constData(), &info) != 0)
+        return 0;
+    return info.st_mode & 07777;
 }
 
 QByteArray upperID(const QUuid &id)
@@ -129,6 +138,11 @@ private Q_SLOTS:
     void databaseDeletedWhileRunning();
     void unwritableCacheFolderFallsBackToScanning();
     void corruptDatabaseAtStart();
+    void failedRebuildLeavesNothingTrusted();
+    void databaseFilesArePrivate_data();
+    void databaseFilesArePrivate();
+    void queriesAreTrimmedOfEverySpace_data();
+    void queriesAreTrimmedOfEverySpace();
 
 private:
     QString m_path;
@@ -420,6 +434,101 @@ void SearchIndexTest::corruptDatabaseAtStart()
         QSet<QUuid> {note.id});
     QCOMPARE(index.indexedRevision(), 1u);
     QCOMPARE(rows(m_path, "SELECT count(*) FROM note_search;"), QStringList {QStringLiteral("2")});
+}
+
+void SearchIndexTest::failedRebuildLeavesNothingTrusted()
+{
+    SearchIndex index(m_path);
+    const Note first = noteWith(QStringLiteral("first note kept"));
+    const Note second = noteWith(QStringLiteral("second note kept"));
+    Library library = twoProjects({first, second});
+    index.synchronizeAndWait(library, 1);
+
+    // The cache folder goes and a file takes its place: the synchronisation
+    // fails, and so does the rebuild.
+    const QString folder = QFileInfo(m_path).absolutePath();
+    QVERIFY(QDir(folder).removeRecursively());
+    QFile blocker(folder);
+    QVERIFY(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+    const Note third = noteWith(QStringLiteral("third note kept"));
+    library.projects[0].sections[0].notes.append(third);
+    QTest::ignoreMessage(QtCriticalMsg,
+        QRegularExpression(QStringLiteral("^Search index synchronization failed: ")));
+    QTest::ignoreMessage(
+        QtCriticalMsg, QRegularExpression(QStringLiteral("^Search index rebuild failed: ")));
+    index.synchronizeAndWait(library, 2);
+
+    // Once the folder can be made again, the new file is filled whole: the
+    // notes indexed before the failure are found through it too.
+    QVERIFY(QFile::remove(folder));
+    index.synchronizeAndWait(library, 3);
+    QCOMPARE(index.indexedRevision(), 3u);
+    QCOMPARE(rows(m_path, "SELECT count(*) FROM note_search;"), QStringList {QStringLiteral("4")});
+    const int before = index.sqlQueryCount();
+    QCOMPARE(
+        index.searchAndWait(QStringLiteral("note kept"), library.projects[0], library, 3).noteIDs,
+        (QSet<QUuid> {first.id, second.id, third.id}));
+    QCOMPARE(index.sqlQueryCount(), before + 2);
+}
+
+void SearchIndexTest::databaseFilesArePrivate_data()
+{
+    QTest::addColumn<bool>("leftByAnEarlierRun");
+    QTest::newRow("new file") << false;
+    QTest::newRow("readable file of an earlier run") << true;
+}
+
+void SearchIndexTest::databaseFilesArePrivate()
+{
+    QFETCH(bool, leftByAnEarlierRun);
+    const mode_t previous = ::umask(022);
+    if (leftByAnEarlierRun) {
+        SearchIndex earlier(m_path);
+        earlier.synchronizeAndWait(twoProjects({noteWith(QStringLiteral("old words"))}), 1);
+        for (const char *suffix : {"", "-wal", "-shm"})
+            ::chmod(QFile::encodeName(m_path + QLatin1StringView(suffix)).constData(), 0644);
+    }
+    SearchIndex index(m_path);
+    index.synchronizeAndWait(twoProjects({noteWith(QStringLiteral("private words"))}), 1);
+    ::umask(previous);
+
+    for (const char *suffix : {"", "-wal", "-shm"}) {
+        const QString path = m_path + QLatin1StringView(suffix);
+        QVERIFY2(QFileInfo::exists(path), qPrintable(path));
+        QCOMPARE(mode(path), 0600u);
+    }
+}
+
+void SearchIndexTest::queriesAreTrimmedOfEverySpace_data()
+{
+    QTest::addColumn<QString>("query");
+    QTest::addColumn<QString>("expected");
+    // Tab and the space separators of Unicode (category Zs) go; line breaks stay.
+    QTest::newRow("space and tab") << QStringLiteral(" \tMilk\t ") << QStringLiteral("milk");
+    QTest::newRow("no-break spaces")
+        << QStringLiteral("\u00A0\u202Fmilk\u00A0") << QStringLiteral("milk");
+    QTest::newRow("typographic spaces")
+        << QStringLiteral("\u1680\u2000\u2003\u2006milk\u2009\u200A\u205F")
+        << QStringLiteral("milk");
+    QTest::newRow("ideographic space")
+        << QStringLiteral("\u3000milk\u3000") << QStringLiteral("milk");
+    QTest::newRow("inner spaces stay")
+        << QStringLiteral("\u3000oat\u00A0milk ") << QStringLiteral("oat\u00A0milk");
+    QTest::newRow("only spaces") << QStringLiteral("\u2003\t\u00A0") << QString();
+    QTest::newRow("line feed stays") << QStringLiteral(" \nmilk") << QStringLiteral("\nmilk");
+    QTest::newRow("carriage return stays") << QStringLiteral("milk\r") << QStringLiteral("milk\r");
+    QTest::newRow("line separator stays")
+        << QStringLiteral("\u2028milk") << QStringLiteral("\u2028milk");
+    QTest::newRow("zero width space is no space")
+        << QStringLiteral("\u200Bmilk") << QStringLiteral("\u200Bmilk");
+}
+
+void SearchIndexTest::queriesAreTrimmedOfEverySpace()
+{
+    QFETCH(QString, query);
+    QFETCH(QString, expected);
+    QCOMPARE(SearchIndex::normalizedQuery(query), expected);
 }
 
 VESKO_TEST_MAIN(SearchIndexTest)

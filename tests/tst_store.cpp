@@ -5,18 +5,23 @@
 // construction and the move of the library.
 
 #include "LibraryGenerator.h"
+#include "SmallFileSystem.h"
 #include "TestEnvironment.h"
 
 #include "attachments/AttachmentStore.h"
 #include "library/LibraryCoding.h"
 #include "library/LibraryFile.h"
 #include "library/LibraryWriter.h"
+#include "platform/FileSystem.h"
 #include "shell/Preferences.h"
 #include "store/Store.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QSignalSpy>
+
+#include <sys/stat.h>
 
 using namespace Vesko;
 
@@ -43,6 +48,43 @@ void renameFirstNote(Store &store, const QString &text)
     library.projects[0].sections[0].notes[0].text = text;
     store.setLibrary(library);
     store.commit();
+}
+
+void writeFile(const QString &path, const QByteArray &bytes)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(bytes);
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// Every entry below \a folder, links not followed, as relative paths.
+QStringList tree(const QString &folder)
+{
+    QStringList paths;
+    QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+        QDirIterator::Subdirectories);
+    while (it.hasNext())
+        paths.append(QDir(folder).relativeFilePath(it.next()));
+    paths.sort();
+    return paths;
+}
+
+// Moves the library and returns the move's failure text once it has ended.
+std::optional<QString> moveAndWait(Store &store, const QString &destination)
+{
+    QSignalSpy finished(&store, &Store::libraryMoveFinished);
+    store.moveLibrary(destination);
+    if (!finished.wait(30000))
+        return QStringLiteral("The move did not end.");
+    const QString failure = finished.first().first().toString();
+    return failure.isEmpty() ? std::nullopt : std::optional<QString>(failure);
 }
 
 Library libraryWithNotes(int count)
@@ -73,6 +115,8 @@ private Q_SLOTS:
     void quitWithoutChangesStillWritesOnce();
     void pendingSaveKeepsItsPath();
     void failedSaveIsLogged();
+    void failedSaveIsShownAndRetried_data();
+    void failedSaveIsShownAndRetried();
 
     void undoKeepsSixtySteps();
     void undoLimitFollowsTheNoteCount_data();
@@ -87,6 +131,12 @@ private Q_SLOTS:
     void lookupsSpanAllProjects();
     void listPreferencesRefreshRows();
     void moveLibrary();
+    void moveThroughALinkToTheSameFolderKeepsEverything();
+    void moveIntoTheAttachmentsFolderIsRefused_data();
+    void moveIntoTheAttachmentsFolderIsRefused();
+    void moveCopiesLinksAsLinks();
+    void moveWaitsForQueuedSaves();
+    void savesGoWhereThePreferencesSay();
 
 private:
     std::unique_ptr<Preferences> m_preferences;
@@ -190,6 +240,45 @@ void StoreTest::failedSaveIsLogged()
     QTest::qWait(800);
     // The change stays in memory.
     QCOMPARE(store.library().projects[0].sections[0].notes[0].text, QStringLiteral("unsaved"));
+}
+
+void StoreTest::failedSaveIsShownAndRetried_data()
+{
+    QTest::addColumn<bool>("readOnly");
+    QTest::newRow("full disk") << false;
+    QTest::newRow("read-only disk") << true;
+}
+
+void StoreTest::failedSaveIsShownAndRetried()
+{
+    QFETCH(bool, readOnly);
+    static int counter = 0;
+    Test::SmallFileSystem disk(
+        Test::IsolatedEnvironment::current().root() + QStringLiteral("/disk-%1").arg(++counter),
+        320);
+    if (!disk.isMounted())
+        QSKIP(qPrintable(QStringLiteral("Cannot mount a tmpfs: ") + disk.failure()));
+    const QString path = disk.folder() + QStringLiteral("/Library.json");
+    m_preferences->setLibraryPath(path);
+    Store store(libraryWithNotes(1), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+    store.flushSave();
+    QSignalSpy failureChanged(&store, &Store::saveFailureChanged);
+
+    QVERIFY(readOnly ? disk.setReadOnly(true) : disk.fill());
+    const QString reason = readOnly ? QStringLiteral("Read-only file system")
+                                    : QStringLiteral("No space left on device");
+    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("^Save failed: ")));
+    renameFirstNote(store, QStringLiteral("saved once the disk takes it"));
+    QTRY_VERIFY(!store.saveFailure().isEmpty());
+    QVERIFY2(store.saveFailure().contains(reason), qPrintable(store.saveFailure()));
+    QCOMPARE(failureChanged.size(), 1);
+
+    // The disk takes writes again: the change reaches the file by itself.
+    QVERIFY(readOnly ? disk.setReadOnly(false) : (disk.release(), true));
+    QTRY_COMPARE_WITH_TIMEOUT(loadLibrary(path).projects[0].sections[0].notes[0].text,
+        QStringLiteral("saved once the disk takes it"), 6000);
+    QTRY_COMPARE(store.saveFailure(), QString());
+    QCOMPARE(failureChanged.size(), 2);
 }
 
 void StoreTest::undoKeepsSixtySteps()
@@ -424,7 +513,8 @@ void StoreTest::moveLibrary()
 
     const QString folder = Test::IsolatedEnvironment::current().root() + QStringLiteral("/Synced");
     QDir().mkpath(folder);
-    QCOMPARE(store.moveLibrary(folder), std::nullopt);
+    QCOMPARE(moveAndWait(store, folder), std::nullopt);
+    m_attachments->waitForIdle(); // the old files go in the background
 
     const QString newPath = folder + QStringLiteral("/Library.json");
     QCOMPARE(libraryURL(), newPath);
@@ -445,8 +535,167 @@ void StoreTest::moveLibrary()
     QFile file(blocked);
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.close();
-    QVERIFY(store.moveLibrary(blocked + QStringLiteral("/Library.json")).has_value());
+    QVERIFY(moveAndWait(store, blocked + QStringLiteral("/Library.json")).has_value());
     QCOMPARE(libraryURL(), newPath);
+}
+
+void StoreTest::moveThroughALinkToTheSameFolderKeepsEverything()
+{
+    const QString current = libraryURL();
+    QVERIFY(!writeLibrary(libraryWithNotes(2), current));
+    const QString attachment = attachmentsFolder(current) + QStringLiteral("/A/image.png");
+    writeFile(attachment, "png");
+    const QString link = Test::IsolatedEnvironment::current().root() + QStringLiteral("/Same");
+    QVERIFY(QFile::link(QFileInfo(current).absolutePath(), link));
+
+    Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+    const Library before = store.library();
+    QCOMPARE(moveAndWait(store, link), std::nullopt);
+    m_attachments->waitForIdle();
+
+    QCOMPARE(loadLibrary(current), before);
+    QCOMPARE(store.library(), before);
+    QCOMPARE(readFile(attachment), QByteArray("png"));
+    QCOMPARE(tree(attachmentsFolder(current)),
+        (QStringList {QStringLiteral("A"), QStringLiteral("A/image.png")}));
+}
+
+void StoreTest::moveIntoTheAttachmentsFolderIsRefused_data()
+{
+    QTest::addColumn<QString>("destination");
+    QTest::newRow("the folder itself") << QStringLiteral("Attachments");
+    QTest::newRow("a folder in it") << QStringLiteral("Attachments/A");
+    QTest::newRow("a file name in it") << QStringLiteral("Attachments/A/Notes.json");
+    QTest::newRow("through a link") << QStringLiteral("LinkToA");
+}
+
+void StoreTest::moveIntoTheAttachmentsFolderIsRefused()
+{
+    QFETCH(QString, destination);
+    const QString current = libraryURL();
+    const QString folder = QFileInfo(current).absolutePath();
+    QVERIFY(!writeLibrary(libraryWithNotes(1), current));
+    writeFile(attachmentsFolder(current) + QStringLiteral("/A/image.png"), "png");
+    QVERIFY(QFile::link(
+        attachmentsFolder(current) + QStringLiteral("/A"), folder + QStringLiteral("/LinkToA")));
+    const QStringList attachmentsBefore = tree(attachmentsFolder(current));
+    const QByteArray fileBefore = readFile(current);
+
+    Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+    const std::optional<QString> failure = moveAndWait(store, folder + u'/' + destination);
+    m_attachments->waitForIdle();
+    QVERIFY(failure);
+    QVERIFY2(failure->contains(QStringLiteral("Attachments")), qPrintable(*failure));
+    QCOMPARE(tree(attachmentsFolder(current)), attachmentsBefore);
+    QCOMPARE(readFile(current), fileBefore);
+    QCOMPARE(libraryURL(), current);
+}
+
+void StoreTest::moveCopiesLinksAsLinks()
+{
+    const QString root = Test::IsolatedEnvironment::current().root();
+    const QString current = libraryURL();
+    const QString attachments = attachmentsFolder(current);
+    QVERIFY(!writeLibrary(libraryWithNotes(1), current));
+    // A file of a few mebibytes with a date of its own, a link to a file
+    // outside and a link to a folder outside.
+    QByteArray large(3 * 1024 * 1024 + 17, Qt::Uninitialized);
+    for (qsizetype i = 0; i < large.size(); ++i)
+        large[i] = char((i * 7919) >> 3);
+    writeFile(attachments + QStringLiteral("/A/large.bin"), large);
+    QFile dated(attachments + QStringLiteral("/A/large.bin"));
+    QVERIFY(dated.open(QIODevice::ReadWrite));
+    QVERIFY(dated.setFileTime(
+        QDateTime::fromSecsSinceEpoch(1600000000, Qt::UTC), QFileDevice::FileModificationTime));
+    dated.close();
+    writeFile(root + QStringLiteral("/outside/secret.txt"), "not an attachment");
+    QDir().mkpath(attachments + QStringLiteral("/L"));
+    QVERIFY(QFile::link(root + QStringLiteral("/outside/secret.txt"),
+        attachments + QStringLiteral("/L/secret.txt")));
+    QVERIFY(QFile::link(root + QStringLiteral("/outside"), attachments + QStringLiteral("/D")));
+    // A named pipe, which a copy would wait on for ever, is no attachment.
+    QVERIFY(::mkfifo(QFile::encodeName(attachments + QStringLiteral("/A/pipe")).constData(), 0600)
+        == 0);
+
+    Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+    const QString target = root + QStringLiteral("/Moved");
+    QDir().mkpath(target);
+    QSignalSpy progress(&store, &Store::libraryMoveProgress);
+    QSignalSpy finished(&store, &Store::libraryMoveFinished);
+    store.moveLibrary(target);
+    QVERIFY(store.isMovingLibrary());
+    // One move at a time: a second one is turned down at once.
+    store.moveLibrary(root + QStringLiteral("/Elsewhere"));
+    QVERIFY(finished.wait(30000));
+    QVERIFY(finished.first().first().toString().contains(QStringLiteral("already")));
+    QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 2, 30000);
+    QCOMPARE(finished.last().first().toString(), QString());
+    QVERIFY(!store.isMovingLibrary());
+    m_attachments->waitForIdle();
+    // Progress counts the bytes of files, not what links point to.
+    QVERIFY(!progress.isEmpty());
+    QCOMPARE(progress.last(), (QList<QVariant> {large.size(), large.size()}));
+
+    const QString moved = target + QStringLiteral("/Attachments");
+    QCOMPARE(readFile(moved + QStringLiteral("/A/large.bin")), large);
+    QCOMPARE(QFileInfo(moved + QStringLiteral("/A/large.bin")).lastModified().toSecsSinceEpoch(),
+        1600000000);
+    const QList<std::pair<QString, QString>> links
+        = {{QStringLiteral("L/secret.txt"), root + QStringLiteral("/outside/secret.txt")},
+            {QStringLiteral("D"), root + QStringLiteral("/outside")}};
+    for (const auto &[name, pointsTo] : links) {
+        const QFileInfo link(moved + u'/' + name);
+        QVERIFY2(link.isSymLink(), qPrintable(name));
+        QCOMPARE(link.symLinkTarget(), pointsTo);
+    }
+    QVERIFY(!FileSystem::exists(moved + QStringLiteral("/A/pipe")));
+    QCOMPARE(
+        readFile(root + QStringLiteral("/outside/secret.txt")), QByteArray("not an attachment"));
+    QVERIFY(!QFileInfo::exists(attachments));
+}
+
+void StoreTest::moveWaitsForQueuedSaves()
+{
+    const QString current = libraryURL();
+    QVERIFY(!writeLibrary(libraryWithNotes(1), current));
+    Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+
+    // An older and larger state is still on its way to the file, as a save
+    // queued just before the move would be. It lands whole, and before the
+    // move's own write.
+    bool olderLanded = false;
+    std::optional<QString> olderFailure;
+    m_writer->write(
+        Test::generateLibrary(20000, 3), current, this, [&](std::optional<QString> failure) {
+            olderLanded = true;
+            olderFailure = failure;
+        });
+    QCOMPARE(moveAndWait(store, QFileInfo(current).absolutePath()), std::nullopt);
+    QTRY_VERIFY_WITH_TIMEOUT(olderLanded, 20000);
+    QCOMPARE(olderFailure, std::nullopt);
+
+    QCOMPARE(noteCount(store.library()), 1);
+    QCOMPARE(fileLibrary(), std::optional<Library>(store.library()));
+}
+
+void StoreTest::savesGoWhereThePreferencesSay()
+{
+    const QString chosen
+        = Test::IsolatedEnvironment::current().root() + QStringLiteral("/chosen/Library.json");
+    m_preferences->setLibraryPath(chosen);
+    // The settings file says otherwise, behind the preferences' back.
+    const QString behind
+        = Test::IsolatedEnvironment::current().root() + QStringLiteral("/behind/Library.json");
+    Preferences::openSettings()->setValue(QStringLiteral("libraryPath"), behind);
+
+    Store store(libraryWithNotes(1), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+    renameFirstNote(store, QStringLiteral("saved where chosen"));
+    QTRY_VERIFY(QFileInfo::exists(chosen));
+    QVERIFY(!QFileInfo::exists(behind));
+    store.flushSave();
+    QCOMPARE(loadLibrary(chosen).projects[0].sections[0].notes[0].text,
+        QStringLiteral("saved where chosen"));
+    QVERIFY(!QFileInfo::exists(behind));
 }
 
 VESKO_TEST_MAIN(StoreTest)

@@ -2,12 +2,14 @@
 
 #include "attachments/AttachmentStore.h"
 
+#include "library/LibraryFile.h"
 #include "platform/FileSystem.h"
 #include "platform/SerialQueue.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QMimeDatabase>
@@ -315,6 +317,45 @@ void AttachmentStore::stopImports()
 {
     m_cancelled->store(true);
     waitForIdle();
+}
+
+void AttachmentStore::copyFolder(const QString &from, const QString &to, QObject *context,
+    CopyProgress progress, CopyCompletion completion)
+{
+    QPointer<QObject> receiver(context);
+    auto onMainThread = [receiver](auto call) {
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [receiver, call] {
+                if (receiver)
+                    call();
+            },
+            Qt::QueuedConnection);
+    };
+    m_queue->async([from, to, onMainThread, progress = std::move(progress),
+                       completion = std::move(completion)] {
+        const qint64 total = folderSize(from);
+        qint64 copied = 0;
+        QElapsedTimer sinceReport;
+        sinceReport.start();
+        // Reports at most a few times a second, and once at the end.
+        const std::optional<QString> failure = mergeAttachmentFolder(from, to, [&](qint64 bytes) {
+            copied += bytes;
+            if (progress && sinceReport.elapsed() >= 100) {
+                sinceReport.restart();
+                onMainThread([progress, copied, total] { progress(copied, total); });
+            }
+            return true;
+        });
+        if (progress && !failure)
+            onMainThread([progress, total] { progress(total, total); });
+        onMainThread([completion, failure] { completion(failure); });
+    });
+}
+
+void AttachmentStore::removeMovedLibrary(const QString &oldLibrary, const QString &newLibrary)
+{
+    m_queue->async([oldLibrary, newLibrary] { Vesko::removeMovedLibrary(oldLibrary, newLibrary); });
 }
 
 void AttachmentStore::waitForIdle()

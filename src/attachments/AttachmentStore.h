@@ -65,6 +65,21 @@ public:
     //! records say. Failures are ignored.
     void removeFiles(const QList<NoteAttachment> &attachments, const QString &folder);
 
+    //! Reports of copyFolder(), on the main thread.
+    using CopyProgress = std::function<void(qint64 copiedBytes, qint64 totalBytes)>;
+    using CopyCompletion = std::function<void(std::optional<QString> failure)>;
+
+    //! Copies the attachment folder \a from into \a to in the background, a
+    //! piece of each file at a time, keeping files already there and copying
+    //! links as links (see mergeAttachmentFolder()). \a progress and
+    //! \a completion run on the main thread unless \a context has gone.
+    void copyFolder(const QString &from, const QString &to, QObject *context, CopyProgress progress,
+        CopyCompletion completion);
+
+    //! Removes the file at \a oldLibrary and its attachment folder in the
+    //! background, unless they are the same as those of \a newLibrary. After a move.
+    void removeMovedLibrary(const QString &oldLibrary, const QString &newLibrary);
+
     //! Blocks until the jobs queued so far are done.
     void waitForIdle();
 

@@ -44,19 +44,14 @@ void installAttachmentCommands(PanelCommands &commands)
     hooks.chooseFiles = [](std::function<void(const QList<QUrl> &)> done) {
         attachmentActions().chooseFiles(std::move(done));
     };
-    // The files of a note not yet written: a failure is told with the same
-    // toast as every other way of adding files.
-    hooks.importFiles
+    hooks.importForNewNote
         = [](const QList<QUrl> &urls,
-              std::function<void(const QList<NoteAttachment> &, const QString &)> done) {
-              attachmentActions().importForNewNote(urls,
-                  [done = std::move(done)](const std::optional<QList<NoteAttachment>> &records) {
-                      if (records)
-                          done(*records, QString());
-                      else
-                          done({}, AttachmentActions::tr("Could Not Add Attachment"));
-                  });
+              std::function<void(const std::optional<QList<NoteAttachment>> &)> done) {
+              attachmentActions().importForNewNote(urls, std::move(done));
           };
+    hooks.dropFilesOnNote = [](const QList<QUrl> &files, const QUuid &noteID) {
+        attachmentActions().dropFiles(files, noteID);
+    };
     commands.setHooks(hooks);
 }
 

@@ -56,6 +56,10 @@ void HotKeyCenter::installEventHandler()
 
 void HotKeyCenter::registerAll()
 {
+    if (!m_registrar.isAvailable()) {
+        qCInfo(lcCapture, "Global hot keys are not available in this session");
+        return;
+    }
     for (HotKeyAction action : allHotKeyActions) {
         if (const std::optional<KeyCombo> stored = combo(action))
             registerCombo(*stored, action);
@@ -64,7 +68,7 @@ void HotKeyCenter::registerAll()
 
 void HotKeyCenter::registerCombo(const KeyCombo &combo, HotKeyAction action)
 {
-    if (!(combo.modifiers & ModifierFlag::HotKeyModifiers))
+    if (!(combo.modifiers & ModifierFlag::HotKeyModifiers) || !m_registrar.isAvailable())
         return;
     const int status = m_registrar.registerKey(hotKeyID(action), combo.keyCode, combo.modifiers);
     if (status == 0) {

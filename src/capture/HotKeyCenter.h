@@ -40,7 +40,7 @@ public:
     void unregisterAll();
     bool isRegistered(HotKeyAction action) const { return m_registered.contains(action); }
     //! The desktop refused the action's combination at its last registration:
-    //! another program holds it.
+    //! another program holds it, or another action does.
     bool isRefused(HotKeyAction action) const { return m_refused.contains(action); }
 
     //! The other action that holds exactly this combination, if any.

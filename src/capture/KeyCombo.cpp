@@ -117,7 +117,8 @@ KeyCombo KeyCombo::defaultFor(HotKeyAction action)
     using namespace ModifierFlag;
     switch (action) {
     case HotKeyAction::TogglePanel:
-        return {65, Option};
+        // Alt+Space alone is the window menu of most desktops.
+        return {65, Control | Option};
     case HotKeyAction::CaptureSelection:
         return {54, Control | Option};
     case HotKeyAction::QuickAdd:

@@ -37,7 +37,7 @@ struct KeyCombo
 
     bool operator==(const KeyCombo &) const = default;
 
-    //! Alt+Space, Super+Alt+C, Super+Alt+N, Super+Alt+L.
+    //! Super+Alt+Space, Super+Alt+C, Super+Alt+N, Super+Alt+L.
     static KeyCombo defaultFor(HotKeyAction action);
     //! {"keyCode":…,"modifiers":…}
     QByteArray toJson() const;

@@ -3,8 +3,9 @@
 #include "capture/SelectionReader.h"
 
 #include "capture/SelectionText.h"
-#include "platform/Clipboard.h"
 #include "platform/DesktopSession.h"
+
+#include <QPointer>
 
 namespace Vesko {
 
@@ -22,6 +23,10 @@ SelectionReader::SelectionReader(
 
 void SelectionReader::readSelection(Done done)
 {
+    if (m_done) {
+        done(std::nullopt);
+        return;
+    }
     const std::optional<FrontApplication> front = m_session.frontApplication();
     if (!front) {
         done(std::nullopt);
@@ -35,28 +40,46 @@ void SelectionReader::readSelection(Done done)
     // The title is read before any key goes out.
     if (trusted && front->windowTitle)
         source.windowTitle = cleanWindowTitle(*front->windowTitle);
-
-    if (trusted) {
-        if (const std::optional<QString> primary = m_session.primarySelection(front->processID)) {
-            const QString text = normalizeCapturedText(*primary);
-            if (!text.isEmpty()) {
-                done(CapturedSelection {text, source});
-                return;
-            }
-        }
-    }
-
-    // The fallback: never a Ctrl+C into a terminal, where it interrupts.
-    if (front->isTerminal || !trusted) {
+    if (!trusted) {
         done(std::nullopt);
         return;
     }
     m_done = std::move(done);
     m_source = source;
-    m_snapshot = m_clipboard.snapshot();
-    m_baseline = m_clipboard.changeCount(); // once, not per attempt
-    m_attempt = 0;
-    startAttempt();
+
+    // The fallback: never a Ctrl+C into a terminal, where it interrupts.
+    const bool mayCopy = !front->isTerminal;
+    QPointer<SelectionReader> self(this);
+    m_session.readPrimarySelection(
+        front->processID, [self, mayCopy](std::optional<QString> primary) {
+            if (!self)
+                return;
+            if (primary) {
+                const QString text = normalizeCapturedText(*primary);
+                if (!text.isEmpty()) {
+                    self->finish(text);
+                    return;
+                }
+            }
+            if (!mayCopy) {
+                self->finish(std::nullopt);
+                return;
+            }
+            self->readThroughCopy();
+        });
+}
+
+void SelectionReader::readThroughCopy()
+{
+    QPointer<SelectionReader> self(this);
+    m_clipboard.requestSnapshot([self](Clipboard::Snapshot snapshot) {
+        if (!self)
+            return;
+        self->m_snapshot = std::move(snapshot);
+        self->m_baseline = self->m_clipboard.changeCount(); // once, not per attempt
+        self->m_attempt = 0;
+        self->startAttempt();
+    });
 }
 
 void SelectionReader::startAttempt()
@@ -67,27 +90,36 @@ void SelectionReader::startAttempt()
         finish(std::nullopt);
         return;
     }
-    if (!m_session.sendCopy(m_attempt)) {
-        startAttempt();
-        return;
-    }
-    m_polls = 0;
-    m_pollTimer.start();
+    QPointer<SelectionReader> self(this);
+    m_session.sendCopy(m_attempt, [self](bool sent) {
+        if (!self)
+            return;
+        if (!sent) {
+            self->startAttempt();
+            return;
+        }
+        self->m_polls = 0;
+        self->m_pollTimer.start();
+    });
 }
 
 void SelectionReader::poll()
 {
     ++m_polls;
     if (m_clipboard.changeCount() != m_baseline) {
-        if (const std::optional<QString> text = m_clipboard.text()) {
-            m_pollTimer.stop();
-            m_clipboard.restore(m_snapshot);
-            finish(*text);
-            return;
-        }
-        // Something other than text, an image say: the next attempt.
         m_pollTimer.stop();
-        startAttempt();
+        QPointer<SelectionReader> self(this);
+        m_clipboard.requestText([self](std::optional<QString> text) {
+            if (!self)
+                return;
+            if (!text) {
+                // Something other than text, an image say: the next attempt.
+                self->startAttempt();
+                return;
+            }
+            self->m_clipboard.restore(self->m_snapshot);
+            self->finish(*text);
+        });
         return;
     }
     if (m_polls >= pollsPerAttempt) {

@@ -4,11 +4,13 @@
 // comes from. First the primary selection, when the front application's own
 // process owns it; that leaves the clipboard alone. Otherwise a synthetic
 // Ctrl+C (never into a terminal), the clipboard read, and the clipboard put
-// back as it was.
+// back as it was. Every step that waits for another program or for the
+// user's keys answers later, on the event loop: the interface stays live.
 
 #pragma once
 
 #include "library/Library.h"
+#include "platform/Clipboard.h"
 
 #include <QObject>
 #include <QTimer>
@@ -18,7 +20,6 @@
 
 namespace Vesko {
 
-class Clipboard;
 class DesktopSession;
 
 struct CapturedSelection
@@ -43,11 +44,14 @@ public:
         QObject *parent = nullptr);
 
     //! Reads the selection and calls \a done on the main thread, at once or
-    //! after the synthetic copy's polls (at most about a second). One read
-    //! at a time.
+    //! once the desktop has answered (the primary selection within half a
+    //! second, the synthetic copy within about a second after the snapshot).
+    //! One read at a time: a read asked for during another gets nothing.
     void readSelection(Done done);
+    bool isReading() const { return bool(m_done); }
 
 private:
+    void readThroughCopy();
     void startAttempt();
     void poll();
     void finish(std::optional<QString> text);
@@ -63,7 +67,7 @@ private:
     quint64 m_baseline = 0;
     int m_attempt = 0;
     int m_polls = 0;
-    QList<QMap<QString, QByteArray>> m_snapshot;
+    Clipboard::Snapshot m_snapshot;
 };
 
 } // namespace Vesko

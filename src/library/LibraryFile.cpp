@@ -19,9 +19,61 @@ namespace Vesko {
 
 namespace {
 
-QString standardized(const QString &path)
+// Where a path leads once every symbolic link on the way is resolved. A path
+// that does not exist yet resolves through the part of it that does.
+QString canonicalLocation(const QString &path)
 {
-    return QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+    const QString clean = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+    const QString canonical = QFileInfo(clean).canonicalFilePath();
+    if (!canonical.isEmpty())
+        return canonical;
+    const qsizetype slash = clean.lastIndexOf(u'/');
+    if (slash <= 0)
+        return clean;
+    return canonicalLocation(clean.left(slash)) + clean.mid(slash);
+}
+
+// Whether \a path is \a folder or lies below it.
+bool isWithin(const QString &path, const QString &folder)
+{
+    return path == folder || path.startsWith(folder.endsWith(u'/') ? folder : folder + u'/');
+}
+
+// The copy of one folder's entries into another; directories are entered,
+// links copied as links, files copied a piece at a time.
+std::optional<QString> copyFolderEntries(
+    const QString &from, const QString &to, const std::function<bool(qint64)> &progress)
+{
+    if (auto error = FileSystem::makePath(to))
+        return error;
+    const QDir source(from);
+    const QStringList names
+        = source.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    for (const QString &name : names) {
+        const QString sourcePath = source.filePath(name);
+        const QString targetPath = QDir(to).filePath(name);
+        const QFileInfo entry(sourcePath);
+        if (entry.isSymLink()) {
+            // A link is copied as the link it is: what it points to is not an attachment.
+            if (!FileSystem::exists(targetPath)) {
+                if (auto error = FileSystem::copySymbolicLink(sourcePath, targetPath))
+                    return error;
+            }
+        } else if (entry.isDir()) {
+            if (auto error = copyFolderEntries(sourcePath, targetPath, progress))
+                return error;
+        } else if (!entry.isFile()) {
+            // A pipe, socket or device is no attachment, and no copy of one is made.
+            qCInfo(lcStorage, "Left out of the move: %s is not a file", qUtf8Printable(sourcePath));
+        } else if (!FileSystem::exists(targetPath)) {
+            FileSystem::CopyOptions options;
+            options.followsLinks = false;
+            options.progress = progress;
+            if (auto error = FileSystem::copyFileKeepingDate(sourcePath, targetPath, options))
+                return error;
+        }
+    }
+    return std::nullopt;
 }
 
 QString uuidText(const QUuid &id)
@@ -98,6 +150,25 @@ Library loadLibrary()
     return loadLibrary(libraryURL());
 }
 
+std::optional<Library> readLibraryFile(const QString &path, QString *error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        *error = file.errorString();
+        return std::nullopt;
+    }
+    QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        *error = file.errorString();
+        return std::nullopt;
+    }
+    // Editors on some systems start a UTF-8 file with a byte-order mark;
+    // it is no part of the document, and the next save leaves it out.
+    if (bytes.startsWith("\xEF\xBB\xBF"))
+        bytes.remove(0, 3);
+    return decodeLibrary(bytes, error);
+}
+
 Library loadLibrary(const QString &path)
 {
     if (!FileSystem::exists(path))
@@ -106,18 +177,8 @@ Library loadLibrary(const QString &path)
     removeStaleTemporaryFiles(path);
 
     QString error;
-    QFile file(path);
-    if (file.open(QIODevice::ReadOnly)) {
-        QByteArray bytes = file.readAll();
-        if (file.error() == QFileDevice::NoError) {
-            if (std::optional<Library> library = decodeLibrary(bytes, &error))
-                return *std::move(library);
-        } else {
-            error = file.errorString();
-        }
-    } else {
-        error = file.errorString();
-    }
+    if (std::optional<Library> library = readLibraryFile(path, &error))
+        return *std::move(library);
 
     qCCritical(
         lcStorage, "Could not read library at %s: %s", qUtf8Printable(path), qUtf8Printable(error));
@@ -143,9 +204,12 @@ void backUpLibraryFile(const QString &path)
     const QString name = QStringLiteral("Library-%1-%2.json")
                              .arg(fileNameStamp(currentDate()), uuidText(makeID()).left(6));
     FileSystem::makePath(folder);
-    // The library file is only ever replaced by a rename, never changed in
-    // place, so a second name for it is as good as a copy, and free.
-    FileSystem::linkOrCopyKeepingDate(path, QDir(folder).filePath(name));
+    // A copy of its own, private whatever the file's permissions, dated by the
+    // save that produced its content. It need not reach the disk before the
+    // write goes on: the write itself is flushed.
+    FileSystem::CopyOptions options;
+    options.durability = FileSystem::Durability::Cached;
+    FileSystem::copyFileKeepingDate(path, QDir(folder).filePath(name), options);
 
     // Every entry of the folder takes part, whatever its name; one whose date
     // cannot be read counts as the oldest.
@@ -212,36 +276,90 @@ QString libraryMoveTarget(const QString &destination)
     return destination;
 }
 
-std::optional<QString> mergeAttachmentFolder(const QString &from, const QString &to)
+QString rescueFolder()
 {
-    if (standardized(from) == standardized(to) || !QFileInfo(from).isDir())
-        return std::nullopt;
-    if (auto error = FileSystem::makePath(to))
-        return error;
+    QString state = qEnvironmentVariable("XDG_STATE_HOME");
+    if (state.isEmpty() || !QDir::isAbsolutePath(state))
+        state = QDir::homePath() + QStringLiteral("/.local/state");
+    return state + QStringLiteral("/Vesko");
+}
 
-    const QDir source(from);
-    const QFileInfoList entries = source.entryInfoList(
-        QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    for (const QFileInfo &entry : entries) {
-        const QString targetPath = QDir(to).filePath(entry.fileName());
-        if (entry.isDir() && !entry.isSymLink()) {
-            if (auto error = mergeAttachmentFolder(entry.absoluteFilePath(), targetPath))
-                return error;
-        } else if (!FileSystem::exists(targetPath)) {
-            if (auto error = FileSystem::copyFileKeepingDate(entry.absoluteFilePath(), targetPath))
-                return error;
-        }
+QString writeRescueFile(const Library &library, QString *failure)
+{
+    const QString folder = rescueFolder();
+    if (auto error = FileSystem::makePath(folder)) {
+        *failure = *error;
+        return {};
+    }
+    // A name of its own: an earlier rescue of the same second is never replaced.
+    const QString stamp = fileNameStamp(currentDate());
+    QString path = QDir(folder).filePath(QStringLiteral("Library-unsaved-%1.json").arg(stamp));
+    if (FileSystem::exists(path)) {
+        path = QDir(folder).filePath(
+            QStringLiteral("Library-unsaved-%1-%2.json").arg(stamp, uuidText(makeID()).left(6)));
+    }
+    if (auto error = FileSystem::writeNewFile(path, [&library](const FileSystem::ByteSink &sink) {
+            return encodeLibrary(library, sink);
+        })) {
+        *failure = *error;
+        return {};
+    }
+    FileSystem::syncDirectory(folder);
+    return path;
+}
+
+bool isSameLocation(const QString &first, const QString &second)
+{
+    return canonicalLocation(first) == canonicalLocation(second);
+}
+
+std::optional<QString> libraryMoveRefusal(const QString &current, const QString &target)
+{
+    const QString attachments = canonicalLocation(attachmentsFolder(current));
+    if (isWithin(canonicalLocation(QFileInfo(target).absolutePath()), attachments)) {
+        return QObject::tr("The library cannot move into its own Attachments folder “%1”. "
+                           "Choose a folder outside it.")
+            .arg(attachmentsFolder(current));
     }
     return std::nullopt;
 }
 
+qint64 folderSize(const QString &folder)
+{
+    qint64 total = 0;
+    const QDir dir(folder);
+    const QFileInfoList entries
+        = dir.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    for (const QFileInfo &entry : entries) {
+        if (entry.isSymLink())
+            continue;
+        if (entry.isDir())
+            total += folderSize(entry.absoluteFilePath());
+        else
+            total += entry.size();
+    }
+    return total;
+}
+
+std::optional<QString> mergeAttachmentFolder(
+    const QString &from, const QString &to, const std::function<bool(qint64)> &progress)
+{
+    if (isSameLocation(from, to) || !QFileInfo(from).isDir())
+        return std::nullopt;
+    // A target inside the source would receive its own copies without end.
+    if (isWithin(canonicalLocation(to), canonicalLocation(from)))
+        return QObject::tr("“%1” lies inside “%2”.").arg(to, from);
+    return copyFolderEntries(from, to, progress);
+}
+
 void removeMovedLibrary(const QString &oldPath, const QString &newPath)
 {
-    if (standardized(oldPath) == standardized(newPath))
+    if (isSameLocation(oldPath, newPath))
         return;
-    QFile::remove(oldPath);
     const QString oldAttachments = attachmentsFolder(oldPath);
-    if (standardized(oldAttachments) != standardized(attachmentsFolder(newPath)))
+    const bool sharedAttachments = isSameLocation(oldAttachments, attachmentsFolder(newPath));
+    QFile::remove(oldPath);
+    if (!sharedAttachments)
         QDir(oldAttachments).removeRecursively();
 }
 

@@ -18,6 +18,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace Vesko {
@@ -44,12 +45,16 @@ QString backupsFolder(const QString &libraryPath);
 Library loadLibrary();
 Library loadLibrary(const QString &path);
 
+//! Reads and decodes the library file at \a path, and nothing else: a
+//! failure is returned in \a error, the file stays as it is.
+std::optional<Library> readLibraryFile(const QString &path, QString *error);
+
 //! Moves an unreadable file to "Library-unreadable-<stamp>.json" beside it.
 //! Never overwrites; a failure leaves the file where it is.
 void setAsideUnreadableLibrary(const QString &path);
 
-//! Copies the file at \a path into "Library Backups" keeping its date, and
-//! keeps the newest five entries of that folder. Never fails.
+//! Copies the file at \a path into "Library Backups", a private copy (0600)
+//! keeping its date, and keeps the newest five entries of that folder. Never fails.
 void backUpLibraryFile(const QString &path);
 
 //! Writes \a library to \a path: backup, encode, a private temporary file
@@ -61,14 +66,39 @@ std::optional<QString> writeLibrary(const Library &library, const QString &path)
 //! it when it is a folder, else \a destination itself.
 QString libraryMoveTarget(const QString &destination);
 
-//! Copies the attachment folder \a from into \a to, recursively, keeping any
-//! file that is already there. Nothing happens when both are the same folder
-//! or \a from does not exist.
-std::optional<QString> mergeAttachmentFolder(const QString &from, const QString &to);
+//! Whether two paths lead to the same place once symbolic links are resolved;
+//! either may not exist yet.
+bool isSameLocation(const QString &first, const QString &second);
 
-//! After a move from \a oldPath to \a newPath has been written: removes the old
-//! file, and the old attachment folder if it is another folder. Failures are ignored.
+//! Why the library at \a current cannot move to the file \a target, or
+//! nothing: a target inside the library's own Attachments folder would copy
+//! that folder into itself without end.
+std::optional<QString> libraryMoveRefusal(const QString &current, const QString &target);
+
+//! The bytes of the files below \a folder; links are not followed.
+qint64 folderSize(const QString &folder);
+
+//! Copies the attachment folder \a from into \a to, recursively, keeping any
+//! file that is already there. Files go a piece at a time, each piece
+//! reported to \a progress (which may cancel by returning false); a symbolic
+//! link is copied as a link, never followed. Nothing happens when both are
+//! the same folder or \a from does not exist; a target inside the source is refused.
+std::optional<QString> mergeAttachmentFolder(
+    const QString &from, const QString &to, const std::function<bool(qint64)> &progress = {});
+
+//! After a move from \a oldPath to \a newPath has been written: removes the
+//! old file, and the old attachment folder if it is another folder. Nothing
+//! is removed when both paths lead to the same file. Failures are ignored.
 void removeMovedLibrary(const QString &oldPath, const QString &newPath);
+
+//! "Vesko" in the user's state folder ($XDG_STATE_HOME, else ~/.local/state),
+//! where a library that could not be saved at the end is rescued.
+QString rescueFolder();
+
+//! Writes \a library to a new private file "Library-unsaved-<stamp>.json" in
+//! rescueFolder(): the last resort when the library file cannot be written at
+//! the end. Returns the rescue file's path, or an empty path with \a failure set.
+QString writeRescueFile(const Library &library, QString *failure);
 
 //! The time stamp used in backup and set-aside names: "2026-03-14T09-26-53Z".
 QString fileNameStamp(const QDateTime &date);

@@ -41,6 +41,30 @@ void LibraryWriter::write(
     });
 }
 
+void LibraryWriter::writeThenRead(
+    const Library &library, const QString &path, QObject *context, ReadBackCompletion completion)
+{
+    QPointer<QObject> receiver(context);
+    m_queue->async([library, path, receiver, completion = std::move(completion)] {
+        std::optional<QString> failure = writeLibrary(library, path);
+        Library readBack;
+        if (!failure) {
+            QString error;
+            if (std::optional<Library> read = readLibraryFile(path, &error))
+                readBack = *std::move(read);
+            else
+                failure = QObject::tr("Could not read “%1” back: %2").arg(path, error);
+        }
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [receiver, completion, failure, readBack] {
+                if (receiver)
+                    completion(failure, readBack);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
 std::optional<QString> LibraryWriter::writeNow(const Library &library, const QString &path)
 {
     return m_queue->sync([&library, &path] { return writeLibrary(library, path); });

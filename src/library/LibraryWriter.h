@@ -36,6 +36,17 @@ public:
     void write(
         const Library &library, const QString &path, QObject *context, Completion completion);
 
+    //! What a write that reads the file back gives: the failure text of the
+    //! write or of the reading, or the library read from the file just written.
+    using ReadBackCompletion
+        = std::function<void(std::optional<QString> failure, const Library &readBack)>;
+
+    //! Queues a write of \a library to \a path and, once it is done, reads the
+    //! file back on the writer's thread: the library as it now stands on the
+    //! disk, after every write queued before. \a completion runs as for write().
+    void writeThenRead(const Library &library, const QString &path, QObject *context,
+        ReadBackCompletion completion);
+
     //! Queues a write behind the ones already waiting and blocks until it is done.
     std::optional<QString> writeNow(const Library &library, const QString &path);
 

@@ -2,8 +2,12 @@
 
 #include "panel/NativeInlineTextField.h"
 
+#include "panel/SpellCheckHighlighter.h"
+#include "platform/SpellChecker.h"
+
 #include <QAbstractTextDocumentLayout>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QTextBlock>
 #include <QTimer>
@@ -36,7 +40,39 @@ public:
         setViewportMargins(0, 0, 0, 0);
     }
 
+    SpellCheckHighlighter *spelling = nullptr;
+
 protected:
+    void contextMenuEvent(QContextMenuEvent *event) override
+    {
+        std::unique_ptr<QMenu> menu(createStandardContextMenu(event->pos()));
+        const int position = cursorForPosition(event->pos()).position();
+        if (const auto misspelled
+            = spelling ? spelling->misspelledWordAt(position) : std::nullopt) {
+            // Spellings to choose from, above the editing commands.
+            QAction *first = menu->actions().value(0);
+            const QStringList suggestions = spelling->checker()->suggestions(misspelled->second, 5);
+            for (const QString &suggestion : suggestions) {
+                auto *action = new QAction(suggestion, menu.get());
+                connect(action, &QAction::triggered, this, [this, misspelled, suggestion] {
+                    QTextCursor cursor = textCursor();
+                    cursor.setPosition(misspelled->first);
+                    cursor.setPosition(misspelled->first + int(misspelled->second.size()),
+                        QTextCursor::KeepAnchor);
+                    cursor.insertText(suggestion);
+                });
+                menu->insertAction(first, action);
+            }
+            if (suggestions.isEmpty()) {
+                auto *none = new QAction(NativeInlineTextField::tr("No Guesses Found"), menu.get());
+                none->setEnabled(false);
+                menu->insertAction(first, none);
+            }
+            menu->insertSeparator(first);
+        }
+        menu->exec(event->globalPos());
+    }
+
     void keyPressEvent(QKeyEvent *event) override
     {
         if (!m_field->handleKey(event))
@@ -125,6 +161,8 @@ NativeInlineTextField::NativeInlineTextField(QWidget *parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_editor);
     setFocusProxy(m_editor);
+    // Spelling is checked as you type where the desktop offers a dictionary.
+    m_editor->spelling = new SpellCheckHighlighter(m_editor);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setMultiline(true);
     m_fieldHeight = lineHeight();
@@ -137,6 +175,11 @@ NativeInlineTextField::~NativeInlineTextField() = default;
 QTextEdit *NativeInlineTextField::editor() const
 {
     return m_editor;
+}
+
+SpellCheckHighlighter *NativeInlineTextField::spelling() const
+{
+    return m_editor->spelling;
 }
 
 QString NativeInlineTextField::text() const

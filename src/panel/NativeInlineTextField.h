@@ -18,6 +18,7 @@
 namespace Vesko {
 
 class InlineTextEditor;
+class SpellCheckHighlighter;
 
 class NativeInlineTextField : public QWidget
 {
@@ -80,6 +81,8 @@ public:
     void moveCaretToEnd();
     //! The text view inside, for the accessibility name and the focus chain.
     QTextEdit *editor() const;
+    //! The marking of misspelled words as the user types.
+    SpellCheckHighlighter *spelling() const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

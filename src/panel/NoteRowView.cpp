@@ -2,17 +2,20 @@
 
 #include "panel/NoteRowView.h"
 
+#include "attachments/AttachmentListView.h"
 #include "panel/HighlightedText.h"
+#include "panel/MarkdownFormat.h"
 #include "panel/NativeInlineTextField.h"
 #include "panel/NoteRowActions.h"
+#include "panel/PanelDrop.h"
 #include "panel/PanelListView.h"
 #include "panel/PanelMenus.h"
 #include "panel/PanelState.h"
 #include "panel/RowAccessibility.h"
-#include "panel/RowAttachmentsView.h"
 #include "shell/Theme.h"
 #include "store/Store.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QDesktopServices>
@@ -47,6 +50,15 @@ QList<QUrl> localFiles(const QMimeData *data)
             files.append(url);
     }
     return files;
+}
+
+//! The locale's short time, without seconds.
+QString shortTimeFormat(const QLocale &locale)
+{
+    QString format = locale.timeFormat(QLocale::ShortFormat);
+    format.remove(QStringLiteral(":ss"));
+    format.remove(QStringLiteral(":s"));
+    return format;
 }
 
 QFont editorFont()
@@ -111,7 +123,6 @@ NoteRowView::NoteRowView(Store &store, PanelState &state, PanelListView &list, Q
     , m_state(state)
     , m_list(list)
     , m_doneControl(new DoneControl(this))
-    , m_attachments(new RowAttachmentsView(this))
 {
     setFocusPolicy(Qt::NoFocus);
     setAttribute(Qt::WA_Hover);
@@ -140,7 +151,10 @@ void NoteRowView::bind(const PanelNoteRow &row)
             setEditing(false);
     }
     m_doneControl->setDone(row.note.isDone);
-    m_attachments->setAttachments(row.note.attachments, row.note.id);
+    if (!row.note.attachments.isEmpty() && !m_attachments)
+        m_attachments = m_list.makeAttachmentListView(this);
+    if (m_attachments)
+        m_attachments->setAttachments(row.note.attachments, row.note.id);
     // The text, or the done state that strikes it through and greys it.
     rebuildText();
     refresh();
@@ -148,6 +162,13 @@ void NoteRowView::bind(const PanelNoteRow &row)
         updateFill(false);
     layoutChildren();
     update();
+    if (QAccessible::isActive()) {
+        // A screen reader on this row hears of its new text or state.
+        QAccessibleEvent name(this, QAccessible::NameChanged);
+        QAccessible::updateAccessibility(&name);
+        QAccessibleEvent description(this, QAccessible::DescriptionChanged);
+        QAccessible::updateAccessibility(&description);
+    }
 }
 
 void NoteRowView::refresh()
@@ -165,7 +186,8 @@ void NoteRowView::refresh()
     }
     if (expanded != m_expanded) {
         m_expanded = expanded;
-        m_attachments->setExpanded(expanded);
+        if (m_attachments)
+            m_attachments->setExpanded(expanded);
         relayout = true;
     }
     if (editing != m_editing) {
@@ -175,6 +197,7 @@ void NoteRowView::refresh()
     if (selected != m_selected) {
         m_selected = selected;
         updateFill(true);
+        update(); // the ring at once; the fill eases over
     }
     if (relayout) {
         layoutChildren();
@@ -201,7 +224,7 @@ QString NoteRowView::sourceLine() const
     const QDateTime created = m_row.note.createdAt.toLocalTime();
     return source->appName + QStringLiteral(" \u00B7 ")
         + locale.toString(created.date(), QStringLiteral("MMM d, yyyy")) + QLatin1Char(' ')
-        + locale.toString(created.time(), QLocale::ShortFormat);
+        + locale.toString(created.time(), shortTimeFormat(locale));
 }
 
 bool NoteRowView::isTextTruncated() const
@@ -215,10 +238,9 @@ void NoteRowView::rebuildText()
     const bool done = m_row.note.isDone;
     m_text.setContent(highlightedText(m_row.note.text, m_query), Theme::noteFont(), done);
     const ThemeColors colors = Theme::currentColors();
-    QColor code = colors.greyLight;
-    code.setAlphaF(0.12f);
-    m_text.setColors({done ? colors.tertiaryText : colors.text, colors.accent, colors.accentSoft,
-        code, colors.greyStrong});
+    const MarkdownFormatColors markdown = markdownFormatColors();
+    m_text.setColors({done ? colors.tertiaryText : colors.text, markdown.link, colors.accentSoft,
+        markdown.codeBackground, colors.greyStrong});
 }
 
 int NoteRowView::contentLeft() const
@@ -251,7 +273,7 @@ int NoteRowView::columnHeight(int width) const
     };
     ensureTextLayout(width);
     add(m_text.height());
-    add(m_attachments->heightForWidth(inner));
+    add(attachmentsHeight(inner));
     if (m_expanded && m_row.note.source)
         add(QFontMetrics(Theme::captionFont()).height());
     return height;
@@ -281,6 +303,10 @@ int NoteRowView::estimatedHeight(const Note &note, bool expanded, const Metrics 
         40, metrics.width - (cardPaddingH + DoneControl::diameter + spacing) - cardPaddingH);
     const qreal perLine = std::max<qreal>(1, inner / metrics.averageCharacterWidth);
     const int lineLimit = expanded ? std::numeric_limits<int>::max() : collapsedLines;
+    // Lines of the paragraphs, up to the limit; a paragraph long enough to
+    // fill the limit alone ends the count.
+    const qsizetype longest = expanded ? std::numeric_limits<qsizetype>::max()
+                                       : qsizetype(std::ceil(perLine * collapsedLines));
     int lines = 0;
     qsizetype paragraph = 0;
     const QString &text = note.text;
@@ -289,8 +315,8 @@ int NoteRowView::estimatedHeight(const Note &note, bool expanded, const Metrics 
             if (i > 0 || paragraph > 0)
                 lines += std::max(1, int(std::ceil(qreal(paragraph) / perLine)));
             paragraph = 0;
-        } else {
-            ++paragraph;
+        } else if (++paragraph > longest) {
+            lines = lineLimit;
         }
     }
     lines = std::min(lines, lineLimit);
@@ -326,22 +352,30 @@ void NoteRowView::layoutChildren()
     const int inner = contentWidth(width());
     const int top = rowPadding + cardPaddingV;
     if (m_editing) {
-        m_attachments->hide();
+        if (m_attachments)
+            m_attachments->hide();
         if (m_editor)
             m_editor->setGeometry(left, top, inner, int(std::ceil(m_editorHeight)));
         return;
     }
     ensureTextLayout(width());
     int y = top + m_text.height();
-    const int attachments = m_attachments->heightForWidth(inner);
+    const int attachments = attachmentsHeight(inner);
     if (attachments > 0) {
         if (m_text.height() > 0)
             y += contentSpacing;
         m_attachments->setGeometry(left, y, inner, attachments);
         m_attachments->show();
-    } else {
+    } else if (m_attachments) {
         m_attachments->hide();
     }
+}
+
+int NoteRowView::attachmentsHeight(int width) const
+{
+    if (!m_attachments || m_row.note.attachments.isEmpty())
+        return 0;
+    return m_attachments->heightForWidth(width);
 }
 
 void NoteRowView::setEditing(bool editing)
@@ -453,8 +487,17 @@ void NoteRowView::paintEvent(QPaintEvent *)
     QPainterPath path;
     path.addRoundedRect(card, cardRadius, cardRadius);
     painter.fillPath(path, m_fillColor.isValid() ? m_fillColor : colors.noteFill);
-    painter.setPen(QPen(m_selected ? colors.accentSoft : colors.surfaceStroke, 0.5));
+    // The hairline; a selected card also gets a ring of the accent, so that
+    // the selection reads at a glance on either appearance.
+    painter.setPen(QPen(colors.surfaceStroke, 0.5));
     painter.drawPath(path);
+    if (m_selected) {
+        QPainterPath ring;
+        ring.addRoundedRect(
+            card.adjusted(0.5, 0.5, -0.5, -0.5), cardRadius - 0.5, cardRadius - 0.5);
+        painter.setPen(QPen(colors.accentStrong, 1.2));
+        painter.drawPath(ring);
+    }
 
     if (m_editing)
         return;
@@ -467,7 +510,7 @@ void NoteRowView::paintEvent(QPaintEvent *)
         int y = rowPadding + cardPaddingV + m_text.height();
         if (m_text.height() > 0)
             y += contentSpacing;
-        const int attachments = m_attachments->heightForWidth(contentWidth(width()));
+        const int attachments = attachmentsHeight(contentWidth(width()));
         if (attachments > 0)
             y += attachments + contentSpacing;
         painter.setFont(caption);
@@ -588,11 +631,11 @@ void NoteRowView::startDrag()
 void NoteRowView::dragEnterEvent(QDragEnterEvent *event)
 {
     const QMimeData *data = event->mimeData();
-    if (m_list.acceptsFileDrops() && !localFiles(data).isEmpty()) {
+    if (!localFiles(data).isEmpty()) {
         m_fileTargeted = true;
         updateFill(true);
         event->acceptProposedAction();
-    } else if (data->hasText()) {
+    } else if (PanelDrop::textItems(*data)) {
         m_list.setRowDropTarget(noteID(), true);
         event->acceptProposedAction();
     } else {
@@ -617,7 +660,7 @@ void NoteRowView::dragLeaveEvent(QDragLeaveEvent *)
 void NoteRowView::dropEvent(QDropEvent *event)
 {
     const QMimeData *data = event->mimeData();
-    const QList<QUrl> files = m_list.acceptsFileDrops() ? localFiles(data) : QList<QUrl>();
+    const QList<QUrl> files = localFiles(data);
     bool accepted = false;
     if (m_fileTargeted || !files.isEmpty()) {
         m_fileTargeted = false;

@@ -20,9 +20,9 @@ class QVariantAnimation;
 
 namespace Vesko {
 
+class AttachmentListView;
 class PanelListView;
 class PanelState;
-class RowAttachmentsView;
 class NativeInlineTextField;
 class Store;
 
@@ -92,7 +92,8 @@ public:
 
     DoneControl *doneControl() const { return m_doneControl; }
     NativeInlineTextField *editor() const { return m_editor; }
-    RowAttachmentsView *attachmentsView() const { return m_attachments; }
+    //! The tiles of the note's attachments; made for the first note that has any.
+    AttachmentListView *attachmentsView() const { return m_attachments; }
 
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
@@ -132,6 +133,7 @@ private:
     int contentWidth(int width) const;
     //! The height of the column of text, attachments and source line.
     int columnHeight(int width) const;
+    int attachmentsHeight(int width) const;
     void layoutChildren();
     void rebuildText();
     void ensureTextLayout(int width) const;
@@ -148,7 +150,7 @@ private:
     PanelNoteRow m_row;
 
     DoneControl *m_doneControl = nullptr;
-    RowAttachmentsView *m_attachments = nullptr;
+    AttachmentListView *m_attachments = nullptr;
     NativeInlineTextField *m_editor = nullptr;
     mutable NoteTextLayout m_text;
     QString m_query;

@@ -3,8 +3,8 @@
 #include "panel/NoteTextLayout.h"
 
 #include "panel/HighlightedText.h"
+#include "panel/MarkdownFormat.h"
 
-#include <QFontDatabase>
 #include <QPainter>
 #include <QTextCharFormat>
 
@@ -80,22 +80,9 @@ void NoteTextLayout::build(
 
     QList<QTextLayout::FormatRange> formats;
     formats.reserve(runs.size());
+    const MarkdownFormatColors markdownColors {m_colors.link, m_colors.codeBackground};
     for (const MarkdownRun &run : runs) {
-        QTextCharFormat format;
-        if (run.attributes & MarkdownRun::Emphasis)
-            format.setFontItalic(true);
-        if (run.attributes & MarkdownRun::Strong)
-            format.setFontWeight(QFont::Bold);
-        if (run.attributes & MarkdownRun::Strikethrough)
-            format.setFontStrikeOut(true);
-        if (run.attributes & MarkdownRun::Code) {
-            format.setFontFamilies({QFontDatabase::systemFont(QFontDatabase::FixedFont).family()});
-            format.setBackground(m_colors.codeBackground);
-        }
-        if (run.attributes & (MarkdownRun::Link | MarkdownRun::Image)) {
-            format.setForeground(m_colors.link);
-            format.setFontUnderline(true);
-        }
+        QTextCharFormat format = markdownRunFormat(run, markdownColors);
         if (run.attributes & highlightedAttribute)
             format.setBackground(m_colors.highlight);
         formats.append({int(run.start), int(run.length), format});

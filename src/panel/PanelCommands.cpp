@@ -103,52 +103,58 @@ void PanelCommands::pasteAttachments(const QUuid &noteID) const
         m_hooks.pasteAttachments(noteID);
 }
 
+void PanelCommands::dropFilesOnNote(const QList<QUrl> &files, const QUuid &noteID) const
+{
+    if (m_hooks.dropFilesOnNote)
+        m_hooks.dropFilesOnNote(files, noteID);
+}
+
 void PanelCommands::chooseFiles(std::function<void(const QList<QUrl> &)> done) const
 {
-    if (m_hooks.chooseFiles) {
+    if (m_hooks.chooseFiles)
         m_hooks.chooseFiles(std::move(done));
+    else
+        done({});
+}
+
+void PanelCommands::importForNewNote(const QList<QUrl> &urls,
+    std::function<void(const std::optional<QList<NoteAttachment>> &)> done) const
+{
+    if (m_hooks.importForNewNote) {
+        m_hooks.importForNewNote(urls, std::move(done));
         return;
     }
-    auto *dialog = new QFileDialog(nullptr, tr("Add Attachments"));
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setFileMode(QFileDialog::ExistingFiles);
-    dialog->setLabelText(QFileDialog::Accept, tr("Add"));
-    connect(dialog, &QFileDialog::finished, dialog, [dialog, done = std::move(done)](int result) {
-        done(result == QDialog::Accepted ? dialog->selectedUrls() : QList<QUrl>());
-    });
-    dialog->open();
+    ToastPresenter::shared().present(
+        tr("Could Not Add Attachment"), QStringLiteral("exclamationmark.triangle"));
+    done(std::nullopt);
 }
 
-void PanelCommands::importFiles(const QList<QUrl> &urls,
-    std::function<void(const QList<NoteAttachment> &, const QString &)> done) const
+QtDesktopFiles &PanelCommands::desktopFiles()
 {
-    if (m_hooks.importFiles) {
-        m_hooks.importFiles(urls, std::move(done));
-        return;
-    }
-    done({}, tr("Attachments cannot be imported."));
+    // The same instance as the attachment tiles use: one way to open and show files.
+    return QtDesktopFiles::shared();
 }
 
-void PanelCommands::openAttachment(const NoteAttachment &attachment) const
+void PanelCommands::openAttachment(const NoteAttachment &attachment)
 {
     if (const std::optional<QString> file = attachmentFile(attachment))
-        QtDesktopFiles::shared().open(*file);
+        desktopFiles().open(*file);
 }
 
-void PanelCommands::revealAttachment(const NoteAttachment &attachment) const
+void PanelCommands::revealAttachment(const NoteAttachment &attachment)
 {
     if (const std::optional<QString> file = attachmentFile(attachment))
-        showInFileManager(*file);
-}
-
-void PanelCommands::revealLibraryFile() const
-{
-    showInFileManager(libraryURL());
+        desktopFiles().reveal(*file);
 }
 
 void PanelCommands::showInFileManager(const QString &path)
 {
-    QtDesktopFiles::shared().reveal(path);
+    shared().desktopFiles().reveal(path);
+}
+
+void PanelCommands::revealLibraryFile()
+{
+    desktopFiles().reveal(libraryURL());
 }
 
 void PanelCommands::exportMarkdown(const QString &text, QWidget *parent)

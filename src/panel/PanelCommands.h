@@ -16,12 +16,15 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
+class QMenu;
 class QWidget;
 
 namespace Vesko {
 
 class Clipboard;
+class QtDesktopFiles;
 class Store;
 
 class PanelCommands : public QObject
@@ -34,6 +37,9 @@ public:
     {
         //! Opens a note in a window of its own.
         std::function<void(const QUuid &noteID)> openNoteWindow;
+        //! Fills the dashboard submenu of "More options" with the tray menu's
+        //! entries; without it the submenu is left out.
+        std::function<void(QMenu &menu)> fillDashboard;
         //! Opens the Settings window.
         std::function<void()> openSettings;
         //! Quits the program the way "Quit Vesko" does.
@@ -44,14 +50,17 @@ public:
         std::function<void(const QUuid &noteID)> addAttachments;
         //! Attaches the file or image of the clipboard to a note.
         std::function<void(const QUuid &noteID)> pasteAttachments;
+        //! Attaches files dropped on a note, with the toasts of the outcome.
+        std::function<void(const QList<QUrl> &files, const QUuid &noteID)> dropFilesOnNote;
         //! Asks for files without blocking, and hands the chosen ones over
-        //! (nothing when the dialog was cancelled).
+        //! (nothing when the dialog was cancelled, or without this hook).
         std::function<void(std::function<void(const QList<QUrl> &)>)> chooseFiles;
-        //! Copies files into the attachments folder off the main thread and
-        //! answers with their records, or with the failure text.
-        std::function<void(const QList<QUrl> &,
-            std::function<void(const QList<NoteAttachment> &, const QString &failure)>)>
-            importFiles;
+        //! Copies the files of a note not yet written into the attachments
+        //! folder off the main thread, and answers with their records, or with
+        //! nothing after a failure, which it has told the user of.
+        std::function<void(
+            const QList<QUrl> &, std::function<void(const std::optional<QList<NoteAttachment>> &)>)>
+            importForNewNote;
     };
 
     explicit PanelCommands(QObject *parent = nullptr);
@@ -73,31 +82,36 @@ public:
     void resetPanelSize() const;
     void addAttachments(const QUuid &noteID) const;
     void pasteAttachments(const QUuid &noteID) const;
+    void dropFilesOnNote(const QList<QUrl> &files, const QUuid &noteID) const;
     void chooseFiles(std::function<void(const QList<QUrl> &)> done) const;
-    void importFiles(const QList<QUrl> &urls,
-        std::function<void(const QList<NoteAttachment> &, const QString &failure)> done) const;
+    //! Imports the files of a note not yet written; \a done gets their
+    //! records, or nothing after a failure (the user has been told).
+    void importForNewNote(const QList<QUrl> &urls,
+        std::function<void(const std::optional<QList<NoteAttachment>> &)> done) const;
 
     //! Opens an attachment's file with the desktop's default application.
-    void openAttachment(const NoteAttachment &attachment) const;
+    void openAttachment(const NoteAttachment &attachment);
     //! Shows an attachment's file in the file manager.
-    void revealAttachment(const NoteAttachment &attachment) const;
+    void revealAttachment(const NoteAttachment &attachment);
     //! Shows the library file in the file manager ("Show Notes File in Files").
-    void revealLibraryFile() const;
+    void revealLibraryFile();
     //! Asks where to save \a text ("Vesko Notes.md") without blocking, writes
     //! it off the main thread, and says "Exported", or shows why it failed.
     void exportMarkdown(const QString &text, QWidget *parent);
-    //! The export dialog that is open, if any; for tests and screenshots.
-    QWidget *exportDialog() const { return m_exportDialog; }
-
     //! Shows \a path selected in the desktop's file manager, or opens its
     //! folder when no file manager answers.
     static void showInFileManager(const QString &path);
+
+    //! The export dialog that is open, if any; for tests and screenshots.
+    QWidget *exportDialog() const { return m_exportDialog; }
 
 Q_SIGNALS:
     //! An export was written to \a path (or failed with \a failure).
     void exportFinished(const QString &path, const QString &failure);
 
 private:
+    //! The desktop's file manager and default applications.
+    QtDesktopFiles &desktopFiles();
     void writeExport(const QString &text, const QString &path, QWidget *parent);
 
     Hooks m_hooks;

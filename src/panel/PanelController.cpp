@@ -83,7 +83,7 @@ void PanelController::makePanel()
 
 void PanelController::replaceContent()
 {
-    auto *root = new PanelRootView(m_store, m_state);
+    auto *root = new PanelRootView(m_store, m_state, m_preferences);
     m_panel->setContent(root);
 }
 

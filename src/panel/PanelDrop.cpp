@@ -5,7 +5,23 @@
 #include "panel/PanelState.h"
 #include "store/Store.h"
 
+#include <QMimeData>
+#include <QUrl>
+
 namespace Vesko::PanelDrop {
+
+std::optional<QStringList> textItems(const QMimeData &data)
+{
+    if (data.hasUrls()) {
+        for (const QUrl &url : data.urls()) {
+            if (url.isLocalFile())
+                return std::nullopt;
+        }
+    }
+    if (!data.hasFormat(QStringLiteral("text/plain")))
+        return std::nullopt;
+    return QStringList {data.text()};
+}
 
 Outcome handleDrop(Store &store, PanelState &state, const QStringList &items,
     const std::optional<QUuid> &sectionID, const std::optional<QUuid> &beforeNoteID)

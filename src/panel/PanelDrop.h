@@ -11,6 +11,8 @@
 
 #include <optional>
 
+class QMimeData;
+
 namespace Vesko {
 
 class PanelState;
@@ -26,6 +28,10 @@ enum class Outcome {
     //! The notes being dragged moved.
     MovedNotes,
 };
+
+//! The plain texts a drag carries, or nothing when it carries no text or
+//! carries files: files are not text to the rows, whatever text they bring.
+std::optional<QStringList> textItems(const QMimeData &data);
 
 //! Handles a drop of \a items, plain texts, on the section \a sectionID,
 //! before the note \a beforeNoteID (or at the end of the section). Ends the

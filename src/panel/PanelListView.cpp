@@ -2,6 +2,9 @@
 
 #include "panel/PanelListView.h"
 
+#include "attachments/AttachmentActions.h"
+#include "attachments/AttachmentListView.h"
+#include "attachments/DesktopAttachments.h"
 #include "panel/NoteRowView.h"
 #include "panel/PanelDrop.h"
 #include "panel/PanelMenus.h"
@@ -67,6 +70,8 @@ public:
 
     void setLines(const QList<int> &lines)
     {
+        if (!lines.isEmpty())
+            raise(); // above row widgets made since
         if (lines == m_lines)
             return;
         const bool appearing = m_lines.isEmpty() && !lines.isEmpty();
@@ -77,7 +82,6 @@ public:
             m_fade->setEndValue(1.0);
             m_fade->start();
         }
-        raise();
         update();
     }
     const QList<int> &lines() const { return m_lines; }
@@ -224,9 +228,22 @@ void PanelListView::setSectionMenuFiller(SectionMenuFiller filler)
     m_sectionMenuFiller = std::move(filler);
 }
 
-void PanelListView::setFileDropHandler(FileDropHandler handler)
+void PanelListView::setAttachmentActions(AttachmentActions &actions, ThumbnailCache &thumbnails)
 {
-    m_fileDropHandler = std::move(handler);
+    m_attachmentActions = &actions;
+    m_thumbnails = &thumbnails;
+}
+
+AttachmentActions &PanelListView::attachmentActions() const
+{
+    return m_attachmentActions ? *m_attachmentActions : Vesko::attachmentActions();
+}
+
+AttachmentListView *PanelListView::makeAttachmentListView(QWidget *parent) const
+{
+    if (m_attachmentActions)
+        return new AttachmentListView(*m_attachmentActions, *m_thumbnails, parent);
+    return new AttachmentListView(parent);
 }
 
 // -- what the list shows ------------------------------------------------------------
@@ -468,21 +485,28 @@ void PanelListView::revealAnchor()
 
 // -- layout -------------------------------------------------------------------------
 
-int PanelListView::rowHeight(int index) const
+int PanelListView::rowHeight(int index)
 {
     const PanelRow &row = m_rows.at(index);
     if (row.isSection())
         return SectionHeaderView::rowHeight;
     const Note &note = row.note();
-    const QSet<QUuid> &expandedIDs = m_expandedIDs;
-    const bool expanded = !expandedIDs.isEmpty() && expandedIDs.contains(note.id);
-    const auto measured = m_measured.constFind(note.id);
-    if (measured != m_measured.cend() && measured->expanded == expanded
-        && measured->attachmentCount == note.attachments.size()
-        && measured->hasSource == note.source.has_value() && measured->text == note.text) {
-        return measured->height;
+    const bool expanded = !m_expandedIDs.isEmpty() && m_expandedIDs.contains(note.id);
+    const auto known = m_measured.constFind(note.id);
+    // A text that still shares its buffer is the same text without a look at it.
+    auto sameText = [](const QString &a, const QString &b) {
+        return a.size() == b.size() && (a.constData() == b.constData() || a == b);
+    };
+    if (known != m_measured.cend() && known->expanded == expanded
+        && known->attachmentCount == note.attachments.size()
+        && known->hasSource == note.source.has_value() && sameText(known->text, note.text)) {
+        return known->height;
     }
-    return NoteRowView::estimatedHeight(note, expanded, m_metrics);
+    // Estimated once per text; measured when the row is laid out.
+    const int height = NoteRowView::estimatedHeight(note, expanded, m_metrics);
+    m_measured.insert(
+        note.id, {note.text, note.attachments.size(), expanded, note.source.has_value(), height});
+    return height;
 }
 
 void PanelListView::relayout()
@@ -736,12 +760,17 @@ void PanelListView::setRowDropTarget(const QUuid &id, bool targeted)
         setDropTarget(std::nullopt);
 }
 
-bool PanelListView::dropOnRow(
-    const QMimeData *data, const QUuid &sectionID, const std::optional<QUuid> &beforeNoteID)
+bool PanelListView::dropOnRow(const QMimeData *data, const std::optional<QUuid> &sectionID,
+    const std::optional<QUuid> &beforeNoteID)
 {
-    const QStringList items = data && data->hasText() ? QStringList {data->text()} : QStringList();
+    const std::optional<QStringList> items = data ? PanelDrop::textItems(*data) : std::nullopt;
+    if (!items) {
+        m_state.setDraggingNoteIDs({});
+        setDropTarget(std::nullopt);
+        return false;
+    }
     const PanelDrop::Outcome outcome
-        = PanelDrop::handleDrop(m_store, m_state, items, sectionID, beforeNoteID);
+        = PanelDrop::handleDrop(m_store, m_state, *items, sectionID, beforeNoteID);
     if (outcome == PanelDrop::Outcome::AddedNote)
         ToastPresenter::shared().present(tr("Added"), QStringLiteral("plus"));
     setDropTarget(std::nullopt);
@@ -751,15 +780,12 @@ bool PanelListView::dropOnRow(
 bool PanelListView::dropFiles(const QList<QUrl> &files, const QUuid &noteID)
 {
     setDropTarget(std::nullopt);
-    if (files.isEmpty() || !m_fileDropHandler)
-        return false;
-    m_fileDropHandler(files, noteID);
-    return true;
+    return attachmentActions().dropFiles(files, noteID);
 }
 
 void PanelListView::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (event->mimeData()->hasText())
+    if (PanelDrop::textItems(*event->mimeData()))
         event->acceptProposedAction();
     else
         event->ignore();
@@ -778,14 +804,7 @@ void PanelListView::dropEvent(QDropEvent *event)
     const NoteSection active = m_store.activeSection();
     const std::optional<QUuid> section
         = m_store.section(active.id) ? std::optional<QUuid>(active.id) : std::nullopt;
-    const QStringList items
-        = event->mimeData()->hasText() ? QStringList {event->mimeData()->text()} : QStringList();
-    const PanelDrop::Outcome outcome
-        = PanelDrop::handleDrop(m_store, m_state, items, section, std::nullopt);
-    if (outcome == PanelDrop::Outcome::AddedNote)
-        ToastPresenter::shared().present(tr("Added"), QStringLiteral("plus"));
-    setDropTarget(std::nullopt);
-    if (outcome != PanelDrop::Outcome::Refused)
+    if (dropOnRow(event->mimeData(), section, std::nullopt))
         event->acceptProposedAction();
     else
         event->ignore();

@@ -31,10 +31,13 @@ class QVariantAnimation;
 
 namespace Vesko {
 
+class AttachmentActions;
+class AttachmentListView;
 class DropIndicatorOverlay;
 class SectionHeaderView;
 class SectionReorder;
 class Store;
+class ThumbnailCache;
 class VirtualRowLayout;
 
 //! Where scrollToRow() puts the row: at the top of the clear area, or in its middle.
@@ -59,8 +62,6 @@ public:
     //! Fills the context menu of notes or of a section.
     using NoteMenuFiller = std::function<void(QMenu &, const QList<QUuid> &)>;
     using SectionMenuFiller = std::function<void(QMenu &, const QUuid &)>;
-    //! Adds dropped files to a note and tells the user how it went.
-    using FileDropHandler = std::function<void(const QList<QUrl> &, const QUuid &noteID)>;
 
     PanelListView(Store &store, PanelState &state, QWidget *parent = nullptr);
     ~PanelListView() override;
@@ -82,9 +83,12 @@ public:
     //! The context menus; the panel's note and section menus unless set.
     void setNoteMenuFiller(NoteMenuFiller filler);
     void setSectionMenuFiller(SectionMenuFiller filler);
-    //! Without a handler note rows take no files.
-    void setFileDropHandler(FileDropHandler handler);
-    bool acceptsFileDrops() const { return bool(m_fileDropHandler); }
+    //! What the attachment tiles and the files dropped on notes act through;
+    //! the program's own attachment actions unless set.
+    void setAttachmentActions(AttachmentActions &actions, ThumbnailCache &thumbnails);
+    AttachmentActions &attachmentActions() const;
+    //! The tiles of one note's attachments, acting through the actions above.
+    AttachmentListView *makeAttachmentListView(QWidget *parent) const;
 
     // -- what the list shows, for the panel and its tests -----------------------
 
@@ -141,9 +145,10 @@ private:
     void setRowDropTarget(const QUuid &id, bool targeted);
     //! A drop of text or notes on a row: on a note row before that note,
     //! on a header at the end of its section. Returns success.
-    bool dropOnRow(
-        const QMimeData *data, const QUuid &sectionID, const std::optional<QUuid> &beforeNoteID);
-    //! Files dropped on the note \a noteID; returns whether any came.
+    bool dropOnRow(const QMimeData *data, const std::optional<QUuid> &sectionID,
+        const std::optional<QUuid> &beforeNoteID);
+    //! Files dropped on the note \a noteID, imported with their toasts;
+    //! returns whether any came.
     bool dropFiles(const QList<QUrl> &files, const QUuid &noteID);
     void sectionReorderChanged(const QUuid &sectionID, double translation);
     void sectionReorderEnded(const QUuid &sectionID, double translation);
@@ -171,7 +176,8 @@ private:
     //! off the rows out of view.
     void placeRows();
     void updateScrollRange();
-    int rowHeight(int index) const;
+    //! The height of the row \a index: as measured, or as estimated.
+    int rowHeight(int index);
     int indexOfRowNear(const QUuid &id, int first, int last) const;
     NoteRowView *takeIdleNote();
     SectionHeaderView *takeIdleHeader();
@@ -195,14 +201,15 @@ private:
     KeyHandler m_keyHandler;
     NoteMenuFiller m_noteMenuFiller;
     SectionMenuFiller m_sectionMenuFiller;
-    FileDropHandler m_fileDropHandler;
+    AttachmentActions *m_attachmentActions = nullptr;
+    ThumbnailCache *m_thumbnails = nullptr;
 
     //! The Store's rows as last laid out, and their ids for keeping the
     //! first row in view in place across a rebuild.
     QList<PanelRow> m_rows;
     QList<QUuid> m_previousRowIDs;
     QSet<QUuid> m_expandedIDs;
-    //! Heights of rows once laid out, by note, with what they depend on.
+    //! Heights of note rows, measured or estimated, with what they depend on.
     struct MeasuredHeight
     {
         QString text;

@@ -50,8 +50,11 @@ protected:
 
 void guardKeys(QMenu &menu)
 {
-    if (!menu.findChild<MenuKeyGuard *>(QString(), Qt::FindDirectChildrenOnly))
-        menu.installEventFilter(new MenuKeyGuard(&menu));
+    static const char guarded[] = "veskoKeysGuarded";
+    if (menu.property(guarded).toBool())
+        return;
+    menu.setProperty(guarded, true);
+    menu.installEventFilter(new MenuKeyGuard(&menu));
 }
 
 QAction *addEntry(QMenu &menu, const QString &title, std::function<void()> run,
@@ -396,6 +399,14 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
     });
     addEntry(menu, text("Show Notes File in Files"),
         [] { PanelCommands::shared().revealLibraryFile(); });
+
+    if (const auto &fillDashboard = PanelCommands::shared().hooks().fillDashboard) {
+        // The tray's menu, here too: its entries stay within reach without a tray.
+        QMenu *dashboard = menu.addMenu(text("Dashboard"));
+        fillDashboard(*dashboard);
+        QObject::connect(dashboard, &QMenu::aboutToShow, dashboard,
+            [dashboard, fillDashboard] { fillDashboard(*dashboard); });
+    }
 
     menu.addSeparator();
     addEntry(

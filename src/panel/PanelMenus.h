@@ -37,7 +37,8 @@ void fillMoveToMenu(QMenu &menu, Store &store, PanelState &state, const QList<QU
 void fillSectionMenu(QMenu &menu, Store &store, PanelState &state, const QUuid &sectionID);
 
 //! The "More options" menu: projects, sections, view options, copy, export,
-//! the window, shortcuts, Settings and Quit.
+//! the tray's dashboard (when the program provides it), the window,
+//! shortcuts, Settings and Quit.
 void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences &preferences);
 
 } // namespace Vesko

@@ -2,73 +2,120 @@
 
 #include "panel/PanelRootView.h"
 
+#include "panel/ComposerView.h"
+#include "panel/NativeInlineTextField.h"
+#include "panel/PanelCommands.h"
 #include "panel/PanelListView.h"
+#include "panel/PanelMenus.h"
+#include "panel/PanelPromptView.h"
+#include "panel/PanelPrompts.h"
+#include "panel/SaveStatusView.h"
+#include "panel/SearchFieldView.h"
+#include "shell/Preferences.h"
 #include "shell/Theme.h"
 #include "store/Store.h"
 
 #include <QEvent>
+#include <QGraphicsOpacityEffect>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPropertyAnimation>
+#include <QTextEdit>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace Vesko {
 
 namespace {
 
-//! The rounded box around the composer, emphasised while it holds the focus.
-class ComposerBox : public QWidget
+PanelRootView::LayerFactory &layerFactory()
+{
+    static PanelRootView::LayerFactory factory;
+    return factory;
+}
+
+//! A layer that has no view of its own: the dim alone, which a click or
+//! Escape takes down.
+class LayerDim : public QWidget
 {
 public:
-    using QWidget::QWidget;
-
-    void setEmphasised(bool emphasised)
+    LayerDim(PanelState &state, PanelLayer layer, QWidget *parent)
+        : QWidget(parent)
+        , m_state(state)
+        , m_layer(layer)
     {
-        if (m_emphasised == emphasised)
-            return;
-        m_emphasised = emphasised;
-        update();
+        setFocusPolicy(Qt::StrongFocus);
     }
 
 protected:
     void paintEvent(QPaintEvent *) override
     {
-        const ThemeColors colors = Theme::currentColors();
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         QPainterPath path;
-        path.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 12, 12);
-        painter.fillPath(path, m_emphasised ? colors.noteFillSelected : colors.noteFill);
-        painter.setPen(QPen(m_emphasised ? colors.accentSoft : colors.surfaceStroke, 1));
-        painter.drawPath(path);
+        path.addRoundedRect(QRectF(rect()), 22, 22);
+        painter.fillPath(path, QColor(0, 0, 0, 41));
+    }
+    void mousePressEvent(QMouseEvent *) override { m_state.setShowing(m_layer, false); }
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        if (event->key() == Qt::Key_Escape)
+            m_state.setShowing(m_layer, false);
+        else
+            QWidget::keyPressEvent(event);
     }
 
 private:
-    bool m_emphasised = false;
+    PanelState &m_state;
+    PanelLayer m_layer;
 };
+
+void fadeIn(QWidget *widget)
+{
+    auto *opacity = new QGraphicsOpacityEffect(widget);
+    opacity->setOpacity(0.0);
+    widget->setGraphicsEffect(opacity);
+    auto *fade = new QPropertyAnimation(opacity, "opacity", widget);
+    fade->setDuration(PanelRootView::layerFadeMilliseconds);
+    fade->setEasingCurve(QEasingCurve::OutCubic);
+    fade->setStartValue(0.0);
+    fade->setEndValue(1.0);
+    // Once in, the effect goes: the layer draws directly again.
+    QObject::connect(fade, &QPropertyAnimation::finished, widget,
+        [widget] { widget->setGraphicsEffect(nullptr); });
+    fade->start(QAbstractAnimation::DeleteWhenStopped);
+}
 
 } // namespace
 
-PanelRootView::PanelRootView(Store &store, PanelState &state, QWidget *parent)
+void PanelRootView::setLayerFactory(LayerFactory factory)
+{
+    layerFactory() = std::move(factory);
+}
+
+PanelRootView::PanelRootView(
+    Store &store, PanelState &state, Preferences &preferences, QWidget *parent)
     : QWidget(parent)
     , m_store(store)
     , m_state(state)
+    , m_preferences(preferences)
 {
-    const ThemeColors colors = Theme::currentColors();
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(10, 10, 10, 10);
-    layout->setSpacing(10);
+    setObjectName(QStringLiteral("VeskoPanelRoot"));
 
-    // The list fills the panel; the composer floats over its foot and the
-    // rows scroll beneath it.
+    // The list first: the bars float over it and the rows scroll beneath them.
     m_list = new PanelListView(store, state, this);
+    m_list->setObjectName(QStringLiteral("VeskoNoteList"));
     m_list->installEventFilter(this);
-    layout->addWidget(m_list, 1);
 
-    m_emptyState = new QWidget(m_list->viewport());
+    m_emptyState = new QWidget(this);
+    m_emptyState->setAttribute(Qt::WA_TransparentForMouseEvents);
     auto *emptyLayout = new QVBoxLayout(m_emptyState);
     emptyLayout->setContentsMargins(24, 0, 24, 0);
+    emptyLayout->setSpacing(4);
     m_emptyTitle = new QLabel(m_emptyState);
     QFont titleFont = Theme::noteFont();
     titleFont.setWeight(QFont::Medium);
@@ -78,79 +125,136 @@ PanelRootView::PanelRootView(Store &store, PanelState &state, QWidget *parent)
     m_emptyHint->setFont(Theme::captionFont());
     m_emptyHint->setAlignment(Qt::AlignCenter);
     m_emptyHint->setWordWrap(true);
-    QPalette hintPalette = m_emptyHint->palette();
-    hintPalette.setColor(QPalette::WindowText, colors.tertiaryText);
-    m_emptyHint->setPalette(hintPalette);
-    QPalette titlePalette = m_emptyTitle->palette();
-    titlePalette.setColor(QPalette::WindowText, colors.greyStrong);
-    m_emptyTitle->setPalette(titlePalette);
     emptyLayout->addStretch();
     emptyLayout->addWidget(m_emptyTitle);
     emptyLayout->addWidget(m_emptyHint);
     emptyLayout->addStretch();
 
-    auto *box = new ComposerBox(this);
-    m_composerBox = box;
-    box->setMinimumHeight(56);
-    auto *boxLayout = new QVBoxLayout(box);
-    boxLayout->setContentsMargins(10, 9, 10, 9);
-    m_composer = new QLineEdit(box);
-    m_composer->setObjectName(composerEditorName);
-    m_composer->setFrame(false);
-    m_composer->setFont(Theme::noteFont());
-    m_composer->setAttribute(Qt::WA_MacShowFocusRect, false);
-    QPalette composerPalette = m_composer->palette();
-    composerPalette.setColor(QPalette::Base, Qt::transparent);
-    m_composer->setPalette(composerPalette);
-    m_composer->installEventFilter(this);
-    boxLayout->addWidget(m_composer);
-    box->raise();
+    m_header = new QWidget(this);
+    auto *headerLayout = new QHBoxLayout(m_header);
+    headerLayout->setContentsMargins(0, 0, 0, 0);
+    headerLayout->setSpacing(headerSpacing);
+    m_search = new SearchFieldView(store, m_header);
+    m_search->field()->installEventFilter(this);
+    headerLayout->addWidget(m_search, 1);
+    m_overflow = new QToolButton(m_header);
+    m_overflow->setObjectName(QStringLiteral("VeskoOverflowButton"));
+    m_overflow->setAutoRaise(true);
+    m_overflow->setFixedSize(overflowButtonSize, overflowButtonSize);
+    m_overflow->setFocusPolicy(Qt::NoFocus);
+    m_overflow->setAccessibleName(tr("More options"));
+    m_overflow->setToolTip(tr("More options"));
+    headerLayout->addWidget(m_overflow);
 
-    connect(m_composer, &QLineEdit::returnPressed, this, &PanelRootView::commitComposer);
+    m_composer = new ComposerView(store, this);
+    m_composer->field()->editor()->installEventFilter(this);
+    // Under the composer: the line that says when the library cannot be saved.
+    setFootView(new SaveStatusView(store, this));
+
+    connect(m_search, &SearchFieldView::focusRequested, this, &PanelRootView::setFocusTarget);
+    connect(m_composer, &ComposerView::focusRequested, this, &PanelRootView::setFocusTarget);
+    connect(m_overflow, &QToolButton::clicked, this, &PanelRootView::showOverflowMenu);
     connect(&m_state, &PanelState::focusRequestChanged, this, &PanelRootView::applyFocusRequest);
-    connect(&m_store, &Store::rowsChanged, this, [this] {
-        refreshComposerPlaceholder();
-        refreshEmptyState();
-    });
-    refreshComposerPlaceholder();
+    connect(&m_state, &PanelState::layersChanged, this, &PanelRootView::refreshLayer);
+    connect(&m_store, &Store::rowsChanged, this, &PanelRootView::refreshEmptyState);
+    connect(&m_store, &Store::searchTextChanged, this, &PanelRootView::refreshEmptyState);
+
+    const ThemeColors colors = Theme::currentColors();
+    QPalette titlePalette = m_emptyTitle->palette();
+    titlePalette.setColor(QPalette::WindowText, colors.greyStrong);
+    m_emptyTitle->setPalette(titlePalette);
+    QPalette hintPalette = m_emptyHint->palette();
+    hintPalette.setColor(QPalette::WindowText, colors.tertiaryText);
+    m_emptyHint->setPalette(hintPalette);
+    m_overflow->setIcon(symbolIcon(QStringLiteral("ellipsis"), colors.greyStrong, 11));
+    m_overflow->setIconSize(QSize(15, 15));
+
     refreshEmptyState();
+    setFocusTarget(PanelFocusTarget::Composer);
+    refreshLayer();
+}
+
+PanelRootView::~PanelRootView() = default;
+
+void PanelRootView::setFootView(QWidget *view)
+{
+    if (m_foot == view)
+        return;
+    delete m_foot;
+    m_foot = view;
+    if (view) {
+        view->setParent(this);
+        // It shows and hides itself; the panel makes room for it then.
+        view->installEventFilter(this);
+    }
+    layOut();
 }
 
 void PanelRootView::setFocusTarget(PanelFocusTarget target)
 {
+    if (target == PanelFocusTarget::None)
+        return;
+    const bool changed = target != m_focus;
     m_focus = target;
     switch (target) {
-    case PanelFocusTarget::Composer:
-        m_composer->setFocus(Qt::OtherFocusReason);
+    case PanelFocusTarget::Search:
+        m_search->focusField();
         break;
     case PanelFocusTarget::List:
         m_list->setFocus(Qt::OtherFocusReason);
         break;
-    case PanelFocusTarget::Search:
+    case PanelFocusTarget::Composer:
+        // Taken at once when the window is ready, else when it is.
+        if (!m_layer && isVisible())
+            m_composer->field()->setFocus(Qt::OtherFocusReason);
+        break;
     case PanelFocusTarget::None:
         break;
     }
-    static_cast<ComposerBox *>(m_composerBox)->setEmphasised(m_focus == PanelFocusTarget::Composer);
+    applyComposerFocus();
+    if (changed)
+        Q_EMIT focusTargetChanged(m_focus);
+}
+
+QWidget *PanelRootView::focusWidgetFor(PanelFocusTarget target) const
+{
+    switch (target) {
+    case PanelFocusTarget::Composer:
+        return m_composer->field()->editor();
+    case PanelFocusTarget::Search:
+        return m_search->field();
+    case PanelFocusTarget::List:
+        return m_list;
+    case PanelFocusTarget::None:
+        break;
+    }
+    return nullptr;
+}
+
+void PanelRootView::applyComposerFocus()
+{
+    // A layer holds the keyboard while it is up; the composer waits under it.
+    m_composer->setFocused(m_focus == PanelFocusTarget::Composer && !m_layer);
 }
 
 void PanelRootView::applyFocusRequest()
 {
-    if (m_state.focusTarget() != PanelFocusTarget::None)
-        setFocusTarget(m_state.focusTarget());
+    setFocusTarget(m_state.focusTarget());
 }
 
-void PanelRootView::commitComposer()
+bool PanelRootView::showsEmptyState() const
 {
-    const QString text = m_composer->text().trimmed();
-    if (text.isEmpty())
-        return;
-    if (m_store.addNote(text, m_store.activeSection().id))
-        m_composer->clear();
+    return m_emptyState->isVisibleTo(this);
 }
 
-void PanelRootView::refreshComposerPlaceholder()
+QString PanelRootView::emptyTitle() const
 {
-    m_composer->setPlaceholderText(tr("Add to ") + m_store.activeSection().title);
+    return m_emptyTitle->text();
+}
+
+QString PanelRootView::emptyHint() const
+{
+    return m_emptyHint->text();
 }
 
 void PanelRootView::refreshEmptyState()
@@ -167,34 +271,162 @@ void PanelRootView::refreshEmptyState()
         m_emptyHint->setText(
             tr("Select text anywhere and press Shift twice, or Ctrl+Shift+N for a new section."));
     }
-    m_emptyState->setGeometry(m_list->viewport()->rect());
+}
+
+void PanelRootView::showOverflowMenu()
+{
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setObjectName(QStringLiteral("VeskoOverflowMenu"));
+    menu->setAccessibleName(tr("More options"));
+    fillOverflowMenu(*menu, m_store, m_state, m_preferences);
+    m_overflow->setDown(true);
+    connect(
+        menu, &QMenu::aboutToHide, m_overflow, [button = m_overflow] { button->setDown(false); });
+    menu->popup(m_overflow->mapToGlobal(
+        QPoint(m_overflow->width() - menu->sizeHint().width(), m_overflow->height() + 4)));
+}
+
+QWidget *PanelRootView::makeLayerView(PanelLayer layer)
+{
+    if (const std::optional<PanelPrompt> prompt = panelPrompt(layer, m_store)) {
+        return new PanelPromptView(
+            prompt->title, prompt->placeholder, prompt->initialText,
+            [this, layer](const std::optional<QString> &name) {
+                commitPanelPrompt(layer, m_store, m_state, name);
+            },
+            this);
+    }
+    if (const LayerFactory &factory = layerFactory()) {
+        if (QWidget *view = factory(layer, this))
+            return view;
+    }
+    return new LayerDim(m_state, layer, this);
+}
+
+void PanelRootView::refreshLayer()
+{
+    const PanelLayer front = m_state.frontLayer();
+    if (front == m_shownLayer)
+        return;
+    retireLayer();
+    m_shownLayer = front;
+    if (front != PanelLayer::None) {
+        m_layer = makeLayerView(front);
+        m_layer->setGeometry(rect());
+        m_layer->show();
+        m_layer->raise();
+        if (isVisible())
+            fadeIn(m_layer);
+        if (m_layer->focusPolicy() != Qt::NoFocus)
+            m_layer->setFocus(Qt::OtherFocusReason);
+    }
+    applyComposerFocus();
+    if (!m_layer) {
+        // Back from a layer: the panel's own focus target takes the keyboard again.
+        setFocusTarget(m_focus);
+    }
+}
+
+void PanelRootView::retireLayer()
+{
+    if (!m_layer)
+        return;
+    QWidget *old = m_layer;
+    m_layer = nullptr;
+    m_shownLayer = PanelLayer::None;
+    old->setAttribute(Qt::WA_TransparentForMouseEvents);
+    old->clearFocus();
+    if (!isVisible()) {
+        old->deleteLater();
+        return;
+    }
+    auto *opacity = new QGraphicsOpacityEffect(old);
+    old->setGraphicsEffect(opacity);
+    auto *fade = new QPropertyAnimation(opacity, "opacity", old);
+    fade->setDuration(layerFadeMilliseconds);
+    fade->setEasingCurve(QEasingCurve::OutCubic);
+    fade->setStartValue(1.0);
+    fade->setEndValue(0.0);
+    connect(fade, &QPropertyAnimation::finished, old, &QObject::deleteLater);
+    fade->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+void PanelRootView::layOut()
+{
+    const QRect inner = rect().adjusted(padding, padding, -padding, -padding);
+    const int headerHeight = SearchFieldView::height;
+    m_header->setGeometry(inner.left(), inner.top(), inner.width(), headerHeight);
+
+    int bottom = inner.bottom() + 1;
+    if (m_foot && !m_foot->isHidden()) {
+        const int footHeight = m_foot->sizeHint().height();
+        m_foot->setGeometry(inner.left(), bottom - footHeight, inner.width(), footHeight);
+        bottom -= footHeight + 4;
+    }
+    const int composerHeight = std::max(ComposerView::minimumBoxHeight,
+        m_composer->heightForWidth(inner.width()) > 0 ? m_composer->heightForWidth(inner.width())
+                                                      : m_composer->sizeHint().height());
+    m_composer->setGeometry(inner.left(), bottom - composerHeight, inner.width(), composerHeight);
+
+    // The list takes the whole inner area; its rows run under the two bars.
+    m_list->setGeometry(inner);
+    const int topMargin = headerHeight + padding;
+    const int bottomMargin = inner.bottom() + 1 - m_composer->y() + padding;
+    m_list->setContentMargins(topMargin, bottomMargin);
+    // The empty state stands in the clear area between the bars.
+    m_emptyState->setGeometry(inner.left(), inner.top() + topMargin, inner.width(),
+        std::max(0, m_composer->y() - padding - (inner.top() + topMargin)));
+    m_emptyState->raise();
+    m_header->raise();
+    m_composer->raise();
+    if (m_foot)
+        m_foot->raise();
+    if (m_layer)
+        m_layer->raise();
+    if (m_layer)
+        m_layer->setGeometry(rect());
+}
+
+bool PanelRootView::event(QEvent *event)
+{
+    if (event->type() == QEvent::LayoutRequest)
+        layOut();
+    return QWidget::event(event);
 }
 
 void PanelRootView::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    placeComposer();
-}
-
-void PanelRootView::placeComposer()
-{
-    const QRect list = m_list->geometry();
-    const int height = std::max(m_composerBox->minimumHeight(), m_composerBox->sizeHint().height());
-    m_composerBox->setGeometry(list.left(), list.bottom() + 1 - height, list.width(), height);
-    // The rows run under the composer, with its height and 10 px above it.
-    m_list->setContentMargins(0, height + 10);
+    layOut();
 }
 
 bool PanelRootView::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == m_foot && (event->type() == QEvent::Show || event->type() == QEvent::Hide))
+        QMetaObject::invokeMethod(this, &PanelRootView::layOut, Qt::QueuedConnection);
     if (event->type() == QEvent::FocusIn) {
-        if (watched == m_composer)
-            setFocusTarget(PanelFocusTarget::Composer);
+        if (static_cast<QFocusEvent *>(event)->reason() == Qt::ActiveWindowFocusReason) {
+            // The window's first focus on activation is not the user's choice:
+            // the panel's own target takes the keyboard.
+            if (!m_layer && watched != focusWidgetFor(m_focus))
+                QMetaObject::invokeMethod(
+                    this, [this] { setFocusTarget(m_focus); }, Qt::QueuedConnection);
+            return QWidget::eventFilter(watched, event);
+        }
+        // Focus that arrives by the pointer or by Tab moves the panel's target.
+        PanelFocusTarget target = PanelFocusTarget::None;
+        if (watched == m_composer->field()->editor())
+            target = PanelFocusTarget::Composer;
+        else if (watched == m_search->field())
+            target = PanelFocusTarget::Search;
         else if (watched == m_list)
-            setFocusTarget(PanelFocusTarget::List);
-    } else if (event->type() == QEvent::Resize && watched == m_list) {
-        m_emptyState->setGeometry(m_list->viewport()->rect());
-        placeComposer();
+            target = PanelFocusTarget::List;
+        if (target != PanelFocusTarget::None && target != m_focus) {
+            m_focus = target;
+            applyComposerFocus();
+            Q_EMIT focusTargetChanged(m_focus);
+        }
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -4,11 +4,13 @@
 
 #include "panel/NativeInlineTextField.h"
 #include "panel/NoteRowActions.h"
+#include "panel/PanelDrop.h"
 #include "panel/PanelListView.h"
 #include "panel/PanelState.h"
 #include "shell/Theme.h"
 #include "store/Store.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QGraphicsDropShadowEffect>
@@ -78,6 +80,10 @@ SectionHeaderView::SectionHeaderView(
 
 void SectionHeaderView::bind(const PanelSectionRow &section)
 {
+    if (section == m_section) {
+        refresh();
+        return;
+    }
     const bool sameSection = section.id == m_section.id;
     const bool collapseChanged = sameSection && section.isCollapsed != m_section.isCollapsed;
     m_section = section;
@@ -100,6 +106,14 @@ void SectionHeaderView::bind(const PanelSectionRow &section)
     }
     refresh();
     update();
+    if (QAccessible::isActive()) {
+        QAccessibleEvent name(this, QAccessible::NameChanged);
+        QAccessible::updateAccessibility(&name);
+        QAccessible::State changed;
+        changed.expanded = changed.collapsed = true;
+        QAccessibleStateChangeEvent state(this, changed);
+        QAccessible::updateAccessibility(&state);
+    }
 }
 
 void SectionHeaderView::refresh()
@@ -416,7 +430,7 @@ void SectionHeaderView::contextMenuEvent(QContextMenuEvent *event)
 
 void SectionHeaderView::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (!event->mimeData()->hasText()) {
+    if (!PanelDrop::textItems(*event->mimeData())) {
         event->ignore();
         return;
     }

@@ -2,8 +2,9 @@
 //
 // The desktop's clipboard as the logic needs it: plain text out, and a
 // snapshot of everything on it (every format with its bytes) that can be put
-// back after a synthetic copy. The Qt implementation lives beside the widgets;
-// tests of the logic can use their own.
+// back after a synthetic copy. Reading may mean a transfer from another
+// program, which can be slow to answer: reads therefore answer through a
+// callback on the main thread and never hold the event loop.
 
 #pragma once
 
@@ -12,6 +13,7 @@
 #include <QMap>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace Vesko {
@@ -26,13 +28,17 @@ public:
 
     //! Replaces the clipboard's content by \a text, as plain text only.
     virtual void setText(const QString &text) = 0;
-    virtual Snapshot snapshot() const = 0;
+    //! Hands a snapshot of the clipboard to \a done: at once when the content
+    //! is at hand, later when its owner must send it. Formats the owner does
+    //! not send in time are left out.
+    virtual void requestSnapshot(std::function<void(Snapshot)> done) = 0;
     //! Empties the clipboard, then puts \a items back; an empty snapshot leaves it empty.
     virtual void restore(const Snapshot &items) = 0;
     //! Raised by every change of the clipboard's content, whoever made it.
     virtual quint64 changeCount() const = 0;
-    //! The clipboard's plain text; nothing when it holds no text.
-    virtual std::optional<QString> text() const = 0;
+    //! Hands the clipboard's plain text to \a done, or nothing when it holds
+    //! no text; at once or later, as requestSnapshot.
+    virtual void requestText(std::function<void(std::optional<QString>)> done) = 0;
 };
 
 } // namespace Vesko

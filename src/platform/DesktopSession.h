@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The desktop session as a capture needs it: which application is in front,
-// what it has selected, and a synthetic copy. The X11 implementation reads
-// the active window's properties and the PRIMARY selection and sends Ctrl+C
-// through XTEST; tests use their own.
+// what it has selected, and a synthetic copy. What depends on another
+// program's answer or on the user's keys answers through a callback on the
+// main thread, within a bound, and never holds the event loop. The X11
+// implementation reads the active window's properties and the PRIMARY
+// selection and sends Ctrl+C through XTEST; tests use their own.
 
 #pragma once
 
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace Vesko {
@@ -32,11 +35,15 @@ public:
     virtual ~DesktopSession() = default;
 
     virtual std::optional<FrontApplication> frontApplication() = 0;
-    //! The text of the primary selection when its owner belongs to \a processID.
-    virtual std::optional<QString> primarySelection(qint64 processID) = 0;
+    //! Hands \a done the text of the primary selection when its owner belongs
+    //! to \a processID, else nothing.
+    virtual void readPrimarySelection(
+        qint64 processID, std::function<void(std::optional<QString>)> done)
+        = 0;
     //! Sends Ctrl+C: attempt 1 to the focused window, attempt 2 to the whole
-    //! session. False when the key events could not be made.
-    virtual bool sendCopy(int attempt) = 0;
+    //! session, without mixing in keys the user still holds. \a done learns
+    //! once the keys are out, or false when they could not be made.
+    virtual void sendCopy(int attempt, std::function<void(bool sent)> done) = 0;
 };
 
 } // namespace Vesko

@@ -211,13 +211,6 @@ std::optional<QString> writeNewFile(
         durability, mode);
 }
 
-std::optional<QString> linkOrCopyKeepingDate(const QString &from, const QString &to)
-{
-    if (::link(native(from).constData(), native(to).constData()) == 0)
-        return std::nullopt;
-    return copyFileKeepingDate(from, to, Durability::Cached);
-}
-
 std::optional<QString> replaceFile(const QString &from, const QString &to)
 {
     if (::rename(native(from).constData(), native(to).constData()) != 0)
@@ -248,38 +241,106 @@ std::optional<QString> renameWithoutReplacing(const QString &from, const QString
 }
 
 std::optional<QString> copyFileKeepingDate(
-    const QString &from, const QString &to, Durability durability)
+    const QString &from, const QString &to, const CopyOptions &options)
 {
     const QByteArray source = native(from);
-    Descriptor in(
-        retryOnInterrupt([&] { return ::open(source.constData(), O_RDONLY | O_CLOEXEC); }));
+    // Without waiting: opening a named pipe would otherwise block until a writer comes.
+    const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | (options.followsLinks ? 0 : O_NOFOLLOW);
+    Descriptor in(retryOnInterrupt([&] { return ::open(source.constData(), flags); }));
     struct stat info;
     if (in.get() < 0 || ::fstat(in.get(), &info) != 0)
         return QObject::tr("Could not read “%1”: %2.").arg(from, lastErrorText());
-
-    QFile file;
-    if (!file.open(in.get(), QIODevice::ReadOnly, QFileDevice::DontCloseHandle))
-        return QObject::tr("Could not read “%1”: %2.").arg(from, file.errorString());
-    const QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        return QObject::tr("Could not read “%1”: %2.").arg(from, file.errorString());
-    file.close();
+    if (!S_ISREG(info.st_mode))
+        return QObject::tr("Could not read “%1”: it is not a file.").arg(from);
 
     // The copy comes into being whole or not at all: an interrupted copy
     // leaves a hidden partial file, never a short file under the real name.
     const QFileInfo target(to);
     const QString partial = target.absolutePath() + QStringLiteral("/.") + target.fileName()
         + QStringLiteral(".partial");
-    ::unlink(native(partial).constData());
-    if (auto error = writeNewFile(partial, bytes, durability))
-        return error;
-    const timespec times[2] = {info.st_atim, info.st_mtim};
-    ::utimensat(AT_FDCWD, native(partial).constData(), times, 0);
-    if (::rename(native(partial).constData(), native(to).constData()) != 0) {
-        const QString text = QObject::tr("Could not create “%1”: %2.").arg(to, lastErrorText());
-        ::unlink(native(partial).constData());
+    const QByteArray partialName = native(partial);
+    ::unlink(partialName.constData());
+    Descriptor out(retryOnInterrupt([&] {
+        return ::open(
+            partialName.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, privateFileMode);
+    }));
+    if (out.get() < 0)
+        return QObject::tr("Could not create “%1”: %2.").arg(partial, lastErrorText());
+    auto failed = [&](const QString &text) {
+        ::unlink(partialName.constData());
         return text;
+    };
+    if (::fchmod(out.get(), privateFileMode) != 0)
+        return failed(QObject::tr("Could not set the permissions of “%1”: %2.")
+                          .arg(partial, lastErrorText()));
+
+    // A piece at a time, in the kernel where it can; by reading and writing
+    // where it cannot (across file systems on older kernels, say).
+    bool inKernel = true;
+    QByteArray buffer;
+    while (true) {
+        ssize_t copied = -1;
+        if (inKernel) {
+            copied = ::copy_file_range(
+                in.get(), nullptr, out.get(), nullptr, size_t(copyPieceSize), 0);
+            if (copied < 0
+                && (errno == EXDEV || errno == ENOSYS || errno == EINVAL || errno == EOPNOTSUPP
+                    || errno == EPERM)) {
+                inKernel = false;
+                continue;
+            }
+        } else {
+            if (buffer.isEmpty())
+                buffer.resize(copyPieceSize);
+            copied = ::read(in.get(), buffer.data(), size_t(buffer.size()));
+            if (copied > 0 && !writeAll(out.get(), buffer.constData(), copied))
+                copied = -1;
+        }
+        if (copied < 0) {
+            if (errno == EINTR)
+                continue;
+            return failed(
+                QObject::tr("Could not copy “%1” to “%2”: %3.").arg(from, to, lastErrorText()));
+        }
+        if (copied == 0)
+            break;
+        if (options.progress && !options.progress(copied))
+            return failed(QObject::tr("The copy of “%1” was cancelled.").arg(from));
     }
+
+    if (options.durability == Durability::Flushed && ::fsync(out.get()) != 0)
+        return failed(QObject::tr("Could not flush “%1”: %2.").arg(partial, lastErrorText()));
+    const timespec times[2] = {info.st_atim, info.st_mtim};
+    ::futimens(out.get(), times);
+    if (!out.close())
+        return failed(QObject::tr("Could not close “%1”: %2.").arg(partial, lastErrorText()));
+    if (::rename(partialName.constData(), native(to).constData()) != 0)
+        return failed(QObject::tr("Could not create “%1”: %2.").arg(to, lastErrorText()));
+    return std::nullopt;
+}
+
+std::optional<QString> copySymbolicLink(const QString &from, const QString &to)
+{
+    QByteArray target(4096, Qt::Uninitialized);
+    const ssize_t length
+        = ::readlink(native(from).constData(), target.data(), size_t(target.size()));
+    if (length < 0 || length >= target.size())
+        return QObject::tr("Could not read the link “%1”: %2.").arg(from, lastErrorText());
+    target.truncate(length);
+    if (::symlink(target.constData(), native(to).constData()) != 0)
+        return QObject::tr("Could not create the link “%1”: %2.").arg(to, lastErrorText());
+    return std::nullopt;
+}
+
+std::optional<QString> makePrivateFile(const QString &path)
+{
+    Descriptor fd(retryOnInterrupt([&] {
+        return ::open(native(path).constData(), O_RDONLY | O_CREAT | O_CLOEXEC, privateFileMode);
+    }));
+    if (fd.get() < 0)
+        return QObject::tr("Could not create “%1”: %2.").arg(path, lastErrorText());
+    if (::fchmod(fd.get(), privateFileMode) != 0)
+        return QObject::tr("Could not set the permissions of “%1”: %2.").arg(path, lastErrorText());
     return std::nullopt;
 }
 

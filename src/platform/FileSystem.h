@@ -43,21 +43,36 @@ using Producer = std::function<bool(const ByteSink &sink)>;
 std::optional<QString> writeNewFile(const QString &path, const Producer &produce,
     Durability durability = Durability::Flushed, unsigned mode = privateFileMode);
 
-//! Gives the file at \a from a second name \a to. For a file that is only ever
-//! replaced whole, never changed in place, that is a copy that costs nothing;
-//! where the file system has no hard links, the file is copied keeping its date.
-std::optional<QString> linkOrCopyKeepingDate(const QString &from, const QString &to);
-
 //! Renames \a from over \a to in one step and flushes the directory entry.
 std::optional<QString> replaceFile(const QString &from, const QString &to);
 
 //! Renames \a from to \a to only if nothing exists at \a to.
 std::optional<QString> renameWithoutReplacing(const QString &from, const QString &to);
 
-//! Copies a file; the copy is private and carries the source's modification
-//! date. It appears under its name whole or not at all.
+//! How copyFileKeepingDate() copies.
+struct CopyOptions
+{
+    Durability durability = Durability::Flushed;
+    //! Whether a source that is a symbolic link is copied as the file it
+    //! names; without, such a source fails the copy.
+    bool followsLinks = true;
+    //! Called after each piece with the bytes of that piece; false cancels the copy.
+    std::function<bool(qint64 bytes)> progress;
+};
+
+//! The size of the pieces a copy reads and writes: a file is never held whole.
+inline constexpr qint64 copyPieceSize = 1024 * 1024;
+
+//! Copies a file a piece at a time; the copy is private and carries the
+//! source's modification date. It appears under its name whole or not at all.
 std::optional<QString> copyFileKeepingDate(
-    const QString &from, const QString &to, Durability durability = Durability::Flushed);
+    const QString &from, const QString &to, const CopyOptions &options = {});
+
+//! Makes \a to a symbolic link with the same target text as the link \a from.
+std::optional<QString> copySymbolicLink(const QString &from, const QString &to);
+
+//! Creates \a path if it is missing and makes it private (0600) either way.
+std::optional<QString> makePrivateFile(const QString &path);
 
 //! How copyFileInPieces() treats its source and its copy.
 struct PieceCopyOptions

@@ -16,13 +16,25 @@ namespace Vesko {
 class HotKeyRegistrar
 {
 public:
+    //! The status of a registration refused because the combination is taken,
+    //! by another program or by another of Vesko's own actions.
+    static constexpr int takenStatus = 10;
+
     virtual ~HotKeyRegistrar() = default;
 
-    //! Receives the identity of each registered combination pressed.
+    //! Whether this session lets a program have global keys at all (a Wayland
+    //! session does not). When it does not, nothing is registered and
+    //! nothing counts as refused.
+    virtual bool isAvailable() const = 0;
+    //! Receives the identity of each registered combination pressed, once per
+    //! press: the keyboard's auto-repeat does not report it again.
     virtual void installHandler(std::function<void(int id)> handler) = 0;
     virtual void removeHandler() = 0;
-    //! 0 when the combination is now held under \a id, else the desktop's error code.
+    //! 0 when the combination is now held under \a id; takenStatus when it is
+    //! held already, by another program or under another identity; else the
+    //! desktop's error code.
     virtual int registerKey(int id, quint16 keyCode, quint64 modifiers) = 0;
+    //! Releases what \a id holds, and nothing else.
     virtual void unregisterKey(int id) = 0;
 };
 

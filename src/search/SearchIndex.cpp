@@ -87,11 +87,14 @@ public:
             qCCritical(lcSearchIndex, "Search index synchronization failed: %s",
                 qUtf8Printable(error.message));
         }
+        // Nothing of the old file is trusted any more, whether or not a new
+        // one can be made: the next synchronisation that succeeds fills a
+        // file whole, never one that only the mirror believes is filled.
+        m_indexedNotes.clear();
+        m_indexedSections.clear();
+        m_indexedRevision.reset();
         try {
             recreateDatabase();
-            m_indexedNotes.clear();
-            m_indexedSections.clear();
-            m_indexedRevision.reset();
             performSynchronization(library, revision, Cancellation());
         } catch (const IndexError &error) {
             qCCritical(
@@ -152,6 +155,10 @@ private:
             return;
         if (auto error = FileSystem::makePath(QFileInfo(m_path).absolutePath()))
             throw IndexError {*error};
+        // The database holds the user's words: it is private, and so are the
+        // side files, which SQLite makes with the database file's permissions.
+        if (auto error = FileSystem::makePrivateFile(m_path))
+            throw IndexError {*error};
         sqlite3 *handle = nullptr;
         const int status
             = sqlite3_open_v2(QFile::encodeName(m_path).constData(), &handle, 0x10006, nullptr);
@@ -164,6 +171,12 @@ private:
             throw IndexError {message};
         }
         m_database = handle;
+        for (const char *suffix : {"-wal", "-shm"}) {
+            // Left by an earlier run, they may not be private yet.
+            const QString sideFile = m_path + QLatin1StringView(suffix);
+            if (FileSystem::exists(sideFile))
+                (void)FileSystem::makePrivateFile(sideFile);
+        }
         sqlite3_busy_timeout(m_database, 2000);
         executeScript("PRAGMA journal_mode=WAL;");
         executeScript("PRAGMA synchronous=NORMAL;");
@@ -464,7 +477,9 @@ QString SearchIndex::normalizedQuery(const QString &text)
 {
     qsizetype begin = 0;
     qsizetype end = text.size();
-    auto blank = [](QChar c) { return c == u' ' || c == u'\t'; };
+    // Blanks are the tab and every space separator of Unicode (category Zs);
+    // line breaks are not blanks.
+    auto blank = [](QChar c) { return c == u'\t' || c.category() == QChar::Separator_Space; };
     while (begin < end && blank(text.at(begin)))
         ++begin;
     while (end > begin && blank(text.at(end - 1)))

@@ -105,7 +105,8 @@ public:
     //! already) in its text, an attachment name or its title; no index involved.
     static SearchMatches scanProject(const QString &query, const Project &project);
 
-    //! The query as the search uses it: blanks and tabs trimmed, lower-cased.
+    //! The query as the search uses it: spaces of every kind and tabs (not
+    //! line breaks) trimmed, lower-cased.
     static QString normalizedQuery(const QString &text);
 
 private:

@@ -5,6 +5,7 @@
 #include "panel/PanelController.h"
 #include "shell/Preferences.h"
 #include "shell/Theme.h"
+#include "shell/UpdateController.h"
 #include "store/Store.h"
 
 namespace Vesko {
@@ -38,6 +39,7 @@ void AppDelegate::didFinishLaunching()
     Theme::applyAppearance(m_preferences.appearance());
     applyActivationPolicy();
     call(m_hooks.refreshTrust);
+    UpdateController::shared().start();
     call(m_hooks.startCapture);
     call(m_hooks.refreshTrust);
     if (m_hooks.isTrusted && !m_hooks.isTrusted()) {

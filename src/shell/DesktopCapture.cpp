@@ -9,12 +9,16 @@
 #include "capture/SelectionReader.h"
 #include "panel/PanelController.h"
 #include "platform/Logging.h"
-#include "platform/qt/QtClipboard.h"
+#include "platform/x11/X11Clipboard.h"
+#include "platform/x11/X11Connection.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyMonitor.h"
+#include "platform/x11/X11Keyboard.h"
 #include "platform/x11/X11Session.h"
 #include "shell/Preferences.h"
 #include "shell/Toast.h"
+
+#include <QGuiApplication>
 
 namespace Vesko {
 
@@ -46,7 +50,7 @@ DesktopCapture::DesktopCapture(Store &store, Preferences &preferences, PanelCont
     : QObject(parent)
     , m_store(store)
     , m_preferences(preferences)
-    , m_clipboard(std::make_unique<QtClipboard>())
+    , m_clipboard(std::make_unique<X11Clipboard>())
     , m_registrar(std::make_unique<X11HotKeys>())
     , m_hotKeys(std::make_unique<HotKeyCenter>(*m_registrar))
     , m_permission(std::make_unique<AccessibilityPermission>(&X11Session::isCaptureAvailable))
@@ -71,6 +75,16 @@ CaptureEngine &DesktopCapture::engine()
             *m_hotKeys, *m_doubleShift, *m_reader, *m_permission, *m_feedback, *m_clipboard});
     }
     return *m_engine;
+}
+
+const KeyLayout *DesktopCapture::keyLayout()
+{
+    if (!m_keyboard && QGuiApplication::platformName() == QLatin1String("xcb")) {
+        m_keyboardConnection = std::make_unique<X11Connection>();
+        if (m_keyboardConnection->isValid())
+            m_keyboard = std::make_unique<X11Keyboard>(m_keyboardConnection->get());
+    }
+    return m_keyboard.get();
 }
 
 AppDelegate::Hooks DesktopCapture::launchHooks()

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Capture as the running program has it: the X11 key monitor, hot keys and
-// session, the Qt clipboard, and the capture logic over them, answering with
-// the panel and the toast. Made once, after the Store and the Preferences.
+// Capture as the running program has it: the X11 key monitor, hot keys,
+// session and clipboard, and the capture logic over them, answering with the
+// panel and the toast. Made once, after the Store and the Preferences.
 
 #pragma once
 
@@ -15,16 +15,19 @@
 namespace Vesko {
 
 class AccessibilityPermission;
+class KeyLayout;
 class CaptureEngine;
 class DoubleShiftMonitor;
 class HotKeyCenter;
 class PanelController;
 class Preferences;
-class QtClipboard;
 class SelectionReader;
 class Store;
 class ToastPresenter;
+class X11Clipboard;
+class X11Connection;
 class X11HotKeys;
+class X11Keyboard;
 class X11KeyMonitor;
 class X11Session;
 
@@ -38,6 +41,8 @@ public:
     ~DesktopCapture() override;
 
     HotKeyCenter &hotKeys() { return *m_hotKeys; }
+    //! The keyboard layout that names keys on screen; none off X11.
+    const KeyLayout *keyLayout();
     AccessibilityPermission &permission() { return *m_permission; }
     //! Made on first use, at launch.
     CaptureEngine &engine();
@@ -50,7 +55,7 @@ private:
 
     Store &m_store;
     Preferences &m_preferences;
-    std::unique_ptr<QtClipboard> m_clipboard;
+    std::unique_ptr<X11Clipboard> m_clipboard;
     std::unique_ptr<X11HotKeys> m_registrar;
     std::unique_ptr<HotKeyCenter> m_hotKeys;
     std::unique_ptr<AccessibilityPermission> m_permission;
@@ -60,6 +65,8 @@ private:
     std::unique_ptr<SelectionReader> m_reader;
     std::unique_ptr<Feedback> m_feedback;
     std::unique_ptr<CaptureEngine> m_engine;
+    std::unique_ptr<X11Connection> m_keyboardConnection;
+    std::unique_ptr<X11Keyboard> m_keyboard;
 };
 
 } // namespace Vesko

@@ -166,8 +166,9 @@ Preferences::Preferences(QObject *parent)
     m_showsInMenuBar = readBool(s, Key::showsInMenuBar, true);
     m_showsInDock = readBool(s, Key::showsInDock, false);
     // Without a stored path the default stands in, and is not written back.
+    m_defaultLibraryURL = defaultLibraryURL();
     const QVariant path = s.value(key(Key::libraryPath));
-    m_libraryPath = path.isValid() ? path.toString() : defaultLibraryURL();
+    m_libraryPath = path.isValid() ? path.toString() : m_defaultLibraryURL;
 }
 
 Preferences &Preferences::shared()

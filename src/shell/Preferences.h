@@ -98,6 +98,12 @@ public:
     bool showsInDock() const { return m_showsInDock; }
     //! The stored path, or the default library path, which is never written back.
     QString libraryPath() const { return m_libraryPath; }
+    //! The library file in use: libraryPath when it is not empty, else the
+    //! default. Read from memory; the settings file is not looked at.
+    QString libraryURL() const
+    {
+        return m_libraryPath.isEmpty() ? m_defaultLibraryURL : m_libraryPath;
+    }
 
     void setAppearance(AppAppearance value);
     void setPanelEdge(PanelEdge value);
@@ -179,6 +185,7 @@ private:
     bool m_showsInMenuBar;
     bool m_showsInDock;
     QString m_libraryPath;
+    QString m_defaultLibraryURL;
 };
 
 } // namespace Vesko

@@ -143,6 +143,9 @@ QPalette palette(bool dark)
         p.setColor(QPalette::Disabled, QPalette::WindowText, withAlpha(black, 0.28));
         p.setColor(QPalette::Disabled, QPalette::ButtonText, withAlpha(black, 0.28));
     }
+    // Disabled text is drawn flat: no light etching under it, which would
+    // make it brighter than enabled text on a dark surface.
+    p.setColor(QPalette::Disabled, QPalette::Light, Qt::transparent);
     p.setColor(QPalette::Highlight, accent);
     p.setColor(QPalette::HighlightedText, Qt::white);
     p.setColor(QPalette::Link, accent);
@@ -235,6 +238,9 @@ QIcon symbolIcon(const QString &symbol, const QColor &color, int size)
     };
     static const Symbol symbols[] = {
         {"checkmark", "object-select-symbolic", u"\u2713"},
+        {"ellipsis", "view-more-horizontal-symbolic", u"\u22EF"},
+        {"magnifyingglass", "edit-find-symbolic", u"\u2315"},
+        {"xmark.circle.fill", "edit-clear-symbolic", u"\u2297"},
         {"text.cursor", "edit-select-all-symbolic", u"I"},
         {"exclamationmark.triangle", "dialog-warning-symbolic", u"\u26A0"},
         {"lock", "changes-prevent-symbolic", u"\u26BF"},
@@ -242,10 +248,20 @@ QIcon symbolIcon(const QString &symbol, const QColor &color, int size)
         {"doc.on.doc", "edit-copy-symbolic", u"\u2750"},
         {"plus", "list-add-symbolic", u"+"},
         {"pencil", "document-edit-symbolic", u"\u270E"},
+        {"circle", "radio-symbolic", u"\u25CB"},
+        {"checkmark.circle.fill", "emblem-ok-symbolic", u"\u2714"},
+        {"eye.fill", "view-visible-symbolic", u"\u25C9"},
         {"square.and.arrow.up", "document-send-symbolic", u"\u2191"},
         {"paperclip", "mail-attachment-symbolic", u"\u2295"},
         {"clipboard", "edit-paste-symbolic", u"\u2398"},
         {"eye.slash", "view-hidden-symbolic", u"\u2205"},
+        {"gearshape", "preferences-system-symbolic", u"\u2699"},
+        {"text.viewfinder", "edit-find-symbolic", u"\u25CE"},
+        {"internaldrive", "drive-harddisk-symbolic", u"\u26C1"},
+        {"info.circle", "help-about-symbolic", u"i"},
+        {"checkmark.circle.fill", "emblem-ok-symbolic", u"\u2714"},
+        {"exclamationmark.triangle.fill", "dialog-warning-symbolic", u"\u26A0"},
+        {"person.slash", "avatar-default-symbolic", u"\u2298"},
         {"xmark.circle.fill", "edit-clear-symbolic", u"\u2297"},
     };
     const char16_t *glyph = u"\u2022";

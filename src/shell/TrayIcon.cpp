@@ -3,22 +3,30 @@
 #include "shell/TrayIcon.h"
 
 #include "panel/PanelController.h"
+#include "panel/PanelState.h"
+#include "shell/MenuBarDashboard.h"
+#include "shell/MenuBarMenu.h"
 #include "shell/Preferences.h"
 #include "shell/Theme.h"
+#include "store/Store.h"
 
 #include <QMenu>
 #include <QSystemTrayIcon>
 
 namespace Vesko {
 
-TrayIcon::TrayIcon(PanelController &panel, Preferences &preferences, QObject *parent)
+TrayIcon::TrayIcon(Store &store, PanelController &panel, Preferences &preferences, QObject *parent)
     : QObject(parent)
+    , m_store(store)
     , m_panel(panel)
     , m_preferences(preferences)
     , m_icon(new QSystemTrayIcon(Theme::applicationIcon(), this))
     , m_menu(new QMenu)
 {
-    m_icon->setToolTip(QStringLiteral("Vesko"));
+    m_menu->setObjectName(QStringLiteral("VeskoTrayMenu"));
+    refreshToolTip();
+    connect(&m_store, &Store::libraryChanged, this, &TrayIcon::refreshToolTip);
+    connect(&m_store, &Store::saveFailureChanged, this, &TrayIcon::refreshToolTip);
     m_icon->setContextMenu(m_menu);
     connect(m_menu, &QMenu::aboutToShow, this, &TrayIcon::rebuildMenu);
     connect(m_icon, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason r) {
@@ -35,20 +43,40 @@ TrayIcon::~TrayIcon()
     delete m_menu;
 }
 
+QString TrayIcon::toolTip() const
+{
+    return m_icon->toolTip();
+}
+
+void TrayIcon::refreshToolTip()
+{
+    const QString tip = menuBarToolTip(
+        m_store.activeProject().name, openNoteCount(m_store), m_store.saveFailure());
+    // Tray hosts repaint or resend the tip at each assignment.
+    if (m_icon->toolTip() != tip)
+        m_icon->setToolTip(tip);
+}
+
 void TrayIcon::applyVisibility()
 {
     m_icon->setVisible(m_preferences.showsInMenuBar());
 }
 
+void TrayIcon::fillMenu(QMenu &menu)
+{
+    MenuBarCommands commands;
+    commands.isPanelShown = [this] { return m_panel.isPanelShown(); };
+    commands.hidePanel = [this] { m_panel.hide(); };
+    commands.showPanel = [this](bool focusComposer) { m_panel.show(true, focusComposer); };
+    commands.captureSelection = [this] { Q_EMIT captureRequested(); };
+    commands.openSettings = [this] { Q_EMIT settingsRequested(); };
+    commands.quit = [this] { Q_EMIT quitRequested(); };
+    rebuildMenuBarMenu(menu, m_store, PanelState::shared(), commands);
+}
+
 void TrayIcon::rebuildMenu()
 {
-    m_menu->clear();
-    m_menu->addAction(m_panel.isPanelShown() ? tr("Hide Vesko") : tr("Show Vesko"), this,
-        [this] { m_panel.toggle(); });
-    m_menu->addAction(tr("Capture Selection"), this, &TrayIcon::captureRequested);
-    m_menu->addAction(tr("Add a Note"), this, [this] { m_panel.show(true, true); });
-    m_menu->addSeparator();
-    m_menu->addAction(tr("Quit Vesko"), QKeySequence::Quit, this, &TrayIcon::quitRequested);
+    fillMenu(*m_menu);
 }
 
 } // namespace Vesko

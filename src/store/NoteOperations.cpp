@@ -152,12 +152,26 @@ void Store::setDone(const QList<QUuid> &ids, bool isDone)
         return;
     recordUndo();
     const QDateTime now = currentDate();
-    for (const QUuid &id : ids) {
-        if (Note *target = findNote(id)) {
-            target->isDone = isDone;
-            target->completedAt = isDone ? std::optional(now) : std::nullopt;
-            target->updatedAt = now;
+    // One pass over the library with a set of the ids, not a search per id;
+    // each id counts at its first place in library order, as a look-up finds it.
+    QSet<QUuid> pending = idSet(ids);
+    QList<LibraryPosition> found;
+    for (qsizetype p = 0; p < m_library.projects.size() && !pending.isEmpty(); ++p) {
+        const QList<NoteSection> &sections = m_library.projects.at(p).sections;
+        for (qsizetype s = 0; s < sections.size() && !pending.isEmpty(); ++s) {
+            const QList<Note> &notes = sections.at(s).notes;
+            for (qsizetype n = 0; n < notes.size(); ++n) {
+                if (pending.remove(notes.at(n).id))
+                    found.append(LibraryPosition {p, s, n});
+            }
         }
+    }
+    // Only the sections that hold one of the notes are detached.
+    for (const LibraryPosition &at : std::as_const(found)) {
+        Note &target = m_library.projects[at.project].sections[at.section].notes[at.note];
+        target.isDone = isDone;
+        target.completedAt = isDone ? std::optional(now) : std::nullopt;
+        target.updatedAt = now;
     }
     commit();
 }
@@ -190,13 +204,7 @@ void Store::deleteNotes(const QSet<QUuid> &ids)
 
 std::optional<QUuid> Store::nextSelection(const QSet<QUuid> &ids) const
 {
-    // The note rows, in order, without copying the notes.
-    QList<QUuid> visible;
-    visible.reserve(m_rows.size());
-    for (const PanelRow &row : m_rows) {
-        if (row.isNote())
-            visible.append(row.note().id);
-    }
+    const QList<QUuid> visible = visibleNoteIDs();
     qsizetype first = -1;
     for (qsizetype i = 0; i < visible.size() && first < 0; ++i) {
         if (ids.contains(visible.at(i)))
@@ -273,7 +281,7 @@ void Store::purgeAttachmentFiles(const QList<NoteAttachment> &attachments)
         if (candidates.contains(attachment.storedFileName))
             unreferenced.append(attachment);
     }
-    m_attachments.removeFiles(unreferenced, attachmentsFolder(libraryURL()));
+    m_attachments.removeFiles(unreferenced, attachmentsFolder(libraryFile()));
 }
 
 void Store::clearCompleted()
@@ -447,7 +455,7 @@ void Store::addAttachments(const QList<NoteAttachment> &attachments, const QUuid
 {
     if (!locateNote(m_library, noteID)) {
         // The note went while its files were imported: they must not stay behind.
-        m_attachments.removeFiles(attachments, attachmentsFolder(libraryURL()));
+        m_attachments.removeFiles(attachments, attachmentsFolder(libraryFile()));
         return;
     }
     if (attachments.isEmpty())

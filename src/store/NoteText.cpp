@@ -102,13 +102,13 @@ QString markdownExportText(const Library &library)
 
 std::optional<QString> writeMarkdownExport(const QString &text, const QString &path)
 {
+    // A fresh private name beside the target, made only if nothing is there,
+    // then one rename over the target: no other file is touched, and the
+    // export never lies half written under its name.
     const QFileInfo target(path);
     const QString temporary = target.absolutePath() + QStringLiteral("/.") + target.fileName()
-        + QStringLiteral(".export");
-    QFile::remove(temporary);
-    // An export is the user's own document: it gets the usual permissions.
-    if (auto failure
-        = FileSystem::writeNewFile(temporary, text.toUtf8(), FileSystem::Durability::Flushed, 0644))
+        + u'.' + makeID().toString(QUuid::WithoutBraces).toUpper();
+    if (auto failure = FileSystem::writeNewFile(temporary, text.toUtf8()))
         return failure;
     if (auto failure = FileSystem::replaceFile(temporary, target.absoluteFilePath())) {
         QFile::remove(temporary);

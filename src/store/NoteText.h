@@ -50,7 +50,9 @@ QString listText(const QList<Note> &notes, ListStyle style, bool includesMarkdow
 //! section, a task line per note, a link line per attachment.
 QString markdownExportText(const Library &library);
 
-//! Writes \a text as UTF-8 to \a path atomically; returns the failure text.
+//! Writes \a text as UTF-8 to \a path atomically, through a temporary file of
+//! a fresh name beside it; the export is private (0600), like everything that
+//! holds the user's notes. Returns the failure text.
 std::optional<QString> writeMarkdownExport(const QString &text, const QString &path);
 
 } // namespace Vesko

@@ -31,6 +31,9 @@ Store::Store(Library loaded, const Services &services, QObject *parent)
     m_searchTimer.setInterval(searchDelayMilliseconds);
     m_searchTimer.setTimerType(Qt::PreciseTimer);
     connect(&m_searchTimer, &QTimer::timeout, this, &Store::startPendingSearch);
+    m_saveRetryTimer.setSingleShot(true);
+    m_saveRetryTimer.setInterval(saveRetryMilliseconds);
+    connect(&m_saveRetryTimer, &QTimer::timeout, this, &Store::retrySave);
 
     // A preference of the list changes the rows, after the assignment returns.
     connect(&m_preferences, &Preferences::listOptionsAssigned, this, &Store::refreshRows,
@@ -38,7 +41,7 @@ Store::Store(Library loaded, const Services &services, QObject *parent)
 
     if (repairLibrary(m_library)) {
         // The repaired file is written at once; a failure waits for the next save.
-        (void)writeLibrary(m_library, libraryURL());
+        (void)writeLibrary(m_library, libraryFile());
     }
     m_announcedLibrary = m_library;
     rebuildRows();
@@ -56,6 +59,11 @@ Store &Store::shared()
 }
 
 // -- state ---------------------------------------------------------------------
+
+QString Store::libraryFile() const
+{
+    return m_preferences.libraryURL();
+}
 
 void Store::notifyLibraryIfChanged()
 {
@@ -193,17 +201,36 @@ void Store::commit()
 
     // The save carries the library and the file's path as they are now.
     m_pendingSave = m_library;
-    m_pendingSavePath = libraryURL();
+    m_pendingSavePath = libraryFile();
     m_saveTimer.start();
 }
 
 void Store::saveNow()
 {
     const Library library = std::exchange(m_pendingSave, Library {});
-    m_writer.write(library, m_pendingSavePath, this, [](std::optional<QString> failure) {
-        if (failure)
-            qCCritical(lcStorage, "Save failed: %s", qUtf8Printable(*failure));
-    });
+    m_writer.write(library, m_pendingSavePath, this,
+        [this](std::optional<QString> failure) { noteSaveResult(failure); });
+}
+
+void Store::retrySave()
+{
+    // A scheduled save writes a state at least as new, and reports itself.
+    if (m_saveTimer.isActive())
+        return;
+    m_writer.write(m_library, libraryFile(), this,
+        [this](std::optional<QString> failure) { noteSaveResult(failure); });
+}
+
+void Store::noteSaveResult(const std::optional<QString> &failure)
+{
+    // Writes end in the order they were queued, so the last result stands.
+    if (failure) {
+        qCCritical(lcStorage, "Save failed: %s", qUtf8Printable(*failure));
+        m_saveRetryTimer.start();
+    } else {
+        m_saveRetryTimer.stop();
+    }
+    assign(m_saveFailure, failure.value_or(QString()), &Store::saveFailureChanged);
 }
 
 void Store::refreshAfterMutation()
@@ -249,46 +276,54 @@ void Store::restoreSnapshot(QList<Library> &from, QList<Library> &to)
     setLibrary(from.takeLast());
     Q_EMIT undoStateChanged();
 
-    // Notes that no longer exist leave the selection; the anchor stays.
-    QSet<QUuid> kept;
-    for (const QUuid &id : std::as_const(m_selection)) {
-        if (addressOfNote(id))
-            kept.insert(id);
+    // Notes that no longer exist leave the selection; the anchor stays. One
+    // pass over the library with the selection as a set, starting with the
+    // active project, where the selected notes normally are, and ending as
+    // soon as every one of them is found.
+    if (!m_selection.isEmpty()) {
+        QSet<QUuid> kept;
+        kept.reserve(m_selection.size());
+        auto keepSelected = [&](const Project &project) {
+            for (const NoteSection &section : project.sections) {
+                for (const Note &note : section.notes) {
+                    if (m_selection.contains(note.id))
+                        kept.insert(note.id);
+                }
+            }
+            return kept.size() == m_selection.size();
+        };
+        const qsizetype active = activeProjectIndex(m_library);
+        bool allFound = active >= 0 && keepSelected(m_library.projects.at(active));
+        for (qsizetype p = 0; p < m_library.projects.size() && !allFound; ++p) {
+            if (p != active)
+                allFound = keepSelected(m_library.projects.at(p));
+        }
+        if (!allFound)
+            setSelectionSet(kept);
     }
-    setSelectionSet(kept);
     commit();
 }
 
 void Store::flushSave()
 {
     m_saveTimer.stop();
+    m_saveRetryTimer.stop();
     m_pendingSave = Library {};
-    if (auto failure = m_writer.writeNow(m_library, libraryURL()))
-        qCCritical(lcStorage, "Save failed: %s", qUtf8Printable(*failure));
-}
-
-std::optional<QString> Store::moveLibrary(const QString &destination)
-{
-    const QString current = libraryURL();
-    const QString target = libraryMoveTarget(destination);
-
-    if (auto failure = mergeAttachmentFolder(attachmentsFolder(current), attachmentsFolder(target)))
-        return failure;
-    if (auto failure = writeLibrary(m_library, target))
-        return failure;
-
-    m_preferences.setLibraryPath(target);
-    reloadLibrary();
-    removeMovedLibrary(current, target);
-    return std::nullopt;
-}
-
-void Store::reloadLibrary()
-{
-    setLibrary(loadLibrary());
-    setSelectionSet({});
-    clearSearchText();
-    refreshAfterMutation();
+    const std::optional<QString> failure = m_writer.writeNow(m_library, libraryFile());
+    assign(m_saveFailure, failure.value_or(QString()), &Store::saveFailureChanged);
+    if (!failure)
+        return;
+    qCCritical(lcStorage, "Save failed: %s", qUtf8Printable(*failure));
+    // The last chance for the changes that never reached the file.
+    QString rescueFailure;
+    const QString rescue = writeRescueFile(m_library, &rescueFailure);
+    if (!rescue.isEmpty()) {
+        qCCritical(lcStorage, "The library could not be saved; it was written to %s",
+            qUtf8Printable(rescue));
+    } else {
+        qCCritical(lcStorage, "The library could not be saved, nor rescued to %s: %s",
+            qUtf8Printable(rescueFolder()), qUtf8Printable(rescueFailure));
+    }
 }
 
 void Store::clearSearchText()

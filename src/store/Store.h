@@ -42,12 +42,16 @@ class Store : public QObject
     Q_PROPERTY(quint64 libraryRevision READ libraryRevision NOTIFY libraryRevisionChanged)
     Q_PROPERTY(bool canUndo READ canUndo NOTIFY undoStateChanged)
     Q_PROPERTY(bool canRedo READ canRedo NOTIFY undoStateChanged)
+    Q_PROPERTY(QString saveFailure READ saveFailure NOTIFY saveFailureChanged)
+    Q_PROPERTY(bool isMovingLibrary READ isMovingLibrary NOTIFY isMovingLibraryChanged)
 
 public:
     static constexpr int maximumUndoSteps = 60;
     static constexpr qsizetype undoNoteBudget = 500000;
     //! The quiet time after the last change before the library is saved.
     static constexpr int saveDelayMilliseconds = 350;
+    //! While saves fail, the pause before the library is written again.
+    static constexpr int saveRetryMilliseconds = 5000;
 
     //! The services a Store works with; shared() uses the process-wide ones.
     struct Services
@@ -94,6 +98,12 @@ public:
     qsizetype redoStepCount() const { return m_redoStack.size(); }
     //! A save is scheduled and has not started yet.
     bool hasPendingSave() const { return m_saveTimer.isActive(); }
+    //! Why the last save failed, such as "No space left on device"; empty
+    //! once a save succeeds. While it is set the library is written again
+    //! every saveRetryMilliseconds, and at each change.
+    QString saveFailure() const { return m_saveFailure; }
+    //! A move of the library is under way.
+    bool isMovingLibrary() const { return m_isMovingLibrary; }
 
     //! The library's active project, or an unsaved empty "Notes" without one.
     Project activeProject() const;
@@ -126,15 +136,17 @@ public:
     void redo();
 
     //! Cancels a pending save and writes the library now, blocking until it is
-    //! on the disk. At quit; it writes whether or not anything changed.
+    //! on the disk. At quit; it writes whether or not anything changed. When
+    //! that write fails, the library goes to a rescue file (see writeRescueFile()).
     void flushSave();
 
     //! Moves the library file to \a destination, a folder or a file path, with
-    //! its attachments, and goes on with the file there. Returns the failure
-    //! text; on failure the old file stays in use.
-    std::optional<QString> moveLibrary(const QString &destination);
-    //! Reads the library file again, after a move.
-    void reloadLibrary();
+    //! its attachments, and goes on with the file there. The attachments are
+    //! copied in the background and the file is written behind the saves
+    //! already queued; libraryMoveFinished() tells the end. On failure the old
+    //! file stays in use. A destination that leads to the library file itself
+    //! rewrites it and moves nothing.
+    void moveLibrary(const QString &destination);
 
     // -- selection ------------------------------------------------------------
 
@@ -257,6 +269,12 @@ Q_SIGNALS:
     void undoStateChanged();
     //! The applied search result changed.
     void currentMatchesChanged();
+    void saveFailureChanged();
+    void isMovingLibraryChanged();
+    //! The attachments of a move: bytes copied so far, of \a totalBytes.
+    void libraryMoveProgress(qint64 copiedBytes, qint64 totalBytes);
+    //! A move has ended: \a failure says why it failed, empty when it succeeded.
+    void libraryMoveFinished(const QString &failure);
 
 private:
     void notifyLibraryIfChanged();
@@ -266,6 +284,19 @@ private:
     void setSelectionAnchor(std::optional<QUuid> anchor);
     void setExpandedNoteIDs(const QSet<QUuid> &ids);
     void saveNow();
+    //! Writes the library again after a failed save, unless a save is scheduled.
+    void retrySave();
+    //! Takes the outcome of a write: the failure is shown and retried, a success clears it.
+    void noteSaveResult(const std::optional<QString> &failure);
+    //! The library file in use, as the preferences hold it.
+    QString libraryFile() const;
+    //! The steps of a move after its attachments are copied, and its end.
+    void writeMovedLibrary(const QString &current, const QString &target);
+    void adoptMovedLibrary(
+        const QString &current, const QString &target, const Library &readBack, quint64 revision);
+    void finishLibraryMove(const QString &failure);
+    //! The ids of the note rows, in row order.
+    QList<QUuid> visibleNoteIDs() const;
     //! Ends a search without rebuilding the rows; for operations that commit next.
     void clearSearchText();
     //! The visible notes whose ids are among \a ids, in row order.
@@ -321,6 +352,9 @@ private:
     QTimer m_saveTimer;
     Library m_pendingSave;
     QString m_pendingSavePath;
+    QString m_saveFailure;
+    QTimer m_saveRetryTimer;
+    bool m_isMovingLibrary = false;
 
     //! The library as last announced by libraryChanged().
     Library m_announcedLibrary;

@@ -21,6 +21,18 @@ QList<QUuid> idsOf(const QList<Note> &notes)
 
 } // namespace
 
+QList<QUuid> Store::visibleNoteIDs() const
+{
+    // Read from the rows without copying a note.
+    QList<QUuid> ids;
+    ids.reserve(m_rows.size());
+    for (const PanelRow &row : m_rows) {
+        if (row.isNote())
+            ids.append(row.note().id);
+    }
+    return ids;
+}
+
 void Store::select(const QUuid &id, bool extending, bool toggling)
 {
     if (toggling) {
@@ -35,7 +47,7 @@ void Store::select(const QUuid &id, bool extending, bool toggling)
     }
 
     if (extending && m_selectionAnchor) {
-        const QList<QUuid> ids = idsOf(visibleNotes());
+        const QList<QUuid> ids = visibleNoteIDs();
         const qsizetype anchor = ids.indexOf(*m_selectionAnchor);
         const qsizetype target = ids.indexOf(id);
         if (anchor >= 0 && target >= 0) {
@@ -50,7 +62,7 @@ void Store::select(const QUuid &id, bool extending, bool toggling)
 
 std::optional<QUuid> Store::moveSelection(int offset, bool extending)
 {
-    const QList<QUuid> ids = idsOf(visibleNotes());
+    const QList<QUuid> ids = visibleNoteIDs();
     if (ids.isEmpty())
         return std::nullopt;
 
@@ -75,7 +87,7 @@ std::optional<QUuid> Store::moveSelection(int offset, bool extending)
 
 void Store::selectAll()
 {
-    const QList<QUuid> ids = idsOf(visibleNotes());
+    const QList<QUuid> ids = visibleNoteIDs();
     setSelectionSet(QSet<QUuid>(ids.cbegin(), ids.cend()));
 }
 

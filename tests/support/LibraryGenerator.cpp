@@ -194,4 +194,33 @@ Library generateLibrary(qsizetype noteCount, quint32 seed)
     return library;
 }
 
+Library generateLibraryWithActiveProject(qsizetype total, qsizetype active, quint32 seed)
+{
+    Library library = generateLibrary(total, seed);
+    qsizetype inFirst = 0;
+    for (const NoteSection &section : library.projects[0].sections)
+        inFirst += section.notes.size();
+    // Notes go between the first and the second project until the first holds `active`.
+    Project &first = library.projects[0];
+    Project &second = library.projects[1];
+    for (qsizetype s = 0; inFirst > active; s = (s + 1) % first.sections.size()) {
+        NoteSection &from = first.sections[s];
+        if (from.notes.isEmpty())
+            continue;
+        second.sections[s % second.sections.size()].notes.append(from.notes.takeLast());
+        --inFirst;
+    }
+    for (qsizetype s = 0; inFirst < active; s = (s + 1) % second.sections.size()) {
+        NoteSection &from = second.sections[s];
+        if (from.notes.isEmpty())
+            continue;
+        first.sections[s % first.sections.size()].notes.append(from.notes.takeLast());
+        ++inFirst;
+    }
+    for (NoteSection &section : first.sections)
+        section.isCollapsed = false;
+    library.activeProjectID = first.id;
+    return library;
+}
+
 } // namespace Vesko::Test

@@ -14,4 +14,8 @@ namespace Vesko::Test {
 
 Library generateLibrary(qsizetype noteCount, quint32 seed = 1);
 
+//! A generated library of \a total notes whose first project, made active
+//! with its sections open, holds exactly \a active of them.
+Library generateLibraryWithActiveProject(qsizetype total, qsizetype active, quint32 seed = 1);
+
 } // namespace Vesko::Test

@@ -34,6 +34,7 @@ public:
     Store &store() { return m_fixture.store(); }
     PanelState &state() { return m_state; }
     Preferences &preferences() { return m_fixture.preferences(); }
+    AttachmentStore &attachments() { return m_fixture.attachments(); }
     QString describe() { return describeProject(store().activeProject()); }
 
 private:

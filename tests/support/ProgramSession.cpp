@@ -11,7 +11,7 @@ namespace Vesko::Test {
 
 ProgramSession::ProgramSession()
 {
-    for (const char *folder : {"data", "config", "cache", "runtime"})
+    for (const char *folder : {"data", "config", "cache", "state", "runtime"})
         QDir(m_root.path()).mkpath(QString::fromLatin1(folder));
     QFile::setPermissions(m_root.filePath(QStringLiteral("runtime")),
         QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
@@ -21,6 +21,8 @@ ProgramSession::ProgramSession()
         QStringLiteral("XDG_CONFIG_HOME"), m_root.filePath(QStringLiteral("config")));
     m_environment.insert(
         QStringLiteral("XDG_CACHE_HOME"), m_root.filePath(QStringLiteral("cache")));
+    m_environment.insert(
+        QStringLiteral("XDG_STATE_HOME"), m_root.filePath(QStringLiteral("state")));
     m_environment.insert(
         QStringLiteral("XDG_RUNTIME_DIR"), m_root.filePath(QStringLiteral("runtime")));
     m_environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
@@ -50,6 +52,16 @@ QString ProgramSession::libraryPath() const
 QString ProgramSession::configPath() const
 {
     return m_root.filePath(QStringLiteral("config/Vesko/Vesko.conf"));
+}
+
+void ProgramSession::setEnvironmentVariable(const QString &name, const QString &value)
+{
+    m_environment.insert(name, value);
+}
+
+QString ProgramSession::stateFolder() const
+{
+    return m_root.filePath(QStringLiteral("state"));
 }
 
 QProcess *ProgramSession::start(const QString &program, const QStringList &arguments)

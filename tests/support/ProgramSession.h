@@ -22,6 +22,13 @@ public:
     QString libraryFolder() const;
     QString libraryPath() const;
     QString configPath() const;
+    //! $XDG_STATE_HOME of the session.
+    QString stateFolder() const;
+    //! The session's private folder, for files of a test's own.
+    QString rootFolder() const { return m_root.path(); }
+
+    //! Sets a variable of the environment the next programs start with.
+    void setEnvironmentVariable(const QString &name, const QString &value);
 
     //! Starts \a program with the session's environment; it ends with the session.
     QProcess *start(const QString &program, const QStringList &arguments = {});

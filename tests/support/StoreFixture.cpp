@@ -63,7 +63,10 @@ StoreFixture::StoreFixture()
     m_preferences = std::make_unique<Preferences>();
     m_writer = std::make_unique<LibraryWriter>();
     m_attachments = std::make_unique<AttachmentStore>();
-    m_searchIndex = std::make_unique<SearchIndex>();
+    // A database of its own per fixture, so that searches go through the index.
+    static int counter = 0;
+    m_searchIndex = std::make_unique<SearchIndex>(IsolatedEnvironment::current().cacheHome()
+        + QStringLiteral("/fixture-%1.sqlite").arg(++counter));
 }
 
 StoreFixture::~StoreFixture()
@@ -84,7 +87,8 @@ Store &StoreFixture::make(const QStringList &projects)
     // Set after construction, so that the repair at load leaves the fixture as written.
     make(makeDefaultLibrary());
     m_store->setLibrary(library);
-    m_store->refreshRows();
+    // Rows and the search index follow the fixture's library.
+    m_store->refreshAfterMutation();
     return *m_store;
 }
 

@@ -40,6 +40,7 @@ public:
 
     Store &store() { return *m_store; }
     Preferences &preferences() { return *m_preferences; }
+    AttachmentStore &attachments() { return *m_attachments; }
 
 private:
     std::unique_ptr<Preferences> m_preferences;

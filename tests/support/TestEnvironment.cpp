@@ -18,6 +18,7 @@ IsolatedEnvironment::IsolatedEnvironment()
     qputenv("XDG_DATA_HOME", QFile::encodeName(dataHome()));
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(configHome()));
     qputenv("XDG_CACHE_HOME", QFile::encodeName(cacheHome()));
+    qputenv("XDG_STATE_HOME", QFile::encodeName(stateHome()));
     currentEnvironment = this;
 }
 

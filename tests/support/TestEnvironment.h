@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Keeps tests away from the user's own files: the XDG data, cache and config
-// folders point into a temporary folder for the life of the test process.
+// Keeps tests away from the user's own files: the XDG data, cache, config and
+// state folders point into a temporary folder for the life of the test process.
 
 #pragma once
 
@@ -20,6 +20,7 @@ public:
     QString dataHome() const { return m_root.filePath(QStringLiteral("data")); }
     QString configHome() const { return m_root.filePath(QStringLiteral("config")); }
     QString cacheHome() const { return m_root.filePath(QStringLiteral("cache")); }
+    QString stateHome() const { return m_root.filePath(QStringLiteral("state")); }
 
     //! The environment of the running test.
     static IsolatedEnvironment &current();

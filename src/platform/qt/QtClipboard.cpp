@@ -31,7 +31,12 @@ QtClipboard::~QtClipboard()
     QObject::disconnect(m_changes);
 }
 
-std::optional<QString> QtClipboard::text() const
+void QtClipboard::requestText(std::function<void(std::optional<QString>)> done)
+{
+    done(textNow());
+}
+
+std::optional<QString> QtClipboard::textNow()
 {
     const QMimeData *data = clipboard()->mimeData(QClipboard::Clipboard);
     if (!data || !data->hasText())
@@ -44,7 +49,12 @@ void QtClipboard::setText(const QString &text)
     clipboard()->setText(text, QClipboard::Clipboard);
 }
 
-Clipboard::Snapshot QtClipboard::snapshot() const
+void QtClipboard::requestSnapshot(std::function<void(Snapshot)> done)
+{
+    done(snapshotNow());
+}
+
+Clipboard::Snapshot QtClipboard::snapshotNow()
 {
     const QMimeData *data = clipboard()->mimeData(QClipboard::Clipboard);
     if (!data)

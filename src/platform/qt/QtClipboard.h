@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The clipboard of the desktop session through QClipboard (Clipboard mode).
-// Needs a QGuiApplication; main thread only.
+// Reads answer at once, through QClipboard's own transfer. Needs a
+// QGuiApplication; main thread only.
 
 #pragma once
 
@@ -18,10 +19,15 @@ public:
     ~QtClipboard() override;
 
     void setText(const QString &text) override;
-    Snapshot snapshot() const override;
+    void requestSnapshot(std::function<void(Snapshot)> done) override;
     void restore(const Snapshot &items) override;
     quint64 changeCount() const override { return m_changeCount; }
-    std::optional<QString> text() const override;
+    void requestText(std::function<void(std::optional<QString>)> done) override;
+
+protected:
+    //! What Qt holds now: every format with its bytes.
+    static Snapshot snapshotNow();
+    static std::optional<QString> textNow();
 
 private:
     quint64 m_changeCount = 0;

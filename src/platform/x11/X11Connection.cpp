@@ -2,7 +2,10 @@
 
 #include "platform/x11/X11Connection.h"
 
+#include <QAbstractEventDispatcher>
 #include <QSocketNotifier>
+
+#include <xcb/res.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -22,6 +25,12 @@ X11Connection::X11Connection(QObject *parent)
     m_notifier
         = new QSocketNotifier(xcb_get_file_descriptor(m_connection), QSocketNotifier::Read, this);
     connect(m_notifier, &QSocketNotifier::activated, this, &X11Connection::dispatch);
+    // A blocking reply read can take events off the socket with it; the
+    // notifier would not see them, so they are handed out before the loop sleeps.
+    if (QAbstractEventDispatcher *dispatcher = QAbstractEventDispatcher::instance(thread())) {
+        connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this,
+            &X11Connection::dispatchQueued);
+    }
 }
 
 X11Connection::~X11Connection()
@@ -74,6 +83,43 @@ void X11Connection::dispatch()
             m_handler(event);
         std::free(event);
     }
+}
+
+void X11Connection::dispatchQueued()
+{
+    if (!m_connection)
+        return;
+    while (xcb_generic_event_t *event = xcb_poll_for_queued_event(m_connection)) {
+        if (m_handler)
+            m_handler(event);
+        std::free(event);
+    }
+}
+
+std::optional<qint64> X11Connection::processOf(xcb_window_t window)
+{
+    if (!m_connection || window == XCB_WINDOW_NONE)
+        return std::nullopt;
+    if (const std::optional<uint32_t> pid
+        = cardinal(window, atom("_NET_WM_PID"), XCB_ATOM_CARDINAL))
+        return qint64(*pid);
+    // The X-Resource extension knows the process of a local client.
+    xcb_res_client_id_spec_t spec {window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+    xcb_res_query_client_ids_reply_t *reply = xcb_res_query_client_ids_reply(
+        m_connection, xcb_res_query_client_ids(m_connection, 1, &spec), nullptr);
+    std::optional<qint64> pid;
+    if (reply) {
+        xcb_res_client_id_value_iterator_t it = xcb_res_query_client_ids_ids_iterator(reply);
+        for (; it.rem; xcb_res_client_id_value_next(&it)) {
+            if ((it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID)
+                && xcb_res_client_id_value_value_length(it.data) >= 1) {
+                pid = qint64(*xcb_res_client_id_value_value(it.data));
+                break;
+            }
+        }
+        std::free(reply);
+    }
+    return pid;
 }
 
 std::optional<QByteArray> X11Connection::property(

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // A connection of Vesko's own to the X server, apart from Qt's, read on the
-// main thread: the key monitor, the hot keys and the selection reader each
-// keep one, so that what they select and grab does not mix with Qt's own
-// windows and events.
+// main thread: the key monitor, the hot keys, the session and the clipboard
+// each keep one, so that what they select and grab does not mix with Qt's own
+// windows and events. Events are read when the socket has data, and those a
+// reply read left queued are handed out before the event loop sleeps.
 
 #pragma once
 
@@ -39,6 +40,11 @@ public:
     void setEventHandler(std::function<void(xcb_generic_event_t *)> handler);
     //! Reads what is waiting now.
     void dispatch();
+    //! Hands out events already read from the socket, without reading more.
+    void dispatchQueued();
+
+    //! The process of the client that made \a window: _NET_WM_PID, else X-Resource.
+    std::optional<qint64> processOf(xcb_window_t window);
 
     //! A property's bytes (of any type when \a type is XCB_ATOM_ANY), if set.
     std::optional<QByteArray> property(xcb_window_t window, xcb_atom_t property,

@@ -2,8 +2,14 @@
 
 #include "platform/x11/X11HotKeys.h"
 
+#include "platform/SessionType.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Keyboard.h"
+
+// The XKB header names a member "explicit", a C++ keyword.
+#define explicit xkbExplicit
+#include <xcb/xkb.h>
+#undef explicit
 
 #include <cstdlib>
 
@@ -14,26 +20,57 @@ namespace {
 // Caps Lock and Num Lock (Mod2) must not block a combination.
 constexpr uint16_t lockVariants[]
     = {0, XCB_MOD_MASK_LOCK, XCB_MOD_MASK_2, XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2};
-constexpr int badAccess = 10;
+constexpr uint16_t lockMasks = XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2;
+
+constexpr int unavailableStatus = -1;
+constexpr int badValue = 2;
+
+//! Asks the server to report auto-repeat as presses without releases.
+bool enableDetectableAutoRepeat(xcb_connection_t *c)
+{
+    xcb_xkb_use_extension_reply_t *use
+        = xcb_xkb_use_extension_reply(c, xcb_xkb_use_extension(c, 1, 0), nullptr);
+    const bool hasXkb = use && use->supported;
+    std::free(use);
+    if (!hasXkb)
+        return false;
+    constexpr uint32_t flag = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
+    xcb_xkb_per_client_flags_reply_t *flags = xcb_xkb_per_client_flags_reply(
+        c, xcb_xkb_per_client_flags(c, XCB_XKB_ID_USE_CORE_KBD, flag, flag, 0, 0, 0), nullptr);
+    const bool enabled = flags && (flags->value & flag);
+    std::free(flags);
+    return enabled;
+}
 
 } // namespace
 
 X11HotKeys::X11HotKeys()
-    : m_connection(std::make_unique<X11Connection>())
 {
-    if (!m_connection->isValid())
+    // Under XWayland a grab fires only while an X11 window has the focus: no
+    // grab at all is more honest than one that works now and then.
+    if (isWaylandSession())
         return;
+    m_connection = std::make_unique<X11Connection>();
+    if (!m_connection->isValid()) {
+        m_connection.reset();
+        return;
+    }
+    m_detectableAutoRepeat = enableDetectableAutoRepeat(m_connection->get());
     m_connection->setEventHandler([this](xcb_generic_event_t *event) { handleEvent(event); });
 }
 
 X11HotKeys::~X11HotKeys()
 {
-    for (auto it = m_grabs.cbegin(); it != m_grabs.cend(); ++it) {
-        for (uint16_t lock : lockVariants)
-            xcb_ungrab_key(m_connection->get(), it->keyCode, m_connection->root(), it->mask | lock);
-    }
-    if (m_connection->isValid())
-        xcb_flush(m_connection->get());
+    if (!m_connection)
+        return;
+    for (const Grab &grab : std::as_const(m_grabs))
+        ungrab(grab);
+    xcb_flush(m_connection->get());
+}
+
+bool X11HotKeys::isAvailable() const
+{
+    return m_connection != nullptr;
 }
 
 void X11HotKeys::installHandler(std::function<void(int)> handler)
@@ -46,34 +83,53 @@ void X11HotKeys::removeHandler()
     m_handler = nullptr;
 }
 
+void X11HotKeys::ungrab(const Grab &grab)
+{
+    for (size_t i = 0; i < std::size(lockVariants); ++i) {
+        if (grab.variants & (1u << i)) {
+            xcb_ungrab_key(m_connection->get(), grab.keyCode, m_connection->root(),
+                grab.mask | lockVariants[i]);
+        }
+    }
+}
+
 int X11HotKeys::registerKey(int id, quint16 keyCode, quint64 modifiers)
 {
-    if (!m_connection->isValid())
-        return -1;
+    if (!m_connection)
+        return unavailableStatus;
     if (keyCode > 255)
-        return -2;
+        return badValue;
     unregisterKey(id);
-    const uint16_t mask = X11Keyboard::modifierMask(modifiers);
+    Grab grab;
+    grab.keyCode = quint8(keyCode);
+    grab.mask = X11Keyboard::modifierMask(modifiers);
+    for (const Grab &held : std::as_const(m_grabs)) {
+        if (held.keyCode == grab.keyCode && held.mask == grab.mask)
+            return takenStatus;
+    }
+
     xcb_connection_t *c = m_connection->get();
     xcb_void_cookie_t cookies[std::size(lockVariants)];
     for (size_t i = 0; i < std::size(lockVariants); ++i) {
-        cookies[i] = xcb_grab_key_checked(c, 1, m_connection->root(), mask | lockVariants[i],
-            xcb_keycode_t(keyCode), XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+        cookies[i] = xcb_grab_key_checked(c, 1, m_connection->root(), grab.mask | lockVariants[i],
+            grab.keyCode, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
     }
     int status = 0;
-    for (xcb_void_cookie_t cookie : cookies) {
-        if (xcb_generic_error_t *error = xcb_request_check(c, cookie)) {
+    for (size_t i = 0; i < std::size(lockVariants); ++i) {
+        if (xcb_generic_error_t *error = xcb_request_check(c, cookies[i])) {
             status = error->error_code;
             std::free(error);
+        } else {
+            grab.variants |= quint8(1u << i);
         }
     }
     if (status != 0) {
-        for (uint16_t lock : lockVariants)
-            xcb_ungrab_key(c, xcb_keycode_t(keyCode), m_connection->root(), mask | lock);
+        // Only the variants this call took are given back.
+        ungrab(grab);
         xcb_flush(c);
-        return status == badAccess ? badAccess : status;
+        return status;
     }
-    m_grabs.insert(id, Grab {quint8(keyCode), mask});
+    m_grabs.insert(id, grab);
     return 0;
 }
 
@@ -82,9 +138,7 @@ void X11HotKeys::unregisterKey(int id)
     const auto found = m_grabs.constFind(id);
     if (found == m_grabs.constEnd())
         return;
-    for (uint16_t lock : lockVariants)
-        xcb_ungrab_key(
-            m_connection->get(), found->keyCode, m_connection->root(), found->mask | lock);
+    ungrab(*found);
     xcb_flush(m_connection->get());
     m_grabs.erase(found);
 }
@@ -92,16 +146,31 @@ void X11HotKeys::unregisterKey(int id)
 void X11HotKeys::handleEvent(xcb_generic_event_t *event)
 {
     const uint8_t type = event->response_type & 0x7F;
+    if (type == XCB_KEY_RELEASE) {
+        // The grab's key is up again, whatever modifiers are still down.
+        auto *release = reinterpret_cast<xcb_key_release_event_t *>(event);
+        for (Grab &grab : m_grabs) {
+            if (grab.keyCode == release->detail) {
+                grab.isDown = false;
+                grab.releaseTime = release->time;
+            }
+        }
+        return;
+    }
     if (type != XCB_KEY_PRESS)
         return;
     auto *press = reinterpret_cast<xcb_key_press_event_t *>(event);
-    const uint16_t state = press->state & ~(XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2) & 0xFF;
-    for (auto it = m_grabs.cbegin(); it != m_grabs.cend(); ++it) {
-        if (it->keyCode == press->detail && it->mask == state) {
-            if (m_handler)
-                m_handler(it.key());
-            return;
-        }
+    const uint16_t state = press->state & ~lockMasks & 0xFF;
+    for (auto it = m_grabs.begin(); it != m_grabs.end(); ++it) {
+        if (it->keyCode != press->detail || it->mask != state)
+            continue;
+        // A repeat: the key was never released, or (without detectable
+        // auto-repeat) its release came with this very press's time.
+        const bool repeat = it->isDown || (it->releaseTime != 0 && it->releaseTime == press->time);
+        it->isDown = true;
+        if (!repeat && m_handler)
+            m_handler(it.key());
+        return;
     }
 }
 

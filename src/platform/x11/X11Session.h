@@ -1,65 +1,50 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The desktop session of an X11 display as a capture reads it: the window of
-// _NET_ACTIVE_WINDOW, its process, its application's name from the desktop
-// entry, its title; the PRIMARY selection when that window's own process owns
-// it (X-Resource); and Ctrl+C through XTEST.
+// The desktop session of an X11 display as a capture reads it, put together
+// from one piece per job over a connection of its own: the front window and
+// its process (X11FrontWindow), the PRIMARY selection of that process
+// (X11PrimarySelection) and Ctrl+C through XTEST (X11SyntheticKeys).
 
 #pragma once
 
+#include "platform/CaptureSupport.h"
 #include "platform/DesktopSession.h"
-
-#include <QHash>
-#include <QObject>
-
-#include <xcb/xcb.h>
 
 #include <memory>
 
 namespace Vesko {
 
 class X11Connection;
+class X11FrontWindow;
 class X11Keyboard;
+class X11PrimarySelection;
+class X11SelectionConverter;
+class X11SyntheticKeys;
 
 class X11Session : public DesktopSession
 {
 public:
-    //! How long a read of the selection may hold the main thread.
-    static constexpr int selectionTimeoutMilliseconds = 250;
-    //! How long a synthetic copy waits for keys the user still holds.
-    static constexpr int heldKeysTimeoutMilliseconds = 250;
-
     X11Session();
     ~X11Session() override;
 
-    //! The session has an X server with XInput 2, XTEST and X-Resource.
+    //! The session is an X11 one, with an X server that has XInput 2, XTEST
+    //! and X-Resource.
     static bool isCaptureAvailable();
+    //! What keeps capture from working here, or None.
+    static CaptureObstacle captureObstacle();
 
     std::optional<FrontApplication> frontApplication() override;
-    std::optional<QString> primarySelection(qint64 processID) override;
-    bool sendCopy(int attempt) override;
+    void readPrimarySelection(
+        qint64 processID, std::function<void(std::optional<QString>)> done) override;
+    void sendCopy(int attempt, std::function<void(bool sent)> done) override;
 
 private:
-    struct DesktopEntry
-    {
-        QString id;
-        QString name;
-        bool isTerminal = false;
-    };
-
-    xcb_window_t activeWindow();
-    std::optional<qint64> processOf(xcb_window_t window);
-    std::optional<QString> windowTitle(xcb_window_t window);
-    std::optional<DesktopEntry> desktopEntry(const QStringList &candidates, const QString &wmClass);
-    void loadDesktopEntries();
-    void releaseHeldModifiers();
-
     std::unique_ptr<X11Connection> m_connection;
     std::unique_ptr<X11Keyboard> m_keyboard;
-    xcb_window_t m_requestor = 0;
-    bool m_entriesLoaded = false;
-    QHash<QString, DesktopEntry> m_entriesByID;
-    QHash<QString, DesktopEntry> m_entriesByWMClass;
+    std::unique_ptr<X11SelectionConverter> m_converter;
+    std::unique_ptr<X11FrontWindow> m_front;
+    std::unique_ptr<X11PrimarySelection> m_primary;
+    std::unique_ptr<X11SyntheticKeys> m_keys;
 };
 
 } // namespace Vesko

@@ -69,6 +69,25 @@ void setOnAllDesktops(QWindow *window, bool onAll)
     xcb_flush(c);
 }
 
+void requestActivation(QWindow *window)
+{
+    xcb_connection_t *c = connection();
+    if (!c || !window || !window->isVisible())
+        return;
+    xcb_client_message_event_t event = {};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = xcb_window_t(window->winId());
+    event.type = atom(c, "_NET_ACTIVE_WINDOW");
+    event.data.data32[0] = 2; // from a pager: the user's own choice
+    event.data.data32[1] = XCB_CURRENT_TIME;
+    event.data.data32[2] = XCB_WINDOW_NONE;
+    xcb_send_event(c, 0, rootWindow(c),
+        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+        reinterpret_cast<const char *>(&event));
+    xcb_flush(c);
+}
+
 bool hasCompositingManager()
 {
     xcb_connection_t *c = connection();

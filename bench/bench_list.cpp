@@ -1,0 +1,362 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The panel's list with 10 000 notes in the active project of a 100 000-note
+// library, on its real widgets (offscreen): each interaction from the input
+// to the repainted list, against one rebuild of the rows by the Store in the
+// same run. A frame at 60 Hz is 16.7 ms.
+//
+//   rebuild with list   the rows rebuilt and taken in by the list
+//   click               a click selecting a row, to its repaint
+//   double click        a double click, to the inline editor holding the keyboard
+//   collapse / expand   a click on the header of a 5 000-note section, to the
+//                       repainted list
+//   arrow               one step of the selection with the reveal that follows
+//                       it, to the repaint at the revealed place
+//   last note           the last note selected and revealed from the top
+//   section jump        a jump between two sections far apart
+//   scroll              a page of scrolling
+
+#include "LibraryGenerator.h"
+#include "RatioReporter.h"
+#include "TestEnvironment.h"
+
+#include "attachments/AttachmentActions.h"
+#include "attachments/AttachmentFileDialog.h"
+#include "attachments/AttachmentStore.h"
+#include "attachments/ThumbnailCache.h"
+#include "library/LibraryWriter.h"
+#include "panel/NativeInlineTextField.h"
+#include "panel/NoteRowView.h"
+#include "panel/PanelListView.h"
+#include "panel/PanelState.h"
+#include "panel/SectionHeaderView.h"
+#include "platform/qt/QtDesktopFiles.h"
+#include "platform/qt/QtPasteboardReader.h"
+#include "search/SearchIndex.h"
+#include "shell/Preferences.h"
+#include "store/Store.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QScrollBar>
+#include <QSignalBlocker>
+#include <QTest>
+#include <QTextEdit>
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+
+using namespace Vesko;
+
+namespace {
+
+//! A library of 100 000 notes whose active project holds 10 000: a section of
+//! 5 000, then the rest over the project's other sections.
+Library benchLibrary()
+{
+    Library library = Test::generateLibrary(100000, 42);
+    QList<Note> pool;
+    for (qsizetype p = 1; p < library.projects.size() && pool.size() < 10000; ++p) {
+        for (NoteSection &section : library.projects[p].sections) {
+            while (!section.notes.isEmpty() && pool.size() < 10000)
+                pool.append(section.notes.takeLast());
+        }
+    }
+    Project &active = library.projects[0];
+    // The active project's own notes go to the second project, so the total stays.
+    for (NoteSection &section : active.sections) {
+        library.projects[1].sections[0].notes.append(section.notes);
+        section.notes.clear();
+        section.isCollapsed = false;
+    }
+    active.sections[0].notes = pool.mid(0, 5000);
+    const qsizetype others = active.sections.size() - 1;
+    for (qsizetype i = 5000; i < pool.size(); ++i)
+        active.sections[1 + (i % others)].notes.append(pool.at(i));
+    active.activeSectionID = active.sections[0].id;
+    library.activeProjectID = active.id;
+    return library;
+}
+
+//! Attachment actions over this program's own Store, with the desktop's
+//! services; what they say goes nowhere.
+struct Attachments : AttachmentFeedback
+{
+    Attachments(Store &store, AttachmentStore &files)
+        : actions({store, files, chooser, pasteboard, desktop, *this})
+    { }
+    void toast(const QString &, const QString &) override { }
+
+    AttachmentFileDialog chooser;
+    QtPasteboardReader pasteboard;
+    QtDesktopFiles desktop;
+    AttachmentActions actions;
+    ThumbnailCache thumbnails;
+};
+
+struct Bench
+{
+    Bench()
+        : store(benchLibrary(), {preferences, writer, attachments, searchIndex})
+        , attachmentActions(store, attachments)
+        , list(new PanelListView(store, state, &window))
+    {
+        list->setAttachmentActions(attachmentActions.actions, attachmentActions.thumbnails);
+        window.resize(340, 560);
+        list->setGeometry(0, 0, 340, 560);
+        window.show();
+        settle();
+    }
+
+    //! Delivers what the change posted: deferred scrolls, layout, the repaint.
+    void settle()
+    {
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+        list->finishScrollAnimation();
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+    }
+
+    QList<NoteRowView *> visibleRows() const
+    {
+        QList<NoteRowView *> rows;
+        for (const PanelRow &row : store.rows()) {
+            if (row.isNote()) {
+                if (NoteRowView *view = list->noteRowView(row.id());
+                    view && list->clearArea().contains(view->geometry().center()))
+                    rows.append(view);
+            }
+            if (rows.size() == 4)
+                break;
+        }
+        return rows;
+    }
+
+    Preferences preferences;
+    LibraryWriter writer;
+    AttachmentStore attachments;
+    SearchIndex searchIndex;
+    Store store;
+    PanelState state;
+    Attachments attachmentActions;
+    QWidget window;
+    PanelListView *list;
+};
+
+Bench &bench()
+{
+    static Bench *b = new Bench;
+    return *b;
+}
+
+//! Counts the paint events of note rows.
+class PaintCounter : public QObject
+{
+public:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint && qobject_cast<NoteRowView *>(watched))
+            ++paints;
+        return false;
+    }
+    int paints = 0;
+};
+
+int clickRepaints = 0;
+int clicks = 0;
+
+template<typename Action> void measure(benchmark::State &state, Action action)
+{
+    for (auto _ : state) {
+        QElapsedTimer timer;
+        timer.start();
+        action();
+        state.SetIterationTime(double(timer.nsecsElapsed()) / 1e9);
+    }
+}
+
+void BM_RebuildRows(benchmark::State &state)
+{
+    // The Store's work alone: nobody hears of the new rows.
+    Bench &b = bench();
+    const QSignalBlocker quiet(&b.store);
+    measure(state, [&] { b.store.rebuildRows(); });
+}
+
+void BM_RebuildRowsWithList(benchmark::State &state)
+{
+    // The same, and the list taking the new rows in: heights, places, repaint.
+    Bench &b = bench();
+    measure(state, [&] {
+        b.store.rebuildRows();
+        b.settle();
+    });
+}
+
+void BM_ClickToRepaint(benchmark::State &state)
+{
+    Bench &b = bench();
+    b.list->scrollToRow(b.store.rows().at(0).id(), ScrollAnchor::Top, false);
+    b.settle();
+    const QList<NoteRowView *> rows = b.visibleRows();
+    PaintCounter counter;
+    qApp->installEventFilter(&counter);
+    int i = 0;
+    measure(state, [&] {
+        NoteRowView *row = rows.at(i++ % 2);
+        QTest::mouseClick(row, Qt::LeftButton, {}, QPoint(row->width() / 2, row->height() / 2));
+        b.settle();
+    });
+    qApp->removeEventFilter(&counter);
+    clickRepaints += counter.paints;
+    clicks += i;
+}
+
+void BM_DoubleClickToEditor(benchmark::State &state)
+{
+    Bench &b = bench();
+    const QList<NoteRowView *> rows = b.visibleRows();
+    int i = 0;
+    for (auto _ : state) {
+        NoteRowView *row = rows.at(i++ % 2);
+        QElapsedTimer timer;
+        timer.start();
+        QTest::mouseDClick(row, Qt::LeftButton, {}, QPoint(row->width() / 2, row->height() / 2));
+        b.settle();
+        const bool ready = row->editor() && row->editor()->editor()->hasFocus();
+        state.SetIterationTime(double(timer.nsecsElapsed()) / 1e9);
+        if (!ready) {
+            state.SkipWithError("the editor did not take the keyboard");
+            break;
+        }
+        QTest::keyClick(row->editor()->editor(), Qt::Key_Escape);
+        b.settle();
+    }
+}
+
+void BM_CollapseExpandBigSection(benchmark::State &state)
+{
+    Bench &b = bench();
+    const QUuid section = b.store.activeProject().sections.at(0).id;
+    b.list->scrollToRow(section, ScrollAnchor::Top, false);
+    b.settle();
+    measure(state, [&] {
+        SectionHeaderView *header = b.list->sectionHeaderView(section);
+        QTest::mouseClick(header, Qt::LeftButton, {}, QPoint(40, header->height() / 2));
+        b.settle();
+    });
+    if (b.store.section(section)->isCollapsed) {
+        b.store.toggleSectionCollapsed(section);
+        b.store.commit();
+        b.settle();
+    }
+}
+
+void BM_ArrowWithReveal(benchmark::State &state)
+{
+    Bench &b = bench();
+    const QUuid first = b.store.visibleNotes().at(2000).id;
+    b.store.setSelection({first}, first);
+    b.settle();
+    b.list->setFocus();
+    int i = 0;
+    measure(state, [&] {
+        // Down and up in turn, so the run stays in one place of the list.
+        QTest::keyClick(b.list, (i++ % 2) ? Qt::Key_Up : Qt::Key_Down);
+        b.settle();
+    });
+}
+
+void BM_MoveSelectionInStore(benchmark::State &state)
+{
+    // The Store's part of an arrow: the step over the visible notes, unheard.
+    Bench &b = bench();
+    const QSignalBlocker quiet(&b.store);
+    int i = 0;
+    measure(state, [&] { b.store.moveSelection((i++ % 2) ? -1 : 1, false); });
+}
+
+void BM_LastNoteRevealed(benchmark::State &state)
+{
+    Bench &b = bench();
+    const QList<Note> notes = b.store.visibleNotes();
+    int i = 0;
+    measure(state, [&] {
+        const QUuid id = (i++ % 2) ? notes.first().id : notes.last().id;
+        b.store.setSelection({id}, id);
+        b.settle();
+    });
+}
+
+void BM_SectionJump(benchmark::State &state)
+{
+    Bench &b = bench();
+    const QList<NoteSection> sections = b.store.activeProject().sections;
+    int i = 0;
+    measure(state, [&] {
+        const QUuid id = sections.at((i++ % 2) ? 0 : sections.size() - 1).id;
+        b.store.activateSection(id);
+        b.state.setSectionJumpRequest(id);
+        b.settle();
+    });
+}
+
+void BM_ScrollPage(benchmark::State &state)
+{
+    Bench &b = bench();
+    b.list->scrollToRow(b.store.rows().at(0).id(), ScrollAnchor::Top, false);
+    b.settle();
+    QScrollBar *bar = b.list->verticalScrollBar();
+    measure(state, [&] {
+        bar->setValue(bar->value() + bar->pageStep());
+        b.settle();
+    });
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    Test::IsolatedEnvironment environment;
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication::setAttribute(Qt::AA_Use96Dpi, true);
+    QApplication app(argc, argv);
+    bench();
+    const std::pair<const char *, void (*)(benchmark::State &)> all[] = {
+        {"BM_RebuildRows", BM_RebuildRows},
+        {"BM_RebuildRowsWithList", BM_RebuildRowsWithList},
+        {"BM_ClickToRepaint", BM_ClickToRepaint},
+        {"BM_DoubleClickToEditor", BM_DoubleClickToEditor},
+        {"BM_CollapseExpandBigSection", BM_CollapseExpandBigSection},
+        {"BM_ArrowWithReveal", BM_ArrowWithReveal},
+        {"BM_MoveSelectionInStore", BM_MoveSelectionInStore},
+        {"BM_LastNoteRevealed", BM_LastNoteRevealed},
+        {"BM_SectionJump", BM_SectionJump},
+        {"BM_ScrollPage", BM_ScrollPage},
+    };
+    for (const auto &[name, function] : all)
+        benchmark::RegisterBenchmark(name, function)
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond);
+    benchmark::Initialize(&argc, argv);
+    Vesko::Bench::RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+
+    const double rebuild = reporter.times["BM_RebuildRows/manual_time"];
+    std::printf("\nwith 10k notes in the active project (100k in the library), "
+                "one rebuild of the rows: %.2f ms\n",
+        rebuild);
+    for (const auto &[name, function] : all) {
+        if (std::string(name) == "BM_RebuildRows")
+            continue;
+        const double time = reporter.times[std::string(name) + "/manual_time"];
+        std::printf(
+            "%-28s %7.2f ms  %5.2f rebuilds\n", name, time, rebuild > 0 ? time / rebuild : 0.0);
+    }
+    std::printf("row widgets made: %d; rows repainted per click: %.1f\n",
+        bench().list->rowWidgetCount(), clicks > 0 ? double(clickRepaints) / clicks : 0.0);
+    benchmark::Shutdown();
+    return 0;
+}

@@ -1,0 +1,254 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "panel/PanelPromptView.h"
+
+#include "shell/Theme.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPointer>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace Vesko {
+
+namespace {
+
+constexpr double dimOpacity = 0.16;
+constexpr double shadowOpacity = 0.22;
+constexpr int shadowOffset = 6;
+constexpr int cardRadius = 16;
+constexpr int fieldRadius = 9;
+
+//! The card: a rounded surface in the panel's material.
+class PromptCard : public QWidget
+{
+public:
+    using QWidget::QWidget;
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        const ThemeColors colors = Theme::currentColors();
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QPainterPath path;
+        path.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cardRadius, cardRadius);
+        QColor surface = colors.panelSurface;
+        surface.setAlpha(250);
+        painter.fillPath(path, surface);
+        painter.setPen(QPen(colors.surfaceStroke, 1));
+        painter.drawPath(path);
+    }
+};
+
+//! The field of the prompt: plain, in a rounded rectangle with a hairline.
+class PromptField : public QLineEdit
+{
+public:
+    using QLineEdit::QLineEdit;
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        {
+            const ThemeColors colors = Theme::currentColors();
+            QPainter painter(this);
+            painter.setRenderHint(QPainter::Antialiasing);
+            const QRectF box = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
+            painter.setBrush(colors.noteFill);
+            painter.setPen(QPen(hasFocus() ? colors.accentStrong : colors.surfaceStroke, 1));
+            painter.drawRoundedRect(box, fieldRadius, fieldRadius);
+        }
+        QLineEdit::paintEvent(event);
+    }
+};
+
+} // namespace
+
+PanelPromptView::PanelPromptView(const QString &title, const QString &placeholder,
+    const QString &initialText, CommitHandler onCommit, QWidget *parent)
+    : QWidget(parent)
+    , m_onCommit(std::move(onCommit))
+    , m_card(new PromptCard(this))
+    , m_title(new QLabel(title, m_card))
+    , m_field(new PromptField(m_card))
+    , m_cancel(new QPushButton(tr("Cancel"), m_card))
+    , m_add(new QPushButton(tr("Add"), m_card))
+{
+    setObjectName(QStringLiteral("VeskoPrompt"));
+    setAccessibleName(title);
+    const ThemeColors colors = Theme::currentColors();
+
+    m_card->setAccessibleName(title);
+
+    auto *layout = new QVBoxLayout(m_card);
+    layout->setContentsMargins(14, 14, 14, 14);
+    layout->setSpacing(10);
+
+    QFont titleFont = Theme::noteFont();
+    titleFont.setPixelSize(12);
+    titleFont.setWeight(QFont::DemiBold);
+    m_title->setFont(titleFont);
+    QPalette titlePalette = m_title->palette();
+    titlePalette.setColor(QPalette::WindowText, colors.text);
+    m_title->setPalette(titlePalette);
+    layout->addWidget(m_title);
+
+    m_field->setObjectName(QStringLiteral("VeskoPromptField"));
+    m_field->setFrame(false);
+    m_field->setPlaceholderText(placeholder);
+    m_field->setAccessibleName(placeholder);
+    m_field->setText(initialText);
+    m_field->setTextMargins(9, 7, 9, 7);
+    m_field->setFont(Theme::noteFont());
+    m_field->setAttribute(Qt::WA_MacShowFocusRect, false);
+    QPalette fieldPalette = m_field->palette();
+    fieldPalette.setColor(QPalette::Base, Qt::transparent);
+    fieldPalette.setColor(QPalette::Text, colors.text);
+    fieldPalette.setColor(QPalette::PlaceholderText, colors.tertiaryText);
+    m_field->setPalette(fieldPalette);
+    m_field->installEventFilter(this);
+    layout->addWidget(m_field);
+
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
+    buttons->addStretch();
+    for (QPushButton *button : {m_cancel, m_add}) {
+        QFont font = Theme::captionFont();
+        button->setFont(font);
+        button->setAutoDefault(false);
+        buttons->addWidget(button);
+    }
+    m_add->setDefault(true);
+    layout->addLayout(buttons);
+
+    connect(m_cancel, &QPushButton::clicked, this, &PanelPromptView::cancel);
+    connect(m_add, &QPushButton::clicked, this, &PanelPromptView::submit);
+    connect(m_field, &QLineEdit::textChanged, this, &PanelPromptView::updateAddButton);
+    updateAddButton();
+
+    // The field takes the keyboard once the prompt has appeared.
+    QPointer<QLineEdit> field(m_field);
+    QTimer::singleShot(focusDelayMilliseconds, this, [field] {
+        if (field) {
+            field->setFocus(Qt::OtherFocusReason);
+            field->end(false);
+        }
+    });
+}
+
+QString PanelPromptView::title() const
+{
+    return m_title->text();
+}
+
+void PanelPromptView::updateAddButton()
+{
+    // Blanks and tabs do not make a name; the button waits for a character.
+    QString text = m_field->text();
+    qsizetype start = 0;
+    qsizetype end = text.size();
+    auto blank = [](QChar c) { return c == u' ' || c == u'\t'; };
+    while (start < end && blank(text.at(start)))
+        ++start;
+    while (end > start && blank(text.at(end - 1)))
+        --end;
+    m_add->setEnabled(end > start);
+}
+
+void PanelPromptView::submit()
+{
+    const QString name = m_field->text().trimmed();
+    finish(name.isEmpty() ? std::nullopt : std::optional(name));
+}
+
+void PanelPromptView::cancel()
+{
+    finish(std::nullopt);
+}
+
+void PanelPromptView::finish(const std::optional<QString> &name)
+{
+    if (m_finished)
+        return;
+    m_finished = true;
+    // The handler usually closes this prompt: take it out first.
+    CommitHandler handler = std::move(m_onCommit);
+    handler(name);
+}
+
+bool PanelPromptView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_field && event->type() == QEvent::KeyPress) {
+        auto *key = static_cast<QKeyEvent *>(event);
+        switch (key->key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            submit();
+            return true;
+        case Qt::Key_Escape:
+            cancel();
+            return true;
+        default:
+            break;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void PanelPromptView::mousePressEvent(QMouseEvent *event)
+{
+    // A click on the dim, outside the card, is a cancel.
+    if (!m_card->geometry().contains(event->position().toPoint())) {
+        cancel();
+        return;
+    }
+    QWidget::mousePressEvent(event);
+}
+
+void PanelPromptView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    placeCard();
+}
+
+void PanelPromptView::placeCard()
+{
+    const int width = std::min(cardMaximumWidth, std::max(0, this->width() - 2 * 24));
+    const int height = m_card->layout()->heightForWidth(width) > 0
+        ? m_card->layout()->heightForWidth(width)
+        : m_card->sizeHint().height();
+    m_card->setGeometry((this->width() - width) / 2, (this->height() - height) / 2, width, height);
+}
+
+void PanelPromptView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QPainterPath path;
+    // The dim follows the panel's rounded surface.
+    path.addRoundedRect(QRectF(rect()), 22, 22);
+    painter.fillPath(path, QColor(0, 0, 0, int(dimOpacity * 255)));
+
+    // The card's shadow, 6 px below it: rings of black that fade outwards
+    // (painted here, since the layer fades with an opacity effect of its own).
+    constexpr int blur = 12;
+    const QRectF card = QRectF(m_card->geometry()).translated(0, shadowOffset);
+    painter.setPen(Qt::NoPen);
+    for (int ring = blur; ring >= 1; --ring) {
+        const double spread = ring;
+        const double alpha = shadowOpacity * (1.0 - double(ring) / (blur + 1)) / blur * 2.4;
+        painter.setBrush(QColor(0, 0, 0, int(std::min(1.0, alpha) * 255)));
+        painter.drawRoundedRect(card.adjusted(-spread, -spread, spread, spread),
+            cardRadius + spread, cardRadius + spread);
+    }
+}
+
+} // namespace Vesko

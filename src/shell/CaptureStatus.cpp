@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "shell/CaptureStatus.h"
+
+#include <QCoreApplication>
+
+namespace Vesko {
+
+namespace {
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("CaptureSettingsView", text);
+}
+
+} // namespace
+
+QString captureObstacleReason(CaptureObstacle obstacle)
+{
+    switch (obstacle) {
+    case CaptureObstacle::None:
+        break;
+    case CaptureObstacle::WaylandSession:
+        return tr("This is a Wayland session: it keeps other applications' keys and selected "
+                  "text away from Vesko.");
+    case CaptureObstacle::NoXServer:
+        return tr("Vesko is not running on an X server, so it cannot see other applications' "
+                  "keys and selected text.");
+    case CaptureObstacle::NoXInput2:
+        return tr("The X server lacks the XInput 2 extension, which tells Vesko about Shift "
+                  "presses.");
+    case CaptureObstacle::NoXTest:
+        return tr("The X server lacks XTEST, which Vesko uses to copy the selected text.");
+    case CaptureObstacle::NoXResource:
+        return tr("The X server lacks the X-Resource extension, which tells Vesko which "
+                  "application owns the selected text.");
+    }
+    return {};
+}
+
+QString captureObstacleAdvice(CaptureObstacle obstacle)
+{
+    switch (obstacle) {
+    case CaptureObstacle::None:
+        break;
+    case CaptureObstacle::WaylandSession:
+    case CaptureObstacle::NoXServer:
+        return tr("To capture with double Shift and the shortcuts, log in to an X11 (Xorg) "
+                  "session. Here you can still open the panel from the system tray, paste "
+                  "text into the composer and drop files on notes.");
+    case CaptureObstacle::NoXInput2:
+    case CaptureObstacle::NoXTest:
+    case CaptureObstacle::NoXResource:
+        return tr("Enable the extension in the X server's configuration and start Vesko "
+                  "again. Until then, paste text into the composer and drop files on notes.");
+    }
+    return {};
+}
+
+} // namespace Vesko

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "shell/QuitGuard.h"
+
+#include "store/Store.h"
+
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace Vesko {
+
+QuitGuard::QuitGuard(Store &store, QObject *parent)
+    : QObject(parent)
+    , m_store(store)
+{ }
+
+QuitGuard::~QuitGuard()
+{
+    delete m_question;
+}
+
+void QuitGuard::requestQuit()
+{
+    if (m_store.saveFailure().isEmpty()) {
+        Q_EMIT quitAccepted();
+        return;
+    }
+    if (m_question) {
+        m_question->raise();
+        m_question->activateWindow();
+        return;
+    }
+    m_question = new QMessageBox(QMessageBox::Warning, tr("Vesko"),
+        tr("Your latest changes could not be saved."), QMessageBox::NoButton);
+    m_question->setAttribute(Qt::WA_DeleteOnClose);
+    m_question->setInformativeText(m_store.saveFailure());
+    QPushButton *quitAnyway
+        = m_question->addButton(tr("Quit Anyway"), QMessageBox::DestructiveRole);
+    QPushButton *cancel = m_question->addButton(tr("Cancel"), QMessageBox::RejectRole);
+    m_question->setDefaultButton(cancel);
+    m_question->setEscapeButton(cancel);
+    connect(m_question, &QMessageBox::buttonClicked, this, [this, quitAnyway](auto *button) {
+        if (button == quitAnyway)
+            Q_EMIT quitAccepted();
+    });
+    m_question->open();
+}
+
+} // namespace Vesko

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "FakeClipboard.h"
+
+namespace Vesko::Test {
+
+void FakeClipboard::setText(const QString &text)
+{
+    replaceBy({{{QStringLiteral("text/plain"), text.toUtf8()}}});
+}
+
+void FakeClipboard::replaceBy(const Snapshot &snapshot)
+{
+    items = snapshot;
+    ++count;
+}
+
+void FakeClipboard::requestSnapshot(std::function<void(Snapshot)> done)
+{
+    // What is there when the answer goes out, as with a real owner.
+    answers.answer([this, done] { done(items); });
+}
+
+void FakeClipboard::restore(const Snapshot &snapshot)
+{
+    items = snapshot;
+    ++count;
+    ++restores;
+}
+
+std::optional<QString> FakeClipboard::text() const
+{
+    if (items.isEmpty() || !items.first().contains(QStringLiteral("text/plain")))
+        return std::nullopt;
+    return QString::fromUtf8(items.first().value(QStringLiteral("text/plain")));
+}
+
+void FakeClipboard::requestText(std::function<void(std::optional<QString>)> done)
+{
+    answers.answer([this, done] { done(text()); });
+}
+
+} // namespace Vesko::Test

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// A clipboard in memory: one item of formats, a change count, and reads that
+// answer at once or when the test lets them.
+
+#pragma once
+
+#include "FakeAnswers.h"
+
+#include "platform/Clipboard.h"
+
+namespace Vesko::Test {
+
+class FakeClipboard : public Clipboard
+{
+public:
+    void setText(const QString &text) override;
+    void requestSnapshot(std::function<void(Snapshot)> done) override;
+    void restore(const Snapshot &snapshot) override;
+    quint64 changeCount() const override { return count; }
+    void requestText(std::function<void(std::optional<QString>)> done) override;
+
+    //! The plain text now, as a reader would get it.
+    std::optional<QString> text() const;
+    //! Puts \a snapshot there as another program would.
+    void replaceBy(const Snapshot &snapshot);
+
+    Snapshot items;
+    quint64 count = 0;
+    int restores = 0;
+    FakeAnswers answers;
+};
+
+} // namespace Vesko::Test

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// A key monitor the test feeds by hand: events go to whoever started it.
+
+#pragma once
+
+#include "platform/KeyMonitor.h"
+
+namespace Vesko::Test {
+
+class FakeKeyMonitor : public KeyMonitor
+{
+public:
+    bool start(std::function<void(const KeyEvent &)> r) override
+    {
+        if (!available)
+            return false;
+        receiver = std::move(r);
+        return true;
+    }
+    void stop() override { receiver = nullptr; }
+    bool isRunning() const override { return bool(receiver); }
+
+    //! Whether the session can be watched.
+    bool available = true;
+    std::function<void(const KeyEvent &)> receiver;
+};
+
+} // namespace Vesko::Test

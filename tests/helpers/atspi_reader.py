@@ -1,0 +1,212 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Reads a running application over AT-SPI the way a screen reader does.
+
+    atspi_reader.py tree APP            the accessible tree of APP as JSON
+    atspi_reader.py do APP ROLE NAME [ACTION]
+                                        performs ACTION (default: the first
+                                        one) on the first object of ROLE
+                                        and NAME, depth first
+    atspi_reader.py where APP ROLE [PATTERN]
+                                        the centre "x y" on the screen of the
+                                        first showing object of ROLE whose
+                                        name matches the regular expression
+    atspi_reader.py popup APP [KEY]     presses KEY (default Down) with
+                                        xdotool and prints, as JSON, the
+                                        popup menu that gets the focus: a
+                                        popup is no child of its application,
+                                        so it is found as a screen reader
+                                        finds it, by the focus event of its
+                                        entry
+    atspi_reader.py apps                the names of the applications
+
+Each node of the tree has role, name, description, states, and where the
+object offers them its place on the screen (extents: x, y, width, height),
+text (its Text interface), value (its Value interface),
+actions and, for text with attributes, the runs of attributes that differ
+from the defaults. Exit status 2 when APP is not on the bus (yet).
+"""
+
+import json
+import re
+import subprocess
+import sys
+
+import pyatspi
+
+MAX_DEPTH = 40
+MAX_CHILDREN = 2000
+
+
+def find_app(name):
+    desktop = pyatspi.Registry.getDesktop(0)
+    for app in desktop:
+        if app is not None and app.name.lower() == name.lower():
+            return app
+    return None
+
+
+def text_runs(text, length):
+    """The attribute runs of a text, as [start, end, {attribute: value}]."""
+    runs = []
+    offset = 0
+    while offset < length:
+        attributes, start, end = text.getAttributeRun(offset, False)
+        if end <= offset:
+            break
+        if attributes:
+            runs.append([start, end, dict(a.split(":", 1) for a in attributes if ":" in a)])
+        offset = end
+    return runs
+
+
+def describe(node, depth=0):
+    entry = {
+        "role": node.getRoleName(),
+        "name": node.name or "",
+        "description": node.description or "",
+        "states": sorted(pyatspi.stateToString(s) for s in node.getState().getStates()),
+    }
+    try:
+        text = node.queryText()
+        entry["text"] = text.getText(0, -1)
+        runs = text_runs(text, text.characterCount)
+        if runs:
+            entry["runs"] = runs
+    except NotImplementedError:
+        pass
+    try:
+        extents = node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+        entry["extents"] = [extents.x, extents.y, extents.width, extents.height]
+    except NotImplementedError:
+        pass
+    try:
+        value = node.queryValue()
+        entry["value"] = value.currentValue
+    except NotImplementedError:
+        pass
+    try:
+        action = node.queryAction()
+        entry["actions"] = [action.getName(i) for i in range(action.nActions)]
+    except NotImplementedError:
+        pass
+    if depth < MAX_DEPTH:
+        children = []
+        for index in range(min(node.childCount, MAX_CHILDREN)):
+            child = node.getChildAtIndex(index)
+            if child is not None:
+                children.append(describe(child, depth + 1))
+        if children:
+            entry["children"] = children
+    return entry
+
+
+def first(node, role, name):
+    if node.getRoleName() == role and (node.name or "") == name:
+        return node
+    for index in range(min(node.childCount, MAX_CHILDREN)):
+        child = node.getChildAtIndex(index)
+        if child is None:
+            continue
+        found = first(child, role, name)
+        if found is not None:
+            return found
+    return None
+
+
+def first_showing(node, role, pattern):
+    states = node.getState()
+    if (node.getRoleName() == role and re.search(pattern, node.name or "")
+            and states.contains(pyatspi.STATE_SHOWING)):
+        return node
+    for index in range(min(node.childCount, MAX_CHILDREN)):
+        child = node.getChildAtIndex(index)
+        if child is None:
+            continue
+        found = first_showing(child, role, pattern)
+        if found is not None:
+            return found
+    return None
+
+
+def focused_popup(app_name, key):
+    """The menu whose entry takes the focus after pressing key."""
+    from gi.repository import GLib
+
+    found = {}
+
+    def on_focus(event):
+        source = event.source
+        try:
+            if source.getApplication().name.lower() != app_name.lower():
+                return
+        except Exception:
+            return
+        if event.type.startswith("object:state-changed") and not event.detail1:
+            return
+        role = source.getRoleName()
+        if "menu item" in role or role == "menu":
+            found["menu"] = source.parent if "menu item" in role else source
+
+    def press():
+        subprocess.run(["xdotool", "key", key], check=False)
+        return False
+
+    pyatspi.Registry.registerEventListener(on_focus, "object:state-changed:focused", "focus:")
+    GLib.timeout_add(300, press)
+    GLib.timeout_add(1500, lambda: pyatspi.Registry.stop() or False)
+    pyatspi.Registry.start()
+    pyatspi.Registry.deregisterEventListener(on_focus, "object:state-changed:focused", "focus:")
+    return found.get("menu")
+
+
+def main(arguments):
+    if len(arguments) < 1:
+        print(__doc__, file=sys.stderr)
+        return 64
+    command = arguments[0]
+    if command == "apps":
+        desktop = pyatspi.Registry.getDesktop(0)
+        print(json.dumps([app.name for app in desktop if app is not None]))
+        return 0
+    if len(arguments) < 2:
+        print(__doc__, file=sys.stderr)
+        return 64
+    app = find_app(arguments[1])
+    if app is None:
+        return 2
+    if command == "tree":
+        print(json.dumps(describe(app), ensure_ascii=False))
+        return 0
+    if command == "popup":
+        menu = focused_popup(arguments[1], arguments[2] if len(arguments) > 2 else "Down")
+        if menu is None:
+            return 3
+        print(json.dumps(describe(menu), ensure_ascii=False))
+        return 0
+    app = find_app(arguments[1])
+    if app is None:
+        return 2
+    if command == "where" and len(arguments) >= 3:
+        target = first_showing(app, arguments[2], arguments[3] if len(arguments) > 3 else "")
+        if target is None:
+            return 3
+        box = target.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+        print(box.x + box.width // 2, box.y + box.height // 2)
+        return 0
+    if command == "do" and len(arguments) >= 4:
+        target = first(app, arguments[2], arguments[3])
+        if target is None:
+            return 3
+        action = target.queryAction()
+        wanted = arguments[4] if len(arguments) > 4 else None
+        for index in range(action.nActions):
+            if wanted is None or action.getName(index) == wanted:
+                return 0 if action.doAction(index) else 1
+        return 4
+    print(__doc__, file=sys.stderr)
+    return 64
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

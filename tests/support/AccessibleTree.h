@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// A running program as a screen reader sees it: its accessible tree read
+// over AT-SPI (through tests/helpers/atspi_reader.py and pyatspi), with the
+// roles, names, states, texts, values and places on the screen of its
+// objects. Needs a session bus (dbus-run-session) and the program started
+// with accessibility on (QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1).
+
+#pragma once
+
+#include <QJsonObject>
+#include <QList>
+#include <QRect>
+#include <QStringList>
+
+#include <functional>
+#include <optional>
+
+namespace Vesko::Test {
+
+//! One accessible object.
+struct AccessibleNode
+{
+    QString role;
+    QString name;
+    QString description;
+    QStringList states;
+    std::optional<QString> text;
+    std::optional<double> value;
+    QStringList actions;
+    //! Where it is on the screen; empty when it has no place.
+    QRect extents;
+    //! Attribute runs of its text: start, end and the attributes.
+    QList<std::tuple<int, int, QJsonObject>> runs;
+    QList<AccessibleNode> children;
+
+    bool hasState(const QString &state) const { return states.contains(state); }
+    //! Is on screen: "showing" and "visible".
+    bool isShowing() const { return hasState(QStringLiteral("showing")); }
+    QPoint center() const { return extents.center(); }
+};
+
+class AccessibleTree
+{
+public:
+    //! The tree of the application \a name, as it is now; empty when the
+    //! application is not on the accessibility bus.
+    static AccessibleTree read(const QString &application);
+    //! The popup menu on screen, found as a screen reader finds it: \a key
+    //! is pressed (xdotool) and the menu whose entry takes the focus is read.
+    //! Empty when no menu entry took the focus. A popup is no child of its
+    //! application, so read() does not see it.
+    static AccessibleTree popup(
+        const QString &application, const QString &key = QStringLiteral("Down"));
+    //! Asks AT-SPI to perform \a action on the first object of \a role and \a name.
+    static bool perform(const QString &application, const QString &role, const QString &name,
+        const QString &action = QString());
+
+    bool isEmpty() const { return !m_root; }
+    const AccessibleNode &root() const { return *m_root; }
+
+    //! Every object, depth first.
+    QList<const AccessibleNode *> all() const;
+    QList<const AccessibleNode *> all(std::function<bool(const AccessibleNode &)> matches) const;
+    //! The first object of \a role (and \a name, unless empty) that is showing.
+    const AccessibleNode *find(const QString &role, const QString &name = QString()) const;
+    //! The names of the showing objects of \a role, in tree order.
+    QStringList names(const QString &role) const;
+
+private:
+    //! Runs the reader with \a arguments and parses the tree it prints.
+    static AccessibleTree run(const QStringList &arguments);
+
+    std::optional<AccessibleNode> m_root;
+};
+
+} // namespace Vesko::Test

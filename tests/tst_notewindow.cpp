@@ -1,0 +1,518 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Note windows on a real Store, in process: one window per note, the title
+// cut from the note's text, typing that reaches the Store at every key, the
+// preview of the inline Markdown, the bar's done toggle, copy and attachment
+// import, the window of a deleted note, the remembered frame and the
+// appearance at creation.
+
+#include "StoreFixture.h"
+#include "WidgetTestMain.h"
+
+#include "attachments/AttachmentActions.h"
+#include "attachments/AttachmentListView.h"
+#include "attachments/AttachmentTile.h"
+#include "library/LibraryFile.h"
+#include "panel/NoteEditorView.h"
+#include "panel/NoteWindow.h"
+#include "panel/NoteWindowManager.h"
+#include "panel/PanelCommands.h"
+#include "platform/Clipboard.h"
+#include "platform/DesktopFiles.h"
+#include "platform/FileChooser.h"
+#include "platform/Pasteboard.h"
+#include "shell/Toast.h"
+#include "store/NoteTitle.h"
+
+#include <QClipboard>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTextBlock>
+#include <QTextBrowser>
+#include <QTextCursor>
+#include <QToolButton>
+
+using namespace Vesko;
+using Test::idFor;
+
+namespace {
+
+const QString ellipsis = QStringLiteral("…");
+
+QString repeated(QChar c, int count)
+{
+    return QString(count, c);
+}
+
+//! The note's text in the Store, or "(gone)".
+QString noteText(const Store &store, const QString &letter)
+{
+    const std::optional<Note> note = store.note(idFor(letter));
+    return note ? note->text : QStringLiteral("(gone)");
+}
+
+//! The file dialog, answering with the files a test has put in \a answer.
+class ScriptedChooser : public FileChooser
+{
+public:
+    void chooseFiles(std::function<void(const QList<QUrl> &)> done) override { done(answer); }
+    QList<QUrl> answer;
+};
+
+class RecordedToasts : public AttachmentFeedback
+{
+public:
+    void toast(const QString &message, const QString &) override { messages.append(message); }
+    QStringList messages;
+};
+
+class NoPasteboard : public PasteboardReader
+{
+public:
+    void readPasteboard(std::function<void(const PasteboardContent &)> done) override { done({}); }
+};
+
+class NoDesktop : public DesktopFiles
+{
+public:
+    void open(const QString &) override { }
+    void reveal(const QString &) override { }
+};
+
+} // namespace
+
+class NoteWindowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void titles_data();
+    void titles();
+    void windowTitleIsFixedAtOpening();
+    void oneWindowPerNote();
+    void typingReachesTheStoreAtEveryKey();
+    void clearingTheText_data();
+    void clearingTheText();
+    void deletedNoteLeavesAHarmlessWindow();
+    void previewRendersInlineMarkdown();
+    void doneToggleFollowsTheNote();
+    void copyPutsTheNoteOnTheClipboard();
+    void addAttachment_data();
+    void addAttachment();
+    void frameIsRememberedAcrossOpeningsAndRestarts();
+    void appearanceAtCreation_data();
+    void appearanceAtCreation();
+
+private:
+    NoteWindow *openNote(const QString &letter);
+
+    std::unique_ptr<Test::StoreFixture> m_fixture;
+    std::unique_ptr<AttachmentActions> m_actions;
+    std::unique_ptr<NoteWindowManager> m_manager;
+    ScriptedChooser m_chooser;
+    RecordedToasts m_toasts;
+    NoPasteboard m_pasteboard;
+    NoDesktop m_desktop;
+};
+
+void NoteWindowTest::init()
+{
+    m_fixture = std::make_unique<Test::StoreFixture>();
+    PanelCommands::shared().setHooks({});
+    m_chooser.answer.clear();
+    m_toasts.messages.clear();
+}
+
+void NoteWindowTest::cleanup()
+{
+    m_manager.reset();
+    m_actions.reset();
+    m_fixture.reset();
+}
+
+NoteWindow *NoteWindowTest::openNote(const QString &letter)
+{
+    if (!m_manager) {
+        m_actions
+            = std::make_unique<AttachmentActions>(AttachmentActions::Services {m_fixture->store(),
+                m_fixture->attachments(), m_chooser, m_pasteboard, m_desktop, m_toasts});
+        m_manager = std::make_unique<NoteWindowManager>(
+            m_fixture->store(), m_fixture->preferences(), *m_actions);
+    }
+    return m_manager->open(idFor(letter));
+}
+
+void NoteWindowTest::titles_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("title");
+
+    const QString a44 = repeated(u'a', 44);
+    const QString a45 = repeated(u'a', 45);
+    QTest::newRow("strong emphasis markers go") << "**Plan** the _week_"
+                                                << "Plan the week";
+    QTest::newRow("a heading marker stays") << "# Heading"
+                                            << "# Heading";
+    QTest::newRow("two lines joined by a space") << "first line\nsecond line"
+                                                 << "first line second line";
+    QTest::newRow("45 characters stay whole") << a45 << a45;
+    QTest::newRow("46 characters are cut to 45") << a45 + u'b' << a45 + ellipsis;
+    QTest::newRow("50 characters are cut to 45")
+        << repeated(u'c', 50) << repeated(u'c', 45) + ellipsis;
+    QTest::newRow("a space at 45 goes before the ellipsis")
+        << a44 + u' ' + repeated(u'b', 10) << a44 + ellipsis;
+    // 👍🏽 is one character of four code units; a cut by code units would split it.
+    QTest::newRow("characters as the reader counts them") << a44 + QStringLiteral("👍🏽")
+            + QStringLiteral("tail") << a44 + QStringLiteral("👍🏽") + ellipsis;
+}
+
+void NoteWindowTest::titles()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, title);
+    QCOMPARE(noteWindowTitle(text), title);
+}
+
+void NoteWindowTest::windowTitleIsFixedAtOpening()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
+    store.updateNote(
+        idFor(QStringLiteral("a")), QStringLiteral("**Call** Anna\nabout [*] the trip"));
+    NoteWindow *window = openNote(QStringLiteral("a"));
+    QVERIFY(window);
+    // "[*]" is doubled so that Qt shows it as typed rather than as a modified mark.
+    QCOMPARE(window->windowTitle(), QStringLiteral("Call Anna about [*][*] the trip"));
+    QTest::keyClicks(window->editor()->editor(), QStringLiteral(" soon"));
+    QCOMPARE(noteText(store, QStringLiteral("a")),
+        QStringLiteral("**Call** Anna\nabout [*] the trip soon"));
+    QCOMPARE(window->windowTitle(), QStringLiteral("Call Anna about [*][*] the trip"));
+}
+
+void NoteWindowTest::oneWindowPerNote()
+{
+    m_fixture->make({QStringLiteral("*Inbox:a,b")});
+    NoteWindow *first = openNote(QStringLiteral("a"));
+    QVERIFY(first);
+    QVERIFY(QTest::qWaitForWindowExposed(first));
+    QCOMPARE(
+        first->objectName(), idFor(QStringLiteral("a")).toString(QUuid::WithoutBraces).toUpper());
+
+    NoteWindow *other = openNote(QStringLiteral("b"));
+    QVERIFY(other && other != first);
+    QTRY_COMPARE(QApplication::activeWindow(), other);
+
+    // The second open of a note brings its window forward; no new one is made.
+    QCOMPARE(openNote(QStringLiteral("a")), first);
+    QTRY_COMPARE(QApplication::activeWindow(), first);
+    QCOMPARE(m_manager->openNoteIDs().size(), 2);
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    QCOMPARE(std::count_if(windows.begin(), windows.end(),
+                 [](QWidget *w) { return qobject_cast<NoteWindow *>(w) && w->isVisible(); }),
+        2);
+
+    // A closed window is forgotten; the next open makes a new one.
+    QPointer<NoteWindow> closed(first);
+    first->close();
+    QVERIFY(!m_manager->window(idFor(QStringLiteral("a"))));
+    QTRY_VERIFY(!closed);
+    NoteWindow *again = openNote(QStringLiteral("a"));
+    QVERIFY(again);
+    QCOMPARE(m_manager->window(idFor(QStringLiteral("a"))), again);
+    QCOMPARE(m_manager->openNoteIDs().size(), 2);
+
+    // A note that is not there opens nothing.
+    QVERIFY(!openNote(QStringLiteral("z")));
+    QCOMPARE(m_manager->openNoteIDs().size(), 2);
+}
+
+void NoteWindowTest::typingReachesTheStoreAtEveryKey()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
+    NoteWindow *window = openNote(QStringLiteral("a"));
+    QVERIFY(QTest::qWaitForWindowExposed(window));
+    QPlainTextEdit *editor = window->editor()->editor();
+    QCOMPARE(editor->toPlainText(), QStringLiteral("a"));
+    QTRY_COMPARE(QApplication::focusWidget(), editor);
+
+    const QString typed = QStringLiteral("nd more");
+    QString expected = QStringLiteral("a");
+    for (QChar key : typed) {
+        QTest::keyClick(editor, key.toLatin1());
+        expected += key;
+        // At once, with no pause of the window's own: the panel's row follows.
+        QCOMPARE(noteText(store, QStringLiteral("a")), expected.trimmed());
+        QCOMPARE(store.rows().size(), 3);
+        QCOMPARE(store.rows().at(1).note().text, expected.trimmed());
+    }
+    QVERIFY(store.hasPendingSave());
+    // A space at the end stays in the editor; the library keeps the text trimmed.
+    QTest::keyClick(editor, Qt::Key_Space);
+    QCOMPARE(window->editor()->text(), QStringLiteral("and more "));
+    QCOMPARE(noteText(store, QStringLiteral("a")), QStringLiteral("and more"));
+}
+
+void NoteWindowTest::clearingTheText_data()
+{
+    QTest::addColumn<bool>("hasAttachment");
+    QTest::addColumn<QString>("remains");
+
+    QTest::newRow("a note without attachments is deleted") << false << "(gone)";
+    QTest::newRow("a note with an attachment stays, empty") << true << "";
+}
+
+void NoteWindowTest::clearingTheText()
+{
+    QFETCH(bool, hasAttachment);
+    QFETCH(QString, remains);
+
+    Library library;
+    library.projects.append(Test::describedProject(QStringLiteral("*Inbox:a,b")));
+    library.activeProjectID = library.projects.first().id;
+    if (hasAttachment) {
+        NoteAttachment file;
+        file.id = idFor(QStringLiteral("file"));
+        file.fileName = QStringLiteral("plan.pdf");
+        file.storedFileName
+            = file.id.toString(QUuid::WithoutBraces).toUpper() + QStringLiteral("/plan.pdf");
+        file.createdAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
+        library.projects[0].sections[0].notes[0].attachments.append(file);
+    }
+    Store &store = m_fixture->make(library);
+    store.updateNote(idFor(QStringLiteral("a")), QStringLiteral("two words"));
+
+    NoteWindow *window = openNote(QStringLiteral("a"));
+    QPlainTextEdit *editor = window->editor()->editor();
+    editor->selectAll();
+    QTest::keyClick(editor, Qt::Key_Backspace);
+    QCOMPARE(editor->toPlainText(), QString());
+    QCOMPARE(noteText(store, QStringLiteral("a")), remains);
+    QCOMPARE(noteText(store, QStringLiteral("b")), QStringLiteral("b"));
+    QVERIFY(m_manager->window(idFor(QStringLiteral("a"))));
+}
+
+void NoteWindowTest::deletedNoteLeavesAHarmlessWindow()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
+    store.updateNote(idFor(QStringLiteral("a")), QStringLiteral("kept on screen"));
+    NoteWindow *window = openNote(QStringLiteral("a"));
+    store.deleteNotes({idFor(QStringLiteral("a"))});
+
+    const Library before = store.library();
+    const qsizetype undoSteps = store.undoStepCount();
+    NoteEditorView *view = window->editor();
+    QVERIFY(window->isVisible());
+    QCOMPARE(view->text(), QStringLiteral("kept on screen"));
+    QTest::keyClicks(view->editor(), QStringLiteral(" and typed"));
+    QCOMPARE(view->text(), QStringLiteral("kept on screen and typed"));
+    QVERIFY(!view->doneButton()->isEnabled());
+    QVERIFY(!view->attachButton()->isEnabled());
+    QTest::mouseClick(view->doneButton(), Qt::LeftButton);
+    QCOMPARE(store.library(), before);
+    QCOMPARE(store.undoStepCount(), undoSteps);
+
+    // Undo brings the note back, and with it a window that edits it again.
+    store.undo();
+    QCOMPARE(noteText(store, QStringLiteral("a")), QStringLiteral("kept on screen"));
+    QVERIFY(view->doneButton()->isEnabled());
+    QTest::keyClick(view->editor(), u'!');
+    QCOMPARE(noteText(store, QStringLiteral("a")), QStringLiteral("kept on screen and typed!"));
+}
+
+void NoteWindowTest::previewRendersInlineMarkdown()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
+    store.updateNote(idFor(QStringLiteral("a")),
+        QStringLiteral(
+            "# Trip **bold** and `code`\n- item  with  spaces [site](https://example.org)"));
+    NoteWindow *window = openNote(QStringLiteral("a"));
+    NoteEditorView *view = window->editor();
+    QVERIFY(!view->showsPreview());
+    QVERIFY(!view->previewArea()->isVisible());
+
+    QTest::mouseClick(view->previewButton(), Qt::LeftButton);
+    QVERIFY(view->showsPreview());
+    QVERIFY(view->previewArea()->isVisible());
+    QVERIFY(view->previewArea()->height() >= NoteEditorView::previewMinimumHeight);
+    QTextDocument *document = view->previewText()->document();
+    // Block markers stay as typed, inline markers go, spaces and the line break stay.
+    QCOMPARE(
+        document->toPlainText(), QStringLiteral("# Trip bold and code\n- item  with  spaces site"));
+
+    auto formatAt = [document](const QString &word) {
+        const int position = document->toPlainText().indexOf(word);
+        QTextCursor cursor(document);
+        cursor.setPosition(position + 1);
+        return cursor.charFormat();
+    };
+    QCOMPARE(formatAt(QStringLiteral("bold")).fontWeight(), int(QFont::Bold));
+    QCOMPARE(formatAt(QStringLiteral("Trip")).fontWeight(), int(QFont::Normal));
+    QVERIFY(formatAt(QStringLiteral("code")).fontFamilies().toStringList()
+        != formatAt(QStringLiteral("Trip")).fontFamilies().toStringList());
+    QCOMPARE(formatAt(QStringLiteral("site")).anchorHref(), QStringLiteral("https://example.org"));
+
+    // It follows every key.
+    QTest::keyClicks(view->editor(), QStringLiteral(" *now*"));
+    QVERIFY(document->toPlainText().endsWith(QStringLiteral("site now")));
+    QVERIFY(formatAt(QStringLiteral("now")).fontItalic());
+
+    QTest::mouseClick(view->previewButton(), Qt::LeftButton);
+    QVERIFY(!view->previewArea()->isVisible());
+}
+
+void NoteWindowTest::doneToggleFollowsTheNote()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
+    NoteWindow *window = openNote(QStringLiteral("a"));
+    QToolButton *done = window->editor()->doneButton();
+    QCOMPARE(done->text(), QStringLiteral("Mark as Done"));
+
+    QTest::mouseClick(done, Qt::LeftButton);
+    QVERIFY(store.note(idFor(QStringLiteral("a")))->isDone);
+    QCOMPARE(done->text(), QStringLiteral("Done"));
+    QTest::mouseClick(done, Qt::LeftButton);
+    QVERIFY(!store.note(idFor(QStringLiteral("a")))->isDone);
+    QCOMPARE(done->text(), QStringLiteral("Mark as Done"));
+
+    // A change made elsewhere shows here too.
+    store.setDone({idFor(QStringLiteral("a"))}, true);
+    QCOMPARE(done->text(), QStringLiteral("Done"));
+}
+
+void NoteWindowTest::copyPutsTheNoteOnTheClipboard()
+{
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
+    store.updateNote(idFor(QStringLiteral("a")), QStringLiteral("**copy** me"));
+    NoteWindow *window = openNote(QStringLiteral("a"));
+    QVERIFY(QTest::qWaitForWindowExposed(window));
+    QTRY_VERIFY(window->isActiveWindow());
+    QGuiApplication::clipboard()->setText(QStringLiteral("before"));
+
+    // The key works while the editor has the focus.
+    QTest::keyClick(window->editor()->editor(), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    // The button shows itself pressed for a moment, then copies.
+    QTRY_COMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("**copy** me"));
+    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Copied"));
+    QCOMPARE(window->editor()->editor()->toPlainText(), QStringLiteral("**copy** me"));
+}
+
+void NoteWindowTest::addAttachment_data()
+{
+    QTest::addColumn<QStringList>("chosen");
+    QTest::addColumn<QStringList>("attached");
+    QTest::addColumn<QStringList>("toasts");
+
+    QTest::newRow("a file") << QStringList {"plan.txt"} << QStringList {"plan.txt"}
+                            << QStringList();
+    QTest::newRow("two files, one missing: nothing") << QStringList {
+        "plan.txt", "missing.txt"} << QStringList() << QStringList {"Could Not Add Attachment"};
+    QTest::newRow("cancelled") << QStringList() << QStringList() << QStringList();
+}
+
+void NoteWindowTest::addAttachment()
+{
+    QFETCH(QStringList, chosen);
+    QFETCH(QStringList, attached);
+    QFETCH(QStringList, toasts);
+
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
+    QTemporaryDir sources;
+    QFile file(sources.filePath(QStringLiteral("plan.txt")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("the plan\n");
+    file.close();
+    for (const QString &name : chosen)
+        m_chooser.answer.append(QUrl::fromLocalFile(sources.filePath(name)));
+
+    NoteWindow *window = openNote(QStringLiteral("a"));
+    NoteEditorView *view = window->editor();
+    view->setShowsPreview(true);
+    QTest::mouseClick(view->attachButton(), Qt::LeftButton);
+
+    // The import runs on the importer's thread; its answer comes back here.
+    auto names = [&store] {
+        const std::optional<Note> note = store.note(idFor(QStringLiteral("a")));
+        QStringList names;
+        for (const NoteAttachment &attachment : note->attachments)
+            names.append(attachment.fileName);
+        return names;
+    };
+    QTRY_COMPARE(m_toasts.messages, toasts);
+    QTRY_COMPARE(names(), attached);
+    QTRY_COMPARE(view->attachmentList()->tiles().size(), attached.size());
+    QCOMPARE(view->attachmentList()->isVisibleTo(view), !attached.isEmpty());
+    if (!attached.isEmpty()) {
+        const NoteAttachment record = store.note(idFor(QStringLiteral("a")))->attachments.first();
+        QFile copy(attachmentsFolder(libraryURL()) + u'/' + record.storedFileName);
+        QVERIFY(copy.open(QIODevice::ReadOnly));
+        QCOMPARE(copy.readAll(), QByteArray("the plan\n"));
+    }
+}
+
+void NoteWindowTest::frameIsRememberedAcrossOpeningsAndRestarts()
+{
+    m_fixture->make({QStringLiteral("*Inbox:a,b")});
+    NoteWindow *window = openNote(QStringLiteral("a"));
+    QVERIFY(QTest::qWaitForWindowExposed(window));
+    // A first window has the default size.
+    QCOMPARE(window->size(), NoteWindowManager::contentSize);
+
+    const QRect moved(70, 90, 520, 410);
+    window->setGeometry(moved);
+    QTRY_COMPARE(window->geometry(), moved);
+    window->close();
+
+    NoteWindow *reopened = openNote(QStringLiteral("a"));
+    QVERIFY(QTest::qWaitForWindowExposed(reopened));
+    QCOMPARE(reopened->geometry(), moved);
+    // Another note's window opens there too.
+    reopened->close();
+    NoteWindow *other = openNote(QStringLiteral("b"));
+    QVERIFY(QTest::qWaitForWindowExposed(other));
+    QCOMPARE(other->geometry(), moved);
+    other->close();
+
+    // A new manager, as after a restart, reads the frame from the settings file.
+    m_manager.reset();
+    QVERIFY(!QSettings(Preferences::openSettings()->fileName(), QSettings::IniFormat)
+                 .value(NoteWindowManager::frameKey)
+                 .toByteArray()
+                 .isEmpty());
+    NoteWindow *afterRestart = openNote(QStringLiteral("a"));
+    QVERIFY(QTest::qWaitForWindowExposed(afterRestart));
+    QCOMPARE(afterRestart->geometry(), moved);
+}
+
+void NoteWindowTest::appearanceAtCreation_data()
+{
+    QTest::addColumn<AppAppearance>("appearance");
+    QTest::addColumn<bool>("dark");
+
+    QTest::newRow("light") << AppAppearance::Light << false;
+    QTest::newRow("dark") << AppAppearance::Dark << true;
+}
+
+void NoteWindowTest::appearanceAtCreation()
+{
+    QFETCH(AppAppearance, appearance);
+    QFETCH(bool, dark);
+
+    m_fixture->make({QStringLiteral("*Inbox:a")});
+    m_fixture->preferences().setAppearance(appearance);
+    NoteWindow *window = openNote(QStringLiteral("a"));
+    const QPalette palette = window->editor()->palette();
+    QCOMPARE(palette.color(QPalette::Base).lightness() < 128, dark);
+    QCOMPARE(palette.color(QPalette::Text).lightness() < 128, !dark);
+
+    // A later change of appearance reaches the open window.
+    m_fixture->preferences().setAppearance(dark ? AppAppearance::Light : AppAppearance::Dark);
+    QTRY_COMPARE(window->editor()->palette().color(QPalette::Base).lightness() < 128, !dark);
+    m_fixture->preferences().setAppearance(AppAppearance::System);
+}
+
+VESKO_WIDGET_TEST_MAIN(NoteWindowTest)
+#include "tst_notewindow.moc"

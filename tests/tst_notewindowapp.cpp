@@ -1,0 +1,291 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Note windows and the tray's menu of the running program, in a private X
+// server with a window manager and an XEmbed system tray (trayer): a note
+// opened from its row's menu gets a window titled by the note, text typed
+// there with xdotool reaches the library file after the save delay while the
+// panel's row follows, a second open raises the same window, and the tray's
+// menu lists six open notes, ticks one off, copies them as a list and hides
+// and shows the panel.
+
+#include "TestEnvironment.h"
+
+#include "ProgramSession.h"
+#include "StoreFixture.h"
+
+#include "library/LibraryCoding.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+using namespace Vesko;
+
+namespace {
+
+using Test::xdotool;
+
+// The panel's preset place on the 1280 × 800 screen of tests/x-session.sh,
+// and a point on the first note row under the first section's header.
+const QRect panelFrame(916, 120, 340, 560);
+const QPoint firstRow(1086, 215);
+
+struct Session : Test::ProgramSession
+{
+    //! Writes \a texts as the open notes of section "Inbox", in order.
+    void writeLibrary(const QStringList &texts)
+    {
+        Library library;
+        Project project = Test::describedProject(QStringLiteral("*Inbox:"));
+        for (qsizetype i = 0; i < texts.size(); ++i) {
+            Note note;
+            note.id = Test::idFor(QString::number(i));
+            note.text = texts.at(i);
+            note.createdAt = note.updatedAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
+            project.sections[0].notes.append(note);
+        }
+        library.projects.append(project);
+        library.activeProjectID = project.id;
+        QDir().mkpath(libraryFolder());
+        QFile file(libraryPath());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(encodeLibrary(library));
+    }
+
+    using ProgramSession::start;
+    QProcess *start() { return ProgramSession::start(QStringLiteral(VESKO_PATH)); }
+
+    QList<Note> notes() const { return Test::allNotes(Test::readLibraryFile(libraryPath())); }
+};
+
+QStringList visibleWindows(qint64 pid)
+{
+    const QString found = xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+        QStringLiteral("--pid"), QString::number(pid)});
+    return found.isEmpty() ? QStringList() : found.split(u'\n');
+}
+
+//! A visible window of \a pid that is not among \a known (a menu that opened).
+QString newWindow(qint64 pid, const QStringList &known)
+{
+    for (const QString &window : visibleWindows(pid)) {
+        if (!known.contains(window))
+            return window;
+    }
+    return {};
+}
+
+QRect windowFrame(const QString &window)
+{
+    // "X=…\nY=…\nWIDTH=…\nHEIGHT=…" in the shell's form.
+    QRect frame;
+    const QString shell
+        = xdotool({QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window});
+    for (const QString &line : shell.split(u'\n')) {
+        const int value = line.section(u'=', 1).toInt();
+        if (line.startsWith(QLatin1String("X=")))
+            frame.moveLeft(value);
+        else if (line.startsWith(QLatin1String("Y=")))
+            frame.moveTop(value);
+        else if (line.startsWith(QLatin1String("WIDTH=")))
+            frame.setWidth(value);
+        else if (line.startsWith(QLatin1String("HEIGHT=")))
+            frame.setHeight(value);
+    }
+    return frame;
+}
+
+//! The visible window of \a pid whose frame passes \a accepts, or empty.
+QString windowWhere(qint64 pid, const std::function<bool(const QRect &)> &accepts)
+{
+    for (const QString &window : visibleWindows(pid)) {
+        if (accepts(windowFrame(window)))
+            return window;
+    }
+    return {};
+}
+
+QString panelWindow(qint64 pid)
+{
+    return windowWhere(pid, [](const QRect &frame) { return frame == panelFrame; });
+}
+
+//! The windows named exactly \a title.
+QStringList windowsNamed(const QString &title)
+{
+    const QString found = xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+        QStringLiteral("--name"), u'^' + QRegularExpression::escape(title) + u'$'});
+    return found.isEmpty() ? QStringList() : found.split(u'\n');
+}
+
+void pressKeys(const QString &key, int times)
+{
+    for (int i = 0; i < times; ++i)
+        xdotool({QStringLiteral("key"), key});
+}
+
+QByteArray grab(const QRect &area)
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("grab.png"));
+    QProcess::execute(QStringLiteral(SCREEN_GRAB_PATH),
+        {path, QString::number(area.x()), QString::number(area.y()), QString::number(area.width()),
+            QString::number(area.height())});
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QString clipboardText()
+{
+    QProcess xclip;
+    xclip.start(QStringLiteral("xclip"),
+        {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard")});
+    xclip.waitForFinished(10000);
+    return QString::fromUtf8(xclip.readAllStandardOutput());
+}
+
+} // namespace
+
+class NoteWindowAppTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void noteWindowEditsTheNote();
+    void trayMenuIsTheDashboard();
+};
+
+void NoteWindowAppTest::initTestCase()
+{
+    if (qEnvironmentVariableIsEmpty("DISPLAY"))
+        QSKIP("Needs an X server: run through tests/x-session.sh");
+}
+
+void NoteWindowAppTest::noteWindowEditsTheNote()
+{
+    Session session;
+    session.writeLibrary({QStringLiteral("Plan the **release** notes"), QStringLiteral("second")});
+    QProcess *vesko = session.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), 15000);
+    const QString panel = panelWindow(vesko->processId());
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
+
+    // The row's menu: Copy, Copy as List, Mark as Done, Edit, Edit in New Window.
+    auto openFromTheRowMenu = [&] {
+        const QStringList before = visibleWindows(vesko->processId());
+        QString menu;
+        for (int attempt = 0; attempt < 3 && menu.isEmpty(); ++attempt) {
+            xdotool({QStringLiteral("mousemove"), QString::number(firstRow.x()),
+                QString::number(firstRow.y()), QStringLiteral("click"), QStringLiteral("3")});
+            (void)QTest::qWaitFor(
+                [&] { return !(menu = newWindow(vesko->processId(), before)).isEmpty(); }, 4000);
+        }
+        QVERIFY(!menu.isEmpty());
+        pressKeys(QStringLiteral("Down"), 5);
+        xdotool({QStringLiteral("key"), QStringLiteral("Return")});
+    };
+    openFromTheRowMenu();
+    const QString title = QStringLiteral("Plan the release notes");
+    QTRY_COMPARE_WITH_TIMEOUT(windowsNamed(title).size(), 1, 5000);
+    const QString window = windowsNamed(title).first();
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, 5000);
+    QCOMPARE(windowFrame(window).size(), QSize(460, 380));
+
+    const QByteArray panelBefore = grab(panelFrame);
+    xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("10"),
+        QStringLiteral(" for Friday")});
+    // The panel's row shows the new words as they are typed.
+    QTRY_VERIFY_WITH_TIMEOUT(grab(panelFrame) != panelBefore, 5000);
+    // The file follows after the save delay.
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().value(0).text,
+        QStringLiteral("Plan the **release** notes for Friday"), 5000);
+    QCOMPARE(session.notes().value(1).text, QStringLiteral("second"));
+
+    // A second open brings the same window forward, with its text as typed.
+    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), panel});
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
+    openFromTheRowMenu();
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, 5000);
+    QCOMPARE(windowsNamed(title), QStringList {window});
+    xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("10"),
+        QStringLiteral("!")});
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().value(0).text,
+        QStringLiteral("Plan the **release** notes for Friday!"), 5000);
+
+    vesko->terminate();
+    QVERIFY(vesko->waitForFinished(10000));
+}
+
+void NoteWindowAppTest::trayMenuIsTheDashboard()
+{
+    Session session;
+    // trayer takes the icons of the session's applications, as a panel's tray does.
+    QProcess *tray = session.start(QStringLiteral("trayer"),
+        {QStringLiteral("--edge"), QStringLiteral("top"), QStringLiteral("--align"),
+            QStringLiteral("right"), QStringLiteral("--widthtype"), QStringLiteral("pixel"),
+            QStringLiteral("--width"), QStringLiteral("100"), QStringLiteral("--heighttype"),
+            QStringLiteral("pixel"), QStringLiteral("--height"), QStringLiteral("24")});
+    QTRY_VERIFY_WITH_TIMEOUT(!xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                          QStringLiteral("--class"), QStringLiteral("trayer")})
+                                  .isEmpty(),
+        10000);
+
+    QStringList texts;
+    for (int i = 1; i <= 8; ++i)
+        texts.append(QStringLiteral("note %1").arg(i));
+    session.writeLibrary(texts);
+    QProcess *vesko = session.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), 15000);
+    auto isIcon = [](const QRect &frame) { return frame.width() <= 48 && frame.height() <= 48; };
+    QTRY_VERIFY_WITH_TIMEOUT(!windowWhere(vesko->processId(), isIcon).isEmpty(), 10000);
+    const QRect icon = windowFrame(windowWhere(vesko->processId(), isIcon));
+
+    auto chooseEntry = [&](int downs) {
+        const QStringList before = visibleWindows(vesko->processId());
+        QString menu;
+        // A click that comes while the last menu still holds the pointer is
+        // lost; the user would click again, and so does the test.
+        for (int attempt = 0; attempt < 3 && menu.isEmpty(); ++attempt) {
+            xdotool({QStringLiteral("mousemove"), QString::number(icon.center().x()),
+                QString::number(icon.center().y()), QStringLiteral("click"), QStringLiteral("3")});
+            (void)QTest::qWaitFor(
+                [&] { return !(menu = newWindow(vesko->processId(), before)).isEmpty(); }, 4000);
+        }
+        QVERIFY(!menu.isEmpty());
+        pressKeys(QStringLiteral("Down"), downs);
+        xdotool({QStringLiteral("key"), QStringLiteral("Return")});
+        QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(vesko->processId()).contains(menu), 5000);
+    };
+
+    // Hide or Show, Capture Selection, Add a Note, then the open notes: the
+    // fourth entry is the first note, and choosing it ticks it off.
+    chooseEntry(4);
+    QTRY_VERIFY_WITH_TIMEOUT(session.notes().value(0).isDone, 5000);
+    QCOMPARE(session.notes().value(1).isDone, false);
+
+    // Seven notes are open now; the menu lists six, then "Copy All as List",
+    // which copies what the panel shows.
+    chooseEntry(3 + 6 + 1);
+    QStringList list;
+    for (int i = 1; i <= 8; ++i)
+        list.append(QStringLiteral("%1. note %1").arg(i));
+    QTRY_COMPARE_WITH_TIMEOUT(clipboardText(), list.join(u'\n'), 5000);
+    for (const Note &note : session.notes().mid(1))
+        QVERIFY2(!note.isDone, qPrintable(note.text));
+
+    // The first entry hides the panel it names, and then shows it again.
+    chooseEntry(1);
+    QTRY_VERIFY_WITH_TIMEOUT(panelWindow(vesko->processId()).isEmpty(), 5000);
+    chooseEntry(1);
+    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), 5000);
+
+    vesko->terminate();
+    QVERIFY(vesko->waitForFinished(10000));
+    tray->terminate();
+}
+
+VESKO_TEST_MAIN(NoteWindowAppTest)
+#include "tst_notewindowapp.moc"

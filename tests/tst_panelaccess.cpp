@@ -1,0 +1,355 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The panel from the outside, as a screen reader user meets it: Vesko runs
+// in a private X session with a window manager and a session bus, keys and
+// clicks come from xdotool, and what the panel shows is read over AT-SPI.
+// Notes are added through the composer, a search narrows the rows and marks
+// the word it found (seen on the screen: the mark is the accent colour), a
+// section is made through the prompt of the "More options" menu, the note
+// menu is read, a note is marked done through its control and another one
+// edited in place; after SIGTERM the library file holds every change.
+
+#include "TestEnvironment.h"
+
+#include "AccessibleTree.h"
+#include "ProgramSession.h"
+
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <csignal>
+
+using namespace Vesko;
+using Test::AccessibleNode;
+using Test::AccessibleTree;
+using Test::xdotool;
+
+namespace {
+
+const QString application = QStringLiteral("Vesko");
+
+AccessibleTree tree()
+{
+    return AccessibleTree::read(application);
+}
+
+//! The object of \a role and \a name on screen now, as a copy.
+std::optional<AccessibleNode> found(const QString &role, const QString &name)
+{
+    const AccessibleTree now = tree();
+    const AccessibleNode *node = now.find(role, name);
+    return node ? std::optional(*node) : std::nullopt;
+}
+
+void key(const QString &keys)
+{
+    xdotool({QStringLiteral("key"), QStringLiteral("--clearmodifiers"), keys});
+}
+
+void type(const QString &text)
+{
+    xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("10"), text});
+}
+
+void click(const QPoint &point, int button = 1)
+{
+    xdotool({QStringLiteral("mousemove"), QString::number(point.x()), QString::number(point.y())});
+    QTest::qWait(100);
+    xdotool({QStringLiteral("click"), QString::number(button)});
+}
+
+//! The names of the rows on screen: list items (the notes and section headers).
+QStringList rowNames(const AccessibleTree &tree)
+{
+    return tree.names(QStringLiteral("list item"));
+}
+
+//! The entries of the popup menu on screen, as a screen reader reads them
+//! when the first one takes the focus: "-" for a rule, "#" before a heading,
+//! "~" after a disabled entry.
+QStringList menuEntries(const AccessibleTree &menu)
+{
+    QStringList entries;
+    if (menu.isEmpty())
+        return entries;
+    for (const AccessibleNode &node : menu.root().children) {
+        if (node.role == QLatin1String("separator"))
+            entries.append(node.name.isEmpty() ? QStringLiteral("-") : u'#' + node.name);
+        else
+            entries.append(node.name
+                + (node.hasState(QStringLiteral("enabled")) ? QString() : QStringLiteral("~")));
+    }
+    return entries;
+}
+
+const AccessibleNode *menuEntry(const AccessibleTree &menu, const QString &name)
+{
+    if (menu.isEmpty())
+        return nullptr;
+    for (const AccessibleNode &node : menu.root().children) {
+        if (node.name == name)
+            return &node;
+    }
+    return nullptr;
+}
+
+//! The pixels of \a area of the screen that are clearly blue (the search
+//! marks are the accent colour over the note's fill), past the done control.
+int bluishPixels(const QRect &area)
+{
+    QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("row.png"));
+    QProcess grab;
+    grab.start(QStringLiteral(SCREEN_GRAB_PATH),
+        {file, QString::number(area.x()), QString::number(area.y()), QString::number(area.width()),
+            QString::number(area.height())});
+    if (!grab.waitForFinished(10000) || grab.exitCode() != 0)
+        return -1;
+    const QImage image(file);
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 30; x < image.width(); ++x) {
+            const QColor pixel = image.pixelColor(x, y);
+            if (pixel.blue() - pixel.red() > 25)
+                ++count;
+        }
+    }
+    return count;
+}
+
+const AccessibleNode *row(const AccessibleTree &tree, const QString &name)
+{
+    for (const AccessibleNode *node : tree.all()) {
+        if (node->role == QLatin1String("list item") && node->name == name && node->isShowing())
+            return node;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+class PanelAccessTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void throughTheScreenReader();
+};
+
+void PanelAccessTest::initTestCase()
+{
+    if (qEnvironmentVariableIsEmpty("DISPLAY"))
+        QSKIP("Needs an X server: run through tests/x-session.sh");
+    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
+        QSKIP("Needs a session bus: run through dbus-run-session");
+    if (!QFile::exists(QStringLiteral("/usr/bin/python3")))
+        QSKIP("Needs python3 with pyatspi");
+}
+
+void PanelAccessTest::throughTheScreenReader()
+{
+    Test::ProgramSession session;
+    session.setEnvironmentVariable(
+        QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+    QProcess *vesko = session.start(QStringLiteral(VESKO_PATH));
+    QTRY_VERIFY_WITH_TIMEOUT(!Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), 15000);
+
+    // The composer has the keyboard, and a screen reader hears where a note goes.
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [] {
+            const AccessibleTree now = tree();
+            const AccessibleNode *composer
+                = now.find(QStringLiteral("text"), QStringLiteral("Add to Inbox"));
+            return composer && composer->hasState(QStringLiteral("focused"));
+        }(),
+        20000);
+    {
+        const AccessibleTree now = tree();
+        QVERIFY(now.find(QStringLiteral("push button"), QStringLiteral("More options")));
+        QVERIFY(now.find(QStringLiteral("push button"), QStringLiteral("Add Attachment")));
+        QVERIFY(now.find(QStringLiteral("text"), QStringLiteral("Search")));
+        // No search yet: no clear button on screen.
+        QVERIFY(!now.find(QStringLiteral("push button"), QStringLiteral("Clear search")));
+    }
+
+    // Two notes through the composer; Shift+Return breaks a line.
+    type(QStringLiteral("Buy oat milk"));
+    key(QStringLiteral("Return"));
+    type(QStringLiteral("Call the plumber"));
+    key(QStringLiteral("shift+Return"));
+    type(QStringLiteral("about the sink"));
+    key(QStringLiteral("Return"));
+    QTRY_VERIFY_WITH_TIMEOUT(rowNames(tree()).contains(QStringLiteral("Buy oat milk")), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        rowNames(tree()).contains(QStringLiteral("Call the plumber\nabout the sink")), 10000);
+
+    // A search, typed into the field after a click on it, narrows the rows
+    // and marks the word in the note that stays.
+    const int bluishBefore = [] {
+        const AccessibleTree now = tree();
+        const AccessibleNode *milk = row(now, QStringLiteral("Buy oat milk"));
+        return milk ? bluishPixels(milk->extents) : -1;
+    }();
+    QVERIFY(bluishBefore >= 0);
+    const std::optional<AccessibleNode> search
+        = found(QStringLiteral("text"), QStringLiteral("Search"));
+    QVERIFY(search);
+    click(search->center());
+    type(QStringLiteral("oat"));
+    QTRY_COMPARE_WITH_TIMEOUT(rowNames(tree()).filter(QStringLiteral("plumber")).size(), 0, 10000);
+    QVERIFY(rowNames(tree()).contains(QStringLiteral("Buy oat milk")));
+    QVERIFY(tree().find(QStringLiteral("push button"), QStringLiteral("Clear search")));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [&] {
+            const AccessibleTree now = tree();
+            const AccessibleNode *milk = row(now, QStringLiteral("Buy oat milk"));
+            return milk && bluishPixels(milk->extents) > bluishBefore + 40;
+        }(),
+        10000);
+    // A word nobody wrote: the empty state says so.
+    type(QStringLiteral("zzz"));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        tree().find(QStringLiteral("label"), QStringLiteral("No matches")), 10000);
+    // Escape clears the search; the rows come back.
+    key(QStringLiteral("Escape"));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        rowNames(tree()).contains(QStringLiteral("Call the plumber\nabout the sink")), 10000);
+    QVERIFY(!tree().find(QStringLiteral("push button"), QStringLiteral("Clear search")));
+
+    // "More options" opens its menu, with the entries in their order.
+    const std::optional<AccessibleNode> more
+        = found(QStringLiteral("push button"), QStringLiteral("More options"));
+    QVERIFY(more);
+    click(more->center());
+    AccessibleTree overflow;
+    QTRY_VERIFY_WITH_TIMEOUT(!(overflow = AccessibleTree::popup(application)).isEmpty(), 15000);
+    QCOMPARE(overflow.root().name, QStringLiteral("More options"));
+    QCOMPARE(menuEntries(overflow),
+        (QStringList {"#Project", "Notes", "New Project…", "Rename Project…", "Delete Project~",
+            "#Active Section", "Inbox", "Switch Section…", "-", "New Section…",
+            "Collapse All Sections", "Expand All Sections", "#View", "Show Completed",
+            "Completed at Bottom", "Newest First", "-", "Copy All as List", "Clear Completed",
+            "Export as Markdown…", "Show Notes File in Files", "-", "Reset Window Position",
+            "Reset Window Size", "Keyboard Shortcuts…", "Settings…", "Quit Vesko"}));
+    const AccessibleNode *newSection = menuEntry(overflow, QStringLiteral("New Section…"));
+    QVERIFY(newSection);
+    click(newSection->center());
+
+    // The prompt takes the keyboard; its name is said.
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [] {
+            const std::optional<AccessibleNode> field
+                = found(QStringLiteral("text"), QStringLiteral("Section name"));
+            return field && field->hasState(QStringLiteral("focused"));
+        }(),
+        10000);
+    QVERIFY(tree().find(QStringLiteral("push button"), QStringLiteral("Add")));
+    type(QStringLiteral("Errands"));
+    key(QStringLiteral("Return"));
+    // The new section is the active one: the composer says so.
+    QTRY_VERIFY_WITH_TIMEOUT(
+        tree().find(QStringLiteral("text"), QStringLiteral("Add to Errands")), 10000);
+    QVERIFY(!tree().find(QStringLiteral("text"), QStringLiteral("Section name")));
+
+    // The context menu of a note, opened with the right button.
+    const AccessibleTree rows = tree();
+    const AccessibleNode *milk = nullptr;
+    for (const AccessibleNode *node : rows.all()) {
+        if (node->role == QLatin1String("list item") && node->name == QLatin1String("Buy oat milk"))
+            milk = node;
+    }
+    QVERIFY(milk);
+    click(milk->center(), 3);
+    AccessibleTree noteMenu;
+    QTRY_VERIFY_WITH_TIMEOUT(!(noteMenu = AccessibleTree::popup(application)).isEmpty(), 15000);
+    QCOMPARE(menuEntries(noteMenu),
+        (QStringList {"Copy", "Copy as List", "-", "Mark as Done", "Expand~", "-", "Edit",
+            "Edit in New Window", "Merge Notes~", "Split into Notes~", "-", "Add Attachment…",
+            "Paste Image or File", "Move to", "-", "Delete"}));
+    key(QStringLiteral("Escape"));
+    QTest::qWait(300);
+
+    // The done control of a row, found inside the row and clicked.
+    const AccessibleNode *control = nullptr;
+    {
+        const AccessibleTree now = tree();
+        for (const AccessibleNode *node : now.all()) {
+            if (node->role == QLatin1String("list item")
+                && node->name == QLatin1String("Buy oat milk")) {
+                QCOMPARE(node->description, QStringLiteral("Not done"));
+                for (const AccessibleNode &child : node->children) {
+                    if (child.role == QLatin1String("push button"))
+                        control = &child;
+                }
+                QVERIFY(control);
+                QCOMPARE(control->name, QStringLiteral("Mark as done"));
+                click(control->center());
+            }
+        }
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [] {
+            const AccessibleTree now = tree();
+            const QList<const AccessibleNode *> rows = now.all([](const AccessibleNode &node) {
+                return node.role == QLatin1String("list item")
+                    && node.name == QLatin1String("Buy oat milk");
+            });
+            return !rows.isEmpty() && rows.first()->description == QLatin1String("Done");
+        }(),
+        10000);
+
+    // A note edited in place: a double click opens its editor with the text.
+    const AccessibleNode *plumber = nullptr;
+    const AccessibleTree beforeEdit = tree();
+    for (const AccessibleNode *node : beforeEdit.all()) {
+        if (node->role == QLatin1String("list item")
+            && node->name == QLatin1String("Call the plumber\nabout the sink"))
+            plumber = node;
+    }
+    QVERIFY(plumber);
+    const QPoint onText = plumber->extents.topLeft() + QPoint(plumber->extents.width() / 2, 14);
+    xdotool(
+        {QStringLiteral("mousemove"), QString::number(onText.x()), QString::number(onText.y())});
+    QTest::qWait(100);
+    xdotool({QStringLiteral("click"), QStringLiteral("--repeat"), QStringLiteral("2"),
+        QStringLiteral("--delay"), QStringLiteral("80"), QStringLiteral("1")});
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [] {
+            const AccessibleTree now = tree();
+            for (const AccessibleNode *node : now.all()) {
+                if (node->role == QLatin1String("text") && node->hasState(QStringLiteral("focused"))
+                    && node->text == QStringLiteral("Call the plumber\nabout the sink"))
+                    return true;
+            }
+            return false;
+        }(),
+        10000);
+    key(QStringLiteral("ctrl+a"));
+    type(QStringLiteral("Call the plumber today"));
+    key(QStringLiteral("Return"));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        rowNames(tree()).contains(QStringLiteral("Call the plumber today")), 10000);
+
+    // Ended by a signal within the save delay: the file holds every change.
+    ::kill(pid_t(vesko->processId()), SIGTERM);
+    QVERIFY(vesko->waitForFinished(15000));
+    QCOMPARE(vesko->exitCode(), 0);
+    const Library library = Test::readLibraryFile(session.libraryPath());
+    QCOMPARE(library.projects.size(), 1);
+    QStringList sections;
+    for (const NoteSection &section : library.projects.first().sections)
+        sections.append(section.title);
+    QCOMPARE(sections, (QStringList {"Inbox", "Errands"}));
+    const QList<Note> notes = library.projects.first().sections.first().notes;
+    QCOMPARE(notes.size(), 2);
+    QCOMPARE(notes.at(0).text, QStringLiteral("Buy oat milk"));
+    QVERIFY(notes.at(0).isDone);
+    QCOMPARE(notes.at(1).text, QStringLiteral("Call the plumber today"));
+    QVERIFY(!notes.at(1).isDone);
+    QCOMPARE(library.projects.first().activeSectionID, library.projects.first().sections.last().id);
+}
+
+QTEST_GUILESS_MAIN(PanelAccessTest)
+#include "tst_panelaccess.moc"

@@ -1,0 +1,669 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The panel's root view on a real Store, with real keys and clicks: the
+// prompts and what their answers do, the order of the modal layers, the
+// empty states, the composer (Return, "# " lines, Escape, pending files) and
+// the search field's two-step Escape.
+
+#include "StoreFixture.h"
+#include "WidgetTestMain.h"
+
+#include "attachments/AttachmentActions.h"
+#include "attachments/AttachmentFileDialog.h"
+#include "attachments/PendingAttachmentStrip.h"
+#include "library/LibraryFile.h"
+#include "panel/ComposerView.h"
+#include "panel/NativeInlineTextField.h"
+#include "panel/PanelCommands.h"
+#include "panel/PanelListView.h"
+#include "panel/PanelPromptView.h"
+#include "panel/PanelRootView.h"
+#include "panel/SearchFieldView.h"
+#include "platform/qt/QtDesktopFiles.h"
+#include "platform/qt/QtPasteboardReader.h"
+#include "shell/Toast.h"
+
+#include <QDragEnterEvent>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTextEdit>
+#include <QToolButton>
+
+using namespace Vesko;
+using Test::idFor;
+using Test::noteIDs;
+
+namespace {
+
+QStringList sectionTitles(const Store &store)
+{
+    QStringList titles;
+    for (const NoteSection &section : store.activeProject().sections)
+        titles.append(section.title);
+    return titles;
+}
+
+QStringList notesOf(const Store &store, const QString &title)
+{
+    for (const NoteSection &section : store.activeProject().sections) {
+        if (section.title != title)
+            continue;
+        QStringList texts;
+        for (const Note &note : section.notes)
+            texts.append(note.text);
+        return texts;
+    }
+    return {};
+}
+
+//! Types \a text into \a widget, key by key; "\n" is Shift+Return.
+void type(QWidget *widget, const QString &text)
+{
+    for (QChar c : text) {
+        if (c == u'\n')
+            QTest::keyClick(widget, Qt::Key_Return, Qt::ShiftModifier);
+        else
+            QTest::keyClicks(widget, QString(c));
+    }
+}
+
+//! The attachment actions of the program, on the test's Store, answering with toasts.
+struct Attachments : AttachmentFeedback
+{
+    explicit Attachments(Store &store)
+        : actions({store, files, chooser, pasteboard, desktop, *this})
+    {
+        PanelCommands::Hooks hooks;
+        hooks.importForNewNote
+            = [this](const QList<QUrl> &urls,
+                  std::function<void(const std::optional<QList<NoteAttachment>> &)> done) {
+                  actions.importForNewNote(urls, std::move(done));
+              };
+        PanelCommands::shared().setHooks(hooks);
+    }
+
+    void toast(const QString &message, const QString &symbol) override
+    {
+        ToastPresenter::shared().present(message, symbol);
+    }
+
+    AttachmentStore files;
+    AttachmentFileDialog chooser;
+    QtPasteboardReader pasteboard;
+    QtDesktopFiles desktop;
+    AttachmentActions actions;
+};
+
+} // namespace
+
+class PanelRootTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void promptCommits_data();
+    void promptCommits();
+    void addButtonWaitsForACharacter_data();
+    void addButtonWaitsForACharacter();
+    void dimCancelsAPendingMove();
+    void newSectionPromptCarriesPendingNotes();
+    void layersShowInTheirOrder();
+    void emptyStates_data();
+    void emptyStates();
+    void composerCommits_data();
+    void composerCommits();
+    void composerEscapeTwice();
+    void sectionLineWithFilesMakesOneNote();
+    void secondReturnDuringAnImportDoesNothing();
+    void failedImportKeepsTheBox();
+    void sameFileOnce();
+    void filesFromTheButtonAndFromADrop();
+    void searchFieldEscapeTwice_data();
+    void searchFieldEscapeTwice();
+    void clearButton();
+    void focusRequestsReachTheParts();
+    void accessibleNames();
+
+private:
+    PanelRootView &showRoot(const QStringList &projects);
+    PanelPromptView *prompt() const;
+
+    std::unique_ptr<Test::StoreFixture> m_fixture;
+    std::unique_ptr<PanelState> m_state;
+    std::unique_ptr<PanelRootView> m_root;
+};
+
+void PanelRootTest::init()
+{
+    m_fixture = std::make_unique<Test::StoreFixture>();
+    m_state = std::make_unique<PanelState>();
+    PanelCommands::shared().setHooks({});
+}
+
+void PanelRootTest::cleanup()
+{
+    m_root.reset();
+    m_state.reset();
+    m_fixture.reset();
+    PanelCommands::shared().setHooks({});
+}
+
+PanelRootView &PanelRootTest::showRoot(const QStringList &projects)
+{
+    Store &store = m_fixture->make(projects);
+    m_root = std::make_unique<PanelRootView>(store, *m_state, m_fixture->preferences());
+    m_root->resize(340, 560);
+    m_root->show();
+    QApplication::setActiveWindow(m_root.get());
+    return *m_root;
+}
+
+PanelPromptView *PanelRootTest::prompt() const
+{
+    return qobject_cast<PanelPromptView *>(m_root->layerView());
+}
+
+void PanelRootTest::promptCommits_data()
+{
+    QTest::addColumn<int>("layer");
+    QTest::addColumn<QString>("typed"); // appended to the initial text
+    QTest::addColumn<QString>("how"); // "return", "add", "escape", "cancel"
+    QTest::addColumn<QStringList>("sections");
+    QTest::addColumn<QStringList>("projects");
+    QTest::addColumn<int>("undoSteps");
+
+    const QStringList sections = {"Inbox", "Work"};
+    const QStringList projects = {"P", "Q"};
+    QTest::newRow("new section by Return")
+        << int(PanelLayer::NewSection) << "  Ideas "
+        << "return" << QStringList {"Inbox", "Work", "Ideas"} << projects << 1;
+    QTest::newRow("new section by Add")
+        << int(PanelLayer::NewSection) << "Ideas"
+        << "add" << QStringList {"Inbox", "Work", "Ideas"} << projects << 1;
+    QTest::newRow("existing section is used, not doubled") << int(PanelLayer::NewSection) << "work"
+                                                           << "return" << sections << projects << 1;
+    QTest::newRow("blanks by Return are a cancel") << int(PanelLayer::NewSection) << "   "
+                                                   << "return" << sections << projects << 0;
+    QTest::newRow("Escape") << int(PanelLayer::NewSection) << "Ideas"
+                            << "escape" << sections << projects << 0;
+    QTest::newRow("Cancel") << int(PanelLayer::NewSection) << "Ideas"
+                            << "cancel" << sections << projects << 0;
+    QTest::newRow("new project") << int(PanelLayer::NewProject) << "Home"
+                                 << "return" << QStringList {"Inbox"}
+                                 << QStringList {"P", "Q", "Home"} << 1;
+    QTest::newRow("rename project") << int(PanelLayer::RenameProject) << "2"
+                                    << "return" << sections << QStringList {"P2", "Q"} << 1;
+    QTest::newRow("rename project, text unchanged") << int(PanelLayer::RenameProject) << ""
+                                                    << "return" << sections << projects << 1;
+}
+
+void PanelRootTest::promptCommits()
+{
+    QFETCH(int, layer);
+    QFETCH(QString, typed);
+    QFETCH(QString, how);
+    QFETCH(QStringList, sections);
+    QFETCH(QStringList, projects);
+    QFETCH(int, undoSteps);
+
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a|Work:b"), QStringLiteral("Inbox:c")});
+    Store &store = m_fixture->store();
+    const qsizetype stepsBefore = store.undoStepCount();
+    m_state->setShowing(PanelLayer(layer), true);
+    QCOMPARE(root.shownLayer(), PanelLayer(layer));
+    QVERIFY(prompt());
+    // The field takes the keyboard a moment after the prompt appears.
+    QTRY_VERIFY(prompt()->field()->hasFocus());
+    QTest::keyClick(prompt()->field(), Qt::Key_End);
+    QTest::keyClicks(prompt()->field(), typed);
+
+    if (how == QLatin1String("return"))
+        QTest::keyClick(prompt()->field(), Qt::Key_Return);
+    else if (how == QLatin1String("escape"))
+        QTest::keyClick(prompt()->field(), Qt::Key_Escape);
+    else if (how == QLatin1String("add"))
+        QTest::mouseClick(prompt()->addButton(), Qt::LeftButton);
+    else
+        QTest::mouseClick(prompt()->cancelButton(), Qt::LeftButton);
+
+    QVERIFY(!m_state->isShowing(PanelLayer(layer)));
+    QCOMPARE(root.shownLayer(), PanelLayer::None);
+    QStringList projectNames;
+    for (const Project &project : store.library().projects)
+        projectNames.append(project.name);
+    QCOMPARE(projectNames, projects);
+    QCOMPARE(sectionTitles(store), sections);
+    QCOMPARE(store.undoStepCount() - stepsBefore, undoSteps);
+}
+
+void PanelRootTest::addButtonWaitsForACharacter_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("enabled");
+
+    QTest::newRow("empty") << "" << false;
+    QTest::newRow("spaces and tabs") << " \t " << false;
+    QTest::newRow("a letter between blanks") << "  a " << true;
+}
+
+void PanelRootTest::addButtonWaitsForACharacter()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, enabled);
+
+    showRoot({QStringLiteral("*Inbox:a")});
+    m_state->setShowing(PanelLayer::NewSection, true);
+    prompt()->field()->setText(text);
+    QCOMPARE(prompt()->addButton()->isEnabled(), enabled);
+}
+
+void PanelRootTest::dimCancelsAPendingMove()
+{
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a,b|Work:c")});
+    Store &store = m_fixture->store();
+    m_state->setPendingMoveIDs(noteIDs(QStringLiteral("a,c")));
+    m_state->setShowing(PanelLayer::NewSection, true);
+    QVERIFY(prompt());
+    QTest::keyClicks(prompt()->field(), QStringLiteral("Ideas"));
+    // A click on the dim, well outside the card.
+    QTest::mouseClick(prompt(), Qt::LeftButton, {}, QPoint(20, 20));
+    QCOMPARE(root.shownLayer(), PanelLayer::None);
+    QVERIFY(m_state->pendingMoveIDs().isEmpty());
+    QCOMPARE(sectionTitles(store), (QStringList {"Inbox", "Work"}));
+    QCOMPARE(notesOf(store, QStringLiteral("Inbox")), (QStringList {"a", "b"}));
+    QCOMPARE(notesOf(store, QStringLiteral("Work")), QStringList {"c"});
+}
+
+void PanelRootTest::newSectionPromptCarriesPendingNotes()
+{
+    showRoot({QStringLiteral("*Inbox:a,b|Work:c")});
+    Store &store = m_fixture->store();
+    m_state->setPendingMoveIDs(noteIDs(QStringLiteral("c,a")));
+    m_state->setShowing(PanelLayer::NewSection, true);
+    QTest::keyClicks(prompt()->field(), QStringLiteral("Ideas"));
+    QTest::keyClick(prompt()->field(), Qt::Key_Return);
+    QCOMPARE(sectionTitles(store), (QStringList {"Inbox", "Work", "Ideas"}));
+    // In the order the panel showed them.
+    QCOMPARE(notesOf(store, QStringLiteral("Ideas")), (QStringList {"a", "c"}));
+    QCOMPARE(store.activeSection().title, QStringLiteral("Ideas"));
+    QVERIFY(m_state->pendingMoveIDs().isEmpty());
+}
+
+void PanelRootTest::layersShowInTheirOrder()
+{
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
+    m_state->setShowing(PanelLayer::NewProject, true);
+    m_state->setShowing(PanelLayer::NewSection, true);
+    QCOMPARE(root.shownLayer(), PanelLayer::NewSection);
+    QCOMPARE(prompt()->title(), QStringLiteral("New Section"));
+    m_state->setShowing(PanelLayer::Shortcuts, true);
+    QCOMPARE(root.shownLayer(), PanelLayer::Shortcuts);
+    QVERIFY(!prompt());
+    // Escape closes the sheet, which uncovers the prompt under it.
+    QCOMPARE(m_state->dismissLayerOnEscape(), PanelLayer::Shortcuts);
+    QCOMPARE(root.shownLayer(), PanelLayer::NewSection);
+    QTest::keyClick(prompt()->field(), Qt::Key_Escape);
+    QCOMPARE(root.shownLayer(), PanelLayer::NewProject);
+    QCOMPARE(prompt()->title(), QStringLiteral("New Project"));
+    QTest::keyClick(prompt()->field(), Qt::Key_Escape);
+    QCOMPARE(root.shownLayer(), PanelLayer::None);
+    // The keyboard goes back where it was.
+    QTRY_VERIFY(root.composer()->field()->editor()->hasFocus());
+}
+
+void PanelRootTest::emptyStates_data()
+{
+    QTest::addColumn<QString>("project");
+    QTest::addColumn<QString>("search");
+    QTest::addColumn<QString>("title"); // empty: no empty state
+
+    QTest::newRow("no notes, no search") << "*Inbox:"
+                                         << ""
+                                         << "Nothing here yet";
+    QTest::newRow("no notes, blanks searched") << "*Inbox:"
+                                               << " \t "
+                                               << "Nothing here yet";
+    QTest::newRow("a search without matches") << "*Inbox:a"
+                                              << "zzz"
+                                              << "No matches";
+    QTest::newRow("rows present") << "*Inbox:a"
+                                  << ""
+                                  << "";
+    QTest::newRow("rows present, search matching") << "*Inbox:a"
+                                                   << "inbox"
+                                                   << "";
+}
+
+void PanelRootTest::emptyStates()
+{
+    QFETCH(QString, project);
+    QFETCH(QString, search);
+    QFETCH(QString, title);
+
+    Store &store = m_fixture->make({project});
+    if (project == QLatin1String("*Inbox:")) {
+        // Without any row: no section either.
+        Library library = store.library();
+        library.projects[0].sections.clear();
+        store.setLibrary(library);
+        store.refreshAfterMutation();
+    }
+    m_root = std::make_unique<PanelRootView>(store, *m_state, m_fixture->preferences());
+    m_root->resize(340, 560);
+    m_root->show();
+    store.setSearchText(search);
+    if (title.isEmpty()) {
+        QTRY_VERIFY(!store.rows().isEmpty());
+        QVERIFY(!m_root->showsEmptyState());
+        return;
+    }
+    QTRY_VERIFY(m_root->showsEmptyState());
+    QTRY_COMPARE(m_root->emptyTitle(), title);
+    QCOMPARE(m_root->emptyHint(),
+        title == QLatin1String("No matches")
+            ? QStringLiteral("Try a different word.")
+            : QStringLiteral(
+                "Select text anywhere and press Shift twice, or Ctrl+Shift+N for a new section."));
+}
+
+void PanelRootTest::composerCommits_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("left"); // the box afterwards
+    QTest::addColumn<QStringList>("sections"); // titles afterwards
+    QTest::addColumn<QStringList>("work"); // the notes of "Work" afterwards
+    QTest::addColumn<QString>("toast");
+
+    const QStringList sections = {"Inbox", "Work"};
+    QTest::newRow("a note") << " new note "
+                            << "" << sections << QStringList {"b", "new note"} << "";
+    QTest::newRow("two lines") << "one\ntwo"
+                               << "" << sections << QStringList {"b", "one\ntwo"} << "";
+    QTest::newRow("blanks do nothing") << "   "
+                                       << "   " << sections << QStringList {"b"} << "";
+    QTest::newRow("a hash with text is a note")
+        << "#tag"
+        << "" << sections << QStringList {"b", "#tag"} << "";
+    QTest::newRow("\"# \" alone stays in the box") << "# "
+                                                   << "# " << sections << QStringList {"b"} << "";
+    QTest::newRow("a section line")
+        << "# Ideas"
+        << "" << QStringList {"Inbox", "Work", "Ideas"} << QStringList {"b"} << "Using Ideas";
+    QTest::newRow("a section line for an existing section")
+        << "#  inbox "
+        << "" << sections << QStringList {"b"} << "Using Inbox";
+}
+
+void PanelRootTest::composerCommits()
+{
+    QFETCH(QString, typed);
+    QFETCH(QString, left);
+    QFETCH(QStringList, sections);
+    QFETCH(QStringList, work);
+    QFETCH(QString, toast);
+
+    PanelRootView &root = showRoot({QStringLiteral("Inbox:a|*Work:b")});
+    Store &store = m_fixture->store();
+    ToastPresenter::shared().dismiss();
+    QTextEdit *editor = root.composer()->field()->editor();
+    QTRY_VERIFY(editor->hasFocus());
+    type(editor, typed);
+    QTest::keyClick(editor, Qt::Key_Return);
+
+    QCOMPARE(root.composer()->text(), left);
+    QCOMPARE(sectionTitles(store), sections);
+    QCOMPARE(notesOf(store, QStringLiteral("Work")), work);
+    if (!toast.isEmpty())
+        QCOMPARE(ToastPresenter::shared().currentMessage(), toast);
+    // The composer keeps the keyboard for the next note.
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
+    QVERIFY(editor->hasFocus());
+    if (work.size() == 2) {
+        // The new note is revealed: selected, the search cleared.
+        const QUuid added = store.activeProject().sections.at(1).notes.last().id;
+        QCOMPARE(store.selection(), QSet<QUuid> {added});
+    }
+}
+
+void PanelRootTest::composerEscapeTwice()
+{
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
+    QTextEdit *editor = root.composer()->field()->editor();
+    QTRY_VERIFY(editor->hasFocus());
+    QTest::keyClicks(editor, QStringLiteral("draft"));
+    QTest::keyClick(editor, Qt::Key_Escape);
+    QCOMPARE(root.composer()->text(), QString());
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
+    QVERIFY(editor->hasFocus());
+    QTest::keyClick(editor, Qt::Key_Escape);
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::List);
+    QVERIFY(root.list()->hasFocus());
+    QCOMPARE(m_fixture->store().visibleNotes().size(), 1);
+}
+
+void PanelRootTest::sectionLineWithFilesMakesOneNote()
+{
+    QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("plan.txt")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("plan");
+    file.close();
+
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
+    Store &store = m_fixture->store();
+    Attachments attachments(store);
+    root.composer()->addPendingURLs({QUrl::fromLocalFile(file.fileName())});
+    QTextEdit *editor = root.composer()->field()->editor();
+    QTRY_VERIFY(editor->hasFocus());
+    QTest::keyClicks(editor, QStringLiteral("# Files"));
+    QTest::keyClick(editor, Qt::Key_Return);
+
+    // The section at once, the note when the file has been copied.
+    QCOMPARE(sectionTitles(store), (QStringList {"Inbox", "Files"}));
+    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Using Files"));
+    QTRY_VERIFY(!root.composer()->isSaving());
+    const NoteSection files = store.activeProject().sections.at(1);
+    QCOMPARE(files.notes.size(), 1);
+    QCOMPARE(files.notes.first().text, QString());
+    QCOMPARE(files.notes.first().attachments.size(), 1);
+    const NoteAttachment attached = files.notes.first().attachments.first();
+    QCOMPARE(attached.fileName, QStringLiteral("plan.txt"));
+    QFile copy(attachmentsFolder(libraryURL()) + u'/' + attached.storedFileName);
+    QVERIFY(copy.open(QIODevice::ReadOnly));
+    QCOMPARE(copy.readAll(), QByteArray("plan"));
+    QCOMPARE(root.composer()->text(), QString());
+    QVERIFY(root.composer()->pendingURLs().isEmpty());
+}
+
+void PanelRootTest::secondReturnDuringAnImportDoesNothing()
+{
+    std::function<void(const std::optional<QList<NoteAttachment>> &)> pending;
+    int imports = 0;
+    PanelCommands::Hooks hooks;
+    hooks.importForNewNote
+        = [&](const QList<QUrl> &,
+              std::function<void(const std::optional<QList<NoteAttachment>> &)> done) {
+              ++imports;
+              pending = std::move(done);
+          };
+    PanelCommands::shared().setHooks(hooks);
+
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
+    Store &store = m_fixture->store();
+    root.composer()->addPendingURLs({QUrl::fromLocalFile(QStringLiteral("/tmp/one.png"))});
+    QTextEdit *editor = root.composer()->field()->editor();
+    QTRY_VERIFY(editor->hasFocus());
+    QTest::keyClicks(editor, QStringLiteral("with a picture"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    QVERIFY(root.composer()->isSaving());
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCOMPARE(imports, 1);
+
+    NoteAttachment record;
+    record.id = QUuid::createUuid();
+    record.fileName = QStringLiteral("one.png");
+    record.storedFileName = record.id.toString(QUuid::WithoutBraces) + QStringLiteral("/one.png");
+    pending(QList<NoteAttachment> {record});
+    QVERIFY(!root.composer()->isSaving());
+    QCOMPARE(notesOf(store, QStringLiteral("Inbox")), (QStringList {"a", "with a picture"}));
+    QCOMPARE(root.composer()->text(), QString());
+}
+
+void PanelRootTest::failedImportKeepsTheBox()
+{
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
+    Attachments attachments(m_fixture->store());
+    // A file that is not there: the import fails, and says so.
+    root.composer()->addPendingURLs({QUrl::fromLocalFile(QStringLiteral("/nonexistent/one.png"))});
+    QTextEdit *editor = root.composer()->field()->editor();
+    QTRY_VERIFY(editor->hasFocus());
+    QTest::keyClicks(editor, QStringLiteral("keep me"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    QTRY_VERIFY(!root.composer()->isSaving());
+    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Could Not Add Attachment"));
+    QCOMPARE(root.composer()->text(), QStringLiteral("keep me"));
+    QCOMPARE(root.composer()->pendingURLs().size(), 1);
+    QCOMPARE(notesOf(m_fixture->store(), QStringLiteral("Inbox")), QStringList {"a"});
+}
+
+void PanelRootTest::sameFileOnce()
+{
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
+    const QUrl one = QUrl::fromLocalFile(QStringLiteral("/tmp/one.png"));
+    const QUrl two = QUrl::fromLocalFile(QStringLiteral("/tmp/two.png"));
+    root.composer()->addPendingURLs({one, two});
+    root.composer()->addPendingURLs({two, one});
+    QCOMPARE(root.composer()->pendingURLs(), (QList<QUrl> {one, two}));
+    QCOMPARE(root.composer()->pendingStrip()->chipNames(), (QStringList {"one.png", "two.png"}));
+    // Escape with files waiting clears them and keeps the composer.
+    QTRY_VERIFY(root.composer()->field()->editor()->hasFocus());
+    QTest::keyClick(root.composer()->field()->editor(), Qt::Key_Escape);
+    QVERIFY(root.composer()->pendingURLs().isEmpty());
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
+}
+
+void PanelRootTest::filesFromTheButtonAndFromADrop()
+{
+    const QUrl chosen = QUrl::fromLocalFile(QStringLiteral("/tmp/chosen.pdf"));
+    const QUrl dropped = QUrl::fromLocalFile(QStringLiteral("/tmp/dropped.png"));
+    PanelCommands::Hooks hooks;
+    hooks.chooseFiles = [&](std::function<void(const QList<QUrl> &)> done) { done({chosen}); };
+    PanelCommands::shared().setHooks(hooks);
+
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
+    m_state->requestFocus(PanelFocusTarget::List);
+    QTest::mouseClick(root.composer()->attachmentButton(), Qt::LeftButton);
+    QCOMPARE(root.composer()->pendingURLs(), QList<QUrl> {chosen});
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
+
+    // Files dropped on the box join them; a drop of text alone is refused.
+    m_state->requestFocus(PanelFocusTarget::List);
+    QMimeData files;
+    files.setUrls({dropped, chosen});
+    const QPoint inside = root.composer()->rect().center();
+    QDragEnterEvent enter(inside, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(root.composer(), &enter);
+    QVERIFY(enter.isAccepted());
+    QDropEvent drop(inside, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(root.composer(), &drop);
+    QVERIFY(drop.isAccepted());
+    QCOMPARE(root.composer()->pendingURLs(), (QList<QUrl> {chosen, dropped}));
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
+
+    QMimeData text;
+    text.setText(QStringLiteral("just words"));
+    QDragEnterEvent textEnter(inside, Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(root.composer(), &textEnter);
+    QVERIFY(!textEnter.isAccepted());
+}
+
+void PanelRootTest::searchFieldEscapeTwice_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<bool>("searching");
+
+    QTest::newRow("a word") << "ab" << true;
+    QTest::newRow("blanks") << "  " << false;
+}
+
+void PanelRootTest::searchFieldEscapeTwice()
+{
+    QFETCH(QString, typed);
+    QFETCH(bool, searching);
+
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a,b")});
+    Store &store = m_fixture->store();
+    m_state->requestFocus(PanelFocusTarget::Search);
+    QLineEdit *field = root.searchField()->field();
+    QVERIFY(field->hasFocus());
+    QTest::keyClicks(field, typed);
+    QCOMPARE(store.searchText(), typed);
+    QCOMPARE(store.isSearching(), searching);
+    // Blanks show the clear button too: the text is not empty.
+    QVERIFY(root.searchField()->showsClearButton());
+
+    QTest::keyClick(field, Qt::Key_Escape);
+    QCOMPARE(store.searchText(), QString());
+    QCOMPARE(field->text(), QString());
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::Search);
+    QVERIFY(field->hasFocus());
+    QTest::keyClick(field, Qt::Key_Escape);
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::List);
+    QVERIFY(root.list()->hasFocus());
+}
+
+void PanelRootTest::clearButton()
+{
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a,b")});
+    Store &store = m_fixture->store();
+    store.setSearchText(QStringLiteral("b"));
+    // The field follows the Store.
+    QCOMPARE(root.searchField()->field()->text(), QStringLiteral("b"));
+    m_state->requestFocus(PanelFocusTarget::List);
+    QTRY_VERIFY(root.searchField()->clearButton()->isVisible());
+    QTest::mouseClick(root.searchField()->clearButton(), Qt::LeftButton);
+    QCOMPARE(store.searchText(), QString());
+    // The caret is left in the field.
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::Search);
+    QVERIFY(root.searchField()->field()->hasFocus());
+    QTRY_VERIFY(!root.searchField()->showsClearButton());
+}
+
+void PanelRootTest::focusRequestsReachTheParts()
+{
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
+    QSignalSpy changes(&root, &PanelRootView::focusTargetChanged);
+    m_state->requestFocus(PanelFocusTarget::List);
+    QVERIFY(root.list()->hasFocus());
+    m_state->requestFocus(PanelFocusTarget::None);
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::List);
+    m_state->requestFocus(PanelFocusTarget::Composer);
+    QTRY_VERIFY(root.composer()->field()->editor()->hasFocus());
+    // A click into the search field moves the panel's target with it.
+    QTest::mouseClick(root.searchField()->field(), Qt::LeftButton);
+    root.searchField()->field()->setFocus(Qt::MouseFocusReason);
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::Search);
+    QCOMPARE(changes.size(), 3);
+}
+
+void PanelRootTest::accessibleNames()
+{
+    PanelRootView &root = showRoot({QStringLiteral("Inbox:a|*Work:b")});
+    QCOMPARE(root.overflowButton()->accessibleName(), QStringLiteral("More options"));
+    QCOMPARE(root.searchField()->clearButton()->accessibleName(), QStringLiteral("Clear search"));
+    QCOMPARE(root.searchField()->field()->accessibleName(), QStringLiteral("Search"));
+    QCOMPARE(
+        root.composer()->attachmentButton()->accessibleName(), QStringLiteral("Add Attachment"));
+    QCOMPARE(root.composer()->attachmentButton()->toolTip(), QStringLiteral("Add images or files"));
+    QCOMPARE(root.composer()->field()->placeholder(), QStringLiteral("Add to Work"));
+    m_fixture->store().activateSection(idFor(QStringLiteral("P/Inbox")));
+    QCOMPARE(root.composer()->field()->placeholder(), QStringLiteral("Add to Inbox"));
+}
+
+VESKO_WIDGET_TEST_MAIN(PanelRootTest)
+#include "tst_panelroot.moc"

@@ -1,0 +1,363 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The Settings window of the running program, from the outside: in a
+// private X session with a window manager, a system tray (trayer) and a
+// session bus. The tray menu's "Settings" opens one "Vesko Settings" window
+// and, asked again, brings the same one forward; a screen reader's view over
+// AT-SPI finds every tab and control by its name; a toggle pressed there
+// changes Vesko.conf and the panel at once; closing only hides the window.
+
+#include "TestEnvironment.h"
+
+#include "ProgramSession.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QSettings>
+
+using namespace Vesko;
+using Test::xdotool;
+
+namespace {
+
+//! Runs the AT-SPI reader with \a arguments; its output, or nothing when it failed.
+std::optional<QByteArray> atspi(const QStringList &arguments)
+{
+    QProcess reader;
+    reader.start(QStringLiteral("/usr/bin/python3"),
+        QStringList {QStringLiteral(ATSPI_TREE_PATH)} + arguments);
+    if (!reader.waitForFinished(30000) || reader.exitCode() != 0)
+        return std::nullopt;
+    return reader.readAllStandardOutput();
+}
+
+//! Every accessible of the tree as "role|name", depth first.
+void flatten(const QJsonObject &node, QStringList &out, QHash<QString, QJsonObject> &byName)
+{
+    const QString key = node.value(QStringLiteral("role")).toString() + u'|'
+        + node.value(QStringLiteral("name")).toString();
+    out.append(key);
+    if (!byName.contains(key))
+        byName.insert(key, node);
+    for (const QJsonValue child : node.value(QStringLiteral("children")).toArray())
+        flatten(child.toObject(), out, byName);
+}
+
+QStringList windowsNamed(const QString &pattern)
+{
+    const QString found = xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+        QStringLiteral("--name"), pattern});
+    return found.isEmpty() ? QStringList() : found.split(u'\n');
+}
+
+QString windowState(const QString &window)
+{
+    QProcess xprop;
+    xprop.start(
+        QStringLiteral("xprop"), {QStringLiteral("-id"), window, QStringLiteral("_NET_WM_STATE")});
+    xprop.waitForFinished(10000);
+    return QString::fromUtf8(xprop.readAllStandardOutput());
+}
+
+//! Vesko's icon in the tray: a small window of class "vesko" inside trayer.
+QPoint trayIconCentre()
+{
+    const QString found
+        = xdotool({QStringLiteral("search"), QStringLiteral("--class"), QStringLiteral("^vesko$")});
+    for (const QString &window : found.split(u'\n', Qt::SkipEmptyParts)) {
+        const QString shell
+            = xdotool({QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window});
+        QHash<QString, int> geometry;
+        for (const QString &line : shell.split(u'\n'))
+            geometry.insert(line.section(u'=', 0, 0), line.section(u'=', 1).toInt());
+        if (geometry.value(QStringLiteral("WIDTH")) <= 32
+            && geometry.value(QStringLiteral("HEIGHT")) <= 32
+            && geometry.value(QStringLiteral("WIDTH")) > 1)
+            return QPoint(
+                geometry.value(QStringLiteral("X")) + geometry.value(QStringLiteral("WIDTH")) / 2,
+                geometry.value(QStringLiteral("Y")) + geometry.value(QStringLiteral("HEIGHT")) / 2);
+    }
+    return {};
+}
+
+} // namespace
+
+class SettingsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void cleanupTestCase();
+    void trayOpensOneWindow();
+    void screenReaderFindsEveryControl();
+    void toggleChangesTheFileAndThePanel();
+    void closingOnlyHides();
+    void launchWithoutCaptureOpensTheCaptureTab();
+
+private:
+    void openFromTray();
+    QString settingsWindow() const;
+
+    QProcess m_tray;
+    std::unique_ptr<Test::ProgramSession> m_session;
+    QProcess *m_vesko = nullptr;
+    QString m_panel;
+};
+
+void SettingsTest::initTestCase()
+{
+    if (qEnvironmentVariableIsEmpty("DISPLAY")
+        || qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
+        QSKIP("Needs an X server and a session bus: run through dbus-run-session and "
+              "tests/x-session.sh");
+    m_tray.start(QStringLiteral("trayer"),
+        {QStringLiteral("--edge"), QStringLiteral("top"), QStringLiteral("--align"),
+            QStringLiteral("right"), QStringLiteral("--widthtype"), QStringLiteral("request"),
+            QStringLiteral("--height"), QStringLiteral("24"), QStringLiteral("--transparent"),
+            QStringLiteral("false")});
+    QVERIFY(m_tray.waitForStarted(10000));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !xdotool({QStringLiteral("search"), QStringLiteral("--class"), QStringLiteral("^trayer$")})
+             .isEmpty(),
+        10000);
+    // The accessibility bus runs before the program starts, so that the
+    // program joins it as it would in a desktop session with a screen reader.
+    QCOMPARE(QProcess::execute(QStringLiteral("dbus-send"),
+                 {QStringLiteral("--session"), QStringLiteral("--print-reply"),
+                     QStringLiteral("--dest=org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
+                     QStringLiteral("org.a11y.Bus.GetAddress")}),
+        0);
+
+    m_session = std::make_unique<Test::ProgramSession>();
+    m_session->setEnvironmentVariable(
+        QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+    m_vesko = m_session->start(QStringLiteral(VESKO_PATH));
+    QTRY_VERIFY_WITH_TIMEOUT(!windowsNamed(QStringLiteral("^Vesko$")).isEmpty(), 15000);
+    m_panel = windowsNamed(QStringLiteral("^Vesko$")).first();
+    QTRY_VERIFY_WITH_TIMEOUT(!trayIconCentre().isNull(), 10000);
+}
+
+void SettingsTest::cleanupTestCase()
+{
+    if (m_vesko) {
+        m_vesko->terminate();
+        m_vesko->waitForFinished(10000);
+    }
+    m_session.reset();
+    if (m_tray.state() != QProcess::NotRunning) {
+        m_tray.terminate();
+        m_tray.waitForFinished(5000);
+    }
+}
+
+QString SettingsTest::settingsWindow() const
+{
+    const QStringList windows = windowsNamed(QStringLiteral("^Vesko Settings$"));
+    return windows.size() == 1 ? windows.first() : QString();
+}
+
+void SettingsTest::openFromTray()
+{
+    const QPoint icon = trayIconCentre();
+    QVERIFY(!icon.isNull());
+    xdotool({QStringLiteral("mousemove"), QString::number(icon.x()), QString::number(icon.y()),
+        QStringLiteral("click"), QStringLiteral("3")});
+    // The menu opens under the pointer: its last entries are "Settings" and "Quit Vesko".
+    QTRY_VERIFY_WITH_TIMEOUT(!xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                          QStringLiteral("--class"), QStringLiteral("^vesko$")})
+                                  .isEmpty(),
+        5000);
+    QTest::qWait(300);
+    xdotool({QStringLiteral("key"), QStringLiteral("Up"), QStringLiteral("Up"),
+        QStringLiteral("Return")});
+}
+
+void SettingsTest::trayOpensOneWindow()
+{
+    QVERIFY(settingsWindow().isEmpty());
+    openFromTray();
+    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), 10000);
+    const QString window = settingsWindow();
+    QCOMPARE(xdotool({QStringLiteral("getwindowpid"), window}).toLongLong(), m_vesko->processId());
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, 5000);
+
+    // With the panel in front, asking again brings the same window forward.
+    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), m_panel});
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), m_panel, 5000);
+    openFromTray();
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, 5000);
+    QCOMPARE(windowsNamed(QStringLiteral("^Vesko Settings$")), QStringList {window});
+}
+
+void SettingsTest::screenReaderFindsEveryControl()
+{
+    if (settingsWindow().isEmpty())
+        openFromTray();
+    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), 10000);
+    std::optional<QByteArray> json;
+    QTRY_VERIFY_WITH_TIMEOUT(
+        (json = atspi({QString::number(m_vesko->processId()), QStringLiteral("Vesko Settings")})),
+        30000);
+    QStringList nodes;
+    QHash<QString, QJsonObject> byName;
+    flatten(QJsonDocument::fromJson(*json).object(), nodes, byName);
+
+    const QStringList expected = {
+        "page tab|General",
+        "page tab|Capture",
+        "page tab|Storage",
+        "page tab|About",
+        "check box|Show on all workspaces",
+        "check box|Always on top",
+        "check box|Show in the system tray",
+        "check box|Show in the taskbar",
+        "check box|Open at login",
+        "check box|Keep Markdown when copying",
+        "push button|Reset Window Position",
+        "push button|Reset Window Size",
+        "check box|Capture with Shift pressed twice",
+        "slider|Time between presses",
+        "push button|Show or Hide Vesko shortcut",
+        "push button|Capture Selection shortcut",
+        "push button|Add a Note shortcut",
+        "push button|Copy Notes as List shortcut",
+        "check box|Bring the panel forward on capture",
+        "push button|Show in Files",
+        "push button|Move…",
+        "push button|Export All as Markdown…",
+        "push button|Copy This Project as List",
+        "push button|Clear Completed in This Project",
+        "label|Vesko",
+        "label|Notes stay in a local file",
+    };
+    for (const QString &entry : expected)
+        QVERIFY2(nodes.contains(entry), qPrintable(entry));
+    // On this desktop a picker is named by its label and reads its choice.
+    for (const auto &[label, choice] : {std::pair {"Appearance", "System"},
+             std::pair {"Window position", "Right"}, std::pair {"Copy as List uses", "1. 2. 3."}}) {
+        const QJsonObject picker
+            = byName.value(QStringLiteral("combo box|") + QLatin1String(choice));
+        QVERIFY2(
+            picker.value(QStringLiteral("labelled_by")).toArray().contains(QLatin1String(label)),
+            label);
+    }
+    // The slider reads its value as the tab shows it.
+    QCOMPARE(byName.value(QStringLiteral("slider|Time between presses"))
+                 .value(QStringLiteral("description"))
+                 .toString(),
+        QStringLiteral("400 ms"));
+}
+
+void SettingsTest::toggleChangesTheFileAndThePanel()
+{
+    if (settingsWindow().isEmpty())
+        openFromTray();
+    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), 10000);
+    QVERIFY(!windowState(m_panel).contains(QStringLiteral("_NET_WM_STATE_ABOVE")));
+    QVERIFY(atspi({QString::number(m_vesko->processId()), QStringLiteral("Vesko Settings"),
+        QStringLiteral("press"), QStringLiteral("Always on top")}));
+    QTRY_COMPARE_WITH_TIMEOUT(QSettings(m_session->configPath(), QSettings::IniFormat)
+                                  .value(QStringLiteral("pinOnTop"))
+                                  .toString(),
+        QStringLiteral("true"), 5000);
+    // The panel's window is made again with its new flags: look it up anew.
+    QTRY_VERIFY_WITH_TIMEOUT(windowsNamed(QStringLiteral("^Vesko$")).size() == 1
+            && windowState(windowsNamed(QStringLiteral("^Vesko$")).first())
+                   .contains(QStringLiteral("_NET_WM_STATE_ABOVE")),
+        5000);
+    m_panel = windowsNamed(QStringLiteral("^Vesko$")).first();
+
+    // The tray icon goes with its toggle.
+    QVERIFY(atspi({QString::number(m_vesko->processId()), QStringLiteral("Vesko Settings"),
+        QStringLiteral("press"), QStringLiteral("Show in the system tray")}));
+    QTRY_VERIFY_WITH_TIMEOUT(trayIconCentre().isNull(), 5000);
+    QCOMPARE(QSettings(m_session->configPath(), QSettings::IniFormat)
+                 .value(QStringLiteral("showsInMenuBar"))
+                 .toString(),
+        QStringLiteral("false"));
+    QVERIFY(atspi({QString::number(m_vesko->processId()), QStringLiteral("Vesko Settings"),
+        QStringLiteral("press"), QStringLiteral("Show in the system tray")}));
+    QTRY_VERIFY_WITH_TIMEOUT(!trayIconCentre().isNull(), 5000);
+}
+
+void SettingsTest::closingOnlyHides()
+{
+    if (settingsWindow().isEmpty())
+        openFromTray();
+    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), 10000);
+    const QString window = settingsWindow();
+    xdotool({QStringLiteral("windowmove"), QStringLiteral("--sync"), window, QStringLiteral("140"),
+        QStringLiteral("90")});
+    const QString geometry = xdotool({QStringLiteral("getwindowgeometry"), window});
+    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
+    xdotool({QStringLiteral("key"), QStringLiteral("alt+F4")});
+    QTRY_VERIFY_WITH_TIMEOUT(settingsWindow().isEmpty(), 5000);
+    QTest::qWait(200);
+    QCOMPARE(m_vesko->state(), QProcess::Running);
+    // It comes back, one window, where it stood.
+    openFromTray();
+    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), 10000);
+    QCOMPARE(xdotool({QStringLiteral("getwindowgeometry"), settingsWindow()}).section(u'\n', 1),
+        geometry.section(u'\n', 1));
+}
+
+void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
+{
+    // Another user's session, on Wayland: capture cannot work there, and the
+    // launch says why on the Capture tab.
+    Test::ProgramSession wayland;
+    wayland.setEnvironmentVariable(
+        QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+    wayland.setEnvironmentVariable(QStringLiteral("WAYLAND_DISPLAY"), QStringLiteral("wayland-0"));
+    QProcess *vesko = wayland.start(QStringLiteral(VESKO_PATH));
+    QString window;
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [&] {
+            for (const QString &candidate : windowsNamed(QStringLiteral("^Vesko Settings$"))) {
+                if (xdotool({QStringLiteral("getwindowpid"), candidate}).toLongLong()
+                    == vesko->processId())
+                    window = candidate;
+            }
+            return !window.isEmpty();
+        }(),
+        15000);
+    std::optional<QByteArray> json;
+    QTRY_VERIFY_WITH_TIMEOUT(
+        (json = atspi({QString::number(vesko->processId()), QStringLiteral("Vesko Settings")})),
+        30000);
+    QStringList nodes;
+    QHash<QString, QJsonObject> byName;
+    flatten(QJsonDocument::fromJson(*json).object(), nodes, byName);
+    // The Capture page is the one on screen: its lines show, the General page's do not.
+    QVERIFY(!byName.value(QStringLiteral("check box|Always on top"))
+                 .value(QStringLiteral("states"))
+                 .toArray()
+                 .contains(QStringLiteral("showing")));
+    const QString reason = QStringLiteral("This is a Wayland session: it keeps other "
+                                          "applications' keys and selected text away from Vesko.");
+    QVERIFY(nodes.contains(QStringLiteral("label|Capture is not available")));
+    QVERIFY2(nodes.contains(QStringLiteral("label|") + reason), qPrintable(nodes.join(u'\n')));
+    QVERIFY(byName.value(QStringLiteral("label|") + reason)
+                .value(QStringLiteral("states"))
+                .toArray()
+                .contains(QStringLiteral("showing")));
+    // The panel comes up as well.
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [&] {
+            for (const QString &candidate : windowsNamed(QStringLiteral("^Vesko$"))) {
+                if (xdotool({QStringLiteral("getwindowpid"), candidate}).toLongLong()
+                    == vesko->processId())
+                    return true;
+            }
+            return false;
+        }(),
+        10000);
+    vesko->terminate();
+    QVERIFY(vesko->waitForFinished(10000));
+}
+
+VESKO_TEST_MAIN(SettingsTest)
+#include "tst_settings.moc"

@@ -1,0 +1,556 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The Settings window in process, on real widgets over a real Store and the
+// real settings file: each control writes its preference to Vesko.conf,
+// "Open at login" shows a failure and falls back to the truth, the Capture
+// tab says why capture is unavailable, the interval slider keeps its bounds,
+// the library moves to another folder and back through the Storage tab's
+// dialog with its attachments, a move to a read-only folder shows its
+// failure, and the window is made once and keeps its place.
+
+#include "TestEnvironment.h"
+
+#include "ReadOnlyFolder.h"
+#include "SettingsRig.h"
+#include "library/LibraryCoding.h"
+#include "shell/GeneralSettingsView.h"
+#include "shell/SettingsWindowController.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSlider>
+
+using namespace Vesko;
+
+namespace {
+
+template<typename T> T *findByText(QWidget *root, const QString &text)
+{
+    for (T *widget : root->findChildren<T *>()) {
+        if (widget->text() == text)
+            return widget;
+    }
+    return nullptr;
+}
+
+//! The Storage tab's path field shows \a path.
+bool showsPath(QWidget *root, const QString &path)
+{
+    for (QLineEdit *field : root->findChildren<QLineEdit *>()) {
+        if (field->accessibleName() == u"Notes file")
+            return field->text() == path && field->isVisibleTo(root);
+    }
+    return false;
+}
+
+QLabel *visibleLabel(QWidget *root, const QString &text)
+{
+    QLabel *label = findByText<QLabel>(root, text);
+    return label && label->isVisibleTo(root) ? label : nullptr;
+}
+
+QVariant storedValue(const QString &key)
+{
+    return Preferences::openSettings()->value(key);
+}
+
+QString dataFolder()
+{
+    return Test::IsolatedEnvironment::current().dataHome() + QStringLiteral("/Vesko");
+}
+
+//! A library of one note that has one attachment, written with its file at \a libraryPath.
+void writeLibraryWithAttachment(const QString &libraryPath)
+{
+    Library library = makeDefaultLibrary();
+    Note note;
+    note.id = QUuid::createUuid();
+    note.text = QStringLiteral("with a picture");
+    note.createdAt = QDateTime::currentDateTimeUtc();
+    NoteAttachment attachment;
+    attachment.id = QUuid::createUuid();
+    attachment.fileName = QStringLiteral("picture.png");
+    attachment.storedFileName
+        = attachment.id.toString(QUuid::WithoutBraces) + QStringLiteral("/picture.png");
+    attachment.kind = NoteAttachment::Kind::Image;
+    attachment.createdAt = note.createdAt;
+    note.attachments.append(attachment);
+    library.projects[0].sections[0].notes.append(note);
+    QVERIFY(!writeLibrary(library, libraryPath));
+    const QString file = attachmentsFolder(libraryPath) + u'/' + attachment.storedFileName;
+    QDir().mkpath(QFileInfo(file).absolutePath());
+    QFile out(file);
+    QVERIFY(out.open(QIODevice::WriteOnly));
+    out.write("not really a png");
+}
+
+QStringList attachmentFiles(const QString &libraryPath)
+{
+    QStringList files;
+    const QDir folder(attachmentsFolder(libraryPath));
+    for (const QString &sub : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        for (const QString &name : QDir(folder.filePath(sub)).entryList(QDir::Files))
+            files.append(sub + u'/' + name);
+    }
+    return files;
+}
+
+QStringList noteTexts(const QString &libraryPath)
+{
+    QFile file(libraryPath);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QStringList texts;
+    if (const std::optional<Library> library = decodeLibrary(file.readAll())) {
+        for (const Project &project : library->projects)
+            for (const NoteSection &section : project.sections)
+                for (const Note &note : section.notes)
+                    texts.append(note.text);
+    }
+    return texts;
+}
+
+QFileDialog *openFileDialog()
+{
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (auto *dialog = qobject_cast<QFileDialog *>(widget); dialog && dialog->isVisible())
+            return dialog;
+    }
+    return nullptr;
+}
+
+//! Chooses \a folder in the open "Move…" dialog and confirms it.
+void confirmMoveDialog(const QString &folder)
+{
+    QTRY_VERIFY(openFileDialog());
+    QFileDialog *dialog = openFileDialog();
+    QCOMPARE(
+        dialog->windowTitle(), QStringLiteral("Choose where Vesko should keep your notes file."));
+    QCOMPARE(dialog->labelText(QFileDialog::Accept), QStringLiteral("Move Here"));
+    QCOMPARE(dialog->fileMode(), QFileDialog::Directory);
+    dialog->setDirectory(folder);
+    dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"))->setText(folder);
+    QVERIFY(QMetaObject::invokeMethod(dialog, "accept"));
+}
+
+} // namespace
+
+class SettingsViewsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void togglesWriteTheSettingsFile_data();
+    void togglesWriteTheSettingsFile();
+    void pickersWriteTheSettingsFile_data();
+    void pickersWriteTheSettingsFile();
+    void controlsFollowPreferencesChangedElsewhere();
+    void openAtLogin();
+    void openAtLoginFailureSetsTheToggleBack();
+    void captureTabSaysWhy_data();
+    void captureTabSaysWhy();
+    void intervalSliderKeepsItsBounds();
+    void moveThereAndBackThroughTheDialog();
+    void moveToReadOnlyFolderShowsTheFailure();
+    void housekeepingCounts();
+    void windowIsMadeOnceAndKeepsItsPlace();
+    void appearanceRebuildsTheWindowOnItsTab();
+
+private:
+    LoginItem loginItem() const
+    {
+        return LoginItem(m_autostart.path(), QStringLiteral("/usr/bin/vesko"));
+    }
+
+    QTemporaryDir m_autostart;
+    std::unique_ptr<Test::SettingsRig> m_rig;
+    std::unique_ptr<SettingsView> m_view;
+};
+
+void SettingsViewsTest::init()
+{
+    Preferences::openSettings()->clear();
+    QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
+    m_rig = std::make_unique<Test::SettingsRig>();
+    m_view = std::make_unique<SettingsView>(m_rig->services(loginItem()));
+    m_view->resize(480, 430);
+    m_view->show();
+}
+
+void SettingsViewsTest::cleanup()
+{
+    m_view.reset();
+    m_rig.reset();
+}
+
+void SettingsViewsTest::togglesWriteTheSettingsFile_data()
+{
+    QTest::addColumn<int>("tab");
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<bool>("before");
+    QTest::newRow("all workspaces") << 0 << "Show on all workspaces"
+                                    << "joinsAllSpaces" << true;
+    QTest::newRow("on top") << 0 << "Always on top"
+                            << "pinOnTop" << false;
+    QTest::newRow("tray") << 0 << "Show in the system tray"
+                          << "showsInMenuBar" << true;
+    QTest::newRow("taskbar") << 0 << "Show in the taskbar"
+                             << "showsInDock" << false;
+    QTest::newRow("markdown") << 0 << "Keep Markdown when copying"
+                              << "copyIncludesMarkdown" << true;
+    QTest::newRow("double shift") << 1 << "Capture with Shift pressed twice"
+                                  << "doubleShiftEnabled" << true;
+    QTest::newRow("panel on capture") << 1 << "Bring the panel forward on capture"
+                                      << "showPanelOnCapture" << true;
+}
+
+void SettingsViewsTest::togglesWriteTheSettingsFile()
+{
+    QFETCH(int, tab);
+    QFETCH(QString, label);
+    QFETCH(QString, key);
+    QFETCH(bool, before);
+    m_view->setCurrentIndex(tab);
+    QCheckBox *box = findByText<QCheckBox>(m_view.get(), label);
+    QVERIFY(box);
+    QCOMPARE(box->isChecked(), before);
+    QCOMPARE(box->accessibleName().isEmpty() ? box->text() : box->accessibleName(), label);
+    QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
+    QCOMPARE(box->isChecked(), !before);
+    QCOMPARE(storedValue(key).toBool(), !before);
+    QCOMPARE(m_rig->preferences.property(key.toLatin1()).toBool(), !before);
+}
+
+void SettingsViewsTest::pickersWriteTheSettingsFile_data()
+{
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<QString>("choice");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("stored");
+    QTest::newRow("appearance") << "Appearance"
+                                << "Dark"
+                                << "appearance"
+                                << "dark";
+    QTest::newRow("window position") << "Window position"
+                                     << "Left"
+                                     << "panelEdge"
+                                     << "left";
+    QTest::newRow("list style") << "Copy as List uses"
+                                << "- - -"
+                                << "listStyle"
+                                << "dash";
+    QTest::newRow("no marker") << "Copy as List uses"
+                               << "No marker"
+                               << "listStyle"
+                               << "plain";
+}
+
+void SettingsViewsTest::pickersWriteTheSettingsFile()
+{
+    QFETCH(QString, label);
+    QFETCH(QString, choice);
+    QFETCH(QString, key);
+    QFETCH(QString, stored);
+    m_rig->preferences.setStoredPanelFrame(QRectF(10, 10, 300, 400));
+    QComboBox *picker = nullptr;
+    for (QComboBox *box : m_view->findChildren<QComboBox *>()) {
+        if (box->accessibleName() == label)
+            picker = box;
+    }
+    QVERIFY(picker);
+    const int index = picker->findText(choice);
+    QVERIFY(index >= 0);
+    picker->setCurrentIndex(index);
+    Q_EMIT picker->activated(index);
+    QCOMPARE(storedValue(key).toString(), stored);
+    // Choosing a position forgets where the panel was left.
+    QCOMPARE(m_rig->preferences.storedPanelFrame().has_value(), key != u"panelEdge");
+}
+
+void SettingsViewsTest::controlsFollowPreferencesChangedElsewhere()
+{
+    m_rig->preferences.setPinOnTop(true);
+    m_rig->preferences.setListStyle(ListStyle::Plain);
+    m_rig->preferences.setShowPanelOnCapture(false);
+    QVERIFY(findByText<QCheckBox>(m_view.get(), QStringLiteral("Always on top"))->isChecked());
+    QVERIFY(
+        !findByText<QCheckBox>(m_view.get(), QStringLiteral("Bring the panel forward on capture"))
+             ->isChecked());
+    bool found = false;
+    for (QComboBox *box : m_view->findChildren<QComboBox *>())
+        found = found
+            || (box->accessibleName() == u"Copy as List uses"
+                && box->currentText() == u"No marker");
+    QVERIFY(found);
+}
+
+void SettingsViewsTest::openAtLogin()
+{
+    QCheckBox *toggle = findByText<QCheckBox>(m_view.get(), QStringLiteral("Open at login"));
+    const QString entry = m_autostart.filePath(QStringLiteral("vesko.desktop"));
+    QVERIFY(!toggle->isChecked());
+    toggle->click();
+    QVERIFY(toggle->isChecked());
+    QVERIFY(QFile::exists(entry));
+    toggle->click();
+    QVERIFY(!toggle->isChecked());
+    QVERIFY(!QFile::exists(entry));
+    QVERIFY(m_view->general()->launchError().isEmpty());
+}
+
+void SettingsViewsTest::openAtLoginFailureSetsTheToggleBack()
+{
+    QTemporaryDir root;
+    const QString folder = root.filePath(QStringLiteral("autostart"));
+    Test::ReadOnlyFolder readOnly(folder);
+    if (!readOnly.isMounted())
+        QSKIP("Mounting a read-only tmpfs is not permitted here");
+    SettingsView view(m_rig->services(LoginItem(folder, QStringLiteral("/usr/bin/vesko"))));
+    view.show();
+    QCheckBox *toggle = findByText<QCheckBox>(&view, QStringLiteral("Open at login"));
+    toggle->click();
+    QVERIFY(!toggle->isChecked());
+    const QString error = view.general()->launchError();
+    QVERIFY2(error.contains(QStringLiteral("Read-only file system")), qPrintable(error));
+    QVERIFY(visibleLabel(&view, error));
+    QCOMPARE(toggle->accessibleDescription(), error);
+}
+
+void SettingsViewsTest::captureTabSaysWhy_data()
+{
+    QTest::addColumn<int>("obstacle");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("wayland") << int(CaptureObstacle::WaylandSession)
+                             << "This is a Wayland session: it keeps other applications' keys "
+                                "and selected text away from Vesko.";
+    QTest::newRow("xtest") << int(CaptureObstacle::NoXTest)
+                           << "The X server lacks XTEST, which Vesko uses to copy the selected "
+                              "text.";
+    QTest::newRow("no x server") << int(CaptureObstacle::NoXServer)
+                                 << "Vesko is not running on an X server, so it cannot see other "
+                                    "applications' keys and selected text.";
+}
+
+void SettingsViewsTest::captureTabSaysWhy()
+{
+    QFETCH(int, obstacle);
+    QFETCH(QString, reason);
+    m_view.reset();
+    m_rig = std::make_unique<Test::SettingsRig>([] { return false; });
+    SettingsView view(
+        m_rig->services(loginItem(), [obstacle] { return CaptureObstacle(obstacle); }));
+    view.showTab(SettingsTab::Capture);
+    view.show();
+    QVERIFY(visibleLabel(&view, QStringLiteral("Capture is not available")));
+    QVERIFY(visibleLabel(&view, reason));
+    QVERIFY(findByText<QPushButton>(&view, QStringLiteral("Check Again"))->isVisibleTo(&view));
+    // Nothing can be grabbed here, so no combination is said to be taken.
+    const auto holdToggle = [](Test::SettingsRig &rig) {
+        const KeyCombo toggle = *rig.hotKeys.combo(HotKeyAction::TogglePanel);
+        rig.registrar.taken.insert(qMakePair(toggle.keyCode, toggle.modifiers));
+        rig.hotKeys.registerAll();
+    };
+    const QString taken = QStringLiteral("Taken by another application");
+    holdToggle(*m_rig);
+    QVERIFY(!visibleLabel(&view, taken));
+
+    // In a session where capture works, the tab says so and nothing more.
+    Test::SettingsRig working;
+    SettingsView fine(working.services(loginItem()));
+    fine.showTab(SettingsTab::Capture);
+    fine.show();
+    QVERIFY(visibleLabel(&fine, QStringLiteral("Capture is available")));
+    QVERIFY(!visibleLabel(&fine, reason));
+    QVERIFY(!findByText<QPushButton>(&fine, QStringLiteral("Check Again"))->isVisibleTo(&fine));
+    holdToggle(working);
+    QVERIFY(visibleLabel(&fine, taken));
+}
+
+void SettingsViewsTest::intervalSliderKeepsItsBounds()
+{
+    m_view.reset();
+    m_rig->preferences.setDoubleShiftInterval(5);
+    SettingsView view(m_rig->services(loginItem()));
+    view.showTab(SettingsTab::Capture);
+    view.show();
+    QSlider *slider = view.findChild<QSlider *>();
+    QCOMPARE(slider->accessibleName(), QStringLiteral("Time between presses"));
+    // 0.2 to 0.8 seconds in steps of 0.05.
+    QCOMPARE(slider->minimum() * 50, 200);
+    QCOMPARE(slider->maximum() * 50, 800);
+    // A longer stored interval shows at the end and stays as it is.
+    QCOMPARE(slider->value(), slider->maximum());
+    QVERIFY(visibleLabel(&view, QStringLiteral("5000 ms")));
+    QCOMPARE(m_rig->preferences.doubleShiftInterval(), 5.0);
+
+    slider->setFocus();
+    QTest::keyClick(slider, Qt::Key_Left);
+    QCOMPARE(m_rig->preferences.doubleShiftInterval(), 0.75);
+    QCOMPARE(storedValue(QStringLiteral("doubleShiftInterval")).toDouble(), 0.75);
+    QVERIFY(visibleLabel(&view, QStringLiteral("750 ms")));
+    QTest::keyClick(slider, Qt::Key_Home);
+    QCOMPARE(m_rig->preferences.doubleShiftInterval(), 0.2);
+    QVERIFY(visibleLabel(&view, QStringLiteral("200 ms")));
+}
+
+void SettingsViewsTest::moveThereAndBackThroughTheDialog()
+{
+    m_view.reset();
+    m_rig.reset();
+    const QString home = dataFolder() + QStringLiteral("/Library.json");
+    writeLibraryWithAttachment(home);
+    const QStringList files = attachmentFiles(home);
+    QCOMPARE(files.size(), 1);
+    m_rig = std::make_unique<Test::SettingsRig>();
+    SettingsView view(m_rig->services(loginItem()));
+    view.showTab(SettingsTab::Storage);
+    view.show();
+    StorageSettingsView *storage = view.storage();
+    QPushButton *useDefault
+        = findByText<QPushButton>(&view, QStringLiteral("Use Default Location"));
+    QVERIFY(!useDefault->isVisibleTo(&view));
+    QVERIFY(showsPath(&view, home));
+
+    const QString away = Test::IsolatedEnvironment::current().root() + QStringLiteral("/Synced");
+    QDir().mkpath(away);
+    findByText<QPushButton>(&view, QStringLiteral("Move…"))->click();
+    confirmMoveDialog(away);
+    // The progress line shows while the move runs.
+    QVERIFY(storage->isMoving());
+    QVERIFY(visibleLabel(&view, QStringLiteral("Moving your notes…")));
+    QTRY_VERIFY(!storage->isMoving());
+    QVERIFY(!visibleLabel(&view, QStringLiteral("Moving your notes…")));
+
+    const QString moved = away + QStringLiteral("/Library.json");
+    QCOMPARE(storage->error(), QString());
+    QCOMPARE(storedValue(QStringLiteral("libraryPath")).toString(), moved);
+    QCOMPARE(noteTexts(moved), QStringList {QStringLiteral("with a picture")});
+    QCOMPARE(attachmentFiles(moved), files);
+    QVERIFY(!QFile::exists(home));
+    QVERIFY(!QDir(attachmentsFolder(home)).exists());
+    QVERIFY(useDefault->isVisibleTo(&view));
+    QVERIFY(showsPath(&view, moved));
+
+    useDefault->click();
+    QTRY_VERIFY(!storage->isMoving());
+    QCOMPARE(storage->error(), QString());
+    QCOMPARE(m_rig->preferences.libraryPath(), home);
+    QCOMPARE(noteTexts(home), QStringList {QStringLiteral("with a picture")});
+    QCOMPARE(attachmentFiles(home), files);
+    QVERIFY(!QFile::exists(moved));
+    QVERIFY(!useDefault->isVisibleTo(&view));
+}
+
+void SettingsViewsTest::moveToReadOnlyFolderShowsTheFailure()
+{
+    const QString target = Test::IsolatedEnvironment::current().root() + QStringLiteral("/ro");
+    Test::ReadOnlyFolder readOnly(target);
+    if (!readOnly.isMounted())
+        QSKIP("Mounting a read-only tmpfs is not permitted here");
+    m_rig->store.addNote(QStringLiteral("stays home"));
+    m_rig->store.flushSave();
+    const QString home = m_rig->preferences.libraryPath();
+    m_view->showTab(SettingsTab::Storage);
+    StorageSettingsView *storage = m_view->storage();
+    storage->moveLibrary(target);
+    QTRY_VERIFY(!storage->isMoving());
+    QVERIFY2(storage->error().contains(QStringLiteral("Read-only file system")),
+        qPrintable(storage->error()));
+    QVERIFY(visibleLabel(m_view.get(), storage->error()));
+    QCOMPARE(m_rig->preferences.libraryPath(), home);
+    QCOMPARE(noteTexts(home), QStringList {QStringLiteral("stays home")});
+    QVERIFY(!findByText<QPushButton>(m_view.get(), QStringLiteral("Use Default Location"))
+                 ->isVisibleTo(m_view.get()));
+}
+
+void SettingsViewsTest::housekeepingCounts()
+{
+    m_view->showTab(SettingsTab::Storage);
+    QVERIFY(visibleLabel(m_view.get(), QStringLiteral("0 in this project")));
+    for (const char *text : {"one", "two", "three"})
+        m_rig->store.addNote(QString::fromLatin1(text));
+    m_rig->store.setDone({m_rig->store.visibleNotes().first().id}, true);
+    m_rig->store.createProject(QStringLiteral("Second"));
+    QVERIFY(visibleLabel(m_view.get(), QStringLiteral("2")));
+    // The counts belong to the active project: the new one is active and empty.
+    QVERIFY(visibleLabel(m_view.get(), QStringLiteral("0 in this project")));
+    m_rig->store.switchProject(m_rig->store.library().projects.first().id);
+    QVERIFY(visibleLabel(m_view.get(), QStringLiteral("3 in this project")));
+    findByText<QPushButton>(m_view.get(), QStringLiteral("Clear Completed in This Project"))
+        ->click();
+    QVERIFY(visibleLabel(m_view.get(), QStringLiteral("2 in this project")));
+
+    findByText<QPushButton>(m_view.get(), QStringLiteral("Copy This Project as List"))->click();
+    QCOMPARE(m_rig->clipboard.text(), QStringLiteral("1. two\n2. three"));
+    findByText<QPushButton>(m_view.get(), QStringLiteral("Show in Files"))->click();
+    QCOMPARE(m_rig->revealed, QStringList {m_rig->preferences.libraryPath()});
+}
+
+void SettingsViewsTest::windowIsMadeOnceAndKeepsItsPlace()
+{
+    m_view.reset();
+    {
+        SettingsWindowController controller;
+        controller.setServices(m_rig->services(loginItem()), m_rig->permission);
+        controller.show();
+        QWidget *window = controller.window();
+        QVERIFY(window);
+        QCOMPARE(window->windowTitle(), QStringLiteral("Vesko Settings"));
+        QVERIFY(window->isVisible());
+        controller.show(SettingsTab::Storage);
+        QCOMPARE(controller.window(), window);
+        QCOMPARE(controller.view()->currentIndex(), int(SettingsTab::Storage));
+
+        // Closing only hides it.
+        QVERIFY(window->close());
+        QVERIFY(!window->isVisible());
+        controller.show();
+        QCOMPARE(controller.window(), window);
+        QVERIFY(window->isVisible());
+        QCOMPARE(controller.view()->currentIndex(), int(SettingsTab::Storage));
+        window->move(123, 77);
+        QVERIFY(window->close());
+    }
+    // The next window, in a later run, comes up where the last one stood.
+    SettingsWindowController controller;
+    controller.setServices(m_rig->services(loginItem()), m_rig->permission);
+    controller.show();
+    QCOMPARE(controller.window()->pos(), QPoint(123, 77));
+}
+
+void SettingsViewsTest::appearanceRebuildsTheWindowOnItsTab()
+{
+    m_view.reset();
+    SettingsWindowController controller;
+    controller.setServices(m_rig->services(loginItem()), m_rig->permission);
+    controller.show(SettingsTab::About);
+    SettingsView *before = controller.view();
+    controller.refreshAppearance();
+    QVERIFY(controller.view() != before);
+    QCOMPARE(controller.view()->currentIndex(), int(SettingsTab::About));
+    QCOMPARE(
+        controller.window()->findChildren<SettingsView *>().size(), 2); // the old one goes later
+    QTRY_COMPARE(controller.window()->findChildren<SettingsView *>().size(), 1);
+}
+
+int main(int argc, char *argv[])
+{
+    Vesko::Test::IsolatedEnvironment environment;
+    QApplication app(argc, argv);
+    SettingsViewsTest test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_settingsviews.moc"

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Global hot keys on a real X server (tests/x-session.sh), pressed with
+// xdotool through the hot-key center: one report per press, also for a key
+// held through the keyboard's repeats; a combination another program holds
+// is refused and remembered; a second action on a taken combination is
+// refused, and letting it go leaves the first action's grab alone; Caps Lock
+// and Num Lock do not block a combination; on a Wayland session nothing is
+// grabbed.
+
+#include "ProgramSession.h"
+#include "TestEnvironment.h"
+
+#include "capture/HotKeyCenter.h"
+#include "platform/KeyMonitor.h"
+#include "platform/SettingsFile.h"
+#include "platform/x11/X11HotKeys.h"
+
+#include <QProcess>
+
+using namespace Vesko;
+using Test::xdotool;
+
+namespace {
+
+// X key codes and the X mask of Super+Alt (Mod4 | Mod1).
+constexpr int spaceKey = 65;
+constexpr int superAltMask = 64 | 8;
+
+//! Another program holding a key: the key_grabber helper.
+class KeyGrabber
+{
+public:
+    //! "grabbed", or "taken" when someone holds the key already.
+    QString grab(int keyCode, int mask)
+    {
+        m_process.start(
+            QStringLiteral(KEY_GRABBER_PATH), {QString::number(keyCode), QString::number(mask)});
+        if (!m_process.waitForStarted()
+            || !QTest::qWaitFor([this] { return m_process.canReadLine(); }, 10000))
+            return {};
+        return QString::fromUtf8(m_process.readLine()).trimmed();
+    }
+    void release()
+    {
+        m_process.closeWriteChannel();
+        m_process.waitForFinished(5000);
+    }
+    ~KeyGrabber()
+    {
+        if (m_process.state() != QProcess::NotRunning) {
+            m_process.kill();
+            m_process.waitForFinished();
+        }
+    }
+
+private:
+    QProcess m_process;
+};
+
+//! The hot-key center over the X server, recording what it reports.
+struct HotKeys
+{
+    HotKeys()
+        : center(registrar)
+    {
+        center.setHandler([this](HotKeyAction action) { pressed.append(action); });
+        center.installEventHandler();
+        center.registerAll();
+    }
+    ~HotKeys() { center.unregisterAll(); }
+
+    //! Every report of the keys sent so far: Super+Alt+L (copy as list) goes
+    //! last as a marker, and the server delivers in order.
+    QList<HotKeyAction> reports()
+    {
+        xdotool({QStringLiteral("key"), QStringLiteral("super+alt+l")});
+        if (!QTest::qWaitFor(
+                [this] {
+                    return !pressed.isEmpty()
+                        && pressed.last() == HotKeyAction::CopySelectionAsList;
+                },
+                10000))
+            return {HotKeyAction::CopySelectionAsList}; // cannot match a list without a marker
+        QList<HotKeyAction> sent = std::exchange(pressed, {});
+        sent.removeLast();
+        return sent;
+    }
+
+    X11HotKeys registrar;
+    HotKeyCenter center;
+    QList<HotKeyAction> pressed;
+};
+
+} // namespace
+
+class X11HotKeysTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void onePressOneReport_data();
+    void onePressOneReport();
+    void takenByAnotherProgram();
+    void secondActionOnATakenCombination();
+    void locksDoNotBlock_data();
+    void locksDoNotBlock();
+    void nothingGrabbedOnWayland();
+};
+
+void X11HotKeysTest::initTestCase()
+{
+    if (qEnvironmentVariableIsEmpty("DISPLAY"))
+        QSKIP("Needs an X server: run through tests/x-session.sh");
+}
+
+void X11HotKeysTest::init()
+{
+    openSettingsFile()->clear();
+}
+
+void X11HotKeysTest::onePressOneReport_data()
+{
+    QTest::addColumn<QStringList>("keys");
+    QTest::addColumn<int>("toggles");
+    QTest::newRow("a tap") << QStringList {"key", "super+alt+space"} << 1;
+    QTest::newRow("held through the keyboard's repeats")
+        << QStringList {"keydown", "super+alt+space", "sleep", "1.2", "keyup", "super+alt+space"}
+        << 1;
+    QTest::newRow("held, then tapped") << QStringList {"keydown", "super+alt+space", "sleep", "0.9",
+        "keyup", "super+alt+space", "sleep", "0.1", "key", "super+alt+space"}
+                                       << 2;
+    QTest::newRow("Super+Alt held, Space tapped twice") << QStringList {"keydown", "super+alt",
+        "key", "space", "sleep", "0.1", "key", "space", "keyup", "super+alt"}
+                                                        << 2;
+}
+
+void X11HotKeysTest::onePressOneReport()
+{
+    QFETCH(QStringList, keys);
+    QFETCH(int, toggles);
+    HotKeys hotKeys;
+    QVERIFY(hotKeys.center.isRegistered(HotKeyAction::TogglePanel));
+    xdotool(keys);
+    QCOMPARE(hotKeys.reports(), QList<HotKeyAction>(toggles, HotKeyAction::TogglePanel));
+}
+
+void X11HotKeysTest::takenByAnotherProgram()
+{
+    KeyGrabber other;
+    QCOMPARE(other.grab(spaceKey, superAltMask), QStringLiteral("grabbed"));
+    HotKeys hotKeys;
+    QVERIFY(!hotKeys.center.isRegistered(HotKeyAction::TogglePanel));
+    QVERIFY(hotKeys.center.isRefused(HotKeyAction::TogglePanel));
+    QVERIFY(hotKeys.center.isRegistered(HotKeyAction::CaptureSelection));
+    QVERIFY(!hotKeys.center.isRefused(HotKeyAction::CaptureSelection));
+    xdotool({QStringLiteral("key"), QStringLiteral("super+alt+space")});
+    QCOMPARE(hotKeys.reports(), QList<HotKeyAction> {});
+
+    // Once the other program lets go, setting the combination again takes it.
+    other.release();
+    hotKeys.center.setCombo(
+        KeyCombo::defaultFor(HotKeyAction::TogglePanel), HotKeyAction::TogglePanel);
+    QVERIFY(hotKeys.center.isRegistered(HotKeyAction::TogglePanel));
+    QVERIFY(!hotKeys.center.isRefused(HotKeyAction::TogglePanel));
+    xdotool({QStringLiteral("key"), QStringLiteral("super+alt+space")});
+    QCOMPARE(hotKeys.reports(), QList<HotKeyAction> {HotKeyAction::TogglePanel});
+}
+
+void X11HotKeysTest::secondActionOnATakenCombination()
+{
+    // An edited settings file: "Add a Note" on Super+Alt+C, the capture's combination.
+    openSettingsFile()->setValue(HotKeyCenter::settingsKey(HotKeyAction::QuickAdd),
+        KeyCombo::defaultFor(HotKeyAction::CaptureSelection).toJson());
+    HotKeys hotKeys;
+    QVERIFY(hotKeys.center.isRegistered(HotKeyAction::CaptureSelection));
+    QVERIFY(!hotKeys.center.isRegistered(HotKeyAction::QuickAdd));
+    QVERIFY(hotKeys.center.isRefused(HotKeyAction::QuickAdd));
+    xdotool({QStringLiteral("key"), QStringLiteral("super+alt+c")});
+    QCOMPARE(hotKeys.reports(), QList<HotKeyAction> {HotKeyAction::CaptureSelection});
+
+    // Letting the refused action go leaves the capture's grab where it was.
+    hotKeys.center.clearCombo(HotKeyAction::QuickAdd);
+    xdotool({QStringLiteral("key"), QStringLiteral("super+alt+c")});
+    QCOMPARE(hotKeys.reports(), QList<HotKeyAction> {HotKeyAction::CaptureSelection});
+
+    // And "Add a Note" takes a free combination.
+    hotKeys.center.setCombo(
+        {57, ModifierFlag::Control | ModifierFlag::Option}, HotKeyAction::QuickAdd);
+    QVERIFY(hotKeys.center.isRegistered(HotKeyAction::QuickAdd));
+    xdotool({QStringLiteral("key"), QStringLiteral("super+alt+n"), QStringLiteral("super+alt+c")});
+    QCOMPARE(hotKeys.reports(),
+        (QList<HotKeyAction> {HotKeyAction::QuickAdd, HotKeyAction::CaptureSelection}));
+}
+
+void X11HotKeysTest::locksDoNotBlock_data()
+{
+    QTest::addColumn<QStringList>("locks");
+    QTest::newRow("Caps Lock") << QStringList {"Caps_Lock"};
+    QTest::newRow("Num Lock") << QStringList {"Num_Lock"};
+    QTest::newRow("both") << QStringList {"Caps_Lock", "Num_Lock"};
+}
+
+void X11HotKeysTest::locksDoNotBlock()
+{
+    QFETCH(QStringList, locks);
+    HotKeys hotKeys;
+    // Each lock key toggles its lock: on for the press, off again after.
+    xdotool(QStringList {"key"} + locks);
+    xdotool({QStringLiteral("key"), QStringLiteral("super+alt+space")});
+    const QList<HotKeyAction> reports = hotKeys.reports();
+    xdotool(QStringList {"key"} + locks);
+    QCOMPARE(reports, QList<HotKeyAction> {HotKeyAction::TogglePanel});
+}
+
+void X11HotKeysTest::nothingGrabbedOnWayland()
+{
+    qputenv("WAYLAND_DISPLAY", "wayland-0");
+    X11HotKeys registrar;
+    HotKeyCenter center(registrar);
+    center.registerAll();
+    qunsetenv("WAYLAND_DISPLAY");
+    QVERIFY(!registrar.isAvailable());
+    for (HotKeyAction action : allHotKeyActions) {
+        QVERIFY(!center.isRegistered(action));
+        QVERIFY(!center.isRefused(action));
+    }
+    // The key is free for any other program.
+    KeyGrabber other;
+    QCOMPARE(other.grab(spaceKey, superAltMask), QStringLiteral("grabbed"));
+}
+
+VESKO_TEST_MAIN(X11HotKeysTest)
+#include "tst_x11hotkeys.moc"
