@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Pasting attachments from the clipboard of a real X server (under Xvfb),
-// held by real other applications: xclip, and a small Qt program that
-// offers several formats at once or takes the clipboard and never answers.
+// held by real other applications: xclip, and a small program that offers
+// several formats at once, takes the clipboard and never answers, or
+// answers late.
 
 #include "TestEnvironment.h"
 
@@ -12,6 +13,7 @@
 #include "platform/DesktopFiles.h"
 #include "platform/FileChooser.h"
 #include "platform/qt/QtPasteboardReader.h"
+#include "platform/x11/X11ClipboardReader.h"
 #include "shell/Preferences.h"
 #include "store/Store.h"
 
@@ -97,12 +99,16 @@ private Q_SLOTS:
     void fileTakesPrecedenceOverImage();
     void pngBeforeOtherImages();
     void jpegBecomesPng();
+    void brokenImageLeavesTheNextFormat();
     void largeImageComesInPieces();
     void remoteLinksFallBackToTheImage();
     void nothingUsable_data();
     void nothingUsable();
     void silentOwnerDoesNotHoldTheProgram();
+    void lateAnswerIsNotTakenForTheNext();
     void ownClipboardIsReadDirectly();
+    void pasteEndsOnDiskAndInTheLibrary_data();
+    void pasteEndsOnDiskAndInTheLibrary();
 
 private:
     QString writeScratch(const QString &name, const QByteArray &bytes);
@@ -255,6 +261,21 @@ void AttachmentClipboardTest::jpegBecomesPng()
         && qAbs(centre.blue() - 40) < 12);
 }
 
+void AttachmentClipboardTest::brokenImageLeavesTheNextFormat()
+{
+    const QString broken = writeScratch(QStringLiteral("broken.jpg"), "no JPEG at all");
+    const QString bmp
+        = writeScratch(QStringLiteral("image.bmp"), encoded(filled(9, 5, Qt::darkRed), "BMP"));
+    QVERIFY(
+        startOwner({QStringLiteral("image/jpeg=") + broken, QStringLiteral("image/bmp=") + bmp}));
+
+    const std::optional<PasteboardContent> content = readClipboard();
+    QVERIFY(content);
+    const QImage image = QImage::fromData(content->png, "PNG");
+    QCOMPARE(image.size(), QSize(9, 5));
+    QCOMPARE(image.pixelColor(4, 2), QColor(Qt::darkRed));
+}
+
 void AttachmentClipboardTest::largeImageComesInPieces()
 {
     // Larger than one request of the X protocol can carry: it comes in pieces.
@@ -344,6 +365,37 @@ void AttachmentClipboardTest::silentOwnerDoesNotHoldTheProgram()
     QVERIFY(content->isEmpty());
 }
 
+void AttachmentClipboardTest::lateAnswerIsNotTakenForTheNext()
+{
+    // The owner answers the first request 2.6 s late, after the reader has
+    // given up on it at 2 s, and the second 1.4 s after it was asked: the
+    // late answer comes while the second read waits for its own.
+    const QByteArray pngBytes = encoded(filled(8, 8, Qt::cyan), "PNG");
+    const QString png = writeScratch(QStringLiteral("late.png"), pngBytes);
+    QVERIFY(startOwner({QStringLiteral("--answer-after"), QStringLiteral("2600,1400"),
+        QStringLiteral("image/png=") + png}));
+
+    X11ClipboardReader reader;
+    QVERIFY(reader.isValid());
+    reader.setSilenceTimeout(2000);
+    std::optional<std::optional<QByteArray>> first;
+    std::optional<QStringList> offers;
+    reader.read(
+        QStringLiteral("image/png"), [&](const std::optional<QByteArray> &data) { first = data; });
+    reader.offers([&](const QStringList &formats) { offers = formats; });
+    QVERIFY(QTest::qWaitFor([&] { return offers.has_value(); }, 20000));
+    QVERIFY(first.has_value());
+    QCOMPARE(*first, std::nullopt); // given up on
+    QCOMPARE(*offers, QStringList({"TARGETS", "image/png"}));
+
+    // The next read, answered in time, gets its own answer whole.
+    std::optional<std::optional<QByteArray>> third;
+    reader.read(
+        QStringLiteral("image/png"), [&](const std::optional<QByteArray> &data) { third = data; });
+    QVERIFY(QTest::qWaitFor([&] { return third.has_value(); }, 20000));
+    QCOMPARE(*third, std::optional<QByteArray>(pngBytes));
+}
+
 void AttachmentClipboardTest::ownClipboardIsReadDirectly()
 {
     auto *data = new QMimeData;
@@ -356,6 +408,69 @@ void AttachmentClipboardTest::ownClipboardIsReadDirectly()
     const QImage image = QImage::fromData(content->png, "PNG");
     QCOMPARE(image.size(), QSize(5, 7));
     QCOMPARE(image.pixelColor(2, 3), QColor(Qt::magenta));
+}
+
+void AttachmentClipboardTest::pasteEndsOnDiskAndInTheLibrary_data()
+{
+    QTest::addColumn<QString>("offered"); // image, file
+    QTest::newRow("an image from xclip") << "image";
+    QTest::newRow("a file from xclip") << "file";
+}
+
+void AttachmentClipboardTest::pasteEndsOnDiskAndInTheLibrary()
+{
+    QFETCH(QString, offered);
+    QByteArray expectedBytes;
+    QString expectedName;
+    if (offered == u"image") {
+        expectedBytes = encoded(noise(64, 48), "PNG");
+        expectedName = QStringLiteral("Pasted Image.png");
+        QVERIFY(offerWithXclip(
+            QStringLiteral("image/png"), writeScratch(QStringLiteral("shot.png"), expectedBytes)));
+    } else {
+        expectedBytes = "the minutes of the meeting";
+        expectedName = QStringLiteral("minutes.txt");
+        const QString file = writeScratch(expectedName, expectedBytes);
+        QVERIFY(offerWithXclip(QStringLiteral("text/uri-list"),
+            writeScratch(QStringLiteral("list"), QUrl::fromLocalFile(file).toEncoded() + "\r\n")));
+    }
+
+    Preferences::openSettings()->clear();
+    QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
+    Preferences preferences;
+    LibraryWriter writer;
+    AttachmentStore files;
+    SearchIndex searchIndex(m_scratch->filePath(QStringLiteral("index.sqlite")));
+    Store store(makeDefaultLibrary(), {preferences, writer, files, searchIndex});
+    const QUuid noteID = store.addNote(QStringLiteral("target"))->id;
+    NoChooser chooser;
+    NoDesktop desktop;
+    RecordingFeedback feedback;
+    AttachmentActions actions({store, files, chooser, *m_reader, desktop, feedback});
+    actions.pasteIntoNote(noteID);
+    QVERIFY(QTest::qWaitFor([&] { return !store.note(noteID)->attachments.isEmpty(); }, 20000));
+    QVERIFY(feedback.toasts.isEmpty());
+
+    const NoteAttachment attachment = store.note(noteID)->attachments.first();
+    QCOMPARE(attachment.fileName, expectedName);
+    QFile stored(attachmentsFolder(libraryURL()) + u'/' + attachment.storedFileName);
+    QVERIFY(stored.open(QIODevice::ReadOnly));
+    QCOMPARE(stored.readAll(), expectedBytes);
+
+    // And in the library file, once written.
+    store.flushSave();
+    const Library library = loadLibrary(libraryURL());
+    QList<NoteAttachment> saved;
+    for (const Project &project : library.projects)
+        for (const NoteSection &section : project.sections)
+            for (const Note &note : section.notes)
+                if (note.id == noteID)
+                    saved = note.attachments;
+    // The file keeps dates to the second.
+    NoteAttachment expected = attachment;
+    expected.createdAt
+        = QDateTime::fromSecsSinceEpoch(attachment.createdAt.toSecsSinceEpoch(), Qt::UTC);
+    QCOMPARE(saved, QList<NoteAttachment> {expected});
 }
 
 int main(int argc, char *argv[])

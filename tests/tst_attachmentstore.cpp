@@ -2,10 +2,13 @@
 //
 // Importing files and pasted images into the attachments folder, with real
 // files in temporary folders: all or nothing under real faults (a missing
-// file, a dangling link, a full disk on a small tmpfs), private permissions
-// whatever the umask, a 1 GiB sparse file copied without holding it in
-// memory, and the Store's import racing the deletion of its note.
+// file, a dangling link, a file without read permission, a full disk on a
+// small tmpfs), private permissions whatever the umask, a 1 GiB sparse file
+// copied without holding it in memory, a pipe that never blocks the copy,
+// the importer stopped at quit, and the Store's import racing the deletion
+// of its note.
 
+#include "OtherUser.h"
 #include "TestEnvironment.h"
 
 #include "attachments/AttachmentStore.h"
@@ -19,6 +22,8 @@
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+
+#include <future>
 
 #include <fcntl.h>
 #include <sys/mount.h>
@@ -152,9 +157,11 @@ private Q_SLOTS:
     void contentType();
     void filesAndFoldersArePrivate();
     void pastedImageIsWrittenWhole();
+    void failedPastedImageLeavesItsEmptyFolder();
     void largeSparseFileIsCopiedInPieces();
     void copyInPiecesRefusesWhatItShould();
     void cancelledImportLeavesNothing();
+    void stoppedImporterLeavesNothingHalfCopied();
 
     void storeImportAttachesInOrder();
     void importForDeletedNoteLeavesNoFiles();
@@ -248,6 +255,7 @@ void AttachmentStoreTest::importIsAllOrNothing_data()
     QTest::addColumn<QString>("fault");
     QTest::newRow("second file missing") << "missing";
     QTest::newRow("second file a dangling link") << "dangling link";
+    QTest::newRow("second file without read permission") << "no permission";
     QTest::newRow("second file not on this computer") << "remote";
     QTest::newRow("disk full during the second file") << "full disk";
 }
@@ -268,11 +276,30 @@ void AttachmentStoreTest::importIsAllOrNothing()
         if (!disk->isMounted())
             QSKIP("mounting a tmpfs is not permitted here");
         writeFile(second.toLocalFile(), randomBytes(1024 * 1024, 3));
+    } else if (fault == u"no permission") {
+        // The file exists but its owner alone may read it; the import runs as
+        // another user, which root's permissions do not reach.
+        writeFile(second.toLocalFile(), "private");
+        QVERIFY(QFile::setPermissions(second.toLocalFile(), QFileDevice::WriteOwner));
+        QDir().mkpath(m_folder);
+        const QString top = Test::IsolatedEnvironment::current().root();
+        Test::letNobodyIn(m_sources, top, false);
+        Test::letNobodyIn(m_folder, top, true);
+        ::chmod(QFile::encodeName(first).constData(), 0644);
     }
 
-    const ImportResult result
-        = AttachmentStore::importFilesNow({QUrl::fromLocalFile(first), second}, m_folder);
+    ImportResult result;
+    {
+        std::optional<Test::FileAccessAsNobody> otherUser;
+        if (fault == u"no permission")
+            otherUser.emplace();
+        result = AttachmentStore::importFilesNow({QUrl::fromLocalFile(first), second}, m_folder);
+    }
     QVERIFY(!result.succeeded());
+    if (fault == u"no permission")
+        QVERIFY2(result.error->contains(second.toLocalFile())
+                && result.error->contains(QStringLiteral("ermission")),
+            qPrintable(*result.error));
     QVERIFY(!result.error->isEmpty());
     QVERIFY(result.attachments.isEmpty());
     QVERIFY(QFileInfo(m_folder).isDir());
@@ -314,8 +341,11 @@ void AttachmentStoreTest::contentType_data()
                          << "application/pdf" << false;
     QTest::newRow("plain text") << "notes.txt"
                                 << "text/plain" << false;
+    // The type of the last extension alone, whatever the rest of the name.
     QTest::newRow("double extension") << "backup.tar.gz"
-                                      << "application/x-compressed-tar" << false;
+                                      << "application/gzip" << false;
+    QTest::newRow("a name with a type of its own") << "CMakeLists.txt"
+                                                   << "text/plain" << false;
     QTest::newRow("no extension") << "README"
                                   << "" << false;
     QTest::newRow("hidden file without extension") << ".profile"
@@ -386,6 +416,22 @@ void AttachmentStoreTest::pastedImageIsWrittenWhole()
         QCOMPARE(readFile(m_folder + u'/' + r.attachments.first().storedFileName), png);
     });
     QVERIFY(QTest::qWaitFor([&] { return answered; }, 10000));
+}
+
+void AttachmentStoreTest::failedPastedImageLeavesItsEmptyFolder()
+{
+    SmallDisk disk(m_folder, "300k");
+    if (!disk.isMounted())
+        QSKIP("mounting a tmpfs is not permitted here");
+    const ImportResult result
+        = AttachmentStore::writePastedImageNow(randomBytes(1024 * 1024, 11), m_folder);
+    QVERIFY(!result.succeeded());
+    QVERIFY(result.attachments.isEmpty());
+    // The folder made for the image stays, empty: nothing half written in it.
+    const QStringList left = contentsOf(m_folder);
+    QCOMPARE(left.size(), 1);
+    QVERIFY(!QUuid::fromString(left.first()).isNull());
+    QVERIFY(QFileInfo(m_folder + u'/' + left.first()).isDir());
 }
 
 void AttachmentStoreTest::largeSparseFileIsCopiedInPieces()
@@ -465,6 +511,22 @@ void AttachmentStoreTest::copyInPiecesRefusesWhatItShould()
     QVERIFY(FileSystem::copyFileInPieces(m_sources, targets + QStringLiteral("/c")));
     QVERIFY(!QFileInfo::exists(targets + QStringLiteral("/c")));
 
+    // A pipe where a file was expected is refused at once, without waiting
+    // for a program to write into it.
+    const QString pipe = m_sources + QStringLiteral("/pipe");
+    QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    auto copy = std::async(std::launch::async,
+        [&] { return FileSystem::copyFileInPieces(pipe, targets + QStringLiteral("/p")); });
+    if (copy.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
+        // Let the stuck copy go before failing.
+        const int writer = ::open(QFile::encodeName(pipe).constData(), O_WRONLY);
+        ::close(writer);
+        copy.wait();
+        QFAIL("the copy waited for a writer to the pipe");
+    }
+    QVERIFY(copy.get());
+    QVERIFY(!QFileInfo::exists(targets + QStringLiteral("/p")));
+
     // Keeping the date.
     const QDateTime old = QDateTime::fromSecsSinceEpoch(1000000000, Qt::UTC);
     QFile file(source);
@@ -489,6 +551,36 @@ void AttachmentStoreTest::cancelledImportLeavesNothing()
         m_folder, &cancelled);
     QVERIFY(!result.succeeded());
     QCOMPARE(contentsOf(m_folder), QStringList());
+}
+
+void AttachmentStoreTest::stoppedImporterLeavesNothingHalfCopied()
+{
+    const QString source = m_sources + QStringLiteral("/large.bin");
+    const QByteArray bytes = randomBytes(256 * 1024 * 1024, 12);
+    writeFile(source, bytes);
+    std::optional<ImportResult> result;
+    QObject context;
+    m_attachments->importFiles({QUrl::fromLocalFile(source)}, m_folder, &context,
+        [&](const ImportResult &r) { result = r; });
+    // As at quit: the copy under way stops and cleans up before this returns.
+    m_attachments->stopImports();
+    QVERIFY(QTest::qWaitFor([&] { return result.has_value(); }, 10000));
+    if (result->succeeded()) {
+        // It was done before the stop came: whole, under its name.
+        QCOMPARE(result->attachments.size(), 1);
+        QCOMPARE(contentsOf(m_folder).size(), 2);
+        QCOMPARE(readFile(m_folder + u'/' + result->attachments.first().storedFileName), bytes);
+    } else {
+        QCOMPARE(contentsOf(m_folder), QStringList());
+    }
+
+    // Nothing is imported after the stop.
+    result.reset();
+    writeFile(m_sources + QStringLiteral("/small.txt"), "small");
+    m_attachments->importFiles({QUrl::fromLocalFile(m_sources + QStringLiteral("/small.txt"))},
+        m_folder, &context, [&](const ImportResult &r) { result = r; });
+    QVERIFY(QTest::qWaitFor([&] { return result.has_value(); }, 10000));
+    QVERIFY(!result->succeeded());
 }
 
 void AttachmentStoreTest::storeImportAttachesInOrder()

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The attachment views with real image files: thumbnails made off the main
-// thread and read once per file, the symbol kept where no image can be had,
-// the tiles' texts and menu acting on a real Store, the pending strip and
-// the file dialog that does not block.
+// thread and read once per file and side, the symbol kept where no image can
+// be had and shown again when the file goes, the tiles' texts and menu
+// acting on a real Store, the pending strip as a screen reader meets it, the
+// file dialog that blocks no window, and the composer's import with its toast.
 
 #include "TestEnvironment.h"
 
@@ -12,20 +13,25 @@
 #include "attachments/AttachmentListView.h"
 #include "attachments/AttachmentThumbnailView.h"
 #include "attachments/AttachmentTile.h"
+#include "attachments/DesktopAttachments.h"
 #include "attachments/PendingAttachmentStrip.h"
 #include "attachments/ThumbnailCache.h"
 #include "library/LibraryFile.h"
 #include "library/LibraryWriter.h"
+#include "panel/PanelCommands.h"
 #include "platform/DesktopFiles.h"
 #include "platform/Pasteboard.h"
 #include "shell/Preferences.h"
+#include "shell/Toast.h"
 #include "store/Store.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMenu>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QToolButton>
@@ -55,6 +61,27 @@ public:
     QStringList revealed;
 };
 
+// The side in device pixels a thumbnail of \a view is made at: twice the
+// view's side (30 collapsed, 38 expanded) at the screen's pixel ratio.
+int thumbnailSide(const QWidget &view, bool expanded)
+{
+    const QScreen *screen = view.screen();
+    return qCeil(2 * (expanded ? 38 : 30) * (screen ? screen->devicePixelRatio() : 2.0));
+}
+
+QImage filled(int width, int height, QColor colour)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(colour);
+    return image;
+}
+
+bool near(QColor a, QColor b)
+{
+    return qAbs(a.red() - b.red()) < 12 && qAbs(a.green() - b.green()) < 12
+        && qAbs(a.blue() - b.blue()) < 12;
+}
+
 NoteAttachment recordFor(const QString &storedFileName, NoteAttachment::Kind kind,
     std::optional<QString> type = std::nullopt, std::optional<qint64> bytes = std::nullopt)
 {
@@ -82,13 +109,19 @@ private Q_SLOTS:
     void thumbnails_data();
     void thumbnails();
     void largeImageDecodesOffTheMainThread();
+    void imageBeyondTheDefaultLimitDecodes();
     void manyTilesReadEachFileOnce();
+    void removedFileShowsTheSymbol();
+    void changedFileIsReadAgain_data();
+    void changedFileIsReadAgain();
     void sizeText_data();
     void sizeText();
     void tileOpensAndItsMenuActs();
     void listTakesNoRoomWithoutAttachmentsAndWraps();
     void pendingStripRemovesItsChips();
+    void pendingChipsReadAsNameAndButton();
     void fileDialogDoesNotBlock();
+    void newNoteImportFailureIsToasted();
 
 private:
     //! Writes \a image as \a storedFileName into the attachments folder.
@@ -203,9 +236,8 @@ void AttachmentViewsTest::thumbnails()
     QSignalSpy failed(m_cache.get(), &ThumbnailCache::thumbnailFailed);
     if (image) {
         QVERIFY(QTest::qWaitFor([&] { return view.hasImage(); }, 10000));
-        // Twice the larger side, filling the square.
-        const int side
-            = qCeil(2 * AttachmentThumbnailView::expandedSide * view.devicePixelRatioF());
+        // Twice the collapsed view's side, filling the square.
+        const int side = thumbnailSide(view, false);
         QCOMPARE(view.image().size(), QSize(side, side));
         const QColor centre = view.image().pixelColor(side / 2, side / 2);
         QVERIFY(qAbs(centre.red() - colour.red()) < 10);
@@ -256,6 +288,26 @@ void AttachmentViewsTest::largeImageDecodesOffTheMainThread()
     QCOMPARE(view.image().pixelColor(10, 10), QColor(30, 60, 200));
 }
 
+void AttachmentViewsTest::imageBeyondTheDefaultLimitDecodes()
+{
+    // 6100 × 6100 pixels take 149 MB decoded: more than image readers accept
+    // by default (128 MB), and a BMP, unlike a PNG or a JPEG, is decoded
+    // whole before it is scaled.
+    const QString path
+        = saveImage(QStringLiteral("XL/huge.bmp"), filled(6100, 6100, QColor(200, 120, 0)), "BMP");
+    AttachmentThumbnailView view(*m_cache);
+    view.setAttachment(recordFor(QStringLiteral("XL/huge.bmp"), NoteAttachment::Kind::Image,
+                           QStringLiteral("image/bmp")),
+        path);
+    view.show();
+    QVERIFY(QTest::qWaitFor(
+        [&] { return view.hasImage() || m_cache->state(path) == ThumbnailCache::State::Failed; },
+        60000));
+    QVERIFY(view.hasImage());
+    QCOMPARE(view.image().size(), QSize(thumbnailSide(view, false), thumbnailSide(view, false)));
+    QVERIFY(near(view.image().pixelColor(5, 5), QColor(200, 120, 0)));
+}
+
 void AttachmentViewsTest::manyTilesReadEachFileOnce()
 {
     QList<NoteAttachment> attachments;
@@ -284,10 +336,94 @@ void AttachmentViewsTest::manyTilesReadEachFileOnce()
         30000));
     QCOMPARE(m_cache->readCount(), 10);
 
-    // Expanding the tiles reads nothing again.
+    // Expanded tiles want larger images: each file is read once more, not once per tile.
     list.setExpanded(true);
+    QVERIFY(QTest::qWaitFor(
+        [&] {
+            return std::all_of(
+                list.tiles().cbegin(), list.tiles().cend(), [&](AttachmentTile *tile) {
+                    return tile->thumbnail()->image().width() == thumbnailSide(list, true);
+                });
+        },
+        30000));
+    QCOMPARE(m_cache->readCount(), 20);
+    // Collapsing again makes do with what was read.
+    list.setExpanded(false);
     QCoreApplication::processEvents();
-    QCOMPARE(m_cache->readCount(), 10);
+    QCOMPARE(m_cache->readCount(), 20);
+}
+
+void AttachmentViewsTest::removedFileShowsTheSymbol()
+{
+    // The cache hears of removals as the program's shared cache does.
+    m_files->observeRemovals(
+        m_cache.get(), [cache = m_cache.get()](const QStringList &files) { cache->forget(files); });
+    const QUuid noteID = m_store->addNote(QStringLiteral("note"))->id;
+    const NoteAttachment record = recordFor(
+        QStringLiteral("R/photo.png"), NoteAttachment::Kind::Image, QStringLiteral("image/png"));
+    const QString path = saveImage(record.storedFileName, filled(80, 80, Qt::red), "PNG");
+    m_store->addAttachments({record}, noteID);
+
+    auto view = std::make_unique<AttachmentThumbnailView>(*m_cache);
+    view->setAttachment(record, path);
+    view->show();
+    QVERIFY(QTest::qWaitFor([&] { return view->hasImage(); }, 10000));
+
+    // Removing the attachment deletes its file at once, while undo brings the
+    // record back: its tile shows the symbol, never the old picture.
+    m_store->removeAttachment(record.id, noteID);
+    m_files->waitForIdle();
+    QVERIFY(!QFileInfo::exists(path));
+    QVERIFY(QTest::qWaitFor([&] { return !view->hasImage(); }, 10000));
+    m_store->undo();
+    QCOMPARE(m_store->note(noteID)->attachments, QList<NoteAttachment> {record});
+    view = std::make_unique<AttachmentThumbnailView>(*m_cache);
+    view->setAttachment(record, path);
+    view->show();
+    QVERIFY(!view->hasImage());
+    QVERIFY(QTest::qWaitFor(
+        [&] { return m_cache->state(path) == ThumbnailCache::State::Failed; }, 10000));
+    QCoreApplication::processEvents();
+    QVERIFY(!view->hasImage());
+}
+
+void AttachmentViewsTest::changedFileIsReadAgain_data()
+{
+    QTest::addColumn<bool>("firstDecodes");
+    QTest::newRow("an image replaced by another") << true;
+    QTest::newRow("a broken image mended") << false;
+}
+
+void AttachmentViewsTest::changedFileIsReadAgain()
+{
+    QFETCH(bool, firstDecodes);
+    const NoteAttachment record = recordFor(
+        QStringLiteral("C/picture.png"), NoteAttachment::Kind::Image, QStringLiteral("image/png"));
+    const QString path = firstDecodes
+        ? saveImage(record.storedFileName, filled(90, 90, Qt::blue), "PNG")
+        : writeBytes(record.storedFileName, "\x89PNG\r\n\x1a\n cut short");
+    {
+        AttachmentThumbnailView first(*m_cache);
+        first.setAttachment(record, path);
+        first.show();
+        QVERIFY(QTest::qWaitFor(
+            [&] { return m_cache->state(path) != ThumbnailCache::State::Pending; }, 10000));
+        QCOMPARE(first.hasImage(), firstDecodes);
+    }
+
+    // Another file under the same name (written beside it and renamed over
+    // it, as programs save): a view of it gets its picture.
+    const QString beside = m_folder + QStringLiteral("/C/new.png");
+    filled(70, 50, Qt::green).save(beside, "PNG");
+    QVERIFY(
+        ::rename(QFile::encodeName(beside).constData(), QFile::encodeName(path).constData()) == 0);
+    AttachmentThumbnailView view(*m_cache);
+    view.setAttachment(record, path);
+    view.show();
+    QVERIFY(QTest::qWaitFor(
+        [&] { return view.hasImage() && near(view.image().pixelColor(20, 20), Qt::green); },
+        10000));
+    QCOMPARE(m_cache->readCount(), 2);
 }
 
 void AttachmentViewsTest::sizeText_data()
@@ -439,6 +575,30 @@ void AttachmentViewsTest::pendingStripRemovesItsChips()
     QCOMPARE(requested.first().first().value<QUuid>(), record.id);
 }
 
+void AttachmentViewsTest::pendingChipsReadAsNameAndButton()
+{
+    QWidget window;
+    PendingAttachmentStrip strip(&window);
+    window.show();
+    strip.setUrls({QUrl::fromLocalFile(QStringLiteral("/tmp/plan.pdf"))});
+    QWidget *chip = strip.findChildren<QToolButton *>().value(0)->parentWidget();
+    QVERIFY(chip);
+
+    // What a screen reader finds inside the chip: the name and the button,
+    // not the paperclip beside them.
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(chip);
+    QVERIFY(accessible);
+    QStringList children;
+    for (int i = 0; i < accessible->childCount(); ++i) {
+        QAccessibleInterface *child = accessible->child(i);
+        children.append(
+            QStringLiteral("%1:%2").arg(int(child->role())).arg(child->text(QAccessible::Name)));
+    }
+    QCOMPARE(children,
+        QStringList({QStringLiteral("%1:plan.pdf").arg(int(QAccessible::StaticText)),
+            QStringLiteral("%1:Remove plan.pdf").arg(int(QAccessible::Button))}));
+}
+
 void AttachmentViewsTest::fileDialogDoesNotBlock()
 {
     const QString folder = Test::IsolatedEnvironment::current().root() + QStringLiteral("/pick");
@@ -448,13 +608,22 @@ void AttachmentViewsTest::fileDialogDoesNotBlock()
         QVERIFY(file.open(QIODevice::WriteOnly));
     }
 
+    // The window the dialog is asked from, as the panel is.
+    QWidget panel;
+    panel.show();
+    panel.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&panel));
+
     std::optional<QList<QUrl>> chosen;
     m_chooser.chooseFiles([&](const QList<QUrl> &files) { chosen = files; });
-    // Back at once, with the dialog open.
+    // Back at once, with the dialog open above the panel, which it does not block.
     QVERIFY(!chosen);
     QFileDialog *dialog = m_chooser.dialog();
     QVERIFY(dialog);
     QVERIFY(QTest::qWaitForWindowExposed(dialog));
+    QCOMPARE(dialog->parentWidget(), &panel);
+    QCOMPARE(dialog->windowModality(), Qt::NonModal);
+    QCOMPARE(QApplication::activeModalWidget(), nullptr);
     QCOMPARE(dialog->windowTitle(), QStringLiteral("Add Attachments"));
     QCOMPARE(dialog->labelText(QFileDialog::Accept), QStringLiteral("Add"));
     QCOMPARE(dialog->fileMode(), QFileDialog::ExistingFiles);
@@ -476,6 +645,21 @@ void AttachmentViewsTest::fileDialogDoesNotBlock()
     m_chooser.dialog()->reject();
     QVERIFY(QTest::qWaitFor([&] { return chosen.has_value(); }, 5000));
     QVERIFY(chosen->isEmpty());
+}
+
+void AttachmentViewsTest::newNoteImportFailureIsToasted()
+{
+    // The composer's files go through the program's commands, as in the program.
+    PanelCommands commands;
+    installAttachmentCommands(commands);
+    bool answered = false;
+    commands.importForNewNote({QUrl::fromLocalFile(m_folder + QStringLiteral("/nowhere.txt"))},
+        [&](const std::optional<QList<NoteAttachment>> &records) {
+            QVERIFY(!records);
+            answered = true;
+        });
+    QVERIFY(QTest::qWaitFor([&] { return answered; }, 10000));
+    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Could Not Add Attachment"));
 }
 
 int main(int argc, char *argv[])

@@ -2,10 +2,13 @@
 //
 // Opening attachments and showing them in the file manager, on a private
 // session bus (dbus-run-session): a file manager that answers ShowItems, one
-// that fails, and none at all, where the file's folder is opened instead.
+// that fails, and none at all, where the file's folder is opened instead;
+// and the panel's commands going the same way.
 
 #include "TestEnvironment.h"
 
+#include "library/LibraryFile.h"
+#include "panel/PanelCommands.h"
 #include "platform/qt/QtDesktopFiles.h"
 
 #include <QDBusConnection>
@@ -66,6 +69,7 @@ private Q_SLOTS:
     void openGivesTheFile();
     void reveal_data();
     void reveal();
+    void panelCommandsGoTheSameWay();
 
 private:
     OpenedUrls m_opened;
@@ -132,6 +136,42 @@ void DesktopFilesTest::reveal()
         QCOMPARE(m_opened.urls,
             QList<QUrl> {QUrl::fromLocalFile(QStringLiteral("/data/Attachments/1F2E"))});
     }
+    bus.unregisterService(QStringLiteral("org.freedesktop.FileManager1"));
+    bus.unregisterObject(QStringLiteral("/org/freedesktop/FileManager1"));
+    QDBusConnection::disconnectFromBus(name);
+}
+
+void DesktopFilesTest::panelCommandsGoTheSameWay()
+{
+    m_opened.urls.clear();
+    const QString name = QStringLiteral("filemanager-commands");
+    QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
+    FakeFileManager fake;
+    QVERIFY(bus.registerObject(
+        QStringLiteral("/org/freedesktop/FileManager1"), &fake, QDBusConnection::ExportAllSlots));
+    QVERIFY(bus.registerService(QStringLiteral("org.freedesktop.FileManager1")));
+
+    NoteAttachment attachment;
+    attachment.fileName = QStringLiteral("minutes.txt");
+    attachment.storedFileName = QStringLiteral("7A1C/minutes.txt");
+    const QString file = attachmentsFolder(libraryURL()) + QStringLiteral("/7A1C/minutes.txt");
+    QSignalSpy handled(&QtDesktopFiles::shared(), &QtDesktopFiles::revealHandled);
+    PanelCommands::shared().revealAttachment(attachment);
+    PanelCommands::shared().revealLibraryFile();
+    QVERIFY(QTest::qWaitFor([&] { return handled.count() == 2; }, 20000));
+    QCOMPARE(fake.shown,
+        QStringList({QUrl::fromLocalFile(file).toString(QUrl::FullyEncoded),
+            QUrl::fromLocalFile(libraryURL()).toString(QUrl::FullyEncoded)}));
+
+    PanelCommands::shared().openAttachment(attachment);
+    // A record whose name leads outside the folder is neither opened nor shown.
+    attachment.storedFileName = QStringLiteral("../Library.json");
+    PanelCommands::shared().openAttachment(attachment);
+    PanelCommands::shared().revealAttachment(attachment);
+    QCOMPARE(m_opened.urls, QList<QUrl> {QUrl::fromLocalFile(file)});
+    QCoreApplication::processEvents();
+    QCOMPARE(handled.count(), 2);
+
     bus.unregisterService(QStringLiteral("org.freedesktop.FileManager1"));
     bus.unregisterObject(QStringLiteral("/org/freedesktop/FileManager1"));
     QDBusConnection::disconnectFromBus(name);

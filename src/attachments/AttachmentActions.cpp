@@ -19,7 +19,7 @@ const QString warningSymbol = QStringLiteral("exclamationmark.triangle");
 void logFailure(const ImportResult &result)
 {
     if (result.error)
-        qCInfo(lcStorage, "Attachment failed: %s", qUtf8Printable(*result.error));
+        qCCritical(lcStorage, "Attachment failed: %s", qUtf8Printable(*result.error));
 }
 
 } // namespace

@@ -27,8 +27,11 @@ void AttachmentFileDialog::chooseFiles(std::function<void(const QList<QUrl> &fil
         done({});
         return;
     }
+    // Kept above the window it was asked from (the panel, or a note's
+    // window), which stays usable meanwhile: the dialog blocks nothing.
     auto *dialog = new QFileDialog(QApplication::activeWindow(), tr("Add Attachments"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowModality(Qt::NonModal);
     dialog->setFileMode(QFileDialog::ExistingFiles);
     dialog->setAcceptMode(QFileDialog::AcceptOpen);
     dialog->setLabelText(QFileDialog::Accept, tr("Add"));
@@ -37,7 +40,7 @@ void AttachmentFileDialog::chooseFiles(std::function<void(const QList<QUrl> &fil
     connect(dialog, &QDialog::finished, this, [dialog, done](int result) {
         done(result == QDialog::Accepted ? dialog->selectedUrls() : QList<QUrl>());
     });
-    dialog->open();
+    dialog->show();
     dialog->raise();
     dialog->activateWindow();
 }

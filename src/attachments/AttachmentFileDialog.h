@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The dialog "Add Attachments": several files, no folders, opened without
-// blocking the event loop; the answer comes when the user closes it.
+// The dialog "Add Attachments": several files, no folders, shown without
+// blocking the event loop or any window; the answer comes when the user
+// closes it.
 
 #pragma once
 
@@ -22,7 +23,7 @@ public:
     explicit AttachmentFileDialog(QObject *parent = nullptr);
     ~AttachmentFileDialog() override;
 
-    //! Opens the dialog over the active window and returns at once.
+    //! Shows the dialog, not modal, above the active window and returns at once.
     void chooseFiles(std::function<void(const QList<QUrl> &files)> done) override;
 
     //! The dialog while it is open; for tests.

@@ -59,6 +59,14 @@ std::optional<QString> makeFolder(const QString &path)
     return std::nullopt;
 }
 
+// The name a file is written under in its folder until it is whole: hidden,
+// and never the file's own name.
+QString partialNameBeside(const QString &fileName)
+{
+    const QString name = QStringLiteral(".partial");
+    return fileName == name ? name + u'~' : name;
+}
+
 } // namespace
 
 QString AttachmentStore::pastedImageName()
@@ -78,7 +86,14 @@ AttachmentStore::~AttachmentStore()
 
 AttachmentStore &AttachmentStore::shared()
 {
-    static AttachmentStore *const store = new AttachmentStore;
+    static AttachmentStore *const store = [] {
+        auto *made = new AttachmentStore;
+        // The program never waits for a copy, except to end one cleanly when it quits.
+        if (QCoreApplication *application = QCoreApplication::instance())
+            QObject::connect(application, &QCoreApplication::aboutToQuit, application,
+                [made] { made->stopImports(); });
+        return made;
+    }();
     return *store;
 }
 
@@ -88,8 +103,11 @@ std::optional<QString> AttachmentStore::contentTypeForFileName(const QString &fi
     const qsizetype dot = fileName.lastIndexOf(u'.');
     if (dot <= 0 || dot == fileName.size() - 1)
         return std::nullopt;
+    // Only the last extension counts: the name is reduced to it, so that
+    // patterns over whole names ("*.tar.gz", "CMakeLists.txt") do not apply.
     static const QMimeDatabase database;
-    const QMimeType type = database.mimeTypeForFile(fileName, QMimeDatabase::MatchExtension);
+    const QMimeType type = database.mimeTypeForFile(
+        QStringLiteral("x") + fileName.mid(dot), QMimeDatabase::MatchExtension);
     // The database's answer for an unknown name is the generic type.
     if (!type.isValid() || type.isDefault() || type.name().startsWith(u"inode/"))
         return std::nullopt;
@@ -125,12 +143,15 @@ ImportResult AttachmentStore::importFilesNow(
         return failure(error);
     };
 
+    auto isCancelled = [cancelled] { return cancelled && cancelled->load(); };
     FileSystem::PieceCopyOptions options;
     if (cancelled)
-        options.shouldContinue = [cancelled] { return !cancelled->load(); };
+        options.shouldContinue = [isCancelled] { return !isCancelled(); };
 
     ImportResult result;
     for (const QUrl &source : sources) {
+        if (isCancelled())
+            return undo(QObject::tr("The import was cancelled."));
         if (!source.isLocalFile())
             return undo(
                 QObject::tr("“%1” is not a file on this computer.").arg(source.toDisplayString()));
@@ -148,8 +169,13 @@ ImportResult AttachmentStore::importFilesNow(
             return undo(*error);
         madeFolders.append(target);
 
+        // The copy gets its name only once it is whole: a copy cut short (a
+        // crash, a full disk) never lies under the file's own name.
         const QString fileName = QFileInfo(path).fileName();
-        if (auto error = FileSystem::copyFileInPieces(path, target + u'/' + fileName, options))
+        const QString partial = target + u'/' + partialNameBeside(fileName);
+        if (auto error = FileSystem::copyFileInPieces(path, partial, options))
+            return undo(*error);
+        if (auto error = FileSystem::replaceFile(partial, target + u'/' + fileName))
             return undo(*error);
 
         NoteAttachment attachment;
@@ -162,6 +188,9 @@ ImportResult AttachmentStore::importFilesNow(
         attachment.createdAt = QDateTime::currentDateTimeUtc();
         result.attachments.append(attachment);
     }
+    // The new folders' entries reach the disk before the records can point at them.
+    if (!madeFolders.isEmpty())
+        FileSystem::syncDirectory(folder);
     return result;
 }
 
@@ -174,18 +203,18 @@ ImportResult AttachmentStore::writePastedImageNow(const QByteArray &png, const Q
     if (auto error = makeFolder(target))
         return failure(*error);
 
-    // Written under a hidden name and renamed, so that the image appears whole or not at all.
-    const QString partial
-        = target + QStringLiteral("/.") + pastedImageName() + QStringLiteral(".partial");
+    // Written under a hidden name and renamed, so that the image appears whole
+    // or not at all. A failed write leaves the empty folder behind.
+    const QString partial = target + u'/' + partialNameBeside(pastedImageName());
     const QString path = target + u'/' + pastedImageName();
     std::optional<QString> error = FileSystem::writeNewFile(partial, png);
     if (!error)
         error = FileSystem::replaceFile(partial, path);
     if (error) {
         QFile::remove(partial);
-        QDir().rmdir(target);
         return failure(*error);
     }
+    FileSystem::syncDirectory(folder);
 
     NoteAttachment attachment;
     attachment.id = QUuid::fromString(id);
@@ -251,20 +280,43 @@ void AttachmentStore::removeFiles(const QList<NoteAttachment> &attachments, cons
 {
     if (attachments.isEmpty())
         return;
-    m_queue->async([attachments, folder] {
+    m_removalObservers.removeIf([](const Observer &o) { return !o.context; });
+    m_queue->async([attachments, folder, observers = m_removalObservers] {
         const QString root = QFileInfo(folder).canonicalFilePath();
+        QStringList removed;
         for (const NoteAttachment &attachment : attachments) {
             const std::optional<QString> file = fileInside(folder, attachment.storedFileName);
             if (!file)
                 continue;
             QFile::remove(*file);
+            removed.append(pathInside(folder, attachment.storedFileName).value_or(*file));
             const QString parent = QFileInfo(*file).absolutePath();
             if (parent != root
                 && QDir(parent).isEmpty(
                     QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot))
                 QDir().rmdir(parent);
         }
+        for (const Observer &o : observers) {
+            QMetaObject::invokeMethod(
+                QCoreApplication::instance(),
+                [o, removed] {
+                    if (o.context)
+                        o.observer(removed);
+                },
+                Qt::QueuedConnection);
+        }
     });
+}
+
+void AttachmentStore::observeRemovals(QObject *context, RemovalObserver observer)
+{
+    m_removalObservers.append({context, std::move(observer)});
+}
+
+void AttachmentStore::stopImports()
+{
+    m_cancelled->store(true);
+    waitForIdle();
 }
 
 void AttachmentStore::copyFolder(const QString &from, const QString &to, QObject *context,

@@ -9,6 +9,7 @@
 
 #include "library/Library.h"
 
+#include <QPointer>
 #include <QUrl>
 
 #include <atomic>
@@ -82,6 +83,16 @@ public:
     //! Blocks until the jobs queued so far are done.
     void waitForIdle();
 
+    //! For the end of the program: an import under way stops at its next
+    //! piece and removes what it made, every import asked for later fails, and
+    //! the call returns once the worker is idle. Nothing is left half copied.
+    void stopImports();
+
+    using RemovalObserver = std::function<void(const QStringList &files)>;
+    //! After each removal, \a observer hears on \a context's thread which files
+    //! went, by the paths that pathInside() gives, unless \a context is gone.
+    void observeRemovals(QObject *context, RemovalObserver observer);
+
     //! The import itself, on the calling thread: each regular file of \a
     //! sources is copied, a piece at a time, into a new folder of its own
     //! below \a folder, under its own name; folders among the sources are
@@ -109,7 +120,14 @@ public:
     static std::optional<QString> pathInside(const QString &folder, const QString &storedFileName);
 
 private:
+    struct Observer
+    {
+        QPointer<QObject> context;
+        RemovalObserver observer;
+    };
+
     std::unique_ptr<SerialQueue> m_queue;
+    QList<Observer> m_removalObservers;
     //! Set when the store goes: an import still running stops between pieces.
     std::shared_ptr<std::atomic_bool> m_cancelled = std::make_shared<std::atomic_bool>(false);
 };

@@ -8,6 +8,7 @@
 #include <QMimeDatabase>
 #include <QPainter>
 #include <QPainterPath>
+#include <QScreen>
 
 namespace Vesko {
 
@@ -40,6 +41,17 @@ AttachmentThumbnailView::AttachmentThumbnailView(ThumbnailCache &cache, QWidget 
 {
     setFixedSize(sizeHint());
     setAttribute(Qt::WA_TransparentForMouseEvents);
+    // The file was removed or replaced: the image shown is no longer its picture.
+    connect(&m_cache, &ThumbnailCache::thumbnailInvalidated, this, [this](const QString &path) {
+        if (path != m_filePath)
+            return;
+        m_image = QImage();
+        m_imageSide = 0;
+        m_waiting.clear();
+        if (isVisible())
+            requestImage();
+        update();
+    });
 }
 
 AttachmentThumbnailView::~AttachmentThumbnailView() = default;
@@ -52,6 +64,7 @@ void AttachmentThumbnailView::setAttachment(
     m_attachment = attachment;
     m_filePath = filePath;
     m_image = QImage();
+    m_imageSide = 0;
     m_typeIcon = attachment.kind == NoteAttachment::Kind::File ? typeIcon(attachment) : QIcon();
     if (isVisible())
         requestImage();
@@ -64,6 +77,8 @@ void AttachmentThumbnailView::setExpanded(bool expanded)
         return;
     m_expanded = expanded;
     setFixedSize(sizeHint());
+    if (isVisible())
+        requestImage(); // a larger side needs a larger image
     update();
 }
 
@@ -74,9 +89,10 @@ QSize AttachmentThumbnailView::sizeHint() const
 
 int AttachmentThumbnailView::pixelSide() const
 {
-    // Every thumbnail is made for the larger side, so that a file is read
-    // once whether its tile is expanded or not.
-    return qCeil(2 * expandedSide * devicePixelRatioF());
+    // Twice the side, at the scale of the screen the view is on (2 without one).
+    const QScreen *screen = this->screen();
+    const qreal scale = screen ? screen->devicePixelRatio() : 2.0;
+    return qCeil(2 * side() * scale);
 }
 
 void AttachmentThumbnailView::showEvent(QShowEvent *event)
@@ -87,30 +103,35 @@ void AttachmentThumbnailView::showEvent(QShowEvent *event)
 
 void AttachmentThumbnailView::requestImage()
 {
-    if (!m_image.isNull() || m_filePath.isEmpty()
-        || m_attachment.kind != NoteAttachment::Kind::Image)
+    if (m_filePath.isEmpty() || m_attachment.kind != NoteAttachment::Kind::Image)
         return;
-    if (m_waiting == m_filePath)
+    const int wanted = pixelSide();
+    if (!m_image.isNull() && m_imageSide >= wanted)
+        return;
+    if (m_waiting == m_filePath && m_waitingSide >= wanted)
         return;
     const QString path = m_filePath;
     const QImage image
-        = m_cache.thumbnail(path, pixelSide(), this, [this, path](const QImage &arrived) {
-              if (m_waiting == path)
+        = m_cache.thumbnail(path, wanted, this, [this, path, wanted](const QImage &arrived) {
+              if (m_waiting == path && m_waitingSide == wanted)
                   m_waiting.clear();
               if (path == m_filePath)
-                  takeImage(arrived);
+                  takeImage(arrived, wanted);
           });
-    if (!image.isNull())
-        takeImage(image);
-    else if (m_cache.state(path) == ThumbnailCache::State::Pending)
+    if (!image.isNull()) {
+        takeImage(image, wanted);
+    } else {
         m_waiting = path;
+        m_waitingSide = wanted;
+    }
 }
 
-void AttachmentThumbnailView::takeImage(const QImage &image)
+void AttachmentThumbnailView::takeImage(const QImage &image, int pixelSide)
 {
-    if (image.isNull() || !m_image.isNull())
+    if (image.isNull() || (!m_image.isNull() && m_imageSide >= pixelSide))
         return;
     m_image = image;
+    m_imageSide = pixelSide;
     update();
     Q_EMIT imageChanged();
 }

@@ -58,8 +58,9 @@ private:
     void requestImage();
     //! The symbol of the attachment's kind, in \a area.
     void drawSymbol(QPainter &painter, const QRectF &area, const QColor &color) const;
-    void takeImage(const QImage &image);
-    //! The side in device pixels that every thumbnail is decoded at.
+    void takeImage(const QImage &image, int pixelSide);
+    //! The side in device pixels that the thumbnail is decoded at: twice the
+    //! view's side times the screen's device pixel ratio.
     int pixelSide() const;
 
     ThumbnailCache &m_cache;
@@ -67,8 +68,11 @@ private:
     QString m_filePath;
     bool m_expanded = false;
     QImage m_image;
-    //! The file whose thumbnail this view waits for, if any.
+    //! The side in device pixels that m_image was asked for at.
+    int m_imageSide = 0;
+    //! The file whose thumbnail this view waits for, if any, and at which side.
     QString m_waiting;
+    int m_waitingSide = 0;
     //! The file type's icon, for files that are not images.
     QIcon m_typeIcon;
 };

@@ -31,9 +31,8 @@ AttachmentActions &attachmentActions()
     static ToastFeedback *const feedback = new ToastFeedback;
     static AttachmentFileDialog *const chooser = new AttachmentFileDialog;
     static QtPasteboardReader *const pasteboard = new QtPasteboardReader;
-    static QtDesktopFiles *const desktop = new QtDesktopFiles;
-    static AttachmentActions *const actions = new AttachmentActions(
-        {Store::shared(), AttachmentStore::shared(), *chooser, *pasteboard, *desktop, *feedback});
+    static AttachmentActions *const actions = new AttachmentActions({Store::shared(),
+        AttachmentStore::shared(), *chooser, *pasteboard, QtDesktopFiles::shared(), *feedback});
     return *actions;
 }
 

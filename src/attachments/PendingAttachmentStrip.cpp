@@ -43,13 +43,11 @@ public:
         layout->setSpacing(PendingAttachmentStrip::chipSpacing);
 
         const int symbolSize = QFontMetrics(chipFont()).height();
-        auto *clip = new QLabel(this);
-        clip->setPixmap(symbolIcon(QStringLiteral("paperclip"), colors.greyStrong, symbolSize)
-                            .pixmap(symbolSize, symbolSize));
-        // Decoration only: a screen reader reads the name and the button.
-        clip->setAccessibleName(QString());
-        clip->setAttribute(Qt::WA_TransparentForMouseEvents);
-        layout->addWidget(clip);
+        // The paperclip is decoration, drawn into its place rather than being
+        // a widget: a screen reader meets only the name and the button.
+        m_clip = new QSpacerItem(symbolSize, symbolSize, QSizePolicy::Fixed, QSizePolicy::Fixed);
+        m_clipIcon = symbolIcon(QStringLiteral("paperclip"), colors.greyStrong, symbolSize);
+        layout->addItem(m_clip);
 
         auto *label = new QLabel(name, this);
         label->setFont(chipFont());
@@ -86,7 +84,12 @@ protected:
         painter.fillPath(shape, colors.surfaceFill);
         painter.setPen(QPen(colors.surfaceStroke, 1));
         painter.drawPath(shape);
+        m_clipIcon.paint(&painter, m_clip->geometry());
     }
+
+private:
+    QSpacerItem *m_clip;
+    QIcon m_clipIcon;
 };
 
 // A sideways row: the wheel's vertical turns scroll it too.

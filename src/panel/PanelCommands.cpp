@@ -29,7 +29,7 @@ SerialQueue &exportQueue()
 
 std::optional<QString> attachmentFile(const NoteAttachment &attachment)
 {
-    return AttachmentStore::fileInside(attachmentsFolder(libraryURL()), attachment.storedFileName);
+    return AttachmentStore::pathInside(attachmentsFolder(libraryURL()), attachment.storedFileName);
 }
 
 } // namespace
@@ -131,9 +131,8 @@ void PanelCommands::importForNewNote(const QList<QUrl> &urls,
 
 QtDesktopFiles &PanelCommands::desktopFiles()
 {
-    if (!m_desktopFiles)
-        m_desktopFiles = std::make_unique<QtDesktopFiles>();
-    return *m_desktopFiles;
+    // The same instance as the attachment tiles use: one way to open and show files.
+    return QtDesktopFiles::shared();
 }
 
 void PanelCommands::openAttachment(const NoteAttachment &attachment)

@@ -110,13 +110,12 @@ Q_SIGNALS:
     void exportFinished(const QString &path, const QString &failure);
 
 private:
-    //! The desktop's file manager and default applications, made at first use.
+    //! The desktop's file manager and default applications.
     QtDesktopFiles &desktopFiles();
     void writeExport(const QString &text, const QString &path, QWidget *parent);
 
     Hooks m_hooks;
     std::unique_ptr<Clipboard> m_clipboard;
-    std::unique_ptr<QtDesktopFiles> m_desktopFiles;
     QPointer<QWidget> m_exportDialog;
 };
 

@@ -84,12 +84,18 @@ constexpr qint64 copyBufferBytes = 1024 * 1024;
 // source's end early stops without failing. With \a startWriteback each
 // piece starts on its way to the disk at once, so that the final flush finds
 // little left to write.
-bool copyRange(int in, int out, qint64 offset, qint64 end, bool &inKernel,
-    const std::function<bool()> &shouldContinue, bool startWriteback)
+bool copyRange(
+    int in, int out, qint64 offset, qint64 end, bool &inKernel, const PieceCopyOptions &options)
 {
+    const std::function<bool()> &shouldContinue = options.shouldContinue;
     auto pieceWritten = [&](qint64 from, qint64 length) {
-        if (startWriteback)
+        if (options.durability == Durability::Flushed)
             ::sync_file_range(out, from, length, SYNC_FILE_RANGE_WRITE);
+        if (options.progress && !options.progress(length)) {
+            errno = ECANCELED;
+            return false;
+        }
+        return true;
     };
     QByteArray buffer;
     while (offset < end) {
@@ -103,7 +109,8 @@ bool copyRange(int in, int out, qint64 offset, qint64 end, bool &inKernel,
             loff_t to = offset;
             const ssize_t copied = ::copy_file_range(in, &from, out, &to, size_t(length), 0);
             if (copied > 0) {
-                pieceWritten(offset, copied);
+                if (!pieceWritten(offset, copied))
+                    return false;
                 offset += copied;
                 continue;
             }
@@ -138,7 +145,8 @@ bool copyRange(int in, int out, qint64 offset, qint64 end, bool &inKernel,
             }
             written += n;
         }
-        pieceWritten(offset, read);
+        if (!pieceWritten(offset, read))
+            return false;
         offset += read;
     }
     return true;
@@ -243,79 +251,24 @@ std::optional<QString> renameWithoutReplacing(const QString &from, const QString
 std::optional<QString> copyFileKeepingDate(
     const QString &from, const QString &to, const CopyOptions &options)
 {
-    const QByteArray source = native(from);
-    // Without waiting: opening a named pipe would otherwise block until a writer comes.
-    const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | (options.followsLinks ? 0 : O_NOFOLLOW);
-    Descriptor in(retryOnInterrupt([&] { return ::open(source.constData(), flags); }));
-    struct stat info;
-    if (in.get() < 0 || ::fstat(in.get(), &info) != 0)
-        return QObject::tr("Could not read “%1”: %2.").arg(from, lastErrorText());
-    if (!S_ISREG(info.st_mode))
-        return QObject::tr("Could not read “%1”: it is not a file.").arg(from);
-
     // The copy comes into being whole or not at all: an interrupted copy
     // leaves a hidden partial file, never a short file under the real name.
     const QFileInfo target(to);
-    const QString partial = target.absolutePath() + QStringLiteral("/.") + target.fileName()
-        + QStringLiteral(".partial");
-    const QByteArray partialName = native(partial);
-    ::unlink(partialName.constData());
-    Descriptor out(retryOnInterrupt([&] {
-        return ::open(
-            partialName.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, privateFileMode);
-    }));
-    if (out.get() < 0)
-        return QObject::tr("Could not create “%1”: %2.").arg(partial, lastErrorText());
-    auto failed = [&](const QString &text) {
-        ::unlink(partialName.constData());
-        return text;
-    };
-    if (::fchmod(out.get(), privateFileMode) != 0)
-        return failed(QObject::tr("Could not set the permissions of “%1”: %2.")
-                          .arg(partial, lastErrorText()));
-
-    // A piece at a time, in the kernel where it can; by reading and writing
-    // where it cannot (across file systems on older kernels, say).
-    bool inKernel = true;
-    QByteArray buffer;
-    while (true) {
-        ssize_t copied = -1;
-        if (inKernel) {
-            copied = ::copy_file_range(
-                in.get(), nullptr, out.get(), nullptr, size_t(copyPieceSize), 0);
-            if (copied < 0
-                && (errno == EXDEV || errno == ENOSYS || errno == EINVAL || errno == EOPNOTSUPP
-                    || errno == EPERM)) {
-                inKernel = false;
-                continue;
-            }
-        } else {
-            if (buffer.isEmpty())
-                buffer.resize(copyPieceSize);
-            copied = ::read(in.get(), buffer.data(), size_t(buffer.size()));
-            if (copied > 0 && !writeAll(out.get(), buffer.constData(), copied))
-                copied = -1;
-        }
-        if (copied < 0) {
-            if (errno == EINTR)
-                continue;
-            return failed(
-                QObject::tr("Could not copy “%1” to “%2”: %3.").arg(from, to, lastErrorText()));
-        }
-        if (copied == 0)
-            break;
-        if (options.progress && !options.progress(copied))
-            return failed(QObject::tr("The copy of “%1” was cancelled.").arg(from));
+    const QByteArray partial = native(target.absolutePath() + QStringLiteral("/.")
+        + target.fileName() + QStringLiteral(".partial"));
+    ::unlink(partial.constData());
+    PieceCopyOptions pieces;
+    pieces.followLinks = options.followsLinks;
+    pieces.keepDate = true;
+    pieces.durability = options.durability;
+    pieces.progress = options.progress;
+    if (auto error = copyFileInPieces(from, QFile::decodeName(partial), pieces))
+        return error;
+    if (::rename(partial.constData(), native(to).constData()) != 0) {
+        const QString error = QObject::tr("Could not create “%1”: %2.").arg(to, lastErrorText());
+        ::unlink(partial.constData());
+        return error;
     }
-
-    if (options.durability == Durability::Flushed && ::fsync(out.get()) != 0)
-        return failed(QObject::tr("Could not flush “%1”: %2.").arg(partial, lastErrorText()));
-    const timespec times[2] = {info.st_atim, info.st_mtim};
-    ::futimens(out.get(), times);
-    if (!out.close())
-        return failed(QObject::tr("Could not close “%1”: %2.").arg(partial, lastErrorText()));
-    if (::rename(partialName.constData(), native(to).constData()) != 0)
-        return failed(QObject::tr("Could not create “%1”: %2.").arg(to, lastErrorText()));
     return std::nullopt;
 }
 
@@ -349,8 +302,10 @@ std::optional<QString> copyFileInPieces(
 {
     const QByteArray source = native(from);
     const int noFollow = options.followLinks ? 0 : O_NOFOLLOW;
+    // Opened without waiting: a pipe or a device put where the file was
+    // would otherwise hold the open until another program writes to it.
     Descriptor in(retryOnInterrupt(
-        [&] { return ::open(source.constData(), O_RDONLY | O_CLOEXEC | noFollow); }));
+        [&] { return ::open(source.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | noFollow); }));
     if (in.get() < 0) {
         if (errno == ELOOP && noFollow)
             return QObject::tr("“%1” is a link.").arg(from);
@@ -361,6 +316,9 @@ std::optional<QString> copyFileInPieces(
         return QObject::tr("Could not read “%1”: %2.").arg(from, lastErrorText());
     if (!S_ISREG(info.st_mode))
         return QObject::tr("“%1” is not a file.").arg(from);
+    const int flags = ::fcntl(in.get(), F_GETFL);
+    if (flags < 0 || ::fcntl(in.get(), F_SETFL, flags & ~O_NONBLOCK) != 0)
+        return QObject::tr("Could not read “%1”: %2.").arg(from, lastErrorText());
 
     const QByteArray target = native(to);
     Descriptor out(retryOnInterrupt([&] {
@@ -391,8 +349,7 @@ std::optional<QString> copyFileInPieces(
         qint64 hole = ::lseek(in.get(), data, SEEK_HOLE);
         if (hole < 0 || hole > size)
             hole = size;
-        if (!copyRange(in.get(), out.get(), data, hole, inKernel, options.shouldContinue,
-                options.durability == Durability::Flushed)) {
+        if (!copyRange(in.get(), out.get(), data, hole, inKernel, options)) {
             if (errno == ECANCELED)
                 return failed(QObject::tr("The copy of “%1” was cancelled.").arg(from));
             return failed(

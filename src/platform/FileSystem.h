@@ -84,6 +84,8 @@ struct PieceCopyOptions
     Durability durability = Durability::Flushed;
     //! Asked before each piece; false stops the copy as failed.
     std::function<bool()> shouldContinue;
+    //! Told after each piece how many bytes it held; false stops the copy as failed.
+    std::function<bool(qint64 bytes)> progress;
 };
 
 //! Copies the regular file \a from to \a to, which must not exist yet, a

@@ -17,6 +17,12 @@ QtDesktopFiles::QtDesktopFiles(QObject *parent)
 
 QtDesktopFiles::~QtDesktopFiles() = default;
 
+QtDesktopFiles &QtDesktopFiles::shared()
+{
+    static QtDesktopFiles *const files = new QtDesktopFiles;
+    return *files;
+}
+
 void QtDesktopFiles::open(const QString &path)
 {
     QDesktopServices::openUrl(QUrl::fromLocalFile(path));

@@ -23,6 +23,9 @@ public:
     explicit QtDesktopFiles(QObject *parent = nullptr);
     ~QtDesktopFiles() override;
 
+    //! The one instance the program's commands share, made on first use.
+    static QtDesktopFiles &shared();
+
     void open(const QString &path) override;
     void reveal(const QString &path) override;
 

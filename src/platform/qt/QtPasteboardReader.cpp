@@ -73,8 +73,15 @@ void QtPasteboardReader::readPasteboard(Done done)
 {
     QPointer<QtPasteboardReader> guard(this);
     readOffers([guard, done = std::move(done)](const QStringList &offers) {
-        if (guard)
-            guard->readFormats(Pasteboard::formatsToRead(offers), done);
+        if (!guard)
+            return;
+        QStringList plan = Pasteboard::formatsToRead(offers);
+        // Each read through QClipboard from another application holds the
+        // main thread until that application has sent the data (Qt waits up
+        // to a second of silence each time): a few formats at most.
+        if (!guard->readsFromX11() && !clipboard()->ownsClipboard())
+            plan = plan.mid(0, maximumBlockingReads);
+        guard->readFormats(plan, done);
     });
 }
 
@@ -98,20 +105,36 @@ void QtPasteboardReader::readFormats(QStringList plan, Done done)
         } else if (format == pngFormat && !data.isEmpty()) {
             done({{}, data});
         } else if (format != pngFormat && !data.isEmpty()) {
-            // Decoding and encoding an image can take a while: not here.
-            QThreadPool::globalInstance()->start([guard, data, format, done] {
-                const QByteArray png = convertToPng(data, format);
-                QMetaObject::invokeMethod(
-                    QCoreApplication::instance(),
-                    [guard, png, done] {
-                        if (guard)
-                            done({{}, png});
-                    },
-                    Qt::QueuedConnection);
-            });
+            // Decoding and encoding an image can take a while: not here. An
+            // image that does not decode leaves the next format to try.
+            guard->inBackground([data, format] { return convertToPng(data, format); },
+                [guard, plan, done](const QByteArray &png) {
+                    if (!guard)
+                        return;
+                    if (!png.isEmpty())
+                        done({{}, png});
+                    else
+                        guard->readFormats(plan, done);
+                });
         } else {
             guard->readFormats(plan, done);
         }
+    });
+}
+
+void QtPasteboardReader::inBackground(
+    std::function<QByteArray()> work, std::function<void(const QByteArray &)> done)
+{
+    QPointer<QtPasteboardReader> guard(this);
+    QThreadPool::globalInstance()->start([guard, work = std::move(work), done = std::move(done)] {
+        const QByteArray result = work();
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [guard, result, done] {
+                if (guard)
+                    done(result);
+            },
+            Qt::QueuedConnection);
     });
 }
 
@@ -124,7 +147,7 @@ void QtPasteboardReader::readOffers(std::function<void(const QStringList &format
     const QMimeData *data = clipboard()->mimeData(QClipboard::Clipboard);
     QStringList formats = data ? data->formats() : QStringList();
     // An image that Vesko put there itself is held as an image, not as bytes.
-    if (data && data->hasImage() && !formats.contains(pngFormat))
+    if (data && clipboard()->ownsClipboard() && data->hasImage() && !formats.contains(pngFormat))
         formats.append(pngFormat);
     QMetaObject::invokeMethod(
         this, [formats, done = std::move(done)] { done(formats); }, Qt::QueuedConnection);
@@ -140,12 +163,23 @@ void QtPasteboardReader::readFormat(
         return;
     }
     const QMimeData *mime = clipboard()->mimeData(QClipboard::Clipboard);
-    QByteArray data = mime ? mime->data(format) : QByteArray();
-    if (data.isEmpty() && format == pngFormat && mime && mime->hasImage()) {
-        QBuffer buffer(&data);
-        buffer.open(QIODevice::WriteOnly);
-        qvariant_cast<QImage>(mime->imageData()).save(&buffer, "PNG");
+    if (mime && format == pngFormat && clipboard()->ownsClipboard() && !mime->hasFormat(format)
+        && mime->hasImage()) {
+        // Vesko's own image: the image is shared, not copied, and encoded elsewhere.
+        const QImage image = qvariant_cast<QImage>(mime->imageData());
+        inBackground(
+            [image] {
+                QByteArray png;
+                QBuffer buffer(&png);
+                buffer.open(QIODevice::WriteOnly);
+                if (!image.save(&buffer, "PNG"))
+                    png.clear();
+                return png;
+            },
+            std::move(done));
+        return;
     }
+    const QByteArray data = mime ? mime->data(format) : QByteArray();
     QMetaObject::invokeMethod(
         this, [data, done = std::move(done)] { done(data); }, Qt::QueuedConnection);
 }

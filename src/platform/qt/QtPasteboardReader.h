@@ -3,8 +3,9 @@
 // Reads files and images from the desktop's clipboard without holding up the
 // program. When Vesko itself owns the clipboard, its data are at hand. On
 // X11 another owner is asked through X11ClipboardReader, which never waits.
-// Elsewhere QClipboard is read, whose transfers Qt bounds itself. An image
-// in another format is turned into PNG on a worker thread.
+// Elsewhere (Wayland) QClipboard is read, which waits for the other
+// application within Qt's own bound on its silence; only a few formats are
+// read that way. Images are encoded and converted to PNG on worker threads.
 
 #pragma once
 
@@ -23,6 +24,10 @@ class QtPasteboardReader : public QObject, public PasteboardReader
     Q_OBJECT
 
 public:
+    //! At most this many formats are read through QClipboard from another
+    //! application, each read holding the main thread until it is answered.
+    static constexpr int maximumBlockingReads = 3;
+
     explicit QtPasteboardReader(QObject *parent = nullptr);
     ~QtPasteboardReader() override;
 
@@ -40,6 +45,10 @@ private:
     //! The formats on offer, from whoever owns the clipboard.
     void readOffers(std::function<void(const QStringList &formats)> done);
     bool readsFromX11() const;
+    //! Runs \a work on a pool thread and hands its result to \a done here,
+    //! unless this reader is gone by then.
+    void inBackground(
+        std::function<QByteArray()> work, std::function<void(const QByteArray &)> done);
 
     std::unique_ptr<X11ClipboardReader> m_x11;
 };

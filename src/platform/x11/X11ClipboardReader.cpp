@@ -3,6 +3,7 @@
 #include "platform/x11/X11ClipboardReader.h"
 
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11SelectionConverter.h"
 
 #include <QPointer>
 
@@ -14,43 +15,75 @@ X11ClipboardReader::X11ClipboardReader(QObject *parent)
     : QObject(parent)
     , m_connection(std::make_unique<X11Connection>())
 {
-    m_silence.setSingleShot(true);
-    m_silence.setInterval(silenceTimeoutMilliseconds);
-    connect(&m_silence, &QTimer::timeout, this, [this] { finish(std::nullopt); });
     if (!m_connection->isValid())
         return;
+    m_converter = std::make_unique<X11SelectionConverter>(*m_connection);
+    m_connection->setEventHandler(
+        [this](xcb_generic_event_t *event) { m_converter->handleEvent(event); });
 
+    // Both names asked for at once, then the answers taken.
     xcb_connection_t *c = m_connection->get();
-    m_clipboard = m_connection->atom("CLIPBOARD");
-    m_property = m_connection->atom("VESKO_CLIPBOARD");
-    m_incr = m_connection->atom("INCR");
-    m_targets = m_connection->atom("TARGETS");
-
-    // An unmapped window to receive the data on; its property changes drive
-    // the transfer of large data.
-    m_window = xcb_generate_id(c);
-    const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
-    xcb_create_window(c, XCB_COPY_FROM_PARENT, m_window, m_connection->root(), -1, -1, 1, 1, 0,
-        XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
-    xcb_flush(c);
-    m_connection->setEventHandler([this](xcb_generic_event_t *event) { handleEvent(event); });
+    const QList<QByteArray> names {"CLIPBOARD", "TARGETS"};
+    QList<xcb_intern_atom_cookie_t> cookies;
+    for (const QByteArray &name : names)
+        cookies.append(xcb_intern_atom(c, 0, uint16_t(name.size()), name.constData()));
+    for (qsizetype i = 0; i < names.size(); ++i) {
+        xcb_intern_atom_reply_t *reply = xcb_intern_atom_reply(c, cookies.at(i), nullptr);
+        const xcb_atom_t atom = reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
+        std::free(reply);
+        m_atoms.insert(QString::fromLatin1(names.at(i)), atom);
+        m_names.insert(atom, QString::fromLatin1(names.at(i)));
+    }
+    m_clipboard = m_atoms.value(QStringLiteral("CLIPBOARD"));
+    m_targets = m_atoms.value(QStringLiteral("TARGETS"));
 }
 
-X11ClipboardReader::~X11ClipboardReader()
-{
-    // Reads still waiting end without an answer: whoever asked goes too.
-    if (m_connection->isValid() && m_window)
-        xcb_destroy_window(m_connection->get(), m_window);
-}
+// Reads still waiting end without an answer: whoever asked goes too.
+X11ClipboardReader::~X11ClipboardReader() = default;
 
 bool X11ClipboardReader::isValid() const
 {
-    return m_connection->isValid();
+    return m_converter != nullptr;
 }
 
 xcb_atom_t X11ClipboardReader::atom(const QString &name)
 {
-    return m_connection->atom(name.toLatin1().constData());
+    if (const auto known = m_atoms.constFind(name); known != m_atoms.cend())
+        return *known;
+    const xcb_atom_t atom = m_connection->atom(name.toLatin1().constData());
+    m_atoms.insert(name, atom);
+    m_names.insert(atom, name);
+    return atom;
+}
+
+QStringList X11ClipboardReader::atomNames(const QList<xcb_atom_t> &atoms)
+{
+    xcb_connection_t *c = m_connection->get();
+    QList<xcb_atom_t> unknown;
+    QList<xcb_get_atom_name_cookie_t> cookies;
+    for (const xcb_atom_t atom : atoms) {
+        if (atom != XCB_ATOM_NONE && !m_names.contains(atom) && !unknown.contains(atom)) {
+            unknown.append(atom);
+            cookies.append(xcb_get_atom_name(c, atom));
+        }
+    }
+    for (qsizetype i = 0; i < unknown.size(); ++i) {
+        xcb_get_atom_name_reply_t *reply = xcb_get_atom_name_reply(c, cookies.at(i), nullptr);
+        if (!reply)
+            continue;
+        const QString name = QString::fromLatin1(
+            xcb_get_atom_name_name(reply), xcb_get_atom_name_name_length(reply));
+        std::free(reply);
+        m_names.insert(unknown.at(i), name);
+        m_atoms.insert(name, unknown.at(i));
+    }
+
+    QStringList names;
+    for (const xcb_atom_t atom : atoms) {
+        if (const auto name = m_names.constFind(atom); name != m_names.cend())
+            names.append(*name);
+    }
+    return names;
 }
 
 void X11ClipboardReader::offers(std::function<void(const QStringList &formats)> done)
@@ -60,31 +93,20 @@ void X11ClipboardReader::offers(std::function<void(const QStringList &formats)> 
         return;
     }
     QPointer<X11ClipboardReader> guard(this);
-    m_queue.enqueue(
-        {m_targets, [guard, done](const std::optional<QByteArray> &data) {
-             QStringList formats;
-             if (guard && data) {
-                 const auto *atoms = reinterpret_cast<const xcb_atom_t *>(data->constData());
-                 const qsizetype count = data->size() / qsizetype(sizeof(xcb_atom_t));
-                 // Ask for every name first, then collect the answers.
-                 xcb_connection_t *c = guard->m_connection->get();
-                 QList<xcb_get_atom_name_cookie_t> cookies;
-                 for (qsizetype i = 0; i < count; ++i)
-                     cookies.append(xcb_get_atom_name(c, atoms[i]));
-                 for (const xcb_get_atom_name_cookie_t &cookie : cookies) {
-                     xcb_get_atom_name_reply_t *reply = xcb_get_atom_name_reply(c, cookie, nullptr);
-                     if (!reply)
-                         continue;
-                     formats.append(QString::fromLatin1(
-                         xcb_get_atom_name_name(reply), xcb_get_atom_name_name_length(reply)));
-                     std::free(reply);
-                 }
-                 guard->dispatchSoon();
-             }
-             done(formats);
-         }});
-    if (!m_current)
-        startNext();
+    m_converter->convert(m_clipboard, m_targets, m_timeout,
+        [guard, done = std::move(done)](const X11SelectionConverter::Result &result) {
+            QStringList formats;
+            const std::optional<X11SelectionConverter::Answer> &answer = result.answer;
+            // A list of atoms, as asked; anything else is no answer.
+            if (guard && answer
+                && (answer->type == XCB_ATOM_ATOM || answer->type == guard->m_targets)) {
+                const auto *atoms = reinterpret_cast<const xcb_atom_t *>(answer->bytes.constData());
+                const qsizetype count = std::min<qsizetype>(
+                    answer->bytes.size() / qsizetype(sizeof(xcb_atom_t)), maximumOffers);
+                formats = guard->atomNames(QList<xcb_atom_t>(atoms, atoms + count));
+            }
+            done(formats);
+        });
 }
 
 void X11ClipboardReader::read(const QString &format, Done done)
@@ -93,106 +115,10 @@ void X11ClipboardReader::read(const QString &format, Done done)
         done(std::nullopt);
         return;
     }
-    m_queue.enqueue({atom(format), std::move(done)});
-    dispatchSoon();
-    if (!m_current)
-        startNext();
-}
-
-void X11ClipboardReader::startNext()
-{
-    if (m_current || m_queue.isEmpty())
-        return;
-    m_current = m_queue.dequeue();
-    m_incremental = false;
-    m_received.clear();
-    xcb_connection_t *c = m_connection->get();
-    xcb_delete_property(c, m_window, m_property);
-    xcb_convert_selection(
-        c, m_window, m_clipboard, m_current->target, m_property, XCB_CURRENT_TIME);
-    xcb_flush(c);
-    m_silence.start();
-}
-
-std::optional<QByteArray> X11ClipboardReader::takeProperty(xcb_atom_t *type)
-{
-    xcb_connection_t *c = m_connection->get();
-    xcb_get_property_reply_t *reply = xcb_get_property_reply(
-        c, xcb_get_property(c, 1, m_window, m_property, XCB_ATOM_ANY, 0, 0x1fffffff), nullptr);
-    dispatchSoon();
-    if (!reply)
-        return std::nullopt;
-    *type = reply->type;
-    // The length is in bytes, whatever the format.
-    const QByteArray bytes(static_cast<const char *>(xcb_get_property_value(reply)),
-        xcb_get_property_value_length(reply));
-    std::free(reply);
-    return bytes;
-}
-
-void X11ClipboardReader::handleEvent(xcb_generic_event_t *event)
-{
-    if (!m_current)
-        return;
-    const uint8_t kind = event->response_type & 0x7F;
-    if (kind == XCB_SELECTION_NOTIFY) {
-        const auto *notify = reinterpret_cast<xcb_selection_notify_event_t *>(event);
-        if (notify->requestor != m_window || m_incremental)
-            return;
-        if (notify->property == XCB_ATOM_NONE) {
-            finish(std::nullopt); // refused, or nobody owns the clipboard
-            return;
-        }
-        xcb_atom_t type = XCB_ATOM_NONE;
-        const std::optional<QByteArray> data = takeProperty(&type);
-        if (data && type == m_incr) {
-            // Deleting the property asked the owner for the first piece.
-            m_incremental = true;
-            xcb_flush(m_connection->get());
-            m_silence.start();
-            return;
-        }
-        finish(data);
-        return;
-    }
-    if (kind == XCB_PROPERTY_NOTIFY && m_incremental) {
-        const auto *notify = reinterpret_cast<xcb_property_notify_event_t *>(event);
-        if (notify->window != m_window || notify->atom != m_property
-            || notify->state != XCB_PROPERTY_NEW_VALUE)
-            return;
-        xcb_atom_t type = XCB_ATOM_NONE;
-        const std::optional<QByteArray> piece = takeProperty(&type);
-        xcb_flush(m_connection->get());
-        if (!piece) {
-            finish(std::nullopt);
-            return;
-        }
-        if (piece->isEmpty()) {
-            finish(m_received); // an empty piece ends the transfer
-            return;
-        }
-        m_received.append(*piece);
-        m_silence.start();
-    }
-}
-
-void X11ClipboardReader::finish(const std::optional<QByteArray> &data)
-{
-    m_silence.stop();
-    if (!m_current)
-        return;
-    const Request request = *m_current;
-    m_current.reset();
-    m_incremental = false;
-    m_received.clear();
-    if (request.done)
-        request.done(data);
-    startNext();
-}
-
-void X11ClipboardReader::dispatchSoon()
-{
-    QMetaObject::invokeMethod(m_connection.get(), &X11Connection::dispatch, Qt::QueuedConnection);
+    m_converter->convert(m_clipboard, atom(format), m_timeout,
+        [done = std::move(done)](const X11SelectionConverter::Result &result) {
+            done(result.answer ? std::optional(result.answer->bytes) : std::nullopt);
+        });
 }
 
 } // namespace Vesko

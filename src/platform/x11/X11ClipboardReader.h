@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Reads the CLIPBOARD selection of the X server without waiting for its
-// owner: each read is a conversation of requests and events on a connection
-// of Vesko's own, answered later on the main thread. Large data come in
-// pieces (INCR). An owner that stops answering ends the read after a bound,
-// so the program goes on whatever another application does.
+// owner, for pasting files and images: the formats on offer (TARGETS, their
+// names looked up together and remembered) and the data in one format.
+// The conversations themselves are X11SelectionConverter's, on a connection
+// of Vesko's own, so a late answer to a read given up on is never taken for
+// the answer to the next one.
 
 #pragma once
 
 #include <QByteArray>
+#include <QHash>
 #include <QObject>
-#include <QQueue>
 #include <QStringList>
-#include <QTimer>
 
 #include <xcb/xcb.h>
 
@@ -23,6 +23,7 @@
 namespace Vesko {
 
 class X11Connection;
+class X11SelectionConverter;
 
 class X11ClipboardReader : public QObject
 {
@@ -31,12 +32,17 @@ class X11ClipboardReader : public QObject
 public:
     //! How long an owner may stay silent before the read gives up.
     static constexpr int silenceTimeoutMilliseconds = 3000;
+    //! At most this many formats of an owner are looked at.
+    static constexpr int maximumOffers = 1024;
 
     explicit X11ClipboardReader(QObject *parent = nullptr);
     ~X11ClipboardReader() override;
 
     //! There is an X server to read from.
     bool isValid() const;
+
+    //! Changes the bound on an owner's silence; for tests.
+    void setSilenceTimeout(int milliseconds) { m_timeout = milliseconds; }
 
     using Done = std::function<void(const std::optional<QByteArray> &data)>;
     //! The formats the clipboard's owner offers; empty without an owner.
@@ -46,33 +52,19 @@ public:
     void read(const QString &format, Done done);
 
 private:
-    struct Request
-    {
-        xcb_atom_t target = XCB_ATOM_NONE;
-        Done done;
-    };
-
-    void startNext();
-    void handleEvent(xcb_generic_event_t *event);
-    //! Takes the property's value and deletes it; nothing when it cannot be read.
-    std::optional<QByteArray> takeProperty(xcb_atom_t *type);
-    void finish(const std::optional<QByteArray> &data);
+    //! The atom of \a name, from what is known or else from the server.
     xcb_atom_t atom(const QString &name);
-    //! Reads events that a reply may have left waiting in the connection's queue.
-    void dispatchSoon();
+    //! The names of \a atoms in their order; those not known yet are asked
+    //! for all at once, and remembered.
+    QStringList atomNames(const QList<xcb_atom_t> &atoms);
 
     std::unique_ptr<X11Connection> m_connection;
-    xcb_window_t m_window = 0;
+    std::unique_ptr<X11SelectionConverter> m_converter;
     xcb_atom_t m_clipboard = XCB_ATOM_NONE;
-    xcb_atom_t m_property = XCB_ATOM_NONE;
-    xcb_atom_t m_incr = XCB_ATOM_NONE;
     xcb_atom_t m_targets = XCB_ATOM_NONE;
-
-    QQueue<Request> m_queue;
-    std::optional<Request> m_current;
-    bool m_incremental = false;
-    QByteArray m_received;
-    QTimer m_silence;
+    int m_timeout = silenceTimeoutMilliseconds;
+    QHash<xcb_atom_t, QString> m_names;
+    QHash<QString, xcb_atom_t> m_atoms;
 };
 
 } // namespace Vesko
