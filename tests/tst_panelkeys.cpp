@@ -87,6 +87,8 @@ private Q_SLOTS:
     void copyWithoutSelectionCopiesWhatTheSearchShows();
     void ignoredResults();
     void undoAndRedoFromTheList();
+    void undoInATextFieldTypingFirstThenTheLibrary_data();
+    void undoInATextFieldTypingFirstThenTheLibrary();
 
 private:
     PanelRootView &showRoot(const QStringList &projects);
@@ -145,8 +147,11 @@ bool PanelKeysTest::enter(const QString &context)
                 return focus && (focus->inherits("QTextEdit") || focus->inherits("QLineEdit"));
             }))
             return false;
-    } else if (context == "sheet") {
-        m_root->setFocusTarget(PanelFocusTarget::List);
+    } else if (context.startsWith("sheet")) {
+        // The sheet opened from the list, the composer or the search field.
+        m_root->setFocusTarget(context == "sheet over composer" ? PanelFocusTarget::Composer
+                : context == "sheet over search"                ? PanelFocusTarget::Search
+                                                                : PanelFocusTarget::List);
         m_state->setShowing(PanelLayer::Shortcuts, true);
     }
     QCoreApplication::processEvents();
@@ -252,6 +257,10 @@ void PanelKeysTest::keysInContext_data()
     QTest::newRow("sheet, Escape") << "sheet" << int(Qt::Key_Escape) << 0 << noLayer;
     QTest::newRow("sheet, Escape keeps the selection")
         << "sheet" << int(Qt::Key_Escape) << 0 << "selection b";
+    QTest::newRow("sheet over the composer, Escape")
+        << "sheet over composer" << int(Qt::Key_Escape) << 0 << noLayer;
+    QTest::newRow("sheet over the search field, Escape")
+        << "sheet over search" << int(Qt::Key_Escape) << 0 << noLayer;
 }
 
 void PanelKeysTest::keysInContext()
@@ -524,6 +533,41 @@ void PanelKeysTest::undoAndRedoFromTheList()
     press(Qt::Key_Backspace, ctrl);
     QVERIFY(!store.note(idFor("a")));
     press(Qt::Key_Z, ctrl);
+    QVERIFY(store.note(idFor("a")));
+    press(Qt::Key_Z, ctrl | shift);
+    QVERIFY(!store.note(idFor("a")));
+}
+
+void PanelKeysTest::undoInATextFieldTypingFirstThenTheLibrary_data()
+{
+    QTest::addColumn<QString>("context");
+    QTest::newRow("search") << "search";
+}
+
+void PanelKeysTest::undoInATextFieldTypingFirstThenTheLibrary()
+{
+    QFETCH(QString, context);
+    showRoot({"*Inbox:a,b"});
+    Store &store = m_fixture->store();
+    store.setSelection({idFor("a")}, idFor("a"));
+    m_root->setFocusTarget(PanelFocusTarget::List);
+    press(Qt::Key_Backspace, ctrl);
+    QVERIFY(!store.note(idFor("a")));
+
+    m_root->setFocusTarget(
+        context == "composer" ? PanelFocusTarget::Composer : PanelFocusTarget::Search);
+    QCoreApplication::processEvents();
+    QWidget *field = QApplication::focusWidget();
+    QVERIFY(field);
+    QTest::keyClicks(field, "q");
+    // The first Ctrl+Z takes back the typing and leaves the library alone.
+    press(Qt::Key_Z, ctrl);
+    QVERIFY(!store.note(idFor("a")));
+    // With nothing typed left to undo, the next one undoes the deletion,
+    press(Qt::Key_Z, ctrl);
+    QVERIFY(store.note(idFor("a")));
+    // Redo goes the same way: the typing comes back first, then the deletion.
+    press(Qt::Key_Z, ctrl | shift);
     QVERIFY(store.note(idFor("a")));
     press(Qt::Key_Z, ctrl | shift);
     QVERIFY(!store.note(idFor("a")));

@@ -51,9 +51,12 @@ bool PanelKeyHandler::isTextEntryContext() const
 {
     if (m_store.editingNoteID() || m_state.renamingSectionID())
         return true;
+    // With a layer in front (the sheet, a switcher, a prompt) the keyboard is
+    // in that layer, whatever part of the panel had it before.
     const PanelFocusTarget focus
         = m_hooks.focusTarget ? m_hooks.focusTarget() : PanelFocusTarget::None;
-    if (focus == PanelFocusTarget::Composer || focus == PanelFocusTarget::Search)
+    if (m_state.frontLayer() == PanelLayer::None
+        && (focus == PanelFocusTarget::Composer || focus == PanelFocusTarget::Search))
         return true;
     return m_hooks.textFieldFocused && m_hooks.textFieldFocused();
 }
@@ -86,8 +89,15 @@ bool PanelKeyHandler::passesTextFilter(int key, Qt::KeyboardModifiers modifiers)
 PanelKeyHandler::Result PanelKeyHandler::handleKeyPress(int key, Qt::KeyboardModifiers modifiers)
 {
     modifiers &= countedModifiers;
-    if (isTextEntryContext() && !passesTextFilter(key, modifiers))
+    if (isTextEntryContext() && !passesTextFilter(key, modifiers)) {
+        // Undo and redo stay with the text while it has typing to undo;
+        // beyond that they undo the library, as everywhere else.
+        const bool redo = modifiers == (Qt::ControlModifier | Qt::ShiftModifier);
+        if (key == Qt::Key_Z && (redo || modifiers == Qt::ControlModifier)
+            && m_hooks.textFieldCanUndo && !m_hooks.textFieldCanUndo(redo))
+            return perform(redo ? Shortcut::redo : Shortcut::undo);
         return Result::Ignored;
+    }
     const std::optional<Shortcut> shortcut = Shortcuts::lookup(key, modifiers);
     if (!shortcut)
         return Result::Ignored;

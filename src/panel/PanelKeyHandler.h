@@ -34,6 +34,9 @@ public:
         std::function<PanelFocusTarget()> focusTarget;
         //! The focused widget of the panel takes text.
         std::function<bool()> textFieldFocused;
+        //! The focused text widget has typing of its own to undo (or, with
+        //! true, to redo); when it has none, the library's undo takes the key.
+        std::function<bool(bool redo)> textFieldCanUndo;
         std::function<void()> hidePanel;
     };
 

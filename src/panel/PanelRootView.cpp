@@ -26,7 +26,9 @@
 #include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPlainTextEdit>
 #include <QPropertyAnimation>
+#include <QTextDocument>
 #include <QTextEdit>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -101,6 +103,25 @@ bool takesText(const QWidget *widget)
             || widget->inherits("QPlainTextEdit") || widget->inherits("QAbstractSpinBox"));
 }
 
+//! Whether a text widget has typing of its own to undo or redo; a widget
+//! that is no text widget has none.
+bool canUndoTyping(QWidget *widget, bool redo)
+{
+    if (auto *line = qobject_cast<QLineEdit *>(widget))
+        return redo ? line->isRedoAvailable() : line->isUndoAvailable();
+    // A document's undo stack can hold steps that are no typing (set up
+    // before the text was set); typing is what left the document modified.
+    const QTextDocument *document = nullptr;
+    if (auto *text = qobject_cast<QTextEdit *>(widget))
+        document = text->document();
+    else if (auto *plain = qobject_cast<QPlainTextEdit *>(widget))
+        document = plain->document();
+    if (!document)
+        return false;
+    return redo ? document->isRedoAvailable()
+                : document->isUndoAvailable() && document->isModified();
+}
+
 //! Hands the key presses made in one panel to its key handler before the
 //! focused widget sees them; a press the handler ignores goes on as usual.
 class KeyRouter : public QObject
@@ -150,7 +171,17 @@ PanelRootView::PanelRootView(
 {
     m_keys.setHooks({
         .focusTarget = [this] { return m_focus; },
-        .textFieldFocused = [] { return takesText(QApplication::focusWidget()); },
+        .textFieldFocused =
+            [this] {
+                // Behind a layer the composer and the search field hold no keys.
+                QWidget *focus = QApplication::focusWidget();
+                if (m_state.frontLayer() != PanelLayer::None && focus
+                    && (m_composer->isAncestorOf(focus) || m_search->isAncestorOf(focus)))
+                    return false;
+                return takesText(focus);
+            },
+        .textFieldCanUndo
+        = [](bool redo) { return canUndoTyping(QApplication::focusWidget(), redo); },
         .hidePanel = [this] { Q_EMIT hideRequested(); },
     });
     setObjectName(QStringLiteral("VeskoPanelRoot"));
