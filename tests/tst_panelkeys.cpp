@@ -541,6 +541,7 @@ void PanelKeysTest::undoAndRedoFromTheList()
 void PanelKeysTest::undoInATextFieldTypingFirstThenTheLibrary_data()
 {
     QTest::addColumn<QString>("context");
+    QTest::newRow("composer") << "composer";
     QTest::newRow("search") << "search";
 }
 

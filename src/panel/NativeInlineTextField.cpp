@@ -36,6 +36,10 @@ public:
         setAutoFillBackground(false);
         // Text starts at the left edge, with no margin around the document.
         document()->setDocumentMargin(0);
+        // The margin is a change of the document's frame, which it records as
+        // a step to undo: Ctrl+Z in a field nobody has typed in must find none.
+        document()->clearUndoRedoStacks();
+        document()->setModified(false);
         setContentsMargins(0, 0, 0, 0);
         setViewportMargins(0, 0, 0, 0);
     }

@@ -109,8 +109,6 @@ bool canUndoTyping(QWidget *widget, bool redo)
 {
     if (auto *line = qobject_cast<QLineEdit *>(widget))
         return redo ? line->isRedoAvailable() : line->isUndoAvailable();
-    // A document's undo stack can hold steps that are no typing (set up
-    // before the text was set); typing is what left the document modified.
     const QTextDocument *document = nullptr;
     if (auto *text = qobject_cast<QTextEdit *>(widget))
         document = text->document();
@@ -118,8 +116,7 @@ bool canUndoTyping(QWidget *widget, bool redo)
         document = plain->document();
     if (!document)
         return false;
-    return redo ? document->isRedoAvailable()
-                : document->isUndoAvailable() && document->isModified();
+    return redo ? document->isRedoAvailable() : document->isUndoAvailable();
 }
 
 //! Hands the key presses made in one panel to its key handler before the
