@@ -129,6 +129,10 @@ int main(int argc, char *argv[])
     AppCommands appCommands(store, PanelState::shared(), appCommandHooks);
     QObject::connect(&NoteWindowManager::shared(), &NoteWindowManager::windowOpened, &appCommands,
         [&appCommands](QWidget *window) { appCommands.attachTo(window); });
+    // And, for the pointer, under "More options".
+    PanelCommands::Hooks withCommandMenus = PanelCommands::shared().hooks();
+    withCommandMenus.commandMenus = [&appCommands] { return appCommands.menus(); };
+    PanelCommands::shared().setHooks(withCommandMenus);
 
     // The shortcut sheet shows the hot keys of this session.
     PanelRootView::setLayerFactory(

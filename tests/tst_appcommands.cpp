@@ -11,6 +11,7 @@
 #include "WidgetTestMain.h"
 
 #include "panel/PanelCommands.h"
+#include "panel/PanelMenus.h"
 #include "panel/PanelState.h"
 #include "panel/Shortcut.h"
 #include "shell/AppCommands.h"
@@ -18,6 +19,7 @@
 #include <QAction>
 #include <QClipboard>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QTextEdit>
 #include <QVBoxLayout>
@@ -39,6 +41,7 @@ private Q_SLOTS:
     void sectionSteps_data();
     void sectionSteps();
     void keysTheWindowUsesStayWithIt();
+    void moreOptionsReachesEveryCommand();
 
 private:
     std::unique_ptr<Test::StoreFixture> m_fixture;
@@ -161,6 +164,44 @@ void AppCommandsTest::keysTheWindowUsesStayWithIt()
     m_commands->attachTo(&window);
     QVERIFY(!window.actions().contains(m_commands->action("Copy as List")));
     QVERIFY(window.actions().contains(m_commands->action("Copy")));
+}
+
+void AppCommandsTest::moreOptionsReachesEveryCommand()
+{
+    PanelCommands::Hooks hooks;
+    hooks.commandMenus = [this] { return m_commands->menus(); };
+    PanelCommands::shared().setHooks(hooks);
+    QMenu overflow;
+    fillOverflowMenu(overflow, m_fixture->store(), *m_state, m_fixture->preferences());
+    PanelCommands::shared().setHooks({});
+
+    QMenu *all = nullptr;
+    for (QAction *action : overflow.actions()) {
+        if (action->text() == QStringLiteral("All Commands"))
+            all = action->menu();
+    }
+    QVERIFY(all);
+    QStringList groups;
+    QMenu *notes = nullptr;
+    for (QAction *action : all->actions()) {
+        groups.append(action->text());
+        if (action->text() == QStringLiteral("Notes"))
+            notes = action->menu();
+    }
+    QCOMPARE(groups, (QStringList {"Vesko", "File", "Edit", "Notes", "Sections"}));
+    QVERIFY(notes);
+
+    // A command without a key: with nothing selected it acts on every visible note.
+    QAction *markDone = nullptr;
+    for (QAction *action : notes->actions()) {
+        if (action->text() == QStringLiteral("Mark as Done"))
+            markDone = action;
+    }
+    QVERIFY(markDone);
+    markDone->trigger();
+    Store &store = m_fixture->store();
+    QVERIFY(store.note(idFor("a"))->isDone);
+    QVERIFY(store.note(idFor("b"))->isDone);
 }
 
 VESKO_WIDGET_TEST_MAIN(AppCommandsTest)

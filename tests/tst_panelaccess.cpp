@@ -231,7 +231,7 @@ void PanelAccessTest::throughTheScreenReader()
             "#Active Section", "Inbox", "Switch Section…", "-", "New Section…",
             "Collapse All Sections", "Expand All Sections", "#View", "Show Completed",
             "Completed at Bottom", "Newest First", "-", "Copy All as List", "Clear Completed",
-            "Export as Markdown…", "Show Notes File in Files", "Dashboard", "-",
+            "Export as Markdown…", "Show Notes File in Files", "Dashboard", "All Commands", "-",
             "Reset Window Position", "Reset Window Size", "Keyboard Shortcuts…", "Settings…",
             "Quit Vesko"}));
     const AccessibleNode *newSection = menuEntry(overflow, QStringLiteral("New Section…"));

@@ -40,6 +40,10 @@ public:
         //! Fills the dashboard submenu of "More options" with the tray menu's
         //! entries; without it the submenu is left out.
         std::function<void(QMenu &menu)> fillDashboard;
+        //! The program's command menus (application, file, edit, notes,
+        //! sections), shown under "All Commands" in "More options"; without
+        //! it that submenu is left out.
+        std::function<QList<QMenu *>()> commandMenus;
         //! Opens the Settings window.
         std::function<void()> openSettings;
         //! Quits the program the way "Quit Vesko" does.

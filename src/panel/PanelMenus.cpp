@@ -408,6 +408,12 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
         QObject::connect(dashboard, &QMenu::aboutToShow, dashboard,
             [dashboard, fillDashboard] { fillDashboard(*dashboard); });
     }
+    if (const auto &commandMenus = PanelCommands::shared().hooks().commandMenus) {
+        // Without a menu bar, the commands that have no key are reached here.
+        QMenu *all = menu.addMenu(text("All Commands"));
+        for (QMenu *group : commandMenus())
+            all->addMenu(group);
+    }
 
     menu.addSeparator();
     addEntry(
