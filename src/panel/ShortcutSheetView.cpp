@@ -108,7 +108,10 @@ QLabel *addRow(QWidget *group, const QString &symbol, const QString &title, cons
     // A long title wraps; the keys keep their width.
     name->setWordWrap(true);
     name->setMinimumWidth(0);
-    name->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    // A policy set anew drops the height-for-width that word wrap asked for.
+    QSizePolicy namePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    namePolicy.setHeightForWidth(true);
+    name->setSizePolicy(namePolicy);
     setTextColor(name, colors.text);
     layout->addWidget(name, 1);
     auto *value = new QLabel(keys, row);

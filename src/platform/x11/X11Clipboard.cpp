@@ -135,8 +135,9 @@ void X11Clipboard::readNext(const std::shared_ptr<Reading> &reading)
         reading->done(reading->formats.isEmpty() ? Snapshot {} : Snapshot {reading->formats});
         return;
     }
-    const auto [format, target] = reading->pending.takeFirst();
-    m_converter->convert(m_clipboard, target, answerTimeoutMilliseconds,
+    const auto next = reading->pending.takeFirst();
+    const QString format = next.first;
+    m_converter->convert(m_clipboard, next.second, answerTimeoutMilliseconds,
         [this, reading, format](X11SelectionConverter::Result result) {
             const std::optional<X11SelectionConverter::Answer> &answer = result.answer;
             if (result.isSilent) {
