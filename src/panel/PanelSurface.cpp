@@ -28,6 +28,12 @@ void paintElevatedSurface(QPainter &painter, const QRectF &rect, double radius,
     painter.setRenderHint(QPainter::Antialiasing);
     QPainterPath path;
     path.addRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    // The bars float over rows that scroll beneath them. Nothing blurs those
+    // rows here, so the surface stands on the panel's own colour, opaque, and
+    // the text beneath never reads through the search field or the composer.
+    QColor base = colors.panelSurface;
+    base.setAlpha(255);
+    painter.fillPath(path, base);
     painter.fillPath(path, blendedColor(colors.surfaceFill, colors.surfaceHoverFill, emphasis));
     painter.setPen(QPen(colors.surfaceStroke, 1));
     painter.drawPath(path);

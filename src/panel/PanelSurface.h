@@ -19,7 +19,8 @@ namespace Vesko {
 
 struct ThemeColors;
 
-//! Paints an elevated surface of corner \a radius in \a rect; \a emphasis
+//! Paints the elevated surface of a bar floating over the list, of corner
+//! \a radius in \a rect, on an opaque base of the panel's colour; \a emphasis
 //! (0 to 1) blends the fill towards the hover fill.
 void paintElevatedSurface(QPainter &painter, const QRectF &rect, double radius,
     const ThemeColors &colors, double emphasis);
