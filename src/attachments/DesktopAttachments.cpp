@@ -49,9 +49,6 @@ void installAttachmentCommands(PanelCommands &commands)
               std::function<void(const std::optional<QList<NoteAttachment>> &)> done) {
               attachmentActions().importForNewNote(urls, std::move(done));
           };
-    hooks.dropFilesOnNote = [](const QList<QUrl> &files, const QUuid &noteID) {
-        attachmentActions().dropFiles(files, noteID);
-    };
     commands.setHooks(hooks);
 }
 

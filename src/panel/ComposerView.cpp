@@ -6,6 +6,7 @@
 
 #include "panel/NativeInlineTextField.h"
 #include "panel/PanelCommands.h"
+#include "panel/PanelDrop.h"
 #include "panel/PanelSurface.h"
 #include "shell/Theme.h"
 #include "shell/Toast.h"
@@ -29,14 +30,7 @@ constexpr int symbolSize = 13;
 
 QList<QUrl> droppedFiles(const QMimeData *data)
 {
-    QList<QUrl> files;
-    if (!data || !data->hasUrls())
-        return files;
-    for (const QUrl &url : data->urls()) {
-        if (url.isLocalFile())
-            files.append(url);
-    }
-    return files;
+    return data ? PanelDrop::localFiles(*data) : QList<QUrl>();
 }
 
 } // namespace

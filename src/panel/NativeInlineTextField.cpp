@@ -2,6 +2,7 @@
 
 #include "panel/NativeInlineTextField.h"
 
+#include "panel/PanelDrop.h"
 #include "panel/SpellCheckHighlighter.h"
 #include "platform/SpellChecker.h"
 
@@ -147,11 +148,7 @@ protected:
 private:
     static bool carriesFiles(const QMimeData *data)
     {
-        if (!data->hasUrls())
-            return false;
-        const QList<QUrl> urls = data->urls();
-        return std::any_of(
-            urls.begin(), urls.end(), [](const QUrl &url) { return url.isLocalFile(); });
+        return !PanelDrop::localFiles(*data).isEmpty();
     }
 
     NativeInlineTextField *m_field;

@@ -40,18 +40,6 @@ QEasingCurve easeOut()
     return curve;
 }
 
-QList<QUrl> localFiles(const QMimeData *data)
-{
-    QList<QUrl> files;
-    if (!data->hasUrls())
-        return files;
-    for (const QUrl &url : data->urls()) {
-        if (url.isLocalFile())
-            files.append(url);
-    }
-    return files;
-}
-
 //! The locale's short time, without seconds.
 QString shortTimeFormat(const QLocale &locale)
 {
@@ -631,7 +619,7 @@ void NoteRowView::startDrag()
 void NoteRowView::dragEnterEvent(QDragEnterEvent *event)
 {
     const QMimeData *data = event->mimeData();
-    if (!localFiles(data).isEmpty()) {
+    if (!PanelDrop::localFiles(*data).isEmpty()) {
         m_fileTargeted = true;
         updateFill(true, dropFillMilliseconds);
         event->acceptProposedAction();
@@ -660,7 +648,7 @@ void NoteRowView::dragLeaveEvent(QDragLeaveEvent *)
 void NoteRowView::dropEvent(QDropEvent *event)
 {
     const QMimeData *data = event->mimeData();
-    const QList<QUrl> files = localFiles(data);
+    const QList<QUrl> files = PanelDrop::localFiles(*data);
     bool accepted = false;
     if (m_fileTargeted || !files.isEmpty()) {
         m_fileTargeted = false;

@@ -103,12 +103,6 @@ void PanelCommands::pasteAttachments(const QUuid &noteID) const
         m_hooks.pasteAttachments(noteID);
 }
 
-void PanelCommands::dropFilesOnNote(const QList<QUrl> &files, const QUuid &noteID) const
-{
-    if (m_hooks.dropFilesOnNote)
-        m_hooks.dropFilesOnNote(files, noteID);
-}
-
 void PanelCommands::chooseFiles(std::function<void(const QList<QUrl> &)> done) const
 {
     if (m_hooks.chooseFiles)

@@ -54,8 +54,6 @@ public:
         std::function<void(const QUuid &noteID)> addAttachments;
         //! Attaches the file or image of the clipboard to a note.
         std::function<void(const QUuid &noteID)> pasteAttachments;
-        //! Attaches files dropped on a note, with the toasts of the outcome.
-        std::function<void(const QList<QUrl> &files, const QUuid &noteID)> dropFilesOnNote;
         //! Asks for files without blocking, and hands the chosen ones over
         //! (nothing when the dialog was cancelled, or without this hook).
         std::function<void(std::function<void(const QList<QUrl> &)>)> chooseFiles;
@@ -86,7 +84,6 @@ public:
     void resetPanelSize() const;
     void addAttachments(const QUuid &noteID) const;
     void pasteAttachments(const QUuid &noteID) const;
-    void dropFilesOnNote(const QList<QUrl> &files, const QUuid &noteID) const;
     void chooseFiles(std::function<void(const QList<QUrl> &)> done) const;
     //! Imports the files of a note not yet written; \a done gets their
     //! records, or nothing after a failure (the user has been told).

@@ -10,14 +10,22 @@
 
 namespace Vesko::PanelDrop {
 
+QList<QUrl> localFiles(const QMimeData &data)
+{
+    QList<QUrl> files;
+    if (!data.hasUrls())
+        return files;
+    for (const QUrl &url : data.urls()) {
+        if (url.isLocalFile())
+            files.append(url);
+    }
+    return files;
+}
+
 std::optional<QStringList> textItems(const QMimeData &data)
 {
-    if (data.hasUrls()) {
-        for (const QUrl &url : data.urls()) {
-            if (url.isLocalFile())
-                return std::nullopt;
-        }
-    }
+    if (!localFiles(data).isEmpty())
+        return std::nullopt;
     if (!data.hasFormat(QStringLiteral("text/plain")))
         return std::nullopt;
     return QStringList {data.text()};

@@ -6,7 +6,9 @@
 
 #pragma once
 
+#include <QList>
 #include <QStringList>
+#include <QUrl>
 #include <QUuid>
 
 #include <optional>
@@ -28,6 +30,10 @@ enum class Outcome {
     //! The notes being dragged moved.
     MovedNotes,
 };
+
+//! The local files a drag carries, in its order; none when it carries no
+//! file URLs.
+QList<QUrl> localFiles(const QMimeData &data);
 
 //! The plain texts a drag carries, or nothing when it carries no text or
 //! carries files: files are not text to the rows, whatever text they bring.

@@ -4,8 +4,10 @@
 
 #include "panel/PanelCommands.h"
 #include "shell/Toast.h"
+#include "store/NoteText.h"
 #include "store/Store.h"
 
+#include <QCoreApplication>
 #include <QWidget>
 
 namespace Vesko {
@@ -213,7 +215,7 @@ PanelKeyHandler::Result PanelKeyHandler::perform(Shortcut shortcut)
     case Shortcut::toggleDone:
         if (ids.isEmpty())
             return Result::Ignored;
-        m_store.setDone(ids, m_store.toggledDoneValue(ids));
+        m_store.toggleDone(ids);
         break;
     case Shortcut::editNote:
         if (ids.size() != 1)
@@ -265,10 +267,14 @@ void PanelKeyHandler::copy(bool asList, const QList<QUuid> &ids)
     Clipboard &clipboard = PanelCommands::shared().clipboard();
     if (asList) {
         m_store.copyAsList(notes, clipboard);
-        ToastPresenter::shared().present(tr("Copied as List"), QStringLiteral("list.number"));
+        ToastPresenter::shared().present(
+            QCoreApplication::translate("TextOut", TextOutMessages::copiedAsList),
+            QString::fromLatin1(TextOutMessages::copiedAsListSymbol));
     } else {
         m_store.copyNotes(notes, clipboard);
-        ToastPresenter::shared().present(tr("Copied"), QStringLiteral("doc.on.doc"));
+        ToastPresenter::shared().present(
+            QCoreApplication::translate("TextOut", TextOutMessages::copied),
+            QString::fromLatin1(TextOutMessages::copiedSymbol));
     }
 }
 

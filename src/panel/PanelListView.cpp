@@ -166,13 +166,6 @@ PanelListView::PanelListView(Store &store, PanelState &state, QWidget *parent)
         m_animationTarget.reset();
     });
 
-    m_noteMenuFiller = [this](QMenu &menu, const QList<QUuid> &target) {
-        fillNoteMenu(menu, m_store, m_state, target);
-    };
-    m_sectionMenuFiller = [this](QMenu &menu, const QUuid &sectionID) {
-        fillSectionMenu(menu, m_store, m_state, sectionID);
-    };
-
     connect(&m_store, &Store::rowsChanged, this, &PanelListView::rowsChanged);
     connect(&m_store, &Store::searchTextChanged, this, &PanelListView::searchTextChanged);
     connect(&m_store, &Store::selectionChanged, this, &PanelListView::selectionChanged);
@@ -192,7 +185,6 @@ PanelListView::PanelListView(Store &store, PanelState &state, QWidget *parent)
     connect(this, &PanelListView::dropIndicatorsChanged, this, &PanelListView::updateDropLines);
 
     m_rows = m_store.rows();
-    m_knownRowCount = m_rows.size();
     m_knownProjectID = m_store.activeProject().id;
     relayout();
 }
@@ -216,16 +208,6 @@ void PanelListView::setContentMargins(int top, int bottom)
 void PanelListView::setKeyHandler(KeyHandler handler)
 {
     m_keyHandler = std::move(handler);
-}
-
-void PanelListView::setNoteMenuFiller(NoteMenuFiller filler)
-{
-    m_noteMenuFiller = std::move(filler);
-}
-
-void PanelListView::setSectionMenuFiller(SectionMenuFiller filler)
-{
-    m_sectionMenuFiller = std::move(filler);
 }
 
 void PanelListView::setAttachmentActions(AttachmentActions &actions, ThumbnailCache &thumbnails)
@@ -255,13 +237,12 @@ int PanelListView::rowCount() const
 
 int PanelListView::indexOfRow(const QUuid &id) const
 {
-    // A linear pass over ids is cheaper than keeping a hash up to date at
-    // every rebuild, and it runs only for a reveal or a jump.
-    for (qsizetype i = 0; i < m_rows.size(); ++i) {
-        if (m_rows.at(i).id() == id)
-            return int(i);
+    if (m_rowIndex.isEmpty() && !m_rows.isEmpty()) {
+        m_rowIndex.reserve(m_rows.size());
+        for (qsizetype i = 0; i < m_rows.size(); ++i)
+            m_rowIndex.insert(m_rows.at(i).id(), int(i));
     }
-    return -1;
+    return m_rowIndex.value(id, -1);
 }
 
 QRect PanelListView::rowRect(const QUuid &id) const
@@ -388,16 +369,16 @@ bool PanelListView::isRowInView(int index) const
 
 void PanelListView::rowsChanged()
 {
-    const qsizetype oldCount = m_knownRowCount;
+    const qsizetype oldCount = m_rows.size();
     m_rows = m_store.rows();
-    m_knownRowCount = m_rows.size();
+    m_rowIndex.clear();
     const QUuid projectID = m_store.activeProject().id;
     const bool projectChanged = projectID != m_knownProjectID;
     m_knownProjectID = projectID;
     relayout();
     if (projectChanged)
         scrollTo(0);
-    if (m_knownRowCount < oldCount) {
+    if (m_rows.size() < oldCount) {
         m_pendingScrollToTop = true;
         scheduleDeferredScrolls();
     }
@@ -622,7 +603,7 @@ void PanelListView::placeRows()
             break;
         updateScrollRange();
         if (m_pinnedTarget) {
-            if (const int index = indexOfRowNear(m_pinnedTarget->first, first, last); index >= 0)
+            if (const int index = indexOfRow(m_pinnedTarget->first); index >= 0)
                 verticalScrollBar()->setValue(scrollValueFor(index, m_pinnedTarget->second));
         } else if (!m_animationTarget && scroll > 0) {
             verticalScrollBar()->setValue(clampedScroll(m_layout->top(anchorIndex) + anchorOffset));
@@ -659,7 +640,7 @@ void PanelListView::placeRows()
 
     const int scroll = verticalScrollBar()->value();
     for (auto it = m_noteViews.cbegin(); it != m_noteViews.cend(); ++it) {
-        const int index = indexOfRowNear(it.key(), first, last);
+        const int index = indexOfRow(it.key());
         if (index < 0)
             continue;
         it.value()->setGeometry(
@@ -667,7 +648,7 @@ void PanelListView::placeRows()
         it.value()->show();
     }
     for (auto it = m_headerViews.cbegin(); it != m_headerViews.cend(); ++it) {
-        const int index = indexOfRowNear(it.key(), first, last);
+        const int index = indexOfRow(it.key());
         if (index < 0)
             continue;
         SectionHeaderView *header = it.value();
@@ -683,15 +664,6 @@ void PanelListView::placeRows()
     m_pinnedTarget.reset();
     updateDropLines();
     Q_EMIT rowsPlaced();
-}
-
-int PanelListView::indexOfRowNear(const QUuid &id, int first, int last) const
-{
-    for (int i = std::max(0, first); i <= last && i < m_rows.size(); ++i) {
-        if (m_rows.at(i).id() == id)
-            return i;
-    }
-    return indexOfRow(id);
 }
 
 NoteRowView *PanelListView::takeIdleNote()
@@ -851,11 +823,9 @@ void PanelListView::sectionReorderCancelled()
 
 void PanelListView::showNoteMenu(const QList<QUuid> &target, const QPoint &globalPosition)
 {
-    if (!m_noteMenuFiller)
-        return;
     auto *menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    m_noteMenuFiller(*menu, target);
+    fillNoteMenu(*menu, m_store, m_state, target);
     if (menu->isEmpty()) {
         delete menu;
         return;
@@ -865,11 +835,9 @@ void PanelListView::showNoteMenu(const QList<QUuid> &target, const QPoint &globa
 
 void PanelListView::showSectionMenu(const QUuid &sectionID, const QPoint &globalPosition)
 {
-    if (!m_sectionMenuFiller)
-        return;
     auto *menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    m_sectionMenuFiller(*menu, sectionID);
+    fillSectionMenu(*menu, m_store, m_state, sectionID);
     if (menu->isEmpty()) {
         delete menu;
         return;

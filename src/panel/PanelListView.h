@@ -59,9 +59,6 @@ public:
 
     //! Handles a key pressed on the list; returns true when it took the key.
     using KeyHandler = std::function<bool(QKeyEvent *)>;
-    //! Fills the context menu of notes or of a section.
-    using NoteMenuFiller = std::function<void(QMenu &, const QList<QUuid> &)>;
-    using SectionMenuFiller = std::function<void(QMenu &, const QUuid &)>;
 
     PanelListView(Store &store, PanelState &state, QWidget *parent = nullptr);
     ~PanelListView() override;
@@ -80,9 +77,6 @@ public:
     //! The key handling of the panel; without one the list moves the
     //! selection with the arrows. Page Up and Page Down scroll either way.
     void setKeyHandler(KeyHandler handler);
-    //! The context menus; the panel's note and section menus unless set.
-    void setNoteMenuFiller(NoteMenuFiller filler);
-    void setSectionMenuFiller(SectionMenuFiller filler);
     //! What the attachment tiles and the files dropped on notes act through;
     //! the program's own attachment actions unless set.
     void setAttachmentActions(AttachmentActions &actions, ThumbnailCache &thumbnails);
@@ -178,7 +172,6 @@ private:
     void updateScrollRange();
     //! The height of the row \a index: as measured, or as estimated.
     int rowHeight(int index);
-    int indexOfRowNear(const QUuid &id, int first, int last) const;
     NoteRowView *takeIdleNote();
     SectionHeaderView *takeIdleHeader();
     int clampedScroll(int value) const;
@@ -199,14 +192,16 @@ private:
     QVariantAnimation *m_scrollAnimation = nullptr;
     DropIndicatorOverlay *m_overlay = nullptr;
     KeyHandler m_keyHandler;
-    NoteMenuFiller m_noteMenuFiller;
-    SectionMenuFiller m_sectionMenuFiller;
     AttachmentActions *m_attachmentActions = nullptr;
     ThumbnailCache *m_thumbnails = nullptr;
 
     //! The Store's rows as last laid out, and their ids for keeping the
     //! first row in view in place across a rebuild.
     QList<PanelRow> m_rows;
+    //! Where each row's id stands in m_rows; built on the first look-up
+    //! after the rows change, so a rebuild that nobody looks into costs
+    //! nothing more.
+    mutable QHash<QUuid, int> m_rowIndex;
     QList<QUuid> m_previousRowIDs;
     QSet<QUuid> m_expandedIDs;
     //! Heights of note rows, measured or estimated, with what they depend on.
@@ -223,7 +218,6 @@ private:
 
     int m_topMargin = minimumTopMargin;
     int m_bottomMargin = minimumBottomMargin;
-    qsizetype m_knownRowCount = 0;
     QUuid m_knownProjectID;
     std::optional<QUuid> m_dropTargetID;
     bool m_placing = false;

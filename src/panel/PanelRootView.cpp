@@ -13,10 +13,12 @@
 #include "panel/SearchFieldView.h"
 #include "panel/ShortcutSheetView.h"
 #include "panel/SwitcherView.h"
+#include "panel/TextEditing.h"
 #include "shell/Preferences.h"
 #include "shell/Theme.h"
 #include "store/Store.h"
 
+#include <QAbstractSpinBox>
 #include <QApplication>
 #include <QEvent>
 #include <QGraphicsOpacityEffect>
@@ -95,28 +97,10 @@ void fadeIn(QWidget *widget)
     fade->start(QAbstractAnimation::DeleteWhenStopped);
 }
 
-//! The widget takes typed text: a line or text editor.
+//! The widget takes typed text: a text editor or a spin box.
 bool takesText(const QWidget *widget)
 {
-    return widget
-        && (widget->inherits("QLineEdit") || widget->inherits("QTextEdit")
-            || widget->inherits("QPlainTextEdit") || widget->inherits("QAbstractSpinBox"));
-}
-
-//! Whether a text widget has typing of its own to undo or redo; a widget
-//! that is no text widget has none.
-bool canUndoTyping(QWidget *widget, bool redo)
-{
-    if (auto *line = qobject_cast<QLineEdit *>(widget))
-        return redo ? line->isRedoAvailable() : line->isUndoAvailable();
-    const QTextDocument *document = nullptr;
-    if (auto *text = qobject_cast<QTextEdit *>(widget))
-        document = text->document();
-    else if (auto *plain = qobject_cast<QPlainTextEdit *>(widget))
-        document = plain->document();
-    if (!document)
-        return false;
-    return redo ? document->isRedoAvailable() : document->isUndoAvailable();
+    return isTextEditor(widget) || qobject_cast<const QAbstractSpinBox *>(widget);
 }
 
 //! Hands the key presses made in one panel to its key handler before the

@@ -60,9 +60,6 @@ struct CopyOptions
     std::function<bool(qint64 bytes)> progress;
 };
 
-//! The size of the pieces a copy reads and writes: a file is never held whole.
-inline constexpr qint64 copyPieceSize = 1024 * 1024;
-
 //! Copies a file a piece at a time; the copy is private and carries the
 //! source's modification date. It appears under its name whole or not at all.
 std::optional<QString> copyFileKeepingDate(

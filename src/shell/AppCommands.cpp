@@ -5,6 +5,7 @@
 #include "panel/PanelCommands.h"
 #include "panel/PanelState.h"
 #include "panel/Shortcut.h"
+#include "panel/TextEditing.h"
 #include "store/Store.h"
 
 #include <QAbstractButton>
@@ -24,22 +25,7 @@ namespace {
 QWidget *focusedTextField()
 {
     QWidget *focus = QApplication::focusWidget();
-    if (qobject_cast<QLineEdit *>(focus) || qobject_cast<QTextEdit *>(focus)
-        || qobject_cast<QPlainTextEdit *>(focus))
-        return focus;
-    return nullptr;
-}
-
-//! The focused text field can undo (\a redo: redo) its typing.
-bool textFieldCan(QWidget *field, bool redo)
-{
-    if (auto *line = qobject_cast<QLineEdit *>(field))
-        return redo ? line->isRedoAvailable() : line->isUndoAvailable();
-    if (auto *text = qobject_cast<QTextEdit *>(field))
-        return redo ? text->document()->isRedoAvailable() : text->document()->isUndoAvailable();
-    if (auto *plain = qobject_cast<QPlainTextEdit *>(field))
-        return redo ? plain->document()->isRedoAvailable() : plain->document()->isUndoAvailable();
-    return false;
+    return isTextEditor(focus) ? focus : nullptr;
 }
 
 } // namespace
@@ -141,7 +127,7 @@ void AppCommands::build()
             edit, redo ? tr("Redo") : tr("Undo"),
             [this, redo] {
                 QWidget *field = focusedTextField();
-                if (field && textFieldCan(field, redo))
+                if (field && canUndoTyping(field, redo))
                     QMetaObject::invokeMethod(field, redo ? "redo" : "undo");
                 else if (redo)
                     m_store.redo();

@@ -20,7 +20,7 @@ MenuBarDashboard menuBarDashboard(const Store &store)
                 continue;
             ++dashboard.openNoteCount;
             if (dashboard.notes.size() < MenuBarDashboard::noteLimit)
-                dashboard.notes.append({note.id, dashboardNoteTitle(note.text), note.isDone});
+                dashboard.notes.append({note.id, dashboardNoteTitle(note.text)});
         }
     }
 

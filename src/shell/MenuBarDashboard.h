@@ -29,7 +29,6 @@ struct MenuBarNote
     QUuid id;
     //! The note's text on one line, cut to 44 characters and "…".
     QString title;
-    bool isDone = false;
 
     bool operator==(const MenuBarNote &) const = default;
 };

@@ -93,11 +93,11 @@ void rebuildMenuBarMenu(
         none->setEnabled(false);
     } else {
         for (const MenuBarNote &note : dashboard.notes) {
-            // A box to tick: choosing the entry marks the note done.
+            // A box to tick: the dashboard lists open notes only, and
+            // choosing one marks it done.
             QAction *entry = addEntry(menu, menuEntryText(note.title),
-                [&store, id = note.id, isDone = note.isDone] { store.setDone({id}, !isDone); });
+                [&store, id = note.id] { store.setDone({id}, true); });
             entry->setCheckable(true);
-            entry->setChecked(note.isDone);
         }
         addEntry(menu, text("Copy All as List"), [&store] {
             QList<QUuid> ids;

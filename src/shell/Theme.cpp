@@ -289,7 +289,6 @@ QIcon symbolIcon(const QString &symbol, const QColor &color, int size)
         {"text.viewfinder", "edit-find-symbolic", u"\u25CE"},
         {"internaldrive", "drive-harddisk-symbolic", u"\u26C1"},
         {"info.circle", "help-about-symbolic", u"i"},
-        {"checkmark.circle.fill", "emblem-ok-symbolic", u"\u2714"},
         {"exclamationmark.triangle.fill", "dialog-warning-symbolic", u"\u26A0"},
         {"person.slash", "avatar-default-symbolic", u"\u2298"},
         // The keyboard shortcuts' symbols.
@@ -314,7 +313,6 @@ QIcon symbolIcon(const QString &symbol, const QColor &color, int size)
         {"return", "keyboard-enter-symbolic", u"\u21A9"},
         {"arrow.turn.down.left", "keyboard-enter-symbolic", u"\u21B5"},
         {"number", "format-text-symbolic", u"#"},
-        {"xmark.circle.fill", "edit-clear-symbolic", u"\u2297"},
     };
     const char16_t *glyph = u"\u2022";
     for (const Symbol &entry : symbols) {
