@@ -5,9 +5,13 @@
 #include "panel/PanelWindow.h"
 #include "shell/Theme.h"
 
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPointer>
+#include <QTimer>
 
 namespace Vesko {
 
@@ -48,6 +52,35 @@ PanelLayerView::PanelLayerView(QWidget *parent)
 void PanelLayerView::placeCard()
 {
     m_card->setGeometry(cardGeometry());
+}
+
+void PanelLayerView::focusWhenShown(QLineEdit *field, const std::function<void(QLineEdit *)> &then)
+{
+    QTimer::singleShot(focusDelayMilliseconds, this, [field = QPointer<QLineEdit>(field), then] {
+        if (!field)
+            return;
+        field->setFocus(Qt::OtherFocusReason);
+        if (then)
+            then(field);
+    });
+}
+
+bool PanelLayerView::handleAnswerKey(
+    QEvent *event, const std::function<void()> &accept, const std::function<void()> &reject)
+{
+    if (event->type() != QEvent::KeyPress)
+        return false;
+    switch (static_cast<QKeyEvent *>(event)->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        accept();
+        return true;
+    case Qt::Key_Escape:
+        reject();
+        return true;
+    default:
+        return false;
+    }
 }
 
 void PanelLayerView::paintEvent(QPaintEvent *)

@@ -10,6 +10,10 @@
 #include <QRect>
 #include <QWidget>
 
+#include <functional>
+
+class QLineEdit;
+
 namespace Vesko {
 
 class PanelLayerView : public QWidget
@@ -32,6 +36,13 @@ protected:
     virtual void dismiss() = 0;
     //! Moves the card to cardGeometry(); the layer does so on every resize.
     void placeCard();
+    //! Gives \a field the keyboard once the layer has appeared, then runs
+    //! \a then on it.
+    void focusWhenShown(QLineEdit *field, const std::function<void(QLineEdit *)> &then = {});
+    //! For a field's event filter: Return or Enter calls \a accept, Escape
+    //! \a reject. True when the event was one of these keys.
+    static bool handleAnswerKey(
+        QEvent *event, const std::function<void()> &accept, const std::function<void()> &reject);
 
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;

@@ -5,13 +5,10 @@
 #include "shell/Theme.h"
 
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
-#include <QPointer>
 #include <QPushButton>
-#include <QTimer>
 #include <QVBoxLayout>
 
 namespace Vesko {
@@ -108,13 +105,7 @@ PanelPromptView::PanelPromptView(const QString &title, const QString &placeholde
     updateAddButton();
 
     // The field takes the keyboard once the prompt has appeared.
-    QPointer<QLineEdit> field(m_field);
-    QTimer::singleShot(focusDelayMilliseconds, this, [field] {
-        if (field) {
-            field->setFocus(Qt::OtherFocusReason);
-            field->end(false);
-        }
-    });
+    focusWhenShown(m_field, [](QLineEdit *field) { field->end(false); });
 }
 
 QString PanelPromptView::title() const
@@ -159,21 +150,11 @@ void PanelPromptView::finish(const std::optional<QString> &name)
 
 bool PanelPromptView::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_field && event->type() == QEvent::KeyPress) {
-        auto *key = static_cast<QKeyEvent *>(event);
-        switch (key->key()) {
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-            submit();
-            return true;
-        case Qt::Key_Escape:
-            cancel();
-            return true;
-        default:
-            break;
-        }
-    }
-    return QWidget::eventFilter(watched, event);
+    if (watched == m_field
+        && handleAnswerKey(
+            event, [this] { submit(); }, [this] { cancel(); }))
+        return true;
+    return PanelLayerView::eventFilter(watched, event);
 }
 
 QRect PanelPromptView::cardGeometry() const

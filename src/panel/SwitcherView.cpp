@@ -15,10 +15,8 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMouseEvent>
-#include <QPointer>
 #include <QPushButton>
 #include <QStackedWidget>
-#include <QTimer>
 #include <QVBoxLayout>
 
 namespace Vesko {
@@ -118,11 +116,7 @@ void SwitcherView::build(const QString &placeholder, const QString &hint, int ma
     refreshRows();
 
     // The field takes the keyboard once the switcher has appeared.
-    QPointer<QLineEdit> field(m_filter);
-    QTimer::singleShot(focusDelayMilliseconds, this, [field] {
-        if (field)
-            field->setFocus(Qt::OtherFocusReason);
-    });
+    focusWhenShown(m_filter);
 }
 
 void SwitcherView::setRenamePage(QWidget *page)
@@ -254,7 +248,7 @@ bool SwitcherView::eventFilter(QObject *watched, QEvent *event)
     }
     if (m_list && watched == m_list->viewport() && event->type() == QEvent::MouseMove)
         pointerMoved(static_cast<QMouseEvent *>(event)->position().toPoint());
-    return QWidget::eventFilter(watched, event);
+    return PanelLayerView::eventFilter(watched, event);
 }
 
 QRect SwitcherView::cardGeometry() const
@@ -360,13 +354,7 @@ void SectionSwitcherView::beginRename()
     m_renameField->setText(title);
     updateRenameButton();
     showRenamePage(true);
-    QPointer<QLineEdit> field(m_renameField);
-    QTimer::singleShot(focusDelayMilliseconds, this, [field] {
-        if (field) {
-            field->setFocus(Qt::OtherFocusReason);
-            field->selectAll();
-        }
-    });
+    focusWhenShown(m_renameField, &QLineEdit::selectAll);
 }
 
 void SectionSwitcherView::commitRename()
@@ -402,19 +390,10 @@ void SectionSwitcherView::updateRenameButton()
 
 bool SectionSwitcherView::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_renameField && event->type() == QEvent::KeyPress) {
-        switch (static_cast<QKeyEvent *>(event)->key()) {
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-            commitRename();
-            return true;
-        case Qt::Key_Escape:
-            cancelRename();
-            return true;
-        default:
-            break;
-        }
-    }
+    if (watched == m_renameField
+        && handleAnswerKey(
+            event, [this] { commitRename(); }, [this] { cancelRename(); }))
+        return true;
     return SwitcherView::eventFilter(watched, event);
 }
 
