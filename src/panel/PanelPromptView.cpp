@@ -5,48 +5,19 @@
 #include "shell/Theme.h"
 
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMouseEvent>
 #include <QPainter>
-#include <QPainterPath>
-#include <QPointer>
 #include <QPushButton>
-#include <QTimer>
 #include <QVBoxLayout>
 
 namespace Vesko {
 
 namespace {
 
-constexpr double dimOpacity = 0.16;
 constexpr double shadowOpacity = 0.22;
 constexpr int shadowOffset = 6;
-constexpr int cardRadius = 16;
 constexpr int fieldRadius = 9;
-
-//! The card: a rounded surface in the panel's material.
-class PromptCard : public QWidget
-{
-public:
-    using QWidget::QWidget;
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        const ThemeColors colors = Theme::currentColors();
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        QPainterPath path;
-        path.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cardRadius, cardRadius);
-        QColor surface = colors.panelSurface;
-        surface.setAlpha(250);
-        painter.fillPath(path, surface);
-        painter.setPen(QPen(colors.surfaceStroke, 1));
-        painter.drawPath(path);
-    }
-};
 
 //! The field of the prompt: plain, in a rounded rectangle with a hairline.
 class PromptField : public QLineEdit
@@ -74,21 +45,20 @@ protected:
 
 PanelPromptView::PanelPromptView(const QString &title, const QString &placeholder,
     const QString &initialText, CommitHandler onCommit, QWidget *parent)
-    : QWidget(parent)
+    : PanelLayerView(parent)
     , m_onCommit(std::move(onCommit))
-    , m_card(new PromptCard(this))
-    , m_title(new QLabel(title, m_card))
-    , m_field(new PromptField(m_card))
-    , m_cancel(new QPushButton(tr("Cancel"), m_card))
-    , m_add(new QPushButton(tr("Add"), m_card))
+    , m_title(new QLabel(title, card()))
+    , m_field(new PromptField(card()))
+    , m_cancel(new QPushButton(tr("Cancel"), card()))
+    , m_add(new QPushButton(tr("Add"), card()))
 {
     setObjectName(QStringLiteral("VeskoPrompt"));
     setAccessibleName(title);
     const ThemeColors colors = Theme::currentColors();
 
-    m_card->setAccessibleName(title);
+    card()->setAccessibleName(title);
 
-    auto *layout = new QVBoxLayout(m_card);
+    auto *layout = new QVBoxLayout(card());
     layout->setContentsMargins(14, 14, 14, 14);
     layout->setSpacing(10);
 
@@ -135,13 +105,7 @@ PanelPromptView::PanelPromptView(const QString &title, const QString &placeholde
     updateAddButton();
 
     // The field takes the keyboard once the prompt has appeared.
-    QPointer<QLineEdit> field(m_field);
-    QTimer::singleShot(focusDelayMilliseconds, this, [field] {
-        if (field) {
-            field->setFocus(Qt::OtherFocusReason);
-            field->end(false);
-        }
-    });
+    focusWhenShown(m_field, [](QLineEdit *field) { field->end(false); });
 }
 
 QString PanelPromptView::title() const
@@ -186,61 +150,32 @@ void PanelPromptView::finish(const std::optional<QString> &name)
 
 bool PanelPromptView::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_field && event->type() == QEvent::KeyPress) {
-        auto *key = static_cast<QKeyEvent *>(event);
-        switch (key->key()) {
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-            submit();
-            return true;
-        case Qt::Key_Escape:
-            cancel();
-            return true;
-        default:
-            break;
-        }
-    }
-    return QWidget::eventFilter(watched, event);
+    if (watched == m_field
+        && handleAnswerKey(
+            event, [this] { submit(); }, [this] { cancel(); }))
+        return true;
+    return PanelLayerView::eventFilter(watched, event);
 }
 
-void PanelPromptView::mousePressEvent(QMouseEvent *event)
-{
-    // A click on the dim, outside the card, is a cancel.
-    if (!m_card->geometry().contains(event->position().toPoint())) {
-        cancel();
-        return;
-    }
-    QWidget::mousePressEvent(event);
-}
-
-void PanelPromptView::resizeEvent(QResizeEvent *event)
-{
-    QWidget::resizeEvent(event);
-    placeCard();
-}
-
-void PanelPromptView::placeCard()
+QRect PanelPromptView::cardGeometry() const
 {
     const int width = std::min(cardMaximumWidth, std::max(0, this->width() - 2 * 24));
-    const int height = m_card->layout()->heightForWidth(width) > 0
-        ? m_card->layout()->heightForWidth(width)
-        : m_card->sizeHint().height();
-    m_card->setGeometry((this->width() - width) / 2, (this->height() - height) / 2, width, height);
+    const int height = card()->layout()->heightForWidth(width) > 0
+        ? card()->layout()->heightForWidth(width)
+        : card()->sizeHint().height();
+    return QRect((this->width() - width) / 2, (this->height() - height) / 2, width, height);
 }
 
-void PanelPromptView::paintEvent(QPaintEvent *)
+void PanelPromptView::paintEvent(QPaintEvent *event)
 {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    QPainterPath path;
-    // The dim follows the panel's rounded surface.
-    path.addRoundedRect(QRectF(rect()), 22, 22);
-    painter.fillPath(path, QColor(0, 0, 0, int(dimOpacity * 255)));
+    PanelLayerView::paintEvent(event);
 
     // The card's shadow, 6 px below it: rings of black that fade outwards
     // (painted here, since the layer fades with an opacity effect of its own).
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
     constexpr int blur = 12;
-    const QRectF card = QRectF(m_card->geometry()).translated(0, shadowOffset);
+    const QRectF card = QRectF(this->card()->geometry()).translated(0, shadowOffset);
     painter.setPen(Qt::NoPen);
     for (int ring = blur; ring >= 1; --ring) {
         const double spread = ring;

@@ -8,7 +8,7 @@
 
 #pragma once
 
-#include <QWidget>
+#include "panel/PanelLayerView.h"
 
 #include <functional>
 #include <optional>
@@ -19,7 +19,7 @@ class QPushButton;
 
 namespace Vesko {
 
-class PanelPromptView : public QWidget
+class PanelPromptView : public PanelLayerView
 {
     Q_OBJECT
 
@@ -28,8 +28,6 @@ public:
     using CommitHandler = std::function<void(const std::optional<QString> &name)>;
 
     static constexpr int cardMaximumWidth = 260;
-    //! The field takes the keyboard this long after the prompt appears.
-    static constexpr int focusDelayMilliseconds = 40;
 
     PanelPromptView(const QString &title, const QString &placeholder, const QString &initialText,
         CommitHandler onCommit, QWidget *parent = nullptr);
@@ -38,7 +36,6 @@ public:
     QLineEdit *field() const { return m_field; }
     QPushButton *addButton() const { return m_add; }
     QPushButton *cancelButton() const { return m_cancel; }
-    QWidget *card() const { return m_card; }
 
     //! Return and "Add": the text trimmed of white space and line breaks, or
     //! nothing when that leaves it empty.
@@ -47,18 +44,16 @@ public:
     void cancel();
 
 protected:
+    QRect cardGeometry() const override;
+    void dismiss() override { cancel(); }
     void paintEvent(QPaintEvent *event) override;
-    void mousePressEvent(QMouseEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void finish(const std::optional<QString> &name);
-    void placeCard();
     void updateAddButton();
 
     CommitHandler m_onCommit;
-    QWidget *m_card;
     QLabel *m_title;
     QLineEdit *m_field;
     QPushButton *m_cancel;

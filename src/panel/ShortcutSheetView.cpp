@@ -9,7 +9,6 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QScrollArea>
@@ -19,7 +18,6 @@ namespace Vesko {
 
 namespace {
 
-constexpr int cardRadius = 16;
 constexpr int cardPadding = 14;
 constexpr int cardSpacing = 12;
 constexpr int headingSpacing = 5;
@@ -33,28 +31,6 @@ void setTextColor(QWidget *widget, const QColor &color)
     palette.setColor(QPalette::WindowText, color);
     widget->setPalette(palette);
 }
-
-//! The rounded card in the panel's material.
-class SheetCard : public QWidget
-{
-public:
-    using QWidget::QWidget;
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        const ThemeColors colors = Theme::currentColors();
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        QPainterPath path;
-        path.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cardRadius, cardRadius);
-        QColor surface = colors.panelSurface;
-        surface.setAlpha(250);
-        painter.fillPath(path, surface);
-        painter.setPen(QPen(colors.surfaceStroke, 1));
-        painter.drawPath(path);
-    }
-};
 
 //! A group's rows on a rounded surface, with hairlines between them.
 class GroupSurface : public QWidget
@@ -149,12 +125,11 @@ QWidget *addGroup(QVBoxLayout *body, const QString &heading, QWidget *parent)
 
 ShortcutSheetView::ShortcutSheetView(Store &store, PanelState &state, HotKeyCenter *hotKeys,
     const KeyLayout *layout, QWidget *parent)
-    : QWidget(parent)
+    : PanelLayerView(parent)
     , m_store(store)
     , m_state(state)
     , m_hotKeys(hotKeys)
     , m_layout(layout)
-    , m_card(new SheetCard(this))
 {
     setObjectName(QStringLiteral("VeskoShortcutSheet"));
     setAccessibleName(tr("Keyboard Shortcuts"));
@@ -162,25 +137,25 @@ ShortcutSheetView::ShortcutSheetView(Store &store, PanelState &state, HotKeyCent
     setFocusPolicy(Qt::StrongFocus);
     const ThemeColors colors = Theme::currentColors();
 
-    auto *cardLayout = new QVBoxLayout(m_card);
+    auto *cardLayout = new QVBoxLayout(card());
     cardLayout->setContentsMargins(cardPadding, cardPadding, cardPadding, cardPadding);
     cardLayout->setSpacing(cardSpacing);
 
     auto *header = new QHBoxLayout;
     header->setSpacing(6);
-    auto *icon = new QLabel(m_card);
+    auto *icon = new QLabel(card());
     icon->setPixmap(symbolIcon(QStringLiteral("keyboard"), colors.text, 14).pixmap(14, 14));
     header->addWidget(icon);
-    auto *title = new QLabel(tr("Keyboard Shortcuts"), m_card);
+    auto *title = new QLabel(tr("Keyboard Shortcuts"), card());
     QFont titleFont = Theme::noteFont();
     titleFont.setWeight(QFont::DemiBold);
     title->setFont(titleFont);
     setTextColor(title, colors.text);
     header->addWidget(title, 1);
-    header->addWidget(secondaryLabel(tr("esc to close"), m_card));
+    header->addWidget(secondaryLabel(tr("esc to close"), card()));
     cardLayout->addLayout(header);
 
-    auto *scroll = new QScrollArea(m_card);
+    auto *scroll = new QScrollArea(card());
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidgetResizable(true);
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -232,7 +207,7 @@ QList<Shortcut> ShortcutSheetView::composingShortcuts()
 QStringList ShortcutSheetView::rowTexts() const
 {
     QStringList rows;
-    for (const QWidget *group : m_card->findChildren<QWidget *>()) {
+    for (const QWidget *group : card()->findChildren<QWidget *>()) {
         if (!dynamic_cast<const GroupSurface *>(group))
             continue;
         for (const QWidget *row : group->findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
@@ -253,35 +228,16 @@ void ShortcutSheetView::refreshSystemWide()
     }
 }
 
-void ShortcutSheetView::paintEvent(QPaintEvent *)
+void ShortcutSheetView::dismiss()
 {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    QPainterPath path;
-    path.addRoundedRect(QRectF(rect()), 22, 22);
-    painter.fillPath(path, QColor::fromRgbF(0, 0, 0, 0.16f));
+    m_state.setShowing(PanelLayer::Shortcuts, false);
 }
 
-void ShortcutSheetView::mousePressEvent(QMouseEvent *event)
-{
-    if (!m_card->geometry().contains(event->position().toPoint())) {
-        m_state.setShowing(PanelLayer::Shortcuts, false);
-        return;
-    }
-    QWidget::mousePressEvent(event);
-}
-
-void ShortcutSheetView::resizeEvent(QResizeEvent *event)
-{
-    QWidget::resizeEvent(event);
-    placeCard();
-}
-
-void ShortcutSheetView::placeCard()
+QRect ShortcutSheetView::cardGeometry() const
 {
     const int width = std::min(cardWidth, std::max(0, this->width() - 2 * 10));
-    const int height = std::min(m_card->sizeHint().height(), std::max(0, this->height() - 2 * 10));
-    m_card->setGeometry((this->width() - width) / 2, (this->height() - height) / 2, width, height);
+    const int height = std::min(card()->sizeHint().height(), std::max(0, this->height() - 2 * 10));
+    return QRect((this->width() - width) / 2, (this->height() - height) / 2, width, height);
 }
 
 } // namespace Vesko

@@ -6,9 +6,8 @@
 
 #pragma once
 
+#include "panel/PanelLayerView.h"
 #include "panel/Shortcut.h"
-
-#include <QWidget>
 
 class QLabel;
 class QVBoxLayout;
@@ -20,7 +19,7 @@ class KeyLayout;
 class PanelState;
 class Store;
 
-class ShortcutSheetView : public QWidget
+class ShortcutSheetView : public PanelLayerView
 {
     Q_OBJECT
 
@@ -41,19 +40,16 @@ public:
     QStringList rowTexts() const;
 
 protected:
-    void paintEvent(QPaintEvent *event) override;
-    void mousePressEvent(QMouseEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
+    QRect cardGeometry() const override;
+    void dismiss() override;
 
 private:
     void refreshSystemWide();
-    void placeCard();
 
     Store &m_store;
     PanelState &m_state;
     HotKeyCenter *m_hotKeys;
     const KeyLayout *m_layout;
-    QWidget *m_card = nullptr;
     QList<QLabel *> m_systemWideKeys;
 };
 

@@ -15,12 +15,8 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMouseEvent>
-#include <QPainter>
-#include <QPainterPath>
-#include <QPointer>
 #include <QPushButton>
 #include <QStackedWidget>
-#include <QTimer>
 #include <QVBoxLayout>
 
 namespace Vesko {
@@ -29,28 +25,6 @@ namespace {
 
 constexpr int cardPadding = 12;
 constexpr int selectedRole = Qt::UserRole + 1;
-
-class SwitcherCard : public QWidget
-{
-public:
-    using QWidget::QWidget;
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        const ThemeColors colors = Theme::currentColors();
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        QPainterPath path;
-        path.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), SwitcherView::cardRadius,
-            SwitcherView::cardRadius);
-        QColor surface = colors.panelSurface;
-        surface.setAlpha(250);
-        painter.fillPath(path, surface);
-        painter.setPen(QPen(colors.surfaceStroke, 1));
-        painter.drawPath(path);
-    }
-};
 
 QLabel *hintLabel(const QString &text, QWidget *parent)
 {
@@ -81,7 +55,7 @@ QLineEdit *roundedField(const QString &placeholder, QWidget *parent)
 
 SwitcherView::SwitcherView(
     Store &store, PanelState &state, PanelLayer layer, bool offersCreate, QWidget *parent)
-    : QWidget(parent)
+    : PanelLayerView(parent)
     , m_store(store)
     , m_state(state)
     , m_rows({}, offersCreate)
@@ -93,10 +67,9 @@ void SwitcherView::build(const QString &placeholder, const QString &hint, int ma
 {
     const ThemeColors colors = Theme::currentColors();
     m_maximumListHeight = maximumListHeight;
-    m_card = new SwitcherCard(this);
-    auto *cardLayout = new QVBoxLayout(m_card);
+    auto *cardLayout = new QVBoxLayout(card());
     cardLayout->setContentsMargins(cardPadding, cardPadding, cardPadding, cardPadding);
-    m_pages = new QStackedWidget(m_card);
+    m_pages = new QStackedWidget(card());
     cardLayout->addWidget(m_pages);
 
     auto *page = new QWidget(m_pages);
@@ -143,11 +116,7 @@ void SwitcherView::build(const QString &placeholder, const QString &hint, int ma
     refreshRows();
 
     // The field takes the keyboard once the switcher has appeared.
-    QPointer<QLineEdit> field(m_filter);
-    QTimer::singleShot(focusDelayMilliseconds, this, [field] {
-        if (field)
-            field->setFocus(Qt::OtherFocusReason);
-    });
+    focusWhenShown(m_filter);
 }
 
 void SwitcherView::setRenamePage(QWidget *page)
@@ -279,43 +248,18 @@ bool SwitcherView::eventFilter(QObject *watched, QEvent *event)
     }
     if (m_list && watched == m_list->viewport() && event->type() == QEvent::MouseMove)
         pointerMoved(static_cast<QMouseEvent *>(event)->position().toPoint());
-    return QWidget::eventFilter(watched, event);
+    return PanelLayerView::eventFilter(watched, event);
 }
 
-void SwitcherView::paintEvent(QPaintEvent *)
+QRect SwitcherView::cardGeometry() const
 {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    QPainterPath path;
-    path.addRoundedRect(QRectF(rect()), 22, 22);
-    painter.fillPath(path, QColor::fromRgbF(0, 0, 0, 0.16f));
-}
-
-void SwitcherView::mousePressEvent(QMouseEvent *event)
-{
-    if (m_card && !m_card->geometry().contains(event->position().toPoint())) {
-        close();
-        return;
-    }
-    QWidget::mousePressEvent(event);
-}
-
-void SwitcherView::resizeEvent(QResizeEvent *event)
-{
-    QWidget::resizeEvent(event);
-    placeCard();
-}
-
-void SwitcherView::placeCard()
-{
-    if (!m_card)
-        return;
     const int width = std::min(300, std::max(0, this->width() - 2 * 20));
-    m_card->layout()->activate();
-    const int height = std::min(m_card->sizeHint().height(), std::max(0, this->height() - 40));
+    // Before build() the card has no content yet.
+    if (QLayout *layout = card()->layout())
+        layout->activate();
+    const int height = std::min(card()->sizeHint().height(), std::max(0, this->height() - 40));
     // The card stands in the upper part of the panel, where the eye is.
-    m_card->setGeometry(
-        (this->width() - width) / 2, std::max(20, this->height() / 6), width, height);
+    return QRect((this->width() - width) / 2, std::max(20, this->height() / 6), width, height);
 }
 
 // -- the section switcher -----------------------------------------------------
@@ -410,13 +354,7 @@ void SectionSwitcherView::beginRename()
     m_renameField->setText(title);
     updateRenameButton();
     showRenamePage(true);
-    QPointer<QLineEdit> field(m_renameField);
-    QTimer::singleShot(focusDelayMilliseconds, this, [field] {
-        if (field) {
-            field->setFocus(Qt::OtherFocusReason);
-            field->selectAll();
-        }
-    });
+    focusWhenShown(m_renameField, &QLineEdit::selectAll);
 }
 
 void SectionSwitcherView::commitRename()
@@ -452,19 +390,10 @@ void SectionSwitcherView::updateRenameButton()
 
 bool SectionSwitcherView::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_renameField && event->type() == QEvent::KeyPress) {
-        switch (static_cast<QKeyEvent *>(event)->key()) {
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-            commitRename();
-            return true;
-        case Qt::Key_Escape:
-            cancelRename();
-            return true;
-        default:
-            break;
-        }
-    }
+    if (watched == m_renameField
+        && handleAnswerKey(
+            event, [this] { commitRename(); }, [this] { cancelRename(); }))
+        return true;
     return SwitcherView::eventFilter(watched, event);
 }
 

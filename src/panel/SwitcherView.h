@@ -8,10 +8,10 @@
 
 #pragma once
 
+#include "panel/PanelLayerView.h"
 #include "panel/SwitcherList.h"
 
 #include <QPoint>
-#include <QWidget>
 
 #include <optional>
 
@@ -27,14 +27,11 @@ class PanelState;
 class Store;
 enum class PanelLayer;
 
-class SwitcherView : public QWidget
+class SwitcherView : public PanelLayerView
 {
     Q_OBJECT
 
 public:
-    static constexpr int cardRadius = 16;
-    static constexpr int focusDelayMilliseconds = 40;
-
     QLineEdit *filterField() const { return m_filter; }
     QListWidget *listView() const { return m_list; }
     const SwitcherList &rows() const { return m_rows; }
@@ -66,22 +63,19 @@ protected:
     void showRenamePage(bool shown);
     void refreshRows();
 
+    QRect cardGeometry() const override;
+    void dismiss() override { close(); }
     bool eventFilter(QObject *watched, QEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
-    void mousePressEvent(QMouseEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
 
     Store &m_store;
     PanelState &m_state;
     SwitcherList m_rows;
 
 private:
-    void placeCard();
     void showSelection();
     void pointerMoved(const QPoint &viewportPosition);
 
     PanelLayer m_layer;
-    QWidget *m_card = nullptr;
     QStackedWidget *m_pages = nullptr;
     QLineEdit *m_filter = nullptr;
     QListWidget *m_list = nullptr;

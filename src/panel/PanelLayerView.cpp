@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "panel/PanelLayerView.h"
+
+#include "panel/PanelWindow.h"
+#include "shell/Theme.h"
+
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPointer>
+#include <QTimer>
+
+namespace Vesko {
+
+namespace {
+
+constexpr float dimOpacity = 0.16f;
+
+//! The card: a rounded surface in the panel's material with a hairline.
+class LayerCard : public QWidget
+{
+public:
+    using QWidget::QWidget;
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        const ThemeColors colors = Theme::currentColors();
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QPainterPath path;
+        path.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5),
+            PanelLayerView::cardRadius, PanelLayerView::cardRadius);
+        QColor surface = colors.panelSurface;
+        surface.setAlpha(250);
+        painter.fillPath(path, surface);
+        painter.setPen(QPen(colors.surfaceStroke, 1));
+        painter.drawPath(path);
+    }
+};
+
+} // namespace
+
+PanelLayerView::PanelLayerView(QWidget *parent)
+    : QWidget(parent)
+    , m_card(new LayerCard(this))
+{ }
+
+void PanelLayerView::placeCard()
+{
+    m_card->setGeometry(cardGeometry());
+}
+
+void PanelLayerView::focusWhenShown(QLineEdit *field, const std::function<void(QLineEdit *)> &then)
+{
+    QTimer::singleShot(focusDelayMilliseconds, this, [field = QPointer<QLineEdit>(field), then] {
+        if (!field)
+            return;
+        field->setFocus(Qt::OtherFocusReason);
+        if (then)
+            then(field);
+    });
+}
+
+bool PanelLayerView::handleAnswerKey(
+    QEvent *event, const std::function<void()> &accept, const std::function<void()> &reject)
+{
+    if (event->type() != QEvent::KeyPress)
+        return false;
+    switch (static_cast<QKeyEvent *>(event)->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        accept();
+        return true;
+    case Qt::Key_Escape:
+        reject();
+        return true;
+    default:
+        return false;
+    }
+}
+
+void PanelLayerView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QPainterPath path;
+    // The dim follows the panel's rounded surface.
+    path.addRoundedRect(QRectF(rect()), PanelWindow::cornerRadius, PanelWindow::cornerRadius);
+    painter.fillPath(path, QColor::fromRgbF(0, 0, 0, dimOpacity));
+}
+
+void PanelLayerView::mousePressEvent(QMouseEvent *event)
+{
+    if (!m_card->geometry().contains(event->position().toPoint())) {
+        dismiss();
+        return;
+    }
+    QWidget::mousePressEvent(event);
+}
+
+void PanelLayerView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    placeCard();
+}
+
+} // namespace Vesko
