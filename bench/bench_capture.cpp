@@ -182,16 +182,13 @@ CaptureRig *sharedRig()
 QProcess *xterm = nullptr;
 QProcess *copyTarget = nullptr;
 
-enum class Path { KeyDelivery, Primary, Copy };
+enum class Source { None, SelectedText, CopyTarget };
 
-void BM_Capture(benchmark::State &state)
+//! Brings forward what a capture takes from: text selected in an xterm (the
+//! primary selection), or the window of the copy target; started once.
+void showSource(Source source)
 {
-    const Path path = Path(state.range(0));
-    CaptureRig *rig = sharedRig();
-    X11Connection x;
-    const quint8 shift = 50;
-
-    if (path == Path::Primary || path == Path::KeyDelivery) {
+    if (source == Source::SelectedText) {
         if (!xterm) {
             xterm = new QProcess;
             xterm->start(QStringLiteral("xterm"),
@@ -206,7 +203,7 @@ void BM_Capture(benchmark::State &state)
                 QStringLiteral("w=$(xdotool search --name '^bench$' | head -1); "
                                "xdotool windowactivate --sync $w mousemove --window $w 30 6 "
                                "click --repeat 3 --delay 80 1")});
-    } else {
+    } else if (source == Source::CopyTarget) {
         if (!copyTarget) {
             copyTarget = new QProcess;
             copyTarget->start(QStringLiteral(COPY_TARGET_PATH),
@@ -219,6 +216,18 @@ void BM_Capture(benchmark::State &state)
                                "Target$' | head -1)")});
     }
     settle(200);
+}
+
+enum class Path { KeyDelivery, Primary, Copy };
+
+void BM_Capture(benchmark::State &state)
+{
+    const Path path = Path(state.range(0));
+    CaptureRig *rig = sharedRig();
+    X11Connection x;
+    const quint8 shift = 50;
+
+    showSource(path == Path::Copy ? Source::CopyTarget : Source::SelectedText);
 
     for (auto _ : state) {
         tapShift(x, shift);
@@ -300,34 +309,9 @@ void BM_Stall(benchmark::State &state)
     CaptureRig *rig = sharedRig();
     X11Connection x;
     StallMeter meter;
-    if (path == StallPath::Primary) {
-        if (!xterm) {
-            xterm = new QProcess;
-            xterm->start(QStringLiteral("xterm"),
-                {QStringLiteral("-T"), QStringLiteral("bench"), QStringLiteral("-geometry"),
-                    QStringLiteral("80x8+20+20"), QStringLiteral("-e"), QStringLiteral("sh"),
-                    QStringLiteral("-c"),
-                    QStringLiteral("echo captured by the benchmark; sleep 3600")});
-            settle(1500);
-        }
-        run(QStringLiteral("sh"),
-            {QStringLiteral("-c"),
-                QStringLiteral("w=$(xdotool search --name '^bench$' | head -1); "
-                               "xdotool windowactivate --sync $w mousemove --window $w 30 6 "
-                               "click --repeat 3 --delay 80 1")});
-    } else if (path == StallPath::Copy) {
-        if (!copyTarget) {
-            copyTarget = new QProcess;
-            copyTarget->start(QStringLiteral(COPY_TARGET_PATH),
-                {QStringLiteral("copied by the benchmark"), QStringLiteral("0")});
-            settle(1500);
-        }
-        run(QStringLiteral("sh"),
-            {QStringLiteral("-c"),
-                QStringLiteral("xdotool windowactivate --sync $(xdotool search --name '^Copy "
-                               "Target$' | head -1)")});
-    }
-    settle(200);
+    showSource(path == StallPath::Primary ? Source::SelectedText
+            : path == StallPath::Copy     ? Source::CopyTarget
+                                          : Source::None);
 
     double longest = 0;
     for (auto _ : state) {

@@ -6,19 +6,13 @@
 // Needs an X session (tests/x-session.sh).
 
 #include "LibraryGenerator.h"
-#include "RatioReporter.h"
+#include "PanelBench.h"
 #include "TestEnvironment.h"
 
-#include "attachments/AttachmentStore.h"
-#include "library/LibraryWriter.h"
 #include "panel/ComposerView.h"
 #include "panel/NativeInlineTextField.h"
 #include "panel/PanelRootView.h"
-#include "panel/PanelState.h"
 #include "platform/SpellChecker.h"
-#include "search/SearchIndex.h"
-#include "shell/Preferences.h"
-#include "store/Store.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -33,11 +27,10 @@ using namespace Vesko;
 
 namespace {
 
-struct Panel
+struct Panel : Bench::PanelStore
 {
     Panel()
-        : store(Test::generateLibraryWithActiveProject(100000, 10000, 42),
-            {preferences, writer, attachments, searchIndex})
+        : PanelStore(Test::generateLibraryWithActiveProject(100000, 10000, 42))
         , root(store, state, preferences)
     {
         root.resize(340, 560);
@@ -64,12 +57,6 @@ struct Panel
         }
     } paints;
 
-    Preferences preferences;
-    LibraryWriter writer;
-    AttachmentStore attachments;
-    SearchIndex searchIndex;
-    Store store;
-    PanelState state;
     PanelRootView root;
 };
 

@@ -12,67 +12,41 @@
 //                  scrolled to
 //   sheet          Ctrl+/ and Escape: the shortcut sheet opened and closed
 
-#include "LibraryGenerator.h"
-#include "RatioReporter.h"
-#include "TestEnvironment.h"
+#include "PanelBench.h"
 
-#include "attachments/AttachmentStore.h"
-#include "library/LibraryWriter.h"
-#include "panel/PanelListView.h"
 #include "panel/PanelRootView.h"
-#include "panel/PanelState.h"
-#include "search/SearchIndex.h"
-#include "shell/Preferences.h"
-#include "store/Store.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QSignalBlocker>
 #include <QTest>
 
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
-
 using namespace Vesko;
+using Vesko::Bench::measure;
 
 namespace {
 
-//! 100 000 notes; the active project holds 10 000 over at least nine sections.
+//! The active project's 10 000 notes over at least nine sections, in turn.
 Library benchLibrary()
 {
-    Library library = Test::generateLibrary(100000, 42);
-    QList<Note> pool;
-    for (qsizetype p = 1; p < library.projects.size() && pool.size() < 10000; ++p) {
-        for (NoteSection &section : library.projects[p].sections) {
-            while (!section.notes.isEmpty() && pool.size() < 10000)
-                pool.append(section.notes.takeLast());
+    return Vesko::Bench::libraryWithBusyProject([](Project &active, const QList<Note> &pool) {
+        while (active.sections.size() < 9) {
+            NoteSection extra;
+            extra.id = QUuid::createUuid();
+            extra.title = QStringLiteral("Extra %1").arg(active.sections.size());
+            extra.createdAt = QDateTime::currentDateTimeUtc();
+            active.sections.append(extra);
         }
-    }
-    Project &active = library.projects[0];
-    for (NoteSection &section : active.sections) {
-        library.projects[1].sections[0].notes.append(section.notes);
-        section.notes.clear();
-        section.isCollapsed = false;
-    }
-    while (active.sections.size() < 9) {
-        NoteSection extra;
-        extra.id = QUuid::createUuid();
-        extra.title = QStringLiteral("Extra %1").arg(active.sections.size());
-        extra.createdAt = QDateTime::currentDateTimeUtc();
-        active.sections.append(extra);
-    }
-    for (qsizetype i = 0; i < pool.size(); ++i)
-        active.sections[i % active.sections.size()].notes.append(pool.at(i));
-    active.activeSectionID = active.sections[0].id;
-    library.activeProjectID = active.id;
-    return library;
+        for (qsizetype i = 0; i < pool.size(); ++i)
+            active.sections[i % active.sections.size()].notes.append(pool.at(i));
+    });
 }
 
-struct Bench
+struct Bench : Vesko::Bench::PanelStore
 {
     Bench()
-        : store(benchLibrary(), {preferences, writer, attachments, searchIndex})
+        : PanelStore(benchLibrary())
         , root(store, state, preferences)
     {
         root.resize(340, 560);
@@ -82,14 +56,7 @@ struct Bench
         settle();
     }
 
-    void settle()
-    {
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-        root.list()->finishScrollAnimation();
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-    }
+    void settle() { Vesko::Bench::settle(root.list()); }
 
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
@@ -97,12 +64,6 @@ struct Bench
         settle();
     }
 
-    Preferences preferences;
-    LibraryWriter writer;
-    AttachmentStore attachments;
-    SearchIndex searchIndex;
-    Store store;
-    PanelState state;
     PanelRootView root;
 };
 
@@ -110,16 +71,6 @@ Bench &bench()
 {
     static Bench *b = new Bench;
     return *b;
-}
-
-template<typename Action> void measure(benchmark::State &state, Action action)
-{
-    for (auto _ : state) {
-        QElapsedTimer timer;
-        timer.start();
-        action();
-        state.SetIterationTime(double(timer.nsecsElapsed()) / 1e9);
-    }
 }
 
 void BM_RebuildRows(benchmark::State &state)
@@ -183,38 +134,18 @@ void BM_ShortcutSheet(benchmark::State &state)
 
 int main(int argc, char *argv[])
 {
-    Test::IsolatedEnvironment environment;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication::setAttribute(Qt::AA_Use96Dpi, true);
-    QApplication app(argc, argv);
+    Vesko::Bench::OffscreenApplication app(argc, argv);
     bench();
-    const std::pair<const char *, void (*)(benchmark::State &)> all[] = {
-        {"BM_RebuildRows", BM_RebuildRows},
-        {"BM_Arrow", BM_Arrow},
-        {"BM_ShiftArrow", BM_ShiftArrow},
-        {"BM_EndHome", BM_EndHome},
-        {"BM_SectionJump", BM_SectionJump},
-        {"BM_ShortcutSheet", BM_ShortcutSheet},
-    };
-    for (const auto &[name, function] : all)
-        benchmark::RegisterBenchmark(name, function)
-            ->UseManualTime()
-            ->Unit(benchmark::kMillisecond);
-    benchmark::Initialize(&argc, argv);
-    Vesko::Bench::RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-
-    const double rebuild = reporter.times["BM_RebuildRows/manual_time"];
-    std::printf("\nwith 10k notes in the active project (100k in the library), "
-                "one rebuild of the rows: %.2f ms\n",
-        rebuild);
-    for (const auto &[name, function] : all) {
-        if (std::string(name) == "BM_RebuildRows")
-            continue;
-        const double time = reporter.times[std::string(name) + "/manual_time"];
-        std::printf(
-            "%-20s %7.2f ms  %5.2f rebuilds\n", name, time, rebuild > 0 ? time / rebuild : 0.0);
-    }
+    Vesko::Bench::runAgainstRebuild(argc, argv,
+        {
+            {"BM_RebuildRows", BM_RebuildRows},
+            {"BM_Arrow", BM_Arrow},
+            {"BM_ShiftArrow", BM_ShiftArrow},
+            {"BM_EndHome", BM_EndHome},
+            {"BM_SectionJump", BM_SectionJump},
+            {"BM_ShortcutSheet", BM_ShortcutSheet},
+        },
+        20);
     benchmark::Shutdown();
     return 0;
 }

@@ -16,25 +16,12 @@
 //   section jump        a jump between two sections far apart
 //   scroll              a page of scrolling
 
-#include "LibraryGenerator.h"
-#include "RatioReporter.h"
-#include "TestEnvironment.h"
+#include "PanelBench.h"
+#include "SilentAttachmentActions.h"
 
-#include "attachments/AttachmentActions.h"
-#include "attachments/AttachmentFileDialog.h"
-#include "attachments/AttachmentStore.h"
-#include "attachments/ThumbnailCache.h"
-#include "library/LibraryWriter.h"
 #include "panel/NativeInlineTextField.h"
 #include "panel/NoteRowView.h"
-#include "panel/PanelListView.h"
-#include "panel/PanelState.h"
 #include "panel/SectionHeaderView.h"
-#include "platform/qt/QtDesktopFiles.h"
-#include "platform/qt/QtPasteboardReader.h"
-#include "search/SearchIndex.h"
-#include "shell/Preferences.h"
-#include "store/Store.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -48,57 +35,26 @@
 #include <cstdio>
 
 using namespace Vesko;
+using Vesko::Bench::measure;
 
 namespace {
 
-//! A library of 100 000 notes whose active project holds 10 000: a section of
-//! 5 000, then the rest over the project's other sections.
+//! The active project's 10 000 notes: a section of 5 000, then the rest over
+//! the project's other sections.
 Library benchLibrary()
 {
-    Library library = Test::generateLibrary(100000, 42);
-    QList<Note> pool;
-    for (qsizetype p = 1; p < library.projects.size() && pool.size() < 10000; ++p) {
-        for (NoteSection &section : library.projects[p].sections) {
-            while (!section.notes.isEmpty() && pool.size() < 10000)
-                pool.append(section.notes.takeLast());
-        }
-    }
-    Project &active = library.projects[0];
-    // The active project's own notes go to the second project, so the total stays.
-    for (NoteSection &section : active.sections) {
-        library.projects[1].sections[0].notes.append(section.notes);
-        section.notes.clear();
-        section.isCollapsed = false;
-    }
-    active.sections[0].notes = pool.mid(0, 5000);
-    const qsizetype others = active.sections.size() - 1;
-    for (qsizetype i = 5000; i < pool.size(); ++i)
-        active.sections[1 + (i % others)].notes.append(pool.at(i));
-    active.activeSectionID = active.sections[0].id;
-    library.activeProjectID = active.id;
-    return library;
+    return Vesko::Bench::libraryWithBusyProject([](Project &active, const QList<Note> &pool) {
+        active.sections[0].notes = pool.mid(0, 5000);
+        const qsizetype others = active.sections.size() - 1;
+        for (qsizetype i = 5000; i < pool.size(); ++i)
+            active.sections[1 + (i % others)].notes.append(pool.at(i));
+    });
 }
 
-//! Attachment actions over this program's own Store, with the desktop's
-//! services; what they say goes nowhere.
-struct Attachments : AttachmentFeedback
-{
-    Attachments(Store &store, AttachmentStore &files)
-        : actions({store, files, chooser, pasteboard, desktop, *this})
-    { }
-    void toast(const QString &, const QString &) override { }
-
-    AttachmentFileDialog chooser;
-    QtPasteboardReader pasteboard;
-    QtDesktopFiles desktop;
-    AttachmentActions actions;
-    ThumbnailCache thumbnails;
-};
-
-struct Bench
+struct Bench : Vesko::Bench::PanelStore
 {
     Bench()
-        : store(benchLibrary(), {preferences, writer, attachments, searchIndex})
+        : PanelStore(benchLibrary())
         , attachmentActions(store, attachments)
         , list(new PanelListView(store, state, &window))
     {
@@ -109,15 +65,7 @@ struct Bench
         settle();
     }
 
-    //! Delivers what the change posted: deferred scrolls, layout, the repaint.
-    void settle()
-    {
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-        list->finishScrollAnimation();
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-    }
+    void settle() { Vesko::Bench::settle(list); }
 
     QList<NoteRowView *> visibleRows() const
     {
@@ -134,13 +82,7 @@ struct Bench
         return rows;
     }
 
-    Preferences preferences;
-    LibraryWriter writer;
-    AttachmentStore attachments;
-    SearchIndex searchIndex;
-    Store store;
-    PanelState state;
-    Attachments attachmentActions;
+    Test::SilentAttachmentActions attachmentActions;
     QWidget window;
     PanelListView *list;
 };
@@ -166,16 +108,6 @@ public:
 
 int clickRepaints = 0;
 int clicks = 0;
-
-template<typename Action> void measure(benchmark::State &state, Action action)
-{
-    for (auto _ : state) {
-        QElapsedTimer timer;
-        timer.start();
-        action();
-        state.SetIterationTime(double(timer.nsecsElapsed()) / 1e9);
-    }
-}
 
 void BM_RebuildRows(benchmark::State &state)
 {
@@ -319,42 +251,22 @@ void BM_ScrollPage(benchmark::State &state)
 
 int main(int argc, char *argv[])
 {
-    Test::IsolatedEnvironment environment;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication::setAttribute(Qt::AA_Use96Dpi, true);
-    QApplication app(argc, argv);
+    Vesko::Bench::OffscreenApplication app(argc, argv);
     bench();
-    const std::pair<const char *, void (*)(benchmark::State &)> all[] = {
-        {"BM_RebuildRows", BM_RebuildRows},
-        {"BM_RebuildRowsWithList", BM_RebuildRowsWithList},
-        {"BM_ClickToRepaint", BM_ClickToRepaint},
-        {"BM_DoubleClickToEditor", BM_DoubleClickToEditor},
-        {"BM_CollapseExpandBigSection", BM_CollapseExpandBigSection},
-        {"BM_ArrowWithReveal", BM_ArrowWithReveal},
-        {"BM_MoveSelectionInStore", BM_MoveSelectionInStore},
-        {"BM_LastNoteRevealed", BM_LastNoteRevealed},
-        {"BM_SectionJump", BM_SectionJump},
-        {"BM_ScrollPage", BM_ScrollPage},
-    };
-    for (const auto &[name, function] : all)
-        benchmark::RegisterBenchmark(name, function)
-            ->UseManualTime()
-            ->Unit(benchmark::kMillisecond);
-    benchmark::Initialize(&argc, argv);
-    Vesko::Bench::RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-
-    const double rebuild = reporter.times["BM_RebuildRows/manual_time"];
-    std::printf("\nwith 10k notes in the active project (100k in the library), "
-                "one rebuild of the rows: %.2f ms\n",
-        rebuild);
-    for (const auto &[name, function] : all) {
-        if (std::string(name) == "BM_RebuildRows")
-            continue;
-        const double time = reporter.times[std::string(name) + "/manual_time"];
-        std::printf(
-            "%-28s %7.2f ms  %5.2f rebuilds\n", name, time, rebuild > 0 ? time / rebuild : 0.0);
-    }
+    Vesko::Bench::runAgainstRebuild(argc, argv,
+        {
+            {"BM_RebuildRows", BM_RebuildRows},
+            {"BM_RebuildRowsWithList", BM_RebuildRowsWithList},
+            {"BM_ClickToRepaint", BM_ClickToRepaint},
+            {"BM_DoubleClickToEditor", BM_DoubleClickToEditor},
+            {"BM_CollapseExpandBigSection", BM_CollapseExpandBigSection},
+            {"BM_ArrowWithReveal", BM_ArrowWithReveal},
+            {"BM_MoveSelectionInStore", BM_MoveSelectionInStore},
+            {"BM_LastNoteRevealed", BM_LastNoteRevealed},
+            {"BM_SectionJump", BM_SectionJump},
+            {"BM_ScrollPage", BM_ScrollPage},
+        },
+        28);
     std::printf("row widgets made: %d; rows repainted per click: %.1f\n",
         bench().list->rowWidgetCount(), clicks > 0 ? double(clickRepaints) / clicks : 0.0);
     benchmark::Shutdown();

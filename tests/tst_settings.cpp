@@ -27,7 +27,8 @@ std::optional<QByteArray> atspi(const QStringList &arguments)
 {
     QProcess reader;
     reader.start(QStringLiteral("/usr/bin/python3"),
-        QStringList {QStringLiteral(ATSPI_TREE_PATH)} + arguments);
+        QStringList {QStringLiteral(VESKO_TESTS_SOURCE_DIR "/helpers/atspi_reader.py")}
+            + arguments);
     if (!reader.waitForFinished(30000) || reader.exitCode() != 0)
         return std::nullopt;
     return reader.readAllStandardOutput();
@@ -199,7 +200,8 @@ void SettingsTest::screenReaderFindsEveryControl()
     QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), 10000);
     std::optional<QByteArray> json;
     QTRY_VERIFY_WITH_TIMEOUT(
-        (json = atspi({QString::number(m_vesko->processId()), QStringLiteral("Vesko Settings")})),
+        (json = atspi({QStringLiteral("tree"), QString::number(m_vesko->processId()),
+             QStringLiteral("Vesko Settings")})),
         30000);
     QStringList nodes;
     QHash<QString, QJsonObject> byName;
@@ -257,8 +259,8 @@ void SettingsTest::toggleChangesTheFileAndThePanel()
         openFromTray();
     QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), 10000);
     QVERIFY(!windowState(m_panel).contains(QStringLiteral("_NET_WM_STATE_ABOVE")));
-    QVERIFY(atspi({QString::number(m_vesko->processId()), QStringLiteral("Vesko Settings"),
-        QStringLiteral("press"), QStringLiteral("Always on top")}));
+    QVERIFY(atspi({QStringLiteral("do"), QString::number(m_vesko->processId()),
+        QStringLiteral("check box"), QStringLiteral("Always on top")}));
     QTRY_COMPARE_WITH_TIMEOUT(QSettings(m_session->configPath(), QSettings::IniFormat)
                                   .value(QStringLiteral("pinOnTop"))
                                   .toString(),
@@ -271,15 +273,15 @@ void SettingsTest::toggleChangesTheFileAndThePanel()
     m_panel = windowsNamed(QStringLiteral("^Vesko$")).first();
 
     // The tray icon goes with its toggle.
-    QVERIFY(atspi({QString::number(m_vesko->processId()), QStringLiteral("Vesko Settings"),
-        QStringLiteral("press"), QStringLiteral("Show in the system tray")}));
+    QVERIFY(atspi({QStringLiteral("do"), QString::number(m_vesko->processId()),
+        QStringLiteral("check box"), QStringLiteral("Show in the system tray")}));
     QTRY_VERIFY_WITH_TIMEOUT(trayIconCentre().isNull(), 5000);
     QCOMPARE(QSettings(m_session->configPath(), QSettings::IniFormat)
                  .value(QStringLiteral("showsInMenuBar"))
                  .toString(),
         QStringLiteral("false"));
-    QVERIFY(atspi({QString::number(m_vesko->processId()), QStringLiteral("Vesko Settings"),
-        QStringLiteral("press"), QStringLiteral("Show in the system tray")}));
+    QVERIFY(atspi({QStringLiteral("do"), QString::number(m_vesko->processId()),
+        QStringLiteral("check box"), QStringLiteral("Show in the system tray")}));
     QTRY_VERIFY_WITH_TIMEOUT(!trayIconCentre().isNull(), 5000);
 }
 
@@ -326,7 +328,8 @@ void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
         15000);
     std::optional<QByteArray> json;
     QTRY_VERIFY_WITH_TIMEOUT(
-        (json = atspi({QString::number(vesko->processId()), QStringLiteral("Vesko Settings")})),
+        (json = atspi({QStringLiteral("tree"), QString::number(vesko->processId()),
+             QStringLiteral("Vesko Settings")})),
         30000);
     QStringList nodes;
     QHash<QString, QJsonObject> byName;

@@ -2,7 +2,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Reads a running application over AT-SPI the way a screen reader does.
 
-    atspi_reader.py tree APP            the accessible tree of APP as JSON
+    atspi_reader.py tree APP [WINDOW]   the accessible tree of APP as JSON,
+                                        or only that of its window named
+                                        WINDOW
     atspi_reader.py do APP ROLE NAME [ACTION]
                                         performs ACTION (default: the first
                                         one) on the first object of ROLE
@@ -20,11 +22,14 @@
                                         entry
     atspi_reader.py apps                the names of the applications
 
-Each node of the tree has role, name, description, states, and where the
-object offers them its place on the screen (extents: x, y, width, height),
-text (its Text interface), value (its Value interface),
-actions and, for text with attributes, the runs of attributes that differ
-from the defaults. Exit status 2 when APP is not on the bus (yet).
+APP is an application's name or, all digits, its process id (to tell apart
+two instances of one program). Each node of the tree has role, name,
+description, states, and where the object offers them its place on the
+screen (extents: x, y, width, height), text (its Text interface), value (its
+Value interface), actions, the names of the labels that label it
+(labelled_by) and, for text with attributes, the runs of attributes that
+differ from the defaults. Exit status 2 when APP (or its WINDOW) is not on
+the bus (yet).
 """
 
 import json
@@ -38,11 +43,28 @@ MAX_DEPTH = 40
 MAX_CHILDREN = 2000
 
 
+def is_app(app, name):
+    if not name.isdigit():
+        return app.name.lower() == name.lower()
+    try:
+        return app.get_process_id() == int(name)
+    except Exception:
+        return False
+
+
 def find_app(name):
     desktop = pyatspi.Registry.getDesktop(0)
     for app in desktop:
-        if app is not None and app.name.lower() == name.lower():
+        if app is not None and is_app(app, name):
             return app
+    return None
+
+
+def find_window(app, name):
+    for index in range(min(app.childCount, MAX_CHILDREN)):
+        window = app.getChildAtIndex(index)
+        if window is not None and window.name == name:
+            return window
     return None
 
 
@@ -58,6 +80,15 @@ def text_runs(text, length):
             runs.append([start, end, dict(a.split(":", 1) for a in attributes if ":" in a)])
         offset = end
     return runs
+
+
+def labels_of(node):
+    names = []
+    for relation in node.getRelationSet():
+        if relation.getRelationType() == pyatspi.RELATION_LABELLED_BY:
+            for i in range(relation.getNTargets()):
+                names.append(relation.getTarget(i).name or "")
+    return names
 
 
 def describe(node, depth=0):
@@ -90,6 +121,9 @@ def describe(node, depth=0):
         entry["actions"] = [action.getName(i) for i in range(action.nActions)]
     except NotImplementedError:
         pass
+    labels = labels_of(node)
+    if labels:
+        entry["labelled_by"] = labels
     if depth < MAX_DEPTH:
         children = []
         for index in range(min(node.childCount, MAX_CHILDREN)):
@@ -138,7 +172,7 @@ def focused_popup(app_name, key):
     def on_focus(event):
         source = event.source
         try:
-            if source.getApplication().name.lower() != app_name.lower():
+            if not is_app(source.getApplication(), app_name):
                 return
         except Exception:
             return
@@ -176,6 +210,10 @@ def main(arguments):
     if app is None:
         return 2
     if command == "tree":
+        if len(arguments) > 2:
+            app = find_window(app, arguments[2])
+            if app is None:
+                return 2
         print(json.dumps(describe(app), ensure_ascii=False))
         return 0
     if command == "popup":
@@ -184,9 +222,6 @@ def main(arguments):
             return 3
         print(json.dumps(describe(menu), ensure_ascii=False))
         return 0
-    app = find_app(arguments[1])
-    if app is None:
-        return 2
     if command == "where" and len(arguments) >= 3:
         target = first_showing(app, arguments[2], arguments[3] if len(arguments) > 3 else "")
         if target is None:

@@ -7,62 +7,27 @@
 //
 //   keys_screenshots LIBRARY.json OUTPUT-FOLDER
 
+#include "ScreenshotSupport.h"
 #include "TestEnvironment.h"
 
 #include "attachments/AttachmentStore.h"
-#include "library/LibraryCoding.h"
 #include "library/LibraryWriter.h"
 #include "panel/PanelRootView.h"
 #include "panel/PanelState.h"
 #include "panel/SwitcherView.h"
 #include "search/SearchIndex.h"
 #include "shell/Preferences.h"
-#include "shell/Theme.h"
 #include "store/Store.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
-#include <QFile>
 #include <QLineEdit>
-#include <QPainter>
-#include <QPainterPath>
 #include <QTest>
 #include <QVBoxLayout>
 
 #include <cstdio>
 
 using namespace Vesko;
-
-namespace {
-
-//! The panel's rounded surface behind its content.
-class Surface : public QWidget
-{
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        const ThemeColors colors = Theme::currentColors();
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        QPainterPath path;
-        path.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 22, 22);
-        QColor surface = colors.panelSurface;
-        surface.setAlpha(255);
-        painter.fillPath(path, surface);
-        painter.setPen(QPen(colors.panelStroke, 1));
-        painter.drawPath(path);
-    }
-};
-
-void wait(int milliseconds)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (timer.elapsed() < milliseconds)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-}
-
-} // namespace
+using Test::wait;
 
 int main(int argc, char *argv[])
 {
@@ -74,30 +39,19 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "usage: keys_screenshots LIBRARY.json OUTPUT-FOLDER\n");
         return 2;
     }
-    QFile file(QString::fromLocal8Bit(argv[1]));
-    if (!file.open(QIODevice::ReadOnly)) {
-        std::fprintf(stderr, "cannot read %s\n", argv[1]);
+    const std::optional<Library> library = Test::readLibraryFile(QString::fromLocal8Bit(argv[1]));
+    if (!library)
         return 1;
-    }
-    QString error;
-    const std::optional<Library> library = decodeLibrary(file.readAll(), &error);
-    if (!library) {
-        std::fprintf(stderr, "cannot decode the library: %s\n", qPrintable(error));
-        return 1;
-    }
     const QString folder = QString::fromLocal8Bit(argv[2]);
 
     Preferences preferences;
     LibraryWriter writer;
     AttachmentStore attachments;
     SearchIndex searchIndex;
-    for (const AppAppearance appearance : {AppAppearance::Light, AppAppearance::Dark}) {
-        const QString name
-            = appearance == AppAppearance::Light ? QStringLiteral("light") : QStringLiteral("dark");
-        Theme::applyAppearance(appearance);
+    Test::inEachAppearance([&](const QString &name) {
         Store store(*library, {preferences, writer, attachments, searchIndex});
         PanelState state;
-        Surface surface;
+        Test::PanelSurface surface;
         surface.resize(340, 560);
         auto *layout = new QVBoxLayout(&surface);
         layout->setContentsMargins(0, 0, 0, 0);
@@ -132,6 +86,6 @@ int main(int argc, char *argv[])
         state.setShowing(PanelLayer::ProjectSwitcher, true);
         shoot(QStringLiteral("project-switcher"));
         state.setShowing(PanelLayer::ProjectSwitcher, false);
-    }
+    });
     return 0;
 }

@@ -6,80 +6,30 @@
 //
 //   list_screenshots LIBRARY.json OUTPUT-FOLDER
 
+#include "ScreenshotSupport.h"
+#include "SilentAttachmentActions.h"
 #include "TestEnvironment.h"
 
-#include "attachments/AttachmentActions.h"
-#include "attachments/AttachmentFileDialog.h"
 #include "attachments/AttachmentStore.h"
-#include "attachments/ThumbnailCache.h"
-#include "library/LibraryCoding.h"
 #include "library/LibraryFile.h"
 #include "library/LibraryWriter.h"
 #include "panel/PanelListView.h"
 #include "panel/PanelState.h"
-#include "platform/qt/QtDesktopFiles.h"
-#include "platform/qt/QtPasteboardReader.h"
 #include "search/SearchIndex.h"
 #include "shell/Preferences.h"
-#include "shell/Theme.h"
 #include "store/Store.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QPainter>
-#include <QPainterPath>
 
 #include <cstdio>
 
 using namespace Vesko;
+using Test::wait;
 
 namespace {
-
-//! The panel's rounded surface behind the list.
-class Surface : public QWidget
-{
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        const ThemeColors colors = Theme::currentColors();
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        QPainterPath path;
-        path.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 22, 22);
-        QColor surface = colors.panelSurface;
-        surface.setAlpha(255);
-        painter.fillPath(path, surface);
-        painter.setPen(QPen(colors.panelStroke, 1));
-        painter.drawPath(path);
-    }
-};
-
-//! Attachment actions over this program's own Store, with the desktop's
-//! services; what they say goes nowhere.
-struct Attachments : AttachmentFeedback
-{
-    Attachments(Store &store, AttachmentStore &files)
-        : actions({store, files, chooser, pasteboard, desktop, *this})
-    { }
-    void toast(const QString &, const QString &) override { }
-
-    AttachmentFileDialog chooser;
-    QtPasteboardReader pasteboard;
-    QtDesktopFiles desktop;
-    AttachmentActions actions;
-    ThumbnailCache thumbnails;
-};
-
-void wait(int milliseconds)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (timer.elapsed() < milliseconds)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-}
 
 std::optional<QUuid> noteWithText(const Store &store, const QString &start)
 {
@@ -102,22 +52,15 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "usage: list_screenshots LIBRARY.json OUTPUT-FOLDER\n");
         return 2;
     }
-    QFile file(QString::fromLocal8Bit(argv[1]));
-    if (!file.open(QIODevice::ReadOnly)) {
-        std::fprintf(stderr, "cannot read %s\n", argv[1]);
+    const QString libraryPath = QString::fromLocal8Bit(argv[1]);
+    const std::optional<Library> library = Test::readLibraryFile(libraryPath);
+    if (!library)
         return 1;
-    }
-    QString error;
-    const std::optional<Library> library = decodeLibrary(file.readAll(), &error);
-    if (!library) {
-        std::fprintf(stderr, "cannot decode the library: %s\n", qPrintable(error));
-        return 1;
-    }
     const QString folder = QString::fromLocal8Bit(argv[2]);
 
     // The attachments' files: a picture of the same name beside the library
     // description where there is one, a few bytes otherwise.
-    const QString source = QFileInfo(file.fileName()).absolutePath();
+    const QString source = QFileInfo(libraryPath).absolutePath();
     const QString attachmentsRoot = attachmentsFolder(libraryURL());
     for (const Project &project : library->projects) {
         for (const NoteSection &section : project.sections) {
@@ -139,14 +82,11 @@ int main(int argc, char *argv[])
     LibraryWriter writer;
     AttachmentStore attachments;
     SearchIndex searchIndex;
-    for (const AppAppearance appearance : {AppAppearance::Light, AppAppearance::Dark}) {
-        const QString name
-            = appearance == AppAppearance::Light ? QStringLiteral("light") : QStringLiteral("dark");
-        Theme::applyAppearance(appearance);
+    Test::inEachAppearance([&](const QString &name) {
         Store store(*library, {preferences, writer, attachments, searchIndex});
         PanelState state;
-        Attachments attachmentActions(store, attachments);
-        Surface surface;
+        Test::SilentAttachmentActions attachmentActions(store, attachments);
+        Test::PanelSurface surface;
         surface.resize(340, 560);
         auto *list = new PanelListView(store, state, &surface);
         list->setAttachmentActions(attachmentActions.actions, attachmentActions.thumbnails);
@@ -176,6 +116,6 @@ int main(int argc, char *argv[])
         wait(300); // the search runs after a pause, off the main thread
         shoot(QStringLiteral("search"));
         surface.hide();
-    }
+    });
     return 0;
 }
