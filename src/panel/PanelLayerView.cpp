@@ -83,14 +83,21 @@ bool PanelLayerView::handleAnswerKey(
     }
 }
 
-void PanelLayerView::paintEvent(QPaintEvent *)
+void PanelLayerView::paintDim(QPainter &painter, const QRect &rect)
 {
-    QPainter painter(this);
+    painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     QPainterPath path;
     // The dim follows the panel's rounded surface.
-    path.addRoundedRect(QRectF(rect()), PanelWindow::cornerRadius, PanelWindow::cornerRadius);
+    path.addRoundedRect(QRectF(rect), PanelWindow::cornerRadius, PanelWindow::cornerRadius);
     painter.fillPath(path, QColor::fromRgbF(0, 0, 0, dimOpacity));
+    painter.restore();
+}
+
+void PanelLayerView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    paintDim(painter, rect());
 }
 
 void PanelLayerView::mousePressEvent(QMouseEvent *event)

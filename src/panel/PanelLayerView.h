@@ -13,6 +13,7 @@
 #include <functional>
 
 class QLineEdit;
+class QPainter;
 
 namespace Vesko {
 
@@ -26,6 +27,9 @@ public:
     static constexpr int focusDelayMilliseconds = 40;
 
     QWidget *card() const { return m_card; }
+
+    //! Paints the dim of a layer over the panel's rounded surface in \a rect.
+    static void paintDim(QPainter &painter, const QRect &rect);
 
 protected:
     explicit PanelLayerView(QWidget *parent = nullptr);

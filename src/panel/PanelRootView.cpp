@@ -5,6 +5,7 @@
 #include "panel/ComposerView.h"
 #include "panel/NativeInlineTextField.h"
 #include "panel/PanelCommands.h"
+#include "panel/PanelLayerView.h"
 #include "panel/PanelListView.h"
 #include "panel/PanelMenus.h"
 #include "panel/PanelPromptView.h"
@@ -62,10 +63,7 @@ protected:
     void paintEvent(QPaintEvent *) override
     {
         QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        QPainterPath path;
-        path.addRoundedRect(QRectF(rect()), 22, 22);
-        painter.fillPath(path, QColor(0, 0, 0, 41));
+        PanelLayerView::paintDim(painter, rect());
     }
     void mousePressEvent(QMouseEvent *) override { m_state.setShowing(m_layer, false); }
     void keyPressEvent(QKeyEvent *event) override
