@@ -63,7 +63,7 @@ CaptureEngine &DesktopCapture::engine()
 {
     if (!m_engine) {
         m_keys = std::make_unique<X11KeyMonitor>();
-        m_session = std::make_unique<X11Session>(m_registrar->connection());
+        m_session = std::make_unique<X11Session>();
         AccessibilityPermission *permission = m_permission.get();
         Preferences *preferences = &m_preferences;
         m_doubleShift = std::make_unique<DoubleShiftMonitor>(
