@@ -21,6 +21,7 @@
 
 #include <QFile>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTemporaryFile>
 #include <QTimer>
 
@@ -117,8 +118,8 @@ public:
 
     bool isShown() const { return !m_window.isEmpty(); }
 
-    //! Every combination the window got, up to a marker key typed now (F5,
-    //! with whatever the user still holds): the server delivers in order.
+    //! Every combination the window got, up to a marker key typed now (F5):
+    //! the server delivers in order.
     QStringList keysReceived()
     {
         xdotool({QStringLiteral("key"), QStringLiteral("F5")});
@@ -155,12 +156,6 @@ QString sendCopy(X11Session &session)
         return QStringLiteral("(no answer)");
     return *sent ? QStringLiteral("sent") : QStringLiteral("not sent");
 }
-
-//! Puts the keyboard back to the US layout the tests start with.
-struct UsLayoutAfterwards
-{
-    ~UsLayoutAfterwards() { Test::setxkbmap({QStringLiteral("us")}); }
-};
 
 } // namespace
 
@@ -324,7 +319,7 @@ void X11SessionTest::copyInEveryLayout_data()
 void X11SessionTest::copyInEveryLayout()
 {
     QFETCH(QStringList, layout);
-    UsLayoutAfterwards restore;
+    const auto usAfterwards = qScopeGuard([] { Test::setxkbmap({QStringLiteral("us")}); });
     QVERIFY(Test::setxkbmap(layout));
     const QString text = QStringLiteral("words of the copy target");
     CopyTarget target(text);
