@@ -184,6 +184,12 @@ void PanelAccessTest::throughTheScreenReader()
     QTRY_VERIFY_WITH_TIMEOUT(rowNames(tree()).contains(QStringLiteral("Buy oat milk")), 10000);
     QTRY_VERIFY_WITH_TIMEOUT(
         rowNames(tree()).contains(QStringLiteral("Call the plumber\nabout the sink")), 10000);
+    // A note is heard as it reads on screen: without its markers, and
+    // without what it strikes through.
+    type(QStringLiteral("Email ~~Bob~~ **Alice**"));
+    key(QStringLiteral("Return"));
+    QTRY_VERIFY_WITH_TIMEOUT(rowNames(tree()).contains(QStringLiteral("Email Alice")), 10000);
+    QVERIFY(rowNames(tree()).filter(QStringLiteral("~~")).isEmpty());
 
     // A search, typed into the field after a click on it, narrows the rows
     // and marks the word in the note that stays.
