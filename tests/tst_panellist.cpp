@@ -471,8 +471,10 @@ void PanelListTest::clickOnALinkSelects()
     rig.store().setSelection({idFor("a")}, idFor("a"));
     NoteRowView *row = w.note(QStringLiteral("b"));
     QVERIFY(row);
-    // The middle of the row lies on the link's words.
-    QTest::mouseClick(row, Qt::LeftButton, Qt::KeyboardModifiers(modifiers), inText(row));
+    // On the first words of the text, which are the link's.
+    const QPoint onLink(NoteRowView::cardPaddingH + DoneControl::diameter + NoteRowView::spacing + 6,
+        NoteRowView::rowPadding + NoteRowView::cardPaddingV + 6);
+    QTest::mouseClick(row, Qt::LeftButton, Qt::KeyboardModifiers(modifiers), onLink);
     QCoreApplication::processEvents();
     QCOMPARE(namesOf(rig.store().selection().values()), selection);
     QVERIFY(opened.urls.isEmpty());
