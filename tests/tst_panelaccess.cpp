@@ -350,11 +350,13 @@ void PanelAccessTest::throughTheScreenReader()
         sections.append(section.title);
     QCOMPARE(sections, (QStringList {"Inbox", "Errands"}));
     const QList<Note> notes = library.projects.first().sections.first().notes;
-    QCOMPARE(notes.size(), 2);
+    QCOMPARE(notes.size(), 3);
     QCOMPARE(notes.at(0).text, QStringLiteral("Buy oat milk"));
     QVERIFY(notes.at(0).isDone);
     QCOMPARE(notes.at(1).text, QStringLiteral("Call the plumber today"));
     QVERIFY(!notes.at(1).isDone);
+    // What was typed is kept as typed.
+    QCOMPARE(notes.at(2).text, QStringLiteral("Email ~~Bob~~ **Alice**"));
     QCOMPARE(library.projects.first().activeSectionID, library.projects.first().sections.last().id);
 }
 
