@@ -653,8 +653,10 @@ void PanelListView::placeRows()
 
 void PanelListView::updateHoverFromPointer()
 {
-    const QPoint pointer = viewport()->mapFromGlobal(QCursor::pos());
-    const bool inList = viewport()->underMouse() && viewport()->rect().contains(pointer);
+    // Where the pointer is asked only while it is over the list at all.
+    const bool overList = viewport()->underMouse();
+    const QPoint pointer = overList ? viewport()->mapFromGlobal(QCursor::pos()) : QPoint(-1, -1);
+    const bool inList = overList && viewport()->rect().contains(pointer);
     for (NoteRowView *view : std::as_const(m_noteViews))
         view->setHovered(inList && view->geometry().contains(pointer));
     for (SectionHeaderView *header : std::as_const(m_headerViews)) {
