@@ -190,8 +190,8 @@ void PanelLogicTest::noteLabel_data()
         << "Call Eve about the plan now";
     QTest::newRow("escaped markers are said as typed")
         << "\\~\\~kept\\~\\~ and \\*this\\*" << QStringList() << "~~kept~~ and *this*";
-    QTest::newRow("only struck text, with a file")
-        << "~~done with this~~" << QStringList {"a.png"} << "a.png";
+    QTest::newRow("all struck through: said all the same")
+        << "~~done with this~~" << QStringList {"a.png"} << "done with this. Attachments: a.png";
     QTest::newRow("the cut counts shown characters")
         << QStringLiteral("**%1**").arg(QString(125, u'x')) << QStringList()
         << QString(120, u'x') + u'…';

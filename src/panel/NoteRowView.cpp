@@ -18,8 +18,8 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QHelpEvent>
 #include <QDrag>
+#include <QHelpEvent>
 #include <QLocale>
 #include <QMimeData>
 #include <QPainter>

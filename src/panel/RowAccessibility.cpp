@@ -61,6 +61,9 @@ QString spokenText(const QString &markdown)
         position = run.start + run.length;
     }
     append(position, rendered.text.size());
+    // A note struck through from end to end still has something to say.
+    if (spoken.trimmed().isEmpty())
+        return rendered.text;
     return spoken;
 }
 
