@@ -123,6 +123,7 @@ int main(int argc, char *argv[])
     appCommandHooks.isPanelShown = [&panel] { return panel.isPanelShown(); };
     appCommandHooks.hidePanel = [&panel] { panel.hide(); };
     appCommandHooks.showPanel = [&panel](bool focusComposer) { panel.show(true, focusComposer); };
+    appCommandHooks.togglePanel = [&panel] { panel.toggle(); };
     appCommandHooks.captureSelection = [&capture] { capture.engine().captureSelection(); };
     appCommandHooks.openSettings = [&settings] { settings.show(); };
     appCommandHooks.quit = commands.quit;

@@ -5,7 +5,8 @@
 // without one they act on the notes (all visible ones when nothing is
 // selected); the section steps wrap; a jump past the last section does
 // nothing, not even bring the panel forward; a key the window already uses
-// stays with its own control.
+// stays with its own control; "Hide Vesko" is the panel's toggle; Ctrl+W and
+// Escape close a window of the program rather than hide the panel.
 
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
@@ -15,11 +16,14 @@
 #include "panel/PanelState.h"
 #include "panel/Shortcut.h"
 #include "shell/AppCommands.h"
+#include "shell/WindowCloseKeys.h"
 
 #include <QAction>
 #include <QClipboard>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTextEdit>
 #include <QVBoxLayout>
@@ -42,6 +46,9 @@ private Q_SLOTS:
     void sectionSteps();
     void keysTheWindowUsesStayWithIt();
     void moreOptionsReachesEveryCommand();
+    void hideOrShowIsThePanelsToggle();
+    void closeKeysCloseTheWindow_data();
+    void closeKeysCloseTheWindow();
 
 private:
     std::unique_ptr<Test::StoreFixture> m_fixture;
@@ -50,6 +57,8 @@ private:
     std::unique_ptr<QWidget> m_window;
     QTextEdit *m_editor = nullptr;
     int m_broughtForward = 0;
+    int m_hides = 0;
+    int m_toggles = 0;
 };
 
 void AppCommandsTest::init()
@@ -58,8 +67,13 @@ void AppCommandsTest::init()
     m_fixture->make({"*Inbox:a,b|Work:c|Later:d"});
     m_state = std::make_unique<PanelState>();
     m_broughtForward = 0;
+    m_hides = 0;
+    m_toggles = 0;
     MenuBarCommands hooks;
     hooks.showPanel = [this](bool) { ++m_broughtForward; };
+    hooks.isPanelShown = [] { return true; };
+    hooks.hidePanel = [this] { ++m_hides; };
+    hooks.togglePanel = [this] { ++m_toggles; };
     m_commands = std::make_unique<AppCommands>(m_fixture->store(), *m_state, hooks);
     m_window = std::make_unique<QWidget>();
     auto *layout = new QVBoxLayout(m_window.get());
@@ -202,6 +216,100 @@ void AppCommandsTest::moreOptionsReachesEveryCommand()
     Store &store = m_fixture->store();
     QVERIFY(store.note(idFor("a"))->isDone);
     QVERIFY(store.note(idFor("b"))->isDone);
+}
+
+void AppCommandsTest::hideOrShowIsThePanelsToggle()
+{
+    // The entry reads "Hide Vesko" while the panel is on screen; a panel
+    // behind another window comes forward rather than going, so the entry
+    // leaves that choice to the panel.
+    QMenu *file = m_commands->menus().at(1);
+    Q_EMIT file->aboutToShow();
+    QAction *entry = m_commands->action("Hide Vesko");
+    QVERIFY(entry);
+    entry->trigger();
+    QCOMPARE(m_toggles, 1);
+    QCOMPARE(m_hides, 0);
+    QCOMPARE(m_broughtForward, 0);
+}
+
+namespace {
+
+//! A control that uses Escape itself, as the shortcut recorder does.
+class TakesEscape : public QWidget
+{
+public:
+    using QWidget::QWidget;
+    int escapes = 0;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        if (event->key() == Qt::Key_Escape)
+            ++escapes;
+        else
+            QWidget::keyPressEvent(event);
+    }
+};
+
+} // namespace
+
+void AppCommandsTest::closeKeysCloseTheWindow_data()
+{
+    QTest::addColumn<QString>("focus");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<bool>("closes");
+
+    const int ctrl = int(Qt::ControlModifier);
+    for (const char *focus : {"text editor", "line edit", "button"}) {
+        QTest::addRow("%s, Ctrl+W", focus) << focus << int(Qt::Key_W) << ctrl << true;
+        QTest::addRow("%s, Escape", focus) << focus << int(Qt::Key_Escape) << 0 << true;
+    }
+    QTest::newRow("control that takes Escape, Escape")
+        << "takes escape" << int(Qt::Key_Escape) << 0 << false;
+    QTest::newRow("control that takes Escape, Ctrl+W")
+        << "takes escape" << int(Qt::Key_W) << ctrl << true;
+    QTest::newRow("Shift+Escape") << "button" << int(Qt::Key_Escape) << int(Qt::ShiftModifier)
+                                  << false;
+}
+
+void AppCommandsTest::closeKeysCloseTheWindow()
+{
+    QFETCH(QString, focus);
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    QFETCH(bool, closes);
+
+    // A note window: its own close keys first, then the program's commands.
+    QWidget window;
+    auto *layout = new QVBoxLayout(&window);
+    QWidget *control = nullptr;
+    if (focus == "text editor")
+        control = new QPlainTextEdit(&window);
+    else if (focus == "line edit")
+        control = new QLineEdit(&window);
+    else if (focus == "button")
+        control = new QPushButton("Copy", &window);
+    else
+        control = new TakesEscape(&window);
+    control->setFocusPolicy(Qt::StrongFocus);
+    layout->addWidget(control);
+    new WindowCloseKeys(&window);
+    m_commands->attachTo(&window);
+    window.show();
+    QApplication::setActiveWindow(&window);
+    control->setFocus();
+    QTRY_VERIFY(control->hasFocus());
+
+    QTest::keyClick(control, Qt::Key(key), Qt::KeyboardModifiers::fromInt(modifiers));
+    QCoreApplication::processEvents();
+    QCOMPARE(window.isVisible(), !closes);
+    // The panel is neither hidden nor toggled by a window's close keys.
+    QCOMPARE(m_hides, 0);
+    QCOMPARE(m_toggles, 0);
+    if (auto *takes = dynamic_cast<TakesEscape *>(control))
+        QCOMPARE(takes->escapes, key == Qt::Key_Escape ? 1 : 0);
 }
 
 VESKO_WIDGET_TEST_MAIN(AppCommandsTest)

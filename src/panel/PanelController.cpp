@@ -2,6 +2,7 @@
 
 #include "panel/PanelController.h"
 
+#include "panel/PanelListView.h"
 #include "panel/PanelPlacement.h"
 #include "panel/PanelRootView.h"
 #include "panel/PanelState.h"
@@ -97,6 +98,11 @@ void PanelController::show(bool activate, bool focusComposer)
 {
     if (!m_panel)
         makePanel();
+    // An edit in place that was left open when the user went to another
+    // window ends here, saved, as leaving its field would have ended it: the
+    // keyboard is about to go elsewhere and the draft must not stay behind.
+    if (auto *root = qobject_cast<PanelRootView *>(m_panel->content()))
+        root->list()->endInlineEdits();
     applyPanelAppearance();
     if (!isPanelShown()) {
         const bool wasFadingOut = m_fadingOut;

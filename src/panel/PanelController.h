@@ -38,7 +38,8 @@ public:
     static PanelController &shared();
 
     //! Brings the panel forward, making and placing it first when needed;
-    //! with \a focusComposer the composer gets the keyboard.
+    //! with \a focusComposer the composer gets the keyboard. An open edit in
+    //! place ends first, saved.
     void show(bool activate, bool focusComposer);
     //! Fades the panel out; an inline edit ends here.
     void hide();
