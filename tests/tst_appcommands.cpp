@@ -6,7 +6,8 @@
 // selected); the section steps wrap; a jump past the last section does
 // nothing, not even bring the panel forward; a key the window already uses
 // stays with its own control; "Hide Vesko" is the panel's toggle; Ctrl+W and
-// Escape close a window of the program rather than hide the panel.
+// Escape close a window of the program rather than hide the panel; Shift+F10
+// opens the focused control's menu.
 
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
@@ -15,7 +16,9 @@
 #include "panel/PanelMenus.h"
 #include "panel/PanelState.h"
 #include "panel/Shortcut.h"
+#include "panel/NativeInlineTextField.h"
 #include "shell/AppCommands.h"
+#include "shell/KeyboardContextMenu.h"
 #include "shell/WindowCloseKeys.h"
 
 #include <QAction>
@@ -26,6 +29,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTextEdit>
+#include <QTimer>
 #include <QVBoxLayout>
 
 using namespace Vesko;
@@ -49,6 +53,8 @@ private Q_SLOTS:
     void hideOrShowIsThePanelsToggle();
     void closeKeysCloseTheWindow_data();
     void closeKeysCloseTheWindow();
+    void shiftF10OpensTheFocusedControlsMenu_data();
+    void shiftF10OpensTheFocusedControlsMenu();
 
 private:
     std::unique_ptr<Test::StoreFixture> m_fixture;
@@ -310,6 +316,73 @@ void AppCommandsTest::closeKeysCloseTheWindow()
     QCOMPARE(m_toggles, 0);
     if (auto *takes = dynamic_cast<TakesEscape *>(control))
         QCOMPARE(takes->escapes, key == Qt::Key_Escape ? 1 : 0);
+}
+
+void AppCommandsTest::shiftF10OpensTheFocusedControlsMenu_data()
+{
+    QTest::addColumn<QString>("focus");
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<bool>("grabbed");
+    QTest::addColumn<bool>("opens");
+
+    const int shift = int(Qt::ShiftModifier);
+    for (const char *focus : {"line edit", "text editor", "panel text field"}) {
+        QTest::addRow("%s, Shift+F10", focus) << focus << shift << false << true;
+        QTest::addRow("%s, F10", focus) << focus << 0 << false << false;
+        QTest::addRow("%s, Ctrl+Shift+F10", focus)
+            << focus << (shift | int(Qt::ControlModifier)) << false << false;
+    }
+    // A control recording a shortcut holds the keyboard: the key is its.
+    QTest::newRow("keyboard grabbed") << "line edit" << shift << true << false;
+}
+
+void AppCommandsTest::shiftF10OpensTheFocusedControlsMenu()
+{
+    QFETCH(QString, focus);
+    QFETCH(int, modifiers);
+    QFETCH(bool, grabbed);
+    QFETCH(bool, opens);
+
+    KeyboardContextMenu contextKeys;
+    qApp->installEventFilter(&contextKeys);
+    QWidget window;
+    auto *layout = new QVBoxLayout(&window);
+    QWidget *control = nullptr;
+    if (focus == "line edit") {
+        control = new QLineEdit("words", &window);
+    } else if (focus == "text editor") {
+        control = new QPlainTextEdit("words", &window);
+    } else {
+        auto *field = new NativeInlineTextField(&window);
+        field->setText("words");
+        control = field->editor();
+    }
+    layout->addWidget(control->parentWidget() == &window ? control : control->parentWidget());
+    window.show();
+    QApplication::setActiveWindow(&window);
+    control->setFocus();
+    QTRY_VERIFY(control->hasFocus());
+    if (grabbed)
+        control->grabKeyboard();
+
+    // Some menus run their own event loop: the one that opens is seen and closed from it.
+    bool opened = false;
+    QTimer watch;
+    connect(&watch, &QTimer::timeout, this, [&opened] {
+        if (QWidget *popup = QApplication::activePopupWidget()) {
+            opened = opened || qobject_cast<QMenu *>(popup);
+            popup->close();
+        }
+    });
+    watch.start(20);
+    QTest::keyClick(control, Qt::Key_F10, Qt::KeyboardModifiers::fromInt(modifiers));
+    if (opens)
+        QTRY_VERIFY(opened);
+    else
+        QTest::qWait(100);
+    QCOMPARE(opened, opens);
+    if (grabbed)
+        control->releaseKeyboard();
 }
 
 VESKO_WIDGET_TEST_MAIN(AppCommandsTest)

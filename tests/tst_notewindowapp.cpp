@@ -8,9 +8,9 @@
 // menu lists six open notes, ticks one off, copies them as a list and hides
 // and shows the panel. From the keyboard alone: an edit in place left open in
 // another window's favour is saved when the panel comes back, the Menu key
-// and Shift+F10 open a row's menu, Ctrl+W and Escape close a note window and
-// Settings (which opens again after its title bar closed it), and Ctrl+Q
-// quits.
+// and Shift+F10 open a row's menu (and Shift+F10 a text field's), Ctrl+W and
+// Escape close a note window and Settings (which opens again after its title
+// bar closed it), and Ctrl+Q quits.
 
 #include "TestEnvironment.h"
 
@@ -376,6 +376,13 @@ void NoteWindowAppTest::menuKeysOpenTheSelectedRowsMenu()
         QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(vesko->processId()).contains(menu), 5000);
         QTRY_VERIFY2_WITH_TIMEOUT(session.notes().value(press.row).isDone, press.key, 5000);
     }
+    // In the composer, Shift+F10 opens the text's own menu, as the Menu key does.
+    pressKeys(QStringLiteral("ctrl+n"), 1);
+    QTest::qWait(200);
+    const QString textMenu = keyOpensWindow(vesko->processId(), QStringLiteral("shift+F10"));
+    QVERIFY(!textMenu.isEmpty());
+    pressKeys(QStringLiteral("Escape"), 1);
+    QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(vesko->processId()).contains(textMenu), 5000);
     vesko->terminate();
     QVERIFY(vesko->waitForFinished(10000));
 }
