@@ -953,15 +953,11 @@ void PanelListView::showKeyboardMenu()
         showSectionMenu(*rowID, place);
 }
 
-void PanelListView::endInlineEdits()
+void PanelListView::endNoteEdit()
 {
     if (const std::optional<QUuid> editing = m_store.editingNoteID()) {
         if (const NoteRowView *row = noteRowView(*editing))
             NoteRowActions::commitEdit(m_store, m_state, *editing, row->draftText());
-    }
-    if (const std::optional<QUuid> renaming = m_state.renamingSectionID()) {
-        if (const SectionHeaderView *header = sectionHeaderView(*renaming))
-            NoteRowActions::commitRename(m_store, m_state, *renaming, header->draftTitle());
     }
 }
 

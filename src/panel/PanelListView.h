@@ -106,9 +106,9 @@ public:
     //! row in the list the menu of the active section's header, beside its
     //! row. Nothing while another menu is open.
     void showKeyboardMenu();
-    //! Ends an edit in place, of a note or of a section's title, the way
-    //! leaving its field does: what was typed is kept.
-    void endInlineEdits();
+    //! Ends the edit in place of a note the way leaving its field does: what
+    //! was typed is saved. (A section's rename stays open until its field ends it.)
+    void endNoteEdit();
     bool isScrollAnimating() const;
 
     // -- drag and drop state, shown by the rows -----------------------------------
