@@ -12,11 +12,11 @@
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
 
+#include "panel/NativeInlineTextField.h"
 #include "panel/PanelCommands.h"
 #include "panel/PanelMenus.h"
 #include "panel/PanelState.h"
 #include "panel/Shortcut.h"
-#include "panel/NativeInlineTextField.h"
 #include "shell/AppCommands.h"
 #include "shell/KeyboardContextMenu.h"
 #include "shell/WindowCloseKeys.h"

@@ -269,9 +269,8 @@ void PanelKeysTest::keysInContext_data()
     }
     // With no note selected the menu is the active section's; with two, it
     // acts on both.
-    QTest::newRow("list, nothing selected, Menu")
-        << "list, nothing selected" << int(Qt::Key_Menu) << 0
-        << "menu Collapse Section: collapsed Inbox";
+    QTest::newRow("list, nothing selected, Menu") << "list, nothing selected" << int(Qt::Key_Menu)
+                                                  << 0 << "menu Collapse Section: collapsed Inbox";
     QTest::newRow("list, nothing selected, Shift+F10")
         << "list, nothing selected" << int(Qt::Key_F10) << shift
         << "menu Collapse Section: collapsed Inbox";

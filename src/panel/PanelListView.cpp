@@ -945,8 +945,8 @@ void PanelListView::showKeyboardMenu()
         scrollToRow(*rowID, ScrollAnchor::Center, false);
     // Below the row's first line, a little in from its left edge.
     const QRect row = rowRect(*rowID);
-    const QPoint place = viewport()->mapToGlobal(
-        QPoint(row.left() + 24, row.top() + std::min(row.height(), 28)));
+    const QPoint place
+        = viewport()->mapToGlobal(QPoint(row.left() + 24, row.top() + std::min(row.height(), 28)));
     if (noteID)
         showNoteMenu(noteMenuTarget(m_store, *noteID), place);
     else

@@ -18,8 +18,7 @@ bool KeyboardContextMenu::eventFilter(QObject *watched, QEvent *event)
     if (event->type() != QEvent::KeyPress)
         return false;
     const auto *key = static_cast<QKeyEvent *>(event);
-    if (key->key() != Qt::Key_F10
-        || (key->modifiers() & ~Qt::KeypadModifier) != Qt::ShiftModifier)
+    if (key->key() != Qt::Key_F10 || (key->modifiers() & ~Qt::KeypadModifier) != Qt::ShiftModifier)
         return false;
     // Only the first delivery, to the focused control; an open menu keeps its
     // keys, and so does a control that grabbed the keyboard (a shortcut recorder).

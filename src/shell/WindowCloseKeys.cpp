@@ -13,7 +13,8 @@ WindowCloseKeys::WindowCloseKeys(QWidget *window)
     , m_window(window)
     , m_close(new QAction(tr("Close Window"), window))
 {
-    m_close->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::CTRL | Qt::Key_F4)});
+    m_close->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::CTRL | Qt::Key_F4)});
     m_close->setShortcutContext(Qt::WindowShortcut);
     connect(m_close, &QAction::triggered, window, &QWidget::close);
     window->addAction(m_close);
