@@ -258,6 +258,36 @@ protected:
     }
 };
 
+//! Shows \a window holding one control of the kind named, with the keyboard
+//! in it; returns the widget that has the keyboard.
+QWidget *showWithFocusedControl(QWidget &window, const QString &kind)
+{
+    auto *layout = new QVBoxLayout(&window);
+    QWidget *control = nullptr;
+    if (kind == "text editor") {
+        control = new QPlainTextEdit("words", &window);
+    } else if (kind == "line edit") {
+        control = new QLineEdit("words", &window);
+    } else if (kind == "button") {
+        control = new QPushButton("Copy", &window);
+        control->setFocusPolicy(Qt::StrongFocus);
+    } else if (kind == "panel text field") {
+        auto *field = new NativeInlineTextField(&window);
+        field->setText("words");
+        layout->addWidget(field);
+        control = field->editor();
+    } else {
+        control = new TakesEscape(&window);
+        control->setFocusPolicy(Qt::StrongFocus);
+    }
+    if (control->parentWidget() == &window)
+        layout->addWidget(control);
+    window.show();
+    QApplication::setActiveWindow(&window);
+    control->setFocus();
+    return control;
+}
+
 } // namespace
 
 void AppCommandsTest::closeKeysCloseTheWindow_data()
@@ -289,23 +319,9 @@ void AppCommandsTest::closeKeysCloseTheWindow()
 
     // A note window: its own close keys first, then the program's commands.
     QWidget window;
-    auto *layout = new QVBoxLayout(&window);
-    QWidget *control = nullptr;
-    if (focus == "text editor")
-        control = new QPlainTextEdit(&window);
-    else if (focus == "line edit")
-        control = new QLineEdit(&window);
-    else if (focus == "button")
-        control = new QPushButton("Copy", &window);
-    else
-        control = new TakesEscape(&window);
-    control->setFocusPolicy(Qt::StrongFocus);
-    layout->addWidget(control);
     new WindowCloseKeys(&window);
     m_commands->attachTo(&window);
-    window.show();
-    QApplication::setActiveWindow(&window);
-    control->setFocus();
+    QWidget *control = showWithFocusedControl(window, focus);
     QTRY_VERIFY(control->hasFocus());
 
     QTest::keyClick(control, Qt::Key(key), Qt::KeyboardModifiers::fromInt(modifiers));
@@ -346,21 +362,7 @@ void AppCommandsTest::shiftF10OpensTheFocusedControlsMenu()
     KeyboardContextMenu contextKeys;
     qApp->installEventFilter(&contextKeys);
     QWidget window;
-    auto *layout = new QVBoxLayout(&window);
-    QWidget *control = nullptr;
-    if (focus == "line edit") {
-        control = new QLineEdit("words", &window);
-    } else if (focus == "text editor") {
-        control = new QPlainTextEdit("words", &window);
-    } else {
-        auto *field = new NativeInlineTextField(&window);
-        field->setText("words");
-        control = field->editor();
-    }
-    layout->addWidget(control->parentWidget() == &window ? control : control->parentWidget());
-    window.show();
-    QApplication::setActiveWindow(&window);
-    control->setFocus();
+    QWidget *control = showWithFocusedControl(window, focus);
     QTRY_VERIFY(control->hasFocus());
     if (grabbed)
         control->grabKeyboard();
