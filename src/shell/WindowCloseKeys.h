@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The keys that close a window on the Linux desktop: Ctrl+W (and Ctrl+F4)
-// always, and Escape when no control inside the window took it. The note windows and
-// Settings use it; the panel has keys of its own.
+// always, and Escape when no control inside the window took it. The note
+// windows and Settings use it; the panel has keys of its own.
 
 #pragma once
 
