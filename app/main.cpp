@@ -20,6 +20,7 @@
 #include "shell/AppCommands.h"
 #include "shell/AppDelegate.h"
 #include "shell/DesktopCapture.h"
+#include "shell/KeyboardContextMenu.h"
 #include "shell/Preferences.h"
 #include "shell/QuitGuard.h"
 #include "shell/SettingsWindowController.h"
@@ -43,6 +44,8 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(Theme::applicationIcon());
+    // Shift+F10 opens the focused control's menu, in every window of the program.
+    app.installEventFilter(new KeyboardContextMenu(&app));
 
     // One process runs per library file; a later launch hands it "reopen"
     // and ends. The preferences say which file that is; nothing else is read.
@@ -123,6 +126,7 @@ int main(int argc, char *argv[])
     appCommandHooks.isPanelShown = [&panel] { return panel.isPanelShown(); };
     appCommandHooks.hidePanel = [&panel] { panel.hide(); };
     appCommandHooks.showPanel = [&panel](bool focusComposer) { panel.show(true, focusComposer); };
+    appCommandHooks.togglePanel = [&panel] { panel.toggle(); };
     appCommandHooks.captureSelection = [&capture] { capture.engine().captureSelection(); };
     appCommandHooks.openSettings = [&settings] { settings.show(); };
     appCommandHooks.quit = commands.quit;

@@ -2,6 +2,7 @@
 
 #include "panel/PanelController.h"
 
+#include "panel/PanelListView.h"
 #include "panel/PanelPlacement.h"
 #include "panel/PanelRootView.h"
 #include "panel/PanelState.h"
@@ -97,6 +98,10 @@ void PanelController::show(bool activate, bool focusComposer)
 {
     if (!m_panel)
         makePanel();
+    // A note's edit in place that was left open when the user went to
+    // another window ends here, saved, as leaving its field would have ended
+    // it: the keyboard is about to go elsewhere and the draft must not stay behind.
+    endNoteEdit();
     applyPanelAppearance();
     if (!isPanelShown()) {
         const bool wasFadingOut = m_fadingOut;
@@ -145,10 +150,18 @@ void PanelController::hide()
 {
     if (!isPanelShown())
         return;
+    // The edit ends with the panel, keeping what was typed.
+    endNoteEdit();
     m_store.setEditingNoteID(std::nullopt);
     m_fadingOut = true;
     fade(0.0, fadeOutMilliseconds);
     m_state.setVisible(false);
+}
+
+void PanelController::endNoteEdit()
+{
+    if (auto *root = qobject_cast<PanelRootView *>(m_panel->content()))
+        root->list()->endNoteEdit();
 }
 
 void PanelController::fade(double to, int milliseconds)

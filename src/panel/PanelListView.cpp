@@ -5,6 +5,7 @@
 #include "attachments/AttachmentActions.h"
 #include "attachments/AttachmentListView.h"
 #include "attachments/DesktopAttachments.h"
+#include "panel/NoteRowActions.h"
 #include "panel/NoteRowView.h"
 #include "panel/PanelDrop.h"
 #include "panel/PanelMenus.h"
@@ -16,6 +17,8 @@
 #include "shell/Toast.h"
 #include "store/Store.h"
 
+#include <QApplication>
+#include <QContextMenuEvent>
 #include <QCursor>
 #include <QKeyEvent>
 #include <QMenu>
@@ -907,6 +910,55 @@ void PanelListView::keyPressEvent(QKeyEvent *event)
         break;
     }
     event->ignore();
+}
+
+void PanelListView::contextMenuEvent(QContextMenuEvent *event)
+{
+    // The Menu key; a click of the right button goes to the row under it.
+    if (event->reason() != QContextMenuEvent::Keyboard) {
+        event->ignore();
+        return;
+    }
+    showKeyboardMenu();
+    event->accept();
+}
+
+void PanelListView::showKeyboardMenu()
+{
+    if (QApplication::activePopupWidget())
+        return;
+    const QSet<QUuid> selection = m_store.selection();
+    std::optional<QUuid> noteID;
+    if (const std::optional<QUuid> anchor = m_store.selectionAnchor();
+        anchor && selection.contains(*anchor) && indexOfRow(*anchor) >= 0)
+        noteID = anchor;
+    for (qsizetype i = 0; !noteID && i < m_rows.size(); ++i) {
+        const PanelRow &row = m_rows.at(i);
+        if (!row.isSection() && selection.contains(row.id()))
+            noteID = row.id();
+    }
+    const std::optional<QUuid> rowID = noteID ? noteID : m_store.activeProject().activeSectionID;
+    if (!rowID || indexOfRow(*rowID) < 0)
+        return;
+    finishScrollAnimation();
+    if (!isRowInView(indexOfRow(*rowID)))
+        scrollToRow(*rowID, ScrollAnchor::Center, false);
+    // Below the row's first line, a little in from its left edge.
+    const QRect row = rowRect(*rowID);
+    const QPoint place
+        = viewport()->mapToGlobal(QPoint(row.left() + 24, row.top() + std::min(row.height(), 28)));
+    if (noteID)
+        showNoteMenu(noteMenuTarget(m_store, *noteID), place);
+    else
+        showSectionMenu(*rowID, place);
+}
+
+void PanelListView::endNoteEdit()
+{
+    if (const std::optional<QUuid> editing = m_store.editingNoteID()) {
+        if (const NoteRowView *row = noteRowView(*editing))
+            NoteRowActions::commitEdit(m_store, m_state, *editing, row->draftText());
+    }
 }
 
 void PanelListView::focusInEvent(QFocusEvent *event)

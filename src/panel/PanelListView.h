@@ -96,6 +96,15 @@ public:
     QRect clearArea() const;
     //! Ends a running scroll animation at its target at once.
     void finishScrollAnimation();
+
+    //! Opens, from the keyboard, the menu of the selected note (the anchor
+    //! when it is selected, else the first selected row), or with no selected
+    //! row in the list the menu of the active section's header, beside its
+    //! row. Nothing while another menu is open.
+    void showKeyboardMenu();
+    //! Ends the edit in place of a note the way leaving its field does: what
+    //! was typed is saved. (A section's rename stays open until its field ends it.)
+    void endNoteEdit();
     bool isScrollAnimating() const;
 
     // -- drag and drop state, shown by the rows -----------------------------------
@@ -121,6 +130,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;

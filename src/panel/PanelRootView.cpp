@@ -162,6 +162,12 @@ PanelRootView::PanelRootView(
         .textFieldCanUndo
         = [](bool redo) { return canUndoTyping(QApplication::focusWidget(), redo); },
         .hidePanel = [this] { Q_EMIT hideRequested(); },
+        .showContextMenu =
+            [this] {
+                // A layer in front holds the keyboard; the list's menus wait under it.
+                if (m_state.frontLayer() == PanelLayer::None)
+                    m_list->showKeyboardMenu();
+            },
     });
     setObjectName(QStringLiteral("VeskoPanelRoot"));
 
