@@ -15,15 +15,19 @@
 #include "panel/ComposerView.h"
 #include "panel/NativeInlineTextField.h"
 #include "panel/PanelCommands.h"
+#include "panel/PanelController.h"
 #include "panel/PanelListView.h"
 #include "panel/PanelPromptView.h"
 #include "panel/PanelRootView.h"
 #include "panel/SearchFieldView.h"
 #include "platform/qt/QtDesktopFiles.h"
 #include "platform/qt/QtPasteboardReader.h"
+#include "shell/AppDelegate.h"
+#include "shell/Theme.h"
 #include "shell/Toast.h"
 
 #include <QDragEnterEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
@@ -56,6 +60,23 @@ QStringList notesOf(const Store &store, const QString &title)
         return texts;
     }
     return {};
+}
+
+//! Light ink (true) or dark ink in \a image: the mean lightness of the
+//! pixels painted in it, weighted by their coverage.
+bool lightInk(const QImage &image)
+{
+    const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
+    double lightness = 0;
+    double weight = 0;
+    for (int y = 0; y < argb.height(); ++y) {
+        for (int x = 0; x < argb.width(); ++x) {
+            const QColor pixel = QColor::fromRgba(argb.pixel(x, y));
+            lightness += pixel.alphaF() * pixel.lightnessF();
+            weight += pixel.alphaF();
+        }
+    }
+    return weight > 0 && lightness / weight > 0.5;
 }
 
 //! Types \a text into \a widget, key by key; "\n" is Shift+Return.
@@ -128,6 +149,8 @@ private Q_SLOTS:
     void clearButton();
     void focusRequestsReachTheParts();
     void accessibleNames();
+    void appearanceReachesTheRebuiltPanel_data();
+    void appearanceReachesTheRebuiltPanel();
 
 private:
     PanelRootView &showRoot(const QStringList &projects);
@@ -663,6 +686,64 @@ void PanelRootTest::accessibleNames()
     QCOMPARE(root.composer()->field()->placeholder(), QStringLiteral("Add to Work"));
     m_fixture->store().activateSection(idFor(QStringLiteral("P/Inbox")));
     QCOMPARE(root.composer()->field()->placeholder(), QStringLiteral("Add to Inbox"));
+}
+
+void PanelRootTest::appearanceReachesTheRebuiltPanel_data()
+{
+    QTest::addColumn<AppAppearance>("from");
+    QTest::addColumn<AppAppearance>("to");
+    QTest::addColumn<bool>("dark");
+
+    QTest::newRow("light to dark") << AppAppearance::Light << AppAppearance::Dark << true;
+    QTest::newRow("dark to light") << AppAppearance::Dark << AppAppearance::Light << false;
+}
+
+void PanelRootTest::appearanceReachesTheRebuiltPanel()
+{
+    QFETCH(AppAppearance, from);
+    QFETCH(AppAppearance, to);
+    QFETCH(bool, dark);
+
+    // No row at all, so that the empty state is up.
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:")});
+    Library library = store.library();
+    library.projects[0].sections.clear();
+    store.setLibrary(library);
+    store.refreshAfterMutation();
+    Preferences &preferences = m_fixture->preferences();
+    preferences.setAppearance(from);
+    Theme::applyAppearance(from);
+    PanelController panel(store, *m_state, preferences);
+    bool darkForTheWindows = !dark;
+    AppDelegate::Hooks hooks;
+    hooks.refreshWindows = [&darkForTheWindows] { darkForTheWindows = Theme::isDark(); };
+    AppDelegate delegate(store, preferences, panel, hooks);
+    panel.show(false, false);
+    QPointer<PanelRootView> before = qobject_cast<PanelRootView *>(panel.panel()->content());
+    QVERIFY(before);
+
+    preferences.setAppearance(to);
+    QTRY_VERIFY(!before);
+    auto *root = qobject_cast<PanelRootView *>(panel.panel()->content());
+    QVERIFY(root);
+    // The other windows are told after the palette changed.
+    QCOMPARE(darkForTheWindows, dark);
+
+    // Light ink on the dark surface, dark ink on the light one: the "More
+    // options" icon and both lines of the empty state.
+    QVERIFY(root->showsEmptyState());
+    QCOMPARE(lightInk(root->overflowButton()->icon().pixmap(15).toImage()), dark);
+    for (const QString &line : {root->emptyTitle(), root->emptyHint()}) {
+        QLabel *label = nullptr;
+        for (QLabel *candidate : root->findChildren<QLabel *>()) {
+            if (candidate->text() == line)
+                label = candidate;
+        }
+        QVERIFY2(label, qPrintable(line));
+        QCOMPARE(label->palette().color(QPalette::WindowText).lightnessF() > 0.5, dark);
+    }
+    panel.hide();
+    Theme::applyAppearance(AppAppearance::System);
 }
 
 VESKO_WIDGET_TEST_MAIN(PanelRootTest)

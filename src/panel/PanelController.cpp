@@ -29,12 +29,6 @@ PanelController::PanelController(
         &PanelController::applyPanelAppearance);
     connect(&m_preferences, &Preferences::joinsAllSpacesChanged, this,
         &PanelController::applyPanelAppearance);
-    connect(&m_preferences, &Preferences::appearanceChanged, this, [this] {
-        if (!m_panel)
-            return;
-        replaceContent();
-        applyPanelAppearance();
-    });
 }
 
 PanelController::~PanelController()
@@ -205,6 +199,14 @@ void PanelController::applyPanelAppearance()
     m_panel->setTranslucent(X11Window::hasCompositingManager());
     m_panel->setPalette(QPalette());
     m_panel->update();
+}
+
+void PanelController::refreshAppearance()
+{
+    if (!m_panel)
+        return;
+    replaceContent();
+    applyPanelAppearance();
 }
 
 std::optional<QRect> PanelController::panelScreenArea() const
