@@ -16,6 +16,7 @@
 #include "panel/NativeInlineTextField.h"
 #include "panel/PanelCommands.h"
 #include "panel/PanelController.h"
+#include "panel/PanelLayerView.h"
 #include "panel/PanelListView.h"
 #include "panel/PanelPromptView.h"
 #include "panel/PanelRootView.h"
@@ -151,6 +152,10 @@ private Q_SLOTS:
     void accessibleNames();
     void appearanceReachesTheRebuiltPanel_data();
     void appearanceReachesTheRebuiltPanel();
+    void rowsAndBars_data();
+    void rowsAndBars();
+    void layersAreOpaqueCardsWithShadows_data();
+    void layersAreOpaqueCardsWithShadows();
 
 private:
     PanelRootView &showRoot(const QStringList &projects);
@@ -744,6 +749,84 @@ void PanelRootTest::appearanceReachesTheRebuiltPanel()
     }
     panel.hide();
     Theme::applyAppearance(AppAppearance::System);
+}
+
+void PanelRootTest::rowsAndBars_data()
+{
+    QTest::addColumn<bool>("glass");
+
+    QTest::newRow("opaque: the rows stop at the bars") << false;
+    QTest::newRow("glass: the rows run under the bars") << true;
+}
+
+void PanelRootTest::rowsAndBars()
+{
+    QFETCH(bool, glass);
+
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a,b,c")});
+    // An offscreen panel has no blur behind it: opaque, as the controller chose.
+    Store &store = m_fixture->store();
+    PanelController panel(store, *m_state, m_fixture->preferences());
+    panel.show(false, false);
+    auto *panelRoot = qobject_cast<PanelRootView *>(panel.panel()->content());
+    QVERIFY(panelRoot);
+    QVERIFY(!panelRoot->rowsRunUnderBars());
+    panel.hide();
+
+    root.setRowsRunUnderBars(glass);
+    const QRect list = root.list()->geometry();
+    const QRect search(root.searchField()->mapTo(&root, QPoint(0, 0)), root.searchField()->size());
+    const QRect composer = root.composer()->geometry();
+    if (glass) {
+        // The list spans the bars; its first row starts below the header.
+        QVERIFY(list.top() <= search.top());
+        QVERIFY(list.bottom() >= composer.bottom());
+        QVERIFY(root.list()->topContentMargin() >= search.bottom() - list.top());
+    } else {
+        // Nothing of the list lies under either bar.
+        QVERIFY2(list.top() > search.bottom(),
+            qPrintable(QStringLiteral("%1 %2").arg(list.top()).arg(search.bottom())));
+        QVERIFY2(list.bottom() < composer.top(),
+            qPrintable(QStringLiteral("%1 %2").arg(list.bottom()).arg(composer.top())));
+        QCOMPARE(root.list()->topContentMargin(), 0);
+        QCOMPARE(root.list()->bottomContentMargin(), 0);
+    }
+}
+
+void PanelRootTest::layersAreOpaqueCardsWithShadows_data()
+{
+    QTest::addColumn<PanelLayer>("layer");
+
+    QTest::newRow("section switcher") << PanelLayer::SectionSwitcher;
+    QTest::newRow("project switcher") << PanelLayer::ProjectSwitcher;
+    QTest::newRow("shortcut sheet") << PanelLayer::Shortcuts;
+    QTest::newRow("new section prompt") << PanelLayer::NewSection;
+    QTest::newRow("rename project prompt") << PanelLayer::RenameProject;
+}
+
+void PanelRootTest::layersAreOpaqueCardsWithShadows()
+{
+    QFETCH(PanelLayer, layer);
+
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a,b|Work:c"), QStringLiteral("Q")});
+    m_state->setShowing(layer, true);
+    auto *view = qobject_cast<PanelLayerView *>(root.layerView());
+    QVERIFY(view);
+    // Drawn alone, over nothing: what covers the card's middle row is wholly opaque.
+    QTRY_VERIFY(view->card()->isVisible() && view->graphicsEffect() == nullptr);
+    QImage drawn(view->size(), QImage::Format_ARGB32);
+    drawn.fill(Qt::transparent);
+    view->render(&drawn, QPoint(), QRegion(), QWidget::DrawChildren);
+    const QRect card = view->card()->geometry();
+    QVERIFY(card.height() > 20 && card.bottom() + 20 < view->height());
+    for (int x = card.left() + PanelLayerView::cardRadius;
+         x < card.right() - PanelLayerView::cardRadius; ++x) {
+        QCOMPARE(qAlpha(drawn.pixel(x, card.center().y())), 255);
+    }
+    // Below the card its shadow darkens the dim, which is all there is far from it.
+    const int dim = qAlpha(drawn.pixel(card.center().x(), view->height() - 4));
+    const int shadow = qAlpha(drawn.pixel(card.center().x(), card.bottom() + 4));
+    QVERIFY2(shadow > dim + 10, qPrintable(QStringLiteral("%1 %2").arg(shadow).arg(dim)));
 }
 
 VESKO_WIDGET_TEST_MAIN(PanelRootTest)
