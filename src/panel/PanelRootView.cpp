@@ -230,7 +230,7 @@ PanelRootView::PanelRootView(
     QPalette hintPalette = m_emptyHint->palette();
     hintPalette.setColor(QPalette::WindowText, colors.tertiaryText);
     m_emptyHint->setPalette(hintPalette);
-    m_overflow->setIcon(symbolIcon(QStringLiteral("ellipsis"), colors.greyStrong, 11));
+    m_overflow->setIcon(symbolIcon(QStringLiteral("ellipsis"), colors.greyStrong, 15));
     m_overflow->setIconSize(QSize(15, 15));
 
     refreshEmptyState();
