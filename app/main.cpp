@@ -98,14 +98,16 @@ int main(int argc, char *argv[])
     AppDelegate::Hooks hooks = capture.launchHooks();
     // When capture is not available at launch, Settings says why.
     hooks.showSettings = [&settings] { settings.show(SettingsTab::Capture); };
+    // A new appearance reaches Settings and the note windows after the panel.
+    hooks.refreshWindows = [&settings] {
+        settings.refreshAppearance();
+        NoteWindowManager::shared().refreshAppearance();
+    };
     AppDelegate delegate(store, preferences, panel, hooks);
     TrayIcon tray(store, panel, preferences);
     // The tray menu, the panel's overflow menu and its Ctrl+, open Settings.
     QObject::connect(
         &tray, &TrayIcon::settingsRequested, &settings, [&settings] { settings.show(); });
-    // The window is rebuilt in the new appearance once the palette has changed.
-    QObject::connect(&preferences, &Preferences::appearanceAssigned, &settings,
-        &SettingsWindowController::refreshAppearance, Qt::QueuedConnection);
     // Quit Vesko, from the tray or the panel, asks first while the latest
     // changes could not be saved.
     QuitGuard quitGuard(store);

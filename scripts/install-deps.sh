@@ -10,6 +10,8 @@ packages=(
     clang libclang-rt-14-dev clang-format
     # libraries
     qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite
+    # the program's own symbol icons are SVG drawings, rendered by Qt SVG
+    qt6-svg-dev
     libsqlite3-dev libsimdjson-dev libbenchmark-dev
     libxcb1-dev libxcb-xinput-dev libxcb-xtest0-dev libxcb-res0-dev libxcb-xkb-dev
     libxkbcommon-dev libxkbcommon-x11-dev

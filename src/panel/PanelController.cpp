@@ -30,12 +30,6 @@ PanelController::PanelController(
         &PanelController::applyPanelAppearance);
     connect(&m_preferences, &Preferences::joinsAllSpacesChanged, this,
         &PanelController::applyPanelAppearance);
-    connect(&m_preferences, &Preferences::appearanceChanged, this, [this] {
-        if (!m_panel)
-            return;
-        replaceContent();
-        applyPanelAppearance();
-    });
 }
 
 PanelController::~PanelController()
@@ -86,6 +80,7 @@ void PanelController::replaceContent()
 {
     auto *root = new PanelRootView(m_store, m_state, m_preferences);
     connect(root, &PanelRootView::hideRequested, this, &PanelController::hide);
+    root->setRowsRunUnderBars(m_panel->isGlass());
     m_panel->setContent(root);
 }
 
@@ -215,9 +210,19 @@ void PanelController::applyPanelAppearance()
     }
     m_panel->winId(); // the native window must exist for the desktop property
     X11Window::setOnAllDesktops(m_panel->windowHandle(), m_preferences.joinsAllSpaces());
-    m_panel->setTranslucent(X11Window::hasCompositingManager());
+    m_panel->refreshMaterial();
+    if (auto *root = qobject_cast<PanelRootView *>(m_panel->content()))
+        root->setRowsRunUnderBars(m_panel->isGlass());
     m_panel->setPalette(QPalette());
     m_panel->update();
+}
+
+void PanelController::refreshAppearance()
+{
+    if (!m_panel)
+        return;
+    replaceContent();
+    applyPanelAppearance();
 }
 
 std::optional<QRect> PanelController::panelScreenArea() const

@@ -49,6 +49,9 @@ public:
     void cancelOperation();
 
     void applyPanelAppearance();
+    //! Rebuilds the panel's content in the application's present colours and
+    //! applies the panel's look again; nothing before the first show.
+    void refreshAppearance();
     //! Stores \a edge, forgets the stored frame and returns the panel to its preset place.
     void applyPanelEdge(PanelEdge edge);
     //! "Reset Window Position": forgets the stored frame and returns to the preset place.

@@ -199,8 +199,8 @@ PanelListView::~PanelListView() = default;
 
 void PanelListView::setContentMargins(int top, int bottom)
 {
-    top = std::max(top, minimumTopMargin);
-    bottom = std::max(bottom, minimumBottomMargin);
+    top = std::max(top, 0);
+    bottom = std::max(bottom, 0);
     if (top == m_topMargin && bottom == m_bottomMargin)
         return;
     m_topMargin = top;

@@ -49,7 +49,8 @@ class PanelListView : public QAbstractScrollArea
 
 public:
     static constexpr int scrollAnimationMilliseconds = 180;
-    //! The floors of the margins under the two floating bars.
+    //! The floors of the margins under the two bars, where they float over
+    //! the list (its margins before any are set).
     static constexpr int minimumTopMargin = 38;
     static constexpr int minimumBottomMargin = 66;
 
@@ -59,8 +60,8 @@ public:
     PanelListView(Store &store, PanelState &state, QWidget *parent = nullptr);
     ~PanelListView() override;
 
-    //! The heights of the bars that float over the list's top and bottom;
-    //! rows scroll beneath them. Floors of 38 and 66 apply.
+    //! The heights of the bars that float over the list's top and bottom,
+    //! none where the bars stand outside the list; rows scroll beneath them.
     void setContentMargins(int top, int bottom);
     int topContentMargin() const { return m_topMargin; }
     int bottomContentMargin() const { return m_bottomMargin; }

@@ -96,7 +96,7 @@ void SwitcherView::build(const QString &placeholder, const QString &hint, int ma
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(8);
     m_filter = roundedField(placeholder, page);
-    m_filter->addAction(symbolIcon(QStringLiteral("magnifyingglass"), colors.greyStrong, 12),
+    m_filter->addAction(symbolIcon(QStringLiteral("magnifyingglass"), colors.greyStrong, 16),
         QLineEdit::LeadingPosition);
     m_filter->installEventFilter(this);
     layout->addWidget(m_filter);
