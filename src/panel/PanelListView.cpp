@@ -338,6 +338,15 @@ void PanelListView::scrollTo(int value)
     verticalScrollBar()->setValue(clampedScroll(value));
 }
 
+bool PanelListView::isRowInView(int index) const
+{
+    const int scroll = verticalScrollBar()->value();
+    const int top = m_topMargin + m_layout->top(index) - scroll;
+    const int bottom = top + m_layout->height(index);
+    const QRect area = clearArea();
+    return bottom > area.top() && top < area.bottom() + 1;
+}
+
 void PanelListView::scrollToRow(const QUuid &id, ScrollAnchor anchor, bool animated)
 {
     const int index = indexOfRow(id);

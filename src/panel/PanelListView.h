@@ -186,6 +186,8 @@ private:
     void scrollTo(int value);
     //! The scroll value that puts the row \a index at \a anchor.
     int scrollValueFor(int index, ScrollAnchor anchor) const;
+    //! The row shows, at least in part, between the two bars.
+    bool isRowInView(int index) const;
     void setDropTarget(std::optional<QUuid> id);
     //! The rows under the pointer are hovered, the others not: rows move
     //! under a pointer that stands still, which tells them nothing.
