@@ -27,9 +27,18 @@ void SelectionReader::readSelection(Done done)
         done(std::nullopt);
         return;
     }
-    const std::optional<FrontApplication> front = m_session.frontApplication();
+    m_done = std::move(done);
+    QPointer<SelectionReader> self(this);
+    m_session.frontApplication([self](std::optional<FrontApplication> front) {
+        if (self)
+            self->readFrom(front);
+    });
+}
+
+void SelectionReader::readFrom(const std::optional<FrontApplication> &front)
+{
     if (!front) {
-        done(std::nullopt);
+        finish(std::nullopt);
         return;
     }
     // Asked once: a change of the answer in the middle of a read counts from the next one.
@@ -41,10 +50,9 @@ void SelectionReader::readSelection(Done done)
     if (trusted && front->windowTitle)
         source.windowTitle = cleanWindowTitle(*front->windowTitle);
     if (!trusted) {
-        done(std::nullopt);
+        finish(std::nullopt);
         return;
     }
-    m_done = std::move(done);
     m_source = source;
 
     // The fallback: never a Ctrl+C into a terminal, where it interrupts.
@@ -72,7 +80,7 @@ void SelectionReader::readSelection(Done done)
 void SelectionReader::readThroughCopy()
 {
     QPointer<SelectionReader> self(this);
-    m_clipboard.requestSnapshot([self](Clipboard::Snapshot snapshot) {
+    m_clipboard.requestSnapshot([self](std::optional<Clipboard::Snapshot> snapshot) {
         if (!self)
             return;
         self->m_snapshot = std::move(snapshot);
@@ -117,7 +125,10 @@ void SelectionReader::poll()
                 self->startAttempt();
                 return;
             }
-            self->m_clipboard.restore(self->m_snapshot);
+            // A partial snapshot would lose the formats it lacks: the copy
+            // stays on the clipboard rather than half of what was there.
+            if (self->m_snapshot)
+                self->m_clipboard.restore(*self->m_snapshot);
             self->finish(*text);
         });
         return;
@@ -132,7 +143,7 @@ void SelectionReader::finish(std::optional<QString> text)
 {
     Done done = std::move(m_done);
     m_done = nullptr;
-    m_snapshot.clear();
+    m_snapshot.reset();
     std::optional<CapturedSelection> result;
     if (text) {
         const QString normalized = normalizeCapturedText(*text);

@@ -2,7 +2,11 @@
 
 #include "platform/SettingsFile.h"
 
+#include "platform/SerialQueue.h"
+
 #include <QStandardPaths>
+
+#include <atomic>
 
 namespace Vesko {
 
@@ -12,6 +16,46 @@ std::unique_ptr<QSettings> openSettingsFile()
     const QString path = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
         + QStringLiteral("/Vesko/Vesko.conf");
     return std::make_unique<QSettings>(path, QSettings::IniFormat);
+}
+
+//! The queue thread's side: the file, opened there on first use, and how
+//! many values are still on their way to it.
+struct SettingsWriter::Worker
+{
+    std::unique_ptr<QSettings> settings;
+    std::atomic_int pending = 0;
+};
+
+SettingsWriter::SettingsWriter()
+    : m_worker(std::make_shared<Worker>())
+    , m_queue(std::make_unique<SerialQueue>(QStringLiteral("com.vesko.vesko.settings")))
+{ }
+
+SettingsWriter::~SettingsWriter()
+{
+    // Closed on the thread it was opened on, which writes what is left.
+    m_queue->sync([worker = m_worker] { worker->settings.reset(); });
+}
+
+void SettingsWriter::setValue(const QString &key, const QVariant &value)
+{
+    ++m_worker->pending;
+    m_queue->async([worker = m_worker, key, value] {
+        if (!worker->settings)
+            worker->settings = openSettingsFile();
+        worker->settings->setValue(key, value);
+        // The last of a burst writes the file for all of them.
+        if (--worker->pending == 0)
+            worker->settings->sync();
+    });
+}
+
+void SettingsWriter::flush()
+{
+    m_queue->sync([worker = m_worker] {
+        if (worker->settings)
+            worker->settings->sync();
+    });
 }
 
 } // namespace Vesko

@@ -2,11 +2,17 @@
 
 #include "platform/x11/X11DesktopEntries.h"
 
+#include "platform/SerialQueue.h"
+
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
+#include <QPointer>
 #include <QStandardPaths>
+
+#include <utility>
 
 namespace Vesko {
 
@@ -52,18 +58,15 @@ struct DesktopFile
 
 } // namespace
 
-void X11DesktopEntries::load()
+X11DesktopEntries::Index X11DesktopEntries::Index::read(const QStringList &folders)
 {
-    m_loaded = true;
-    const QStringList folders = QStandardPaths::locateAll(
-        QStandardPaths::ApplicationsLocation, QString(), QStandardPaths::LocateDirectory);
-    // The first folder wins, as in the desktop's own lookup.
+    Index index;
     for (const QString &folder : folders) {
         const QDir dir(folder);
         for (const QFileInfo &info :
             dir.entryInfoList({QStringLiteral("*.desktop")}, QDir::Files)) {
             const QString id = info.completeBaseName();
-            if (m_byID.contains(id))
+            if (index.byID.contains(id))
                 continue;
             const DesktopFile file(info.filePath());
             Entry entry;
@@ -72,36 +75,74 @@ void X11DesktopEntries::load()
             entry.isTerminal = file.values.value(QStringLiteral("Categories"))
                                    .split(u';')
                                    .contains(QStringLiteral("TerminalEmulator"));
-            m_byID.insert(id, entry);
+            index.byID.insert(id, entry);
             const QString windowClass = file.values.value(QStringLiteral("StartupWMClass"));
-            if (!windowClass.isEmpty() && !m_byWindowClass.contains(windowClass.toLower()))
-                m_byWindowClass.insert(windowClass.toLower(), entry);
+            if (!windowClass.isEmpty() && !index.byWindowClass.contains(windowClass.toLower()))
+                index.byWindowClass.insert(windowClass.toLower(), entry);
         }
     }
+    return index;
 }
 
-std::optional<X11DesktopEntries::Entry> X11DesktopEntries::find(
-    const QStringList &candidates, const QString &windowClass)
+std::optional<X11DesktopEntries::Entry> X11DesktopEntries::Index::find(
+    const QStringList &candidates, const QString &windowClass) const
 {
-    if (!m_loaded)
-        load();
     for (const QString &candidate : candidates) {
         QString id = candidate;
         if (id.endsWith(QLatin1String(".desktop")))
             id.chop(8);
-        const auto found = m_byID.constFind(id);
-        if (found != m_byID.constEnd())
+        const auto found = byID.constFind(id);
+        if (found != byID.constEnd())
             return *found;
     }
-    const auto byClass = m_byWindowClass.constFind(windowClass.toLower());
-    if (byClass != m_byWindowClass.constEnd())
+    const auto byClass = byWindowClass.constFind(windowClass.toLower());
+    if (byClass != byWindowClass.constEnd())
         return *byClass;
     for (const QString &candidate : candidates) {
-        const auto found = m_byID.constFind(candidate.toLower());
-        if (found != m_byID.constEnd())
+        const auto found = byID.constFind(candidate.toLower());
+        if (found != byID.constEnd())
             return *found;
     }
     return std::nullopt;
+}
+
+X11DesktopEntries::X11DesktopEntries(std::optional<QStringList> folders)
+    : m_receiver(std::make_unique<QObject>())
+{
+    static SerialQueue queue(QStringLiteral("com.vesko.vesko.desktop-entries"), QThread::LowPriority);
+    QPointer<QObject> receiver(m_receiver.get());
+    queue.async([this, receiver, folders] {
+        auto index = std::make_shared<const Index>(Index::read(folders.value_or(
+            QStandardPaths::locateAll(QStandardPaths::ApplicationsLocation, QString(),
+                QStandardPaths::LocateDirectory))));
+        // The receiver is looked at on the main thread only, where it lives.
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [this, receiver, index] {
+                if (receiver)
+                    take(index);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+X11DesktopEntries::~X11DesktopEntries() = default;
+
+void X11DesktopEntries::take(std::shared_ptr<const Index> index)
+{
+    m_index = std::move(index);
+    const QList<Lookup> waiting = std::exchange(m_waiting, {});
+    for (const Lookup &lookup : waiting)
+        lookup.found(m_index->find(lookup.candidates, lookup.windowClass));
+}
+
+void X11DesktopEntries::find(const QStringList &candidates, const QString &windowClass, Found found)
+{
+    if (m_index) {
+        found(m_index->find(candidates, windowClass));
+        return;
+    }
+    m_waiting.append({candidates, windowClass, std::move(found)});
 }
 
 } // namespace Vesko

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The desktop entries that name the application in front: which entry a
+// window's ids and class find, in which order the folders and the
+// candidates count, and a first lookup that is answered once the folders
+// are read, while the event loop goes on.
+
+#include "TestEnvironment.h"
+
+#include "platform/x11/X11DesktopEntries.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTimer>
+
+using namespace Vesko;
+
+namespace {
+
+void writeEntry(const QString &folder, const QString &id, const QByteArray &body)
+{
+    QDir().mkpath(folder);
+    QFile file(folder + u'/' + id + QStringLiteral(".desktop"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("[Desktop Entry]\nType=Application\n" + body);
+}
+
+} // namespace
+
+class X11DesktopEntriesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void find_data();
+    void find();
+    void firstLookupIsAnsweredOnTheEventLoop();
+
+private:
+    QTemporaryDir m_dir;
+    QString m_user;
+    QString m_system;
+};
+
+void X11DesktopEntriesTest::initTestCase()
+{
+    QVERIFY(m_dir.isValid());
+    m_user = m_dir.filePath(QStringLiteral("user"));
+    m_system = m_dir.filePath(QStringLiteral("system"));
+    writeEntry(m_system, QStringLiteral("org.gnome.Terminal"),
+        "Name=Terminal\nName[de]=Konsole der Wahl\nCategories=GTK;System;TerminalEmulator;\n");
+    writeEntry(m_system, QStringLiteral("org.example.Editor"),
+        "Name=System Editor\nStartupWMClass=EditorMain\n");
+    // The user's own entry of the same id wins over the system's.
+    writeEntry(m_user, QStringLiteral("org.example.Editor"),
+        "Name=My Editor\nStartupWMClass=EditorMain\n");
+    writeEntry(m_system, QStringLiteral("firefox"), "Name=Firefox Web Browser\n");
+    // Keys outside the entry's own group are not its keys.
+    writeEntry(m_system, QStringLiteral("viewer"),
+        "Name=Viewer\n\n[Desktop Action Open]\nName=Open a Window\n");
+}
+
+void X11DesktopEntriesTest::find_data()
+{
+    QTest::addColumn<QStringList>("candidates");
+    QTest::addColumn<QString>("windowClass");
+    QTest::addColumn<QString>("id");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("terminal");
+
+    QTest::newRow("application id") << QStringList {"org.gnome.Terminal", "Gnome-terminal"}
+                                    << "Gnome-terminal"
+                                    << "org.gnome.Terminal"
+                                    << "Terminal" << true;
+    QTest::newRow("desktop file name") << QStringList {"firefox.desktop"} << "Navigator"
+                                       << "firefox"
+                                       << "Firefox Web Browser" << false;
+    QTest::newRow("declared window class, any case")
+        << QStringList {"editormain", "editor"} << "editormain"
+        << "org.example.Editor"
+        << "My Editor" << false;
+    QTest::newRow("an id before the window class")
+        << QStringList {"viewer", "EditorMain"} << "EditorMain"
+        << "viewer"
+        << "Viewer" << false;
+    QTest::newRow("class in lower case") << QStringList {"Firefox", "Navigator"} << "Navigator"
+                                         << "firefox"
+                                         << "Firefox Web Browser" << false;
+    QTest::newRow("no entry") << QStringList {"xterm", "XTerm"} << "XTerm"
+                              << "" << "" << false;
+}
+
+void X11DesktopEntriesTest::find()
+{
+    QFETCH(QStringList, candidates);
+    QFETCH(QString, windowClass);
+    QFETCH(QString, id);
+    QFETCH(QString, name);
+    QFETCH(bool, terminal);
+    const X11DesktopEntries::Index index = X11DesktopEntries::Index::read({m_user, m_system});
+    const std::optional<X11DesktopEntries::Entry> entry = index.find(candidates, windowClass);
+    QCOMPARE(entry.has_value(), !id.isEmpty());
+    if (entry) {
+        QCOMPARE(entry->id, id);
+        QCOMPARE(entry->name, name);
+        QCOMPARE(entry->isTerminal, terminal);
+    }
+}
+
+void X11DesktopEntriesTest::firstLookupIsAnsweredOnTheEventLoop()
+{
+    // A desktop with many applications: reading them all takes a while.
+    const QString many = m_dir.filePath(QStringLiteral("many"));
+    for (int i = 0; i < 3000; ++i) {
+        writeEntry(many, QStringLiteral("org.example.App%1").arg(i),
+            QStringLiteral("Name=Application %1\nStartupWMClass=App%1\nComment=%2\n")
+                .arg(i)
+                .arg(QString(200, u'x'))
+                .toUtf8());
+    }
+    int turns = 0;
+    QTimer turning;
+    connect(&turning, &QTimer::timeout, [&turns] { ++turns; });
+    turning.start(0);
+
+    X11DesktopEntries entries({many});
+    std::optional<int> turnsBeforeTheAnswer;
+    std::optional<X11DesktopEntries::Entry> found;
+    entries.find({QStringLiteral("App2999")}, QStringLiteral("App2999"),
+        [&](std::optional<X11DesktopEntries::Entry> entry) {
+            turnsBeforeTheAnswer = turns;
+            found = entry;
+        });
+    QVERIFY2(!turnsBeforeTheAnswer, "the folders were read while the program waited");
+    QTRY_VERIFY_WITH_TIMEOUT(turnsBeforeTheAnswer.has_value(), 30000);
+    QVERIFY(*turnsBeforeTheAnswer > 0);
+    QVERIFY(found);
+    QCOMPARE(found->name, QStringLiteral("Application 2999"));
+
+    // Once read, a lookup is answered at once.
+    bool answered = false;
+    entries.find({QStringLiteral("org.example.App7")}, QString(),
+        [&answered](std::optional<X11DesktopEntries::Entry> entry) { answered = entry.has_value(); });
+    QVERIFY(answered);
+}
+
+VESKO_TEST_MAIN(X11DesktopEntriesTest)
+#include "tst_x11desktopentries.moc"
