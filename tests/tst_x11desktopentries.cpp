@@ -125,7 +125,7 @@ void X11DesktopEntriesTest::firstLookupIsAnsweredOnTheEventLoop()
     connect(&turning, &QTimer::timeout, [&turns] { ++turns; });
     turning.start(0);
 
-    X11DesktopEntries entries({many});
+    X11DesktopEntries entries(QStringList {many});
     std::optional<int> turnsBeforeTheAnswer;
     std::optional<X11DesktopEntries::Entry> found;
     entries.find({QStringLiteral("App2999")}, QStringLiteral("App2999"),
