@@ -9,7 +9,9 @@
 #include "library/LibraryFile.h"
 #include "shell/Preferences.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLockFile>
 #include <QSignalSpy>
 #include <QTimer>
@@ -198,6 +200,7 @@ void PreferencesTest::writesDoNotHoldTheEventLoop()
     // Another writer holds the settings file's lock, as a slow disk would
     // hold the write: the interface goes on meanwhile.
     const QString file = Preferences::openSettings()->fileName();
+    QVERIFY(QDir().mkpath(QFileInfo(file).path()));
     QLockFile otherWriter(file + QStringLiteral(".lock"));
     QVERIFY(otherWriter.tryLock());
     Preferences p;
