@@ -7,6 +7,7 @@
 #include <QFile>
 
 #include <cstdlib>
+#include <cstring>
 
 namespace Vesko {
 
@@ -77,6 +78,7 @@ void X11FrontWindow::frontApplication(std::function<void(std::optional<FrontAppl
     const xcb_get_property_cookie_t gtkID = ask(atom("_GTK_APPLICATION_ID"), XCB_ATOM_ANY);
     const xcb_get_property_cookie_t kdeID
         = ask(atom("_KDE_NET_WM_DESKTOP_FILE"), XCB_ATOM_ANY);
+    const xcb_get_property_cookie_t pid = ask(atom("_NET_WM_PID"), XCB_ATOM_CARDINAL);
     const auto take = [c](xcb_get_property_cookie_t cookie) -> std::optional<QByteArray> {
         xcb_get_property_reply_t *reply = xcb_get_property_reply(c, cookie, nullptr);
         std::optional<QByteArray> bytes;
@@ -110,7 +112,13 @@ void X11FrontWindow::frontApplication(std::function<void(std::optional<FrontAppl
     candidates.append(windowClass);
     candidates.append(instance);
     candidates.removeAll(QString());
-    front.processID = m_connection.processOf(window).value_or(0);
+    if (const std::optional<QByteArray> id = take(pid); id && id->size() >= 4) {
+        quint32 value = 0;
+        std::memcpy(&value, id->constData(), 4);
+        front.processID = value;
+    } else {
+        front.processID = m_connection.processOf(window).value_or(0); // through X-Resource
+    }
 
     m_entries.find(candidates, windowClass,
         [front, instance, windowClass, done = std::move(done)](
