@@ -75,6 +75,8 @@ void PreferencesTest::roundTripThroughTheFile()
         p.setListStyle(ListStyle::Dash);
         p.setShowsInDock(true);
         p.setLibraryPath(QStringLiteral("/data/Mine.json"));
+        // Readers of the file see an assignment at once, written or not.
+        QCOMPARE(libraryURL(), QStringLiteral("/data/Mine.json"));
     }
     const Preferences p;
     QCOMPARE(p.appearance(), AppAppearance::Dark);

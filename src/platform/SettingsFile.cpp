@@ -4,11 +4,32 @@
 
 #include "platform/SerialQueue.h"
 
+#include <QHash>
+#include <QMutex>
 #include <QStandardPaths>
 
 #include <atomic>
 
 namespace Vesko {
+
+namespace {
+
+//! The values given to a writer and not yet taken by its thread, process-wide,
+//! each with the number of its write: what a reader of the file must see.
+struct PendingValues
+{
+    QMutex mutex;
+    QHash<QString, std::pair<quint64, QVariant>> values;
+    quint64 writes = 0;
+};
+
+PendingValues &pending()
+{
+    static PendingValues values;
+    return values;
+}
+
+} // namespace
 
 std::unique_ptr<QSettings> openSettingsFile()
 {
@@ -37,13 +58,38 @@ SettingsWriter::~SettingsWriter()
     m_queue->sync([worker = m_worker] { worker->settings.reset(); });
 }
 
+QVariant settingValue(const QString &key)
+{
+    {
+        PendingValues &values = pending();
+        const QMutexLocker locker(&values.mutex);
+        if (const auto found = values.values.constFind(key); found != values.values.cend())
+            return found->second;
+    }
+    return openSettingsFile()->value(key);
+}
+
 void SettingsWriter::setValue(const QString &key, const QVariant &value)
 {
+    quint64 write = 0;
+    {
+        PendingValues &values = pending();
+        const QMutexLocker locker(&values.mutex);
+        write = ++values.writes;
+        values.values.insert(key, {write, value});
+    }
     ++m_worker->pending;
-    m_queue->async([worker = m_worker, key, value] {
+    m_queue->async([worker = m_worker, key, value, write] {
         if (!worker->settings)
             worker->settings = openSettingsFile();
         worker->settings->setValue(key, value);
+        {
+            // Taken: every QSettings of the process sees it from now on.
+            PendingValues &values = pending();
+            const QMutexLocker locker(&values.mutex);
+            if (values.values.value(key).first == write)
+                values.values.remove(key);
+        }
         // The last of a burst writes the file for all of them.
         if (--worker->pending == 0)
             worker->settings->sync();

@@ -14,6 +14,9 @@ namespace Vesko {
 class SerialQueue;
 
 std::unique_ptr<QSettings> openSettingsFile();
+//! The value of \a key: one given to a SettingsWriter that is still on its
+//! way to the file, else the file's.
+QVariant settingValue(const QString &key);
 
 //! Writes values to the settings file on a worker thread of its own, in the
 //! order given, so that the main thread never waits for the disk. A burst
