@@ -103,6 +103,7 @@ private Q_SLOTS:
     void wholeOrNothing_data();
     void wholeOrNothing();
     void ownerSilentOnItsFormats();
+    void lateRefusalOfAGivenUpSnapshot();
     void largeImagePiecewise();
     void emptyClipboardRestoresEmpty();
     void storeCopiesLandAsText();
@@ -276,6 +277,24 @@ void ClipboardTest::ownerSilentOnItsFormats()
     owner.kill();
     owner.waitForFinished();
     QVERIFY2(!snapshot, "an empty snapshot would empty the user's clipboard");
+}
+
+void ClipboardTest::lateRefusalOfAGivenUpSnapshot()
+{
+    // The owner refuses the first request for HTML, stamped CurrentTime, only
+    // after the first snapshot gave up; the refusal arrives while the second
+    // snapshot waits for its own HTML, which comes later.
+    QProcess owner;
+    QVERIFY(startSelectionOwner(owner,
+        {QStringLiteral("text/html"), QStringLiteral("refuse@2400,900"), QStringLiteral("<b>h</b>"),
+            QStringLiteral("UTF8_STRING"), QStringLiteral("0"), QStringLiteral("t")}));
+    X11Clipboard clipboard;
+    QCOMPARE(snapshotOf(clipboard), std::nullopt);
+    const std::optional<Clipboard::Snapshot> second = snapshotOf(clipboard);
+    owner.kill();
+    owner.waitForFinished();
+    QVERIFY(second);
+    QCOMPARE(second->value(0).value(QStringLiteral("text/html")), QByteArray("<b>h</b>"));
 }
 
 void ClipboardTest::largeImagePiecewise()

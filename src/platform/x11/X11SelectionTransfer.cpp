@@ -205,8 +205,13 @@ void X11SelectionTransfer::convert(
     };
     while (isOpen()) {
         xcb_generic_event_t *event = nextEvent(deadline);
-        if (!event)
+        if (!event) {
+            for (const Conversion &conversion : std::as_const(conversions)) {
+                if (conversion.state == Conversion::State::Asked)
+                    m_unanswered.insert(conversion.target);
+            }
             return;
+        }
         const uint8_t type = event->response_type & 0x7F;
         if (type == XCB_SELECTION_NOTIFY) {
             const auto *notify = reinterpret_cast<xcb_selection_notify_event_t *>(event);
@@ -219,10 +224,16 @@ void X11SelectionTransfer::convert(
             // The answer to this request and no other: owners echo the
             // request's time; one stamped CurrentTime is tied to it by its
             // property, which no recent request used, or is a refusal.
-            const bool current = answered && notify->requestor == m_window
+            bool current = answered && notify->requestor == m_window
                 && notify->selection == selection
                 && (notify->time == *time || notify->time == XCB_CURRENT_TIME)
                 && (notify->property == answered->property || notify->property == XCB_ATOM_NONE);
+            // A refusal stamped CurrentTime may still answer a request of a
+            // copy that gave up: taken for that one, it would drop a format.
+            if (current && notify->time == XCB_CURRENT_TIME && notify->property == XCB_ATOM_NONE
+                && m_unanswered.remove(answered->target)) {
+                current = false;
+            }
             if (current && notify->property == XCB_ATOM_NONE) {
                 answered->state = Conversion::State::Refused;
             } else if (current) {

@@ -15,6 +15,7 @@
 #include <QHash>
 #include <QList>
 #include <QMap>
+#include <QSet>
 #include <QString>
 
 #include <xcb/xcb.h>
@@ -78,6 +79,8 @@ private:
     xcb_window_t m_window = XCB_WINDOW_NONE;
     QHash<QByteArray, xcb_atom_t> m_atoms;
     QList<xcb_atom_t> m_properties;
+    //! Targets of requests given up on before the owner answered them.
+    QSet<xcb_atom_t> m_unanswered;
     int m_nextProperty = 0;
     const std::atomic_bool *m_cancelled = nullptr;
 };
