@@ -17,6 +17,8 @@ packages=(
     libenchant-2-dev hunspell-en-us
     # a real X session for the platform and interface tests
     xvfb xauth openbox x11-utils xdotool xclip xterm
+    # setxkbmap: the tests switch the keyboard layout (key names, the synthetic copy)
+    x11-xkb-utils
     # a private session bus (the file manager's D-Bus interface); a system tray;
     # the panel and the Settings window read over AT-SPI as a screen reader does
     dbus dbus-bin dbus-daemon trayer at-spi2-core python3-pyatspi gir1.2-atspi-2.0

@@ -16,6 +16,7 @@
 #include "shell/Toast.h"
 #include "store/Store.h"
 
+#include <QCursor>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMimeData>
@@ -356,15 +357,6 @@ void PanelListView::scrollToRow(const QUuid &id, ScrollAnchor anchor, bool anima
     m_scrollAnimation->start();
 }
 
-bool PanelListView::isRowInView(int index) const
-{
-    const int scroll = verticalScrollBar()->value();
-    const int top = m_topMargin + m_layout->top(index) - scroll;
-    const int bottom = top + m_layout->height(index);
-    const QRect area = clearArea();
-    return bottom > area.top() && top < area.bottom() + 1;
-}
-
 // -- reacting to the Store and the PanelState -----------------------------------------
 
 void PanelListView::rowsChanged()
@@ -437,12 +429,8 @@ void PanelListView::runDeferredScrolls()
     if (const std::optional<QUuid> section = std::exchange(m_pendingJump, std::nullopt)) {
         const int index = indexOfRow(*section);
         if (index >= 0) {
-            if (isRowInView(index)) {
-                scrollToRow(*section, ScrollAnchor::Center, true);
-            } else {
-                const int context = std::max(0, index - jumpContextRows);
-                scrollToRow(m_rows.at(context).id(), ScrollAnchor::Top, false);
-            }
+            // From near or far, the list glides until the header stands in the middle.
+            scrollToRow(*section, ScrollAnchor::Center, true);
         }
     }
 }
@@ -455,13 +443,9 @@ void PanelListView::revealAnchor()
     const int index = indexOfRow(*anchor);
     if (index < 0)
         return;
-    if (isRowInView(index)) {
-        scrollToRow(*anchor, ScrollAnchor::Center, true);
-        return;
-    }
-    // From out of view the row lands with rows of context above it.
-    const int context = std::max(index, revealContextRows) - revealContextRows;
-    scrollToRow(m_rows.at(context).id(), ScrollAnchor::Top, false);
+    // In view or far away, the list glides until the row stands in the middle,
+    // so that the eye can follow where the selection went.
+    scrollToRow(*anchor, ScrollAnchor::Center, true);
 }
 
 // -- layout -------------------------------------------------------------------------
@@ -663,7 +647,23 @@ void PanelListView::placeRows()
     m_placing = false;
     m_pinnedTarget.reset();
     updateDropLines();
+    updateHoverFromPointer();
     Q_EMIT rowsPlaced();
+}
+
+void PanelListView::updateHoverFromPointer()
+{
+    // Where the pointer is asked only while it is over the list at all.
+    const bool overList = viewport()->underMouse();
+    const QPoint pointer = overList ? viewport()->mapFromGlobal(QCursor::pos()) : QPoint(-1, -1);
+    const bool inList = overList && viewport()->rect().contains(pointer);
+    for (NoteRowView *view : std::as_const(m_noteViews))
+        view->setHovered(inList && view->geometry().contains(pointer));
+    for (SectionHeaderView *header : std::as_const(m_headerViews)) {
+        // A header being dragged follows the pointer and stays as it is.
+        if (!header->isReordering())
+            header->setHovered(inList && header->geometry().contains(pointer));
+    }
 }
 
 NoteRowView *PanelListView::takeIdleNote()

@@ -48,10 +48,6 @@ class PanelListView : public QAbstractScrollArea
     Q_OBJECT
 
 public:
-    //! Rows kept above the anchor when the list jumps to it from out of view.
-    static constexpr int revealContextRows = 3;
-    //! Rows kept above a section that the list jumps to from out of view.
-    static constexpr int jumpContextRows = 1;
     static constexpr int scrollAnimationMilliseconds = 180;
     //! The floors of the margins under the two floating bars.
     static constexpr int minimumTopMargin = 38;
@@ -179,9 +175,10 @@ private:
     void scrollTo(int value);
     //! The scroll value that puts the row \a index at \a anchor.
     int scrollValueFor(int index, ScrollAnchor anchor) const;
-    //! The row shows, at least in part, between the two bars.
-    bool isRowInView(int index) const;
     void setDropTarget(std::optional<QUuid> id);
+    //! The rows under the pointer are hovered, the others not: rows move
+    //! under a pointer that stands still, which tells them nothing.
+    void updateHoverFromPointer();
     void updateSectionFrames();
     void updateDropLines();
 

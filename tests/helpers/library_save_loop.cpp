@@ -4,6 +4,8 @@
 // program's writer, until it is killed. Used to kill a save at random moments.
 //
 //   library_save_loop <path> <first state>
+//
+// It prints "ready" once, then "saved N" after each state N is on disk.
 
 #include "LibraryGenerator.h"
 
@@ -38,5 +40,7 @@ int main(int argc, char *argv[])
             std::fprintf(stderr, "%s\n", qPrintable(*failure));
             return 1;
         }
+        std::printf("saved %d\n", state);
+        std::fflush(stdout);
     }
 }
