@@ -296,10 +296,14 @@ std::optional<QMap<QString, QByteArray>> X11SelectionTransfer::copyAll(
     const xcb_atom_t selection = atom(selectionName);
     xcb_get_selection_owner_reply_t *owner = xcb_get_selection_owner_reply(
         m_connection, xcb_get_selection_owner(m_connection, selection), nullptr);
-    const bool owned = owner && owner->owner != XCB_WINDOW_NONE;
+    const xcb_window_t ownerWindow = owner ? owner->owner : xcb_window_t(XCB_WINDOW_NONE);
     std::free(owner);
-    if (!owned)
+    if (ownerWindow == XCB_WINDOW_NONE)
         return QMap<QString, QByteArray> {};
+    // Requests given up on were another owner's: this one owes them nothing.
+    if (ownerWindow != m_lastOwner)
+        m_unanswered.clear();
+    m_lastOwner = ownerWindow;
 
     // Which formats there are: without that list, nothing can be copied whole.
     const xcb_atom_t targets = atom("TARGETS");

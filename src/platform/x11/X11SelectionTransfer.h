@@ -81,6 +81,7 @@ private:
     QList<xcb_atom_t> m_properties;
     //! Targets of requests given up on before the owner answered them.
     QSet<xcb_atom_t> m_unanswered;
+    xcb_window_t m_lastOwner = XCB_WINDOW_NONE;
     int m_nextProperty = 0;
     const std::atomic_bool *m_cancelled = nullptr;
 };
