@@ -312,8 +312,8 @@ enum class StallPath { Idle, Primary, Copy, FirstCopy, CopyLargeClipboard };
 //! user's applications folder, read by the first capture.
 void installApplications(int count)
 {
-    const QString folder = Test::IsolatedEnvironment::current().dataHome()
-        + QStringLiteral("/applications");
+    const QString folder
+        = Test::IsolatedEnvironment::current().dataHome() + QStringLiteral("/applications");
     QDir().mkpath(folder);
     for (int i = 0; i < count; ++i) {
         QFile file(folder + QStringLiteral("/org.example.App%1.desktop").arg(i));

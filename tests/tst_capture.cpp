@@ -350,9 +350,8 @@ void CaptureTest::copyFallbacks_data()
     // The user's clipboard holds HTML and text before each case.
     QTest::newRow("text at once") << "text" << true << QList<int> {1} << "copied"
                                   << "html";
-    QTest::newRow("text at the second attempt")
-        << "second" << true << QList<int> {1, 2} << "copied"
-        << "html";
+    QTest::newRow("text at the second attempt") << "second" << true << QList<int> {1, 2} << "copied"
+                                                << "html";
     QTest::newRow("image only") << "image" << true << QList<int> {1, 2} << ""
                                 << "image";
     QTest::newRow("silence") << "nothing" << true << QList<int> {1, 2} << ""
@@ -360,9 +359,8 @@ void CaptureTest::copyFallbacks_data()
     QTest::newRow("blank text") << "blank" << true << QList<int> {1} << ""
                                 << "html";
     // Half of the user's clipboard is not put back in place of all of it.
-    QTest::newRow("text, snapshot not whole")
-        << "text" << false << QList<int> {1} << "copied"
-        << "copied";
+    QTest::newRow("text, snapshot not whole") << "text" << false << QList<int> {1} << "copied"
+                                              << "copied";
 }
 
 void CaptureTest::copyFallbacks()

@@ -61,7 +61,8 @@ std::optional<Clipboard::Snapshot> snapshotOf(Clipboard &clipboard)
 //! Starts selection_owner on the clipboard with \a arguments (TARGET DELAYS TEXT...).
 bool startSelectionOwner(QProcess &owner, const QStringList &arguments)
 {
-    owner.start(QStringLiteral(SELECTION_OWNER_PATH), QStringList {QStringLiteral("CLIPBOARD")} + arguments);
+    owner.start(QStringLiteral(SELECTION_OWNER_PATH),
+        QStringList {QStringLiteral("CLIPBOARD")} + arguments);
     return owner.waitForStarted()
         && QTest::qWaitFor([&owner] { return owner.canReadLine(); }, 10000)
         && owner.readLine().trimmed() == "owned";
@@ -234,15 +235,12 @@ void ClipboardTest::wholeOrNothing_data()
     // Each format after its delay in ms; -1 never, refuse@N a refusal.
     QTest::newRow("prompt") << QStringList {own, "0", "o", html, "0", "<b>h</b>", text, "0", "t"}
                             << true << QStringList {own, html, "text/plain"};
-    QTest::newRow("one format late, the later ones still read")
-        << QStringList {own, "0", "o", html, "1300", "<b>h</b>", text, "0", "t"} << true
-        << QStringList {own, html, "text/plain"};
-    QTest::newRow("each format slow, all within the bound")
-        << QStringList {own, "800", "o", html, "800", "<b>h</b>", text, "800", "t"} << true
-        << QStringList {own, html, "text/plain"};
-    QTest::newRow("a refused format holds nothing to keep")
-        << QStringList {own, "refuse@0", "o", html, "0", "<b>h</b>", text, "0", "t"} << true
-        << QStringList {html, "text/plain"};
+    QTest::newRow("one format late, the later ones still read") << QStringList {own, "0", "o", html,
+        "1300", "<b>h</b>", text, "0", "t"} << true << QStringList {own, html, "text/plain"};
+    QTest::newRow("each format slow, all within the bound") << QStringList {own, "800", "o", html,
+        "800", "<b>h</b>", text, "800", "t"} << true << QStringList {own, html, "text/plain"};
+    QTest::newRow("a refused format holds nothing to keep") << QStringList {own, "refuse@0", "o",
+        html, "0", "<b>h</b>", text, "0", "t"} << true << QStringList {html, "text/plain"};
     QTest::newRow("a format never sent") << QStringList {own, "0", "o", html, "-1", "<b>h</b>",
         text, "0", "t"} << false << QStringList {};
 }

@@ -436,7 +436,8 @@ void SettingsViewsTest::intervalSliderKeepsItsBounds()
     slider->setFocus();
     QTest::keyClick(slider, Qt::Key_Left);
     QCOMPARE(m_rig->preferences.doubleShiftInterval(), 0.75);
-    QCOMPARE(storedValue(m_rig->preferences, QStringLiteral("doubleShiftInterval")).toDouble(), 0.75);
+    QCOMPARE(
+        storedValue(m_rig->preferences, QStringLiteral("doubleShiftInterval")).toDouble(), 0.75);
     QVERIFY(visibleLabel(&view, QStringLiteral("750 ms")));
     QTest::keyClick(slider, Qt::Key_Home);
     QCOMPARE(m_rig->preferences.doubleShiftInterval(), 0.2);

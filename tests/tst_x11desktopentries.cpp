@@ -70,10 +70,10 @@ void X11DesktopEntriesTest::find_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("terminal");
 
-    QTest::newRow("application id") << QStringList {"org.gnome.Terminal", "Gnome-terminal"}
-                                    << "Gnome-terminal"
-                                    << "org.gnome.Terminal"
-                                    << "Terminal" << true;
+    QTest::newRow("application id")
+        << QStringList {"org.gnome.Terminal", "Gnome-terminal"} << "Gnome-terminal"
+        << "org.gnome.Terminal"
+        << "Terminal" << true;
     QTest::newRow("desktop file name") << QStringList {"firefox.desktop"} << "Navigator"
                                        << "firefox"
                                        << "Firefox Web Browser" << false;
@@ -89,7 +89,8 @@ void X11DesktopEntriesTest::find_data()
                                          << "firefox"
                                          << "Firefox Web Browser" << false;
     QTest::newRow("no entry") << QStringList {"xterm", "XTerm"} << "XTerm"
-                              << "" << "" << false;
+                              << ""
+                              << "" << false;
 }
 
 void X11DesktopEntriesTest::find()
@@ -142,7 +143,8 @@ void X11DesktopEntriesTest::firstLookupIsAnsweredOnTheEventLoop()
     // Once read, a lookup is answered at once.
     bool answered = false;
     entries.find({QStringLiteral("org.example.App7")}, QString(),
-        [&answered](std::optional<X11DesktopEntries::Entry> entry) { answered = entry.has_value(); });
+        [&answered](
+            std::optional<X11DesktopEntries::Entry> entry) { answered = entry.has_value(); });
     QVERIFY(answered);
 }
 

@@ -18,9 +18,7 @@ void FakeClipboard::replaceBy(const Snapshot &snapshot)
 void FakeClipboard::requestSnapshot(std::function<void(std::optional<Snapshot>)> done)
 {
     // What is there when the answer goes out, as with a real owner.
-    answers.answer([this, done] {
-        done(snapshotsWhole ? std::optional(items) : std::nullopt);
-    });
+    answers.answer([this, done] { done(snapshotsWhole ? std::optional(items) : std::nullopt); });
 }
 
 void FakeClipboard::restore(const Snapshot &snapshot)

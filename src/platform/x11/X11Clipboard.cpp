@@ -91,8 +91,8 @@ void X11Clipboard::requestSnapshot(std::function<void(std::optional<Snapshot>)> 
     QPointer<QObject> receiver(m_receiver.get());
     m_queue->async([worker = m_worker, receiver, done = std::move(done)] {
         std::optional<Snapshot> snapshot;
-        if (const std::optional<QMap<QString, QByteArray>> formats = worker->get().copyAll(
-                "CLIPBOARD", QDeadlineTimer(snapshotTimeoutMilliseconds))) {
+        if (const std::optional<QMap<QString, QByteArray>> formats
+            = worker->get().copyAll("CLIPBOARD", QDeadlineTimer(snapshotTimeoutMilliseconds))) {
             snapshot = formats->isEmpty() ? Snapshot {} : Snapshot {*formats};
         }
         answer(receiver, done, std::move(snapshot));

@@ -109,12 +109,13 @@ std::optional<X11DesktopEntries::Entry> X11DesktopEntries::Index::find(
 X11DesktopEntries::X11DesktopEntries(std::optional<QStringList> folders)
     : m_receiver(std::make_unique<QObject>())
 {
-    static SerialQueue queue(QStringLiteral("com.vesko.vesko.desktop-entries"), QThread::LowPriority);
+    static SerialQueue queue(
+        QStringLiteral("com.vesko.vesko.desktop-entries"), QThread::LowPriority);
     QPointer<QObject> receiver(m_receiver.get());
     queue.async([this, receiver, folders] {
-        auto index = std::make_shared<const Index>(Index::read(folders.value_or(
-            QStandardPaths::locateAll(QStandardPaths::ApplicationsLocation, QString(),
-                QStandardPaths::LocateDirectory))));
+        auto index = std::make_shared<const Index>(Index::read(
+            folders.value_or(QStandardPaths::locateAll(QStandardPaths::ApplicationsLocation,
+                QString(), QStandardPaths::LocateDirectory))));
         // The receiver is looked at on the main thread only, where it lives.
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),

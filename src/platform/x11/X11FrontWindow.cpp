@@ -45,8 +45,8 @@ xcb_window_t X11FrontWindow::activeWindow()
 {
     if (!m_connection.isValid())
         return 0;
-    const std::optional<uint32_t> active = m_connection.cardinal(
-        m_connection.root(), atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW);
+    const std::optional<uint32_t> active
+        = m_connection.cardinal(m_connection.root(), atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW);
     if (active && *active != 0)
         return *active;
     xcb_connection_t *c = m_connection.get();
@@ -76,8 +76,7 @@ void X11FrontWindow::frontApplication(std::function<void(std::optional<FrontAppl
     const xcb_get_property_cookie_t name = ask(XCB_ATOM_WM_NAME, XCB_ATOM_ANY);
     const xcb_get_property_cookie_t classes = ask(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING);
     const xcb_get_property_cookie_t gtkID = ask(atom("_GTK_APPLICATION_ID"), XCB_ATOM_ANY);
-    const xcb_get_property_cookie_t kdeID
-        = ask(atom("_KDE_NET_WM_DESKTOP_FILE"), XCB_ATOM_ANY);
+    const xcb_get_property_cookie_t kdeID = ask(atom("_KDE_NET_WM_DESKTOP_FILE"), XCB_ATOM_ANY);
     const xcb_get_property_cookie_t pid = ask(atom("_NET_WM_PID"), XCB_ATOM_CARDINAL);
     const auto take = [c](xcb_get_property_cookie_t cookie) -> std::optional<QByteArray> {
         xcb_get_property_reply_t *reply = xcb_get_property_reply(c, cookie, nullptr);

@@ -104,9 +104,9 @@ QList<QByteArray> X11SelectionTransfer::atomNames(const QList<xcb_atom_t> &atoms
     QList<QByteArray> names;
     for (const xcb_get_atom_name_cookie_t cookie : cookies) {
         xcb_get_atom_name_reply_t *reply = xcb_get_atom_name_reply(m_connection, cookie, nullptr);
-        names.append(reply ? QByteArray(xcb_get_atom_name_name(reply),
-                                 xcb_get_atom_name_name_length(reply))
-                           : QByteArray());
+        names.append(reply
+                ? QByteArray(xcb_get_atom_name_name(reply), xcb_get_atom_name_name_length(reply))
+                : QByteArray());
         std::free(reply);
     }
     return names;
@@ -128,7 +128,8 @@ xcb_generic_event_t *X11SelectionTransfer::nextEvent(QDeadlineTimer deadline)
     for (;;) {
         if (xcb_generic_event_t *event = xcb_poll_for_event(m_connection))
             return event;
-        if ((m_cancelled && *m_cancelled) || deadline.hasExpired() || xcb_connection_has_error(m_connection))
+        if ((m_cancelled && *m_cancelled) || deadline.hasExpired()
+            || xcb_connection_has_error(m_connection))
             return nullptr;
         pollfd descriptor {xcb_get_file_descriptor(m_connection), POLLIN, 0};
         const qint64 left = deadline.remainingTime();
@@ -140,8 +141,8 @@ xcb_generic_event_t *X11SelectionTransfer::nextEvent(QDeadlineTimer deadline)
 std::optional<xcb_timestamp_t> X11SelectionTransfer::timestamp(QDeadlineTimer deadline)
 {
     const xcb_atom_t property = atom("VESKO_TIMESTAMP");
-    xcb_change_property(m_connection, XCB_PROP_MODE_APPEND, m_window, property, XCB_ATOM_STRING,
-        8, 0, nullptr);
+    xcb_change_property(
+        m_connection, XCB_PROP_MODE_APPEND, m_window, property, XCB_ATOM_STRING, 8, 0, nullptr);
     xcb_flush(m_connection);
     while (xcb_generic_event_t *event = nextEvent(deadline)) {
         std::optional<xcb_timestamp_t> time;
@@ -345,15 +346,13 @@ std::optional<QMap<QString, QByteArray>> X11SelectionTransfer::copyAll(
 
     QMap<QString, QByteArray> formats;
     for (auto it = chosen.cbegin(); it != chosen.cend(); ++it) {
-        const Conversion &conversion
-            = *std::find_if(conversions.cbegin(), conversions.cend(),
-                [target = it.value()](const Conversion &c) { return c.target == target; });
+        const Conversion &conversion = *std::find_if(conversions.cbegin(), conversions.cend(),
+            [target = it.value()](const Conversion &c) { return c.target == target; });
         switch (conversion.state) {
         case Conversion::State::Answered:
             formats.insert(it.key(),
-                conversion.type == XCB_ATOM_STRING
-                    ? QString::fromLatin1(conversion.bytes).toUtf8()
-                    : conversion.bytes);
+                conversion.type == XCB_ATOM_STRING ? QString::fromLatin1(conversion.bytes).toUtf8()
+                                                   : conversion.bytes);
             break;
         case Conversion::State::Refused:
             break; // nothing to keep
@@ -368,7 +367,8 @@ std::optional<QMap<QString, QByteArray>> X11SelectionTransfer::copyAll(
     return formats;
 }
 
-std::optional<QString> X11SelectionTransfer::text(const char *selectionName, QDeadlineTimer deadline)
+std::optional<QString> X11SelectionTransfer::text(
+    const char *selectionName, QDeadlineTimer deadline)
 {
     if (!isValid())
         return std::nullopt;

@@ -67,8 +67,7 @@ private:
     std::optional<xcb_timestamp_t> timestamp(QDeadlineTimer deadline);
     //! Asks for every conversion at once and takes the answers until each
     //! has one, or \a deadline passes.
-    void convert(
-        xcb_atom_t selection, QList<Conversion> &conversions, QDeadlineTimer deadline);
+    void convert(xcb_atom_t selection, QList<Conversion> &conversions, QDeadlineTimer deadline);
     //! The next event, waiting for it until \a deadline; null when none came.
     xcb_generic_event_t *nextEvent(QDeadlineTimer deadline);
     //! Reads \a property of the window whole and deletes it.
