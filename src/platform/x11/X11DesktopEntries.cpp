@@ -11,7 +11,9 @@
 #include <QLocale>
 #include <QPointer>
 #include <QStandardPaths>
+#include <QTimer>
 
+#include <algorithm>
 #include <utility>
 
 namespace Vesko {
@@ -143,7 +145,18 @@ void X11DesktopEntries::find(const QStringList &candidates, const QString &windo
         found(m_index->find(candidates, windowClass));
         return;
     }
-    m_waiting.append({candidates, windowClass, std::move(found)});
+    const quint64 number = ++m_lookups;
+    m_waiting.append({number, candidates, windowClass, std::move(found)});
+    // A folder that does not answer (a network mount, say) holds no capture for long.
+    QTimer::singleShot(lookupTimeoutMilliseconds, m_receiver.get(), [this, number] {
+        const auto late = std::find_if(m_waiting.begin(), m_waiting.end(),
+            [number](const Lookup &lookup) { return lookup.number == number; });
+        if (late == m_waiting.end())
+            return;
+        const Found found = std::move(late->found);
+        m_waiting.erase(late);
+        found(std::nullopt);
+    });
 }
 
 } // namespace Vesko

@@ -4,7 +4,8 @@
 // the user's language and whether it is a terminal emulator, found by id or
 // by the window class an entry declares (StartupWMClass). The XDG
 // applications folders are read once, on a worker thread, starting as this
-// is made; a lookup asked for before they are read is answered once they are.
+// is made; a lookup asked for before they are read is answered once they
+// are, or without an entry if that takes longer than a lookup may wait.
 
 #pragma once
 
@@ -45,18 +46,23 @@ public:
         std::optional<Entry> find(const QStringList &candidates, const QString &windowClass) const;
     };
 
+    //! How long a lookup waits for the folders to be read.
+    static constexpr int lookupTimeoutMilliseconds = 2000;
+
     //! Starts reading \a folders, by default the XDG applications folders.
     explicit X11DesktopEntries(std::optional<QStringList> folders = std::nullopt);
     ~X11DesktopEntries();
 
     using Found = std::function<void(std::optional<Entry>)>;
     //! Hands \a found what Index::find() gives, on the main thread: at once
-    //! when the folders have been read, else once they are.
+    //! when the folders have been read, else once they are; nothing when
+    //! they are not read within lookupTimeoutMilliseconds.
     void find(const QStringList &candidates, const QString &windowClass, Found found);
 
 private:
     struct Lookup
     {
+        quint64 number = 0;
         QStringList candidates;
         QString windowClass;
         Found found;
@@ -66,6 +72,7 @@ private:
 
     std::shared_ptr<const Index> m_index;
     QList<Lookup> m_waiting;
+    quint64 m_lookups = 0;
     std::unique_ptr<QObject> m_receiver;
 };
 
