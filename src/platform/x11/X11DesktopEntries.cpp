@@ -108,16 +108,20 @@ std::optional<X11DesktopEntries::Entry> X11DesktopEntries::Index::find(
     return std::nullopt;
 }
 
-X11DesktopEntries::X11DesktopEntries(std::optional<QStringList> folders)
+X11DesktopEntries::X11DesktopEntries(std::function<Index()> read)
     : m_receiver(std::make_unique<QObject>())
 {
     static SerialQueue queue(
         QStringLiteral("com.vesko.vesko.desktop-entries"), QThread::LowPriority);
+    if (!read) {
+        read = [] {
+            return Index::read(QStandardPaths::locateAll(
+                QStandardPaths::ApplicationsLocation, QString(), QStandardPaths::LocateDirectory));
+        };
+    }
     QPointer<QObject> receiver(m_receiver.get());
-    queue.async([this, receiver, folders] {
-        auto index = std::make_shared<const Index>(Index::read(
-            folders.value_or(QStandardPaths::locateAll(QStandardPaths::ApplicationsLocation,
-                QString(), QStandardPaths::LocateDirectory))));
+    queue.async([this, receiver, read] {
+        auto index = std::make_shared<const Index>(read());
         // The receiver is looked at on the main thread only, where it lives.
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),

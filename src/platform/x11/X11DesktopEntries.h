@@ -49,8 +49,9 @@ public:
     //! How long a lookup waits for the folders to be read.
     static constexpr int lookupTimeoutMilliseconds = 2000;
 
-    //! Starts reading \a folders, by default the XDG applications folders.
-    explicit X11DesktopEntries(std::optional<QStringList> folders = std::nullopt);
+    //! Starts reading the entries on a worker thread: by \a read when given
+    //! (from the worker thread), else from the XDG applications folders.
+    explicit X11DesktopEntries(std::function<Index()> read = {});
     ~X11DesktopEntries();
 
     using Found = std::function<void(std::optional<Entry>)>;
