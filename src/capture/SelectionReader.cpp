@@ -4,6 +4,7 @@
 
 #include "capture/SelectionText.h"
 #include "platform/DesktopSession.h"
+#include "platform/Logging.h"
 
 #include <QPointer>
 
@@ -130,6 +131,8 @@ void SelectionReader::poll()
             // stays on the clipboard rather than half of what was there.
             if (self->m_snapshot)
                 self->m_clipboard.restore(*self->m_snapshot);
+            else
+                qCInfo(lcCapture, "The clipboard was not read whole: the copy stays on it");
             self->finish(*text);
         });
         return;
