@@ -9,7 +9,10 @@
 //   release takes to reach the key monitor;
 // - the main thread's longest stall during a capture through each path, as
 //   the lateness of a 1 ms timer, beside the same timer's lateness while no
-//   capture runs.
+//   capture runs: the first capture of the program (whose desktop has 1500
+//   applications installed), later ones, and one while another program
+//   holds 64 MiB on the clipboard;
+// - the same stall while a preference changes twenty times in a row.
 
 #include "RatioReporter.h"
 #include "TestEnvironment.h"
@@ -32,9 +35,11 @@
 
 #include <QApplication>
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QProcess>
+#include <QTemporaryFile>
 #include <QTimer>
 
 #include <benchmark/benchmark.h>
@@ -301,7 +306,49 @@ void pressCaptureHotKey()
             QStringLiteral("0.08"), QStringLiteral("keyup"), QStringLiteral("super+alt+c")});
 }
 
-enum class StallPath { Idle, Primary, Copy };
+enum class StallPath { Idle, Primary, Copy, FirstCopy, CopyLargeClipboard };
+
+//! The installed applications of a desktop: \a count desktop entries in the
+//! user's applications folder, read by the first capture.
+void installApplications(int count)
+{
+    const QString folder
+        = Test::IsolatedEnvironment::current().dataHome() + QStringLiteral("/applications");
+    QDir().mkpath(folder);
+    for (int i = 0; i < count; ++i) {
+        QFile file(folder + QStringLiteral("/org.example.App%1.desktop").arg(i));
+        if (!file.open(QIODevice::WriteOnly))
+            return;
+        file.write(QStringLiteral("[Desktop Entry]\nType=Application\nName=Application %1\n"
+                                  "Name[de]=Anwendung %1\nName[fr]=Application n°%1\n"
+                                  "GenericName=Tool\nComment=Does things, number %1\n"
+                                  "Exec=app%1 %%U\nIcon=app%1\nCategories=Utility;Office;\n"
+                                  "StartupWMClass=App%1\nMimeType=text/plain;image/png;\n"
+                                  "Keywords=one;two;three;\n\n[Desktop Action New]\n"
+                                  "Name=New Window\nExec=app%1 --new\n")
+                       .arg(i)
+                       .toUtf8());
+    }
+}
+
+//! Puts \a mebibytes of image data on the clipboard, owned by xclip.
+void fillClipboard(int mebibytes)
+{
+    static QTemporaryFile *image = nullptr;
+    if (!image) {
+        image = new QTemporaryFile;
+        image->open();
+        QByteArray block(1 << 20, '\0');
+        for (int i = 0; i < block.size(); ++i)
+            block[i] = char(i * 2654435761u >> 24);
+        for (int i = 0; i < mebibytes; ++i)
+            image->write(block);
+        image->flush();
+    }
+    run(QStringLiteral("xclip"),
+        {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
+            QStringLiteral("-t"), QStringLiteral("image/png"), image->fileName()});
+}
 
 void BM_Stall(benchmark::State &state)
 {
@@ -309,13 +356,18 @@ void BM_Stall(benchmark::State &state)
     CaptureRig *rig = sharedRig();
     X11Connection x;
     StallMeter meter;
+    const bool copies = path == StallPath::Copy || path == StallPath::FirstCopy
+        || path == StallPath::CopyLargeClipboard;
     showSource(path == StallPath::Primary ? Source::SelectedText
-            : path == StallPath::Copy     ? Source::CopyTarget
+            : copies                      ? Source::CopyTarget
                                           : Source::None);
 
     double longest = 0;
     for (auto _ : state) {
-        if (path == StallPath::Copy) {
+        if (path == StallPath::CopyLargeClipboard) {
+            fillClipboard(64);
+            settle(100);
+        } else if (copies) {
             // The user's clipboard belongs to another program, as it usually does.
             run(QStringLiteral("sh"),
                 {QStringLiteral("-c"),
@@ -328,7 +380,7 @@ void BM_Stall(benchmark::State &state)
             &CaptureEngine::captureFinished, [&finishedCaptures] { ++finishedCaptures; });
         // Starting xdotool blocks for its fork and exec: before the measure,
         // which still begins well before xdotool's keys arrive.
-        if (path == StallPath::Copy)
+        if (copies)
             pressCaptureHotKey();
         meter.start();
         if (path == StallPath::Idle) {
@@ -339,7 +391,7 @@ void BM_Stall(benchmark::State &state)
             settle(100);
             tapShift(x, 50);
         }
-        QDeadlineTimer deadline(3000);
+        QDeadlineTimer deadline(6000);
         while (finishedCaptures == 0 && !deadline.hasExpired())
             settle(5);
         const bool finished = finishedCaptures > 0;
@@ -356,6 +408,28 @@ void BM_Stall(benchmark::State &state)
     state.counters["longest_ms"] = longest * 1000;
 }
 
+//! Twenty preference changes in a row, as a slider dragged through its
+//! range makes, beside an idle event loop over the same time.
+void BM_StallPreferences(benchmark::State &state)
+{
+    const bool changes = state.range(0) == 1;
+    StallMeter meter;
+    double longest = 0;
+    for (auto _ : state) {
+        meter.start();
+        for (int i = 0; i < 20; ++i) {
+            if (changes)
+                Preferences::shared().setPanelWidth(300 + (i + state.iterations()) % 97);
+            settle(10);
+        }
+        const double stall = meter.stop();
+        longest = std::max(longest, stall);
+        state.SetIterationTime(stall);
+    }
+    Preferences::shared().flush();
+    state.counters["longest_ms"] = longest * 1000;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -364,6 +438,13 @@ int main(int argc, char *argv[])
     qputenv("QT_QPA_PLATFORM", "xcb");
     QApplication app(argc, argv);
     Preferences::shared().setShowPanelOnCapture(false);
+    installApplications(1500);
+    // First: the first capture of the program, right after its pieces are made.
+    benchmark::RegisterBenchmark("BM_StallFirstCopy", BM_Stall)
+        ->Arg(int(StallPath::FirstCopy))
+        ->Iterations(1)
+        ->UseManualTime()
+        ->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark("BM_DecodeRawKeyEvent", BM_DecodeRawKeyEvent);
     benchmark::RegisterBenchmark("BM_DecodeAndRecognize", BM_DecodeAndRecognize);
     for (const auto &[name, path] : {std::pair {"BM_CaptureKeyDelivery", Path::KeyDelivery},
@@ -377,9 +458,18 @@ int main(int argc, char *argv[])
     }
     for (const auto &[name, path] : {std::pair {"BM_StallIdle", StallPath::Idle},
              std::pair {"BM_StallPrimary", StallPath::Primary},
-             std::pair {"BM_StallCopy", StallPath::Copy}}) {
+             std::pair {"BM_StallCopy", StallPath::Copy},
+             std::pair {"BM_StallCopyLargeClipboard", StallPath::CopyLargeClipboard}}) {
         benchmark::RegisterBenchmark(name, BM_Stall)
             ->Arg(int(path))
+            ->Iterations(10)
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond);
+    }
+    for (const auto &[name, changes] :
+        {std::pair {"BM_StallNoPreferenceChange", 0}, std::pair {"BM_StallPreferenceChanges", 1}}) {
+        benchmark::RegisterBenchmark(name, BM_StallPreferences)
+            ->Arg(changes)
             ->Iterations(10)
             ->UseManualTime()
             ->Unit(benchmark::kMillisecond);
@@ -406,6 +496,17 @@ int main(int argc, char *argv[])
         reporter.times[stallPrimary], reporter.ratio(stallPrimary, idle));
     std::printf("during a capture through the synthetic copy: %.2f ms, %.1f of idle\n",
         reporter.times[stallCopy], reporter.ratio(stallCopy, idle));
+    const std::string first = "BM_StallFirstCopy/3/iterations:1/manual_time";
+    const std::string large = "BM_StallCopyLargeClipboard/4/iterations:10/manual_time";
+    std::printf("during the first capture, synthetic copy: %.2f ms, %.1f of idle\n",
+        reporter.times[first], reporter.ratio(first, idle));
+    std::printf("during a synthetic copy over 64 MiB on the clipboard: %.2f ms, %.1f of idle\n",
+        reporter.times[large], reporter.ratio(large, idle));
+    const std::string quiet = "BM_StallNoPreferenceChange/0/iterations:10/manual_time";
+    const std::string changes = "BM_StallPreferenceChanges/1/iterations:10/manual_time";
+    std::printf("1 ms timer lateness over 20 turns: %.2f ms; with a preference change in each: "
+                "%.2f ms, %.1f of that\n",
+        reporter.times[quiet], reporter.times[changes], reporter.ratio(changes, quiet));
     benchmark::Shutdown();
     return 0;
 }

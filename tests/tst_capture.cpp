@@ -343,25 +343,30 @@ void CaptureTest::primaryFallsBackToCopy()
 void CaptureTest::copyFallbacks_data()
 {
     QTest::addColumn<QString>("behaviour");
+    QTest::addColumn<bool>("snapshotWhole");
     QTest::addColumn<QList<int>>("attempts");
     QTest::addColumn<QString>("captured");
     QTest::addColumn<QString>("clipboardAfter");
     // The user's clipboard holds HTML and text before each case.
-    QTest::newRow("text at once") << "text" << QList<int> {1} << "copied"
+    QTest::newRow("text at once") << "text" << true << QList<int> {1} << "copied"
                                   << "html";
-    QTest::newRow("text at the second attempt") << "second" << QList<int> {1, 2} << "copied"
+    QTest::newRow("text at the second attempt") << "second" << true << QList<int> {1, 2} << "copied"
                                                 << "html";
-    QTest::newRow("image only") << "image" << QList<int> {1, 2} << ""
+    QTest::newRow("image only") << "image" << true << QList<int> {1, 2} << ""
                                 << "image";
-    QTest::newRow("silence") << "nothing" << QList<int> {1, 2} << ""
+    QTest::newRow("silence") << "nothing" << true << QList<int> {1, 2} << ""
                              << "html";
-    QTest::newRow("blank text") << "blank" << QList<int> {1} << ""
+    QTest::newRow("blank text") << "blank" << true << QList<int> {1} << ""
                                 << "html";
+    // Half of the user's clipboard is not put back in place of all of it.
+    QTest::newRow("text, snapshot not whole") << "text" << false << QList<int> {1} << "copied"
+                                              << "copied";
 }
 
 void CaptureTest::copyFallbacks()
 {
     QFETCH(QString, behaviour);
+    QFETCH(bool, snapshotWhole);
     QFETCH(QList<int>, attempts);
     QFETCH(QString, captured);
     QFETCH(QString, clipboardAfter);
@@ -370,6 +375,7 @@ void CaptureTest::copyFallbacks()
     const Clipboard::Snapshot users = {{{QStringLiteral("text/html"), QByteArray("<b>x</b>")},
         {QStringLiteral("text/plain"), QByteArray("x")}}};
     clipboard.items = users;
+    clipboard.snapshotsWhole = snapshotWhole;
     session.front = editor();
     session.onCopy = [&](int attempt) {
         if (behaviour == u"text" || behaviour == u"blank"
@@ -393,6 +399,8 @@ void CaptureTest::copyFallbacks()
     QCOMPARE(result ? result->text : QString(), captured);
     if (clipboardAfter == u"html")
         QCOMPARE(clipboard.items, users);
+    else if (clipboardAfter == u"copied")
+        QCOMPARE(clipboard.text(), QStringLiteral("copied"));
     else
         QCOMPARE(clipboard.items.first().keys(), QStringList {QStringLiteral("image/png")});
 }

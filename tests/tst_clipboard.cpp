@@ -46,14 +46,26 @@ std::optional<QByteArray> readWithXclip(const QString &target)
     return xclip.readAllStandardOutput();
 }
 
-//! The snapshot \a clipboard hands over, waited for on the event loop.
-Clipboard::Snapshot snapshotOf(Clipboard &clipboard)
+//! The snapshot \a clipboard hands over, waited for on the event loop;
+//! nothing when it was not taken whole.
+std::optional<Clipboard::Snapshot> snapshotOf(Clipboard &clipboard)
 {
-    std::optional<Clipboard::Snapshot> snapshot;
-    clipboard.requestSnapshot([&snapshot](Clipboard::Snapshot s) { snapshot = std::move(s); });
+    std::optional<std::optional<Clipboard::Snapshot>> snapshot;
+    clipboard.requestSnapshot(
+        [&snapshot](std::optional<Clipboard::Snapshot> s) { snapshot = std::move(s); });
     if (!QTest::qWaitFor([&] { return snapshot.has_value(); }, 10000))
-        return {};
+        return std::nullopt;
     return *snapshot;
+}
+
+//! Starts selection_owner on the clipboard with \a arguments (TARGET DELAYS TEXT...).
+bool startSelectionOwner(QProcess &owner, const QStringList &arguments)
+{
+    owner.start(QStringLiteral(SELECTION_OWNER_PATH),
+        QStringList {QStringLiteral("CLIPBOARD")} + arguments);
+    return owner.waitForStarted()
+        && QTest::qWaitFor([&owner] { return owner.canReadLine(); }, 10000)
+        && owner.readLine().trimmed() == "owned";
 }
 
 //! Starts copy_target as the clipboard's owner, giving each format after \a delay ms.
@@ -89,6 +101,10 @@ private Q_SLOTS:
     void textFromAnotherClient();
     void slowOwnerIsReadOnTheEventLoop();
     void silentOwnerEndsTheSnapshot();
+    void wholeOrNothing_data();
+    void wholeOrNothing();
+    void ownerSilentOnItsFormats();
+    void lateRefusalOfAGivenUpSnapshot();
     void largeImagePiecewise();
     void emptyClipboardRestoresEmpty();
     void storeCopiesLandAsText();
@@ -109,7 +125,7 @@ void ClipboardTest::snapshotKeepsEveryFormat()
     data->setData(QStringLiteral("image/png"), png);
     QGuiApplication::clipboard()->setMimeData(data);
 
-    const Clipboard::Snapshot snapshot = snapshotOf(clipboard);
+    const Clipboard::Snapshot snapshot = snapshotOf(clipboard).value();
     QCOMPARE(snapshot.size(), 1);
     QCOMPARE(snapshot.first().value(QStringLiteral("text/html")), QByteArray("<b>bold</b>"));
 
@@ -137,7 +153,7 @@ void ClipboardTest::textFromAnotherClient()
         },
         10000));
 
-    const Clipboard::Snapshot snapshot = snapshotOf(clipboard);
+    const Clipboard::Snapshot snapshot = snapshotOf(clipboard).value_or(Clipboard::Snapshot {});
     QVERIFY(!snapshot.isEmpty());
     clipboard.setText(QStringLiteral("overwritten"));
     clipboard.restore(snapshot);
@@ -158,9 +174,9 @@ void ClipboardTest::slowOwnerIsReadOnTheEventLoop()
     turning.start(5);
     std::optional<int> turnsBeforeTheAnswer;
     Clipboard::Snapshot snapshot;
-    clipboard.requestSnapshot([&](Clipboard::Snapshot s) {
+    clipboard.requestSnapshot([&](std::optional<Clipboard::Snapshot> s) {
         turnsBeforeTheAnswer = turns;
-        snapshot = std::move(s);
+        snapshot = s.value_or(Clipboard::Snapshot {});
     });
     QVERIFY2(!turnsBeforeTheAnswer, "the snapshot was taken while the program waited");
     QTRY_VERIFY_WITH_TIMEOUT(turnsBeforeTheAnswer.has_value(), 15000);
@@ -185,11 +201,12 @@ void ClipboardTest::silentOwnerEndsTheSnapshot()
     QProcess owner;
     QVERIFY(startClipboardOwner(owner, QStringLiteral("never sent"), 2500));
     X11Clipboard clipboard;
-    std::optional<Clipboard::Snapshot> snapshot;
-    clipboard.requestSnapshot([&snapshot](Clipboard::Snapshot s) { snapshot = std::move(s); });
+    std::optional<std::optional<Clipboard::Snapshot>> snapshot;
+    clipboard.requestSnapshot(
+        [&snapshot](std::optional<Clipboard::Snapshot> s) { snapshot = std::move(s); });
     QVERIFY(!snapshot);
     QTRY_VERIFY_WITH_TIMEOUT(snapshot.has_value(), 10000);
-    QVERIFY(snapshot->isEmpty());
+    QVERIFY2(!snapshot->has_value(), "a snapshot without the formats not sent is not whole");
     owner.kill();
     owner.waitForFinished();
 
@@ -200,8 +217,82 @@ void ClipboardTest::silentOwnerEndsTheSnapshot()
     xclip.write("the next owner's");
     xclip.closeWriteChannel();
     xclip.waitForFinished(5000);
-    QTRY_COMPARE_WITH_TIMEOUT(snapshotOf(clipboard).value(0).value(QStringLiteral("text/plain")),
+    QTRY_COMPARE_WITH_TIMEOUT(snapshotOf(clipboard)
+                                  .value_or(Clipboard::Snapshot {})
+                                  .value(0)
+                                  .value(QStringLiteral("text/plain")),
         QByteArray("the next owner's"), 10000);
+}
+
+void ClipboardTest::wholeOrNothing_data()
+{
+    QTest::addColumn<QStringList>("owner");
+    QTest::addColumn<bool>("whole");
+    QTest::addColumn<QStringList>("formats");
+    const QString text = QStringLiteral("UTF8_STRING");
+    const QString html = QStringLiteral("text/html");
+    const QString own = QStringLiteral("application/x-own");
+    // Each format after its delay in ms; -1 never, refuse@N a refusal.
+    QTest::newRow("prompt") << QStringList {own, "0", "o", html, "0", "<b>h</b>", text, "0", "t"}
+                            << true << QStringList {own, html, "text/plain"};
+    QTest::newRow("one format late, the later ones still read") << QStringList {own, "0", "o", html,
+        "1300", "<b>h</b>", text, "0", "t"} << true << QStringList {own, html, "text/plain"};
+    QTest::newRow("each format slow, all within the bound") << QStringList {own, "800", "o", html,
+        "800", "<b>h</b>", text, "800", "t"} << true << QStringList {own, html, "text/plain"};
+    QTest::newRow("a refused format holds nothing to keep") << QStringList {own, "refuse@0", "o",
+        html, "0", "<b>h</b>", text, "0", "t"} << true << QStringList {html, "text/plain"};
+    QTest::newRow("a format never sent") << QStringList {own, "0", "o", html, "-1", "<b>h</b>",
+        text, "0", "t"} << false << QStringList {};
+}
+
+void ClipboardTest::wholeOrNothing()
+{
+    QFETCH(QStringList, owner);
+    QFETCH(bool, whole);
+    QFETCH(QStringList, formats);
+    QProcess process;
+    QVERIFY(startSelectionOwner(process, owner));
+    X11Clipboard clipboard;
+    const std::optional<Clipboard::Snapshot> snapshot = snapshotOf(clipboard);
+    process.kill();
+    process.waitForFinished();
+    QCOMPARE(snapshot.has_value(), whole);
+    if (whole) {
+        QCOMPARE(snapshot->size(), 1);
+        QCOMPARE(snapshot->first().keys(), formats);
+    }
+}
+
+void ClipboardTest::ownerSilentOnItsFormats()
+{
+    // Not even the list of formats comes: nothing is known to put back.
+    QProcess owner;
+    owner.start(QStringLiteral(CLIPBOARD_OWNER_PATH), {QStringLiteral("--silent")});
+    QVERIFY(owner.waitForStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(owner.canReadLine(), 10000);
+    X11Clipboard clipboard;
+    const std::optional<Clipboard::Snapshot> snapshot = snapshotOf(clipboard);
+    owner.kill();
+    owner.waitForFinished();
+    QVERIFY2(!snapshot, "an empty snapshot would empty the user's clipboard");
+}
+
+void ClipboardTest::lateRefusalOfAGivenUpSnapshot()
+{
+    // The owner refuses the first request for HTML, stamped CurrentTime, only
+    // after the first snapshot gave up; the refusal arrives while the second
+    // snapshot waits for its own HTML, which comes later.
+    QProcess owner;
+    QVERIFY(startSelectionOwner(owner,
+        {QStringLiteral("text/html"), QStringLiteral("refuse@2400,900"), QStringLiteral("<b>h</b>"),
+            QStringLiteral("UTF8_STRING"), QStringLiteral("0"), QStringLiteral("t")}));
+    X11Clipboard clipboard;
+    QCOMPARE(snapshotOf(clipboard), std::nullopt);
+    const std::optional<Clipboard::Snapshot> second = snapshotOf(clipboard);
+    owner.kill();
+    owner.waitForFinished();
+    QVERIFY(second);
+    QCOMPARE(second->value(0).value(QStringLiteral("text/html")), QByteArray("<b>h</b>"));
 }
 
 void ClipboardTest::largeImagePiecewise()
@@ -222,7 +313,8 @@ void ClipboardTest::largeImagePiecewise()
     QVERIFY(xclip.waitForFinished(5000));
     X11Clipboard clipboard;
     Clipboard::Snapshot snapshot;
-    QTRY_VERIFY_WITH_TIMEOUT(!(snapshot = snapshotOf(clipboard)).isEmpty(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !(snapshot = snapshotOf(clipboard).value_or(Clipboard::Snapshot {})).isEmpty(), 10000);
     QCOMPARE(snapshot.first().keys(), QStringList {QStringLiteral("image/png")});
     QVERIFY(snapshot.first().value(QStringLiteral("image/png")) == image);
 
@@ -236,13 +328,13 @@ void ClipboardTest::emptyClipboardRestoresEmpty()
 {
     X11Clipboard clipboard;
     clipboard.restore({});
-    QVERIFY(snapshotOf(clipboard).isEmpty());
+    QCOMPARE(snapshotOf(clipboard), Clipboard::Snapshot {});
     QVERIFY(!readWithXclip(QStringLiteral("UTF8_STRING")).has_value()
         || readWithXclip(QStringLiteral("UTF8_STRING"))->isEmpty());
 
     clipboard.setText(QStringLiteral("x"));
-    clipboard.restore(snapshotOf(clipboard).mid(0, 0));
-    QVERIFY(snapshotOf(clipboard).isEmpty());
+    clipboard.restore(snapshotOf(clipboard).value().mid(0, 0));
+    QCOMPARE(snapshotOf(clipboard), Clipboard::Snapshot {});
 }
 
 void ClipboardTest::storeCopiesLandAsText()

@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Preferences over a real settings file: defaults, round trips, readings of
-// bad stored values, notification only on change, and the side effects that
-// run on every assignment.
+// bad stored values, notification only on change, the side effects that
+// run on every assignment, and writes that never hold the event loop.
 
 #include "TestEnvironment.h"
 
 #include "library/LibraryFile.h"
 #include "shell/Preferences.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
 #include <QSignalSpy>
+#include <QTimer>
 
 using namespace Vesko;
 
@@ -28,6 +33,7 @@ private Q_SLOTS:
     void equalAssignmentWritesButDoesNotNotify();
     void sideEffectsRunOnEveryAssignment();
     void storedPanelFrame();
+    void writesDoNotHoldTheEventLoop();
 };
 
 void PreferencesTest::defaults()
@@ -69,6 +75,8 @@ void PreferencesTest::roundTripThroughTheFile()
         p.setListStyle(ListStyle::Dash);
         p.setShowsInDock(true);
         p.setLibraryPath(QStringLiteral("/data/Mine.json"));
+        // Readers of the file see an assignment at once, written or not.
+        QCOMPARE(libraryURL(), QStringLiteral("/data/Mine.json"));
     }
     const Preferences p;
     QCOMPARE(p.appearance(), AppAppearance::Dark);
@@ -142,6 +150,7 @@ void PreferencesTest::equalAssignmentWritesButDoesNotNotify()
     QSignalSpy changed(&p, &Preferences::pinOnTopChanged);
     p.setPinOnTop(false); // the default, but now written
     QCOMPARE(changed.size(), 0);
+    p.flush();
     QVERIFY(Preferences::openSettings()->contains(QStringLiteral("pinOnTop")));
     p.setPinOnTop(true);
     QCOMPARE(changed.size(), 1);
@@ -182,9 +191,35 @@ void PreferencesTest::storedPanelFrame()
 
     p.clearStoredPanelFrame();
     QVERIFY(!p.storedPanelFrame());
+    p.flush();
     const auto settings = Preferences::openSettings();
     QVERIFY(settings->contains(QStringLiteral("panelOriginX"))); // the origin stays
     QCOMPARE(settings->value(QStringLiteral("panelOriginY")).toDouble(), 20.0);
+}
+
+void PreferencesTest::writesDoNotHoldTheEventLoop()
+{
+    // Another writer holds the settings file's lock, as a slow disk would
+    // hold the write: the interface goes on meanwhile.
+    const QString file = Preferences::openSettings()->fileName();
+    QVERIFY(QDir().mkpath(QFileInfo(file).path()));
+    QLockFile otherWriter(file + QStringLiteral(".lock"));
+    QVERIFY(otherWriter.tryLock());
+    Preferences p;
+    p.setPinOnTop(true);
+    QCOMPARE(p.pinOnTop(), true);
+    int turns = 0;
+    QTimer turning;
+    connect(&turning, &QTimer::timeout, [&turns] { ++turns; });
+    turning.start(5);
+    QTRY_VERIFY_WITH_TIMEOUT(turns >= 20, 10000);
+
+    otherWriter.unlock();
+    const auto fileHolds = [&file] {
+        QFile settings(file);
+        return settings.open(QIODevice::ReadOnly) && settings.readAll().contains("pinOnTop=true");
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(fileHolds(), 20000);
 }
 
 VESKO_TEST_MAIN(PreferencesTest)

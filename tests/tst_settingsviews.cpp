@@ -61,8 +61,10 @@ QLabel *visibleLabel(QWidget *root, const QString &text)
     return label && label->isVisibleTo(root) ? label : nullptr;
 }
 
-QVariant storedValue(const QString &key)
+//! What the settings file holds under \a key once \a preferences have written it.
+QVariant storedValue(Preferences &preferences, const QString &key)
 {
+    preferences.flush();
     return Preferences::openSettings()->value(key);
 }
 
@@ -244,7 +246,7 @@ void SettingsViewsTest::togglesWriteTheSettingsFile()
     QCOMPARE(box->accessibleName().isEmpty() ? box->text() : box->accessibleName(), label);
     QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
     QCOMPARE(box->isChecked(), !before);
-    QCOMPARE(storedValue(key).toBool(), !before);
+    QCOMPARE(storedValue(m_rig->preferences, key).toBool(), !before);
     QCOMPARE(m_rig->preferences.property(key.toLatin1()).toBool(), !before);
 }
 
@@ -289,7 +291,7 @@ void SettingsViewsTest::pickersWriteTheSettingsFile()
     QVERIFY(index >= 0);
     picker->setCurrentIndex(index);
     Q_EMIT picker->activated(index);
-    QCOMPARE(storedValue(key).toString(), stored);
+    QCOMPARE(storedValue(m_rig->preferences, key).toString(), stored);
     // Choosing a position forgets where the panel was left.
     QCOMPARE(m_rig->preferences.storedPanelFrame().has_value(), key != u"panelEdge");
 }
@@ -434,7 +436,8 @@ void SettingsViewsTest::intervalSliderKeepsItsBounds()
     slider->setFocus();
     QTest::keyClick(slider, Qt::Key_Left);
     QCOMPARE(m_rig->preferences.doubleShiftInterval(), 0.75);
-    QCOMPARE(storedValue(QStringLiteral("doubleShiftInterval")).toDouble(), 0.75);
+    QCOMPARE(
+        storedValue(m_rig->preferences, QStringLiteral("doubleShiftInterval")).toDouble(), 0.75);
     QVERIFY(visibleLabel(&view, QStringLiteral("750 ms")));
     QTest::keyClick(slider, Qt::Key_Home);
     QCOMPARE(m_rig->preferences.doubleShiftInterval(), 0.2);
@@ -471,7 +474,7 @@ void SettingsViewsTest::moveThereAndBackThroughTheDialog()
 
     const QString moved = away + QStringLiteral("/Library.json");
     QCOMPARE(storage->error(), QString());
-    QCOMPARE(storedValue(QStringLiteral("libraryPath")).toString(), moved);
+    QCOMPARE(storedValue(m_rig->preferences, QStringLiteral("libraryPath")).toString(), moved);
     QCOMPARE(noteTexts(moved), QStringList {QStringLiteral("with a picture")});
     QCOMPARE(attachmentFiles(moved), files);
     QVERIFY(!QFile::exists(home));
@@ -692,7 +695,7 @@ void SettingsViewsTest::wheelScrollsThePageUnlessTheControlHasFocus()
     QApplication::sendEvent(widget, &wheel);
 
     // Only a control with the focus takes the wheel; otherwise the page scrolls.
-    QCOMPARE(storedValue(key).isValid(), focused);
+    QCOMPARE(storedValue(m_rig->preferences, key).isValid(), focused);
     QCOMPARE(bar->value() > 0, !focused);
 }
 

@@ -4,6 +4,7 @@
 
 #include "capture/SelectionText.h"
 #include "platform/DesktopSession.h"
+#include "platform/Logging.h"
 
 #include <QPointer>
 
@@ -27,9 +28,18 @@ void SelectionReader::readSelection(Done done)
         done(std::nullopt);
         return;
     }
-    const std::optional<FrontApplication> front = m_session.frontApplication();
+    m_done = std::move(done);
+    QPointer<SelectionReader> self(this);
+    m_session.frontApplication([self](std::optional<FrontApplication> front) {
+        if (self)
+            self->readFrom(front);
+    });
+}
+
+void SelectionReader::readFrom(const std::optional<FrontApplication> &front)
+{
     if (!front) {
-        done(std::nullopt);
+        finish(std::nullopt);
         return;
     }
     // Asked once: a change of the answer in the middle of a read counts from the next one.
@@ -41,10 +51,9 @@ void SelectionReader::readSelection(Done done)
     if (trusted && front->windowTitle)
         source.windowTitle = cleanWindowTitle(*front->windowTitle);
     if (!trusted) {
-        done(std::nullopt);
+        finish(std::nullopt);
         return;
     }
-    m_done = std::move(done);
     m_source = source;
 
     // The fallback: never a synthetic copy into a terminal emulator; the
@@ -73,7 +82,7 @@ void SelectionReader::readSelection(Done done)
 void SelectionReader::readThroughCopy()
 {
     QPointer<SelectionReader> self(this);
-    m_clipboard.requestSnapshot([self](Clipboard::Snapshot snapshot) {
+    m_clipboard.requestSnapshot([self](std::optional<Clipboard::Snapshot> snapshot) {
         if (!self)
             return;
         self->m_snapshot = std::move(snapshot);
@@ -118,7 +127,12 @@ void SelectionReader::poll()
                 self->startAttempt();
                 return;
             }
-            self->m_clipboard.restore(self->m_snapshot);
+            // A partial snapshot would lose the formats it lacks: the copy
+            // stays on the clipboard rather than half of what was there.
+            if (self->m_snapshot)
+                self->m_clipboard.restore(*self->m_snapshot);
+            else
+                qCInfo(lcCapture, "The clipboard was not read whole: the copy stays on it");
             self->finish(*text);
         });
         return;
@@ -133,7 +147,7 @@ void SelectionReader::finish(std::optional<QString> text)
 {
     Done done = std::move(m_done);
     m_done = nullptr;
-    m_snapshot.clear();
+    m_snapshot.reset();
     std::optional<CapturedSelection> result;
     if (text) {
         const QString normalized = normalizeCapturedText(*text);

@@ -11,6 +11,7 @@
 
 #include "library/Library.h"
 #include "platform/Clipboard.h"
+#include "platform/DesktopSession.h"
 
 #include <QObject>
 #include <QTimer>
@@ -19,8 +20,6 @@
 #include <optional>
 
 namespace Vesko {
-
-class DesktopSession;
 
 struct CapturedSelection
 {
@@ -51,6 +50,7 @@ public:
     bool isReading() const { return bool(m_done); }
 
 private:
+    void readFrom(const std::optional<FrontApplication> &front);
     void readThroughCopy();
     void startAttempt();
     void poll();
@@ -67,7 +67,8 @@ private:
     quint64 m_baseline = 0;
     int m_attempt = 0;
     int m_polls = 0;
-    Clipboard::Snapshot m_snapshot;
+    //! Nothing when the clipboard could not be read whole: then it is not put back.
+    std::optional<Clipboard::Snapshot> m_snapshot;
 };
 
 } // namespace Vesko

@@ -117,7 +117,7 @@ QString defaultLibraryURL()
 
 QString libraryURL()
 {
-    const QString chosen = openSettingsFile()->value(QStringLiteral("libraryPath")).toString();
+    const QString chosen = settingValue(QStringLiteral("libraryPath")).toString();
     return chosen.isEmpty() ? defaultLibraryURL() : chosen;
 }
 

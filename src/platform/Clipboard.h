@@ -29,9 +29,11 @@ public:
     //! Replaces the clipboard's content by \a text, as plain text only.
     virtual void setText(const QString &text) = 0;
     //! Hands a snapshot of the clipboard to \a done: at once when the content
-    //! is at hand, later when its owner must send it. Formats the owner does
-    //! not send in time are left out.
-    virtual void requestSnapshot(std::function<void(Snapshot)> done) = 0;
+    //! is at hand, later when its owner must send it. Formats the owner
+    //! refuses are left out. Nothing when the snapshot could not be taken
+    //! whole (the owner did not send every format in time): such a snapshot
+    //! is not one to put back.
+    virtual void requestSnapshot(std::function<void(std::optional<Snapshot>)> done) = 0;
     //! Empties the clipboard, then puts \a items back; an empty snapshot leaves it empty.
     virtual void restore(const Snapshot &items) = 0;
     //! Raised by every change of the clipboard's content, whoever made it.

@@ -34,7 +34,8 @@ class DesktopSession
 public:
     virtual ~DesktopSession() = default;
 
-    virtual std::optional<FrontApplication> frontApplication() = 0;
+    //! Hands \a done the application in front now, or nothing when there is none.
+    virtual void frontApplication(std::function<void(std::optional<FrontApplication>)> done) = 0;
     //! Hands \a done the text of the primary selection when its owner belongs
     //! to \a processID, else nothing.
     virtual void readPrimarySelection(

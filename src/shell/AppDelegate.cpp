@@ -69,6 +69,8 @@ void AppDelegate::willTerminate()
         return;
     m_terminated = true;
     m_store.flushSave();
+    // The settings live as long as the process: what is still on its way goes now.
+    m_preferences.flush();
     call(m_hooks.unregisterHotKeys);
 }
 

@@ -143,9 +143,10 @@ std::unique_ptr<QSettings> Preferences::openSettings()
 
 Preferences::Preferences(QObject *parent)
     : QObject(parent)
-    , m_settings(openSettings())
+    , m_writer(std::make_unique<SettingsWriter>())
 {
-    const QSettings &s = *m_settings;
+    const std::unique_ptr<QSettings> settings = openSettings();
+    const QSettings &s = *settings;
     m_appearance
         = appAppearanceFromRawValue(readString(s, Key::appearance, QStringLiteral("system")));
     m_panelEdge = panelEdgeFromRawValue(readString(s, Key::panelEdge, QStringLiteral("right")));
@@ -169,6 +170,21 @@ Preferences::Preferences(QObject *parent)
     m_defaultLibraryURL = defaultLibraryURL();
     const QVariant path = s.value(key(Key::libraryPath));
     m_libraryPath = path.isValid() ? path.toString() : m_defaultLibraryURL;
+    m_panelOriginX = readDouble(s, Key::panelOriginX, 0);
+    m_panelOriginY = readDouble(s, Key::panelOriginY, 0);
+    m_hasStoredPanelFrame = readBool(s, Key::hasStoredPanelFrame, false);
+}
+
+Preferences::~Preferences() = default;
+
+void Preferences::write(const char *name, const QVariant &value)
+{
+    m_writer->setValue(key(name), value);
+}
+
+void Preferences::flush()
+{
+    m_writer->flush();
 }
 
 Preferences &Preferences::shared()
@@ -183,7 +199,7 @@ void Preferences::assign(T &field, const T &value, const char *name, const Store
 {
     const bool differs = !(field == value);
     field = value;
-    m_settings->setValue(key(name), stored);
+    write(name, stored);
     if (differs)
         Q_EMIT(this->*changed)();
 }
@@ -298,24 +314,27 @@ void Preferences::setLibraryPath(const QString &value)
 
 void Preferences::setStoredPanelFrame(const QRectF &frame)
 {
-    m_settings->setValue(key(Key::panelOriginX), frame.x());
-    m_settings->setValue(key(Key::panelOriginY), frame.y());
+    m_panelOriginX = frame.x();
+    m_panelOriginY = frame.y();
+    write(Key::panelOriginX, frame.x());
+    write(Key::panelOriginY, frame.y());
     setPanelWidth(frame.width());
     setPanelHeight(frame.height());
-    m_settings->setValue(key(Key::hasStoredPanelFrame), true);
+    m_hasStoredPanelFrame = true;
+    write(Key::hasStoredPanelFrame, true);
 }
 
 std::optional<QRectF> Preferences::storedPanelFrame() const
 {
-    if (!readBool(*m_settings, Key::hasStoredPanelFrame, false))
+    if (!m_hasStoredPanelFrame)
         return std::nullopt;
-    return QRectF(readDouble(*m_settings, Key::panelOriginX, 0),
-        readDouble(*m_settings, Key::panelOriginY, 0), m_panelWidth, m_panelHeight);
+    return QRectF(m_panelOriginX, m_panelOriginY, m_panelWidth, m_panelHeight);
 }
 
 void Preferences::clearStoredPanelFrame()
 {
-    m_settings->setValue(key(Key::hasStoredPanelFrame), false);
+    m_hasStoredPanelFrame = false;
+    write(Key::hasStoredPanelFrame, false);
 }
 
 } // namespace Vesko

@@ -2,7 +2,8 @@
 //
 // The user's settings: every key with its type and default, held in memory
 // for reading and written through to the settings file ($XDG_CONFIG_HOME/
-// Vesko/Vesko.conf) on every assignment. A property's change signal fires only
+// Vesko/Vesko.conf) on every assignment, by a worker thread, so that no
+// assignment waits for the disk. A property's change signal fires only
 // when its value really changes; the few side effects run on every assignment.
 
 #pragma once
@@ -14,6 +15,8 @@
 #include <optional>
 
 namespace Vesko {
+
+class SettingsWriter;
 
 Q_NAMESPACE
 
@@ -71,6 +74,8 @@ class Preferences : public QObject
 public:
     //! Reads every key from the settings file once.
     explicit Preferences(QObject *parent = nullptr);
+    //! Waits for the values assigned to reach the file.
+    ~Preferences() override;
 
     //! The one instance of the process, made on first use and never destroyed.
     static Preferences &shared();
@@ -127,10 +132,14 @@ public:
 
     //! Remembers the panel's frame: its origin, and its size as panelWidth and panelHeight.
     void setStoredPanelFrame(const QRectF &frame);
-    //! The remembered frame, read from the file at each call; nothing when none is valid.
+    //! The remembered frame; nothing when none is valid.
     std::optional<QRectF> storedPanelFrame() const;
     //! Forgets the remembered frame; the origin keys stay where they are.
     void clearStoredPanelFrame();
+
+    //! Blocks until every value assigned so far is in the settings file:
+    //! for the end of the program, and for tests that read the file.
+    void flush();
 
 Q_SIGNALS:
     void appearanceChanged();
@@ -165,7 +174,9 @@ private:
     void assign(T &field, const T &value, const char *key, const Stored &stored,
         void (Preferences::*changed)());
 
-    std::unique_ptr<QSettings> m_settings;
+    void write(const char *name, const QVariant &value);
+
+    std::unique_ptr<SettingsWriter> m_writer;
     AppAppearance m_appearance;
     PanelEdge m_panelEdge;
     double m_panelWidth;
@@ -186,6 +197,9 @@ private:
     bool m_showsInDock;
     QString m_libraryPath;
     QString m_defaultLibraryURL;
+    double m_panelOriginX;
+    double m_panelOriginY;
+    bool m_hasStoredPanelFrame;
 };
 
 } // namespace Vesko

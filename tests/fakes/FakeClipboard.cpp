@@ -15,10 +15,10 @@ void FakeClipboard::replaceBy(const Snapshot &snapshot)
     ++count;
 }
 
-void FakeClipboard::requestSnapshot(std::function<void(Snapshot)> done)
+void FakeClipboard::requestSnapshot(std::function<void(std::optional<Snapshot>)> done)
 {
     // What is there when the answer goes out, as with a real owner.
-    answers.answer([this, done] { done(items); });
+    answers.answer([this, done] { done(snapshotsWhole ? std::optional(items) : std::nullopt); });
 }
 
 void FakeClipboard::restore(const Snapshot &snapshot)

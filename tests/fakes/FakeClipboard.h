@@ -15,7 +15,7 @@ class FakeClipboard : public Clipboard
 {
 public:
     void setText(const QString &text) override;
-    void requestSnapshot(std::function<void(Snapshot)> done) override;
+    void requestSnapshot(std::function<void(std::optional<Snapshot>)> done) override;
     void restore(const Snapshot &snapshot) override;
     quint64 changeCount() const override { return count; }
     void requestText(std::function<void(std::optional<QString>)> done) override;
@@ -28,6 +28,9 @@ public:
     Snapshot items;
     quint64 count = 0;
     int restores = 0;
+    //! False: snapshots come back as not taken whole, as from an owner that
+    //! did not send every format.
+    bool snapshotsWhole = true;
     FakeAnswers answers;
 };
 

@@ -17,7 +17,10 @@ namespace Vesko::Test {
 class FakeDesktopSession : public DesktopSession
 {
 public:
-    std::optional<FrontApplication> frontApplication() override { return front; }
+    void frontApplication(std::function<void(std::optional<FrontApplication>)> done) override
+    {
+        done(front);
+    }
     void readPrimarySelection(
         qint64 processID, std::function<void(std::optional<QString>)> done) override;
     void sendCopy(int attempt, std::function<void(bool sent)> done) override;

@@ -49,7 +49,7 @@ void QtClipboard::setText(const QString &text)
     clipboard()->setText(text, QClipboard::Clipboard);
 }
 
-void QtClipboard::requestSnapshot(std::function<void(Snapshot)> done)
+void QtClipboard::requestSnapshot(std::function<void(std::optional<Snapshot>)> done)
 {
     done(snapshotNow());
 }

@@ -19,7 +19,7 @@ public:
     ~QtClipboard() override;
 
     void setText(const QString &text) override;
-    void requestSnapshot(std::function<void(Snapshot)> done) override;
+    void requestSnapshot(std::function<void(std::optional<Snapshot>)> done) override;
     void restore(const Snapshot &items) override;
     quint64 changeCount() const override { return m_changeCount; }
     void requestText(std::function<void(std::optional<QString>)> done) override;

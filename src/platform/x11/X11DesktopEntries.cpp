@@ -2,11 +2,19 @@
 
 #include "platform/x11/X11DesktopEntries.h"
 
+#include "platform/SerialQueue.h"
+
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
+#include <QPointer>
 #include <QStandardPaths>
+#include <QTimer>
+
+#include <algorithm>
+#include <utility>
 
 namespace Vesko {
 
@@ -52,18 +60,15 @@ struct DesktopFile
 
 } // namespace
 
-void X11DesktopEntries::load()
+X11DesktopEntries::Index X11DesktopEntries::Index::read(const QStringList &folders)
 {
-    m_loaded = true;
-    const QStringList folders = QStandardPaths::locateAll(
-        QStandardPaths::ApplicationsLocation, QString(), QStandardPaths::LocateDirectory);
-    // The first folder wins, as in the desktop's own lookup.
+    Index index;
     for (const QString &folder : folders) {
         const QDir dir(folder);
         for (const QFileInfo &info :
             dir.entryInfoList({QStringLiteral("*.desktop")}, QDir::Files)) {
             const QString id = info.completeBaseName();
-            if (m_byID.contains(id))
+            if (index.byID.contains(id))
                 continue;
             const DesktopFile file(info.filePath());
             Entry entry;
@@ -72,36 +77,90 @@ void X11DesktopEntries::load()
             entry.isTerminal = file.values.value(QStringLiteral("Categories"))
                                    .split(u';')
                                    .contains(QStringLiteral("TerminalEmulator"));
-            m_byID.insert(id, entry);
+            index.byID.insert(id, entry);
             const QString windowClass = file.values.value(QStringLiteral("StartupWMClass"));
-            if (!windowClass.isEmpty() && !m_byWindowClass.contains(windowClass.toLower()))
-                m_byWindowClass.insert(windowClass.toLower(), entry);
+            if (!windowClass.isEmpty() && !index.byWindowClass.contains(windowClass.toLower()))
+                index.byWindowClass.insert(windowClass.toLower(), entry);
         }
     }
+    return index;
 }
 
-std::optional<X11DesktopEntries::Entry> X11DesktopEntries::find(
-    const QStringList &candidates, const QString &windowClass)
+std::optional<X11DesktopEntries::Entry> X11DesktopEntries::Index::find(
+    const QStringList &candidates, const QString &windowClass) const
 {
-    if (!m_loaded)
-        load();
     for (const QString &candidate : candidates) {
         QString id = candidate;
         if (id.endsWith(QLatin1String(".desktop")))
             id.chop(8);
-        const auto found = m_byID.constFind(id);
-        if (found != m_byID.constEnd())
+        const auto found = byID.constFind(id);
+        if (found != byID.constEnd())
             return *found;
     }
-    const auto byClass = m_byWindowClass.constFind(windowClass.toLower());
-    if (byClass != m_byWindowClass.constEnd())
+    const auto byClass = byWindowClass.constFind(windowClass.toLower());
+    if (byClass != byWindowClass.constEnd())
         return *byClass;
     for (const QString &candidate : candidates) {
-        const auto found = m_byID.constFind(candidate.toLower());
-        if (found != m_byID.constEnd())
+        const auto found = byID.constFind(candidate.toLower());
+        if (found != byID.constEnd())
             return *found;
     }
     return std::nullopt;
+}
+
+X11DesktopEntries::X11DesktopEntries(std::function<Index()> read)
+    : m_receiver(std::make_unique<QObject>())
+{
+    static SerialQueue queue(
+        QStringLiteral("com.vesko.vesko.desktop-entries"), QThread::LowPriority);
+    if (!read) {
+        read = [] {
+            return Index::read(QStandardPaths::locateAll(
+                QStandardPaths::ApplicationsLocation, QString(), QStandardPaths::LocateDirectory));
+        };
+    }
+    QPointer<QObject> receiver(m_receiver.get());
+    queue.async([this, receiver, read] {
+        auto index = std::make_shared<const Index>(read());
+        // The receiver is looked at on the main thread only, where it lives.
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [this, receiver, index] {
+                if (receiver)
+                    take(index);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+X11DesktopEntries::~X11DesktopEntries() = default;
+
+void X11DesktopEntries::take(std::shared_ptr<const Index> index)
+{
+    m_index = std::move(index);
+    const QList<Lookup> waiting = std::exchange(m_waiting, {});
+    for (const Lookup &lookup : waiting)
+        lookup.found(m_index->find(lookup.candidates, lookup.windowClass));
+}
+
+void X11DesktopEntries::find(const QStringList &candidates, const QString &windowClass, Found found)
+{
+    if (m_index) {
+        found(m_index->find(candidates, windowClass));
+        return;
+    }
+    const quint64 number = ++m_lookups;
+    m_waiting.append({number, candidates, windowClass, std::move(found)});
+    // A folder that does not answer (a network mount, say) holds no capture for long.
+    QTimer::singleShot(lookupTimeoutMilliseconds, m_receiver.get(), [this, number] {
+        const auto late = std::find_if(m_waiting.begin(), m_waiting.end(),
+            [number](const Lookup &lookup) { return lookup.number == number; });
+        if (late == m_waiting.end())
+            return;
+        const Found found = std::move(late->found);
+        m_waiting.erase(late);
+        found(std::nullopt);
+    });
 }
 
 } // namespace Vesko

@@ -13,6 +13,8 @@
 
 #include <xcb/xcb.h>
 
+#include <functional>
+
 namespace Vesko {
 
 class X11Connection;
@@ -24,13 +26,18 @@ public:
 
     //! The active window, or 0 when the desktop has none.
     xcb_window_t activeWindow();
-    std::optional<FrontApplication> frontApplication();
+    //! Hands \a done the application in front, or nothing: once its desktop
+    //! entry has been looked up, which waits for the entries to be read the
+    //! first time. The window is the one in front when this is called.
+    void frontApplication(std::function<void(std::optional<FrontApplication>)> done);
 
 private:
-    std::optional<QString> windowTitle(xcb_window_t window);
+    //! The atom of \a name, asked of the server the first time only.
+    xcb_atom_t atom(const char *name);
 
     X11Connection &m_connection;
     X11DesktopEntries m_entries;
+    QHash<QByteArray, xcb_atom_t> m_atoms;
 };
 
 } // namespace Vesko

@@ -57,9 +57,9 @@ CaptureObstacle X11Session::captureObstacle()
     return CaptureObstacle::None;
 }
 
-std::optional<FrontApplication> X11Session::frontApplication()
+void X11Session::frontApplication(std::function<void(std::optional<FrontApplication>)> done)
 {
-    return m_front->frontApplication();
+    m_front->frontApplication(std::move(done));
 }
 
 void X11Session::readPrimarySelection(

@@ -34,7 +34,7 @@ public:
     //! What keeps capture from working here, or None.
     static CaptureObstacle captureObstacle();
 
-    std::optional<FrontApplication> frontApplication() override;
+    void frontApplication(std::function<void(std::optional<FrontApplication>)> done) override;
     void readPrimarySelection(
         qint64 processID, std::function<void(std::optional<QString>)> done) override;
     void sendCopy(int attempt, std::function<void(bool sent)> done) override;

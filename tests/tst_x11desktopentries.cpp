@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The desktop entries that name the application in front: which entry a
+// window's ids and class find, in which order the folders and the
+// candidates count, and a first lookup that is answered once the folders
+// are read, while the event loop goes on, or without an entry when they
+// take too long.
+
+#include "TestEnvironment.h"
+
+#include "platform/x11/X11DesktopEntries.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSemaphore>
+#include <QTemporaryDir>
+#include <QTimer>
+
+using namespace Vesko;
+
+namespace {
+
+void writeEntry(const QString &folder, const QString &id, const QByteArray &body)
+{
+    QDir().mkpath(folder);
+    QFile file(folder + u'/' + id + QStringLiteral(".desktop"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("[Desktop Entry]\nType=Application\n" + body);
+}
+
+} // namespace
+
+class X11DesktopEntriesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void find_data();
+    void find();
+    void firstLookupIsAnsweredOnTheEventLoop();
+    void lookupGivesUpOnFoldersThatDoNotAnswer();
+
+private:
+    QTemporaryDir m_dir;
+    QString m_user;
+    QString m_system;
+};
+
+void X11DesktopEntriesTest::initTestCase()
+{
+    QVERIFY(m_dir.isValid());
+    m_user = m_dir.filePath(QStringLiteral("user"));
+    m_system = m_dir.filePath(QStringLiteral("system"));
+    writeEntry(m_system, QStringLiteral("org.gnome.Terminal"),
+        "Name=Terminal\nName[de]=Konsole der Wahl\nCategories=GTK;System;TerminalEmulator;\n");
+    writeEntry(m_system, QStringLiteral("org.example.Editor"),
+        "Name=System Editor\nStartupWMClass=EditorMain\n");
+    // The user's own entry of the same id wins over the system's.
+    writeEntry(m_user, QStringLiteral("org.example.Editor"),
+        "Name=My Editor\nStartupWMClass=EditorMain\n");
+    writeEntry(m_system, QStringLiteral("firefox"), "Name=Firefox Web Browser\n");
+    // Keys outside the entry's own group are not its keys.
+    writeEntry(m_system, QStringLiteral("viewer"),
+        "Name=Viewer\n\n[Desktop Action Open]\nName=Open a Window\n");
+}
+
+void X11DesktopEntriesTest::find_data()
+{
+    QTest::addColumn<QStringList>("candidates");
+    QTest::addColumn<QString>("windowClass");
+    QTest::addColumn<QString>("id");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("terminal");
+
+    QTest::newRow("application id")
+        << QStringList {"org.gnome.Terminal", "Gnome-terminal"} << "Gnome-terminal"
+        << "org.gnome.Terminal"
+        << "Terminal" << true;
+    QTest::newRow("desktop file name") << QStringList {"firefox.desktop"} << "Navigator"
+                                       << "firefox"
+                                       << "Firefox Web Browser" << false;
+    QTest::newRow("declared window class, any case")
+        << QStringList {"editormain", "editor"} << "editormain"
+        << "org.example.Editor"
+        << "My Editor" << false;
+    QTest::newRow("an id before the window class")
+        << QStringList {"viewer", "EditorMain"} << "EditorMain"
+        << "viewer"
+        << "Viewer" << false;
+    QTest::newRow("class in lower case") << QStringList {"Firefox", "Navigator"} << "Navigator"
+                                         << "firefox"
+                                         << "Firefox Web Browser" << false;
+    QTest::newRow("no entry") << QStringList {"xterm", "XTerm"} << "XTerm"
+                              << ""
+                              << "" << false;
+}
+
+void X11DesktopEntriesTest::find()
+{
+    QFETCH(QStringList, candidates);
+    QFETCH(QString, windowClass);
+    QFETCH(QString, id);
+    QFETCH(QString, name);
+    QFETCH(bool, terminal);
+    const X11DesktopEntries::Index index = X11DesktopEntries::Index::read({m_user, m_system});
+    const std::optional<X11DesktopEntries::Entry> entry = index.find(candidates, windowClass);
+    QCOMPARE(entry.has_value(), !id.isEmpty());
+    if (entry) {
+        QCOMPARE(entry->id, id);
+        QCOMPARE(entry->name, name);
+        QCOMPARE(entry->isTerminal, terminal);
+    }
+}
+
+void X11DesktopEntriesTest::firstLookupIsAnsweredOnTheEventLoop()
+{
+    // The folders are read while a capture asks: it is answered once they
+    // are, and the event loop goes on meanwhile.
+    QSemaphore reading;
+    const QString user = m_user;
+    X11DesktopEntries entries([&reading, user] {
+        reading.tryAcquire(1, 20000);
+        return X11DesktopEntries::Index::read({user});
+    });
+    int turns = 0;
+    QTimer turning;
+    connect(&turning, &QTimer::timeout, [&turns] { ++turns; });
+    turning.start(5);
+    std::optional<X11DesktopEntries::Entry> found;
+    int answers = 0;
+    entries.find({QStringLiteral("org.example.Editor")}, QString(),
+        [&](std::optional<X11DesktopEntries::Entry> entry) {
+            found = entry;
+            ++answers;
+        });
+    QTRY_VERIFY(turns >= 10);
+    QCOMPARE(answers, 0);
+    reading.release();
+    QTRY_COMPARE(answers, 1);
+    QVERIFY(found);
+    QCOMPARE(found->name, QStringLiteral("My Editor"));
+
+    // Once read, a lookup is answered at once.
+    bool answered = false;
+    entries.find({QStringLiteral("org.example.Editor")}, QString(),
+        [&answered](
+            std::optional<X11DesktopEntries::Entry> entry) { answered = entry.has_value(); });
+    QVERIFY(answered);
+}
+
+void X11DesktopEntriesTest::lookupGivesUpOnFoldersThatDoNotAnswer()
+{
+    QSemaphore reading;
+    const QString user = m_user;
+    X11DesktopEntries entries([&reading, user] {
+        reading.tryAcquire(1, 20000);
+        return X11DesktopEntries::Index::read({user});
+    });
+    int answers = 0;
+    std::optional<X11DesktopEntries::Entry> found;
+    entries.find({QStringLiteral("org.example.Editor")}, QString(),
+        [&](std::optional<X11DesktopEntries::Entry> entry) {
+            found = entry;
+            ++answers;
+        });
+    QTRY_COMPARE_WITH_TIMEOUT(answers, 1, 4 * X11DesktopEntries::lookupTimeoutMilliseconds);
+    QVERIFY(!found);
+
+    // The folders read at last answer the next lookup, and the first only once.
+    reading.release();
+    std::optional<std::optional<X11DesktopEntries::Entry>> next;
+    entries.find({QStringLiteral("org.example.Editor")}, QString(),
+        [&next](std::optional<X11DesktopEntries::Entry> entry) { next = entry; });
+    QTRY_VERIFY(next.has_value());
+    QVERIFY(next->has_value());
+    QCOMPARE(answers, 1);
+}
+
+VESKO_TEST_MAIN(X11DesktopEntriesTest)
+#include "tst_x11desktopentries.moc"
