@@ -73,6 +73,7 @@ public:
     //! piece of each file at a time, keeping files already there and copying
     //! links as links (see mergeAttachmentFolder()). \a progress and
     //! \a completion run on the main thread unless \a context has gone.
+    //! cancelCopies() stops it as failed, with the target as it was.
     void copyFolder(const QString &from, const QString &to, QObject *context, CopyProgress progress,
         CopyCompletion completion);
 
@@ -83,9 +84,12 @@ public:
     //! Blocks until the jobs queued so far are done.
     void waitForIdle();
 
-    //! For the end of the program: an import under way stops at its next
-    //! piece and removes what it made, every import asked for later fails, and
-    //! the call returns once the worker is idle. Nothing is left half copied.
+    //! For the end of the program, without waiting: an import or a folder
+    //! copy under way stops at its next piece and removes what it made, and
+    //! every one asked for later fails.
+    void cancelCopies();
+    //! cancelCopies(), then returns once the worker is idle. Nothing is left
+    //! half copied.
     void stopImports();
 
     using RemovalObserver = std::function<void(const QStringList &files)>;

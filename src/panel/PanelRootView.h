@@ -55,8 +55,9 @@ public:
     //! Moves the panel's focus to the composer, the search field or the list.
     void setFocusTarget(PanelFocusTarget target);
 
-    //! Places \a view at the foot of the panel, under the composer (the save
-    //! status line); nothing removes it but another call.
+    //! Places \a view at the foot of the panel, under the composer (the lines
+    //! about an unreadable library file and failed saves); nothing removes it
+    //! but another call.
     void setFootView(QWidget *view);
 
     ComposerView *composer() const { return m_composer; }

@@ -59,7 +59,8 @@ void AppDelegate::willTerminate()
     if (m_terminated)
         return;
     m_terminated = true;
-    m_store.flushSave();
+    // The library first: a copy of attachments under way does not hold it up.
+    m_store.finishForQuit();
     call(m_hooks.unregisterHotKeys);
 }
 
