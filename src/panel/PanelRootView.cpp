@@ -20,6 +20,7 @@
 #include "shell/Theme.h"
 #include "store/Store.h"
 
+#include <QAbstractButton>
 #include <QAbstractSpinBox>
 #include <QApplication>
 #include <QEvent>
@@ -125,6 +126,12 @@ protected:
         if (widget != &m_root && !m_root.isAncestorOf(widget))
             return false;
         const auto *key = static_cast<QKeyEvent *>(event);
+        // A button that has the keyboard (those of the lines at the foot) is
+        // pressed by its own keys, which the list would otherwise take.
+        if (qobject_cast<QAbstractButton *>(widget) && key->modifiers() == Qt::NoModifier
+            && (key->key() == Qt::Key_Space || key->key() == Qt::Key_Return
+                || key->key() == Qt::Key_Enter))
+            return false;
         return m_keys.handleKeyPress(key->key(), key->modifiers())
             == PanelKeyHandler::Result::Handled;
     }
