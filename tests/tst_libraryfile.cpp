@@ -103,7 +103,6 @@ private Q_SLOTS:
     void unreadableFileIsSetAside_data();
     void unreadableFileIsSetAside();
     void setAsideNeverOverwrites();
-    void unreadableLoadTellsWhereAndWhichBackups();
     void interruptedWritesAreCleanedAtLoad();
     void byteOrderMarkIsReadAndNotWrittenBack();
 
@@ -255,38 +254,6 @@ void LibraryFileTest::setAsideNeverOverwrites()
     const QStringList backups = entries(backupsFolder(m_path));
     QCOMPARE(backups.size(), 1);
     QCOMPARE(readFile(backupsFolder(m_path) + u'/' + backups.first()), QByteArray("not json"));
-}
-
-void LibraryFileTest::unreadableLoadTellsWhereAndWhichBackups()
-{
-    const QString folder = backupsFolder(m_path);
-    writeFile(folder + QStringLiteral("/older.json"), "older");
-    writeFile(folder + QStringLiteral("/newest.json"), "newest");
-    writeFile(folder + QStringLiteral("/middle.json"), "middle");
-    setModified(folder + QStringLiteral("/older.json"), 1700000010);
-    setModified(folder + QStringLiteral("/newest.json"), 1700000030);
-    setModified(folder + QStringLiteral("/middle.json"), 1700000020);
-    writeFile(m_path, "{\"version\": 3, \"projects\": [tru");
-
-    QTest::ignoreMessage(
-        QtCriticalMsg, QRegularExpression(QStringLiteral("^Could not read library")));
-    std::optional<UnreadableLibrary> unreadable;
-    loadLibrary(m_path, &unreadable);
-    QVERIFY(unreadable);
-    QVERIFY(unreadable->isSetAside);
-    QCOMPARE(QFileInfo(unreadable->path).absolutePath(), m_folder);
-    QVERIFY(unreadable->path.contains(QStringLiteral("/Library-unreadable-")));
-    QCOMPARE(readFile(unreadable->path), QByteArray("{\"version\": 3, \"projects\": [tru"));
-    QVERIFY(!unreadable->reason.isEmpty());
-    QCOMPARE(unreadable->backups,
-        (QStringList {folder + QStringLiteral("/newest.json"),
-            folder + QStringLiteral("/middle.json"), folder + QStringLiteral("/older.json")}));
-
-    // A file that reads tells nothing.
-    std::optional<UnreadableLibrary> none;
-    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("fine")), m_path), std::nullopt);
-    loadLibrary(m_path, &none);
-    QVERIFY(!none);
 }
 
 void LibraryFileTest::interruptedWritesAreCleanedAtLoad()
