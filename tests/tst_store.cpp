@@ -162,8 +162,8 @@ private Q_SLOTS:
     void moveIntoTheAttachmentsFolderIsRefused();
     void moveCopiesLinksAsLinks();
     void moveWaitsForQueuedSaves();
-    void quitCutsAMoveShort_data();
-    void quitCutsAMoveShort();
+    void moveCutShortLeavesTheTargetAsItWas_data();
+    void moveCutShortLeavesTheTargetAsItWas();
     void savesGoWhereThePreferencesSay();
 
 private:
@@ -816,16 +816,19 @@ void StoreTest::moveWaitsForQueuedSaves()
     QCOMPARE(fileLibrary(), std::optional<Library>(store.library()));
 }
 
-void StoreTest::quitCutsAMoveShort_data()
+void StoreTest::moveCutShortLeavesTheTargetAsItWas_data()
 {
     QTest::addColumn<bool>("copyUnderWay");
-    QTest::newRow("before the copy begins") << false;
-    QTest::newRow("while the copy runs") << true;
+    QTest::addColumn<bool>("byQuit");
+    QTest::newRow("quit before the copy begins") << false << true;
+    QTest::newRow("quit while the copy runs") << true << true;
+    QTest::newRow("Cancel Move while the copy runs") << true << false;
 }
 
-void StoreTest::quitCutsAMoveShort()
+void StoreTest::moveCutShortLeavesTheTargetAsItWas()
 {
     QFETCH(bool, copyUnderWay);
+    QFETCH(bool, byQuit);
     const QString current = libraryURL();
     QVERIFY(!writeLibrary(libraryWithNotes(1), current));
     // Large attachments, so that the copy is far from done at the quit.
@@ -853,7 +856,16 @@ void StoreTest::quitCutsAMoveShort()
         QVERIFY(QFileInfo::exists(first));
     }
 
-    store.finishForQuit();
+    if (byQuit) {
+        store.finishForQuit();
+    } else {
+        QSignalSpy finished(&store, &Store::libraryMoveFinished);
+        store.cancelLibraryMove();
+        QVERIFY(finished.wait(30000));
+        QCOMPARE(finished.first().first().toString(), QStringLiteral("The move was cancelled."));
+        QVERIFY(!store.isMovingLibrary());
+        store.flushSave();
+    }
 
     // The library is written where it was, and stays there.
     QCOMPARE(libraryURL(), current);

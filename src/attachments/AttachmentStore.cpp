@@ -320,7 +320,8 @@ void AttachmentStore::stopImports()
 }
 
 void AttachmentStore::copyFolder(const QString &from, const QString &to, QObject *context,
-    CopyProgress progress, CopyCompletion completion)
+    CopyProgress progress, CopyCompletion completion,
+    std::shared_ptr<const std::atomic_bool> cancelled)
 {
     QPointer<QObject> receiver(context);
     auto onMainThread = [receiver](auto call) {
@@ -333,7 +334,8 @@ void AttachmentStore::copyFolder(const QString &from, const QString &to, QObject
             Qt::QueuedConnection);
     };
     m_queue->async([from, to, onMainThread, progress = std::move(progress),
-                       completion = std::move(completion), cancelled = m_cancelled] {
+                       completion = std::move(completion), stopped = m_cancelled,
+                       cancelled = std::move(cancelled)] {
         const qint64 total = folderSize(from);
         qint64 copied = 0;
         QElapsedTimer sinceReport;
@@ -345,7 +347,7 @@ void AttachmentStore::copyFolder(const QString &from, const QString &to, QObject
                 sinceReport.restart();
                 onMainThread([progress, copied, total] { progress(copied, total); });
             }
-            return !cancelled->load();
+            return !stopped->load() && !(cancelled && cancelled->load());
         });
         if (progress && !failure)
             onMainThread([progress, total] { progress(total, total); });

@@ -73,9 +73,10 @@ public:
     //! piece of each file at a time, keeping files already there and copying
     //! links as links (see mergeAttachmentFolder()). \a progress and
     //! \a completion run on the main thread unless \a context has gone.
-    //! cancelCopies() stops it as failed, with the target as it was.
+    //! cancelCopies(), or raising \a cancelled, stops it as failed, with the
+    //! target as it was.
     void copyFolder(const QString &from, const QString &to, QObject *context, CopyProgress progress,
-        CopyCompletion completion);
+        CopyCompletion completion, std::shared_ptr<const std::atomic_bool> cancelled = {});
 
     //! Removes the file at \a oldLibrary and its attachment folder in the
     //! background, unless they are the same as those of \a newLibrary. After a move.

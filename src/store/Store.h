@@ -21,7 +21,9 @@
 #include <QSet>
 #include <QTimer>
 
+#include <atomic>
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace Vesko {
@@ -176,6 +178,11 @@ public:
     //! file stays in use. A destination that leads to the library file itself
     //! rewrites it and moves nothing.
     void moveLibrary(const QString &destination);
+    //! Stops a move while its attachments are copied: the copy stops at its
+    //! next piece and takes back what it copied, and the move ends as failed
+    //! with the library where it was. Once the file is being written the
+    //! move goes on to its end.
+    void cancelLibraryMove();
 
     // -- selection ------------------------------------------------------------
 
@@ -397,6 +404,8 @@ private:
     //! Writes of saves and retries queued and not answered yet.
     int m_savesInFlight = 0;
     bool m_isMovingLibrary = false;
+    //! Raised to cancel the copy of the move under way.
+    std::shared_ptr<std::atomic_bool> m_moveCancelled;
     std::optional<UnreadableLibrary> m_unreadable;
     bool m_isRestoringBackup = false;
     QString m_restoreFailure;
