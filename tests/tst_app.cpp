@@ -17,6 +17,7 @@
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <csignal>
 #include <sys/stat.h>
@@ -57,18 +58,24 @@ class PrivateXServer
 public:
     PrivateXServer()
     {
-        // The server picks a free display and writes its number to standard output.
+        // The server picks a free display and writes its number to standard
+        // output; it keeps its state when its last client goes.
+        m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_server.start(QStringLiteral("Xvfb"),
-            {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-                QStringLiteral("0"), QStringLiteral("1024x768x24"), QStringLiteral("-nolisten"),
-                QStringLiteral("tcp")});
+            {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-noreset"),
+                QStringLiteral("-screen"), QStringLiteral("0"), QStringLiteral("1024x768x24"),
+                QStringLiteral("-nolisten"), QStringLiteral("tcp")});
         QDeadlineTimer deadline(15000);
         while (!m_server.canReadLine() && m_server.state() != QProcess::NotRunning
             && !deadline.hasExpired())
             m_server.waitForReadyRead(100);
         const QByteArray number = m_server.readLine().trimmed();
-        if (!number.isEmpty())
-            m_display = u':' + QString::fromLatin1(number);
+        if (number.isEmpty())
+            return;
+        m_display = u':' + QString::fromLatin1(number);
+        // Ready once a client is served.
+        while (xdotool({QStringLiteral("getdisplaygeometry")}).isEmpty() && !deadline.hasExpired())
+            QThread::msleep(100);
     }
     ~PrivateXServer() { end(); }
 
@@ -360,7 +367,12 @@ void AppTest::noteSurvivesTheXServer()
                 QStringLiteral("--name"), QStringLiteral("^Vesko$")})
             .section(u'\n', 0, 0);
     };
-    QTRY_VERIFY_WITH_TIMEOUT(!panel().isEmpty(), 15000);
+    QTRY_VERIFY2_WITH_TIMEOUT(!panel().isEmpty() || vesko->state() == QProcess::NotRunning,
+        qPrintable(server.display()), 30000);
+    QVERIFY2(vesko->state() == QProcess::Running,
+        qPrintable(QStringLiteral("vesko ended with %1 on %2")
+                       .arg(vesko->exitCode())
+                       .arg(server.display())));
     QTRY_COMPARE_WITH_TIMEOUT(server.xdotool({QStringLiteral("getwindowfocus")}), panel(), 5000);
 
     const QString text = QStringLiteral("Typed just before the X server went away");
