@@ -628,6 +628,13 @@ void StoreTest::restoreLatestBackup()
         QCOMPARE(noteTexts(*fileLibrary()).first(), restored);
         store.undo();
         QCOMPARE(store.library(), typed);
+        // The saves that follow keep the backups of the earlier states all the same.
+        for (int i = 0; i < 2 * libraryBackupCount; ++i) {
+            store.addNote(QStringLiteral("typed after the restore %1").arg(i));
+            store.flushSave();
+        }
+        for (const QString &backup : std::as_const(unreadable->backups))
+            QVERIFY2(QFileInfo::exists(backup), qPrintable(backup));
     }
     // The file set aside is never touched.
     QCOMPARE(readFile(unreadable->path), damaged);

@@ -120,8 +120,9 @@ public:
     void setUnreadableLibrary(const std::optional<UnreadableLibrary> &unreadable);
     //! Reads the backups that the load found, newest first, off the main
     //! thread, and makes the first that reads the library: one change that
-    //! can be undone. The unreadable library is then no longer told of. When
-    //! none reads, restoreFailure() says so and nothing changes.
+    //! can be undone. The unreadable library is then no longer told of, and
+    //! those backups stay kept until the program ends. When none reads,
+    //! restoreFailure() says so and nothing changes.
     void restoreLatestBackup();
     //! The user has seen the news: it goes, and the backups rotate again.
     void dismissUnreadableLibrary();

@@ -2,8 +2,8 @@
 //
 // A library file that could not be read at start: the Store keeps the news
 // until the user acts on it, keeps the backups the load found out of the
-// rotation meanwhile, and restores the newest of them that reads as one
-// change that can be undone.
+// rotation meanwhile (after a restore, until the program ends), and restores
+// the newest of them that reads as one change that can be undone.
 
 #include "store/Store.h"
 
@@ -68,7 +68,11 @@ void Store::restoreLatestBackup()
             setSelection({}, std::nullopt);
             clearSearchText();
             commit();
-            setUnreadableLibrary(std::nullopt);
+            // The line goes, but the backups stay kept for the rest of the
+            // run: the saves of the library just replaced must not push the
+            // user's older states out either.
+            m_unreadable.reset();
+            Q_EMIT unreadableLibraryChanged();
         });
 }
 
