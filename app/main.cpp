@@ -14,6 +14,7 @@
 #include "panel/PanelRootView.h"
 #include "panel/PanelState.h"
 #include "panel/ShortcutSheetView.h"
+#include "platform/ExitHook.h"
 #include "platform/Logging.h"
 #include "platform/TerminationSignals.h"
 #include "platform/x11/X11Session.h"
@@ -31,6 +32,7 @@
 #include "store/Store.h"
 
 #include <QApplication>
+#include <QSignalBlocker>
 #include <QTimer>
 
 using namespace Vesko;
@@ -160,6 +162,13 @@ int main(int argc, char *argv[])
         &terminationSignals, &TerminationSignals::terminationRequested, &app, &QApplication::quit);
     // Quit Vesko, the session's logout and the signals all end here.
     QObject::connect(&app, &QApplication::aboutToQuit, &delegate, &AppDelegate::willTerminate);
+    // When the X server goes away, Qt's connection to it ends the process
+    // through exit(), past the event loop: the library is written on that road too.
+    ExitHook exitHook([&delegate, &store] {
+        // Qt has let its font data go by then: no view may hear of the save and repaint.
+        const QSignalBlocker silent(&store);
+        delegate.willTerminate();
+    });
 
     QTimer::singleShot(0, &delegate, &AppDelegate::didFinishLaunching);
     const int status = app.exec();

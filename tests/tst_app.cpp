@@ -3,18 +3,21 @@
 // The vesko program from the outside, in a private X server with a window
 // manager: the panel comes up with the composer focused, a note typed with
 // xdotool reaches the library file however the program is ended, a second
-// launch brings the first one's panel forward, and an unreadable library is
-// set aside for an empty panel.
+// launch brings the first one's panel forward, an unreadable library is
+// set aside for an empty panel, and the note is written, or rescued, when the
+// program's own X server goes away under it.
 
 #include "TestEnvironment.h"
 
 #include "ProgramSession.h"
 #include "SmallFileSystem.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <csignal>
 #include <sys/stat.h>
@@ -49,6 +52,64 @@ Library readLibrary(const QString &path)
     return Test::readLibraryFile(path);
 }
 
+//! An X server of its own, without a window manager, that a test can end.
+class PrivateXServer
+{
+public:
+    PrivateXServer()
+    {
+        // The server picks a free display and writes its number to standard
+        // output; it keeps its state when its last client goes.
+        m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_server.start(QStringLiteral("Xvfb"),
+            {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-noreset"),
+                QStringLiteral("-screen"), QStringLiteral("0"), QStringLiteral("1024x768x24"),
+                QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+        QDeadlineTimer deadline(15000);
+        while (!m_server.canReadLine() && m_server.state() != QProcess::NotRunning
+            && !deadline.hasExpired())
+            m_server.waitForReadyRead(100);
+        const QByteArray number = m_server.readLine().trimmed();
+        if (number.isEmpty())
+            return;
+        m_display = u':' + QString::fromLatin1(number);
+        // Ready once a client is served.
+        while (xdotool({QStringLiteral("getdisplaygeometry")}).isEmpty() && !deadline.hasExpired())
+            QThread::msleep(100);
+    }
+    ~PrivateXServer() { end(); }
+
+    //! ":N", or empty when the server did not start.
+    QString display() const { return m_display; }
+    //! Ends the server as a logout does, with SIGTERM: it goes at once and
+    //! cleans up its display for the next one.
+    void end()
+    {
+        if (m_server.state() == QProcess::NotRunning)
+            return;
+        m_server.terminate();
+        if (!m_server.waitForFinished(5000)) {
+            m_server.kill();
+            m_server.waitForFinished(5000);
+        }
+    }
+    //! Runs xdotool against this server.
+    QString xdotool(const QStringList &arguments) const
+    {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("DISPLAY"), m_display);
+        process.setProcessEnvironment(environment);
+        process.start(QStringLiteral("xdotool"), arguments);
+        process.waitForFinished(10000);
+        return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+    }
+
+private:
+    QProcess m_server;
+    QString m_display;
+};
+
 } // namespace
 
 class AppTest : public QObject
@@ -65,6 +126,8 @@ private Q_SLOTS:
     void unreadableLibraryIsSetAside();
     void pairedLaunchesLeaveOneRunning();
     void failedSaveIsRetriedThenRescued();
+    void noteSurvivesTheXServer_data();
+    void noteSurvivesTheXServer();
 };
 
 void AppTest::initTestCase()
@@ -276,6 +339,61 @@ void AppTest::failedSaveIsRetriedThenRescued()
     struct stat info;
     QCOMPARE(::stat(QFile::encodeName(rescue).constData(), &info), 0);
     QCOMPARE(info.st_mode & 07777, 0600u);
+}
+
+void AppTest::noteSurvivesTheXServer_data()
+{
+    QTest::addColumn<bool>("savesFail");
+    QTest::newRow("written to the library") << false;
+    QTest::newRow("rescued when the library cannot be written") << true;
+}
+
+void AppTest::noteSurvivesTheXServer()
+{
+    QFETCH(bool, savesFail);
+    PrivateXServer server;
+    QVERIFY2(!server.display().isEmpty(), "Xvfb did not start");
+    Session session;
+    session.setEnvironmentVariable(QStringLiteral("DISPLAY"), server.display());
+    if (savesFail) {
+        // A file where the library's folder belongs: every write of the library fails.
+        QFile blocker(session.libraryFolder());
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+    }
+    QProcess *vesko = session.start();
+    auto panel = [&server] {
+        return server
+            .xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                QStringLiteral("--name"), QStringLiteral("^Vesko$")})
+            .section(u'\n', 0, 0);
+    };
+    QTRY_VERIFY2_WITH_TIMEOUT(!panel().isEmpty() || vesko->state() == QProcess::NotRunning,
+        qPrintable(server.display()), 30000);
+    QVERIFY2(vesko->state() == QProcess::Running,
+        qPrintable(QStringLiteral("vesko ended with %1 on %2")
+                       .arg(vesko->exitCode())
+                       .arg(server.display())));
+    QTRY_COMPARE_WITH_TIMEOUT(server.xdotool({QStringLiteral("getwindowfocus")}), panel(), 5000);
+
+    const QString text = QStringLiteral("Typed just before the X server went away");
+    server.xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("5"), text});
+    server.xdotool({QStringLiteral("key"), QStringLiteral("Return")});
+    // Well inside the save delay: only the way out writes the note.
+    QTest::qWait(100);
+    server.end();
+    QVERIFY(vesko->waitForFinished(10000));
+    // Ended by Qt's exit(), not by a crash on the way.
+    QCOMPARE(vesko->exitStatus(), QProcess::NormalExit);
+
+    if (!savesFail) {
+        QCOMPARE(noteTexts(readLibrary(session.libraryPath())), QStringList {text});
+        return;
+    }
+    const QString rescueFolder = session.stateFolder() + QStringLiteral("/Vesko");
+    const QStringList rescued
+        = QDir(rescueFolder).entryList({QStringLiteral("Library-unsaved-*.json")}, QDir::Files);
+    QCOMPARE(rescued.size(), 1);
+    QCOMPARE(noteTexts(readLibrary(rescueFolder + u'/' + rescued.first())), QStringList {text});
 }
 
 VESKO_TEST_MAIN(AppTest)

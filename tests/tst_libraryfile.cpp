@@ -109,6 +109,7 @@ private Q_SLOTS:
     void firstWriteMakesNoBackup();
     void sevenSavesKeepFiveBackups();
     void foreignBackupEntriesTakePart();
+    void keptBackupsOutlastTheRotation();
     void failedWritesBackUpEachStateOnce_data();
     void failedWritesBackUpEachStateOnce();
     void filesArePrivateWhateverTheUmask();
@@ -123,6 +124,8 @@ private Q_SLOTS:
 
     void mergeAttachmentFolderKeepsExistingFiles();
     void mergeAttachmentFolderSameOrMissingSource();
+    void cancelledMergeTakesBackWhatItMade_data();
+    void cancelledMergeTakesBackWhatItMade();
     void moveTarget();
     void removeMovedLibrary();
 
@@ -231,6 +234,15 @@ void LibraryFileTest::setAsideNeverOverwrites()
     loadLibrary(m_path);
 
     QCOMPARE(readFile(m_path), QByteArray("not json"));
+    std::optional<UnreadableLibrary> unreadable;
+    QTest::ignoreMessage(
+        QtCriticalMsg, QRegularExpression(QStringLiteral("^Could not read library")));
+    QTest::ignoreMessage(QtInfoMsg,
+        QRegularExpression(QStringLiteral("^Could not set the unreadable library aside")));
+    loadLibrary(m_path, &unreadable);
+    // Still in its place, and told so.
+    QVERIFY(unreadable && !unreadable->isSetAside);
+    QCOMPARE(unreadable->path, m_path);
     for (const QDateTime &moment : {now, now.addSecs(1)}) {
         QCOMPARE(readFile(m_folder
                      + QStringLiteral("/Library-unreadable-%1.json").arg(fileNameStamp(moment))),
@@ -315,6 +327,32 @@ void LibraryFileTest::sevenSavesKeepFiveBackups()
     // The states that the last five saves replaced: 2 to 6.
     for (int i = 1; i <= 5; ++i)
         QVERIFY2(kept.contains(states.at(i)), qPrintable(QString::number(i + 1)));
+}
+
+void LibraryFileTest::keptBackupsOutlastTheRotation()
+{
+    const QString folder = backupsFolder(m_path);
+    QStringList kept;
+    for (int i = 1; i <= 3; ++i) {
+        kept.append(folder + QStringLiteral("/kept-%1.json").arg(i));
+        writeFile(kept.last(), "kept");
+        setModified(kept.last(), 1600000000 + i);
+    }
+    for (int i = 1; i <= 9; ++i)
+        QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("state %1").arg(i)), m_path, kept),
+            std::nullopt);
+
+    // The kept ones stay and push none of the others out: five of those besides.
+    const QStringList names = entries(folder);
+    QCOMPARE(names.size(), 3 + 5);
+    for (const QString &path : kept)
+        QVERIFY2(names.contains(QFileInfo(path).fileName()), qPrintable(path));
+
+    // Let go, they rotate like any other entry.
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("free")), m_path), std::nullopt);
+    QCOMPARE(entries(folder).size(), 5);
+    for (const QString &path : kept)
+        QVERIFY2(!QFileInfo::exists(path), qPrintable(path));
 }
 
 void LibraryFileTest::foreignBackupEntriesTakePart()
@@ -549,6 +587,51 @@ void LibraryFileTest::mergeAttachmentFolderKeepsExistingFiles()
     QCOMPARE(QFileInfo(to + QStringLiteral("/A/image.png")).lastModified().toSecsSinceEpoch(),
         1600000000);
     QCOMPARE(readFile(from + QStringLiteral("/same.txt")), QByteArray("from source"));
+}
+
+void LibraryFileTest::cancelledMergeTakesBackWhatItMade_data()
+{
+    QTest::addColumn<bool>("targetExists");
+    QTest::addColumn<int>("piecesBeforeCancel");
+    QTest::newRow("new target, before the first file") << false << 0;
+    QTest::newRow("new target, after some files") << false << 3;
+    QTest::newRow("target with files of its own, after some files") << true << 3;
+}
+
+void LibraryFileTest::cancelledMergeTakesBackWhatItMade()
+{
+    QFETCH(bool, targetExists);
+    QFETCH(int, piecesBeforeCancel);
+    const QString from = m_folder + QStringLiteral("/Attachments");
+    const QString to = m_folder + QStringLiteral("-new/Library/Attachments");
+    for (const char *name : {"A/a.txt", "B/deep/b.txt", "C/c.txt", "D/d.txt", "e.txt"})
+        writeFile(from + u'/' + QLatin1String(name), name);
+    QStringList before;
+    if (targetExists) {
+        writeFile(to + QStringLiteral("/A/mine.txt"), "mine");
+        writeFile(to + QStringLiteral("/e.txt"), "mine too");
+        before = {QStringLiteral("A"), QStringLiteral("e.txt")};
+    }
+
+    int pieces = 0;
+    const std::optional<QString> failure
+        = mergeAttachmentFolder(from, to, [&pieces, piecesBeforeCancel](qint64 bytes) {
+              if (bytes > 0)
+                  ++pieces;
+              return pieces < piecesBeforeCancel;
+          });
+    QVERIFY(failure);
+    QVERIFY2(failure->contains(QStringLiteral("cancelled")), qPrintable(*failure));
+
+    // The target is as the copy found it.
+    if (!targetExists) {
+        QVERIFY(!QFileInfo::exists(m_folder + QStringLiteral("-new/Library")));
+    } else {
+        QCOMPARE(entries(to), before);
+        QCOMPARE(entries(to + QStringLiteral("/A")), QStringList {QStringLiteral("mine.txt")});
+        QCOMPARE(readFile(to + QStringLiteral("/e.txt")), QByteArray("mine too"));
+    }
+    QCOMPARE(readFile(from + QStringLiteral("/B/deep/b.txt")), QByteArray("B/deep/b.txt"));
 }
 
 void LibraryFileTest::mergeAttachmentFolderSameOrMissingSource()

@@ -7,13 +7,18 @@
 // the word it found (seen on the screen: the mark is the accent colour), a
 // section is made through the prompt of the "More options" menu, the note
 // menu is read, a note is marked done through its control and another one
-// edited in place; after SIGTERM the library file holds every change.
+// edited in place; after SIGTERM the library file holds every change. A
+// library file that cannot be read is told of at the panel's foot, and its
+// latest backup, kept through the saves of the new library, is restored.
 
 #include "TestEnvironment.h"
 
 #include "AccessibleTree.h"
 #include "ProgramSession.h"
 
+#include "library/LibraryCoding.h"
+
+#include <QDir>
 #include <QImage>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -136,6 +141,7 @@ class PanelAccessTest : public QObject
 private Q_SLOTS:
     void initTestCase();
     void throughTheScreenReader();
+    void unreadableLibraryIsToldOfAndRestored();
 };
 
 void PanelAccessTest::initTestCase()
@@ -358,6 +364,100 @@ void PanelAccessTest::throughTheScreenReader()
     // What was typed is kept as typed.
     QCOMPARE(notes.at(2).text, QStringLiteral("Email ~~Bob~~ **Alice**"));
     QCOMPARE(library.projects.first().activeSectionID, library.projects.first().sections.last().id);
+}
+
+void PanelAccessTest::unreadableLibraryIsToldOfAndRestored()
+{
+    Test::ProgramSession session;
+    session.setEnvironmentVariable(
+        QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+    // The latest backup holds the user's notes; the file itself lost a comma.
+    Library earlier = makeDefaultLibrary();
+    for (const QString &text : {QStringLiteral("Pay the rent"), QStringLiteral("Water the fern")}) {
+        Note note;
+        note.id = makeID();
+        note.text = text;
+        note.createdAt = note.updatedAt = currentDate();
+        earlier.projects[0].sections[0].notes.append(note);
+    }
+    const QString backups = session.libraryFolder() + QStringLiteral("/Library Backups");
+    QDir().mkpath(backups);
+    const QString backup = backups + QStringLiteral("/Library-2026-03-14T09-26-53Z-1F3A9C.json");
+    {
+        QFile file(backup);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(encodeLibrary(earlier));
+        QFile damaged(session.libraryPath());
+        QVERIFY(damaged.open(QIODevice::WriteOnly));
+        damaged.write(QByteArray(encodeLibrary(earlier)).replace("\",", "\""));
+    }
+    QProcess *vesko = session.start(QStringLiteral(VESKO_PATH));
+    QTRY_VERIFY_WITH_TIMEOUT(!Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), 15000);
+
+    // The foot of the panel tells of it, in words and buttons a screen reader
+    // reads and the keyboard reaches.
+    const QRegularExpression told(QStringLiteral("^Your notes file could not be read\\. It was set "
+                                                 "aside as “(Library-unreadable-.+\\.json)”\\.$"));
+    QString setAside;
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [&] {
+            for (const QString &name : tree().names(QStringLiteral("label"))) {
+                if (const QRegularExpressionMatch match = told.match(name); match.hasMatch())
+                    setAside = match.captured(1);
+            }
+            return !setAside.isEmpty();
+        }(),
+        20000);
+    QVERIFY(QFileInfo::exists(session.libraryFolder() + u'/' + setAside));
+    {
+        const AccessibleTree now = tree();
+        for (const QString &name : {QStringLiteral("Restore Latest Backup"),
+                 QStringLiteral("Show in Files"), QStringLiteral("Dismiss")}) {
+            const AccessibleNode *button = now.find(QStringLiteral("push button"), name);
+            QVERIFY2(button, qPrintable(name));
+            QVERIFY2(button->hasState(QStringLiteral("focusable")), qPrintable(name));
+        }
+    }
+
+    // Notes typed meanwhile are saved, one save each, more than the backups kept.
+    for (int i = 1; i <= 7; ++i) {
+        type(QStringLiteral("typed %1").arg(i));
+        key(QStringLiteral("Return"));
+        QTest::qWait(700);
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(noteCount(Test::readLibraryFile(session.libraryPath())), 7, 10000);
+    QVERIFY(QFileInfo::exists(backup));
+
+    // The keyboard reaches the line: Escape hands the keyboard from the empty
+    // composer to the list, Shift+Tab goes on to the line's buttons, from the
+    // last, and Space presses one.
+    key(QStringLiteral("Escape"));
+    const QStringList order = {QStringLiteral("Dismiss"), QStringLiteral("Show in Files"),
+        QStringLiteral("Restore Latest Backup")};
+    for (const QString &name : order) {
+        key(QStringLiteral("shift+Tab"));
+        QTRY_VERIFY2_WITH_TIMEOUT(
+            [&name] {
+                const AccessibleTree now = tree();
+                const AccessibleNode *button = now.find(QStringLiteral("push button"), name);
+                return button && button->hasState(QStringLiteral("focused"));
+            }(),
+            qPrintable(name), 10000);
+    }
+    key(QStringLiteral("space"));
+    QTRY_VERIFY_WITH_TIMEOUT(rowNames(tree()).contains(QStringLiteral("Water the fern")), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !tree().find(QStringLiteral("push button"), QStringLiteral("Restore Latest Backup")),
+        10000);
+
+    ::kill(pid_t(vesko->processId()), SIGTERM);
+    QVERIFY(vesko->waitForFinished(15000));
+    QStringList texts;
+    for (const Note &note : Test::allNotes(Test::readLibraryFile(session.libraryPath())))
+        texts.append(note.text);
+    QCOMPARE(
+        texts, (QStringList {QStringLiteral("Pay the rent"), QStringLiteral("Water the fern")}));
+    QVERIFY(QFileInfo::exists(session.libraryFolder() + u'/' + setAside));
 }
 
 QTEST_GUILESS_MAIN(PanelAccessTest)

@@ -3,7 +3,8 @@
 // What the user sees while the library cannot be saved, with a save that
 // really fails (the data folder's place is taken by a file): the line at the
 // foot of the panel, the tray icon's tool tip and the question before quitting,
-// from the tray and from the panel's own menu alike.
+// from the tray and from the panel's own menu alike; and the line that tells
+// of a library file that could not be read.
 
 #include "TestEnvironment.h"
 
@@ -14,6 +15,7 @@
 #include "panel/PanelMenus.h"
 #include "panel/PanelState.h"
 #include "panel/SaveStatusView.h"
+#include "panel/UnreadableLibraryView.h"
 #include "search/SearchIndex.h"
 #include "shell/Preferences.h"
 #include "shell/QuitGuard.h"
@@ -78,6 +80,8 @@ private Q_SLOTS:
     void panelLineAndTrayFollowTheSaves();
     void quitAsksWhileTheLastSaveFailed();
     void panelQuitAsksUntilASaveSucceeds();
+    void unreadableLibraryLine_data();
+    void unreadableLibraryLine();
 
 private:
     // Edits the note; the save follows 0.35 seconds later.
@@ -220,6 +224,53 @@ void SaveStatusTest::panelQuitAsksUntilASaveSucceeds()
     quitFromThePanel(*m_store, *m_preferences);
     QTRY_COMPARE(accepted.size(), 2);
     QVERIFY(!guard.question());
+}
+
+void SaveStatusTest::unreadableLibraryLine_data()
+{
+    QTest::addColumn<bool>("isSetAside");
+    QTest::addColumn<QStringList>("backups");
+    QTest::addColumn<QString>("message");
+    const QString folder = QStringLiteral("/notes/Vesko");
+    QTest::newRow("set aside, with backups")
+        << true << QStringList {folder + QStringLiteral("/Library Backups/a.json")}
+        << QStringLiteral("Your notes file could not be read. It was set aside as "
+                          "“Library-unreadable-2026-03-14T09-26-53Z.json”.");
+    QTest::newRow("left in place, without backups")
+        << false << QStringList() << QStringLiteral("Your notes file could not be read.");
+}
+
+void SaveStatusTest::unreadableLibraryLine()
+{
+    QFETCH(bool, isSetAside);
+    QFETCH(QStringList, backups);
+    QFETCH(QString, message);
+    QStringList shown;
+    UnreadableLibraryView line(*m_store, [&shown](const QString &path) { shown.append(path); });
+    QVERIFY(line.isHidden());
+
+    UnreadableLibrary unreadable;
+    unreadable.path = isSetAside
+        ? QStringLiteral("/notes/Vesko/Library-unreadable-2026-03-14T09-26-53Z.json")
+        : QStringLiteral("/notes/Vesko/Library.json");
+    unreadable.isSetAside = isSetAside;
+    unreadable.reason = QStringLiteral("illegal value");
+    unreadable.backups = backups;
+    m_store->setUnreadableLibrary(unreadable);
+    QVERIFY(!line.isHidden());
+    QCOMPARE(line.message(), message);
+    // A restore needs a backup to restore.
+    QCOMPARE(line.restoreButton()->isEnabled(), !backups.isEmpty());
+
+    line.showInFilesButton()->click();
+    QCOMPARE(shown, QStringList {unreadable.path});
+
+    // Dismissed, the line goes and the library stays as it is.
+    const quint64 revision = m_store->libraryRevision();
+    line.dismissButton()->click();
+    QVERIFY(line.isHidden());
+    QVERIFY(!m_store->unreadableLibrary());
+    QCOMPARE(m_store->libraryRevision(), revision);
 }
 
 int main(int argc, char *argv[])

@@ -16,10 +16,12 @@
 #include "shell/Preferences.h"
 #include "store/Store.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QDirIterator>
 #include <QElapsedTimer>
 #include <QSignalSpy>
+#include <QThread>
 
 #include <sys/stat.h>
 
@@ -87,6 +89,27 @@ std::optional<QString> moveAndWait(Store &store, const QString &destination)
     return failure.isEmpty() ? std::nullopt : std::optional<QString>(failure);
 }
 
+// Dates a file, to order backups without waiting.
+void setModified(const QString &path, qint64 secondsSinceEpoch)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(QDateTime::fromSecsSinceEpoch(secondsSinceEpoch, Qt::UTC),
+        QFileDevice::FileModificationTime));
+}
+
+QStringList noteTexts(const Library &library)
+{
+    QStringList texts;
+    for (const Project &project : library.projects) {
+        for (const NoteSection &section : project.sections) {
+            for (const Note &note : section.notes)
+                texts.append(note.text);
+        }
+    }
+    return texts;
+}
+
 Library libraryWithNotes(int count)
 {
     Library library = makeDefaultLibrary();
@@ -131,12 +154,16 @@ private Q_SLOTS:
     void fallbacksOfAnEmptyLibrary();
     void lookupsSpanAllProjects();
     void listPreferencesRefreshRows();
+    void restoreLatestBackup_data();
+    void restoreLatestBackup();
     void moveLibrary();
     void moveThroughALinkToTheSameFolderKeepsEverything();
     void moveIntoTheAttachmentsFolderIsRefused_data();
     void moveIntoTheAttachmentsFolderIsRefused();
     void moveCopiesLinksAsLinks();
     void moveWaitsForQueuedSaves();
+    void moveCutShortLeavesTheTargetAsItWas_data();
+    void moveCutShortLeavesTheTargetAsItWas();
     void savesGoWhereThePreferencesSay();
 
 private:
@@ -529,6 +556,90 @@ void StoreTest::listPreferencesRefreshRows()
     QTRY_COMPARE(rows.size(), 2);
 }
 
+void StoreTest::restoreLatestBackup_data()
+{
+    // The backups, newest first: the first note's text of a library that
+    // reads, or "damaged"; and the text restored, or nothing.
+    QTest::addColumn<QStringList>("backups");
+    QTest::addColumn<QString>("restored");
+    QTest::newRow("the newest reads") << QStringList {QStringLiteral("latest"),
+        QStringLiteral("older")} << QStringLiteral("latest");
+    QTest::newRow("the newest is damaged") << QStringList {QStringLiteral("damaged"),
+        QStringLiteral("older")} << QStringLiteral("older");
+    QTest::newRow("none reads") << QStringList {QStringLiteral("damaged"),
+        QStringLiteral("damaged")}
+                                << QString();
+    QTest::newRow("no backups") << QStringList() << QString();
+}
+
+void StoreTest::restoreLatestBackup()
+{
+    QFETCH(QStringList, backups);
+    QFETCH(QString, restored);
+    const QString path = libraryURL();
+    for (qsizetype i = 0; i < backups.size(); ++i) {
+        const QString backup
+            = backupsFolder(path) + QStringLiteral("/Library-backup-%1.json").arg(i);
+        if (backups[i] == QLatin1String("damaged")) {
+            writeFile(backup, "{\"version\": 3, \"proj");
+        } else {
+            Library library = libraryWithNotes(2);
+            library.projects[0].sections[0].notes[0].text = backups[i];
+            writeFile(backup, encodeLibrary(library));
+        }
+        setModified(backup, 1700000000 - i * 60);
+    }
+    const QByteArray damaged = "{\"version\": 3, \"projects\": [tru";
+    writeFile(path, damaged);
+
+    QTest::ignoreMessage(
+        QtCriticalMsg, QRegularExpression(QStringLiteral("^Could not read library")));
+    std::optional<UnreadableLibrary> unreadable;
+    Library loaded = loadLibrary(path, &unreadable);
+    QVERIFY(unreadable);
+    Store store(std::move(loaded), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+    store.setUnreadableLibrary(unreadable);
+
+    // Notes typed into the new library, each saved: more saves than backups are kept.
+    for (int i = 0; i < 2 * libraryBackupCount; ++i) {
+        store.addNote(QStringLiteral("typed %1").arg(i));
+        store.flushSave();
+    }
+    const Library typed = store.library();
+
+    QSignalSpy changed(&store, &Store::unreadableLibraryChanged);
+    if (restored.isEmpty() && !backups.isEmpty())
+        QTest::ignoreMessage(
+            QtCriticalMsg, QRegularExpression(QStringLiteral("^No backup could be read")));
+    store.restoreLatestBackup();
+    QTRY_VERIFY(!store.isRestoringBackup());
+    QVERIFY(!changed.isEmpty());
+
+    if (restored.isEmpty()) {
+        // Nothing changes, and the news stays with the reason.
+        QCOMPARE(store.library(), typed);
+        QVERIFY(store.unreadableLibrary());
+        QVERIFY(!store.restoreFailure().isEmpty());
+    } else {
+        QCOMPARE(noteTexts(store.library()).first(), restored);
+        QVERIFY(!store.unreadableLibrary());
+        // Saved like any change, and undone like one.
+        store.flushSave();
+        QCOMPARE(noteTexts(*fileLibrary()).first(), restored);
+        store.undo();
+        QCOMPARE(store.library(), typed);
+        // The saves that follow keep the backups of the earlier states all the same.
+        for (int i = 0; i < 2 * libraryBackupCount; ++i) {
+            store.addNote(QStringLiteral("typed after the restore %1").arg(i));
+            store.flushSave();
+        }
+        for (const QString &backup : std::as_const(unreadable->backups))
+            QVERIFY2(QFileInfo::exists(backup), qPrintable(backup));
+    }
+    // The file set aside is never touched.
+    QCOMPARE(readFile(unreadable->path), damaged);
+}
+
 void StoreTest::moveLibrary()
 {
     const QString oldPath = libraryURL();
@@ -710,6 +821,67 @@ void StoreTest::moveWaitsForQueuedSaves()
 
     QCOMPARE(noteCount(store.library()), 1);
     QCOMPARE(fileLibrary(), std::optional<Library>(store.library()));
+}
+
+void StoreTest::moveCutShortLeavesTheTargetAsItWas_data()
+{
+    QTest::addColumn<bool>("copyUnderWay");
+    QTest::addColumn<bool>("byQuit");
+    QTest::newRow("quit before the copy begins") << false << true;
+    QTest::newRow("quit while the copy runs") << true << true;
+    QTest::newRow("Cancel Move while the copy runs") << true << false;
+}
+
+void StoreTest::moveCutShortLeavesTheTargetAsItWas()
+{
+    QFETCH(bool, copyUnderWay);
+    QFETCH(bool, byQuit);
+    const QString current = libraryURL();
+    QVERIFY(!writeLibrary(libraryWithNotes(1), current));
+    // Large attachments, so that the copy is far from done at the quit.
+    const QString attachments = attachmentsFolder(current);
+    const QByteArray content(4 * 1024 * 1024, 'v');
+    constexpr int fileCount = 64;
+    for (int i = 0; i < fileCount; ++i)
+        writeFile(
+            attachments + QStringLiteral("/F%1/file.bin").arg(i, 2, 10, QChar(u'0')), content);
+    const QStringList attachmentTree = tree(attachments);
+
+    AttachmentStore copies;
+    Store store(loadLibrary(), {*m_preferences, *m_writer, copies, *m_searchIndex});
+    renameFirstNote(store, QStringLiteral("changed before the quit"));
+    const QString target = Test::IsolatedEnvironment::current().root()
+        + QStringLiteral("/Cut short %1").arg(QLatin1String(QTest::currentDataTag()));
+    QDir().mkpath(target);
+    store.moveLibrary(target);
+    if (copyUnderWay) {
+        // The first file has arrived: the copy is under way.
+        const QString first = target + QStringLiteral("/Attachments/F01");
+        QDeadlineTimer deadline(30000);
+        while (!QFileInfo::exists(first) && !deadline.hasExpired())
+            QThread::usleep(200);
+        QVERIFY(QFileInfo::exists(first));
+    }
+
+    if (byQuit) {
+        store.finishForQuit();
+    } else {
+        QSignalSpy finished(&store, &Store::libraryMoveFinished);
+        store.cancelLibraryMove();
+        QVERIFY(finished.wait(30000));
+        QCOMPARE(finished.first().first().toString(), QStringLiteral("The move was cancelled."));
+        QVERIFY(!store.isMovingLibrary());
+        store.flushSave();
+    }
+
+    // The library is written where it was, and stays there.
+    QCOMPARE(libraryURL(), current);
+    QCOMPARE(fileLibrary()->projects[0].sections[0].notes[0].text,
+        QStringLiteral("changed before the quit"));
+    // No part of the copy is left at the target; the attachments are whole where they were.
+    QCOMPARE(tree(target), QStringList());
+    QCOMPARE(tree(attachments), attachmentTree);
+    QCOMPARE(readFile(attachments + QStringLiteral("/F63/file.bin")), content);
 }
 
 void StoreTest::savesGoWhereThePreferencesSay()

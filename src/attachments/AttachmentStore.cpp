@@ -86,14 +86,9 @@ AttachmentStore::~AttachmentStore()
 
 AttachmentStore &AttachmentStore::shared()
 {
-    static AttachmentStore *const store = [] {
-        auto *made = new AttachmentStore;
-        // The program never waits for a copy, except to end one cleanly when it quits.
-        if (QCoreApplication *application = QCoreApplication::instance())
-            QObject::connect(application, &QCoreApplication::aboutToQuit, application,
-                [made] { made->stopImports(); });
-        return made;
-    }();
+    // The program never waits for a copy, except to end one cleanly when it
+    // quits, after the library is written (Store::finishForQuit()).
+    static AttachmentStore *const store = new AttachmentStore;
     return *store;
 }
 
@@ -313,14 +308,20 @@ void AttachmentStore::observeRemovals(QObject *context, RemovalObserver observer
     m_removalObservers.append({context, std::move(observer)});
 }
 
-void AttachmentStore::stopImports()
+void AttachmentStore::cancelCopies()
 {
     m_cancelled->store(true);
+}
+
+void AttachmentStore::stopImports()
+{
+    cancelCopies();
     waitForIdle();
 }
 
 void AttachmentStore::copyFolder(const QString &from, const QString &to, QObject *context,
-    CopyProgress progress, CopyCompletion completion)
+    CopyProgress progress, CopyCompletion completion,
+    std::shared_ptr<const std::atomic_bool> cancelled)
 {
     QPointer<QObject> receiver(context);
     auto onMainThread = [receiver](auto call) {
@@ -333,7 +334,8 @@ void AttachmentStore::copyFolder(const QString &from, const QString &to, QObject
             Qt::QueuedConnection);
     };
     m_queue->async([from, to, onMainThread, progress = std::move(progress),
-                       completion = std::move(completion)] {
+                       completion = std::move(completion), stopped = m_cancelled,
+                       cancelled = std::move(cancelled)] {
         const qint64 total = folderSize(from);
         qint64 copied = 0;
         QElapsedTimer sinceReport;
@@ -345,7 +347,7 @@ void AttachmentStore::copyFolder(const QString &from, const QString &to, QObject
                 sinceReport.restart();
                 onMainThread([progress, copied, total] { progress(copied, total); });
             }
-            return true;
+            return !stopped->load() && !(cancelled && cancelled->load());
         });
         if (progress && !failure)
             onMainThread([progress, total] { progress(total, total); });

@@ -73,8 +73,10 @@ public:
     //! piece of each file at a time, keeping files already there and copying
     //! links as links (see mergeAttachmentFolder()). \a progress and
     //! \a completion run on the main thread unless \a context has gone.
+    //! cancelCopies(), or raising \a cancelled, stops it as failed, with the
+    //! target as it was.
     void copyFolder(const QString &from, const QString &to, QObject *context, CopyProgress progress,
-        CopyCompletion completion);
+        CopyCompletion completion, std::shared_ptr<const std::atomic_bool> cancelled = {});
 
     //! Removes the file at \a oldLibrary and its attachment folder in the
     //! background, unless they are the same as those of \a newLibrary. After a move.
@@ -83,9 +85,12 @@ public:
     //! Blocks until the jobs queued so far are done.
     void waitForIdle();
 
-    //! For the end of the program: an import under way stops at its next
-    //! piece and removes what it made, every import asked for later fails, and
-    //! the call returns once the worker is idle. Nothing is left half copied.
+    //! For the end of the program, without waiting: an import or a folder
+    //! copy under way stops at its next piece and removes what it made, and
+    //! every one asked for later fails.
+    void cancelCopies();
+    //! cancelCopies(), then returns once the worker is idle. Nothing is left
+    //! half copied.
     void stopImports();
 
     using RemovalObserver = std::function<void(const QStringList &files)>;

@@ -25,12 +25,31 @@ bool isWithin(const QString &path, const QString &folder)
     return path == folder || path.startsWith(folder.endsWith(u'/') ? folder : folder + u'/');
 }
 
-// The copy of one folder's entries into another; directories are entered,
-// links copied as links, files copied a piece at a time.
-std::optional<QString> copyFolderEntries(
-    const QString &from, const QString &to, const std::function<bool(qint64)> &progress)
+// Makes the folder \a path with the folders on its way, noting in \a made
+// those that did not exist, outermost first.
+std::optional<QString> makeNotedPath(const QString &path, QStringList &made)
 {
-    if (auto error = FileSystem::makePath(to))
+    QStringList missing;
+    for (QString folder = QDir::cleanPath(path); !FileSystem::exists(folder);) {
+        missing.prepend(folder);
+        const QString parent = QFileInfo(folder).path();
+        if (parent == folder)
+            break;
+        folder = parent;
+    }
+    if (auto error = FileSystem::makePath(path))
+        return error;
+    made.append(missing);
+    return std::nullopt;
+}
+
+// The copy of one folder's entries into another; directories are entered,
+// links copied as links, files copied a piece at a time. Whatever it makes
+// is noted in \a made, in the order it was made.
+std::optional<QString> copyFolderEntries(const QString &from, const QString &to,
+    const std::function<bool(qint64)> &progress, QStringList &made)
+{
+    if (auto error = makeNotedPath(to, made))
         return error;
     const QDir source(from);
     const QStringList names
@@ -38,15 +57,19 @@ std::optional<QString> copyFolderEntries(
     for (const QString &name : names) {
         const QString sourcePath = source.filePath(name);
         const QString targetPath = QDir(to).filePath(name);
+        // Asked before each entry too, so that links and empty files stop it as well.
+        if (progress && !progress(0))
+            return QObject::tr("The copy of “%1” was cancelled.").arg(from);
         const QFileInfo entry(sourcePath);
         if (entry.isSymLink()) {
             // A link is copied as the link it is: what it points to is not an attachment.
             if (!FileSystem::exists(targetPath)) {
                 if (auto error = FileSystem::copySymbolicLink(sourcePath, targetPath))
                     return error;
+                made.append(targetPath);
             }
         } else if (entry.isDir()) {
-            if (auto error = copyFolderEntries(sourcePath, targetPath, progress))
+            if (auto error = copyFolderEntries(sourcePath, targetPath, progress, made))
                 return error;
         } else if (!entry.isFile()) {
             // A pipe, socket or device is no attachment, and no copy of one is made.
@@ -57,9 +80,23 @@ std::optional<QString> copyFolderEntries(
             options.progress = progress;
             if (auto error = FileSystem::copyFileKeepingDate(sourcePath, targetPath, options))
                 return error;
+            made.append(targetPath);
         }
     }
     return std::nullopt;
+}
+
+// Takes back what a copy made, newest first: its files and links, and its
+// folders once they are empty. What was there before is never touched.
+void removeMadeEntries(const QStringList &made)
+{
+    for (auto entry = made.crbegin(); entry != made.crend(); ++entry) {
+        const QFileInfo info(*entry);
+        if (info.isDir() && !info.isSymLink())
+            QDir().rmdir(*entry);
+        else
+            QFile::remove(*entry);
+    }
 }
 
 QString uuidText(const QUuid &id)
@@ -155,7 +192,7 @@ std::optional<Library> readLibraryFile(const QString &path, QString *error)
     return decodeLibrary(bytes, error);
 }
 
-Library loadLibrary(const QString &path)
+Library loadLibrary(const QString &path, std::optional<UnreadableLibrary> *unreadable)
 {
     if (!FileSystem::exists(path))
         return makeDefaultLibrary();
@@ -168,50 +205,72 @@ Library loadLibrary(const QString &path)
 
     qCCritical(
         lcStorage, "Could not read library at %s: %s", qUtf8Printable(path), qUtf8Printable(error));
-    setAsideUnreadableLibrary(path);
+    const std::optional<QString> setAside = setAsideUnreadableLibrary(path);
+    if (unreadable)
+        *unreadable = UnreadableLibrary {
+            setAside.value_or(path), setAside.has_value(), error, libraryBackups(path)};
     return makeDefaultLibrary();
 }
 
-void setAsideUnreadableLibrary(const QString &path)
+std::optional<QString> setAsideUnreadableLibrary(const QString &path)
 {
     const QString name
         = QStringLiteral("Library-unreadable-%1.json").arg(fileNameStamp(currentDate()));
     const QString target = QFileInfo(path).absoluteDir().filePath(name);
-    if (auto error = FileSystem::renameWithoutReplacing(path, target))
+    if (auto error = FileSystem::renameWithoutReplacing(path, target)) {
         qCInfo(lcStorage, "Could not set the unreadable library aside: %s", qUtf8Printable(*error));
+        return std::nullopt;
+    }
+    return target;
 }
 
-void backUpLibraryFile(const QString &path)
-{
-    if (!FileSystem::exists(path))
-        return;
+namespace {
 
-    // Every entry of the folder takes part, whatever its name; one whose date
-    // cannot be read counts as the oldest. Newest first.
-    struct Entry
-    {
-        QString path;
-        timespec modified;
-    };
-    const QString folder = backupsFolder(path);
-    auto listBackups = [&folder] {
-        std::vector<Entry> entries;
-        const QDir dir(folder);
-        const QStringList names
-            = dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-        for (const QString &entryName : names) {
-            const QString entryPath = dir.filePath(entryName);
-            entries.push_back(
-                {entryPath, FileSystem::modificationTime(entryPath).value_or(timespec {0, 0})});
-        }
-        std::stable_sort(entries.begin(), entries.end(), [](const Entry &a, const Entry &b) {
+struct BackupEntry
+{
+    QString path;
+    timespec modified;
+};
+
+// Every entry of the folder takes part, whatever its name; one whose date
+// cannot be read counts as the oldest. Newest first.
+std::vector<BackupEntry> listBackupEntries(const QString &folder)
+{
+    std::vector<BackupEntry> entries;
+    const QDir dir(folder);
+    const QStringList names
+        = dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    for (const QString &entryName : names) {
+        const QString entryPath = dir.filePath(entryName);
+        entries.push_back(
+            {entryPath, FileSystem::modificationTime(entryPath).value_or(timespec {0, 0})});
+    }
+    std::stable_sort(
+        entries.begin(), entries.end(), [](const BackupEntry &a, const BackupEntry &b) {
             if (a.modified.tv_sec != b.modified.tv_sec)
                 return a.modified.tv_sec > b.modified.tv_sec;
             return a.modified.tv_nsec > b.modified.tv_nsec;
         });
-        return entries;
-    };
-    std::vector<Entry> entries = listBackups();
+    return entries;
+}
+
+} // namespace
+
+QStringList libraryBackups(const QString &path)
+{
+    QStringList paths;
+    for (const BackupEntry &entry : listBackupEntries(backupsFolder(path)))
+        paths.append(entry.path);
+    return paths;
+}
+
+void backUpLibraryFile(const QString &path, const QStringList &kept)
+{
+    if (!FileSystem::exists(path))
+        return;
+
+    const QString folder = backupsFolder(path);
+    std::vector<BackupEntry> entries = listBackupEntries(folder);
 
     // A backup carries the date of the file it copies: when the newest one has
     // the file's size and date, this content is kept already. A write that
@@ -232,9 +291,11 @@ void backUpLibraryFile(const QString &path)
         FileSystem::CopyOptions options;
         options.durability = FileSystem::Durability::Cached;
         FileSystem::copyFileKeepingDate(path, QDir(folder).filePath(name), options);
-        entries = listBackups();
+        entries = listBackupEntries(folder);
     }
 
+    // Kept entries stand apart: they neither go nor push others out.
+    std::erase_if(entries, [&kept](const BackupEntry &entry) { return kept.contains(entry.path); });
     for (size_t i = libraryBackupCount; i < entries.size(); ++i) {
         const QFileInfo info(entries[i].path);
         if (info.isDir() && !info.isSymLink())
@@ -244,7 +305,8 @@ void backUpLibraryFile(const QString &path)
     }
 }
 
-std::optional<QString> writeLibrary(const Library &library, const QString &path)
+std::optional<QString> writeLibrary(
+    const Library &library, const QString &path, const QStringList &keptBackups)
 {
     const QString target = resolvedTarget(path);
     const QFileInfo info(target);
@@ -253,7 +315,7 @@ std::optional<QString> writeLibrary(const Library &library, const QString &path)
     if (auto error = FileSystem::makePath(folder))
         return error;
 
-    backUpLibraryFile(target);
+    backUpLibraryFile(target, keptBackups);
 
     // The document is encoded straight into the temporary file, a piece at a time.
     const QString temporary
@@ -364,7 +426,13 @@ std::optional<QString> mergeAttachmentFolder(
     // A target inside the source would receive its own copies without end.
     if (isWithin(canonicalLocation(to), canonicalLocation(from)))
         return QObject::tr("“%1” lies inside “%2”.").arg(to, from);
-    return copyFolderEntries(from, to, progress);
+    // A copy that fails or is cancelled leaves the target as it found it: no
+    // half of the attachments lies there, and files that were there stay.
+    QStringList made;
+    const std::optional<QString> failure = copyFolderEntries(from, to, progress, made);
+    if (failure)
+        removeMadeEntries(made);
+    return failure;
 }
 
 void removeMovedLibrary(const QString &oldPath, const QString &newPath)

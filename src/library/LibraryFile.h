@@ -39,29 +39,57 @@ QString attachmentsFolder(const QString &libraryPath);
 //! "Library Backups" beside the library file at \a libraryPath.
 QString backupsFolder(const QString &libraryPath);
 
+//! What a load found when the library file could not be read.
+struct UnreadableLibrary
+{
+    //! Where the file lies now: set aside, or still in its place when it
+    //! could not be moved.
+    QString path;
+    //! The file could be set aside under a name of its own.
+    bool isSetAside = false;
+    //! Why it could not be read.
+    QString reason;
+    //! The entries of "Library Backups" as the load found them, newest first:
+    //! the states of the library before the file became unreadable.
+    QStringList backups;
+
+    bool operator==(const UnreadableLibrary &) const = default;
+};
+
 //! Reads the library at libraryURL(). A missing file gives a new library and
 //! writes nothing; an unreadable one is logged, set aside and replaced by a
-//! new library. Temporary files left by an interrupted write are removed.
+//! new library, and what the load found is told in \a unreadable, when given.
+//! Temporary files left by an interrupted write are removed.
 Library loadLibrary();
-Library loadLibrary(const QString &path);
+Library loadLibrary(const QString &path, std::optional<UnreadableLibrary> *unreadable = nullptr);
 
 //! Reads and decodes the library file at \a path, and nothing else: a
 //! failure is returned in \a error, the file stays as it is.
 std::optional<Library> readLibraryFile(const QString &path, QString *error);
 
-//! Moves an unreadable file to "Library-unreadable-<stamp>.json" beside it.
-//! Never overwrites; a failure leaves the file where it is.
-void setAsideUnreadableLibrary(const QString &path);
+//! Moves an unreadable file to "Library-unreadable-<stamp>.json" beside it
+//! and returns its new path. Never overwrites; a failure leaves the file
+//! where it is and returns nothing.
+std::optional<QString> setAsideUnreadableLibrary(const QString &path);
+
+//! The entries of "Library Backups" beside the library file at \a path,
+//! whatever their names, newest first by modification date; an entry whose
+//! date cannot be read comes last.
+QStringList libraryBackups(const QString &path);
 
 //! Copies the file at \a path into "Library Backups", a private copy (0600)
 //! keeping its date, unless the newest backup has the file's size and date
-//! already, and keeps the newest five entries of that folder. Never fails.
-void backUpLibraryFile(const QString &path);
+//! already, and keeps the newest five entries of that folder. The entries
+//! named in \a kept are never removed and do not count among the five.
+//! Never fails.
+void backUpLibraryFile(const QString &path, const QStringList &kept = {});
 
-//! Writes \a library to \a path: backup, encode, a private temporary file
-//! beside the target flushed to disk, then an atomic rename over the target.
-//! Returns the failure text; the old file is untouched on failure.
-std::optional<QString> writeLibrary(const Library &library, const QString &path);
+//! Writes \a library to \a path: backup (keeping \a keptBackups, see
+//! backUpLibraryFile()), encode, a private temporary file beside the target
+//! flushed to disk, then an atomic rename over the target. Returns the
+//! failure text; the old file is untouched on failure.
+std::optional<QString> writeLibrary(
+    const Library &library, const QString &path, const QStringList &keptBackups = {});
 
 //! The library file that a move to \a destination writes: "Library.json" in
 //! it when it is a folder, else \a destination itself.
@@ -86,7 +114,9 @@ qint64 folderSize(const QString &folder);
 //! file that is already there. Files go a piece at a time, each piece
 //! reported to \a progress (which may cancel by returning false); a symbolic
 //! link is copied as a link, never followed. Nothing happens when both are
-//! the same folder or \a from does not exist; a target inside the source is refused.
+//! the same folder or \a from does not exist; a target inside the source is
+//! refused. A copy that fails or is cancelled removes again every file and
+//! folder it made, and leaves what was there before.
 std::optional<QString> mergeAttachmentFolder(
     const QString &from, const QString &to, const std::function<bool(qint64)> &progress = {});
 

@@ -6,6 +6,7 @@
 #include "platform/SerialQueue.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QPointer>
 
 namespace Vesko {
@@ -28,46 +29,80 @@ void LibraryWriter::write(
     const Library &library, const QString &path, QObject *context, Completion completion)
 {
     QPointer<QObject> receiver(context);
-    m_queue->async([library, path, receiver, completion = std::move(completion)] {
-        std::optional<QString> failure = writeLibrary(library, path);
-        // The receiver is looked at on the main thread only, where it lives.
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [receiver, completion, failure] {
-                if (receiver)
-                    completion(failure);
-            },
-            Qt::QueuedConnection);
-    });
+    m_queue->async(
+        [library, path, receiver, completion = std::move(completion), kept = m_keptBackups] {
+            std::optional<QString> failure = writeLibrary(library, path, *kept);
+            // The receiver is looked at on the main thread only, where it lives.
+            QMetaObject::invokeMethod(
+                QCoreApplication::instance(),
+                [receiver, completion, failure] {
+                    if (receiver)
+                        completion(failure);
+                },
+                Qt::QueuedConnection);
+        });
 }
 
 void LibraryWriter::writeThenRead(
     const Library &library, const QString &path, QObject *context, ReadBackCompletion completion)
 {
     QPointer<QObject> receiver(context);
-    m_queue->async([library, path, receiver, completion = std::move(completion)] {
-        std::optional<QString> failure = writeLibrary(library, path);
-        Library readBack;
-        if (!failure) {
-            QString error;
-            if (std::optional<Library> read = readLibraryFile(path, &error))
-                readBack = *std::move(read);
-            else
-                failure = QObject::tr("Could not read “%1” back: %2").arg(path, error);
-        }
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [receiver, completion, failure, readBack] {
-                if (receiver)
-                    completion(failure, readBack);
-            },
-            Qt::QueuedConnection);
-    });
+    m_queue->async(
+        [library, path, receiver, completion = std::move(completion), kept = m_keptBackups] {
+            std::optional<QString> failure = writeLibrary(library, path, *kept);
+            Library readBack;
+            if (!failure) {
+                QString error;
+                if (std::optional<Library> read = readLibraryFile(path, &error))
+                    readBack = *std::move(read);
+                else
+                    failure = QObject::tr("Could not read “%1” back: %2").arg(path, error);
+            }
+            QMetaObject::invokeMethod(
+                QCoreApplication::instance(),
+                [receiver, completion, failure, readBack] {
+                    if (receiver)
+                        completion(failure, readBack);
+                },
+                Qt::QueuedConnection);
+        });
 }
 
 std::optional<QString> LibraryWriter::writeNow(const Library &library, const QString &path)
 {
-    return m_queue->sync([&library, &path] { return writeLibrary(library, path); });
+    return m_queue->sync(
+        [&library, &path, kept = m_keptBackups] { return writeLibrary(library, path, *kept); });
+}
+
+void LibraryWriter::keepBackups(const QStringList &paths)
+{
+    m_queue->async([paths, kept = m_keptBackups] { *kept = paths; });
+}
+
+void LibraryWriter::readFirstReadable(
+    const QStringList &paths, QObject *context, FindCompletion completion)
+{
+    QPointer<QObject> receiver(context);
+    m_queue->async([paths, receiver, completion = std::move(completion)] {
+        std::optional<Found> found;
+        QStringList failures;
+        for (const QString &path : paths) {
+            QString error;
+            if (std::optional<Library> library = readLibraryFile(path, &error)) {
+                found = Found {*std::move(library), path};
+                break;
+            }
+            failures.append(QStringLiteral("%1: %2").arg(QFileInfo(path).fileName(), error));
+        }
+        const QString failure = found ? QString() : failures.join(u'\n');
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [receiver, completion, found, failure] {
+                if (receiver)
+                    completion(found, failure);
+            },
+            Qt::QueuedConnection);
+    });
 }
 
 } // namespace Vesko

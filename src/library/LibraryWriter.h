@@ -50,8 +50,29 @@ public:
     //! Queues a write behind the ones already waiting and blocks until it is done.
     std::optional<QString> writeNow(const Library &library, const QString &path);
 
+    //! From the writes queued after this call on, the backups at \a paths
+    //! are kept whatever the rotation (see backUpLibraryFile()); an empty
+    //! list lets them go again.
+    void keepBackups(const QStringList &paths);
+
+    //! A library read back from one of several files.
+    struct Found
+    {
+        Library library;
+        QString path;
+    };
+    //! What a search of files gives: the first that reads, or the failure text.
+    using FindCompletion = std::function<void(std::optional<Found> found, const QString &failure)>;
+
+    //! Reads \a paths in their order behind the writes already queued, and
+    //! hands the first library that reads to \a completion, on the main thread
+    //! unless \a context is gone by then.
+    void readFirstReadable(const QStringList &paths, QObject *context, FindCompletion completion);
+
 private:
     std::unique_ptr<SerialQueue> m_queue;
+    //! The backups that writes keep; touched on the queue's thread only.
+    std::shared_ptr<QStringList> m_keptBackups = std::make_shared<QStringList>();
 };
 
 } // namespace Vesko

@@ -15,10 +15,12 @@
 #include "panel/ShortcutSheetView.h"
 #include "panel/SwitcherView.h"
 #include "panel/TextEditing.h"
+#include "panel/UnreadableLibraryView.h"
 #include "shell/Preferences.h"
 #include "shell/Theme.h"
 #include "store/Store.h"
 
+#include <QAbstractButton>
 #include <QAbstractSpinBox>
 #include <QApplication>
 #include <QEvent>
@@ -124,6 +126,12 @@ protected:
         if (widget != &m_root && !m_root.isAncestorOf(widget))
             return false;
         const auto *key = static_cast<QKeyEvent *>(event);
+        // A button that has the keyboard (those of the lines at the foot) is
+        // pressed by its own keys, which the list would otherwise take.
+        if (qobject_cast<QAbstractButton *>(widget) && key->modifiers() == Qt::NoModifier
+            && (key->key() == Qt::Key_Space || key->key() == Qt::Key_Return
+                || key->key() == Qt::Key_Enter))
+            return false;
         return m_keys.handleKeyPress(key->key(), key->modifiers())
             == PanelKeyHandler::Result::Handled;
     }
@@ -218,8 +226,16 @@ PanelRootView::PanelRootView(
 
     m_composer = new ComposerView(store, this);
     m_composer->field()->editor()->installEventFilter(this);
-    // Under the composer: the line that says when the library cannot be saved.
-    setFootView(new SaveStatusView(store, this));
+    // Under the composer: the line that says when the library file could not
+    // be read, and the one that says when the library cannot be saved.
+    auto *foot = new QWidget(this);
+    auto *footLayout = new QVBoxLayout(foot);
+    footLayout->setContentsMargins(0, 0, 0, 0);
+    footLayout->setSpacing(4);
+    footLayout->addWidget(
+        new UnreadableLibraryView(store, &PanelCommands::showInFileManager, foot));
+    footLayout->addWidget(new SaveStatusView(store, foot));
+    setFootView(foot);
 
     connect(m_search, &SearchFieldView::focusRequested, this, &PanelRootView::setFocusTarget);
     connect(m_composer, &ComposerView::focusRequested, this, &PanelRootView::setFocusTarget);
@@ -443,8 +459,13 @@ void PanelRootView::layOut()
     m_header->setGeometry(inner.left(), inner.top(), inner.width(), headerHeight);
 
     int bottom = inner.bottom() + 1;
+    // A foot whose lines are all hidden takes no room.
+    int footHeight = 0;
     if (m_foot && !m_foot->isHidden()) {
-        const int footHeight = m_foot->sizeHint().height();
+        footHeight = m_foot->hasHeightForWidth() ? m_foot->heightForWidth(inner.width())
+                                                 : m_foot->sizeHint().height();
+    }
+    if (footHeight > 0) {
         m_foot->setGeometry(inner.left(), bottom - footHeight, inner.width(), footHeight);
         bottom -= footHeight + 4;
     }

@@ -64,8 +64,9 @@ public:
     void setRowsRunUnderBars(bool under);
     bool rowsRunUnderBars() const { return m_rowsUnderBars; }
 
-    //! Places \a view at the foot of the panel, under the composer (the save
-    //! status line); nothing removes it but another call.
+    //! Places \a view at the foot of the panel, under the composer (the lines
+    //! about an unreadable library file and failed saves); nothing removes it
+    //! but another call.
     void setFootView(QWidget *view);
 
     ComposerView *composer() const { return m_composer; }

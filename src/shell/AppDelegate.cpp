@@ -68,7 +68,8 @@ void AppDelegate::willTerminate()
     if (m_terminated)
         return;
     m_terminated = true;
-    m_store.flushSave();
+    // The library first: a copy of attachments under way does not hold it up.
+    m_store.finishForQuit();
     // The settings live as long as the process: what is still on its way goes now.
     m_preferences.flush();
     call(m_hooks.unregisterHotKeys);

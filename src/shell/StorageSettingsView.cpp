@@ -65,6 +65,7 @@ StorageSettingsView::StorageSettingsView(const Services &services, QWidget *pare
     , m_reveal(new QPushButton(tr("Show in Files")))
     , m_move(new QPushButton(tr("Move…")))
     , m_useDefault(new QPushButton(tr("Use Default Location")))
+    , m_cancelMove(new QPushButton(tr("Cancel Move")))
     , m_progress(makeFootnote(tr("Moving your notes…")))
     , m_errorLine(makeErrorLine())
     , m_noteCount(new QLabel)
@@ -79,7 +80,7 @@ StorageSettingsView::StorageSettingsView(const Services &services, QWidget *pare
     m_path->setBackgroundRole(QPalette::Window);
     m_path->setStyleSheet(QStringLiteral("QLineEdit { background: transparent; }"));
     local->addRow(tr("Notes file"), m_path);
-    local->addButtons({m_reveal, m_move, m_useDefault});
+    local->addButtons({m_reveal, m_move, m_useDefault, m_cancelMove});
     m_progress->hide();
     local->addRow(m_progress);
     local->addRow(m_errorLine);
@@ -108,6 +109,7 @@ StorageSettingsView::StorageSettingsView(const Services &services, QWidget *pare
     connect(m_move, &QPushButton::clicked, this, &StorageSettingsView::chooseMoveDestination);
     connect(
         m_useDefault, &QPushButton::clicked, this, [this] { moveLibrary(defaultLibraryURL()); });
+    connect(m_cancelMove, &QPushButton::clicked, &m_services.store, &Store::cancelLibraryMove);
     connect(exportAll, &QPushButton::clicked, this, [this] {
         PanelCommands::shared().exportMarkdown(m_services.store.markdownExportText(), window());
     });
@@ -181,6 +183,7 @@ void StorageSettingsView::refreshMoving()
         m_progress->setText(tr("Moving your notes…"));
     }
     m_progress->setVisible(moving);
+    m_cancelMove->setVisible(moving);
     for (QPushButton *button : {m_move, m_useDefault})
         button->setEnabled(!moving);
 }

@@ -66,6 +66,8 @@ private:
     QPushButton *m_reveal;
     QPushButton *m_move;
     QPushButton *m_useDefault;
+    //! Shown while a move copies the attachments.
+    QPushButton *m_cancelMove;
     QLabel *m_progress;
     QLabel *m_errorLine;
     QLabel *m_noteCount;

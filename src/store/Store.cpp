@@ -52,9 +52,15 @@ Store::~Store() = default;
 
 Store &Store::shared()
 {
-    static Store *const store = new Store(loadLibrary(),
-        {Preferences::shared(), LibraryWriter::shared(), AttachmentStore::shared(),
-            SearchIndex::shared()});
+    static Store *const store = [] {
+        std::optional<UnreadableLibrary> unreadable;
+        Library loaded = loadLibrary(libraryURL(), &unreadable);
+        auto *made = new Store(std::move(loaded),
+            {Preferences::shared(), LibraryWriter::shared(), AttachmentStore::shared(),
+                SearchIndex::shared()});
+        made->setUnreadableLibrary(unreadable);
+        return made;
+    }();
     return *store;
 }
 
@@ -328,6 +334,13 @@ void Store::flushSave()
         qCCritical(lcStorage, "The library could not be saved, nor rescued to %s: %s",
             qUtf8Printable(rescueFolder()), qUtf8Printable(rescueFailure));
     }
+}
+
+void Store::finishForQuit()
+{
+    m_attachments.cancelCopies();
+    flushSave();
+    m_attachments.waitForIdle();
 }
 
 void Store::clearSearchText()

@@ -11,6 +11,7 @@
 
 #include "attachments/AttachmentStore.h"
 #include "library/Library.h"
+#include "library/LibraryFile.h"
 #include "search/SearchIndex.h"
 #include "search/SearchMatches.h"
 #include "store/PanelRow.h"
@@ -20,7 +21,9 @@
 #include <QSet>
 #include <QTimer>
 
+#include <atomic>
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace Vesko {
@@ -106,6 +109,28 @@ public:
     //! A move of the library is under way.
     bool isMovingLibrary() const { return m_isMovingLibrary; }
 
+    // -- a library file that could not be read -------------------------------
+
+    //! The library file that could not be read at start, while the user has
+    //! neither restored a backup nor dismissed the news.
+    const std::optional<UnreadableLibrary> &unreadableLibrary() const { return m_unreadable; }
+    //! Tells of a library file that could not be read. Until the user restores
+    //! a backup or dismisses it, the backups that the load found are kept out
+    //! of the rotation, so that the saves of the new library cannot push them out.
+    void setUnreadableLibrary(const std::optional<UnreadableLibrary> &unreadable);
+    //! Reads the backups that the load found, newest first, off the main
+    //! thread, and makes the first that reads the library: one change that
+    //! can be undone. The unreadable library is then no longer told of, and
+    //! those backups stay kept until the program ends. When none reads,
+    //! restoreFailure() says so and nothing changes.
+    void restoreLatestBackup();
+    //! The user has seen the news: it goes, and the backups rotate again.
+    void dismissUnreadableLibrary();
+    //! A restore is being read.
+    bool isRestoringBackup() const { return m_isRestoringBackup; }
+    //! Why the last restore found nothing; empty otherwise.
+    QString restoreFailure() const { return m_restoreFailure; }
+
     //! The library's active project, or an unsaved empty "Notes" without one.
     Project activeProject() const;
     //! The active project's active section, else its first, else an unsaved "Inbox".
@@ -140,6 +165,12 @@ public:
     //! on the disk. At quit; it writes whether or not anything changed. When
     //! that write fails, the library goes to a rescue file (see writeRescueFile()).
     void flushSave();
+    //! For the end of the program: copies of attachment files under way (a
+    //! move of the library, an import) are told to stop at their next piece,
+    //! the library is written by flushSave() without waiting for them, and
+    //! only then are they waited for, as they take back what they had copied.
+    //! A move cut short this way leaves the library where it was.
+    void finishForQuit();
 
     //! Moves the library file to \a destination, a folder or a file path, with
     //! its attachments, and goes on with the file there. The attachments are
@@ -148,6 +179,11 @@ public:
     //! file stays in use. A destination that leads to the library file itself
     //! rewrites it and moves nothing.
     void moveLibrary(const QString &destination);
+    //! Stops a move while its attachments are copied: the copy stops at its
+    //! next piece and takes back what it copied, and the move ends as failed
+    //! with the library where it was. Once the file is being written the
+    //! move goes on to its end.
+    void cancelLibraryMove();
 
     // -- selection ------------------------------------------------------------
 
@@ -281,6 +317,8 @@ Q_SIGNALS:
     void currentMatchesChanged();
     void saveFailureChanged();
     void isMovingLibraryChanged();
+    //! The unreadable library, the restore under way or its failure changed.
+    void unreadableLibraryChanged();
     //! The attachments of a move: bytes copied so far, of \a totalBytes.
     void libraryMoveProgress(qint64 copiedBytes, qint64 totalBytes);
     //! A move has ended: \a failure says why it failed, empty when it succeeded.
@@ -367,6 +405,11 @@ private:
     //! Writes of saves and retries queued and not answered yet.
     int m_savesInFlight = 0;
     bool m_isMovingLibrary = false;
+    //! Raised to cancel the copy of the move under way.
+    std::shared_ptr<std::atomic_bool> m_moveCancelled;
+    std::optional<UnreadableLibrary> m_unreadable;
+    bool m_isRestoringBackup = false;
+    QString m_restoreFailure;
     //! New attachment files that wait for the move to end.
     QList<std::pair<QPointer<QObject>, std::function<void(const QString &)>>> m_jobsAfterMove;
 

@@ -40,19 +40,29 @@ void Store::moveLibrary(const QString &destination)
 
     m_isMovingLibrary = true;
     Q_EMIT isMovingLibraryChanged();
+    m_moveCancelled = std::make_shared<std::atomic_bool>(false);
     m_attachments.copyFolder(
         attachmentsFolder(current), attachmentsFolder(target), this,
         [this](qint64 copied, qint64 total) { Q_EMIT libraryMoveProgress(copied, total); },
-        [this, current, target](std::optional<QString> failure) {
+        [this, current, target, cancelled = m_moveCancelled](std::optional<QString> failure) {
             if (failure)
-                finishLibraryMove(*failure);
+                finishLibraryMove(cancelled->load() ? tr("The move was cancelled.") : *failure);
             else
                 writeMovedLibrary(current, target);
-        });
+        },
+        m_moveCancelled);
+}
+
+void Store::cancelLibraryMove()
+{
+    if (m_isMovingLibrary && m_moveCancelled)
+        m_moveCancelled->store(true);
 }
 
 void Store::writeMovedLibrary(const QString &current, const QString &target)
 {
+    // From here on the move is no longer cancelled: the file is on its way.
+    m_moveCancelled.reset();
     const quint64 revision = m_libraryRevision;
     m_writer.writeThenRead(m_library, target, this,
         [this, current, target, revision](std::optional<QString> failure, const Library &readBack) {
