@@ -16,6 +16,7 @@
 #include "panel/NoteEditorView.h"
 #include "panel/NoteWindow.h"
 #include "panel/NoteWindowManager.h"
+#include "platform/SettingsFile.h"
 #include "panel/PanelCommands.h"
 #include "platform/Clipboard.h"
 #include "platform/DesktopFiles.h"
@@ -509,6 +510,7 @@ void NoteWindowTest::frameIsRememberedAcrossOpeningsAndRestarts()
 
     // A new manager, as after a restart, reads the frame from the settings file.
     m_manager.reset();
+    SettingsWriter::shared().flush();
     QVERIFY(!QSettings(Preferences::openSettings()->fileName(), QSettings::IniFormat)
                  .value(NoteWindowManager::frameKey)
                  .toByteArray()

@@ -6,6 +6,9 @@
 
 #include "TestEnvironment.h"
 
+#include "FakeHotKeyRegistrar.h"
+
+#include "capture/HotKeyCenter.h"
 #include "library/LibraryFile.h"
 #include "shell/Preferences.h"
 
@@ -33,6 +36,7 @@ private Q_SLOTS:
     void equalAssignmentWritesButDoesNotNotify();
     void sideEffectsRunOnEveryAssignment();
     void storedPanelFrame();
+    void writesDoNotHoldTheEventLoop_data();
     void writesDoNotHoldTheEventLoop();
 };
 
@@ -197,8 +201,18 @@ void PreferencesTest::storedPanelFrame()
     QCOMPARE(settings->value(QStringLiteral("panelOriginY")).toDouble(), 20.0);
 }
 
+void PreferencesTest::writesDoNotHoldTheEventLoop_data()
+{
+    QTest::addColumn<bool>("hotKey");
+    QTest::addColumn<QByteArray>("written");
+    QTest::newRow("a preference") << false << QByteArray("pinOnTop=true");
+    QTest::newRow("a hot key") << true << QByteArray("hotkey.quickAdd=");
+}
+
 void PreferencesTest::writesDoNotHoldTheEventLoop()
 {
+    QFETCH(bool, hotKey);
+    QFETCH(QByteArray, written);
     // Another writer holds the settings file's lock, as a slow disk would
     // hold the write: the interface goes on meanwhile.
     const QString file = Preferences::openSettings()->fileName();
@@ -206,8 +220,15 @@ void PreferencesTest::writesDoNotHoldTheEventLoop()
     QLockFile otherWriter(file + QStringLiteral(".lock"));
     QVERIFY(otherWriter.tryLock());
     Preferences p;
-    p.setPinOnTop(true);
-    QCOMPARE(p.pinOnTop(), true);
+    Test::FakeHotKeyRegistrar registrar;
+    HotKeyCenter hotKeys(registrar);
+    if (hotKey) {
+        hotKeys.setCombo(KeyCombo {58, KeyCombo::defaultFor(HotKeyAction::QuickAdd).modifiers},
+            HotKeyAction::QuickAdd);
+    } else {
+        p.setPinOnTop(true);
+        QCOMPARE(p.pinOnTop(), true);
+    }
     int turns = 0;
     QTimer turning;
     connect(&turning, &QTimer::timeout, [&turns] { ++turns; });
@@ -215,9 +236,9 @@ void PreferencesTest::writesDoNotHoldTheEventLoop()
     QTRY_VERIFY_WITH_TIMEOUT(turns >= 20, 10000);
 
     otherWriter.unlock();
-    const auto fileHolds = [&file] {
+    const auto fileHolds = [&file, &written] {
         QFile settings(file);
-        return settings.open(QIODevice::ReadOnly) && settings.readAll().contains("pinOnTop=true");
+        return settings.open(QIODevice::ReadOnly) && settings.readAll().contains(written);
     };
     QTRY_VERIFY_WITH_TIMEOUT(fileHolds(), 20000);
 }

@@ -11,10 +11,10 @@ namespace Vesko {
 HotKeyCenter::HotKeyCenter(HotKeyRegistrar &registrar, QObject *parent)
     : QObject(parent)
     , m_registrar(registrar)
-    , m_settings(openSettingsFile())
 {
+    const std::unique_ptr<QSettings> settings = openSettingsFile();
     for (HotKeyAction action : allHotKeyActions) {
-        const QVariant stored = m_settings->value(settingsKey(action));
+        const QVariant stored = settings->value(settingsKey(action));
         if (!stored.isValid()) {
             m_combos.insert(action, KeyCombo::defaultFor(action));
             continue;
@@ -149,8 +149,8 @@ std::optional<HotKeyAction> HotKeyCenter::conflictingAction(
 
 void HotKeyCenter::persist(const std::optional<KeyCombo> &combo, HotKeyAction action)
 {
-    m_settings->setValue(settingsKey(action), combo ? combo->toJson() : QByteArray());
-    m_settings->sync();
+    SettingsWriter::shared().setValue(
+        settingsKey(action), combo ? combo->toJson() : QByteArray());
 }
 
 void HotKeyCenter::setCombo(const KeyCombo &combo, HotKeyAction action)

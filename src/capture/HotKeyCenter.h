@@ -70,7 +70,6 @@ private:
     void offerFreedCombo(const std::optional<KeyCombo> &freed, HotKeyAction action);
 
     HotKeyRegistrar &m_registrar;
-    std::unique_ptr<QSettings> m_settings;
     QHash<HotKeyAction, KeyCombo> m_combos;
     QSet<HotKeyAction> m_registered;
     QSet<HotKeyAction> m_refused;

@@ -5,6 +5,7 @@
 #include "attachments/DesktopAttachments.h"
 #include "panel/NoteEditorView.h"
 #include "panel/NoteWindow.h"
+#include "platform/SettingsFile.h"
 #include "platform/x11/X11Window.h"
 #include "shell/Preferences.h"
 #include "shell/Theme.h"
@@ -89,8 +90,7 @@ NoteWindow *NoteWindowManager::open(const QUuid &noteID)
 void NoteWindowManager::placeNew(NoteWindow *window)
 {
     window->resize(contentSize);
-    const std::unique_ptr<QSettings> settings = Preferences::openSettings();
-    const QByteArray frame = settings->value(frameKey).toByteArray();
+    const QByteArray frame = settingValue(frameKey).toByteArray();
     if (!frame.isEmpty() && window->restoreGeometry(frame))
         return;
     QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
@@ -107,8 +107,7 @@ void NoteWindowManager::rememberFrame(NoteWindow *window)
 {
     if (!window->isVisible())
         return;
-    const std::unique_ptr<QSettings> settings = Preferences::openSettings();
-    settings->setValue(frameKey, window->saveGeometry());
+    SettingsWriter::shared().setValue(frameKey, window->saveGeometry());
 }
 
 void NoteWindowManager::refreshAppearance()

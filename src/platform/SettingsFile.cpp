@@ -58,6 +58,12 @@ SettingsWriter::~SettingsWriter()
     m_queue->sync([worker = m_worker] { worker->settings.reset(); });
 }
 
+SettingsWriter &SettingsWriter::shared()
+{
+    static SettingsWriter *const writer = new SettingsWriter;
+    return *writer;
+}
+
 QVariant settingValue(const QString &key)
 {
     {

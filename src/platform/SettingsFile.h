@@ -29,6 +29,11 @@ public:
     //! Waits for the values already given to reach the file.
     ~SettingsWriter();
 
+    //! The process's writer, made on first use and never destroyed: every
+    //! setting the program changes goes through it, and the program flushes
+    //! it on its way out.
+    static SettingsWriter &shared();
+
     void setValue(const QString &key, const QVariant &value);
     //! Blocks until every value given so far is in the file: for the end of
     //! the program, and for tests.

@@ -143,7 +143,6 @@ std::unique_ptr<QSettings> Preferences::openSettings()
 
 Preferences::Preferences(QObject *parent)
     : QObject(parent)
-    , m_writer(std::make_unique<SettingsWriter>())
 {
     const std::unique_ptr<QSettings> settings = openSettings();
     const QSettings &s = *settings;
@@ -175,16 +174,19 @@ Preferences::Preferences(QObject *parent)
     m_hasStoredPanelFrame = readBool(s, Key::hasStoredPanelFrame, false);
 }
 
-Preferences::~Preferences() = default;
+Preferences::~Preferences()
+{
+    flush();
+}
 
 void Preferences::write(const char *name, const QVariant &value)
 {
-    m_writer->setValue(key(name), value);
+    SettingsWriter::shared().setValue(key(name), value);
 }
 
 void Preferences::flush()
 {
-    m_writer->flush();
+    SettingsWriter::shared().flush();
 }
 
 Preferences &Preferences::shared()

@@ -16,7 +16,6 @@
 
 namespace Vesko {
 
-class SettingsWriter;
 
 Q_NAMESPACE
 
@@ -176,7 +175,6 @@ private:
 
     void write(const char *name, const QVariant &value);
 
-    std::unique_ptr<SettingsWriter> m_writer;
     AppAppearance m_appearance;
     PanelEdge m_panelEdge;
     double m_panelWidth;

@@ -48,16 +48,15 @@ public:
 
     bool restoreFrame()
     {
-        const QByteArray frame = openSettingsFile()
-                                     ->value(QLatin1String(SettingsWindowController::frameKey))
-                                     .toByteArray();
+        const QByteArray frame
+            = settingValue(QLatin1String(SettingsWindowController::frameKey)).toByteArray();
         return !frame.isEmpty() && restoreGeometry(frame);
     }
 
     void saveFrame()
     {
         if (isVisible())
-            openSettingsFile()->setValue(
+            SettingsWriter::shared().setValue(
                 QLatin1String(SettingsWindowController::frameKey), saveGeometry());
     }
 
