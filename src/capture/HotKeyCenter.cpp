@@ -12,9 +12,8 @@ HotKeyCenter::HotKeyCenter(HotKeyRegistrar &registrar, QObject *parent)
     : QObject(parent)
     , m_registrar(registrar)
 {
-    const std::unique_ptr<QSettings> settings = openSettingsFile();
     for (HotKeyAction action : allHotKeyActions) {
-        const QVariant stored = settings->value(settingsKey(action));
+        const QVariant stored = settingValue(settingsKey(action));
         if (!stored.isValid()) {
             m_combos.insert(action, KeyCombo::defaultFor(action));
             continue;

@@ -138,6 +138,7 @@ ListStyle listStyleFromRawValue(const QString &raw)
 
 std::unique_ptr<QSettings> Preferences::openSettings()
 {
+    SettingsWriter::shared().flush();
     return openSettingsFile();
 }
 

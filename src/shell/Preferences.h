@@ -79,7 +79,8 @@ public:
     //! The one instance of the process, made on first use and never destroyed.
     static Preferences &shared();
 
-    //! The settings file of the program, in INI format.
+    //! The settings file of the program, in INI format, once every value
+    //! given to the settings writer so far is in it.
     static std::unique_ptr<QSettings> openSettings();
 
     AppAppearance appearance() const { return m_appearance; }
