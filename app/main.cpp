@@ -20,6 +20,7 @@
 #include "platform/x11/X11Session.h"
 #include "shell/AppCommands.h"
 #include "shell/AppDelegate.h"
+#include "shell/CaptureStatus.h"
 #include "shell/DesktopCapture.h"
 #include "shell/KeyboardContextMenu.h"
 #include "shell/Preferences.h"
@@ -32,10 +33,27 @@
 #include "store/Store.h"
 
 #include <QApplication>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QSignalBlocker>
 #include <QTimer>
 
 using namespace Vesko;
+
+namespace {
+
+// Opens the desktop's keyboard-shortcut settings, where it has a page for
+// them that is installed; empty otherwise.
+std::function<void()> shortcutSettingsOpener()
+{
+    const QStringList command
+        = keyboardShortcutSettingsCommand(qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
+    if (command.isEmpty() || QStandardPaths::findExecutable(command.first()).isEmpty())
+        return {};
+    return [command] { QProcess::startDetached(command.first(), command.mid(1)); };
+}
+
+} // namespace
 
 int main(int argc, char *argv[])
 {
@@ -93,7 +111,7 @@ int main(int argc, char *argv[])
     settings.setServices(
         SettingsView::Services {preferences, panel, LoginItem::forCurrentProgram(),
             {preferences, capture.permission(), capture.engine(), capture.hotKeys(),
-                capture.keyLayout(), &X11Session::captureObstacle},
+                capture.keyLayout(), &X11Session::captureObstacle, shortcutSettingsOpener()},
             {store, preferences, PanelCommands::shared().clipboard(),
                 &PanelCommands::showInFileManager}},
         capture.permission());

@@ -341,9 +341,15 @@ void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
                  .contains(QStringLiteral("showing")));
     const QString reason = QStringLiteral("This is a Wayland session: it keeps other "
                                           "applications' keys and selected text away from Vesko.");
-    QVERIFY(nodes.contains(QStringLiteral("label|Accessibility access needed")));
-    for (const char *button : {"push button|Grant Access…", "push button|Open System Settings…"})
-        QVERIFY2(nodes.contains(QString::fromUtf8(button)), button);
+    QVERIFY(nodes.contains(QStringLiteral("label|Capture is not set up in this session")));
+    // This desktop has no keyboard-shortcut settings for the buttons to open.
+    for (const char *button : {"push button|Grant Access…", "push button|Open System Settings…"}) {
+        QVERIFY2(!byName.value(QString::fromUtf8(button))
+                      .value(QStringLiteral("states"))
+                      .toArray()
+                      .contains(QStringLiteral("showing")),
+            button);
+    }
     QVERIFY2(nodes.contains(QStringLiteral("label|") + reason), qPrintable(nodes.join(u'\n')));
     QVERIFY(byName.value(QStringLiteral("label|") + reason)
                 .value(QStringLiteral("states"))

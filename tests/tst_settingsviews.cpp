@@ -13,6 +13,7 @@
 #include "ReadOnlyFolder.h"
 #include "SettingsRig.h"
 #include "library/LibraryCoding.h"
+#include "shell/CaptureStatus.h"
 #include "shell/GeneralSettingsView.h"
 #include "shell/SettingsWindowController.h"
 #include "shell/UpdateController.h"
@@ -167,6 +168,8 @@ private Q_SLOTS:
     void openAtLoginFailureSetsTheToggleBack();
     void captureTabSaysWhy_data();
     void captureTabSaysWhy();
+    void shortcutSettingsOfTheDesktop_data();
+    void shortcutSettingsOfTheDesktop();
     void intervalSliderKeepsItsBounds();
     void moveThereAndBackThroughTheDialog();
     void moveToReadOnlyFolderShowsTheFailure();
@@ -350,18 +353,21 @@ void SettingsViewsTest::captureTabSaysWhy_data()
     QTest::addColumn<int>("obstacle");
     QTest::addColumn<QString>("reason");
     QTest::addColumn<QString>("button");
-    QTest::newRow("wayland") << int(CaptureObstacle::WaylandSession)
-                             << "This is a Wayland session: it keeps other applications' keys "
-                                "and selected text away from Vesko."
-                             << "Grant Access…";
+    QTest::addColumn<bool>("shortcutSettings");
+    const QString wayland = QStringLiteral("This is a Wayland session: it keeps other "
+                                           "applications' keys and selected text away from Vesko.");
+    QTest::newRow("wayland") << int(CaptureObstacle::WaylandSession) << wayland
+                             << "Grant Access…" << true;
+    QTest::newRow("wayland, no shortcut settings")
+        << int(CaptureObstacle::WaylandSession) << wayland << QString() << false;
     QTest::newRow("xtest") << int(CaptureObstacle::NoXTest)
                            << "The X server lacks XTEST, which Vesko uses to copy the selected "
                               "text."
-                           << "Open System Settings…";
+                           << "Open System Settings…" << true;
     QTest::newRow("no x server") << int(CaptureObstacle::NoXServer)
                                  << "Vesko is not running on an X server, so it cannot see other "
                                     "applications' keys and selected text."
-                                 << "Grant Access…";
+                                 << "Grant Access…" << true;
 }
 
 void SettingsViewsTest::captureTabSaysWhy()
@@ -369,23 +375,31 @@ void SettingsViewsTest::captureTabSaysWhy()
     QFETCH(int, obstacle);
     QFETCH(QString, reason);
     QFETCH(QString, button);
+    QFETCH(bool, shortcutSettings);
     m_view.reset();
     auto available = std::make_shared<bool>(false);
     m_rig = std::make_unique<Test::SettingsRig>([available] { return *available; });
-    SettingsView view(
-        m_rig->services(loginItem(), [obstacle] { return CaptureObstacle(obstacle); }));
+    SettingsView::Services services
+        = m_rig->services(loginItem(), [obstacle] { return CaptureObstacle(obstacle); });
+    int settingsOpened = 0;
+    if (shortcutSettings)
+        services.capture.openShortcutSettings = [&settingsOpened] { ++settingsOpened; };
+    SettingsView view(services);
     view.showTab(SettingsTab::Capture);
     view.show();
-    const QString needed = QStringLiteral("Accessibility access needed");
-    const QString granted = QStringLiteral("Accessibility access granted");
+    const QString needed = QStringLiteral("Capture is not set up in this session");
+    const QString granted = QStringLiteral("Capture works in this session");
     const QString footnote = QStringLiteral("Vesko uses it to read your text selection and listen "
                                             "for double Shift. Nothing is recorded or sent "
                                             "anywhere.");
     QVERIFY(visibleLabel(&view, needed));
     QVERIFY(visibleLabel(&view, reason));
     QVERIFY(visibleLabel(&view, footnote));
-    for (const char *text : {"Grant Access…", "Open System Settings…"})
-        QVERIFY(findByText<QPushButton>(&view, QString::fromUtf8(text))->isVisibleTo(&view));
+    // The buttons show only where they lead to the desktop's shortcut settings.
+    for (const char *text : {"Grant Access…", "Open System Settings…"}) {
+        QCOMPARE(findByText<QPushButton>(&view, QString::fromUtf8(text))->isVisibleTo(&view),
+            shortcutSettings);
+    }
     // A Wayland session is never said to have an X server.
     if (obstacle == int(CaptureObstacle::WaylandSession)) {
         for (QLabel *label : view.findChildren<QLabel *>())
@@ -402,10 +416,16 @@ void SettingsViewsTest::captureTabSaysWhy()
     holdToggle(*m_rig);
     QVERIFY(!visibleLabel(&view, taken));
 
-    // Either button reads the answer again: once capture works, the tab says
-    // so and nothing more.
+    // Either button opens the shortcut settings and reads the answer again:
+    // once capture works, the tab says so and nothing more.
     *available = true;
-    findByText<QPushButton>(&view, button)->click();
+    if (shortcutSettings) {
+        findByText<QPushButton>(&view, button)->click();
+        QCOMPARE(settingsOpened, 1);
+    } else {
+        view.showTab(SettingsTab::General);
+        view.showTab(SettingsTab::Capture);
+    }
     QVERIFY(visibleLabel(&view, granted));
     QVERIFY(!visibleLabel(&view, needed));
     QVERIFY(!visibleLabel(&view, reason));
@@ -414,6 +434,28 @@ void SettingsViewsTest::captureTabSaysWhy()
         QVERIFY(!findByText<QPushButton>(&view, QString::fromUtf8(text))->isVisibleTo(&view));
     holdToggle(*m_rig);
     QVERIFY(visibleLabel(&view, taken));
+}
+
+void SettingsViewsTest::shortcutSettingsOfTheDesktop_data()
+{
+    QTest::addColumn<QString>("desktop");
+    QTest::addColumn<QStringList>("command");
+    const QStringList gnome {QStringLiteral("gnome-control-center"), QStringLiteral("keyboard")};
+    QTest::newRow("GNOME") << "GNOME" << gnome;
+    QTest::newRow("a list, GNOME second") << "ubuntu:GNOME" << gnome;
+    QTest::newRow("any case") << "gnome" << gnome;
+    QTest::newRow("KDE") << "KDE"
+                         << QStringList {QStringLiteral("systemsettings"), QStringLiteral("kcm_keys")};
+    QTest::newRow("sway") << "sway" << QStringList();
+    QTest::newRow("none") << "" << QStringList();
+    QTest::newRow("a part of a name") << "GNOME-Flashback-Extra" << QStringList();
+}
+
+void SettingsViewsTest::shortcutSettingsOfTheDesktop()
+{
+    QFETCH(QString, desktop);
+    QFETCH(QStringList, command);
+    QCOMPARE(keyboardShortcutSettingsCommand(desktop), command);
 }
 
 void SettingsViewsTest::intervalSliderKeepsItsBounds()

@@ -118,12 +118,19 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
     captured->addRow(m_showPanel);
     layout->addWidget(captured);
 
-    // Nothing is granted on this desktop: both read the answer again and keep
-    // looking for a while.
-    connect(m_grantAccess, &QPushButton::clicked, &m_services.permission,
-        &AccessibilityPermission::requestAccess);
-    connect(m_openSystemSettings, &QPushButton::clicked, &m_services.permission,
-        &AccessibilityPermission::openSystemSettings);
+    // Nothing is granted on this desktop: both lead to its keyboard-shortcut
+    // settings, where the user binds Vesko's commands, then read the answer
+    // again and keep looking for a while.
+    connect(m_grantAccess, &QPushButton::clicked, this, [this] {
+        if (m_services.openShortcutSettings)
+            m_services.openShortcutSettings();
+        m_services.permission.requestAccess();
+    });
+    connect(m_openSystemSettings, &QPushButton::clicked, this, [this] {
+        if (m_services.openShortcutSettings)
+            m_services.openShortcutSettings();
+        m_services.permission.openSystemSettings();
+    });
     connect(&m_services.permission, &AccessibilityPermission::isTrustedChanged, this,
         &CaptureSettingsView::refreshPermission);
     connect(m_doubleShift, &QCheckBox::toggled, this, [this](bool enabled) {
@@ -183,14 +190,15 @@ void CaptureSettingsView::refreshPermission()
                              : QStringLiteral("exclamationmark.triangle.fill"),
             tint, 16)
             .pixmap(16, 16));
-    m_permissionTitle->setText(
-        available ? tr("Accessibility access granted") : tr("Accessibility access needed"));
+    m_permissionTitle->setText(available ? tr("Capture works in this session")
+                                         : tr("Capture is not set up in this session"));
     m_reason->setText(captureObstacleReason(obstacle));
     m_reason->setVisible(!available && !m_reason->text().isEmpty());
     m_advice->setText(captureObstacleAdvice(obstacle));
     m_advice->setVisible(!available && !m_advice->text().isEmpty());
-    m_grantAccess->setVisible(!available);
-    m_openSystemSettings->setVisible(!available);
+    const bool leadSomewhere = !available && bool(m_services.openShortcutSettings);
+    m_grantAccess->setVisible(leadSomewhere);
+    m_openSystemSettings->setVisible(leadSomewhere);
     for (ShortcutRecorderView *recorder : std::as_const(m_recorders))
         recorder->setCaptureAvailable(available);
 }

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The Capture tab of Settings: whether capture is available in this session
-// ("Accessibility access") and, when it is not, why in plain words and what
-// to do instead; the double-Shift gesture
-// and its interval; the four system-wide shortcuts; and whether a capture
+// The Capture tab of Settings: whether capture works in this session and,
+// when it does not, why in plain words and what to do instead; the
+// double-Shift gesture and its interval; the four system-wide shortcuts; and whether a capture
 // brings the panel forward.
 
 #pragma once
@@ -43,6 +42,10 @@ public:
         const KeyLayout *keyLayout;
         //! What keeps capture from working, asked when the tab shows.
         std::function<CaptureObstacle()> captureObstacle;
+        //! Opens the desktop's keyboard-shortcut settings; empty where the
+        //! desktop has none that Vesko knows, and the tab's buttons then
+        //! stay hidden, since they would lead nowhere.
+        std::function<void()> openShortcutSettings = {};
     };
 
     //! The interval slider's bounds and step, in milliseconds.

@@ -57,4 +57,22 @@ QString captureObstacleAdvice(CaptureObstacle obstacle)
     return {};
 }
 
+QStringList keyboardShortcutSettingsCommand(const QString &currentDesktop)
+{
+    static const std::pair<QLatin1String, QStringList> pages[] = {
+        {QLatin1String("GNOME"), {QStringLiteral("gnome-control-center"), QStringLiteral("keyboard")}},
+        {QLatin1String("KDE"), {QStringLiteral("systemsettings"), QStringLiteral("kcm_keys")}},
+        {QLatin1String("XFCE"), {QStringLiteral("xfce4-keyboard-settings")}},
+        {QLatin1String("X-Cinnamon"), {QStringLiteral("cinnamon-settings"), QStringLiteral("keyboard")}},
+        {QLatin1String("MATE"), {QStringLiteral("mate-keybinding-properties")}},
+    };
+    for (const QStringView desktop : QStringView(currentDesktop).split(u':')) {
+        for (const auto &[name, command] : pages) {
+            if (desktop.compare(name, Qt::CaseInsensitive) == 0)
+                return command;
+        }
+    }
+    return {};
+}
+
 } // namespace Vesko

@@ -8,6 +8,7 @@
 #include "platform/CaptureSupport.h"
 
 #include <QString>
+#include <QStringList>
 
 namespace Vesko {
 
@@ -15,5 +16,10 @@ namespace Vesko {
 QString captureObstacleReason(CaptureObstacle obstacle);
 //! What the user can do instead; empty for None.
 QString captureObstacleAdvice(CaptureObstacle obstacle);
+
+//! The program and arguments that open the keyboard-shortcut settings of
+//! the desktop named by \a currentDesktop (XDG_CURRENT_DESKTOP, a list
+//! separated by colons); empty for a desktop without such a page.
+QStringList keyboardShortcutSettingsCommand(const QString &currentDesktop);
 
 } // namespace Vesko
