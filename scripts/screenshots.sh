@@ -282,22 +282,24 @@ echo "wrote $out/panel-not-saved.png"
 
 # The line at the panel's foot after the library file could not be read: the
 # demo library lies in the backups, the file itself lost its last brace.
-root=$(mktemp -d)
-mkdir -p "$root"/{data/Vesko/"Library Backups",config/Vesko,cache,state,runtime}
-chmod 700 "$root/runtime"
-cp "$out/list-demo-library.json" "$root/data/Vesko/Library Backups/Library-2026-03-14T09-26-53Z-1F3A9C.json"
-head -c -2 "$out/list-demo-library.json" >"$root/data/Vesko/Library.json"
-printf '[General]\nappearance=light\n' >"$root/config/Vesko/Vesko.conf"
-XDG_DATA_HOME=$root/data XDG_CONFIG_HOME=$root/config XDG_CACHE_HOME=$root/cache \
-    XDG_STATE_HOME=$root/state XDG_RUNTIME_DIR=$root/runtime QT_QPA_PLATFORM=xcb \
-    "$build"/app/vesko &
-pid=$!
-xdotool search --sync --onlyvisible --name '^Vesko$' >/dev/null
-sleep 1.5
-"$build"/tests/screen_grab "$out/panel-unreadable.png" 896 100 380 600
-kill -TERM "$pid"
-wait "$pid" || true
-rm -rf "$root"
-echo "wrote $out/panel-unreadable.png"
+for appearance in light dark; do
+    root=$(mktemp -d)
+    mkdir -p "$root"/{data/Vesko/"Library Backups",config/Vesko,cache,state,runtime}
+    chmod 700 "$root/runtime"
+    cp "$out/list-demo-library.json" "$root/data/Vesko/Library Backups/Library-2026-03-14T09-26-53Z-1F3A9C.json"
+    head -c -2 "$out/list-demo-library.json" >"$root/data/Vesko/Library.json"
+    printf '[General]\nappearance=%s\n' "$appearance" >"$root/config/Vesko/Vesko.conf"
+    XDG_DATA_HOME=$root/data XDG_CONFIG_HOME=$root/config XDG_CACHE_HOME=$root/cache \
+        XDG_STATE_HOME=$root/state XDG_RUNTIME_DIR=$root/runtime QT_QPA_PLATFORM=xcb \
+        "$build"/app/vesko &
+    pid=$!
+    xdotool search --sync --onlyvisible --name '^Vesko$' >/dev/null
+    sleep 1.5
+    "$build"/tests/screen_grab "$out/panel-unreadable-$appearance.png" 896 100 380 600
+    kill -TERM "$pid"
+    wait "$pid" || true
+    rm -rf "$root"
+    echo "wrote $out/panel-unreadable-$appearance.png"
+done
 "$build"/tests/list_screenshots "$out/list-demo-library.json" "$out"
 "$build"/tests/keys_screenshots "$out/list-demo-library.json" "$out"
