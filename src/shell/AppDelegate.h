@@ -46,6 +46,9 @@ public:
     void willTerminate();
     //! Shows the panel in the taskbar or keeps it out, by showsInDock.
     void applyActivationPolicy();
+    //! Off for a start in the background (by a command or the bus): the
+    //! launch then leaves the panel hidden until something asks for it.
+    void setShowsPanelAtLaunch(bool shows) { m_showsPanelAtLaunch = shows; }
 
 private:
     Store &m_store;
@@ -53,6 +56,7 @@ private:
     PanelController &m_panel;
     Hooks m_hooks;
     bool m_terminated = false;
+    bool m_showsPanelAtLaunch = true;
 };
 
 } // namespace Vesko
