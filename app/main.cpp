@@ -56,11 +56,10 @@ void print(FILE *stream, const QString &text)
 }
 
 // Hands "reopen" to the running process: Activate on the session bus, else its socket.
-bool forwardReopen(const SingleInstance &instance)
+bool forwardReopen(const SingleInstance &instance, const QString &libraryPath)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (bus.isConnected()
-        && bus.interface()->isServiceRegistered(QLatin1String(ApplicationBus::serviceName))) {
+    if (InstanceClient::busServes(libraryPath)) {
         QDBusMessage call = QDBusMessage::createMethodCall(
             QLatin1String(ApplicationBus::serviceName), QLatin1String(ApplicationBus::objectPath),
             QLatin1String(ApplicationBus::applicationInterface), QStringLiteral("Activate"));
@@ -119,7 +118,7 @@ int main(int argc, char *argv[])
     SingleInstance::Claim claim = instance.claim();
     if (claim == SingleInstance::Claim::HeldElsewhere) {
         // A start in the background asks nothing of the process that runs.
-        if (inBackground || forwardReopen(instance))
+        if (inBackground || forwardReopen(instance, preferences.libraryURL()))
             return 0;
         // No answer: the running process may be ending just now, and its lock with it.
         claim = instance.claimWithin(SingleInstance::handOverMilliseconds);
@@ -237,6 +236,7 @@ int main(int argc, char *argv[])
             requests.handle(document.object(), reply);
     });
     ApplicationBus bus(requests);
+    bus.setInstanceName([&preferences] { return SingleInstance::instanceName(preferences.libraryURL()); });
     if (claim == SingleInstance::Claim::Acquired) {
         if (const std::optional<QString> failure = bus.registerOn(QDBusConnection::sessionBus()))
             qCInfo(lcStorage, "Not on the session bus: %s", qUtf8Printable(*failure));

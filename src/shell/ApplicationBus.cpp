@@ -79,6 +79,9 @@ public:
     { }
 
 public Q_SLOTS:
+    //! The name of the library's instance that this process serves.
+    QString Instance() { return m_bus->instanceName(); }
+
     QString Request(const QString &request)
     {
         QJsonParseError error;

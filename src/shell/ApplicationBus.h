@@ -12,6 +12,8 @@
 #include <QObject>
 #include <QVariantMap>
 
+#include <functional>
+
 class QDBusConnection;
 
 namespace Vesko {
@@ -37,6 +39,12 @@ public:
 
     NoteRequests &requests() { return m_requests; }
 
+    //! Which library this process serves (SingleInstance::instanceName()),
+    //! so that a client with another library does not take this process
+    //! for its own.
+    void setInstanceName(std::function<QString()> name) { m_instanceName = std::move(name); }
+    QString instanceName() const { return m_instanceName ? m_instanceName() : QString(); }
+
     //! Hands the activation token of \a platformData (the desktop's
     //! "activation-token" or "desktop-startup-id") to the next window that
     //! shows, so that the desktop lets the panel take the focus.
@@ -44,6 +52,7 @@ public:
 
 private:
     NoteRequests &m_requests;
+    std::function<QString()> m_instanceName;
 };
 
 } // namespace Vesko

@@ -128,10 +128,38 @@ InstanceClient::InstanceClient(const QString &libraryPath, const QString &progra
     , m_program(program)
 { }
 
-bool InstanceClient::launchInstance()
+bool InstanceClient::busServes(const QString &libraryPath)
 {
-    if (m_launched)
-        return true;
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected() || !isRegistered(bus))
+        return false;
+    const QDBusMessage call = QDBusMessage::createMethodCall(
+        QLatin1String(ApplicationBus::serviceName), QLatin1String(ApplicationBus::objectPath),
+        QLatin1String(ApplicationBus::notesInterface), QStringLiteral("Instance"));
+    const QDBusReply<QString> reply = bus.call(call, QDBus::Block, requestMilliseconds);
+    return reply.isValid() && reply.value() == SingleInstance::instanceName(libraryPath);
+}
+
+InstanceClient::Road InstanceClient::road() const
+{
+    if (busServes(m_libraryPath))
+        return Road::Bus;
+    // Without a bus, or when the name is another library's process.
+    if (canConnect(SingleInstance(m_libraryPath).socketPath()))
+        return Road::Socket;
+    return Road::None;
+}
+
+bool InstanceClient::startInstance()
+{
+    // D-Bus activation where the service file is installed and the name is free.
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (bus.isConnected() && !isRegistered(bus)) {
+        const QDBusReply<void> started
+            = bus.interface()->startService(QLatin1String(ApplicationBus::serviceName));
+        if (started.isValid())
+            return true;
+    }
     QProcess process;
     process.setProgram(m_program);
     process.setArguments({QStringLiteral("--background")});
@@ -143,55 +171,31 @@ bool InstanceClient::launchInstance()
         m_failure = tr("Could not start Vesko (%1): %2.").arg(m_program, process.errorString());
         return false;
     }
-    m_launched = true;
     return true;
 }
 
-std::optional<bool> InstanceClient::reachOnBus()
+InstanceClient::Road InstanceClient::reach()
 {
-    QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected())
-        return std::nullopt;
-    if (isRegistered(bus))
-        return true;
-    // D-Bus activation where the service file is installed, else a launch of our own.
-    const QDBusReply<void> started
-        = bus.interface()->startService(QLatin1String(ApplicationBus::serviceName));
-    if (started.isValid() && isRegistered(bus))
-        return true;
-    if (!launchInstance())
-        return false;
+    Road found = road();
+    if (found != Road::None)
+        return found;
+    if (!startInstance())
+        return Road::None;
+    // Two commands may start one each at once: the instance lock lets one
+    // run, and both reach it.
     const QDeadlineTimer deadline(startMilliseconds);
     while (!deadline.hasExpired()) {
-        if (isRegistered(bus))
-            return true;
         QThread::msleep(pollMilliseconds);
+        found = road();
+        if (found != Road::None)
+            return found;
     }
     m_failure = tr("Vesko did not start within %1 seconds.").arg(startMilliseconds / 1000);
-    return false;
-}
-
-bool InstanceClient::reachOnSocket()
-{
-    const SingleInstance instance(m_libraryPath);
-    if (canConnect(instance.socketPath()))
-        return true;
-    if (!launchInstance())
-        return false;
-    const QDeadlineTimer deadline(startMilliseconds);
-    while (!deadline.hasExpired()) {
-        if (canConnect(instance.socketPath()))
-            return true;
-        QThread::msleep(pollMilliseconds);
-    }
-    m_failure = tr("Vesko did not start within %1 seconds.").arg(startMilliseconds / 1000);
-    return false;
+    return Road::None;
 }
 
 QJsonObject InstanceClient::sendOnSocket(const QJsonObject &request)
 {
-    if (!reachOnSocket())
-        return failure(m_failure);
     const SingleInstance instance(m_libraryPath);
     const std::optional<QByteArray> answer = instance.sendRequest(
         QJsonDocument(request).toJson(QJsonDocument::Compact), requestMilliseconds);
@@ -205,11 +209,11 @@ QJsonObject InstanceClient::sendOnSocket(const QJsonObject &request)
 
 QJsonObject InstanceClient::send(const QJsonObject &request)
 {
-    const std::optional<bool> onBus = reachOnBus();
-    if (!onBus)
-        return sendOnSocket(request);
-    if (!*onBus)
+    const Road found = reach();
+    if (found == Road::None)
         return failure(m_failure);
+    if (found == Road::Socket)
+        return sendOnSocket(request);
     QDBusMessage call = QDBusMessage::createMethodCall(QLatin1String(ApplicationBus::serviceName),
         QLatin1String(ApplicationBus::objectPath), QLatin1String(ApplicationBus::notesInterface),
         QStringLiteral("Request"));
@@ -226,13 +230,13 @@ QJsonObject InstanceClient::send(const QJsonObject &request)
 
 QJsonObject InstanceClient::activateAction(const QString &name)
 {
-    const std::optional<bool> onBus = reachOnBus();
-    if (!onBus) {
+    const Road found = reach();
+    if (found == Road::None)
+        return failure(m_failure);
+    if (found == Road::Socket) {
         return sendOnSocket(
             {{QStringLiteral("command"), QStringLiteral("action")}, {QStringLiteral("name"), name}});
     }
-    if (!*onBus)
-        return failure(m_failure);
     QDBusMessage call = QDBusMessage::createMethodCall(QLatin1String(ApplicationBus::serviceName),
         QLatin1String(ApplicationBus::objectPath),
         QLatin1String(ApplicationBus::applicationInterface), QStringLiteral("ActivateAction"));

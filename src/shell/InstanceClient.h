@@ -34,18 +34,21 @@ public:
     //! Runs the action \a name (ActivateAction on the bus).
     QJsonObject activateAction(const QString &name);
 
+    //! Whether the process that owns the bus name serves the library at \a libraryPath.
+    static bool busServes(const QString &libraryPath);
+
 private:
-    //! Whether the instance can be reached on the session bus, starting
-    //! one when needed; nothing when there is no session bus.
-    std::optional<bool> reachOnBus();
-    bool reachOnSocket();
-    bool launchInstance();
+    enum class Road { None, Bus, Socket };
+    //! How the instance is reached now, without starting one.
+    Road road() const;
+    //! road(), starting an instance when none answers; None with m_failure set.
+    Road reach();
+    bool startInstance();
     QJsonObject sendOnSocket(const QJsonObject &request);
 
     QString m_libraryPath;
     QString m_program;
     QString m_failure;
-    bool m_launched = false;
 };
 
 //! Runs the client command \a request and returns the exit status; prints
