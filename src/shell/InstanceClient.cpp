@@ -4,6 +4,7 @@
 
 #include "shell/ApplicationBus.h"
 #include "shell/CommandLine.h"
+#include "shell/McpServer.h"
 #include "shell/NoteRequests.h"
 #include "shell/SingleInstance.h"
 
@@ -286,6 +287,10 @@ int runClientCommand(const CommandLineRequest &request, const QString &libraryPa
             list.insert(QStringLiteral("project"), request.project);
         answer = client.send(list);
         break;
+    }
+    case Kind::Mcp: {
+        McpServer server([&client](const QJsonObject &request) { return client.send(request); });
+        return server.serve();
     }
     case Kind::Search:
         answer = client.send({{QStringLiteral("command"), QStringLiteral("search")},
