@@ -2,9 +2,10 @@
 //
 // The vesko program. With a command it is a client of the running Vesko
 // (see InstanceClient) and builds no QApplication. A second launch hands
-// "reopen" to the running process and ends. The first reads the library into the Store before anything else,
-// shows the floating panel once the event loop runs, and writes the library
-// on the way out, however it is asked to end.
+// "reopen" to the running process and ends. The first reads the library
+// into the Store before anything else, shows the floating panel once the
+// event loop runs, and writes the library on the way out, however it is
+// asked to end.
 
 #include "attachments/DesktopAttachments.h"
 #include "capture/CaptureEngine.h"
@@ -21,8 +22,8 @@
 #include "platform/x11/X11Session.h"
 #include "search/SearchIndex.h"
 #include "shell/AppCommands.h"
-#include "shell/ApplicationBus.h"
 #include "shell/AppDelegate.h"
+#include "shell/ApplicationBus.h"
 #include "shell/CommandLine.h"
 #include "shell/DesktopCapture.h"
 #include "shell/InstanceClient.h"
@@ -97,7 +98,8 @@ int main(int argc, char *argv[])
         case CommandLineRequest::Kind::Invalid:
             print(stderr,
                 QStringLiteral("vesko: %1\n").arg(request.message)
-                    + QCoreApplication::translate("CommandLine", "Run “vesko --help” for the commands.\n"));
+                    + QCoreApplication::translate(
+                        "CommandLine", "Run “vesko --help” for the commands.\n"));
             return CommandLine::usageExitCode;
         case CommandLineRequest::Kind::Launch:
             inBackground = request.background;
@@ -217,12 +219,16 @@ int main(int argc, char *argv[])
     // Commands from other programs: the command line, key bindings, launchers.
     NoteRequests requests(store, SearchIndex::shared());
     requests.setActions({
-        {QStringLiteral("toggle"), [&capture] { capture.engine().handleHotKey(HotKeyAction::TogglePanel); }},
+        {QStringLiteral("toggle"),
+            [&capture] { capture.engine().handleHotKey(HotKeyAction::TogglePanel); }},
         {QStringLiteral("show"), [&delegate] { delegate.handleReopen(); }},
         {QStringLiteral("hide"), [&panel] { panel.hide(); }},
-        {QStringLiteral("capture"), [&capture] { capture.engine().handleHotKey(HotKeyAction::CaptureSelection); }},
-        {QStringLiteral("quick-add"), [&capture] { capture.engine().handleHotKey(HotKeyAction::QuickAdd); }},
-        {QStringLiteral("copy-list"), [&capture] { capture.engine().handleHotKey(HotKeyAction::CopySelectionAsList); }},
+        {QStringLiteral("capture"),
+            [&capture] { capture.engine().handleHotKey(HotKeyAction::CaptureSelection); }},
+        {QStringLiteral("quick-add"),
+            [&capture] { capture.engine().handleHotKey(HotKeyAction::QuickAdd); }},
+        {QStringLiteral("copy-list"),
+            [&capture] { capture.engine().handleHotKey(HotKeyAction::CopySelectionAsList); }},
         {QStringLiteral("quit"), [&quitGuard] { quitGuard.requestQuit(); }},
     });
     instance.setRequestHandler([&requests](const QByteArray &line, auto answer) {
@@ -236,7 +242,8 @@ int main(int argc, char *argv[])
             requests.handle(document.object(), reply);
     });
     ApplicationBus bus(requests);
-    bus.setInstanceName([&preferences] { return SingleInstance::instanceName(preferences.libraryURL()); });
+    bus.setInstanceName(
+        [&preferences] { return SingleInstance::instanceName(preferences.libraryURL()); });
     if (claim == SingleInstance::Claim::Acquired) {
         if (const std::optional<QString> failure = bus.registerOn(QDBusConnection::sessionBus()))
             qCInfo(lcStorage, "Not on the session bus: %s", qUtf8Printable(*failure));

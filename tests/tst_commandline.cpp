@@ -9,9 +9,11 @@
 #include "TestEnvironment.h"
 
 #include "shell/CommandLine.h"
+#include "shell/McpServer.h"
 #include "shell/NoteRequests.h"
 
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -66,6 +68,11 @@ private Q_SLOTS:
     void searchFindsWhatThePanelFinds();
     void setDoneIsOneUndoStep();
     void actionsRunAfterTheAnswer();
+
+    void mcpMessages_data();
+    void mcpMessages();
+    void mcpToolsBecomeRequests_data();
+    void mcpToolsBecomeRequests();
 };
 
 void CommandLineTest::parse_data()
@@ -82,33 +89,40 @@ void CommandLineTest::parse_data()
     QTest::newRow("help after a command") << QStringList {"add", "-h"} << Kind::Help << "";
     QTest::newRow("version") << QStringList {"-v"} << Kind::Version << "";
     for (const QString &action : CommandLine::actionNames())
-        QTest::addRow("action %s", qPrintable(action)) << QStringList {action} << Kind::Action << action;
-    QTest::newRow("add joins its words")
-        << QStringList {"add", "buy", "milk", "--section", "Shop"} << Kind::Add << "buy milk|Shop||0";
-    QTest::newRow("add with a project, options first")
-        << QStringList {"add", "--project", "Work", "--section=Calls", "ring Ana"} << Kind::Add
-        << "ring Ana|Calls|Work|0";
+        QTest::addRow("action %s", qPrintable(action))
+            << QStringList {action} << Kind::Action << action;
+    QTest::newRow("add joins its words") << QStringList {"add", "buy", "milk", "--section", "Shop"}
+                                         << Kind::Add << "buy milk|Shop||0";
+    QTest::newRow("add with a project, options first") << QStringList {"add", "--project", "Work",
+        "--section=Calls", "ring Ana"} << Kind::Add << "ring Ana|Calls|Work|0";
     QTest::newRow("add words that look like options after --")
         << QStringList {"add", "--", "--all", "-x"} << Kind::Add << "--all -x|||0";
     QTest::newRow("add from standard input") << QStringList {"add", "-"} << Kind::Add << "|||1";
-    QTest::newRow("list everything as JSON")
-        << QStringList {"list", "--all", "--json", "--project", "Home"} << Kind::List << "Home||1|1";
-    QTest::newRow("list a section") << QStringList {"list", "--section", "Inbox"} << Kind::List << "|Inbox|0|0";
+    QTest::newRow("list everything as JSON") << QStringList {"list", "--all", "--json", "--project",
+        "Home"} << Kind::List << "Home||1|1";
+    QTest::newRow("list a section")
+        << QStringList {"list", "--section", "Inbox"} << Kind::List << "|Inbox|0|0";
     QTest::newRow("search joins its words")
         << QStringList {"search", "red", "fox", "--json"} << Kind::Search << "red fox|1";
     QTest::newRow("mcp") << QStringList {"mcp"} << Kind::Mcp << "";
 
     QTest::newRow("unknown command") << QStringList {"frobnicate"} << Kind::Invalid << "frobnicate";
     QTest::newRow("unknown option") << QStringList {"--frob"} << Kind::Invalid << "frob";
-    QTest::newRow("unknown option of a command") << QStringList {"list", "--text"} << Kind::Invalid << "text";
-    QTest::newRow("option without its value") << QStringList {"add", "x", "--section"} << Kind::Invalid << "section";
+    QTest::newRow("unknown option of a command")
+        << QStringList {"list", "--text"} << Kind::Invalid << "text";
+    QTest::newRow("option without its value")
+        << QStringList {"add", "x", "--section"} << Kind::Invalid << "section";
     QTest::newRow("add without text") << QStringList {"add"} << Kind::Invalid << "text";
     QTest::newRow("add blank text") << QStringList {"add", " ", "\t"} << Kind::Invalid << "blank";
-    QTest::newRow("standard input and words") << QStringList {"add", "-", "more"} << Kind::Invalid << "standard input";
-    QTest::newRow("action with an argument") << QStringList {"toggle", "now"} << Kind::Invalid << "toggle";
+    QTest::newRow("standard input and words")
+        << QStringList {"add", "-", "more"} << Kind::Invalid << "standard input";
+    QTest::newRow("action with an argument")
+        << QStringList {"toggle", "now"} << Kind::Invalid << "toggle";
     QTest::newRow("search without a query") << QStringList {"search"} << Kind::Invalid << "query";
-    QTest::newRow("list with a stray word") << QStringList {"list", "all"} << Kind::Invalid << "list";
-    QTest::newRow("background with a command") << QStringList {"--background", "add", "x"} << Kind::Invalid << "background";
+    QTest::newRow("list with a stray word")
+        << QStringList {"list", "all"} << Kind::Invalid << "list";
+    QTest::newRow("background with a command")
+        << QStringList {"--background", "add", "x"} << Kind::Invalid << "background";
 }
 
 void CommandLineTest::parse()
@@ -139,7 +153,8 @@ void CommandLineTest::parse()
         QCOMPARE(request.query + u'|' + flag(request.json), expected);
         break;
     case Kind::Invalid:
-        QVERIFY2(request.message.contains(expected, Qt::CaseInsensitive), qPrintable(request.message));
+        QVERIFY2(
+            request.message.contains(expected, Qt::CaseInsensitive), qPrintable(request.message));
         break;
     case Kind::Launch:
         QCOMPARE(request.background, words.contains(QStringLiteral("--background")));
@@ -156,8 +171,10 @@ void CommandLineTest::helpNamesTheCommand()
     QVERIFY2(help.message.startsWith(QStringLiteral("Usage: vesko list [options]")),
         qPrintable(help.message));
     QVERIFY(help.message.contains(QStringLiteral("--json")));
-    const CommandLineRequest top = CommandLine::parse({QStringLiteral("/usr/local/bin/vesko"), "--help"});
-    QVERIFY2(top.message.startsWith(QStringLiteral("Usage: vesko [options]")), qPrintable(top.message));
+    const CommandLineRequest top
+        = CommandLine::parse({QStringLiteral("/usr/local/bin/vesko"), "--help"});
+    QVERIFY2(
+        top.message.startsWith(QStringLiteral("Usage: vesko [options]")), qPrintable(top.message));
     for (const QString &command : CommandLine::actionNames())
         QVERIFY2(top.message.contains(QStringLiteral("  ") + command + u' '), qPrintable(command));
 }
@@ -213,23 +230,27 @@ void CommandLineTest::refusedRequestsChangeNothing_data()
     QTest::addColumn<QString>("message");
     QTest::newRow("blank note") << QJsonObject {{"command", "add"}, {"text", " \n\t"}} << "blank";
     QTest::newRow("no text at all") << QJsonObject {{"command", "add"}} << "blank";
-    QTest::newRow("note past the bound")
-        << QJsonObject {{"command", "add"}, {"text", QString(NoteRequests::maximumTextLength + 1, u'x')}}
-        << "too long";
+    QTest::newRow("note past the bound") << QJsonObject {{"command", "add"},
+        {"text", QString(NoteRequests::maximumTextLength + 1, u'x')}}
+                                         << "too long";
     QTest::newRow("unknown project")
         << QJsonObject {{"command", "add"}, {"text", "x"}, {"project", "Nowhere"}} << "Nowhere";
-    QTest::newRow("done for an unknown id")
-        << QJsonObject {{"command", "setDone"}, {"ids", QJsonArray {idFor("a").toString(), QUuid::createUuid().toString()}}, {"done", true}}
-        << "No note has the id";
-    QTest::newRow("done for something that is no id")
-        << QJsonObject {{"command", "setDone"}, {"ids", QJsonArray {"../Library.json"}}, {"done", true}}
-        << "../Library.json";
-    QTest::newRow("done without ids") << QJsonObject {{"command", "setDone"}, {"done", true}} << "No note ids";
+    QTest::newRow("done for an unknown id") << QJsonObject {{"command", "setDone"},
+        {"ids", QJsonArray {idFor("a").toString(), QUuid::createUuid().toString()}}, {"done", true}}
+                                            << "No note has the id";
+    QTest::newRow("done for something that is no id") << QJsonObject {{"command", "setDone"},
+        {"ids", QJsonArray {"../Library.json"}}, {"done", true}}
+                                                      << "../Library.json";
+    QTest::newRow("done without ids")
+        << QJsonObject {{"command", "setDone"}, {"done", true}} << "No note ids";
     QTest::newRow("done without saying done")
-        << QJsonObject {{"command", "setDone"}, {"ids", QJsonArray {idFor("a").toString()}}} << "true or false";
-    QTest::newRow("unknown section") << QJsonObject {{"command", "list"}, {"section", "Nope"}} << "Nope";
+        << QJsonObject {{"command", "setDone"}, {"ids", QJsonArray {idFor("a").toString()}}}
+        << "true or false";
+    QTest::newRow("unknown section")
+        << QJsonObject {{"command", "list"}, {"section", "Nope"}} << "Nope";
     QTest::newRow("blank query") << QJsonObject {{"command", "search"}, {"query", "  "}} << "blank";
-    QTest::newRow("unknown action") << QJsonObject {{"command", "action"}, {"name", "explode"}} << "explode";
+    QTest::newRow("unknown action")
+        << QJsonObject {{"command", "action"}, {"name", "explode"}} << "explode";
     QTest::newRow("unknown request") << QJsonObject {{"command", "deleteAll"}} << "deleteAll";
 }
 
@@ -255,11 +276,10 @@ void CommandLineTest::list_data()
     QTest::addColumn<QStringList>("texts");
     QTest::newRow("open notes of the active project")
         << QJsonObject {{"command", "list"}} << QStringList {"a", "c"};
-    QTest::newRow("with the done ones")
-        << QJsonObject {{"command", "list"}, {"includeDone", true}} << QStringList {"a", "b", "c", "d"};
-    QTest::newRow("one section")
-        << QJsonObject {{"command", "list"}, {"section", "WORK"}, {"includeDone", true}}
-        << QStringList {"c", "d"};
+    QTest::newRow("with the done ones") << QJsonObject {{"command", "list"}, {"includeDone", true}}
+                                        << QStringList {"a", "b", "c", "d"};
+    QTest::newRow("one section") << QJsonObject {{"command", "list"}, {"section", "WORK"},
+        {"includeDone", true}} << QStringList {"c", "d"};
     QTest::newRow("another project")
         << QJsonObject {{"command", "list"}, {"project", "Q"}} << QStringList {"e"};
 }
@@ -285,8 +305,7 @@ void CommandLineTest::searchFindsWhatThePanelFinds()
     store.addNote(QStringLiteral("water the plants"));
     store.addNote(QStringLiteral("buy stamps"));
     NoteRequests requests(store, fixture.searchIndex());
-    const QJsonObject answer
-        = ask(requests, {{"command", "search"}, {"query", "  PL "}});
+    const QJsonObject answer = ask(requests, {{"command", "search"}, {"query", "  PL "}});
     QVERIFY2(answer.value("ok").toBool(), qPrintable(error(answer)));
     QCOMPARE(texts(answer), QStringList({"Call the Plumber", "water the plants"}));
     // The panel's own search is left as it was.
@@ -300,7 +319,8 @@ void CommandLineTest::setDoneIsOneUndoStep()
     NoteRequests requests(store, fixture.searchIndex());
     const QJsonArray ids {idFor("a").toString(QUuid::WithoutBraces), idFor("b").toString(),
         idFor("e").toString(QUuid::WithoutBraces)};
-    const QJsonObject answer = ask(requests, {{"command", "setDone"}, {"ids", ids}, {"done", true}});
+    const QJsonObject answer
+        = ask(requests, {{"command", "setDone"}, {"ids", ids}, {"done", true}});
     QVERIFY2(answer.value("ok").toBool(), qPrintable(error(answer)));
     QCOMPARE(answer.value("notes").toArray().size(), 3);
     QVERIFY(store.note(idFor("a"))->isDone);
@@ -314,7 +334,8 @@ void CommandLineTest::setDoneIsOneUndoStep()
     // Asking for what already holds takes no step.
     store.redo();
     const qsizetype steps = store.undoStepCount();
-    QVERIFY(ask(requests, {{"command", "setDone"}, {"ids", ids}, {"done", true}}).value("ok").toBool());
+    QVERIFY(
+        ask(requests, {{"command", "setDone"}, {"ids", ids}, {"done", true}}).value("ok").toBool());
     QCOMPARE(store.undoStepCount(), steps);
 }
 
@@ -324,8 +345,8 @@ void CommandLineTest::actionsRunAfterTheAnswer()
     Store &store = fixture.make({"*Inbox:a"});
     NoteRequests requests(store, fixture.searchIndex());
     QStringList ran;
-    requests.setActions({{"hide", [&ran] { ran.append("hide"); }},
-        {"quit", [&ran] { ran.append("quit"); }}});
+    requests.setActions(
+        {{"hide", [&ran] { ran.append("hide"); }}, {"quit", [&ran] { ran.append("quit"); }}});
     bool answered = false;
     requests.handle({{"command", "action"}, {"name", "quit"}}, [&](const QJsonObject &answer) {
         answered = answer.value("ok").toBool();
@@ -334,6 +355,157 @@ void CommandLineTest::actionsRunAfterTheAnswer()
     });
     QVERIFY(answered);
     QVERIFY(QTest::qWaitFor([&ran] { return ran == QStringList {"quit"}; }, 5000));
+}
+
+void CommandLineTest::mcpMessages_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QByteArray>("answer"); // the answer without "jsonrpc"; empty for none
+
+    QTest::newRow("no JSON") << QByteArray("{\"jsonrpc\": \"2.0\", \"id\": 1,")
+                             << QByteArray(R"({"error":{"code":-32700},"id":null})");
+    QTest::newRow("a batch") << QByteArray(R"([{"jsonrpc":"2.0","id":1,"method":"ping"}])")
+                             << QByteArray(R"({"error":{"code":-32600},"id":null})");
+    QTest::newRow("not JSON-RPC 2.0") << QByteArray(R"({"id":3,"method":"ping"})")
+                                      << QByteArray(R"({"error":{"code":-32600},"id":3})");
+    QTest::newRow("a notification")
+        << QByteArray(R"({"jsonrpc":"2.0","method":"notifications/initialized"})") << QByteArray();
+    QTest::newRow("a client's answer")
+        << QByteArray(R"({"jsonrpc":"2.0","id":"s1","result":{}})") << QByteArray();
+    QTest::newRow("a blank line") << QByteArray("  \n") << QByteArray();
+    QTest::newRow("unknown method")
+        << QByteArray(R"({"jsonrpc":"2.0","id":"x","method":"resources/list"})")
+        << QByteArray(R"({"error":{"code":-32601},"id":"x"})");
+    QTest::newRow("ping") << QByteArray(R"({"jsonrpc":"2.0","id":4,"method":"ping"})")
+                          << QByteArray(R"({"id":4,"result":{}})");
+    QTest::newRow("a version it speaks")
+        << QByteArray(
+               R"({"jsonrpc":"2.0","id":1,"method":"initialize","params":{"protocolVersion":"2025-03-26"}})")
+        << QByteArray(
+               R"({"id":1,"result":{"protocolVersion":"2025-03-26","serverInfo":{"name":"vesko"}}})");
+    QTest::newRow("a later version than it speaks")
+        << QByteArray(
+               R"({"jsonrpc":"2.0","id":1,"method":"initialize","params":{"protocolVersion":"2099-01-01"}})")
+        << QByteArray(
+               R"({"id":1,"result":{"protocolVersion":"2025-06-18","capabilities":{"tools":{}}}})");
+    QTest::newRow("a call without a name")
+        << QByteArray(R"({"jsonrpc":"2.0","id":9,"method":"tools/call","params":{"arguments":{}}})")
+        << QByteArray(R"({"error":{"code":-32602},"id":9})");
+}
+
+// Whether \a actual holds every member of \a expected, objects compared member by member.
+static bool holds(const QJsonValue &actual, const QJsonValue &expected)
+{
+    if (!expected.isObject())
+        return actual == expected;
+    const QJsonObject object = expected.toObject();
+    for (auto it = object.begin(); it != object.end(); ++it) {
+        if (!actual.toObject().contains(it.key())
+            || !holds(actual.toObject().value(it.key()), it.value()))
+            return false;
+    }
+    return true;
+}
+
+void CommandLineTest::mcpMessages()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(QByteArray, answer);
+    int sent = 0;
+    McpServer server([&sent](const QJsonObject &) {
+        ++sent;
+        return QJsonObject {{"ok", true}};
+    });
+    const std::optional<QByteArray> reply = server.handleLine(line);
+    QCOMPARE(sent, 0);
+    if (answer.isEmpty()) {
+        QVERIFY2(!reply, reply ? reply->constData() : "");
+        return;
+    }
+    QVERIFY(reply);
+    QVERIFY(reply->endsWith('\n'));
+    QCOMPARE(reply->count('\n'), 1);
+    const QJsonObject actual = QJsonDocument::fromJson(*reply).object();
+    QCOMPARE(actual.value("jsonrpc").toString(), QStringLiteral("2.0"));
+    QVERIFY2(holds(actual, QJsonDocument::fromJson(answer).object()), reply->constData());
+}
+
+void CommandLineTest::mcpToolsBecomeRequests_data()
+{
+    QTest::addColumn<QString>("tool");
+    QTest::addColumn<QJsonObject>("arguments");
+    QTest::addColumn<QJsonObject>("request"); // empty: refused before any request
+    QTest::addColumn<QString>("text"); // part of the result's text
+
+    QTest::newRow("list_notes") << "list_notes" << QJsonObject {}
+                                << QJsonObject {{"command", "list"}}
+                                << "- [ ] milk (id: 1, section: Inbox)";
+    QTest::newRow("list_notes with options")
+        << "list_notes" << QJsonObject {{"project", "Home"}, {"includeDone", true}}
+        << QJsonObject {{"command", "list"}, {"project", "Home"}, {"includeDone", true}} << "milk";
+    QTest::newRow("search_notes") << "search_notes" << QJsonObject {{"query", "mi"}}
+                                  << QJsonObject {{"command", "search"}, {"query", "mi"}} << "milk";
+    QTest::newRow("add_note") << "add_note" << QJsonObject {{"text", "t"}, {"section", "S"}}
+                              << QJsonObject {{"command", "add"}, {"text", "t"}, {"section", "S"}}
+                              << "Added: [ ] milk";
+    QTest::newRow("set_done") << "set_done"
+                              << QJsonObject {{"ids", QJsonArray {"1"}}, {"done", false}}
+                              << QJsonObject {{"command", "setDone"}, {"ids", QJsonArray {"1"}},
+                                     {"done", false}}
+                              << "milk";
+    QTest::newRow("a number for text")
+        << "add_note" << QJsonObject {{"text", 5}} << QJsonObject {} << "“text” must be a string";
+    QTest::newRow("no text") << "add_note" << QJsonObject {{"section", "S"}} << QJsonObject {}
+                             << "“text” is required";
+    QTest::newRow("an argument of its own")
+        << "add_note" << QJsonObject {{"text", "t"}, {"file", "/etc/passwd"}} << QJsonObject {}
+        << "Unknown argument “file”";
+    QTest::newRow("ids that are no list")
+        << "set_done" << QJsonObject {{"ids", "1"}, {"done", true}} << QJsonObject {} << "“ids”";
+    QTest::newRow("ids that are no strings")
+        << "set_done" << QJsonObject {{"ids", QJsonArray {1}}, {"done", true}} << QJsonObject {}
+        << "must be a string";
+    QTest::newRow("unknown tool") << "delete_all" << QJsonObject {} << QJsonObject {}
+                                  << "Unknown tool";
+}
+
+void CommandLineTest::mcpToolsBecomeRequests()
+{
+    QFETCH(QString, tool);
+    QFETCH(QJsonObject, arguments);
+    QFETCH(QJsonObject, request);
+    QFETCH(QString, text);
+    QList<QJsonObject> sent;
+    const QJsonObject note {{"id", "1"}, {"text", "milk"}, {"section", "Inbox"}, {"done", false}};
+    McpServer server([&](const QJsonObject &request) {
+        sent.append(request);
+        return QJsonObject {{"ok", true}, {"note", note}, {"notes", QJsonArray {note}}};
+    });
+    const std::optional<QJsonObject> answer
+        = server.handle({{"jsonrpc", "2.0"}, {"id", 2}, {"method", "tools/call"},
+            {"params", QJsonObject {{"name", tool}, {"arguments", arguments}}}});
+    QVERIFY(answer);
+    const QJsonObject result = answer->value("result").toObject();
+    const QString resultText
+        = result.value("content").toArray().first().toObject().value("text").toString();
+    QVERIFY2(resultText.contains(text), qPrintable(resultText));
+    QCOMPARE(result.value("isError").toBool(), request.isEmpty());
+    QCOMPARE(sent, request.isEmpty() ? QList<QJsonObject> {} : QList<QJsonObject> {request});
+
+    // What the running Vesko refuses is the tool's error, in its words.
+    if (!request.isEmpty()) {
+        McpServer refusing(
+            [](const QJsonObject &) { return NoteRequests::failure("No such thing."); });
+        const QJsonObject refused
+            = refusing
+                  .handle({{"jsonrpc", "2.0"}, {"id", 3}, {"method", "tools/call"},
+                      {"params", QJsonObject {{"name", tool}, {"arguments", arguments}}}})
+                  ->value("result")
+                  .toObject();
+        QVERIFY(refused.value("isError").toBool());
+        QCOMPARE(refused.value("content").toArray().first().toObject().value("text").toString(),
+            QStringLiteral("No such thing."));
+    }
 }
 
 int main(int argc, char *argv[])

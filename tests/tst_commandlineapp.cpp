@@ -51,7 +51,8 @@ struct Session : ProgramSession
     }
     Outcome action(const QString &name) const
     {
-        return gdbus(QStringLiteral("ActivateAction"), {name, QStringLiteral("[]"), QStringLiteral("{}")});
+        return gdbus(
+            QStringLiteral("ActivateAction"), {name, QStringLiteral("[]"), QStringLiteral("{}")});
     }
     //! Whether a Vesko of this session's library runs: its lock is held.
     bool isRunning() const
@@ -108,7 +109,8 @@ private Q_SLOTS:
 
 void CommandLineAppTest::initTestCase()
 {
-    QVERIFY2(QDBusConnection::sessionBus().isConnected(), "run on a session bus (dbus-run-session)");
+    QVERIFY2(
+        QDBusConnection::sessionBus().isConnected(), "run on a session bus (dbus-run-session)");
     QVERIFY(!busNameOwned());
 }
 
@@ -121,19 +123,23 @@ void CommandLineAppTest::refusedWithoutAnything_data()
     QTest::addColumn<QString>("errors"); // a pattern of standard error
 
     QTest::newRow("help") << QStringList {"--help"} << QByteArray() << 0
-                          << "^Usage: vesko \\[options\\] \\[command\\]\n.*  copy-list " << "^$";
-    QTest::newRow("a command's help") << QStringList {"search", "--help"} << QByteArray() << 0
-                                      << "^Usage: vesko search .*--json" << "^$";
+                          << "^Usage: vesko \\[options\\] \\[command\\]\n.*  copy-list "
+                          << "^$";
+    QTest::newRow("a command's help")
+        << QStringList {"search", "--help"} << QByteArray() << 0 << "^Usage: vesko search .*--json"
+        << "^$";
     QTest::newRow("version") << QStringList {"--version"} << QByteArray() << 0
-                             << "^vesko \\d+\\.\\d+\\.\\d+\n$" << "^$";
+                             << "^vesko \\d+\\.\\d+\\.\\d+\n$"
+                             << "^$";
     QTest::newRow("unknown command") << QStringList {"frobnicate"} << QByteArray() << 2 << "^$"
                                      << "^vesko: Unknown command \"frobnicate\".\n.*--help";
-    QTest::newRow("unknown option") << QStringList {"list", "--colour"} << QByteArray() << 2
-                                    << "^$" << "colour";
+    QTest::newRow("unknown option") << QStringList {"list", "--colour"} << QByteArray() << 2 << "^$"
+                                    << "colour";
     QTest::newRow("add without text") << QStringList {"add"} << QByteArray() << 2 << "^$"
                                       << "needs the note's text";
-    QTest::newRow("blank standard input") << QStringList {"add", "-"} << QByteArray(" \n\t\n")
-                                          << 1 << "^$" << "^vesko: The note is blank";
+    QTest::newRow("blank standard input")
+        << QStringList {"add", "-"} << QByteArray(" \n\t\n") << 1 << "^$"
+        << "^vesko: The note is blank";
     QTest::newRow("standard input past the bound")
         << QStringList {"add", "-"} << QByteArray((1 << 20) + 1, 'x') << 1 << "^$"
         << "^vesko: Standard input holds more than 1048576 bytes";
@@ -211,7 +217,8 @@ void CommandLineAppTest::commandStartsVeskoAndActs()
     // Started for a command, Vesko keeps its panel hidden.
     QVERIFY(visiblePanel().isEmpty());
     QVERIFY(session.quit());
-    QCOMPARE(libraryTexts(session.libraryPath()), QStringList({"line one\n\tline two", "buy milk"}));
+    QCOMPARE(
+        libraryTexts(session.libraryPath()), QStringList({"line one\n\tline two", "buy milk"}));
 }
 
 void CommandLineAppTest::actionsFromTheDesktop()
@@ -232,8 +239,10 @@ void CommandLineAppTest::actionsFromTheDesktop()
     for (const auto &step : steps) {
         const QByteArray label = QByteArray::number(++number) + ". " + step.action;
         const ProgramSession::Outcome outcome = session.action(QString::fromLatin1(step.action));
-        QVERIFY2(outcome.exitCode == 0, qPrintable(QStringLiteral("%1: %2").arg(step.action, describe(outcome))));
-        QTRY_VERIFY2_WITH_TIMEOUT(visiblePanel().isEmpty() != step.visible, label.constData(), 10000);
+        QVERIFY2(outcome.exitCode == 0,
+            qPrintable(QStringLiteral("%1: %2").arg(step.action, describe(outcome))));
+        QTRY_VERIFY2_WITH_TIMEOUT(
+            visiblePanel().isEmpty() != step.visible, label.constData(), 10000);
         // A shown panel takes the keyboard.
         if (step.visible) {
             QTRY_COMPARE_WITH_TIMEOUT(
@@ -253,8 +262,11 @@ void CommandLineAppTest::actionsFromTheDesktop()
     QVERIFY(session.action(QStringLiteral("copy-list")).exitCode == 0);
     QTRY_VERIFY_WITH_TIMEOUT(
         QRegularExpression(QStringLiteral("first\n.*second"))
-            .match(QString::fromUtf8(session.run(QStringLiteral("xclip"),
-                {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard")}).output))
+            .match(QString::fromUtf8(session
+                                         .run(QStringLiteral("xclip"),
+                                             {QStringLiteral("-o"), QStringLiteral("-selection"),
+                                                 QStringLiteral("clipboard")})
+                                         .output))
             .hasMatch(),
         10000);
     QCOMPARE(session.action(QStringLiteral("capture")).exitCode, 0);
@@ -290,8 +302,8 @@ void CommandLineAppTest::racingCommandsMeetOneVesko()
         QStringList texts = jsonTexts(listed.output);
         texts.sort();
         QCOMPARE(texts.mid(texts.size() - 3),
-            QStringList({QStringLiteral("note %1.0").arg(round), QStringLiteral("note %1.1").arg(round),
-                QStringLiteral("note %1.2").arg(round)}));
+            QStringList({QStringLiteral("note %1.0").arg(round),
+                QStringLiteral("note %1.1").arg(round), QStringLiteral("note %1.2").arg(round)}));
         QVERIFY(session.quit());
         QTRY_VERIFY_WITH_TIMEOUT(!busNameOwned(), 10000);
     }

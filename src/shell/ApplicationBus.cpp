@@ -31,10 +31,9 @@ public Q_SLOTS:
     void Activate(const QVariantMap &platformData)
     {
         ApplicationBus::takeActivationToken(platformData);
-        m_bus->requests().handle(
-            {{QStringLiteral("command"), QStringLiteral("action")},
-                {QStringLiteral("name"), QStringLiteral("show")}},
-            [](const QJsonObject &) { });
+        m_bus->requests().handle({{QStringLiteral("command"), QStringLiteral("action")},
+                                     {QStringLiteral("name"), QStringLiteral("show")}},
+            [](const QJsonObject &) {});
     }
 
     void ActivateAction(
@@ -46,13 +45,14 @@ public Q_SLOTS:
             return;
         }
         if (!m_bus->requests().hasAction(name)) {
-            m_bus->sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("Unknown action “%1”.").arg(name));
+            m_bus->sendErrorReply(
+                QDBusError::InvalidArgs, QStringLiteral("Unknown action “%1”.").arg(name));
             return;
         }
         ApplicationBus::takeActivationToken(platformData);
         m_bus->requests().handle(
             {{QStringLiteral("command"), QStringLiteral("action")}, {QStringLiteral("name"), name}},
-            [](const QJsonObject &) { });
+            [](const QJsonObject &) {});
     }
 
     // The desktop entry names no file types: there is nothing to open.
@@ -87,7 +87,8 @@ public Q_SLOTS:
         QJsonParseError error;
         const QJsonDocument document = QJsonDocument::fromJson(request.toUtf8(), &error);
         if (!document.isObject()) {
-            m_bus->sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("The request is not a JSON object."));
+            m_bus->sendErrorReply(
+                QDBusError::InvalidArgs, QStringLiteral("The request is not a JSON object."));
             return {};
         }
         // A search answers later: the reply goes out when it does.
@@ -124,8 +125,9 @@ std::optional<QString> ApplicationBus::registerOn(QDBusConnection bus)
     if (!bus.registerService(QLatin1String(serviceName))) {
         bus.unregisterObject(QLatin1String(objectPath));
         const QDBusError error = bus.lastError();
-        return error.isValid() ? error.message()
-                               : tr("Another program owns the name %1.").arg(QLatin1String(serviceName));
+        return error.isValid()
+            ? error.message()
+            : tr("Another program owns the name %1.").arg(QLatin1String(serviceName));
     }
     return std::nullopt;
 }

@@ -71,8 +71,8 @@ std::optional<CommandLineRequest> parseCommand(
     if (!parser.parse(words))
         return invalid(parser.errorText());
     if (parser.isSet(help))
-        return printing(CommandLineRequest::Kind::Help,
-            helpText(parser, QStringLiteral("vesko ") + command));
+        return printing(
+            CommandLineRequest::Kind::Help, helpText(parser, QStringLiteral("vesko ") + command));
     return std::nullopt;
 }
 
@@ -93,11 +93,12 @@ QStringList CommandLine::actionNames()
 
 CommandLineRequest CommandLine::parse(const QStringList &arguments)
 {
-    const QStringList words = arguments.isEmpty() ? QStringList {QStringLiteral("vesko")} : arguments;
+    const QStringList words
+        = arguments.isEmpty() ? QStringList {QStringLiteral("vesko")} : arguments;
 
     QCommandLineParser top;
-    top.setApplicationDescription(tr("Vesko, a keyboard-driven notes panel.") + QStringLiteral("\n\n")
-        + commandsText());
+    top.setApplicationDescription(
+        tr("Vesko, a keyboard-driven notes panel.") + QStringLiteral("\n\n") + commandsText());
     top.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     const QCommandLineOption help(
         {QStringLiteral("h"), QStringLiteral("help")}, tr("Shows this help."));
@@ -108,8 +109,8 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
     top.addOption(help);
     top.addOption(version);
     top.addOption(background);
-    top.addPositionalArgument(QStringLiteral("command"), tr("What to do (see Commands)."),
-        QStringLiteral("[command]"));
+    top.addPositionalArgument(
+        QStringLiteral("command"), tr("What to do (see Commands)."), QStringLiteral("[command]"));
     if (!top.parse(words))
         return invalid(top.errorText());
     if (top.isSet(help))
@@ -141,13 +142,13 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
         QStringLiteral("section"), tr("The section, by its title."), tr("NAME"));
     const QCommandLineOption projectOption(
         QStringLiteral("project"), tr("The project, by its name."), tr("NAME"));
-    const QCommandLineOption allOption(
-        QStringLiteral("all"), tr("Lists the done notes too."));
+    const QCommandLineOption allOption(QStringLiteral("all"), tr("Lists the done notes too."));
     const QCommandLineOption jsonOption(
         QStringLiteral("json"), tr("Prints a JSON array with one object per note."));
 
     if (actionNames().contains(command)) {
-        parser.setApplicationDescription(tr("Runs the action \"%1\" in the running Vesko.").arg(command));
+        parser.setApplicationDescription(
+            tr("Runs the action \"%1\" in the running Vesko.").arg(command));
         if (auto done = parseCommand(parser, commandWords, command))
             return *done;
         if (!parser.positionalArguments().isEmpty())
@@ -167,10 +168,12 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
             return *done;
         const QStringList text = parser.positionalArguments();
         if (text.isEmpty())
-            return invalid(tr("\"add\" needs the note's text, or \"-\" to read it from standard input."));
+            return invalid(
+                tr("\"add\" needs the note's text, or \"-\" to read it from standard input."));
         if (text.contains(QStringLiteral("-"))) {
             if (text.size() > 1)
-                return invalid(tr("\"-\" reads the whole note from standard input: give no other text."));
+                return invalid(
+                    tr("\"-\" reads the whole note from standard input: give no other text."));
             request.readsStandardInput = true;
         } else {
             request.text = text.join(u' ');
@@ -183,7 +186,8 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
         return request;
     }
     if (command == u"list") {
-        parser.setApplicationDescription(tr("Prints the open notes of the active project, or of the project given."));
+        parser.setApplicationDescription(
+            tr("Prints the open notes of the active project, or of the project given."));
         parser.addOption(projectOption);
         parser.addOption(sectionOption);
         parser.addOption(allOption);
@@ -200,9 +204,11 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
         return request;
     }
     if (command == u"search") {
-        parser.setApplicationDescription(tr("Prints the notes of the active project that contain the query."));
+        parser.setApplicationDescription(
+            tr("Prints the notes of the active project that contain the query."));
         parser.addOption(jsonOption);
-        parser.addPositionalArgument(QStringLiteral("query"), tr("What to look for."), tr("QUERY..."));
+        parser.addPositionalArgument(
+            QStringLiteral("query"), tr("What to look for."), tr("QUERY..."));
         if (auto done = parseCommand(parser, commandWords, command))
             return *done;
         request.query = parser.positionalArguments().join(u' ');

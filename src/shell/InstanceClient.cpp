@@ -201,7 +201,8 @@ QJsonObject InstanceClient::sendOnSocket(const QJsonObject &request)
     const std::optional<QByteArray> answer = instance.sendRequest(
         QJsonDocument(request).toJson(QJsonDocument::Compact), requestMilliseconds);
     if (!answer)
-        return failure(tr("Vesko did not answer within %1 seconds.").arg(requestMilliseconds / 1000));
+        return failure(
+            tr("Vesko did not answer within %1 seconds.").arg(requestMilliseconds / 1000));
     const QJsonDocument document = QJsonDocument::fromJson(*answer);
     if (!document.isObject())
         return failure(tr("Vesko gave an answer that cannot be read."));
@@ -235,8 +236,8 @@ QJsonObject InstanceClient::activateAction(const QString &name)
     if (found == Road::None)
         return failure(m_failure);
     if (found == Road::Socket) {
-        return sendOnSocket(
-            {{QStringLiteral("command"), QStringLiteral("action")}, {QStringLiteral("name"), name}});
+        return sendOnSocket({{QStringLiteral("command"), QStringLiteral("action")},
+            {QStringLiteral("name"), name}});
     }
     QDBusMessage call = QDBusMessage::createMethodCall(QLatin1String(ApplicationBus::serviceName),
         QLatin1String(ApplicationBus::objectPath),
@@ -269,8 +270,8 @@ int runClientCommand(const CommandLineRequest &request, const QString &libraryPa
         }
         if (text.trimmed().isEmpty())
             return fail(tr("The note is blank: nothing was added."));
-        QJsonObject add {{QStringLiteral("command"), QStringLiteral("add")},
-            {QStringLiteral("text"), text}};
+        QJsonObject add {
+            {QStringLiteral("command"), QStringLiteral("add")}, {QStringLiteral("text"), text}};
         if (!request.section.isEmpty())
             add.insert(QStringLiteral("section"), request.section);
         if (!request.project.isEmpty())
@@ -309,8 +310,9 @@ int runClientCommand(const CommandLineRequest &request, const QString &libraryPa
     } else if (request.kind == Kind::List || request.kind == Kind::Search) {
         const QJsonArray notes = answer.value(QStringLiteral("notes")).toArray();
         print(stdout,
-            request.json ? QString::fromUtf8(QJsonDocument(notes).toJson(QJsonDocument::Compact)) + u'\n'
-                         : notesText(notes));
+            request.json
+                ? QString::fromUtf8(QJsonDocument(notes).toJson(QJsonDocument::Compact)) + u'\n'
+                : notesText(notes));
     }
     return 0;
 }

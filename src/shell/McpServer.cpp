@@ -38,32 +38,42 @@ QJsonObject tool(const char *name, const QString &title, const QString &descript
 
 QJsonArray tools()
 {
-    const QJsonObject project = property("string", QStringLiteral("The project's name; the active project when left out."));
+    const QJsonObject project = property(
+        "string", QStringLiteral("The project's name; the active project when left out."));
     const QJsonObject section = property("string", QStringLiteral("The section's title."));
-    QJsonObject ids = property("array", QStringLiteral("The ids of the notes, as list_notes and search_notes give them."));
-    ids.insert(QStringLiteral("items"), QJsonObject {{QStringLiteral("type"), QStringLiteral("string")}});
+    QJsonObject ids = property(
+        "array", QStringLiteral("The ids of the notes, as list_notes and search_notes give them."));
+    ids.insert(
+        QStringLiteral("items"), QJsonObject {{QStringLiteral("type"), QStringLiteral("string")}});
     ids.insert(QStringLiteral("minItems"), 1);
     return {
         tool("list_notes", QStringLiteral("List notes"),
-            QStringLiteral("Lists the notes of a project, section by section: open ones, or done ones too."),
+            QStringLiteral(
+                "Lists the notes of a project, section by section: open ones, or done ones too."),
             {{QStringLiteral("project"), project}, {QStringLiteral("section"), section},
                 {QStringLiteral("includeDone"),
                     property("boolean", QStringLiteral("Also list the notes marked done."))}},
             {}),
         tool("search_notes", QStringLiteral("Search notes"),
-            QStringLiteral("Finds the notes of a project whose text or section title contains the query."),
-            {{QStringLiteral("query"), property("string", QStringLiteral("What to look for; case does not matter."))},
+            QStringLiteral(
+                "Finds the notes of a project whose text or section title contains the query."),
+            {{QStringLiteral("query"),
+                 property("string", QStringLiteral("What to look for; case does not matter."))},
                 {QStringLiteral("project"), project}},
             {QStringLiteral("query")}),
         tool("add_note", QStringLiteral("Add a note"),
-            QStringLiteral("Adds a note. It goes to the named section (made when missing), else the active one."),
-            {{QStringLiteral("text"), property("string", QStringLiteral("The note's text; Markdown is shown as such."))},
+            QStringLiteral("Adds a note. It goes to the named section (made when missing), else "
+                           "the active one."),
+            {{QStringLiteral("text"),
+                 property("string", QStringLiteral("The note's text; Markdown is shown as such."))},
                 {QStringLiteral("section"), section}, {QStringLiteral("project"), project}},
             {QStringLiteral("text")}),
         tool("set_done", QStringLiteral("Mark notes done"),
             QStringLiteral("Marks notes done, or open again."),
             {{QStringLiteral("ids"), ids},
-                {QStringLiteral("done"), property("boolean", QStringLiteral("true to mark them done, false to open them again."))}},
+                {QStringLiteral("done"),
+                    property("boolean",
+                        QStringLiteral("true to mark them done, false to open them again."))}},
             {QStringLiteral("ids"), QStringLiteral("done")}),
     };
 }
@@ -132,7 +142,8 @@ std::optional<QString> copyArguments(const QJsonObject &arguments, QJsonObject &
 
 QStringList McpServer::protocolVersions()
 {
-    return {QStringLiteral("2025-06-18"), QStringLiteral("2025-03-26"), QStringLiteral("2024-11-05")};
+    return {
+        QStringLiteral("2025-06-18"), QStringLiteral("2025-03-26"), QStringLiteral("2024-11-05")};
 }
 
 McpServer::McpServer(std::function<QJsonObject(const QJsonObject &)> send)
@@ -181,7 +192,8 @@ std::optional<QJsonObject> McpServer::handle(const QJsonObject &message)
         const QJsonValue name = params.value(QStringLiteral("name"));
         const QJsonValue arguments = params.value(QStringLiteral("arguments"));
         if (!name.isString() || !(arguments.isObject() || arguments.isUndefined()))
-            return errorResponse(id, invalidParams, QStringLiteral("tools/call needs a name and an object of arguments."));
+            return errorResponse(id, invalidParams,
+                QStringLiteral("tools/call needs a name and an object of arguments."));
         return response(id, callTool(name.toString(), arguments.toObject()));
     }
     return errorResponse(id, methodNotFound, QStringLiteral("Unknown method “%1”.").arg(method));
@@ -194,15 +206,18 @@ QJsonObject McpServer::callTool(const QString &name, const QJsonObject &argument
     QString none;
     if (name == u"list_notes") {
         request.insert(QStringLiteral("command"), QStringLiteral("list"));
-        wrong = copyArguments(arguments, request, {QStringLiteral("project"), QStringLiteral("section")},
+        wrong = copyArguments(arguments, request,
+            {QStringLiteral("project"), QStringLiteral("section")},
             {QStringLiteral("includeDone")});
         none = QStringLiteral("No notes.");
     } else if (name == u"search_notes") {
         request.insert(QStringLiteral("command"), QStringLiteral("search"));
-        wrong = copyArguments(arguments, request, {QStringLiteral("query"), QStringLiteral("project")}, {});
+        wrong = copyArguments(
+            arguments, request, {QStringLiteral("query"), QStringLiteral("project")}, {});
         if (!wrong && !arguments.contains(QStringLiteral("query")))
             wrong = QStringLiteral("“query” is required.");
-        none = QStringLiteral("No note contains “%1”.").arg(arguments.value(QStringLiteral("query")).toString());
+        none = QStringLiteral("No note contains “%1”.")
+                   .arg(arguments.value(QStringLiteral("query")).toString());
     } else if (name == u"add_note") {
         request.insert(QStringLiteral("command"), QStringLiteral("add"));
         wrong = copyArguments(arguments, request,
@@ -214,7 +229,8 @@ QJsonObject McpServer::callTool(const QString &name, const QJsonObject &argument
         const QJsonValue ids = arguments.value(QStringLiteral("ids"));
         const QJsonValue done = arguments.value(QStringLiteral("done"));
         if (!ids.isArray() || !done.isBool())
-            wrong = QStringLiteral("“ids” (a list of note ids) and “done” (true or false) are required.");
+            wrong = QStringLiteral(
+                "“ids” (a list of note ids) and “done” (true or false) are required.");
         for (const QJsonValue &id : ids.toArray()) {
             if (!id.isString())
                 wrong = QStringLiteral("Each of “ids” must be a string.");
@@ -251,7 +267,8 @@ std::optional<QByteArray> McpServer::handleLine(const QByteArray &line)
     if (error.error != QJsonParseError::NoError)
         answer = errorResponse(QJsonValue(), parseError, error.errorString());
     else if (!document.isObject())
-        answer = errorResponse(QJsonValue(), invalidRequest, QStringLiteral("Batches are not served."));
+        answer = errorResponse(
+            QJsonValue(), invalidRequest, QStringLiteral("Batches are not served."));
     else
         answer = handle(document.object());
     if (!answer)

@@ -144,7 +144,8 @@ QJsonObject NoteRequests::list(const QJsonObject &request)
         }
     }
     if (!sectionFound)
-        return failure(tr("The project “%1” has no section titled “%2”.").arg(project.name, sectionTitle));
+        return failure(
+            tr("The project “%1” has no section titled “%2”.").arg(project.name, sectionTitle));
     QJsonObject answer = success();
     answer.insert(QStringLiteral("notes"), notes);
     return answer;

@@ -266,8 +266,8 @@ void SingleInstance::readConnection()
             const QByteArray line = socket->readLine();
             if (line != reopenMessage && m_requestHandler) {
                 QPointer<QLocalSocket> guarded(socket);
-                m_requestHandler(line.chopped(line.endsWith('\n') ? 1 : 0),
-                    [guarded](const QByteArray &answer) {
+                m_requestHandler(
+                    line.chopped(line.endsWith('\n') ? 1 : 0), [guarded](const QByteArray &answer) {
                         if (!guarded)
                             return;
                         guarded->write(answer + '\n');

@@ -46,8 +46,8 @@ public:
     };
     //! Runs \a program with the session's environment to its end, \a input
     //! on its standard input; killed after \a timeoutMilliseconds.
-    Outcome run(const QString &program, const QStringList &arguments,
-        const QByteArray &input = {}, int timeoutMilliseconds = 90000) const;
+    Outcome run(const QString &program, const QStringList &arguments, const QByteArray &input = {},
+        int timeoutMilliseconds = 90000) const;
 
 private:
     QTemporaryDir m_root;
