@@ -54,6 +54,30 @@ struct Session : ProgramSession
         return gdbus(
             QStringLiteral("ActivateAction"), {name, QStringLiteral("[]"), QStringLiteral("{}")});
     }
+    //! Lets the bus start Vesko on demand with this session's folders, or
+    //! makes it refuse to start it.
+    bool allowActivation(bool allowed) const
+    {
+        QStringList pairs {QStringLiteral("'VESKO_TEST_ACTIVATION': '%1'")
+                               .arg(allowed ? QStringLiteral(VESKO_PATH) : QString())};
+        if (allowed) {
+            const QProcessEnvironment environment = sessionEnvironment();
+            for (const char *name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME",
+                     "XDG_STATE_HOME", "XDG_RUNTIME_DIR", "QT_QPA_PLATFORM", "DISPLAY"}) {
+                pairs.append(QStringLiteral("'%1': '%2'")
+                                 .arg(QLatin1String(name), environment.value(QLatin1String(name))));
+            }
+        }
+        return run(QStringLiteral("gdbus"),
+                   {QStringLiteral("call"), QStringLiteral("--session"), QStringLiteral("-d"),
+                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("-o"),
+                       QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("-m"),
+                       QStringLiteral("org.freedesktop.DBus.UpdateActivationEnvironment"),
+                       u'{' + pairs.join(QStringLiteral(", ")) + u'}'})
+                   .exitCode
+            == 0;
+    }
+    ~Session() { allowActivation(false); }
     //! Whether a Vesko of this session's library runs: its lock is held.
     bool isRunning() const
     {
@@ -67,6 +91,16 @@ struct Session : ProgramSession
         return quit.exitCode == 0 && QTest::qWaitFor([this] { return !isRunning(); }, 20000);
     }
 };
+
+// Whether the bus itself started the process that owns Vesko's name: it
+// has the bus's activation environment, which no command passes on.
+bool startedByTheBus()
+{
+    const uint pid = QDBusConnection::sessionBus().interface()->servicePid(busName).value();
+    QFile environment(QStringLiteral("/proc/%1/environ").arg(pid));
+    return pid != 0 && environment.open(QIODevice::ReadOnly)
+        && environment.readAll().split('\0').contains("VESKO_TEST_ACTIVATION=" VESKO_PATH);
+}
 
 QString describe(const ProgramSession::Outcome &outcome)
 {
@@ -171,14 +205,18 @@ void CommandLineAppTest::refusedWithoutAnything()
 void CommandLineAppTest::commandStartsVeskoAndActs_data()
 {
     QTest::addColumn<bool>("onBus");
-    QTest::newRow("over the session bus") << true;
-    QTest::newRow("over the local socket, without a bus") << false;
+    QTest::addColumn<bool>("activation"); // the bus may start Vesko
+    QTest::newRow("started by the bus") << true << true;
+    QTest::newRow("on the bus, started by the command") << true << false;
+    QTest::newRow("over the local socket, without a bus") << false << false;
 }
 
 void CommandLineAppTest::commandStartsVeskoAndActs()
 {
     QFETCH(bool, onBus);
+    QFETCH(bool, activation);
     Session session;
+    QVERIFY(session.allowActivation(activation));
     if (!onBus)
         session.unsetEnvironmentVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
     QVERIFY(!session.isRunning());
@@ -192,6 +230,7 @@ void CommandLineAppTest::commandStartsVeskoAndActs()
         qPrintable(describe(added)));
     QVERIFY(session.isRunning());
     QCOMPARE(busNameOwned(), onBus);
+    QCOMPARE(startedByTheBus(), activation);
 
     added = session.vesko({"add", "-"}, "line one\n\tline two\n");
     QVERIFY2(added.exitCode == 0, qPrintable(describe(added)));

@@ -151,16 +151,18 @@ InstanceClient::Road InstanceClient::road() const
     return Road::None;
 }
 
-bool InstanceClient::startInstance()
+bool InstanceClient::activateOnBus()
 {
-    // D-Bus activation where the service file is installed and the name is free.
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (bus.isConnected() && !isRegistered(bus)) {
-        const QDBusReply<void> started
-            = bus.interface()->startService(QLatin1String(ApplicationBus::serviceName));
-        if (started.isValid())
-            return true;
-    }
+    if (!bus.isConnected() || isRegistered(bus))
+        return false;
+    const QDBusReply<void> started
+        = bus.interface()->startService(QLatin1String(ApplicationBus::serviceName));
+    return started.isValid();
+}
+
+bool InstanceClient::launch()
+{
     QProcess process;
     process.setProgram(m_program);
     process.setArguments({QStringLiteral("--background")});
@@ -180,8 +182,14 @@ InstanceClient::Road InstanceClient::reach()
     Road found = road();
     if (found != Road::None)
         return found;
-    if (!startInstance())
-        return Road::None;
+    // D-Bus activation where the service file is installed, else a launch of
+    // our own; also when what the bus started serves another library.
+    bool launched = false;
+    if (!activateOnBus()) {
+        if (!launch())
+            return Road::None;
+        launched = true;
+    }
     // Two commands may start one each at once: the instance lock lets one
     // run, and both reach it.
     const QDeadlineTimer deadline(startMilliseconds);
@@ -190,6 +198,14 @@ InstanceClient::Road InstanceClient::reach()
         found = road();
         if (found != Road::None)
             return found;
+        if (!launched) {
+            QDBusConnection bus = QDBusConnection::sessionBus();
+            if (isRegistered(bus)) {
+                if (!launch())
+                    return Road::None;
+                launched = true;
+            }
+        }
     }
     m_failure = tr("Vesko did not start within %1 seconds.").arg(startMilliseconds / 1000);
     return Road::None;

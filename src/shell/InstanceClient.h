@@ -43,7 +43,10 @@ private:
     Road road() const;
     //! road(), starting an instance when none answers; None with m_failure set.
     Road reach();
-    bool startInstance();
+    //! Asks the bus to start the service; false where it cannot.
+    bool activateOnBus();
+    //! Starts "PROGRAM --background" on its own.
+    bool launch();
     QJsonObject sendOnSocket(const QJsonObject &request);
 
     QString m_libraryPath;

@@ -30,6 +30,7 @@ public:
     //! Sets a variable of the environment the next programs start with.
     void setEnvironmentVariable(const QString &name, const QString &value);
 
+    QProcessEnvironment sessionEnvironment() const { return m_environment; }
     //! Removes a variable from the environment the next programs start with.
     void unsetEnvironmentVariable(const QString &name);
 
