@@ -134,14 +134,14 @@ std::optional<QString> ApplicationBus::registerOn(QDBusConnection bus)
 
 void ApplicationBus::takeActivationToken(const QVariantMap &platformData)
 {
-    // Qt reads these as the next window is shown: xdg-activation on Wayland,
-    // the startup notification id on X11.
-    const QString token = platformData.value(QStringLiteral("activation-token")).toString();
+    // Qt's Wayland client hands this to xdg-activation when the panel asks
+    // for the focus, and forgets it. (On X11 the panel asks the window
+    // manager for the focus itself.) GLib sends the same token under both names.
+    QString token = platformData.value(QStringLiteral("activation-token")).toString();
+    if (token.isEmpty())
+        token = platformData.value(QStringLiteral("desktop-startup-id")).toString();
     if (!token.isEmpty())
         qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
-    const QString startupID = platformData.value(QStringLiteral("desktop-startup-id")).toString();
-    if (!startupID.isEmpty() || !token.isEmpty())
-        qputenv("DESKTOP_STARTUP_ID", (startupID.isEmpty() ? token : startupID).toUtf8());
 }
 
 } // namespace Vesko

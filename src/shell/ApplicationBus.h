@@ -46,8 +46,8 @@ public:
     QString instanceName() const { return m_instanceName ? m_instanceName() : QString(); }
 
     //! Hands the activation token of \a platformData (the desktop's
-    //! "activation-token" or "desktop-startup-id") to the next window that
-    //! shows, so that the desktop lets the panel take the focus.
+    //! "activation-token", else "desktop-startup-id") to the window that next
+    //! asks for the focus, so that a Wayland desktop lets the panel take it.
     static void takeActivationToken(const QVariantMap &platformData);
 
 private:
