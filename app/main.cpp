@@ -27,6 +27,7 @@
 #include "shell/CommandLine.h"
 #include "shell/DesktopCapture.h"
 #include "shell/InstanceClient.h"
+#include "shell/KeyboardContextMenu.h"
 #include "shell/NoteRequests.h"
 #include "shell/Preferences.h"
 #include "shell/QuitGuard.h"
@@ -112,6 +113,8 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(Theme::applicationIcon());
+    // Shift+F10 opens the focused control's menu, in every window of the program.
+    app.installEventFilter(new KeyboardContextMenu(&app));
 
     // One process runs per library file; a later launch hands it "reopen"
     // and ends. The preferences say which file that is; nothing else is read.
@@ -165,14 +168,16 @@ int main(int argc, char *argv[])
     AppDelegate::Hooks hooks = capture.launchHooks();
     // When capture is not available at launch, Settings says why.
     hooks.showSettings = [&settings] { settings.show(SettingsTab::Capture); };
+    // A new appearance reaches Settings and the note windows after the panel.
+    hooks.refreshWindows = [&settings] {
+        settings.refreshAppearance();
+        NoteWindowManager::shared().refreshAppearance();
+    };
     AppDelegate delegate(store, preferences, panel, hooks);
     TrayIcon tray(store, panel, preferences);
     // The tray menu, the panel's overflow menu and its Ctrl+, open Settings.
     QObject::connect(
         &tray, &TrayIcon::settingsRequested, &settings, [&settings] { settings.show(); });
-    // The window is rebuilt in the new appearance once the palette has changed.
-    QObject::connect(&preferences, &Preferences::appearanceAssigned, &settings,
-        &SettingsWindowController::refreshAppearance, Qt::QueuedConnection);
     // Quit Vesko, from the tray or the panel, asks first while the latest
     // changes could not be saved.
     QuitGuard quitGuard(store);
@@ -193,6 +198,7 @@ int main(int argc, char *argv[])
     appCommandHooks.isPanelShown = [&panel] { return panel.isPanelShown(); };
     appCommandHooks.hidePanel = [&panel] { panel.hide(); };
     appCommandHooks.showPanel = [&panel](bool focusComposer) { panel.show(true, focusComposer); };
+    appCommandHooks.togglePanel = [&panel] { panel.toggle(); };
     appCommandHooks.captureSelection = [&capture] { capture.engine().captureSelection(); };
     appCommandHooks.openSettings = [&settings] { settings.show(); };
     appCommandHooks.quit = commands.quit;

@@ -214,8 +214,8 @@ public:
 class NoDesktop : public DesktopFiles
 {
 public:
-    void open(const QString &) override { }
-    void reveal(const QString &) override { }
+    void open(const QString &, Unhandled) override { }
+    void reveal(const QString &, Unhandled) override { }
 };
 
 // A Store and the actions the list needs, for the life of the program.

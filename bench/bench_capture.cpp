@@ -5,7 +5,7 @@
 //   machine, beside decoding alone;
 // - capture latency, from the XTEST release of the second Shift to the note
 //   in the Store, through the primary selection of an xterm and through the
-//   synthetic copy of a window that answers Ctrl+C; beside the time the same
+//   synthetic copy of a window that answers Copy; beside the time the same
 //   release takes to reach the key monitor;
 // - the main thread's longest stall during a capture through each path, as
 //   the lateness of a 1 ms timer, beside the same timer's lateness while no

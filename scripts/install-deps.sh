@@ -10,6 +10,8 @@ packages=(
     clang libclang-rt-14-dev clang-format
     # libraries
     qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite
+    # the program's own symbol icons are SVG drawings, rendered by Qt SVG
+    qt6-svg-dev
     libsqlite3-dev libsimdjson-dev libbenchmark-dev
     libxcb1-dev libxcb-xinput-dev libxcb-xtest0-dev libxcb-res0-dev libxcb-xkb-dev
     libxkbcommon-dev libxkbcommon-x11-dev
@@ -17,6 +19,8 @@ packages=(
     libenchant-2-dev hunspell-en-us
     # a real X session for the platform and interface tests
     xvfb xauth openbox x11-utils xdotool xclip xterm
+    # setxkbmap: the tests switch the keyboard layout (key names, the synthetic copy)
+    x11-xkb-utils
     # a private session bus (the file manager's D-Bus interface); a system tray;
     # the panel and the Settings window read over AT-SPI as a screen reader does
     dbus dbus-bin dbus-daemon trayer at-spi2-core python3-pyatspi gir1.2-atspi-2.0

@@ -11,7 +11,7 @@
 # search) are drawn offscreen by tests/helpers/list_screenshots, the shortcut
 # sheet and the switchers by tests/helpers/keys_screenshots.
 # A note window with its preview and the tray's menu (in trayer, an XEmbed
-# tray) come from the same demo library.
+# tray) come from the same demo library, and a toast from a copied note.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -106,6 +106,14 @@ for appearance in light dark; do
     grab "menu-section-$appearance.png" $menu_area
     xdotool key Escape
     sleep 0.3
+
+    # A toast: Ctrl+C on a selected note says "Copied" beside the pointer.
+    read -r x y <<<"$(where "list item" 'backup rotation')"
+    click_at "$x" "$y"
+    xdotool key ctrl+c
+    sleep 0.4
+    grab "toast-$appearance.png" $((x + 4)) $((y + 4)) 150 60
+    sleep 1.5
 
     # The "New Section" prompt.
     click_at $(where "push button" '^More options$')

@@ -5,23 +5,31 @@
 // without one they act on the notes (all visible ones when nothing is
 // selected); the section steps wrap; a jump past the last section does
 // nothing, not even bring the panel forward; a key the window already uses
-// stays with its own control.
+// stays with its own control; "Hide Vesko" is the panel's toggle; Ctrl+W and
+// Escape close a window of the program rather than hide the panel; Shift+F10
+// opens the focused control's menu.
 
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
 
+#include "panel/NativeInlineTextField.h"
 #include "panel/PanelCommands.h"
 #include "panel/PanelMenus.h"
 #include "panel/PanelState.h"
 #include "panel/Shortcut.h"
 #include "shell/AppCommands.h"
+#include "shell/KeyboardContextMenu.h"
+#include "shell/WindowCloseKeys.h"
 
 #include <QAction>
 #include <QClipboard>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTextEdit>
+#include <QTimer>
 #include <QVBoxLayout>
 
 using namespace Vesko;
@@ -42,6 +50,11 @@ private Q_SLOTS:
     void sectionSteps();
     void keysTheWindowUsesStayWithIt();
     void moreOptionsReachesEveryCommand();
+    void hideOrShowIsThePanelsToggle();
+    void closeKeysCloseTheWindow_data();
+    void closeKeysCloseTheWindow();
+    void shiftF10OpensTheFocusedControlsMenu_data();
+    void shiftF10OpensTheFocusedControlsMenu();
 
 private:
     std::unique_ptr<Test::StoreFixture> m_fixture;
@@ -50,6 +63,8 @@ private:
     std::unique_ptr<QWidget> m_window;
     QTextEdit *m_editor = nullptr;
     int m_broughtForward = 0;
+    int m_hides = 0;
+    int m_toggles = 0;
 };
 
 void AppCommandsTest::init()
@@ -58,8 +73,13 @@ void AppCommandsTest::init()
     m_fixture->make({"*Inbox:a,b|Work:c|Later:d"});
     m_state = std::make_unique<PanelState>();
     m_broughtForward = 0;
+    m_hides = 0;
+    m_toggles = 0;
     MenuBarCommands hooks;
     hooks.showPanel = [this](bool) { ++m_broughtForward; };
+    hooks.isPanelShown = [] { return true; };
+    hooks.hidePanel = [this] { ++m_hides; };
+    hooks.togglePanel = [this] { ++m_toggles; };
     m_commands = std::make_unique<AppCommands>(m_fixture->store(), *m_state, hooks);
     m_window = std::make_unique<QWidget>();
     auto *layout = new QVBoxLayout(m_window.get());
@@ -202,6 +222,169 @@ void AppCommandsTest::moreOptionsReachesEveryCommand()
     Store &store = m_fixture->store();
     QVERIFY(store.note(idFor("a"))->isDone);
     QVERIFY(store.note(idFor("b"))->isDone);
+}
+
+void AppCommandsTest::hideOrShowIsThePanelsToggle()
+{
+    // The entry reads "Hide Vesko" while the panel is on screen; a panel
+    // behind another window comes forward rather than going, so the entry
+    // leaves that choice to the panel.
+    QMenu *file = m_commands->menus().at(1);
+    Q_EMIT file->aboutToShow();
+    QAction *entry = m_commands->action("Hide Vesko");
+    QVERIFY(entry);
+    entry->trigger();
+    QCOMPARE(m_toggles, 1);
+    QCOMPARE(m_hides, 0);
+    QCOMPARE(m_broughtForward, 0);
+}
+
+namespace {
+
+//! A control that uses Escape itself, as the shortcut recorder does.
+class TakesEscape : public QWidget
+{
+public:
+    using QWidget::QWidget;
+    int escapes = 0;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        if (event->key() == Qt::Key_Escape)
+            ++escapes;
+        else
+            QWidget::keyPressEvent(event);
+    }
+};
+
+//! Shows \a window holding one control of the kind named, with the keyboard
+//! in it; returns the widget that has the keyboard.
+QWidget *showWithFocusedControl(QWidget &window, const QString &kind)
+{
+    auto *layout = new QVBoxLayout(&window);
+    QWidget *control = nullptr;
+    if (kind == "text editor") {
+        control = new QPlainTextEdit("words", &window);
+    } else if (kind == "line edit") {
+        control = new QLineEdit("words", &window);
+    } else if (kind == "button") {
+        control = new QPushButton("Copy", &window);
+        control->setFocusPolicy(Qt::StrongFocus);
+    } else if (kind == "panel text field") {
+        auto *field = new NativeInlineTextField(&window);
+        field->setText("words");
+        layout->addWidget(field);
+        control = field->editor();
+    } else {
+        control = new TakesEscape(&window);
+        control->setFocusPolicy(Qt::StrongFocus);
+    }
+    if (control->parentWidget() == &window)
+        layout->addWidget(control);
+    window.show();
+    QApplication::setActiveWindow(&window);
+    control->setFocus();
+    return control;
+}
+
+} // namespace
+
+void AppCommandsTest::closeKeysCloseTheWindow_data()
+{
+    QTest::addColumn<QString>("focus");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<bool>("closes");
+
+    const int ctrl = int(Qt::ControlModifier);
+    for (const char *focus : {"text editor", "line edit", "button"}) {
+        QTest::addRow("%s, Ctrl+W", focus) << focus << int(Qt::Key_W) << ctrl << true;
+        QTest::addRow("%s, Escape", focus) << focus << int(Qt::Key_Escape) << 0 << true;
+    }
+    QTest::newRow("control that takes Escape, Escape")
+        << "takes escape" << int(Qt::Key_Escape) << 0 << false;
+    QTest::newRow("control that takes Escape, Ctrl+W")
+        << "takes escape" << int(Qt::Key_W) << ctrl << true;
+    QTest::newRow("Shift+Escape") << "button" << int(Qt::Key_Escape) << int(Qt::ShiftModifier)
+                                  << false;
+}
+
+void AppCommandsTest::closeKeysCloseTheWindow()
+{
+    QFETCH(QString, focus);
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    QFETCH(bool, closes);
+
+    // A note window: its own close keys first, then the program's commands.
+    QWidget window;
+    new WindowCloseKeys(&window);
+    m_commands->attachTo(&window);
+    QWidget *control = showWithFocusedControl(window, focus);
+    QTRY_VERIFY(control->hasFocus());
+
+    QTest::keyClick(control, Qt::Key(key), Qt::KeyboardModifiers::fromInt(modifiers));
+    QCoreApplication::processEvents();
+    QCOMPARE(window.isVisible(), !closes);
+    // The panel is neither hidden nor toggled by a window's close keys.
+    QCOMPARE(m_hides, 0);
+    QCOMPARE(m_toggles, 0);
+    if (auto *takes = dynamic_cast<TakesEscape *>(control))
+        QCOMPARE(takes->escapes, key == Qt::Key_Escape ? 1 : 0);
+}
+
+void AppCommandsTest::shiftF10OpensTheFocusedControlsMenu_data()
+{
+    QTest::addColumn<QString>("focus");
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<bool>("grabbed");
+    QTest::addColumn<bool>("opens");
+
+    const int shift = int(Qt::ShiftModifier);
+    for (const char *focus : {"line edit", "text editor", "panel text field"}) {
+        QTest::addRow("%s, Shift+F10", focus) << focus << shift << false << true;
+        QTest::addRow("%s, F10", focus) << focus << 0 << false << false;
+        QTest::addRow("%s, Ctrl+Shift+F10", focus)
+            << focus << (shift | int(Qt::ControlModifier)) << false << false;
+    }
+    // A control recording a shortcut holds the keyboard: the key is its.
+    QTest::newRow("keyboard grabbed") << "line edit" << shift << true << false;
+}
+
+void AppCommandsTest::shiftF10OpensTheFocusedControlsMenu()
+{
+    QFETCH(QString, focus);
+    QFETCH(int, modifiers);
+    QFETCH(bool, grabbed);
+    QFETCH(bool, opens);
+
+    KeyboardContextMenu contextKeys;
+    qApp->installEventFilter(&contextKeys);
+    QWidget window;
+    QWidget *control = showWithFocusedControl(window, focus);
+    QTRY_VERIFY(control->hasFocus());
+    if (grabbed)
+        control->grabKeyboard();
+
+    // Some menus run their own event loop: the one that opens is seen and closed from it.
+    bool opened = false;
+    QTimer watch;
+    connect(&watch, &QTimer::timeout, this, [&opened] {
+        if (QWidget *popup = QApplication::activePopupWidget()) {
+            opened = opened || qobject_cast<QMenu *>(popup);
+            popup->close();
+        }
+    });
+    watch.start(20);
+    QTest::keyClick(control, Qt::Key_F10, Qt::KeyboardModifiers::fromInt(modifiers));
+    if (opens)
+        QTRY_VERIFY(opened);
+    else
+        QTest::qWait(100);
+    QCOMPARE(opened, opens);
+    if (grabbed)
+        control->releaseKeyboard();
 }
 
 VESKO_WIDGET_TEST_MAIN(AppCommandsTest)

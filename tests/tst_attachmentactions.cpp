@@ -67,10 +67,25 @@ public:
 class RecordingDesktop : public DesktopFiles
 {
 public:
-    void open(const QString &path) override { opened.append(path); }
-    void reveal(const QString &path) override { revealed.append(path); }
+    void open(const QString &path, Unhandled unhandled) override
+    {
+        opened.append(path);
+        answer(unhandled);
+    }
+    void reveal(const QString &path, Unhandled unhandled) override
+    {
+        revealed.append(path);
+        answer(unhandled);
+    }
+    // Later, through the event loop, as the desktop's answer comes.
+    void answer(const Unhandled &unhandled) const
+    {
+        if (!handles)
+            QTimer::singleShot(0, unhandled);
+    }
     QStringList opened;
     QStringList revealed;
+    bool handles = true;
 };
 
 } // namespace
@@ -86,6 +101,8 @@ private Q_SLOTS:
     void toasts_data();
     void toasts();
     void cancelledDialogDoesNothing();
+    void nothingToHandTheFileTo_data();
+    void nothingToHandTheFileTo();
     void unreadableSecondFileAttachesNothing_data();
     void unreadableSecondFileAttachesNothing();
     void sameNameTwiceOpensBoth();
@@ -232,6 +249,45 @@ void AttachmentActionsTest::toasts()
     if (offered == u"image" && attached)
         QCOMPARE(m_store->note(m_noteID)->attachments.first().fileName,
             QStringLiteral("Pasted Image.png"));
+}
+
+void AttachmentActionsTest::nothingToHandTheFileTo_data()
+{
+    QTest::addColumn<QString>("action"); // open, reveal
+    QTest::addColumn<bool>("handles");
+    QTest::addColumn<QString>("message"); // empty: no toast
+
+    QTest::newRow("opened") << "open" << true << "";
+    QTest::newRow("no application") << "open" << false << "No Application for “Q3 report.pdf”";
+    QTest::newRow("shown") << "reveal" << true << "";
+    QTest::newRow("no file manager") << "reveal" << false << "No File Manager Found";
+}
+
+void AttachmentActionsTest::nothingToHandTheFileTo()
+{
+    QFETCH(QString, action);
+    QFETCH(bool, handles);
+    QFETCH(QString, message);
+    m_desktop.handles = handles;
+    NoteAttachment attachment;
+    attachment.id = QUuid::createUuid();
+    attachment.fileName = QStringLiteral("Q3 report.pdf");
+    attachment.storedFileName = QStringLiteral("0F5B/Q3 report.pdf");
+    if (action == u"open")
+        m_actions->openAttachment(attachment);
+    else
+        m_actions->revealAttachment(attachment);
+    QCOMPARE(m_desktop.opened.size() + m_desktop.revealed.size(), 1);
+    // Let the desktop's answer through.
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    if (message.isEmpty()) {
+        QVERIFY(m_feedback.toasts.isEmpty());
+    } else {
+        QCOMPARE(m_feedback.toasts.size(), 1);
+        QCOMPARE(m_feedback.toasts.first().message, message);
+        QCOMPARE(m_feedback.toasts.first().symbol, QStringLiteral("exclamationmark.triangle"));
+    }
 }
 
 void AttachmentActionsTest::cancelledDialogDoesNothing()

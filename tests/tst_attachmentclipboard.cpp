@@ -81,8 +81,8 @@ public:
 class NoDesktop : public DesktopFiles
 {
 public:
-    void open(const QString &) override { }
-    void reveal(const QString &) override { }
+    void open(const QString &, Unhandled) override { }
+    void reveal(const QString &, Unhandled) override { }
 };
 
 } // namespace

@@ -55,8 +55,8 @@ public:
 class RecordingDesktop : public DesktopFiles
 {
 public:
-    void open(const QString &path) override { opened.append(path); }
-    void reveal(const QString &path) override { revealed.append(path); }
+    void open(const QString &path, Unhandled) override { opened.append(path); }
+    void reveal(const QString &path, Unhandled) override { revealed.append(path); }
     QStringList opened;
     QStringList revealed;
 };

@@ -6,8 +6,9 @@
 // slowly is read through the clipboard, which is put back afterwards, and a
 // second gesture during that capture adds nothing; the capture hot key held
 // down through the keyboard's repeats captures once, into a window that
-// only answers a clean Ctrl+C; with nothing selected there is a toast and no
-// note.
+// only answers a clean copy; held on after Vesko has stopped waiting for it,
+// it gets no copy mixed with the held keys, and its next press captures;
+// with nothing selected there is a toast and no note.
 
 #include "TestEnvironment.h"
 
@@ -102,6 +103,7 @@ private Q_SLOTS:
     void captureFromXterm();
     void slowCopyThroughTheClipboard();
     void hotKeyHeldDown();
+    void hotKeyHeldPastTheWait();
     void nothingSelected();
 };
 
@@ -209,6 +211,36 @@ void CaptureX11Test::hotKeyHeldDown()
     QCOMPARE(
         xclip({QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard")}),
         QStringLiteral("the user's clipboard"));
+}
+
+void CaptureX11Test::hotKeyHeldPastTheWait()
+{
+    CaptureSession session;
+    QVERIFY(session.startVesko());
+    xclip({QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard")},
+        QByteArray("the user's clipboard"));
+    const QString text = QStringLiteral("words after the wait");
+    QProcess *target = session.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("0")});
+    QString window;
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !(window = Test::visibleWindow(QStringLiteral("^Copy Target$"))).isEmpty(), 10000);
+    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
+
+    // Held on until the capture has given up with its toast.
+    xdotool({QStringLiteral("keydown"), QStringLiteral("super+alt+c")});
+    QTRY_VERIFY_WITH_TIMEOUT(toastShown(), 10000);
+    xdotool({QStringLiteral("keyup"), QStringLiteral("super+alt+c")});
+    QCOMPARE(session.notes().size(), 0);
+    // The window got no key at all: no copy mixed with Super and Alt.
+    QCOMPARE(QString::fromUtf8(target->readAllStandardOutput()), QString());
+    QCOMPARE(
+        xclip({QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard")}),
+        QStringLiteral("the user's clipboard"));
+
+    // The next press is heard, and captures.
+    xdotool({QStringLiteral("key"), QStringLiteral("super+alt+c")});
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 10000);
+    QCOMPARE(session.notes().first().text, text);
 }
 
 void CaptureX11Test::nothingSelected()

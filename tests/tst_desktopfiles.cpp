@@ -3,21 +3,26 @@
 // Opening attachments and showing them in the file manager, on a private
 // session bus (dbus-run-session): a file manager that answers ShowItems, one
 // that fails, and none at all, where the file's folder is opened instead;
-// and the panel's commands going the same way.
+// files and folders that no installed application takes, which are told of
+// instead of handed on; and the panel's commands going the same way.
 
 #include "TestEnvironment.h"
 
 #include "library/LibraryFile.h"
 #include "panel/PanelCommands.h"
 #include "platform/qt/QtDesktopFiles.h"
+#include "shell/Toast.h"
 
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusError>
 #include <QDBusMessage>
+#include <QApplication>
 #include <QDesktopServices>
-#include <QGuiApplication>
+#include <QDir>
 #include <QSignalSpy>
+#include <QStandardPaths>
+#include <QTemporaryDir>
 
 using namespace Vesko;
 
@@ -57,6 +62,41 @@ public Q_SLOTS:
     }
 };
 
+//! The user's applications folder, where the tests install what they need.
+QString applicationsFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
+        + QStringLiteral("/applications");
+}
+
+//! A desktop entry \a id taking \a types, as an installed application has.
+void installApplication(const QString &id, const QString &types)
+{
+    QDir().mkpath(applicationsFolder());
+    QFile file(applicationsFolder() + u'/' + id);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(QStringLiteral("[Desktop Entry]\nType=Application\nName=%1\nExec=true %%f\n"
+                              "MimeType=%2\n")
+                   .arg(id, types)
+                   .toUtf8());
+}
+
+void writeUserList(const QString &contents)
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    QDir().mkpath(folder);
+    QFile file(folder + QStringLiteral("/mimeapps.list"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(contents.toUtf8());
+}
+
+void uninstallApplications()
+{
+    QDir(applicationsFolder()).removeRecursively();
+    QFile::remove(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+        + QStringLiteral("/mimeapps.list"));
+}
+
 } // namespace
 
 class DesktopFilesTest : public QObject
@@ -66,13 +106,18 @@ class DesktopFilesTest : public QObject
 private Q_SLOTS:
     void initTestCase();
     void cleanupTestCase();
-    void openGivesTheFile();
+    void init();
+    void open_data();
+    void open();
     void reveal_data();
     void reveal();
     void panelCommandsGoTheSameWay();
+    void panelCommandsSayWhenNothingTakesTheFile();
 
 private:
     OpenedUrls m_opened;
+    //! Stands for the machine's own folders, so that only the tests' applications count.
+    QTemporaryDir m_system;
 };
 
 void DesktopFilesTest::initTestCase()
@@ -80,6 +125,18 @@ void DesktopFilesTest::initTestCase()
     QVERIFY2(
         QDBusConnection::sessionBus().isConnected(), "run on a session bus (dbus-run-session)");
     QDesktopServices::setUrlHandler(QStringLiteral("file"), &m_opened, "open");
+    // The machine's types of files, without its applications.
+    QFile::link(QStringLiteral("/usr/share/mime"), m_system.filePath(QStringLiteral("mime")));
+    qputenv("XDG_DATA_DIRS", QFile::encodeName(m_system.path()));
+    qputenv("XDG_CONFIG_DIRS", QFile::encodeName(m_system.path()));
+}
+
+void DesktopFilesTest::init()
+{
+    m_opened.urls.clear();
+    uninstallApplications();
+    installApplication(QStringLiteral("editor.desktop"), QStringLiteral("text/plain;"));
+    installApplication(QStringLiteral("files.desktop"), QStringLiteral("inode/directory;"));
 }
 
 void DesktopFilesTest::cleanupTestCase()
@@ -87,28 +144,57 @@ void DesktopFilesTest::cleanupTestCase()
     QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
 }
 
-void DesktopFilesTest::openGivesTheFile()
+void DesktopFilesTest::open_data()
 {
-    m_opened.urls.clear();
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("userList"); // the user's mimeapps.list
+    QTest::addColumn<bool>("opened");
+
+    QTest::newRow("an application takes it") << "report final.txt" << "" << true;
+    QTest::newRow("one takes a parent type") << "notes.md" << "" << true;
+    QTest::newRow("no application") << "report final.pdf" << "" << false;
+    QTest::newRow("the user's default")
+        << "report final.pdf"
+        << "[Default Applications]\napplication/pdf=editor.desktop\n" << true;
+    QTest::newRow("a default that is not installed")
+        << "report final.pdf" << "[Default Applications]\napplication/pdf=gone.desktop\n"
+        << false;
+    QTest::newRow("removed by the user")
+        << "report final.txt" << "[Removed Associations]\ntext/plain=editor.desktop;\n" << false;
+}
+
+void DesktopFilesTest::open()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, userList);
+    QFETCH(bool, opened);
+    if (!userList.isEmpty())
+        writeUserList(userList);
+    const QString path = QStringLiteral("/data/Attachments/A B/") + file;
     QtDesktopFiles files;
-    files.open(QStringLiteral("/data/Attachments/A B/report final.pdf"));
-    QCOMPARE(m_opened.urls,
-        QList<QUrl> {
-            QUrl::fromLocalFile(QStringLiteral("/data/Attachments/A B/report final.pdf"))});
+    bool unhandled = false;
+    files.open(path, [&unhandled] { unhandled = true; });
+    QVERIFY(QTest::qWaitFor([&] { return unhandled || !m_opened.urls.isEmpty(); }, 20000));
+    QCOMPARE(unhandled, !opened);
+    QCOMPARE(m_opened.urls, opened ? QList<QUrl> {QUrl::fromLocalFile(path)} : QList<QUrl>());
 }
 
 void DesktopFilesTest::reveal_data()
 {
     QTest::addColumn<QString>("fileManager"); // answers, fails, none
-    QTest::newRow("the file manager shows the file") << "answers";
-    QTest::newRow("the file manager fails: the folder opens") << "fails";
-    QTest::newRow("no file manager: the folder opens") << "none";
+    QTest::addColumn<bool>("folderApplication");
+    QTest::newRow("the file manager shows the file") << "answers" << false;
+    QTest::newRow("the file manager fails: the folder opens") << "fails" << true;
+    QTest::newRow("no file manager: the folder opens") << "none" << true;
+    QTest::newRow("nothing opens folders") << "none" << false;
 }
 
 void DesktopFilesTest::reveal()
 {
     QFETCH(QString, fileManager);
-    m_opened.urls.clear();
+    QFETCH(bool, folderApplication);
+    if (!folderApplication)
+        QFile::remove(applicationsFolder() + QStringLiteral("/files.desktop"));
     const QString name = QStringLiteral("filemanager-") + fileManager;
     QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
     FakeFileManager fake;
@@ -122,10 +208,15 @@ void DesktopFilesTest::reveal()
     const QString path = QStringLiteral("/data/Attachments/1F2E/Holiday photo.jpg");
     QtDesktopFiles files;
     QSignalSpy handled(&files, &QtDesktopFiles::revealHandled);
-    files.reveal(path);
-    QVERIFY(QTest::qWaitFor([&] { return handled.count() == 1; }, 20000));
+    bool unhandled = false;
+    files.reveal(path, [&unhandled] { unhandled = true; });
+    QVERIFY(QTest::qWaitFor([&] { return handled.count() == 1 || unhandled; }, 20000));
 
-    if (fileManager == u"answers") {
+    QCOMPARE(unhandled, fileManager != u"answers" && !folderApplication);
+    if (unhandled) {
+        QVERIFY(handled.isEmpty());
+        QVERIFY(m_opened.urls.isEmpty());
+    } else if (fileManager == u"answers") {
         QCOMPARE(fake.shown,
             QStringList {QStringLiteral("file:///data/Attachments/1F2E/Holiday%20photo.jpg")});
         QCOMPARE(handled.first().at(1).toBool(), true);
@@ -143,7 +234,6 @@ void DesktopFilesTest::reveal()
 
 void DesktopFilesTest::panelCommandsGoTheSameWay()
 {
-    m_opened.urls.clear();
     const QString name = QStringLiteral("filemanager-commands");
     QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
     FakeFileManager fake;
@@ -164,12 +254,13 @@ void DesktopFilesTest::panelCommandsGoTheSameWay()
             QUrl::fromLocalFile(libraryURL()).toString(QUrl::FullyEncoded)}));
 
     PanelCommands::shared().openAttachment(attachment);
+    QVERIFY(QTest::qWaitFor([&] { return !m_opened.urls.isEmpty(); }, 20000));
     // A record whose name leads outside the folder is neither opened nor shown.
     attachment.storedFileName = QStringLiteral("../Library.json");
     PanelCommands::shared().openAttachment(attachment);
     PanelCommands::shared().revealAttachment(attachment);
+    QTest::qWait(50);
     QCOMPARE(m_opened.urls, QList<QUrl> {QUrl::fromLocalFile(file)});
-    QCoreApplication::processEvents();
     QCOMPARE(handled.count(), 2);
 
     bus.unregisterService(QStringLiteral("org.freedesktop.FileManager1"));
@@ -177,10 +268,31 @@ void DesktopFilesTest::panelCommandsGoTheSameWay()
     QDBusConnection::disconnectFromBus(name);
 }
 
+void DesktopFilesTest::panelCommandsSayWhenNothingTakesTheFile()
+{
+    // No file manager on the bus, and no application for folders or PDFs.
+    uninstallApplications();
+    PanelCommands::shared().revealLibraryFile();
+    QVERIFY(QTest::qWaitFor(
+        [] { return ToastPresenter::shared().currentMessage() == u"No File Manager Found"; },
+        20000));
+
+    NoteAttachment attachment;
+    attachment.fileName = QStringLiteral("Q3 report.pdf");
+    attachment.storedFileName = QStringLiteral("7A1C/Q3 report.pdf");
+    PanelCommands::shared().openAttachment(attachment);
+    QVERIFY(QTest::qWaitFor(
+        [] {
+            return ToastPresenter::shared().currentMessage() == u"No Application for “Q3 report.pdf”";
+        },
+        20000));
+    QVERIFY(m_opened.urls.isEmpty());
+}
+
 int main(int argc, char *argv[])
 {
     Vesko::Test::IsolatedEnvironment environment;
-    QGuiApplication app(argc, argv);
+    QApplication app(argc, argv);
     DesktopFilesTest test;
     QTEST_SET_MAIN_SOURCE_PATH
     return QTest::qExec(&test, argc, argv);

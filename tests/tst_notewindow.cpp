@@ -4,7 +4,7 @@
 // cut from the note's text, typing that reaches the Store at every key, the
 // preview of the inline Markdown, the bar's done toggle, copy and attachment
 // import, the window of a deleted note, the remembered frame and the
-// appearance taken at creation and kept.
+// appearance, taken at creation and followed while the window is open.
 
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
@@ -89,8 +89,8 @@ public:
 class NoDesktop : public DesktopFiles
 {
 public:
-    void open(const QString &) override { }
-    void reveal(const QString &) override { }
+    void open(const QString &, Unhandled) override { }
+    void reveal(const QString &, Unhandled) override { }
 };
 
 } // namespace
@@ -118,8 +118,8 @@ private Q_SLOTS:
     void addAttachment_data();
     void addAttachment();
     void frameIsRememberedAcrossOpeningsAndRestarts();
-    void appearanceAtCreation_data();
-    void appearanceAtCreation();
+    void appearanceFollowed_data();
+    void appearanceFollowed();
 
 private:
     NoteWindow *openNote(const QString &letter);
@@ -518,7 +518,7 @@ void NoteWindowTest::frameIsRememberedAcrossOpeningsAndRestarts()
     QCOMPARE(afterRestart->geometry(), moved);
 }
 
-void NoteWindowTest::appearanceAtCreation_data()
+void NoteWindowTest::appearanceFollowed_data()
 {
     QTest::addColumn<AppAppearance>("appearance");
     QTest::addColumn<bool>("dark");
@@ -527,15 +527,18 @@ void NoteWindowTest::appearanceAtCreation_data()
     QTest::newRow("dark") << AppAppearance::Dark << true;
 }
 
-void NoteWindowTest::appearanceAtCreation()
+void NoteWindowTest::appearanceFollowed()
 {
     QFETCH(AppAppearance, appearance);
     QFETCH(bool, dark);
 
-    // The application turns to a new appearance as its delegate does.
+    // The application turns to a new appearance as its delegate does: the
+    // palette first, then the open windows.
     auto setAppearance = [this](AppAppearance value) {
         m_fixture->preferences().setAppearance(value);
         Theme::applyAppearance(value);
+        if (m_manager)
+            m_manager->refreshAppearance();
     };
     // "dark" for light text on a dark ground, "light" for the reverse.
     auto looks = [](const NoteWindow *window) {
@@ -554,10 +557,13 @@ void NoteWindowTest::appearanceAtCreation()
     NoteWindow *window = openNote(QStringLiteral("a"));
     QCOMPARE(looks(window), made);
 
-    // A later change leaves the open window as it was made; a new one takes it.
+    // A later change reaches the open window, its bar's icons included, and
+    // a new window alike.
+    const QImage madeIcon = window->editor()->copyButton()->icon().pixmap(14).toImage();
     setAppearance(dark ? AppAppearance::Light : AppAppearance::Dark);
     QCoreApplication::processEvents();
-    QCOMPARE(looks(window), made);
+    QCOMPARE(looks(window), other);
+    QVERIFY(window->editor()->copyButton()->icon().pixmap(14).toImage() != madeIcon);
     QCOMPARE(looks(openNote(QStringLiteral("b"))), other);
     setAppearance(AppAppearance::System);
 }

@@ -6,7 +6,11 @@
 // there with xdotool reaches the library file after the save delay while the
 // panel's row follows, a second open raises the same window, and the tray's
 // menu lists six open notes, ticks one off, copies them as a list and hides
-// and shows the panel.
+// and shows the panel. From the keyboard alone: an edit in place left open in
+// another window's favour is saved when the panel comes back, the Menu key
+// and Shift+F10 open a row's menu (and Shift+F10 a text field's), Ctrl+W and
+// Escape close a note window and Settings (which opens again after its title
+// bar closed it), and Ctrl+Q quits.
 
 #include "TestEnvironment.h"
 
@@ -112,6 +116,22 @@ QString panelWindow(qint64 pid)
     return windowWhere(pid, [](const QRect &frame) { return frame == panelFrame; });
 }
 
+QString activeWindow()
+{
+    return xdotool({QStringLiteral("getactivewindow")});
+}
+
+//! Presses \a key (an xdotool name) and waits for a window of \a pid to
+//! appear that was not there before; returns it, or empty.
+QString keyOpensWindow(qint64 pid, const QString &key)
+{
+    const QStringList before = visibleWindows(pid);
+    xdotool({QStringLiteral("key"), key});
+    QString opened;
+    (void)QTest::qWaitFor([&] { return !(opened = newWindow(pid, before)).isEmpty(); }, 5000);
+    return opened;
+}
+
 //! The windows named exactly \a title.
 QStringList windowsNamed(const QString &title)
 {
@@ -156,6 +176,9 @@ private Q_SLOTS:
     void initTestCase();
     void noteWindowEditsTheNote();
     void trayMenuIsTheDashboard();
+    void editInPlaceIsSavedWhenThePanelComesBack();
+    void menuKeysOpenTheSelectedRowsMenu();
+    void windowsCloseFromTheKeyboard();
 };
 
 void NoteWindowAppTest::initTestCase()
@@ -285,6 +308,131 @@ void NoteWindowAppTest::trayMenuIsTheDashboard()
     vesko->terminate();
     QVERIFY(vesko->waitForFinished(10000));
     tray->terminate();
+}
+
+void NoteWindowAppTest::editInPlaceIsSavedWhenThePanelComesBack()
+{
+    Session session;
+    session.writeLibrary({QStringLiteral("alpha")});
+    QProcess *vesko = session.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), 15000);
+    const QString panel = panelWindow(vesko->processId());
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, 5000);
+
+    // The list takes the keyboard, the note is chosen and edited in place.
+    pressKeys(QStringLiteral("Escape"), 1);
+    pressKeys(QStringLiteral("Home"), 1);
+    pressKeys(QStringLiteral("Return"), 1);
+    QTest::qWait(300);
+    xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("10"),
+        QStringLiteral(" bravo")});
+    QTest::qWait(200);
+
+    // Another window takes the keyboard while the edit is open.
+    QProcess *other = session.start(QStringLiteral(COPY_TARGET_PATH), {QStringLiteral("x")});
+    QTRY_COMPARE_WITH_TIMEOUT(windowsNamed(QStringLiteral("Copy Target")).size(), 1, 10000);
+    const QString target = windowsNamed(QStringLiteral("Copy Target")).first();
+    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), target});
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), target, 5000);
+
+    // Starting vesko again brings the panel forward with the composer ready:
+    // the edit ends there, saved.
+    QProcess *again = session.start();
+    QVERIFY(again->waitForFinished(10000));
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().value(0).text, QStringLiteral("alpha bravo"), 5000);
+    // Escape and hiding lose nothing afterwards.
+    pressKeys(QStringLiteral("Escape"), 3);
+    QTRY_VERIFY_WITH_TIMEOUT(panelWindow(vesko->processId()).isEmpty(), 5000);
+    vesko->terminate();
+    QVERIFY(vesko->waitForFinished(10000));
+    QCOMPARE(session.notes().value(0).text, QStringLiteral("alpha bravo"));
+    other->terminate();
+}
+
+void NoteWindowAppTest::menuKeysOpenTheSelectedRowsMenu()
+{
+    Session session;
+    session.writeLibrary({QStringLiteral("alpha"), QStringLiteral("bravo")});
+    QProcess *vesko = session.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), 15000);
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panelWindow(vesko->processId()), 5000);
+    pressKeys(QStringLiteral("Escape"), 1);
+
+    // Copy, Copy as List, then "Mark as Done": the third entry of a row's menu.
+    const struct
+    {
+        const char *key;
+        int row;
+    } presses[] = {{"Menu", 0}, {"shift+F10", 1}};
+    for (const auto &press : presses) {
+        pressKeys(QStringLiteral("Home"), 1);
+        pressKeys(QStringLiteral("Down"), press.row);
+        QTest::qWait(200);
+        const QString menu = keyOpensWindow(vesko->processId(), QString::fromLatin1(press.key));
+        QVERIFY2(!menu.isEmpty(), press.key);
+        pressKeys(QStringLiteral("Down"), 3);
+        pressKeys(QStringLiteral("Return"), 1);
+        QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(vesko->processId()).contains(menu), 5000);
+        QTRY_VERIFY2_WITH_TIMEOUT(session.notes().value(press.row).isDone, press.key, 5000);
+    }
+    // In the composer, Shift+F10 opens the text's own menu, as the Menu key does.
+    pressKeys(QStringLiteral("ctrl+n"), 1);
+    QTest::qWait(200);
+    const QString textMenu = keyOpensWindow(vesko->processId(), QStringLiteral("shift+F10"));
+    QVERIFY(!textMenu.isEmpty());
+    pressKeys(QStringLiteral("Escape"), 1);
+    QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(vesko->processId()).contains(textMenu), 5000);
+    vesko->terminate();
+    QVERIFY(vesko->waitForFinished(10000));
+}
+
+void NoteWindowAppTest::windowsCloseFromTheKeyboard()
+{
+    Session session;
+    session.writeLibrary({QStringLiteral("alpha")});
+    QProcess *vesko = session.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), 15000);
+    const QString panel = panelWindow(vesko->processId());
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, 5000);
+    pressKeys(QStringLiteral("Escape"), 1);
+    pressKeys(QStringLiteral("Home"), 1);
+
+    // A note window closes with Ctrl+W, and with Escape; the panel stays.
+    for (const char *close : {"ctrl+w", "Escape"}) {
+        xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), panel});
+        QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, 5000);
+        pressKeys(QStringLiteral("ctrl+Return"), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed(QStringLiteral("alpha")).size(), 1, 5000);
+        const QString window = windowsNamed(QStringLiteral("alpha")).first();
+        QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), window, 5000);
+        pressKeys(QString::fromLatin1(close), 1);
+        QTRY_VERIFY2_WITH_TIMEOUT(windowsNamed(QStringLiteral("alpha")).isEmpty(), close, 5000);
+        QTest::qWait(300);
+        QCOMPARE(panelWindow(vesko->processId()), panel);
+    }
+
+    // Settings: closed from its title bar (the window manager's close, as
+    // Alt+F4 asks for it), it opens again; Escape and Ctrl+W close it too.
+    const QString settingsTitle = QStringLiteral("Vesko Settings");
+    for (const char *close : {"alt+F4", "Escape", "ctrl+w"}) {
+        xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), panel});
+        QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, 5000);
+        pressKeys(QStringLiteral("ctrl+comma"), 1);
+        QTRY_VERIFY2_WITH_TIMEOUT(windowsNamed(settingsTitle).size() == 1, close, 5000);
+        const QString settings = windowsNamed(settingsTitle).first();
+        QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), settings, 5000);
+        pressKeys(QString::fromLatin1(close), 1);
+        QTRY_VERIFY2_WITH_TIMEOUT(windowsNamed(settingsTitle).isEmpty(), close, 5000);
+    }
+
+    // Ctrl+Q in the panel quits, as its menu entry says.
+    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), panel});
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, 5000);
+    pressKeys(QStringLiteral("ctrl+q"), 1);
+    QVERIFY(vesko->waitForFinished(10000));
+    QCOMPARE(vesko->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(vesko->exitCode(), 0);
 }
 
 VESKO_TEST_MAIN(NoteWindowAppTest)

@@ -184,6 +184,12 @@ void PanelAccessTest::throughTheScreenReader()
     QTRY_VERIFY_WITH_TIMEOUT(rowNames(tree()).contains(QStringLiteral("Buy oat milk")), 10000);
     QTRY_VERIFY_WITH_TIMEOUT(
         rowNames(tree()).contains(QStringLiteral("Call the plumber\nabout the sink")), 10000);
+    // A note is heard as it reads on screen: without its markers, and
+    // without what it strikes through.
+    type(QStringLiteral("Email ~~Bob~~ **Alice**"));
+    key(QStringLiteral("Return"));
+    QTRY_VERIFY_WITH_TIMEOUT(rowNames(tree()).contains(QStringLiteral("Email Alice")), 10000);
+    QVERIFY(rowNames(tree()).filter(QStringLiteral("~~")).isEmpty());
 
     // A search, typed into the field after a click on it, narrows the rows
     // and marks the word in the note that stays.
@@ -344,11 +350,13 @@ void PanelAccessTest::throughTheScreenReader()
         sections.append(section.title);
     QCOMPARE(sections, (QStringList {"Inbox", "Errands"}));
     const QList<Note> notes = library.projects.first().sections.first().notes;
-    QCOMPARE(notes.size(), 2);
+    QCOMPARE(notes.size(), 3);
     QCOMPARE(notes.at(0).text, QStringLiteral("Buy oat milk"));
     QVERIFY(notes.at(0).isDone);
     QCOMPARE(notes.at(1).text, QStringLiteral("Call the plumber today"));
     QVERIFY(!notes.at(1).isDone);
+    // What was typed is kept as typed.
+    QCOMPARE(notes.at(2).text, QStringLiteral("Email ~~Bob~~ **Alice**"));
     QCOMPARE(library.projects.first().activeSectionID, library.projects.first().sections.last().id);
 }
 

@@ -4,7 +4,9 @@
 // to whichever widget holds the keyboard (the list, the composer with and
 // without text, the search field, a note's inline editor, a layer), and
 // what each one changed; the filter that keeps editing keys with a text
-// field; the Escape ladder; copying what a search shows.
+// field; the Escape ladder; copying what a search shows; the Menu key,
+// Shift+F10 and Ctrl+Q; an edit in place left open behind another window,
+// saved when the panel is brought forward or hidden.
 
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
@@ -12,14 +14,17 @@
 #include "panel/ComposerView.h"
 #include "panel/NativeInlineTextField.h"
 #include "panel/PanelCommands.h"
+#include "panel/PanelController.h"
 #include "panel/PanelKeyHandler.h"
 #include "panel/PanelListView.h"
 #include "panel/PanelRootView.h"
+#include "panel/PanelWindow.h"
 #include "panel/SearchFieldView.h"
 #include "shell/Toast.h"
 
 #include <QClipboard>
 #include <QLineEdit>
+#include <QMenu>
 #include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTextEdit>
@@ -89,6 +94,8 @@ private Q_SLOTS:
     void undoAndRedoFromTheList();
     void undoInATextFieldTypingFirstThenTheLibrary_data();
     void undoInATextFieldTypingFirstThenTheLibrary();
+    void showingOrHidingThePanelSavesAnOpenEdit_data();
+    void showingOrHidingThePanelSavesAnOpenEdit();
 
 private:
     PanelRootView &showRoot(const QStringList &projects);
@@ -137,6 +144,12 @@ bool PanelKeysTest::enter(const QString &context)
         m_root->setFocusTarget(PanelFocusTarget::Composer);
         if (context == "composer with text")
             QTest::keyClicks(QApplication::focusWidget(), "xy");
+    } else if (context == "list, nothing selected") {
+        m_root->setFocusTarget(PanelFocusTarget::List);
+        store.setSelection({}, std::nullopt);
+    } else if (context == "list, two selected") {
+        m_root->setFocusTarget(PanelFocusTarget::List);
+        store.setSelection({idFor("a"), idFor("c")}, idFor("c"));
     } else if (context == "search") {
         m_root->setFocusTarget(PanelFocusTarget::Search);
     } else if (context == "inline editor") {
@@ -214,6 +227,10 @@ void PanelKeysTest::keysInContext_data()
         {"Ctrl+9 beyond three sections", Qt::Key_9, ctrl, "unchanged"},
         {"Escape drops the selection", Qt::Key_Escape, 0, "selection "},
         {"plain letter", Qt::Key_Q, 0, "unchanged"},
+        {"Ctrl+Q", Qt::Key_Q, ctrl, "quit"},
+        {"Menu", Qt::Key_Menu, 0, "menu Mark as Done: done b"},
+        {"Shift+F10", Qt::Key_F10, shift, "menu Mark as Done: done b"},
+        {"plain F10", Qt::Key_F10, 0, "unchanged"},
     };
     for (const auto &[name, key, modifiers, outcome] : list)
         QTest::addRow("list, %s", name) << "list" << key << modifiers << outcome;
@@ -243,6 +260,22 @@ void PanelKeysTest::keysInContext_data()
     }
     for (const char *context : {"composer", "composer with text", "inline editor"})
         QTest::addRow("%s, Space", context) << context << int(Qt::Key_Space) << 0 << "unchanged";
+    // Ctrl+Q quits from anywhere in the panel; the menu keys are the text
+    // field's own there, and wait under a layer.
+    for (const char *context : {"composer", "search", "inline editor", "sheet"}) {
+        QTest::addRow("%s, Ctrl+Q", context) << context << int(Qt::Key_Q) << ctrl << "quit";
+        QTest::addRow("%s, Shift+F10", context)
+            << context << int(Qt::Key_F10) << shift << "unchanged";
+    }
+    // With no note selected the menu is the active section's; with two, it
+    // acts on both.
+    QTest::newRow("list, nothing selected, Menu") << "list, nothing selected" << int(Qt::Key_Menu)
+                                                  << 0 << "menu Collapse Section: collapsed Inbox";
+    QTest::newRow("list, nothing selected, Shift+F10")
+        << "list, nothing selected" << int(Qt::Key_F10) << shift
+        << "menu Collapse Section: collapsed Inbox";
+    QTest::newRow("list, two selected, Menu")
+        << "list, two selected" << int(Qt::Key_Menu) << 0 << "menu Mark as Done: done a,c";
     QTest::newRow("search, Space types") << "search" << int(Qt::Key_Space) << 0 << "search  ";
     QTest::newRow("composer, Ctrl+F") << "composer" << int(Qt::Key_F) << ctrl << "focus search";
     QTest::newRow("search, Ctrl+N") << "search" << int(Qt::Key_N) << ctrl << "focus composer";
@@ -279,6 +312,10 @@ void PanelKeysTest::keysInContext()
                   jumps.append(*id);
           });
     const auto stopRecording = qScopeGuard([&] { disconnect(recording); });
+    int quits = 0;
+    PanelCommands::Hooks hooks;
+    hooks.quit = [&quits] { ++quits; };
+    PanelCommands::shared().setHooks(hooks);
     showRoot({"*Inbox:a,b,c|Work:d|Later:e", "Home:f"});
     Store &store = m_fixture->store();
     store.setSelection({idFor("b")}, idFor("b"));
@@ -288,9 +325,30 @@ void PanelKeysTest::keysInContext()
     press(key, modifiers);
     QCoreApplication::processEvents();
 
-    const QString what = outcome.section(u' ', 0, 0);
-    const QString value = outcome.section(u' ', 1);
-    if (what == "unchanged") {
+    QString what = outcome.section(u' ', 0, 0);
+    QString value = outcome.section(u' ', 1);
+    if (what == "menu") {
+        // A menu opened: its entry acts on what the outcome names.
+        QTRY_VERIFY(qobject_cast<QMenu *>(QApplication::activePopupWidget()));
+        auto *menu = static_cast<QMenu *>(QApplication::activePopupWidget());
+        const QString entry = value.section(u':', 0, 0);
+        QAction *chosen = nullptr;
+        for (QAction *action : menu->actions()) {
+            if (action->text() == entry)
+                chosen = action;
+        }
+        QVERIFY2(chosen, qPrintable(entry));
+        chosen->trigger();
+        menu->close();
+        QCoreApplication::processEvents();
+        const QString effect = value.section(u':', 1).trimmed();
+        what = effect.section(u' ', 0, 0);
+        value = effect.section(u' ', 1);
+    } else {
+        QCOMPARE(QApplication::activePopupWidget(), nullptr);
+    }
+    QCOMPARE(quits, what == "quit" ? 1 : 0);
+    if (what == "unchanged" || what == "quit") {
         QCOMPARE(snapshot(store, *m_state), before);
     } else if (what == "layer") {
         QCOMPARE(int(m_state->frontLayer()), value.toInt());
@@ -303,7 +361,8 @@ void PanelKeysTest::keysInContext()
     } else if (what == "selection") {
         QCOMPARE(namesOf(store.selection().values()), value);
     } else if (what == "done") {
-        QVERIFY(store.note(idFor(value))->isDone);
+        for (const char *name : {"a", "b", "c"})
+            QCOMPARE(store.note(idFor(name))->isDone, value.split(u',').contains(name));
     } else if (what == "gone") {
         QVERIFY(!store.note(idFor(value)));
     } else if (what == "active") {
@@ -572,6 +631,54 @@ void PanelKeysTest::undoInATextFieldTypingFirstThenTheLibrary()
     QVERIFY(store.note(idFor("a")));
     press(Qt::Key_Z, ctrl | shift);
     QVERIFY(!store.note(idFor("a")));
+}
+
+void PanelKeysTest::showingOrHidingThePanelSavesAnOpenEdit_data()
+{
+    QTest::addColumn<QString>("bringing");
+    for (const char *bringing : {"show", "toggle", "bring forward", "hide"})
+        QTest::newRow(bringing) << bringing;
+}
+
+void PanelKeysTest::showingOrHidingThePanelSavesAnOpenEdit()
+{
+    QFETCH(QString, bringing);
+    Store &store = m_fixture->make({"*Inbox:a,b"});
+    PanelController panel(store, *m_state, m_fixture->preferences());
+    panel.show(true, true);
+    QVERIFY(QTest::qWaitForWindowExposed(panel.panel()));
+    QApplication::setActiveWindow(panel.panel());
+    auto *root = qobject_cast<PanelRootView *>(panel.panel()->content());
+    QVERIFY(root);
+
+    store.setEditingNoteID(idFor("b"));
+    QTRY_VERIFY(qobject_cast<QTextEdit *>(QApplication::focusWidget())
+        && QApplication::focusWidget() != root->composer()->field()->editor());
+    auto *field = static_cast<QTextEdit *>(QApplication::focusWidget());
+    QTest::keyClicks(field, " more");
+
+    // Another window takes the keyboard; the edit stays open behind it.
+    QWidget other;
+    other.show();
+    QApplication::setActiveWindow(&other);
+    QTRY_VERIFY(!field->hasFocus());
+    QCOMPARE(store.editingNoteID(), std::optional<QUuid>(idFor("b")));
+
+    if (bringing == "show")
+        panel.show(true, true);
+    else if (bringing == "toggle")
+        panel.toggle();
+    else if (bringing == "hide")
+        panel.hide();
+    else
+        panel.show(true, false);
+
+    // The edit ended as leaving its field ends it: what was typed is kept.
+    QTRY_VERIFY(!store.editingNoteID());
+    QCOMPARE(store.note(idFor("b"))->text, QStringLiteral("b more"));
+    // Hiding afterwards loses nothing.
+    panel.hide();
+    QCOMPARE(store.note(idFor("b"))->text, QStringLiteral("b more"));
 }
 
 VESKO_WIDGET_TEST_MAIN(PanelKeysTest)

@@ -19,13 +19,16 @@
 #include "panel/SectionHeaderView.h"
 #include "platform/DesktopFiles.h"
 #include "platform/Pasteboard.h"
+#include "shell/Theme.h"
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDesktopServices>
 #include <QDrag>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
+#include <QScopeGuard>
 #include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTextEdit>
@@ -64,6 +67,18 @@ Library manyNotes(int sections, int perSection)
     return library;
 }
 
+//! What QDesktopServices was asked to open.
+class OpenedUrls : public QObject
+{
+    Q_OBJECT
+
+public Q_SLOTS:
+    void open(const QUrl &url) { urls.append(url); }
+
+public:
+    QList<QUrl> urls;
+};
+
 //! The attachment actions of a list under test: the real import and dialog,
 //! nothing from the clipboard or the file manager, the toasts recorded.
 struct Attachments : AttachmentFeedback, PasteboardReader, DesktopFiles
@@ -74,8 +89,8 @@ struct Attachments : AttachmentFeedback, PasteboardReader, DesktopFiles
 
     void toast(const QString &message, const QString &) override { toasts.append(message); }
     void readPasteboard(std::function<void(const PasteboardContent &)> done) override { done({}); }
-    void open(const QString &) override { }
-    void reveal(const QString &) override { }
+    void open(const QString &, Unhandled) override { }
+    void reveal(const QString &, Unhandled) override { }
 
     AttachmentFileDialog chooser;
     AttachmentActions actions;
@@ -164,6 +179,12 @@ private Q_SLOTS:
     void doneControlActsOnTheMenuTarget();
     void fills_data();
     void fills();
+    void fillFollowsTheNote_data();
+    void fillFollowsTheNote();
+    void clickOnALinkSelects_data();
+    void clickOnALinkSelects();
+    void hoverFollowsThePointer_data();
+    void hoverFollowsThePointer();
 
     void returnCommitsAnEdit();
     void leavingTheFieldCommits();
@@ -360,6 +381,150 @@ void PanelListTest::fills()
         QCoreApplication::sendEvent(row, &enter);
     }
     QCOMPARE(int(row->fill()), fill);
+}
+
+void PanelListTest::fillFollowsTheNote_data()
+{
+    QTest::addColumn<QString>("notes");
+    QTest::addColumn<QString>("change");
+    QTest::addColumn<QString>("fill"); // the theme's colour the card ends in
+
+    QTest::newRow("marked done") << "S1:a,b"
+                                 << "done"
+                                 << "done";
+    QTest::newRow("marked not done") << "S1:A,b"
+                                     << "undone"
+                                     << "plain";
+    QTest::newRow("its done control pressed") << "S1:a,b"
+                                              << "control"
+                                              << "done";
+    QTest::newRow("selected") << "S1:a,b"
+                              << "select"
+                              << "selected";
+    // Being edited is not being selected: the card is a box to write in.
+    QTest::newRow("edited") << "S1:a,b"
+                            << "edit"
+                            << "editing";
+    QTest::newRow("a done note edited") << "S1:A,b"
+                                        << "edit"
+                                        << "editing";
+    QTest::newRow("the edit ends") << "S1:a,b"
+                                   << "edit,escape"
+                                   << "selected";
+}
+
+void PanelListTest::fillFollowsTheNote()
+{
+    QFETCH(QString, notes);
+    QFETCH(QString, change);
+    QFETCH(QString, fill);
+    PanelTestRig rig(notes);
+    ListWindow w(rig);
+    NoteRowView *row = w.note(QStringLiteral("a"));
+    QVERIFY(row);
+    for (const QString &step : change.split(u',')) {
+        if (step == u"done" || step == u"undone") {
+            rig.store().setDone({idFor("a")}, step == u"done");
+        } else if (step == u"control") {
+            QTest::mouseClick(row->doneControl(), Qt::LeftButton);
+        } else if (step == u"select") {
+            rig.store().setSelection({idFor("a")}, idFor("a"));
+        } else if (step == u"edit") {
+            QTest::mouseDClick(row, Qt::LeftButton, {}, inText(row));
+            QVERIFY(QTest::qWaitFor([row] { return row->isEditing(); }));
+        } else if (step == u"escape") {
+            QTest::keyClick(row->editor()->editor(), Qt::Key_Escape);
+        }
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(w.note(QStringLiteral("a")), row);
+    const ThemeColors colors = Theme::currentColors();
+    const QHash<QString, QColor> fills {{"done", colors.noteFillDone}, {"plain", colors.noteFill},
+        {"selected", colors.noteFillSelected}, {"editing", colors.surfaceHoverFill}};
+    // At once or after its ease, without a hover or a click to wake it.
+    QTRY_COMPARE_WITH_TIMEOUT(row->fillColor().rgba(), fills.value(fill).rgba(), 3000);
+    const QList<QColor> all = fills.values();
+    QCOMPARE(all.count(fills.value(fill)), 1);
+}
+
+void PanelListTest::clickOnALinkSelects_data()
+{
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<QString>("selection");
+
+    QTest::newRow("a click") << int(Qt::NoModifier) << "b";
+    QTest::newRow("a Ctrl+click adds") << int(Qt::ControlModifier) << "a,b";
+    QTest::newRow("a Shift+click extends") << int(Qt::ShiftModifier) << "a,b";
+}
+
+void PanelListTest::clickOnALinkSelects()
+{
+    QFETCH(int, modifiers);
+    QFETCH(QString, selection);
+    PanelTestRig rig(QStringLiteral("S1:a,b,c"));
+    rig.store().updateNote(idFor("b"),
+        QStringLiteral("[the quarterly report for the board and its members](https://example.org/r)"));
+    ListWindow w(rig);
+    OpenedUrls opened;
+    QDesktopServices::setUrlHandler(QStringLiteral("https"), &opened, "open");
+    auto restore = qScopeGuard([] { QDesktopServices::unsetUrlHandler(QStringLiteral("https")); });
+    rig.store().setSelection({idFor("a")}, idFor("a"));
+    NoteRowView *row = w.note(QStringLiteral("b"));
+    QVERIFY(row);
+    // On the first words of the text, which are the link's.
+    const QPoint onLink(NoteRowView::cardPaddingH + DoneControl::diameter + NoteRowView::spacing + 6,
+        NoteRowView::rowPadding + NoteRowView::cardPaddingV + 6);
+    QTest::mouseClick(row, Qt::LeftButton, Qt::KeyboardModifiers(modifiers), onLink);
+    QCoreApplication::processEvents();
+    QCOMPARE(namesOf(rig.store().selection().values()), selection);
+    QVERIFY(opened.urls.isEmpty());
+}
+
+void PanelListTest::hoverFollowsThePointer_data()
+{
+    QTest::addColumn<QString>("kind");
+
+    QTest::newRow("section headers") << "headers";
+    QTest::newRow("notes") << "notes";
+}
+
+void PanelListTest::hoverFollowsThePointer()
+{
+    QFETCH(QString, kind);
+    const bool headers = kind == u"headers";
+    QStringList sections;
+    for (int i = 1; i <= 40; ++i)
+        sections.append(QStringLiteral("S%1+:n%1").arg(i));
+    auto rig = headers ? std::make_unique<PanelTestRig>(sections.join(u'|'))
+                       : std::make_unique<PanelTestRig>(manyNotes(1, 300));
+    ListWindow w(*rig);
+    const QString first = headers ? QStringLiteral("S5") : QStringLiteral("n5");
+    const QString below = headers ? QStringLiteral("S8") : QStringLiteral("n8");
+    auto hovered = [&](const QString &name) {
+        if (headers)
+            return w.header(name) && w.header(name)->isHovered();
+        return w.note(name) && w.note(name)->isHovered();
+    };
+    QWidget *viewport = w.list->viewport();
+    const QPoint at = w.list->rowRect(idFor(first)).center();
+    QTest::mouseMove(viewport, at);
+    QTRY_VERIFY(hovered(first));
+    if (headers)
+        QVERIFY(w.header(first)->showsGrip());
+
+    // The list scrolls three rows under the pointer, which stays where it was.
+    const int delta = w.list->rowRect(idFor(below)).top() - w.list->rowRect(idFor(first)).top();
+    w.list->verticalScrollBar()->setValue(w.list->verticalScrollBar()->value() + delta);
+    QCoreApplication::processEvents();
+    QVERIFY(w.list->rowRect(idFor(below)).contains(at));
+    QVERIFY(!hovered(first));
+    QVERIFY(hovered(below));
+    if (headers) {
+        QVERIFY(!w.header(first) || !w.header(first)->showsGrip());
+        QVERIFY(w.header(below)->showsGrip());
+    } else {
+        QCOMPARE(w.note(first)->fill(), NoteRowView::Fill::Plain);
+    }
 }
 
 void PanelListTest::returnCommitsAnEdit()
@@ -687,18 +852,19 @@ void PanelListTest::reveal_data()
     QTest::addColumn<QString>("anchor");
     QTest::addColumn<QString>("atTop"); // the row expected at the top; empty for centred
 
-    QTest::newRow("out of view below: three rows of context") << ""
-                                                              << "n150"
-                                                              << "n147";
+    // Near or far, the list glides until the row stands in the middle.
+    QTest::newRow("out of view below") << ""
+                                       << "n150"
+                                       << "";
     QTest::newRow("out of view above") << "n150"
                                        << "n20"
-                                       << "n17";
+                                       << "";
     QTest::newRow("near the start the first row stays on top") << "n150"
                                                                << "n1"
                                                                << "S1";
-    QTest::newRow("in view: centred") << "n100"
-                                      << "n103"
-                                      << "";
+    QTest::newRow("in view") << "n100"
+                             << "n103"
+                             << "";
     QTest::newRow("in view, partly under the composer") << "n100"
                                                         << "straddling"
                                                         << "";
@@ -728,7 +894,7 @@ void PanelListTest::reveal()
     rig.store().setSelection({idFor(anchor)}, idFor(anchor));
     QCoreApplication::processEvents();
     QCoreApplication::processEvents();
-    QCOMPARE(w.list->isScrollAnimating(), atTop.isEmpty());
+    QVERIFY(w.list->isScrollAnimating());
     w.settle();
     if (atTop.isEmpty())
         QVERIFY2(std::abs(w.centreOffset(anchor)) <= 1,
@@ -745,15 +911,15 @@ void PanelListTest::jump_data()
     QTest::addColumn<QString>("atTop"); // empty for centred
 
     // Sections of 30 notes: S3 is row 62, after note n59.
-    QTest::newRow("out of view: one row of context") << ""
-                                                     << "S6"
-                                                     << "n149";
+    QTest::newRow("out of view") << ""
+                                 << "S6"
+                                 << "";
     QTest::newRow("back to the first section") << "n200"
                                                << "S1"
                                                << "S1";
-    QTest::newRow("in view: centred") << "n57"
-                                      << "S3"
-                                      << "";
+    QTest::newRow("in view") << "n57"
+                             << "S3"
+                             << "";
 }
 
 void PanelListTest::jump()
@@ -771,6 +937,9 @@ void PanelListTest::jump()
     rig.state().setSectionJumpRequest(idFor(section));
     // The list empties the slot, so the same jump can be asked again.
     QVERIFY(!rig.state().sectionJumpRequest());
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    QVERIFY(w.list->isScrollAnimating());
     w.settle();
     if (atTop.isEmpty())
         QVERIFY(std::abs(w.centreOffset(section)) <= 1);
@@ -790,7 +959,7 @@ void PanelListTest::resetsScrollToTheTop_data()
                               << "";
     // The rows shrink, and the next note, now anchored, is revealed.
     QTest::newRow("a deletion") << "delete"
-                                << "n147";
+                                << "anchor";
     QTest::newRow("more rows") << "add"
                                << "n120";
     QTest::newRow("an edit") << "edit"
@@ -818,10 +987,14 @@ void PanelListTest::resetsScrollToTheTop()
     else
         store.updateNote(idFor("n121"), QStringLiteral("changed"));
     w.settle();
-    if (atTop.isEmpty())
+    if (atTop.isEmpty()) {
         QCOMPARE(w.list->verticalScrollBar()->value(), 0);
-    else
+    } else if (atTop == u"anchor") {
+        QVERIFY(store.selectionAnchor() == idFor("n152"));
+        QVERIFY(std::abs(w.centreOffset(QStringLiteral("n152"))) <= 1);
+    } else {
         QCOMPARE(w.topInClearArea(atTop), 0);
+    }
 }
 
 void PanelListTest::drops_data()

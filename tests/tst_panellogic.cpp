@@ -181,6 +181,20 @@ void PanelLogicTest::noteLabel_data()
     QTest::newRow("cut text with files")
         << QString(125, u'x') << QStringList {"f.txt"}
         << QString(120, u'x') + QStringLiteral("…. Attachments: f.txt");
+    // What the row shows, not how it was typed.
+    QTest::newRow("struck-through words are not said")
+        << "Email ~~Bob~~ Alice" << QStringList() << "Email Alice";
+    QTest::newRow("struck through at the ends") << "~~old~~ new ~~gone~~" << QStringList() << "new";
+    QTest::newRow("markers and link targets go")
+        << "**Call** _Eve_ about [the plan](https://example.org/plan) `now`" << QStringList()
+        << "Call Eve about the plan now";
+    QTest::newRow("escaped markers are said as typed")
+        << "\\~\\~kept\\~\\~ and \\*this\\*" << QStringList() << "~~kept~~ and *this*";
+    QTest::newRow("all struck through: said all the same")
+        << "~~done with this~~" << QStringList {"a.png"} << "done with this. Attachments: a.png";
+    QTest::newRow("the cut counts shown characters")
+        << QStringLiteral("**%1**").arg(QString(125, u'x')) << QStringList()
+        << QString(120, u'x') + u'…';
 }
 
 void PanelLogicTest::noteLabel()

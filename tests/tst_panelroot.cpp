@@ -15,15 +15,20 @@
 #include "panel/ComposerView.h"
 #include "panel/NativeInlineTextField.h"
 #include "panel/PanelCommands.h"
+#include "panel/PanelController.h"
+#include "panel/PanelLayerView.h"
 #include "panel/PanelListView.h"
 #include "panel/PanelPromptView.h"
 #include "panel/PanelRootView.h"
 #include "panel/SearchFieldView.h"
 #include "platform/qt/QtDesktopFiles.h"
 #include "platform/qt/QtPasteboardReader.h"
+#include "shell/AppDelegate.h"
+#include "shell/Theme.h"
 #include "shell/Toast.h"
 
 #include <QDragEnterEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
@@ -56,6 +61,23 @@ QStringList notesOf(const Store &store, const QString &title)
         return texts;
     }
     return {};
+}
+
+//! Light ink (true) or dark ink in \a image: the mean lightness of the
+//! pixels painted in it, weighted by their coverage.
+bool lightInk(const QImage &image)
+{
+    const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
+    double lightness = 0;
+    double weight = 0;
+    for (int y = 0; y < argb.height(); ++y) {
+        for (int x = 0; x < argb.width(); ++x) {
+            const QColor pixel = QColor::fromRgba(argb.pixel(x, y));
+            lightness += pixel.alphaF() * pixel.lightnessF();
+            weight += pixel.alphaF();
+        }
+    }
+    return weight > 0 && lightness / weight > 0.5;
 }
 
 //! Types \a text into \a widget, key by key; "\n" is Shift+Return.
@@ -128,6 +150,12 @@ private Q_SLOTS:
     void clearButton();
     void focusRequestsReachTheParts();
     void accessibleNames();
+    void appearanceReachesTheRebuiltPanel_data();
+    void appearanceReachesTheRebuiltPanel();
+    void rowsAndBars_data();
+    void rowsAndBars();
+    void layersAreOpaqueCardsWithShadows_data();
+    void layersAreOpaqueCardsWithShadows();
 
 private:
     PanelRootView &showRoot(const QStringList &projects);
@@ -663,6 +691,142 @@ void PanelRootTest::accessibleNames()
     QCOMPARE(root.composer()->field()->placeholder(), QStringLiteral("Add to Work"));
     m_fixture->store().activateSection(idFor(QStringLiteral("P/Inbox")));
     QCOMPARE(root.composer()->field()->placeholder(), QStringLiteral("Add to Inbox"));
+}
+
+void PanelRootTest::appearanceReachesTheRebuiltPanel_data()
+{
+    QTest::addColumn<AppAppearance>("from");
+    QTest::addColumn<AppAppearance>("to");
+    QTest::addColumn<bool>("dark");
+
+    QTest::newRow("light to dark") << AppAppearance::Light << AppAppearance::Dark << true;
+    QTest::newRow("dark to light") << AppAppearance::Dark << AppAppearance::Light << false;
+}
+
+void PanelRootTest::appearanceReachesTheRebuiltPanel()
+{
+    QFETCH(AppAppearance, from);
+    QFETCH(AppAppearance, to);
+    QFETCH(bool, dark);
+
+    // No row at all, so that the empty state is up.
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:")});
+    Library library = store.library();
+    library.projects[0].sections.clear();
+    store.setLibrary(library);
+    store.refreshAfterMutation();
+    Preferences &preferences = m_fixture->preferences();
+    preferences.setAppearance(from);
+    Theme::applyAppearance(from);
+    PanelController panel(store, *m_state, preferences);
+    bool darkForTheWindows = !dark;
+    AppDelegate::Hooks hooks;
+    hooks.refreshWindows = [&darkForTheWindows] { darkForTheWindows = Theme::isDark(); };
+    AppDelegate delegate(store, preferences, panel, hooks);
+    panel.show(false, false);
+    QPointer<PanelRootView> before = qobject_cast<PanelRootView *>(panel.panel()->content());
+    QVERIFY(before);
+
+    preferences.setAppearance(to);
+    QTRY_VERIFY(!before);
+    auto *root = qobject_cast<PanelRootView *>(panel.panel()->content());
+    QVERIFY(root);
+    // The other windows are told after the palette changed.
+    QCOMPARE(darkForTheWindows, dark);
+
+    // Light ink on the dark surface, dark ink on the light one: the "More
+    // options" icon and both lines of the empty state.
+    QVERIFY(root->showsEmptyState());
+    QCOMPARE(lightInk(root->overflowButton()->icon().pixmap(15).toImage()), dark);
+    for (const QString &line : {root->emptyTitle(), root->emptyHint()}) {
+        QLabel *label = nullptr;
+        for (QLabel *candidate : root->findChildren<QLabel *>()) {
+            if (candidate->text() == line)
+                label = candidate;
+        }
+        QVERIFY2(label, qPrintable(line));
+        QCOMPARE(label->palette().color(QPalette::WindowText).lightnessF() > 0.5, dark);
+    }
+    panel.hide();
+    Theme::applyAppearance(AppAppearance::System);
+}
+
+void PanelRootTest::rowsAndBars_data()
+{
+    QTest::addColumn<bool>("glass");
+
+    QTest::newRow("opaque: the rows stop at the bars") << false;
+    QTest::newRow("glass: the rows run under the bars") << true;
+}
+
+void PanelRootTest::rowsAndBars()
+{
+    QFETCH(bool, glass);
+
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a,b,c")});
+    // An offscreen panel has no blur behind it: opaque, as the controller chose.
+    Store &store = m_fixture->store();
+    PanelController panel(store, *m_state, m_fixture->preferences());
+    panel.show(false, false);
+    auto *panelRoot = qobject_cast<PanelRootView *>(panel.panel()->content());
+    QVERIFY(panelRoot);
+    QVERIFY(!panelRoot->rowsRunUnderBars());
+    panel.hide();
+
+    root.setRowsRunUnderBars(glass);
+    const QRect list = root.list()->geometry();
+    const QRect search(root.searchField()->mapTo(&root, QPoint(0, 0)), root.searchField()->size());
+    const QRect composer = root.composer()->geometry();
+    if (glass) {
+        // The list spans the bars; its first row starts below the header.
+        QVERIFY(list.top() <= search.top());
+        QVERIFY(list.bottom() >= composer.bottom());
+        QVERIFY(root.list()->topContentMargin() >= search.bottom() - list.top());
+    } else {
+        // Nothing of the list lies under either bar.
+        QVERIFY2(list.top() > search.bottom(),
+            qPrintable(QStringLiteral("%1 %2").arg(list.top()).arg(search.bottom())));
+        QVERIFY2(list.bottom() < composer.top(),
+            qPrintable(QStringLiteral("%1 %2").arg(list.bottom()).arg(composer.top())));
+        QCOMPARE(root.list()->topContentMargin(), 0);
+        QCOMPARE(root.list()->bottomContentMargin(), 0);
+    }
+}
+
+void PanelRootTest::layersAreOpaqueCardsWithShadows_data()
+{
+    QTest::addColumn<PanelLayer>("layer");
+
+    QTest::newRow("section switcher") << PanelLayer::SectionSwitcher;
+    QTest::newRow("project switcher") << PanelLayer::ProjectSwitcher;
+    QTest::newRow("shortcut sheet") << PanelLayer::Shortcuts;
+    QTest::newRow("new section prompt") << PanelLayer::NewSection;
+    QTest::newRow("rename project prompt") << PanelLayer::RenameProject;
+}
+
+void PanelRootTest::layersAreOpaqueCardsWithShadows()
+{
+    QFETCH(PanelLayer, layer);
+
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a,b|Work:c"), QStringLiteral("Q")});
+    m_state->setShowing(layer, true);
+    auto *view = qobject_cast<PanelLayerView *>(root.layerView());
+    QVERIFY(view);
+    // Drawn alone, over nothing: what covers the card's middle row is wholly opaque.
+    QTRY_VERIFY(view->card()->isVisible() && view->graphicsEffect() == nullptr);
+    QImage drawn(view->size(), QImage::Format_ARGB32);
+    drawn.fill(Qt::transparent);
+    view->render(&drawn, QPoint(), QRegion(), QWidget::DrawChildren);
+    const QRect card = view->card()->geometry();
+    QVERIFY(card.height() > 20 && card.bottom() + 20 < view->height());
+    for (int x = card.left() + PanelLayerView::cardRadius;
+         x < card.right() - PanelLayerView::cardRadius; ++x) {
+        QCOMPARE(qAlpha(drawn.pixel(x, card.center().y())), 255);
+    }
+    // Below the card its shadow darkens the dim, which is all there is far from it.
+    const int dim = qAlpha(drawn.pixel(card.center().x(), view->height() - 4));
+    const int shadow = qAlpha(drawn.pixel(card.center().x(), card.bottom() + 4));
+    QVERIFY2(shadow > dim + 10, qPrintable(QStringLiteral("%1 %2").arg(shadow).arg(dim)));
 }
 
 VESKO_WIDGET_TEST_MAIN(PanelRootTest)

@@ -4,8 +4,10 @@
 // xdotool and real grabs on the root window: Escape with Shift still
 // cancels, Ctrl+Backspace and Delete clear, a key without a modifier and a
 // combination another action holds are refused with their words, an
-// action's own combination is no conflict, and a combination that another X
-// client grabbed first is stored but shown as taken at once.
+// action's own combination is no conflict, a combination that another X
+// client grabbed first is stored but shown as taken at once, and the key's
+// name follows the keyboard layout as it changes (setxkbmap, a switch of
+// the layout in use).
 
 #include "TestEnvironment.h"
 
@@ -14,13 +16,19 @@
 #include "platform/KeyMonitor.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11HotKeys.h"
-#include "platform/x11/X11Keyboard.h"
+#include "platform/x11/X11KeyLayout.h"
 #include "shell/Preferences.h"
 #include "shell/ShortcutRecorderView.h"
+
+// The XKB header names a member "explicit", a C++ keyword.
+#define explicit xkbExplicit
+#include <xcb/xkb.h>
+#undef explicit
 
 #include <QApplication>
 #include <QLabel>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QVBoxLayout>
 
 using namespace Vesko;
@@ -78,6 +86,8 @@ private Q_SLOTS:
     void recordsRealKeys();
     void refusalNamesWhoHoldsTheKeys_data();
     void refusalNamesWhoHoldsTheKeys();
+    void keyNamesFollowTheLayout_data();
+    void keyNamesFollowTheLayout();
 };
 
 void ShortcutRecorderTest::initTestCase()
@@ -142,8 +152,7 @@ void ShortcutRecorderTest::recordsRealKeys()
         foreign = std::make_unique<ForeignGrab>(keyK, controlMask | altMask);
         QVERIFY(foreign->isHeld());
     }
-    X11Connection connection;
-    X11Keyboard layout(connection.get());
+    X11KeyLayout layout;
     X11HotKeys registrar;
     HotKeyCenter hotKeys(registrar);
 
@@ -211,8 +220,7 @@ void ShortcutRecorderTest::refusalNamesWhoHoldsTheKeys()
         foreign = std::make_unique<ForeignGrab>(keyK, controlMask | altMask);
         QVERIFY(foreign->isHeld());
     }
-    X11Connection connection;
-    X11Keyboard layout(connection.get());
+    X11KeyLayout layout;
     X11HotKeys registrar;
     HotKeyCenter hotKeys(registrar);
     hotKeys.registerAll();
@@ -241,6 +249,63 @@ void ShortcutRecorderTest::refusalNamesWhoHoldsTheKeys()
         QVERIFY(hotKeys.isRegistered(HotKeyAction::QuickAdd));
     }
     QCOMPARE(recorder.refusalText(), QString());
+}
+
+void ShortcutRecorderTest::keyNamesFollowTheLayout_data()
+{
+    // The key code of a combination and its name on a US keyboard, then
+    // setxkbmap's arguments, the layout locked after (its index in the list)
+    // and the name the key shows then.
+    QTest::addColumn<int>("keyCode");
+    QTest::addColumn<QString>("usName");
+    QTest::addColumn<QStringList>("layout");
+    QTest::addColumn<int>("group");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("German") << 29 << "Y" << QStringList {"de"} << 0 << "Z";
+    QTest::newRow("French") << 24 << "Q" << QStringList {"fr"} << 0 << "A";
+    // Es, the Cyrillic letter.
+    QTest::newRow("Russian first")
+        << 54 << "C" << QStringList {"-layout", "ru,us"} << 0 << "\u0421";
+    QTest::newRow("Russian and US, US chosen")
+        << 54 << "C" << QStringList {"-layout", "ru,us"} << 1 << "C";
+    QTest::newRow("US and Russian, Russian chosen")
+        << 54 << "C" << QStringList {"-layout", "us,ru"} << 1 << "\u0421";
+}
+
+void ShortcutRecorderTest::keyNamesFollowTheLayout()
+{
+    QFETCH(int, keyCode);
+    QFETCH(QString, usName);
+    QFETCH(QStringList, layout);
+    QFETCH(int, group);
+    QFETCH(QString, name);
+
+    Preferences::openSettings()->clear();
+    QVERIFY(Test::setxkbmap({QStringLiteral("us")}));
+    const auto usAfterwards = qScopeGuard([] { Test::setxkbmap({QStringLiteral("us")}); });
+    X11KeyLayout keyLayout;
+    X11HotKeys registrar;
+    HotKeyCenter hotKeys(registrar);
+    hotKeys.setCombo({quint16(keyCode), Control | Option}, HotKeyAction::QuickAdd);
+    ShortcutRecorderView recorder(HotKeyAction::QuickAdd, hotKeys, &keyLayout);
+    recorder.show();
+    // Shown and settled: no focus or hover event refreshes the view any more.
+    QVERIFY(QTest::qWaitForWindowActive(&recorder));
+    QPushButton *button = recorder.findChild<QPushButton *>();
+    QCOMPARE(button->text(), QStringLiteral("Super+Alt+") + usName);
+
+    // The layout changes under the open view.
+    QVERIFY(Test::setxkbmap(layout));
+    if (group != 0) {
+        X11Connection x;
+        xcb_connection_t *c = x.get();
+        std::free(xcb_xkb_use_extension_reply(c, xcb_xkb_use_extension(c, 1, 0), nullptr));
+        xcb_generic_error_t *error = xcb_request_check(c,
+            xcb_xkb_latch_lock_state_checked(
+                c, XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, xcb_xkb_group_t(group), 0, 0, 0));
+        QVERIFY(!error);
+    }
+    QTRY_COMPARE(button->text(), QStringLiteral("Super+Alt+") + name);
 }
 
 int main(int argc, char *argv[])

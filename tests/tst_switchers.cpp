@@ -67,6 +67,8 @@ private Q_SLOTS:
     void sectionSwitcherByKeys_data();
     void sectionSwitcherByKeys();
     void emptyQueryWithoutSectionsStaysOpen();
+    void titlesLineUp_data();
+    void titlesLineUp();
     void renameInsideTheSwitcher();
     void renameNeedsASection();
     void projectSwitcher();
@@ -282,6 +284,64 @@ void SwitchersTest::sectionSwitcherByKeys()
     QCOMPARE(m_state->isShowing(PanelLayer::SectionSwitcher), open);
     if (!open && active != "Work")
         QCOMPARE(ToastPresenter::shared().currentMessage(), "Using " + active);
+}
+
+//! The left edge of the grey ink (text, not the accent's marks) in \a row of \a image, or
+//! -1. The list has no background of its own: ink is what is nearly opaque.
+static int textLeft(const QImage &image, const QRect &row)
+{
+    for (int x = row.left(); x <= row.right(); ++x) {
+        for (int y = row.top(); y <= row.bottom(); ++y) {
+            const QColor pixel = image.pixelColor(x, y);
+            const int spread = std::max({pixel.red(), pixel.green(), pixel.blue()})
+                - std::min({pixel.red(), pixel.green(), pixel.blue()});
+            if (pixel.alpha() > 160 && spread < 24)
+                return x;
+        }
+    }
+    return -1;
+}
+
+void SwitchersTest::titlesLineUp_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<int>("moves"); // Down presses: the selection on another row or the same
+
+    QTest::newRow("the active row selected") << "" << 0;
+    QTest::newRow("another row selected") << "" << 1;
+    QTest::newRow("filtered") << "o" << 1;
+}
+
+void SwitchersTest::titlesLineUp()
+{
+    QFETCH(QString, typed);
+    QFETCH(int, moves);
+    showRoot({"Inbox:a|*Work:b|Links:c|Notes:d"});
+    m_state->setShowing(PanelLayer::SectionSwitcher, true);
+    auto *view = openedLayer<SectionSwitcherView>();
+    QVERIFY(view);
+    QTest::keyClicks(view->filterField(), typed);
+    for (int i = 0; i < moves; ++i)
+        QTest::keyClick(view->filterField(), Qt::Key_Down);
+    QListWidget *list = view->listView();
+    QVERIFY(list->count() >= 3);
+    QVERIFY(view->rowTexts().contains(QStringLiteral("Work")));
+    const QImage image = list->viewport()->grab().toImage();
+    QList<int> lefts;
+    // The rows of sections; the create row leads with its symbol.
+    for (int i = 0; i < list->count(); ++i) {
+        if (list->item(i)->text().startsWith(QStringLiteral("Create")))
+            continue;
+        const QRect row = list->visualItemRect(list->item(i));
+        const qreal scale = image.devicePixelRatio();
+        lefts.append(textLeft(image,
+            QRect(row.topLeft() * scale, row.size() * scale)));
+    }
+    // Every title starts where the others do, the active one's too.
+    QVERIFY2(lefts.first() > 0, qPrintable(QString::number(lefts.first())));
+    for (int left : std::as_const(lefts))
+        QVERIFY2(std::abs(left - lefts.first()) <= 1,
+            qPrintable(QStringLiteral("%1 against %2").arg(left).arg(lefts.first())));
 }
 
 void SwitchersTest::emptyQueryWithoutSectionsStaysOpen()

@@ -2,7 +2,8 @@
 //
 // Global hot keys on a real X server (tests/x-session.sh), pressed with
 // xdotool through the hot-key center: one report per press, also for a key
-// held through the keyboard's repeats; a combination another program holds
+// held through the keyboard's repeats, and for a key whose release went to
+// another window when the grab ended under it; a combination another program holds
 // is refused and remembered; a second action on a taken combination is
 // refused, and letting it go leaves the first action's grab alone; Caps Lock
 // and Num Lock do not block a combination; on a Wayland session nothing is
@@ -14,9 +15,12 @@
 #include "capture/HotKeyCenter.h"
 #include "platform/KeyMonitor.h"
 #include "platform/SettingsFile.h"
+#include "platform/x11/X11Connection.h"
 #include "platform/x11/X11HotKeys.h"
 
 #include <QProcess>
+
+#include <cstdlib>
 
 using namespace Vesko;
 using Test::xdotool;
@@ -103,6 +107,7 @@ private Q_SLOTS:
     void init();
     void onePressOneReport_data();
     void onePressOneReport();
+    void releaseThatWentElsewhere();
     void takenByAnotherProgram();
     void secondActionOnATakenCombination();
     void locksDoNotBlock_data();
@@ -145,6 +150,23 @@ void X11HotKeysTest::onePressOneReport()
     QVERIFY(hotKeys.center.isRegistered(HotKeyAction::TogglePanel));
     xdotool(keys);
     QCOMPARE(hotKeys.reports(), QList<HotKeyAction>(toggles, HotKeyAction::TogglePanel));
+}
+
+void X11HotKeysTest::releaseThatWentElsewhere()
+{
+    HotKeys hotKeys;
+    xdotool({QStringLiteral("keydown"), QStringLiteral("super+alt+c")});
+    QTRY_COMPARE(hotKeys.pressed, QList<HotKeyAction> {HotKeyAction::CaptureSelection});
+    // The grab that the press activated ends while the key is still down, so
+    // the key's release goes to the focused window instead.
+    xcb_connection_t *c = hotKeys.registrar.connection()->get();
+    xcb_ungrab_keyboard(c, XCB_CURRENT_TIME);
+    std::free(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr));
+    xdotool({QStringLiteral("keyup"), QStringLiteral("super+alt+c")});
+    // The next press is a press, not a repeat of the first.
+    xdotool({QStringLiteral("key"), QStringLiteral("super+alt+c")});
+    QCOMPARE(hotKeys.reports(),
+        (QList<HotKeyAction> {HotKeyAction::CaptureSelection, HotKeyAction::CaptureSelection}));
 }
 
 void X11HotKeysTest::takenByAnotherProgram()

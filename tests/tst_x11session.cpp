@@ -5,9 +5,11 @@
 // process, answered on the event loop and only by the answer to the request
 // made (a UTF-8 answer that comes too late is never read as the Latin-1
 // one, a late refusal never taken for the next request's), large selections
-// piecewise (xclip); Ctrl+C into a window while the user holds modifiers,
-// which are let go for the copy and held again after, or Vesko's own capture
-// hot key, whose grab would take the copy.
+// piecewise (xclip); the synthetic copy, Ctrl+Insert, in every keyboard
+// layout and without interrupting a program in a terminal; keys the user
+// holds (Vesko's own capture hot key among them, whose grab would take the
+// copy) awaited, and never mixed with the copy nor taken from the user when
+// they stay down.
 
 #include "ProgramSession.h"
 #include "TestEnvironment.h"
@@ -17,7 +19,9 @@
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11Session.h"
 
+#include <QFile>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTemporaryFile>
 #include <QTimer>
 
@@ -94,6 +98,65 @@ QList<int> keysDown()
     return down;
 }
 
+//! The copy target of the helper, in front, and the key combinations it got.
+class CopyTarget
+{
+public:
+    explicit CopyTarget(const QString &text)
+    {
+        m_process = m_programs.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("0")});
+        QString window;
+        if (QTest::qWaitFor(
+                [&window] {
+                    window = Test::visibleWindow(QStringLiteral("^Copy Target$"));
+                    return !window.isEmpty();
+                },
+                10000))
+            xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
+        m_window = window;
+    }
+
+    bool isShown() const { return !m_window.isEmpty(); }
+
+    //! Every combination the window got, up to a marker key typed now (F5):
+    //! the server delivers in order.
+    QStringList keysReceived()
+    {
+        xdotool({QStringLiteral("key"), QStringLiteral("F5")});
+        QStringList keys;
+        const bool marked = QTest::qWaitFor(
+            [&] {
+                while (m_process->canReadLine()) {
+                    const QString line = QString::fromUtf8(m_process->readLine()).trimmed();
+                    if (line.startsWith(u"key "))
+                        keys.append(line.mid(4));
+                }
+                return !keys.isEmpty() && keys.last().endsWith(u"F5");
+            },
+            10000);
+        if (!marked)
+            return {QStringLiteral("(no marker)")};
+        keys.removeLast();
+        return keys;
+    }
+
+private:
+    Test::ProgramSession m_programs;
+    QProcess *m_process = nullptr;
+    QString m_window;
+};
+
+//! Asks \a session for attempt 1 of the copy and waits for its answer:
+//! "sent" or "not sent".
+QString sendCopy(X11Session &session)
+{
+    std::optional<bool> sent;
+    session.sendCopy(1, [&sent](bool s) { sent = s; });
+    if (!QTest::qWaitFor([&sent] { return sent.has_value(); }, 10000))
+        return QStringLiteral("(no answer)");
+    return *sent ? QStringLiteral("sent") : QStringLiteral("not sent");
+}
+
 } // namespace
 
 class X11SessionTest : public QObject
@@ -107,8 +170,12 @@ private Q_SLOTS:
     void onlyTheAnswerAskedFor();
     void primaryIsReadOnTheEventLoop();
     void largePrimaryPiecewise();
-    void heldModifiersAreLetGoForTheCopy_data();
-    void heldModifiersAreLetGoForTheCopy();
+    void copyInEveryLayout_data();
+    void copyInEveryLayout();
+    void copyNeverInterruptsATerminalProgram();
+    void heldKeysAreAwaited_data();
+    void heldKeysAreAwaited();
+    void cleanup();
 };
 
 void X11SessionTest::initTestCase()
@@ -241,36 +308,88 @@ void X11SessionTest::largePrimaryPiecewise()
     stop(xclip);
 }
 
-void X11SessionTest::heldModifiersAreLetGoForTheCopy_data()
+void X11SessionTest::copyInEveryLayout_data()
 {
-    // The xdotool names of the keys the user holds (through XTEST, as
-    // automation does), whether they are the capture hot key that Vesko has
-    // grabbed, and the X key codes still down after the copy.
-    QTest::addColumn<QString>("held");
-    QTest::addColumn<bool>("grabbed");
-    QTest::addColumn<QList<int>>("codes");
-    QTest::newRow("nothing") << "" << false << QList<int> {};
-    QTest::newRow("Super") << "super" << false << QList<int> {133};
-    QTest::newRow("Alt") << "alt" << false << QList<int> {64};
-    QTest::newRow("Super and Alt") << "super+alt" << false << QList<int> {64, 133};
-    QTest::newRow("Shift") << "shift" << false << QList<int> {50};
-    // The letter of a grabbed hot key keeps the keyboard with Vesko until it
-    // is up; it is let go and not pressed again.
-    QTest::newRow("the capture hot key, grabbed") << "super+alt+c" << true << QList<int> {64, 133};
+    QTest::addColumn<QStringList>("layout");
+    QTest::newRow("US") << QStringList {"us"};
+    // No key of the first layout makes a Latin "c".
+    QTest::newRow("Russian first, US second") << QStringList {"-layout", "ru,us"};
 }
 
-void X11SessionTest::heldModifiersAreLetGoForTheCopy()
+void X11SessionTest::copyInEveryLayout()
 {
-    QFETCH(QString, held);
-    QFETCH(bool, grabbed);
-    QFETCH(QList<int>, codes);
-    Test::ProgramSession programs;
+    QFETCH(QStringList, layout);
+    const auto usAfterwards = qScopeGuard([] { Test::setxkbmap({QStringLiteral("us")}); });
+    QVERIFY(Test::setxkbmap(layout));
     const QString text = QStringLiteral("words of the copy target");
-    programs.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("0")});
+    CopyTarget target(text);
+    QVERIFY(target.isShown());
+    setClipboardText("before the copy");
+    X11Session session;
+    QCOMPARE(sendCopy(session), QStringLiteral("sent"));
+    QTRY_COMPARE_WITH_TIMEOUT(clipboardText(), text, 5000);
+    // Ctrl+Insert, the copy that no terminal takes for an interrupt.
+    QCOMPARE(target.keysReceived(), QStringList {QStringLiteral("Ctrl+Ins")});
+}
+
+void X11SessionTest::copyNeverInterruptsATerminalProgram()
+{
+    // A program running in a terminal (as in the terminal panel of an
+    // editor) that notes each interrupt and each line it reads.
+    Test::ProgramSession programs;
+    const QString log = programs.rootFolder() + QStringLiteral("/program.log");
+    programs.start(QStringLiteral("xterm"),
+        {QStringLiteral("-T"), QStringLiteral("running program"), QStringLiteral("-e"),
+            QStringLiteral("bash"), QStringLiteral("-c"),
+            QStringLiteral("trap 'echo interrupted >> %1' INT; echo ready >> %1; "
+                           "while :; do read -r line && echo \"read $line\" >> %1; done")
+                .arg(log)});
     QString window;
     QTRY_VERIFY_WITH_TIMEOUT(
-        !(window = Test::visibleWindow(QStringLiteral("^Copy Target$"))).isEmpty(), 10000);
+        !(window = Test::visibleWindow(QStringLiteral("^running program$"))).isEmpty(), 10000);
+    auto logText = [&log] {
+        QFile file(log);
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(logText().contains(u"ready"), 10000);
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
+
+    X11Session session;
+    QCOMPARE(sendCopy(session), QStringLiteral("sent"));
+    // A line typed after the copy: once it is read, the copy's keys were too.
+    xdotool({QStringLiteral("type"), QStringLiteral("after\n")});
+    QTRY_VERIFY_WITH_TIMEOUT(logText().contains(u"after"), 10000);
+    QVERIFY2(!logText().contains(u"interrupted"), qPrintable(logText()));
+}
+
+void X11SessionTest::heldKeysAreAwaited_data()
+{
+    // The xdotool names of the keys the user holds (through XTEST, as
+    // automation does), their X key codes, whether they are the capture hot
+    // key that Vesko has grabbed, and when they are let go after the copy
+    // was asked for: in ms, or -1 for only once the copy has answered.
+    QTest::addColumn<QString>("held");
+    QTest::addColumn<QList<int>>("codes");
+    QTest::addColumn<bool>("grabbed");
+    QTest::addColumn<int>("releaseAfter");
+    QTest::newRow("nothing") << "" << QList<int> {} << false << 0;
+    QTest::newRow("Super and Alt, let go") << "super+alt" << QList<int> {64, 133} << false << 300;
+    QTest::newRow("the capture hot key, let go")
+        << "super+alt+c" << QList<int> {54, 64, 133} << true << 300;
+    QTest::newRow("Super and Alt, held on") << "super+alt" << QList<int> {64, 133} << false << -1;
+    QTest::newRow("the capture hot key, held on")
+        << "super+alt+c" << QList<int> {54, 64, 133} << true << -1;
+}
+
+void X11SessionTest::heldKeysAreAwaited()
+{
+    QFETCH(QString, held);
+    QFETCH(QList<int>, codes);
+    QFETCH(bool, grabbed);
+    QFETCH(int, releaseAfter);
+    const QString text = QStringLiteral("words of the copy target");
+    CopyTarget target(text);
+    QVERIFY(target.isShown());
     setClipboardText("before the copy");
     X11HotKeys hotKeys;
     int reports = 0;
@@ -281,21 +400,43 @@ void X11SessionTest::heldModifiersAreLetGoForTheCopy()
     }
     if (!held.isEmpty())
         xdotool({QStringLiteral("keydown"), held});
+    QCOMPARE(keysDown(), codes);
     if (grabbed)
         QTRY_COMPARE(reports, 1); // the grab is active now
 
-    X11Session session(hotKeys.connection());
-    std::optional<bool> sent;
-    session.sendCopy(1, [&sent](bool s) { sent = s; });
-    QTRY_VERIFY_WITH_TIMEOUT(sent.has_value(), 5000);
-    QVERIFY(*sent);
-    // The window saw Ctrl+C alone: with Super, Alt or Shift it is another shortcut.
-    QTRY_COMPARE_WITH_TIMEOUT(clipboardText(), text, 5000);
-    // And the user still holds the modifiers they held, and nothing else.
-    QCOMPARE(keysDown(), codes);
-    if (!held.isEmpty())
-        xdotool({QStringLiteral("keyup"), held});
+    X11Session session;
+    if (releaseAfter >= 0 && !held.isEmpty()) {
+        QTimer::singleShot(releaseAfter, [held] { xdotool({QStringLiteral("keyup"), held}); });
+    }
+    const bool letGo = releaseAfter >= 0;
+    QCOMPARE(sendCopy(session), letGo ? QStringLiteral("sent") : QStringLiteral("not sent"));
+    if (!letGo) {
+        // Nothing of the user's was let go or taken from them.
+        QCOMPARE(keysDown(), codes);
+        if (!held.isEmpty())
+            xdotool({QStringLiteral("keyup"), held});
+    }
     QCOMPARE(keysDown(), QList<int> {});
+    // The window saw the copy alone, or nothing at all.
+    QCOMPARE(
+        target.keysReceived(), letGo ? QStringList {QStringLiteral("Ctrl+Ins")} : QStringList {});
+    if (letGo)
+        QTRY_COMPARE_WITH_TIMEOUT(clipboardText(), text, 5000);
+    else
+        QCOMPARE(clipboardText(), QStringLiteral("before the copy"));
+    if (grabbed) {
+        // The hot key hears its next press.
+        xdotool({QStringLiteral("key"), QStringLiteral("super+alt+c")});
+        QTRY_COMPARE(reports, 2);
+    }
+}
+
+void X11SessionTest::cleanup()
+{
+    // A failed row leaves no key down for the next one.
+    if (!keysDown().isEmpty())
+        xdotool({QStringLiteral("keyup"), QStringLiteral("super"), QStringLiteral("alt"),
+            QStringLiteral("shift"), QStringLiteral("c")});
 }
 
 VESKO_TEST_MAIN(X11SessionTest)

@@ -84,14 +84,28 @@ void AttachmentActions::pasteAttachments(std::function<void(const ImportResult &
 
 void AttachmentActions::openAttachment(const NoteAttachment &attachment)
 {
-    if (const std::optional<QString> path = filePath(attachment))
-        m_desktop.open(*path);
+    const std::optional<QString> path = filePath(attachment);
+    if (!path)
+        return;
+    QPointer<AttachmentActions> guard(this);
+    m_desktop.open(*path, [guard, name = attachment.fileName] {
+        if (guard)
+            guard->m_feedback.toast(
+                DesktopFileMessages::noApplication(name), DesktopFileMessages::symbol());
+    });
 }
 
 void AttachmentActions::revealAttachment(const NoteAttachment &attachment)
 {
-    if (const std::optional<QString> path = filePath(attachment))
-        m_desktop.reveal(*path);
+    const std::optional<QString> path = filePath(attachment);
+    if (!path)
+        return;
+    QPointer<AttachmentActions> guard(this);
+    m_desktop.reveal(*path, [guard] {
+        if (guard)
+            guard->m_feedback.toast(
+                DesktopFileMessages::noFileManager(), DesktopFileMessages::symbol());
+    });
 }
 
 void AttachmentActions::removeAttachment(const QUuid &attachmentID, const QUuid &noteID)

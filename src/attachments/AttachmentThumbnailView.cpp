@@ -166,45 +166,12 @@ void AttachmentThumbnailView::paintEvent(QPaintEvent *)
         m_typeIcon.paint(&painter, symbolRect.toAlignedRect());
         return;
     }
-    drawSymbol(painter, symbolRect, colors.greyStrong);
-}
-
-void AttachmentThumbnailView::drawSymbol(
-    QPainter &painter, const QRectF &area, const QColor &color) const
-{
-    // Line drawings, so that they look the same on every desktop.
-    painter.setPen(
-        QPen(color, std::max(1.0, area.width() / 12), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.setBrush(Qt::NoBrush);
-    const qreal w = area.width();
-    const qreal h = area.height();
-    if (m_attachment.kind == NoteAttachment::Kind::Image) {
-        // "photo": a frame with the sun over a hill.
-        const QRectF frame = area.adjusted(0, h * 0.12, 0, -h * 0.12);
-        painter.drawRoundedRect(frame, w * 0.12, w * 0.12);
-        painter.drawEllipse(QPointF(frame.left() + w * 0.3, frame.top() + frame.height() * 0.32),
-            w * 0.08, w * 0.08);
-        const QPointF hill[] = {{frame.left() + w * 0.08, frame.bottom() - h * 0.06},
-            {frame.left() + w * 0.42, frame.top() + frame.height() * 0.5},
-            {frame.left() + w * 0.62, frame.top() + frame.height() * 0.7},
-            {frame.left() + w * 0.76, frame.top() + frame.height() * 0.56},
-            {frame.right() - w * 0.06, frame.bottom() - h * 0.06}};
-        painter.drawPolyline(hill, 5);
-        return;
-    }
-    // "doc": a page with a folded corner and lines of text.
-    const qreal left = area.left() + w * 0.16;
-    const qreal right = area.right() - w * 0.16;
-    const qreal fold = w * 0.22;
-    const QPointF page[] = {{left, area.top()}, {right - fold, area.top()},
-        {right, area.top() + fold}, {right, area.bottom()}, {left, area.bottom()}};
-    painter.drawPolygon(page, 5);
-    painter.drawPolyline(QPolygonF({{right - fold, area.top()}, {right - fold, area.top() + fold},
-        {right, area.top() + fold}}));
-    for (int line = 0; line < 3; ++line) {
-        const qreal y = area.top() + h * (0.48 + 0.16 * line);
-        painter.drawLine(QPointF(left + w * 0.12, y), QPointF(right - w * 0.12, y));
-    }
+    // The program's own "photo" or "doc", as every symbol it shows.
+    const QString symbol = m_attachment.kind == NoteAttachment::Kind::Image
+        ? QStringLiteral("photo")
+        : QStringLiteral("doc");
+    symbolIcon(symbol, colors.greyStrong, int(symbolSide))
+        .paint(&painter, symbolRect.toAlignedRect());
 }
 
 } // namespace Vesko

@@ -56,8 +56,6 @@ protected:
 
 private:
     void requestImage();
-    //! The symbol of the attachment's kind, in \a area.
-    void drawSymbol(QPainter &painter, const QRectF &area, const QColor &color) const;
     void takeImage(const QImage &image, int pixelSide);
     //! The side in device pixels that the thumbnail is decoded at: twice the
     //! view's side times the screen's device pixel ratio.

@@ -47,7 +47,8 @@ void SelectionReader::readSelection(Done done)
     m_done = std::move(done);
     m_source = source;
 
-    // The fallback: never a Ctrl+C into a terminal, where it interrupts.
+    // The fallback: never a synthetic copy into a terminal emulator; the
+    // selection is all that is read there.
     const bool mayCopy = !front->isTerminal;
     QPointer<SelectionReader> self(this);
     m_session.readPrimarySelection(

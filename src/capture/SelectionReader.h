@@ -3,7 +3,7 @@
 // Reads what the user has selected in the application in front, and where it
 // comes from. First the primary selection, when the front application's own
 // process owns it; that leaves the clipboard alone. Otherwise a synthetic
-// Ctrl+C (never into a terminal), the clipboard read, and the clipboard put
+// copy (never into a terminal), the clipboard read, and the clipboard put
 // back as it was. Every step that waits for another program or for the
 // user's keys answers later, on the event loop: the interface stays live.
 

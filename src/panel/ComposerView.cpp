@@ -26,7 +26,7 @@ namespace Vesko {
 namespace {
 
 constexpr int attachmentButtonSize = 20;
-constexpr int symbolSize = 13;
+constexpr int symbolSize = 15;
 
 QList<QUrl> droppedFiles(const QMimeData *data)
 {

@@ -18,12 +18,13 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QDesktopServices>
 #include <QDrag>
+#include <QHelpEvent>
 #include <QLocale>
 #include <QMimeData>
 #include <QPainter>
 #include <QPainterPath>
+#include <QToolTip>
 #include <QUrl>
 #include <QVariantAnimation>
 
@@ -146,8 +147,9 @@ void NoteRowView::bind(const PanelNoteRow &row)
     // The text, or the done state that strikes it through and greys it.
     rebuildText();
     refresh();
-    if (!sameNote)
-        updateFill(false);
+    // Another note takes its fill at once; the same note eases into a new
+    // done state as it does into a hover.
+    updateFill(sameNote);
     layoutChildren();
     update();
     if (QAccessible::isActive()) {
@@ -180,6 +182,7 @@ void NoteRowView::refresh()
     }
     if (editing != m_editing) {
         setEditing(editing);
+        updateFill(true);
         relayout = true;
     }
     if (selected != m_selected) {
@@ -196,11 +199,26 @@ void NoteRowView::refresh()
 
 NoteRowView::Fill NoteRowView::fill() const
 {
+    if (m_editing)
+        return Fill::Editing;
     if (m_row.note.isDone)
         return Fill::Done;
     if (m_selected || m_hovered || m_fileTargeted)
         return Fill::Selected;
     return Fill::Plain;
+}
+
+QColor NoteRowView::fillColor() const
+{
+    return m_fillColor.isValid() ? m_fillColor : Theme::currentColors().noteFill;
+}
+
+void NoteRowView::setHovered(bool hovered)
+{
+    if (m_hovered == hovered)
+        return;
+    m_hovered = hovered;
+    updateFill(true);
 }
 
 QString NoteRowView::sourceLine() const
@@ -421,6 +439,9 @@ void NoteRowView::updateFill(bool animated, int milliseconds)
     const ThemeColors colors = Theme::currentColors();
     QColor target;
     switch (fill()) {
+    case Fill::Editing:
+        target = colors.surfaceHoverFill;
+        break;
     case Fill::Done:
         target = colors.noteFillDone;
         break;
@@ -458,6 +479,15 @@ void NoteRowView::updateFill(bool animated, int milliseconds)
 
 bool NoteRowView::event(QEvent *event)
 {
+    if (event->type() == QEvent::ToolTip && !m_editing) {
+        // Where a link leads shows on hovering it; a click selects the note.
+        const auto *help = static_cast<QHelpEvent *>(event);
+        if (const std::optional<QString> link = m_text.linkAt(help->pos() - textRect().topLeft()))
+            QToolTip::showText(help->globalPos(), *link, this);
+        else
+            QToolTip::hideText();
+        return true;
+    }
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange) {
         rebuildText();
         m_fillColor = QColor();
@@ -474,12 +504,21 @@ void NoteRowView::paintEvent(QPaintEvent *)
     const QRectF card = QRectF(rect()).adjusted(0.25, rowPadding + 0.25, -0.25, -rowPadding - 0.25);
     QPainterPath path;
     path.addRoundedRect(card, cardRadius, cardRadius);
-    painter.fillPath(path, m_fillColor.isValid() ? m_fillColor : colors.noteFill);
+    painter.fillPath(path, fillColor());
     // The hairline; a selected card also gets a ring of the accent, so that
-    // the selection reads at a glance on either appearance.
+    // the selection reads at a glance on either appearance. A card being
+    // edited is a box to write in, as the composer is: its ring is soft.
     painter.setPen(QPen(colors.surfaceStroke, 0.5));
     painter.drawPath(path);
-    if (m_selected) {
+    if (m_editing) {
+        QPainterPath ring;
+        ring.addRoundedRect(
+            card.adjusted(0.5, 0.5, -0.5, -0.5), cardRadius - 0.5, cardRadius - 0.5);
+        QColor soft = colors.accentSoft;
+        soft.setAlphaF(std::min<float>(1, soft.alphaF() * 2));
+        painter.setPen(QPen(soft, 1));
+        painter.drawPath(ring);
+    } else if (m_selected) {
         QPainterPath ring;
         ring.addRoundedRect(
             card.adjusted(0.5, 0.5, -0.5, -0.5), cardRadius - 0.5, cardRadius - 0.5);
@@ -516,15 +555,12 @@ void NoteRowView::resizeEvent(QResizeEvent *)
 
 void NoteRowView::enterEvent(QEnterEvent *)
 {
-    m_hovered = true;
-    updateFill(true);
+    setHovered(true);
 }
 
 void NoteRowView::leaveEvent(QEvent *)
 {
-    m_hovered = false;
-    updateFill(true);
-    unsetCursor();
+    setHovered(false);
 }
 
 void NoteRowView::mousePressEvent(QMouseEvent *event)
@@ -540,16 +576,8 @@ void NoteRowView::mousePressEvent(QMouseEvent *event)
 
 void NoteRowView::mouseMoveEvent(QMouseEvent *event)
 {
-    if (!m_pressed || m_editing || m_dragStarted) {
-        if (!m_pressed && !m_editing) {
-            const bool onLink = m_text.linkAt(event->position() - textRect().topLeft()).has_value();
-            if (onLink)
-                setCursor(Qt::PointingHandCursor);
-            else
-                unsetCursor();
-        }
+    if (!m_pressed || m_editing || m_dragStarted)
         return;
-    }
     if ((event->position().toPoint() - m_pressPosition).manhattanLength()
         >= QApplication::startDragDistance()) {
         m_dragStarted = true;
@@ -570,10 +598,8 @@ void NoteRowView::mouseReleaseEvent(QMouseEvent *event)
         NoteRowActions::clickNote(m_store, m_state, noteID(), NoteRowActions::ClickKind::Toggling);
     } else if (modifiers & Qt::ShiftModifier) {
         NoteRowActions::clickNote(m_store, m_state, noteID(), NoteRowActions::ClickKind::Extending);
-    } else if (const std::optional<QString> link
-        = m_text.linkAt(event->position() - textRect().topLeft())) {
-        QDesktopServices::openUrl(QUrl(*link));
     } else {
+        // Also on a link: the row is a list item, and a click chooses it.
         NoteRowActions::clickNote(m_store, m_state, noteID(), NoteRowActions::ClickKind::Plain);
     }
 }

@@ -51,8 +51,9 @@ class NoteRowView : public QWidget
     Q_OBJECT
 
 public:
-    //! Which of the theme's note fills the card has, in this order of precedence.
-    enum class Fill { Done, Selected, Plain };
+    //! How the card is filled, in this order of precedence: a note being
+    //! edited looks like the composer's box, not like a selected note.
+    enum class Fill { Editing, Done, Selected, Plain };
 
     static constexpr int rowPadding = 3;
     static constexpr int cardPaddingH = 10;
@@ -84,7 +85,12 @@ public:
     bool isExpanded() const { return m_expanded; }
     bool isEditing() const { return m_editing; }
     bool isHovered() const { return m_hovered; }
+    //! The pointer is over the row; the list sets it again after rows moved
+    //! under a pointer that stood still.
+    void setHovered(bool hovered);
     Fill fill() const;
+    //! The colour the card is painted with now; it eases towards the fill.
+    QColor fillColor() const;
     //! The text being edited; the note's text when editing began.
     QString draftText() const { return m_draft; }
     //! The source line shown when expanded: application, " · ", date and time.

@@ -3,6 +3,7 @@
 #include "panel/NoteWindow.h"
 
 #include "panel/NoteEditorView.h"
+#include "shell/WindowCloseKeys.h"
 
 #include <QCloseEvent>
 #include <QVBoxLayout>
@@ -21,6 +22,8 @@ NoteWindow::NoteWindow(
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_editor);
     setFocusProxy(m_editor);
+    // Ctrl+W and Escape close this window, whatever the program's keys say.
+    new WindowCloseKeys(this);
 }
 
 NoteWindow::~NoteWindow() = default;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // A window of its own for one note: a standard, resizable window titled by
-// the note, holding a NoteEditorView. It tells its manager when it closes
-// and when the user moves or resizes it.
+// the note, holding a NoteEditorView; Ctrl+W and Escape close it. It tells
+// its manager when it closes and when the user moves or resizes it.
 
 #pragma once
 

@@ -111,6 +111,14 @@ void NoteWindowManager::rememberFrame(NoteWindow *window)
     settings->setValue(frameKey, window->saveGeometry());
 }
 
+void NoteWindowManager::refreshAppearance()
+{
+    for (const QPointer<NoteWindow> &window : std::as_const(m_windows)) {
+        if (window)
+            applyAppearance(window);
+    }
+}
+
 void NoteWindowManager::applyAppearance(NoteWindow *window)
 {
     switch (m_preferences.appearance()) {

@@ -2,8 +2,8 @@
 //
 // Opens notes in windows of their own, at most one per note: a second open
 // brings the note's window forward. New windows are titled by the note's
-// text, take the appearance of the moment, and open where the last note
-// window was left, also after a restart.
+// text, take the appearance of the moment and follow it when it changes,
+// and open where the last note window was left, also after a restart.
 
 #pragma once
 
@@ -46,6 +46,8 @@ public:
     //! The open window of a note, if any.
     NoteWindow *window(const QUuid &noteID) const;
     QList<QUuid> openNoteIDs() const { return m_windows.keys(); }
+    //! The open windows take the appearance preference of the moment.
+    void refreshAppearance();
 
 Q_SIGNALS:
     //! A new note window is about to be shown (the program's commands join it).

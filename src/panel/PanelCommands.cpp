@@ -129,26 +129,41 @@ QtDesktopFiles &PanelCommands::desktopFiles()
     return QtDesktopFiles::shared();
 }
 
+namespace {
+
+void toastNoFileManager()
+{
+    ToastPresenter::shared().present(
+        DesktopFileMessages::noFileManager(), DesktopFileMessages::symbol());
+}
+
+} // namespace
+
 void PanelCommands::openAttachment(const NoteAttachment &attachment)
 {
-    if (const std::optional<QString> file = attachmentFile(attachment))
-        desktopFiles().open(*file);
+    const std::optional<QString> file = attachmentFile(attachment);
+    if (!file)
+        return;
+    desktopFiles().open(*file, [name = attachment.fileName] {
+        ToastPresenter::shared().present(
+            DesktopFileMessages::noApplication(name), DesktopFileMessages::symbol());
+    });
 }
 
 void PanelCommands::revealAttachment(const NoteAttachment &attachment)
 {
     if (const std::optional<QString> file = attachmentFile(attachment))
-        desktopFiles().reveal(*file);
+        desktopFiles().reveal(*file, toastNoFileManager);
 }
 
 void PanelCommands::showInFileManager(const QString &path)
 {
-    shared().desktopFiles().reveal(path);
+    shared().desktopFiles().reveal(path, toastNoFileManager);
 }
 
 void PanelCommands::revealLibraryFile()
 {
-    desktopFiles().reveal(libraryURL());
+    desktopFiles().reveal(libraryURL(), toastNoFileManager);
 }
 
 void PanelCommands::exportMarkdown(const QString &text, QWidget *parent)

@@ -2,6 +2,7 @@
 
 #include "panel/PanelController.h"
 
+#include "panel/PanelListView.h"
 #include "panel/PanelPlacement.h"
 #include "panel/PanelRootView.h"
 #include "panel/PanelState.h"
@@ -29,12 +30,6 @@ PanelController::PanelController(
         &PanelController::applyPanelAppearance);
     connect(&m_preferences, &Preferences::joinsAllSpacesChanged, this,
         &PanelController::applyPanelAppearance);
-    connect(&m_preferences, &Preferences::appearanceChanged, this, [this] {
-        if (!m_panel)
-            return;
-        replaceContent();
-        applyPanelAppearance();
-    });
 }
 
 PanelController::~PanelController()
@@ -85,6 +80,7 @@ void PanelController::replaceContent()
 {
     auto *root = new PanelRootView(m_store, m_state, m_preferences);
     connect(root, &PanelRootView::hideRequested, this, &PanelController::hide);
+    root->setRowsRunUnderBars(m_panel->isGlass());
     m_panel->setContent(root);
 }
 
@@ -97,6 +93,10 @@ void PanelController::show(bool activate, bool focusComposer)
 {
     if (!m_panel)
         makePanel();
+    // A note's edit in place that was left open when the user went to
+    // another window ends here, saved, as leaving its field would have ended
+    // it: the keyboard is about to go elsewhere and the draft must not stay behind.
+    endNoteEdit();
     applyPanelAppearance();
     if (!isPanelShown()) {
         const bool wasFadingOut = m_fadingOut;
@@ -145,10 +145,18 @@ void PanelController::hide()
 {
     if (!isPanelShown())
         return;
+    // The edit ends with the panel, keeping what was typed.
+    endNoteEdit();
     m_store.setEditingNoteID(std::nullopt);
     m_fadingOut = true;
     fade(0.0, fadeOutMilliseconds);
     m_state.setVisible(false);
+}
+
+void PanelController::endNoteEdit()
+{
+    if (auto *root = qobject_cast<PanelRootView *>(m_panel->content()))
+        root->list()->endNoteEdit();
 }
 
 void PanelController::fade(double to, int milliseconds)
@@ -202,9 +210,19 @@ void PanelController::applyPanelAppearance()
     }
     m_panel->winId(); // the native window must exist for the desktop property
     X11Window::setOnAllDesktops(m_panel->windowHandle(), m_preferences.joinsAllSpaces());
-    m_panel->setTranslucent(X11Window::hasCompositingManager());
+    m_panel->refreshMaterial();
+    if (auto *root = qobject_cast<PanelRootView *>(m_panel->content()))
+        root->setRowsRunUnderBars(m_panel->isGlass());
     m_panel->setPalette(QPalette());
     m_panel->update();
+}
+
+void PanelController::refreshAppearance()
+{
+    if (!m_panel)
+        return;
+    replaceContent();
+    applyPanelAppearance();
 }
 
 std::optional<QRect> PanelController::panelScreenArea() const

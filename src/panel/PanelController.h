@@ -38,9 +38,10 @@ public:
     static PanelController &shared();
 
     //! Brings the panel forward, making and placing it first when needed;
-    //! with \a focusComposer the composer gets the keyboard.
+    //! with \a focusComposer the composer gets the keyboard. A note's open
+    //! edit in place ends first, saved.
     void show(bool activate, bool focusComposer);
-    //! Fades the panel out; an inline edit ends here.
+    //! Fades the panel out; a note's edit in place ends here, saved.
     void hide();
     //! Hides a panel that is visible and active; shows it in every other case.
     void toggle();
@@ -48,6 +49,9 @@ public:
     void cancelOperation();
 
     void applyPanelAppearance();
+    //! Rebuilds the panel's content in the application's present colours and
+    //! applies the panel's look again; nothing before the first show.
+    void refreshAppearance();
     //! Stores \a edge, forgets the stored frame and returns the panel to its preset place.
     void applyPanelEdge(PanelEdge edge);
     //! "Reset Window Position": forgets the stored frame and returns to the preset place.
@@ -75,6 +79,8 @@ private:
     void placeFrame(const QRectF &frame);
     void recordFrame();
     void focusComposer(int attempt);
+    //! Ends a note's edit in place, saving the draft.
+    void endNoteEdit();
     void fade(double to, int milliseconds);
 
     Store &m_store;

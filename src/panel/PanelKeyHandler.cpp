@@ -100,6 +100,18 @@ PanelKeyHandler::Result PanelKeyHandler::handleKeyPress(int key, Qt::KeyboardMod
             return perform(redo ? Shortcut::redo : Shortcut::undo);
         return Result::Ignored;
     }
+    // Outside the table: the desktop's keys for a context menu, and quitting.
+    if ((key == Qt::Key_Menu && modifiers == Qt::NoModifier)
+        || (key == Qt::Key_F10 && modifiers == Qt::ShiftModifier)) {
+        if (!m_hooks.showContextMenu)
+            return Result::Ignored;
+        m_hooks.showContextMenu();
+        return Result::Handled;
+    }
+    if (QKeyCombination(modifiers, Qt::Key(key)) == quitKey) {
+        PanelCommands::shared().quit();
+        return Result::Handled;
+    }
     const std::optional<Shortcut> shortcut = Shortcuts::lookup(key, modifiers);
     if (!shortcut)
         return Result::Ignored;

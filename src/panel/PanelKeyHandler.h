@@ -38,7 +38,13 @@ public:
         //! true, to redo); when it has none, the library's undo takes the key.
         std::function<bool(bool redo)> textFieldCanUndo;
         std::function<void()> hidePanel;
+        //! Opens the menu of the selected note, or of the active section's
+        //! header (the Menu key, Shift+F10).
+        std::function<void()> showContextMenu;
     };
+
+    //! Quits the program from the panel, as "Quit Vesko" says.
+    static constexpr QKeyCombination quitKey {Qt::ControlModifier, Qt::Key_Q};
 
     PanelKeyHandler(Store &store, PanelState &state);
 

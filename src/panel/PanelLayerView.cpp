@@ -18,8 +18,13 @@ namespace Vesko {
 namespace {
 
 constexpr float dimOpacity = 0.16f;
+constexpr double shadowOpacity = 0.22;
+constexpr int shadowOffset = 6;
+constexpr int shadowBlur = 12;
 
-//! The card: a rounded surface in the panel's material with a hairline.
+//! The card: an opaque rounded surface of the panel's colour with a hairline.
+//! It stands over the panel's own rows, which no compositor blurs, so
+//! nothing of them shows through it.
 class LayerCard : public QWidget
 {
 public:
@@ -35,7 +40,7 @@ protected:
         path.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5),
             PanelLayerView::cardRadius, PanelLayerView::cardRadius);
         QColor surface = colors.panelSurface;
-        surface.setAlpha(250);
+        surface.setAlpha(255);
         painter.fillPath(path, surface);
         painter.setPen(QPen(colors.surfaceStroke, 1));
         painter.drawPath(path);
@@ -98,6 +103,26 @@ void PanelLayerView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     paintDim(painter, rect());
+    if (m_card->isVisible())
+        paintShadow(painter, QRectF(m_card->geometry()));
+}
+
+void PanelLayerView::paintShadow(QPainter &painter, const QRectF &card)
+{
+    // Rings of black that fade outwards, 6 px below the card (painted here,
+    // since the layer fades with an opacity effect of its own).
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    const QRectF below = card.translated(0, shadowOffset);
+    for (int ring = shadowBlur; ring >= 1; --ring) {
+        const double alpha
+            = shadowOpacity * (1.0 - double(ring) / (shadowBlur + 1)) / shadowBlur * 2.4;
+        painter.setBrush(QColor(0, 0, 0, int(std::min(1.0, alpha) * 255)));
+        painter.drawRoundedRect(
+            below.adjusted(-ring, -ring, ring, ring), cardRadius + ring, cardRadius + ring);
+    }
+    painter.restore();
 }
 
 void PanelLayerView::mousePressEvent(QMouseEvent *event)

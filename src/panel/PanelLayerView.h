@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // What the panel's modal layers (the prompts, the switchers, the shortcut
-// sheet) have in common: a dim over the whole panel, a card in the panel's
-// material on it, and a click on the dim that dismisses the layer. Each
+// sheet) have in common: a dim over the whole panel, an opaque card with its
+// shadow on it, and a click on the dim that dismisses the layer. Each
 // layer fills the card, says where it stands and what dismissing means.
 
 #pragma once
 
 #include <QRect>
+#include <QRectF>
 #include <QWidget>
 
 #include <functional>
@@ -30,6 +31,8 @@ public:
 
     //! Paints the dim of a layer over the panel's rounded surface in \a rect.
     static void paintDim(QPainter &painter, const QRect &rect);
+    //! Paints the soft shadow that a card of \a card's outline casts below it.
+    static void paintShadow(QPainter &painter, const QRectF &card);
 
 protected:
     explicit PanelLayerView(QWidget *parent = nullptr);

@@ -5,6 +5,7 @@
 #include "attachments/AttachmentActions.h"
 #include "attachments/AttachmentListView.h"
 #include "attachments/DesktopAttachments.h"
+#include "panel/NoteRowActions.h"
 #include "panel/NoteRowView.h"
 #include "panel/PanelDrop.h"
 #include "panel/PanelMenus.h"
@@ -16,6 +17,9 @@
 #include "shell/Toast.h"
 #include "store/Store.h"
 
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QCursor>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMimeData>
@@ -195,8 +199,8 @@ PanelListView::~PanelListView() = default;
 
 void PanelListView::setContentMargins(int top, int bottom)
 {
-    top = std::max(top, minimumTopMargin);
-    bottom = std::max(bottom, minimumBottomMargin);
+    top = std::max(top, 0);
+    bottom = std::max(bottom, 0);
     if (top == m_topMargin && bottom == m_bottomMargin)
         return;
     m_topMargin = top;
@@ -334,6 +338,15 @@ void PanelListView::scrollTo(int value)
     verticalScrollBar()->setValue(clampedScroll(value));
 }
 
+bool PanelListView::isRowInView(int index) const
+{
+    const int scroll = verticalScrollBar()->value();
+    const int top = m_topMargin + m_layout->top(index) - scroll;
+    const int bottom = top + m_layout->height(index);
+    const QRect area = clearArea();
+    return bottom > area.top() && top < area.bottom() + 1;
+}
+
 void PanelListView::scrollToRow(const QUuid &id, ScrollAnchor anchor, bool animated)
 {
     const int index = indexOfRow(id);
@@ -354,15 +367,6 @@ void PanelListView::scrollToRow(const QUuid &id, ScrollAnchor anchor, bool anima
     m_animationAnchor = anchor;
     m_animationStart = verticalScrollBar()->value();
     m_scrollAnimation->start();
-}
-
-bool PanelListView::isRowInView(int index) const
-{
-    const int scroll = verticalScrollBar()->value();
-    const int top = m_topMargin + m_layout->top(index) - scroll;
-    const int bottom = top + m_layout->height(index);
-    const QRect area = clearArea();
-    return bottom > area.top() && top < area.bottom() + 1;
 }
 
 // -- reacting to the Store and the PanelState -----------------------------------------
@@ -437,12 +441,8 @@ void PanelListView::runDeferredScrolls()
     if (const std::optional<QUuid> section = std::exchange(m_pendingJump, std::nullopt)) {
         const int index = indexOfRow(*section);
         if (index >= 0) {
-            if (isRowInView(index)) {
-                scrollToRow(*section, ScrollAnchor::Center, true);
-            } else {
-                const int context = std::max(0, index - jumpContextRows);
-                scrollToRow(m_rows.at(context).id(), ScrollAnchor::Top, false);
-            }
+            // From near or far, the list glides until the header stands in the middle.
+            scrollToRow(*section, ScrollAnchor::Center, true);
         }
     }
 }
@@ -455,13 +455,9 @@ void PanelListView::revealAnchor()
     const int index = indexOfRow(*anchor);
     if (index < 0)
         return;
-    if (isRowInView(index)) {
-        scrollToRow(*anchor, ScrollAnchor::Center, true);
-        return;
-    }
-    // From out of view the row lands with rows of context above it.
-    const int context = std::max(index, revealContextRows) - revealContextRows;
-    scrollToRow(m_rows.at(context).id(), ScrollAnchor::Top, false);
+    // In view or far away, the list glides until the row stands in the middle,
+    // so that the eye can follow where the selection went.
+    scrollToRow(*anchor, ScrollAnchor::Center, true);
 }
 
 // -- layout -------------------------------------------------------------------------
@@ -663,7 +659,23 @@ void PanelListView::placeRows()
     m_placing = false;
     m_pinnedTarget.reset();
     updateDropLines();
+    updateHoverFromPointer();
     Q_EMIT rowsPlaced();
+}
+
+void PanelListView::updateHoverFromPointer()
+{
+    // Where the pointer is asked only while it is over the list at all.
+    const bool overList = viewport()->underMouse();
+    const QPoint pointer = overList ? viewport()->mapFromGlobal(QCursor::pos()) : QPoint(-1, -1);
+    const bool inList = overList && viewport()->rect().contains(pointer);
+    for (NoteRowView *view : std::as_const(m_noteViews))
+        view->setHovered(inList && view->geometry().contains(pointer));
+    for (SectionHeaderView *header : std::as_const(m_headerViews)) {
+        // A header being dragged follows the pointer and stays as it is.
+        if (!header->isReordering())
+            header->setHovered(inList && header->geometry().contains(pointer));
+    }
 }
 
 NoteRowView *PanelListView::takeIdleNote()
@@ -907,6 +919,55 @@ void PanelListView::keyPressEvent(QKeyEvent *event)
         break;
     }
     event->ignore();
+}
+
+void PanelListView::contextMenuEvent(QContextMenuEvent *event)
+{
+    // The Menu key; a click of the right button goes to the row under it.
+    if (event->reason() != QContextMenuEvent::Keyboard) {
+        event->ignore();
+        return;
+    }
+    showKeyboardMenu();
+    event->accept();
+}
+
+void PanelListView::showKeyboardMenu()
+{
+    if (QApplication::activePopupWidget())
+        return;
+    const QSet<QUuid> selection = m_store.selection();
+    std::optional<QUuid> noteID;
+    if (const std::optional<QUuid> anchor = m_store.selectionAnchor();
+        anchor && selection.contains(*anchor) && indexOfRow(*anchor) >= 0)
+        noteID = anchor;
+    for (qsizetype i = 0; !noteID && i < m_rows.size(); ++i) {
+        const PanelRow &row = m_rows.at(i);
+        if (!row.isSection() && selection.contains(row.id()))
+            noteID = row.id();
+    }
+    const std::optional<QUuid> rowID = noteID ? noteID : m_store.activeProject().activeSectionID;
+    if (!rowID || indexOfRow(*rowID) < 0)
+        return;
+    finishScrollAnimation();
+    if (!isRowInView(indexOfRow(*rowID)))
+        scrollToRow(*rowID, ScrollAnchor::Center, false);
+    // Below the row's first line, a little in from its left edge.
+    const QRect row = rowRect(*rowID);
+    const QPoint place
+        = viewport()->mapToGlobal(QPoint(row.left() + 24, row.top() + std::min(row.height(), 28)));
+    if (noteID)
+        showNoteMenu(noteMenuTarget(m_store, *noteID), place);
+    else
+        showSectionMenu(*rowID, place);
+}
+
+void PanelListView::endNoteEdit()
+{
+    if (const std::optional<QUuid> editing = m_store.editingNoteID()) {
+        if (const NoteRowView *row = noteRowView(*editing))
+            NoteRowActions::commitEdit(m_store, m_state, *editing, row->draftText());
+    }
 }
 
 void PanelListView::focusInEvent(QFocusEvent *event)

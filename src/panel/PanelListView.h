@@ -48,12 +48,9 @@ class PanelListView : public QAbstractScrollArea
     Q_OBJECT
 
 public:
-    //! Rows kept above the anchor when the list jumps to it from out of view.
-    static constexpr int revealContextRows = 3;
-    //! Rows kept above a section that the list jumps to from out of view.
-    static constexpr int jumpContextRows = 1;
     static constexpr int scrollAnimationMilliseconds = 180;
-    //! The floors of the margins under the two floating bars.
+    //! The floors of the margins under the two bars, where they float over
+    //! the list (its margins before any are set).
     static constexpr int minimumTopMargin = 38;
     static constexpr int minimumBottomMargin = 66;
 
@@ -63,8 +60,8 @@ public:
     PanelListView(Store &store, PanelState &state, QWidget *parent = nullptr);
     ~PanelListView() override;
 
-    //! The heights of the bars that float over the list's top and bottom;
-    //! rows scroll beneath them. Floors of 38 and 66 apply.
+    //! The heights of the bars that float over the list's top and bottom,
+    //! none where the bars stand outside the list; rows scroll beneath them.
     void setContentMargins(int top, int bottom);
     int topContentMargin() const { return m_topMargin; }
     int bottomContentMargin() const { return m_bottomMargin; }
@@ -100,6 +97,15 @@ public:
     QRect clearArea() const;
     //! Ends a running scroll animation at its target at once.
     void finishScrollAnimation();
+
+    //! Opens, from the keyboard, the menu of the selected note (the anchor
+    //! when it is selected, else the first selected row), or with no selected
+    //! row in the list the menu of the active section's header, beside its
+    //! row. Nothing while another menu is open.
+    void showKeyboardMenu();
+    //! Ends the edit in place of a note the way leaving its field does: what
+    //! was typed is saved. (A section's rename stays open until its field ends it.)
+    void endNoteEdit();
     bool isScrollAnimating() const;
 
     // -- drag and drop state, shown by the rows -----------------------------------
@@ -125,6 +131,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;
@@ -182,6 +189,9 @@ private:
     //! The row shows, at least in part, between the two bars.
     bool isRowInView(int index) const;
     void setDropTarget(std::optional<QUuid> id);
+    //! The rows under the pointer are hovered, the others not: rows move
+    //! under a pointer that stands still, which tells them nothing.
+    void updateHoverFromPointer();
     void updateSectionFrames();
     void updateDropLines();
 

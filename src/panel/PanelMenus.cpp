@@ -3,6 +3,7 @@
 #include "panel/PanelMenus.h"
 
 #include "panel/PanelCommands.h"
+#include "panel/PanelKeyHandler.h"
 #include "panel/PanelState.h"
 #include "panel/Shortcut.h"
 #include "shell/Preferences.h"
@@ -428,7 +429,7 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
         Shortcuts::keySequence(Shortcut::settings));
     addEntry(
         menu, text("Quit Vesko"), [] { PanelCommands::shared().quit(); },
-        QKeySequence(Qt::CTRL | Qt::Key_Q));
+        QKeySequence(PanelKeyHandler::quitKey));
 }
 
 QString menuEntryText(const QString &words)

@@ -15,8 +15,6 @@ namespace Vesko {
 
 namespace {
 
-constexpr double shadowOpacity = 0.22;
-constexpr int shadowOffset = 6;
 constexpr int fieldRadius = 9;
 
 //! The field of the prompt: plain, in a rounded rectangle with a hairline.
@@ -164,26 +162,6 @@ QRect PanelPromptView::cardGeometry() const
         ? card()->layout()->heightForWidth(width)
         : card()->sizeHint().height();
     return QRect((this->width() - width) / 2, (this->height() - height) / 2, width, height);
-}
-
-void PanelPromptView::paintEvent(QPaintEvent *event)
-{
-    PanelLayerView::paintEvent(event);
-
-    // The card's shadow, 6 px below it: rings of black that fade outwards
-    // (painted here, since the layer fades with an opacity effect of its own).
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    constexpr int blur = 12;
-    const QRectF card = QRectF(this->card()->geometry()).translated(0, shadowOffset);
-    painter.setPen(Qt::NoPen);
-    for (int ring = blur; ring >= 1; --ring) {
-        const double spread = ring;
-        const double alpha = shadowOpacity * (1.0 - double(ring) / (blur + 1)) / blur * 2.4;
-        painter.setBrush(QColor(0, 0, 0, int(std::min(1.0, alpha) * 255)));
-        painter.drawRoundedRect(card.adjusted(-spread, -spread, spread, spread),
-            cardRadius + spread, cardRadius + spread);
-    }
 }
 
 } // namespace Vesko

@@ -46,7 +46,6 @@ public:
 protected:
     QRect cardGeometry() const override;
     void dismiss() override { cancel(); }
-    void paintEvent(QPaintEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:

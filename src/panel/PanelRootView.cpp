@@ -162,10 +162,16 @@ PanelRootView::PanelRootView(
         .textFieldCanUndo
         = [](bool redo) { return canUndoTyping(QApplication::focusWidget(), redo); },
         .hidePanel = [this] { Q_EMIT hideRequested(); },
+        .showContextMenu =
+            [this] {
+                // A layer in front holds the keyboard; the list's menus wait under it.
+                if (m_state.frontLayer() == PanelLayer::None)
+                    m_list->showKeyboardMenu();
+            },
     });
     setObjectName(QStringLiteral("VeskoPanelRoot"));
 
-    // The list first: the bars float over it and the rows scroll beneath them.
+    // The list first: the bars stand over it.
     m_list = new PanelListView(store, state, this);
     m_list->setObjectName(QStringLiteral("VeskoNoteList"));
     m_list->installEventFilter(this);
@@ -230,7 +236,7 @@ PanelRootView::PanelRootView(
     QPalette hintPalette = m_emptyHint->palette();
     hintPalette.setColor(QPalette::WindowText, colors.tertiaryText);
     m_emptyHint->setPalette(hintPalette);
-    m_overflow->setIcon(symbolIcon(QStringLiteral("ellipsis"), colors.greyStrong, 11));
+    m_overflow->setIcon(symbolIcon(QStringLiteral("ellipsis"), colors.greyStrong, 15));
     m_overflow->setIconSize(QSize(15, 15));
 
     refreshEmptyState();
@@ -251,6 +257,14 @@ void PanelRootView::setFootView(QWidget *view)
         // It shows and hides itself; the panel makes room for it then.
         view->installEventFilter(this);
     }
+    layOut();
+}
+
+void PanelRootView::setRowsRunUnderBars(bool under)
+{
+    if (m_rowsUnderBars == under)
+        return;
+    m_rowsUnderBars = under;
     layOut();
 }
 
@@ -439,11 +453,20 @@ void PanelRootView::layOut()
                                                       : m_composer->sizeHint().height());
     m_composer->setGeometry(inner.left(), bottom - composerHeight, inner.width(), composerHeight);
 
-    // The list takes the whole inner area; its rows run under the two bars.
-    m_list->setGeometry(inner);
     const int topMargin = headerHeight + padding;
     const int bottomMargin = inner.bottom() + 1 - m_composer->y() + padding;
-    m_list->setContentMargins(topMargin, bottomMargin);
+    if (m_rowsUnderBars) {
+        // The list takes the whole inner area; its rows run under the two bars.
+        m_list->setGeometry(inner);
+        m_list->setContentMargins(std::max(topMargin, PanelListView::minimumTopMargin),
+            std::max(bottomMargin, PanelListView::minimumBottomMargin));
+    } else {
+        // The rows stop at the bars: nothing scrolls beneath them.
+        const int top = inner.top() + headerHeight + barGap;
+        const int bottom = m_composer->y() - barGap;
+        m_list->setGeometry(inner.left(), top, inner.width(), std::max(0, bottom - top));
+        m_list->setContentMargins(0, 0);
+    }
     // The empty state stands in the clear area between the bars.
     m_emptyState->setGeometry(inner.left(), inner.top() + topMargin, inner.width(),
         std::max(0, m_composer->y() - padding - (inner.top() + topMargin)));

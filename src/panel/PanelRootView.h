@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The content of the floating panel: the list of the active project's rows,
-// with a header of the search field and the "More options" button floating
-// over its top and the composer over its foot, the empty state between them
+// with a header of the search field and the "More options" button over its
+// top and the composer over its foot (floating over the rows on a glass
+// panel, above and below them on an opaque one), the empty state between them
 // when there are no rows, and on top at most one modal layer (a switcher,
 // the shortcut sheet or a prompt). It keeps the panel's focus target and
 // applies the PanelState's focus requests to its parts.
@@ -40,6 +41,8 @@ public:
     static constexpr int headerSpacing = 8;
     static constexpr int overflowButtonSize = 28;
     static constexpr int layerFadeMilliseconds = 160;
+    //! Between the bars and the rows that stop at them.
+    static constexpr int barGap = 6;
 
     //! Makes the view of the shortcut sheet with the program's hot keys, or
     //! nothing to take the sheet without them.
@@ -54,6 +57,12 @@ public:
     PanelFocusTarget focusTarget() const { return m_focus; }
     //! Moves the panel's focus to the composer, the search field or the list.
     void setFocusTarget(PanelFocusTarget target);
+
+    //! On a glass panel the rows run under the header and the composer; on an
+    //! opaque one, where nothing would blur them, they stop at both bars (the
+    //! default).
+    void setRowsRunUnderBars(bool under);
+    bool rowsRunUnderBars() const { return m_rowsUnderBars; }
 
     //! Places \a view at the foot of the panel, under the composer (the save
     //! status line); nothing removes it but another call.
@@ -102,6 +111,7 @@ private:
     PanelState &m_state;
     Preferences &m_preferences;
     PanelFocusTarget m_focus = PanelFocusTarget::Composer;
+    bool m_rowsUnderBars = false;
     PanelListView *m_list = nullptr;
     QWidget *m_header = nullptr;
     SearchFieldView *m_search = nullptr;

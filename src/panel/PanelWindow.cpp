@@ -2,6 +2,7 @@
 
 #include "panel/PanelWindow.h"
 
+#include "platform/x11/X11Window.h"
 #include "shell/Theme.h"
 
 #include <QKeyEvent>
@@ -114,13 +115,19 @@ void PanelWindow::setContent(QWidget *content)
     placeStrips();
 }
 
-void PanelWindow::setTranslucent(bool translucent)
+void PanelWindow::refreshMaterial()
 {
-    if (m_translucent == translucent)
-        return;
-    m_translucent = translucent;
+    m_composited = X11Window::hasCompositingManager();
+    m_glass = m_composited && X11Window::setBlurBehind(windowHandle(), roundedRegion());
     updateMask();
     update();
+}
+
+QRegion PanelWindow::roundedRegion() const
+{
+    QPainterPath path;
+    path.addRoundedRect(QRectF(rect()), cornerRadius, cornerRadius);
+    return QRegion(path.toFillPolygon().toPolygon());
 }
 
 void PanelWindow::requestFrame()
@@ -156,13 +163,12 @@ void PanelWindow::placeStrips()
 
 void PanelWindow::updateMask()
 {
-    if (m_translucent) {
+    if (m_glass)
+        X11Window::setBlurBehind(windowHandle(), roundedRegion());
+    if (m_composited)
         clearMask();
-        return;
-    }
-    QPainterPath path;
-    path.addRoundedRect(QRectF(rect()), cornerRadius, cornerRadius);
-    setMask(QRegion(path.toFillPolygon().toPolygon()));
+    else
+        setMask(roundedRegion());
 }
 
 void PanelWindow::paintEvent(QPaintEvent *)
@@ -176,7 +182,7 @@ void PanelWindow::paintEvent(QPaintEvent *)
     QPainterPath path;
     path.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
     QColor surface = colors.panelSurface;
-    if (!m_translucent)
+    if (!m_glass)
         surface.setAlpha(255);
     painter.fillPath(path, surface);
     painter.setPen(QPen(colors.panelStroke, 1));

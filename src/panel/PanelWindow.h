@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The floating panel's window: frameless, rounded, translucent where a
-// compositor runs and shaped otherwise. Thin strips along its edges move it
+// The floating panel's window: frameless and rounded. Its surface lets the
+// desktop through only where the compositor blurs it (glass); elsewhere it is
+// opaque, and shaped to its rounded outline when no compositor runs. Thin strips along its edges move it
 // (and, at their outer rim, resize it), since it has no title bar. Escape that
 // no view took goes to the controller's cancel chain.
 
@@ -25,8 +26,13 @@ public:
     void setContent(QWidget *content);
     QWidget *content() const { return m_content; }
 
-    //! Paints solid and applies a shape mask when no compositor runs.
-    void setTranslucent(bool translucent);
+    //! Asks the desktop again for a blur behind the window and chooses the
+    //! surface by the answer: glass over the blur, opaque without it, and
+    //! shaped as well when no compositor runs.
+    void refreshMaterial();
+    //! The desktop blurs what lies behind the window, so its surface is
+    //! translucent and the rows may run under the bars.
+    bool isGlass() const { return m_glass; }
     //! Asks for a frame and reports it with framePainted().
     void requestFrame();
 
@@ -48,10 +54,12 @@ protected:
 private:
     void placeStrips();
     void updateMask();
+    QRegion roundedRegion() const;
 
     QWidget *m_content = nullptr;
     QList<QWidget *> m_strips;
-    bool m_translucent = true;
+    bool m_glass = false;
+    bool m_composited = true;
     bool m_frameRequested = false;
 };
 

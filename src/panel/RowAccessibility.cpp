@@ -2,6 +2,7 @@
 
 #include "panel/RowAccessibility.h"
 
+#include "store/MarkdownText.h"
 #include "store/PanelRow.h"
 
 #include <QCoreApplication>
@@ -35,9 +36,40 @@ qsizetype prefixOfCharacters(const QString &text, qsizetype count)
 
 } // namespace
 
+QString spokenText(const QString &markdown)
+{
+    const MarkdownText rendered = markdownAttributedString(markdown);
+    QString spoken;
+    spoken.reserve(rendered.text.size());
+    bool afterCut = false;
+    auto append = [&](qsizetype from, qsizetype to) {
+        QStringView part = QStringView(rendered.text).mid(from, to - from);
+        // Words around a cut are kept apart by one blank, not two.
+        if (afterCut && (spoken.isEmpty() || spoken.back().isSpace())) {
+            while (!part.isEmpty() && part.front().isSpace())
+                part = part.mid(1);
+        }
+        spoken += part;
+        afterCut = afterCut && part.isEmpty();
+    };
+    qsizetype position = 0;
+    for (const MarkdownRun &run : rendered.runs) {
+        if (!(run.attributes & MarkdownRun::Strikethrough))
+            continue;
+        append(position, run.start);
+        afterCut = true;
+        position = run.start + run.length;
+    }
+    append(position, rendered.text.size());
+    // A note struck through from end to end still has something to say.
+    if (spoken.trimmed().isEmpty())
+        return rendered.text;
+    return spoken;
+}
+
 QString noteLabel(const Note &note)
 {
-    QString text = note.text.trimmed();
+    QString text = spokenText(note.text).trimmed();
     if (const qsizetype cut = prefixOfCharacters(text, labelTextLimit); cut >= 0)
         text = text.left(cut) + QChar(0x2026);
     QStringList names;

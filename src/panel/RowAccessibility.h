@@ -17,7 +17,11 @@ namespace RowAccessibility {
 //! The longest note text, in characters, that a row's label carries whole.
 inline constexpr qsizetype labelTextLimit = 120;
 
-//! The note's text, trimmed and cut to 120 characters with an ellipsis, and
+//! What the reader of a rendered note takes in from its Markdown: the
+//! visible text, without what is struck through ("Email ~~Bob~~ Alice" is
+//! "Email Alice"); all of the visible text when everything is struck through.
+QString spokenText(const QString &markdown);
+//! The note's spoken text, trimmed and cut to 120 characters with an ellipsis, and
 //! its attachments' file names: "text. Attachments: a, b", or either part
 //! alone when the other is empty.
 QString noteLabel(const Note &note);

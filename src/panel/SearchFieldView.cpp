@@ -95,9 +95,11 @@ void SearchFieldView::focusField()
 void SearchFieldView::applyTheme()
 {
     const ThemeColors colors = Theme::currentColors();
-    m_icon->setPixmap(symbolIcon(QStringLiteral("magnifyingglass"), colors.greyStrong, symbolSize)
-                          .pixmap(symbolSize + 3, symbolSize + 3));
-    m_clear->setIcon(symbolIcon(QStringLiteral("xmark.circle.fill"), colors.greyLight, symbolSize));
+    m_icon->setPixmap(
+        symbolIcon(QStringLiteral("magnifyingglass"), colors.greyStrong, symbolSize + 3)
+            .pixmap(symbolSize + 3, symbolSize + 3));
+    m_clear->setIcon(
+        symbolIcon(QStringLiteral("xmark.circle.fill"), colors.greyLight, symbolSize + 2));
     m_clear->setIconSize(QSize(symbolSize + 2, symbolSize + 2));
     QPalette palette = m_field->palette();
     palette.setColor(QPalette::Base, Qt::transparent);

@@ -46,6 +46,9 @@ public:
     QUuid sectionID() const { return m_section.id; }
 
     bool isHovered() const { return m_hovered; }
+    //! The pointer is over the header; the list sets it again after rows
+    //! moved under a pointer that stood still.
+    void setHovered(bool hovered);
     bool isRenaming() const { return m_renaming; }
     bool isReordering() const { return m_reordering; }
     //! The header follows the pointer by this much while it is dragged.
@@ -87,7 +90,6 @@ protected:
 
 private:
     void setRenaming(bool renaming);
-    void setHovered(bool hovered);
     void reorderChanged(double translation);
     void reorderEnded(double translation);
     void reorderCancelled();

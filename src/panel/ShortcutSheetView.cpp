@@ -186,6 +186,8 @@ ShortcutSheetView::ShortcutSheetView(Store &store, PanelState &state, HotKeyCent
     if (m_hotKeys)
         connect(
             m_hotKeys, &HotKeyCenter::combosChanged, this, &ShortcutSheetView::refreshSystemWide);
+    if (m_layout)
+        connect(m_layout, &KeyLayout::changed, this, &ShortcutSheetView::refreshSystemWide);
     refreshSystemWide();
 }
 

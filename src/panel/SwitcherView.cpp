@@ -17,6 +17,7 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QStackedWidget>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 namespace Vesko {
@@ -25,6 +26,24 @@ namespace {
 
 constexpr int cardPadding = 12;
 constexpr int selectedRole = Qt::UserRole + 1;
+//! The row's icon stands after its title: the mark of the active item.
+constexpr int trailingIconRole = Qt::UserRole + 2;
+
+//! Draws the mark of the active item at the row's trailing end, so that
+//! every title starts at the same place.
+class SwitcherRowDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (index.data(trailingIconRole).toBool())
+            option->decorationPosition = QStyleOptionViewItem::Right;
+    }
+};
 
 QLabel *hintLabel(const QString &text, QWidget *parent)
 {
@@ -77,7 +96,7 @@ void SwitcherView::build(const QString &placeholder, const QString &hint, int ma
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(8);
     m_filter = roundedField(placeholder, page);
-    m_filter->addAction(symbolIcon(QStringLiteral("magnifyingglass"), colors.greyStrong, 12),
+    m_filter->addAction(symbolIcon(QStringLiteral("magnifyingglass"), colors.greyStrong, 16),
         QLineEdit::LeadingPosition);
     m_filter->installEventFilter(this);
     layout->addWidget(m_filter);
@@ -88,6 +107,7 @@ void SwitcherView::build(const QString &placeholder, const QString &hint, int ma
     m_list->setSelectionMode(QAbstractItemView::SingleSelection);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setMouseTracking(true);
+    m_list->setItemDelegate(new SwitcherRowDelegate(m_list));
     m_list->viewport()->installEventFilter(this);
     QColor selected = colors.accent;
     selected.setAlphaF(0.18f);
@@ -146,8 +166,10 @@ void SwitcherView::refreshRows()
     const std::optional<QUuid> active = activeItem();
     for (const SwitcherItem &item : m_rows.filtered()) {
         auto *row = new QListWidgetItem(item.title, m_list);
-        if (active && *active == item.id)
+        if (active && *active == item.id) {
             row->setIcon(symbolIcon(QStringLiteral("checkmark"), colors.accent, 12));
+            row->setData(trailingIconRole, true);
+        }
     }
     if (m_rows.createOffered()) {
         new QListWidgetItem(symbolIcon(QStringLiteral("plus"), colors.text, 12),

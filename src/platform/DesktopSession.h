@@ -5,7 +5,7 @@
 // program's answer or on the user's keys answers through a callback on the
 // main thread, within a bound, and never holds the event loop. The X11
 // implementation reads the active window's properties and the PRIMARY
-// selection and sends Ctrl+C through XTEST; tests use their own.
+// selection and sends Ctrl+Insert through XTEST; tests use their own.
 
 #pragma once
 
@@ -40,9 +40,10 @@ public:
     virtual void readPrimarySelection(
         qint64 processID, std::function<void(std::optional<QString>)> done)
         = 0;
-    //! Sends Ctrl+C: attempt 1 to the focused window, attempt 2 to the whole
-    //! session, without mixing in keys the user still holds. \a done learns
-    //! once the keys are out, or false when they could not be made.
+    //! Sends the copy keys (Ctrl+Insert on X11): attempt 1 to the focused
+    //! window, attempt 2 to the whole session, never mixed with keys the user
+    //! still holds. \a done learns once the keys are out, or false when none
+    //! were sent (they could not be made, or the user's keys stayed down).
     virtual void sendCopy(int attempt, std::function<void(bool sent)> done) = 0;
 };
 

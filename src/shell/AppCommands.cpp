@@ -109,11 +109,9 @@ void AppCommands::build()
     m_toggle = add(
         file, tr("Show Vesko"),
         [this] {
-            const bool shown = m_commands.isPanelShown && m_commands.isPanelShown();
-            if (shown && m_commands.hidePanel)
-                m_commands.hidePanel();
-            else if (!shown && m_commands.showPanel)
-                m_commands.showPanel(false);
+            // A panel on screen behind another window comes forward rather than going.
+            if (m_commands.togglePanel)
+                m_commands.togglePanel();
         },
         keySequence(Shortcut::hidePanel));
     connect(file, &QMenu::aboutToShow, this, [this] {

@@ -28,8 +28,10 @@ AppDelegate::AppDelegate(
     , m_panel(panel)
     , m_hooks(std::move(hooks))
 {
-    connect(&m_preferences, &Preferences::appearanceAssigned, this,
-        [](AppAppearance appearance) { Theme::applyAppearance(appearance); });
+    // Later on the main thread: the palette changes first, and every window is
+    // rebuilt in it after, whatever else listens to the preference.
+    connect(&m_preferences, &Preferences::appearanceAssigned, this, &AppDelegate::applyAppearance,
+        Qt::QueuedConnection);
     connect(&m_preferences, &Preferences::showsInDockAssigned, this,
         &AppDelegate::applyActivationPolicy);
 }
@@ -48,6 +50,13 @@ void AppDelegate::didFinishLaunching()
     }
     if (m_showsPanelAtLaunch)
         m_panel.show(true, true);
+}
+
+void AppDelegate::applyAppearance()
+{
+    Theme::applyAppearance(m_preferences.appearance());
+    m_panel.refreshAppearance();
+    call(m_hooks.refreshWindows);
 }
 
 void AppDelegate::handleReopen()

@@ -31,6 +31,9 @@ public:
         std::function<void()> showSettings;
         std::function<void()> startCapture;
         std::function<void()> unregisterHotKeys;
+        //! The windows besides the panel (Settings, the note windows) take
+        //! the application's new appearance.
+        std::function<void()> refreshWindows;
     };
 
     AppDelegate(Store &store, Preferences &preferences, PanelController &panel, Hooks hooks,
@@ -46,6 +49,10 @@ public:
     void willTerminate();
     //! Shows the panel in the taskbar or keeps it out, by showsInDock.
     void applyActivationPolicy();
+    //! The appearance preference, applied to the application and then to
+    //! every window, rebuilt in its colours: the panel's content, Settings
+    //! and the note windows.
+    void applyAppearance();
     //! Off for a start in the background (by a command or the bus): the
     //! launch then leaves the panel hidden until something asks for it.
     void setShowsPanelAtLaunch(bool shows) { m_showsPanelAtLaunch = shows; }

@@ -10,10 +10,9 @@
 #include "panel/PanelController.h"
 #include "platform/Logging.h"
 #include "platform/x11/X11Clipboard.h"
-#include "platform/x11/X11Connection.h"
 #include "platform/x11/X11HotKeys.h"
+#include "platform/x11/X11KeyLayout.h"
 #include "platform/x11/X11KeyMonitor.h"
-#include "platform/x11/X11Keyboard.h"
 #include "platform/x11/X11Session.h"
 #include "shell/Preferences.h"
 #include "shell/Toast.h"
@@ -63,7 +62,7 @@ CaptureEngine &DesktopCapture::engine()
 {
     if (!m_engine) {
         m_keys = std::make_unique<X11KeyMonitor>();
-        m_session = std::make_unique<X11Session>(m_registrar->connection());
+        m_session = std::make_unique<X11Session>();
         AccessibilityPermission *permission = m_permission.get();
         Preferences *preferences = &m_preferences;
         m_doubleShift = std::make_unique<DoubleShiftMonitor>(
@@ -79,12 +78,12 @@ CaptureEngine &DesktopCapture::engine()
 
 const KeyLayout *DesktopCapture::keyLayout()
 {
-    if (!m_keyboard && QGuiApplication::platformName() == QLatin1String("xcb")) {
-        m_keyboardConnection = std::make_unique<X11Connection>();
-        if (m_keyboardConnection->isValid())
-            m_keyboard = std::make_unique<X11Keyboard>(m_keyboardConnection->get());
+    if (!m_keyLayout && QGuiApplication::platformName() == QLatin1String("xcb")) {
+        m_keyLayout = std::make_unique<X11KeyLayout>();
+        if (!m_keyLayout->isValid())
+            m_keyLayout.reset();
     }
-    return m_keyboard.get();
+    return m_keyLayout.get();
 }
 
 AppDelegate::Hooks DesktopCapture::launchHooks()

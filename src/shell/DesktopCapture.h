@@ -25,9 +25,8 @@ class SelectionReader;
 class Store;
 class ToastPresenter;
 class X11Clipboard;
-class X11Connection;
 class X11HotKeys;
-class X11Keyboard;
+class X11KeyLayout;
 class X11KeyMonitor;
 class X11Session;
 
@@ -41,7 +40,8 @@ public:
     ~DesktopCapture() override;
 
     HotKeyCenter &hotKeys() { return *m_hotKeys; }
-    //! The keyboard layout that names keys on screen; none off X11.
+    //! The keyboard layout that names keys on screen, following the
+    //! desktop's layout as it changes; none off X11.
     const KeyLayout *keyLayout();
     AccessibilityPermission &permission() { return *m_permission; }
     //! Made on first use, at launch.
@@ -65,8 +65,7 @@ private:
     std::unique_ptr<SelectionReader> m_reader;
     std::unique_ptr<Feedback> m_feedback;
     std::unique_ptr<CaptureEngine> m_engine;
-    std::unique_ptr<X11Connection> m_keyboardConnection;
-    std::unique_ptr<X11Keyboard> m_keyboard;
+    std::unique_ptr<X11KeyLayout> m_keyLayout;
 };
 
 } // namespace Vesko

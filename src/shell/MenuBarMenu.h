@@ -23,6 +23,9 @@ struct MenuBarCommands
     //! The panel is on screen.
     std::function<bool()> isPanelShown;
     std::function<void()> hidePanel;
+    //! Hides a panel that is on screen and active; brings it forward with the
+    //! composer focused in every other case.
+    std::function<void()> togglePanel;
     //! Brings the panel forward; with \a focusComposer the composer takes the keys.
     std::function<void(bool focusComposer)> showPanel;
     std::function<void()> captureSelection;

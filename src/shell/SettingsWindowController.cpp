@@ -4,6 +4,7 @@
 
 #include "capture/AccessibilityPermission.h"
 #include "platform/SettingsFile.h"
+#include "shell/WindowCloseKeys.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -18,7 +19,7 @@ namespace Vesko {
 namespace {
 
 // The window itself: it keeps its place in the settings file whenever it
-// moves, is resized or is closed.
+// moves, is resized or is closed. Ctrl+W and Escape close it.
 class SettingsWindow : public QWidget
 {
 public:
@@ -31,6 +32,7 @@ public:
         m_saveFrame.setSingleShot(true);
         m_saveFrame.setInterval(250);
         QObject::connect(&m_saveFrame, &QTimer::timeout, this, [this] { saveFrame(); });
+        new WindowCloseKeys(this);
     }
 
     void setContent(SettingsView *view)

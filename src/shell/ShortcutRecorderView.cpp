@@ -115,6 +115,9 @@ ShortcutRecorderView::ShortcutRecorderView(
 
     connect(&m_hotKeys, &HotKeyCenter::combosChanged, this, &ShortcutRecorderView::refresh);
     connect(&m_hotKeys, &HotKeyCenter::registrationsChanged, this, &ShortcutRecorderView::refresh);
+    // The key names follow the desktop's layout as the user switches it.
+    if (m_layout)
+        connect(m_layout, &KeyLayout::changed, this, &ShortcutRecorderView::refresh);
     refresh();
 }
 

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "shell/Preferences.h"
+#include "shell/SymbolIcon.h"
 
 #include <QColor>
 #include <QFont>
@@ -61,9 +62,5 @@ QFont captionFont();
 QIcon applicationIcon();
 
 } // namespace Theme
-
-//! The icon of one of the program's symbol names ("checkmark", "lock", …):
-//! the desktop's icon theme where it has one, else a drawn glyph.
-QIcon symbolIcon(const QString &symbol, const QColor &color, int size);
 
 } // namespace Vesko

@@ -56,10 +56,9 @@ public:
         m_message = message;
         m_symbol = symbol;
         resize(sizeHint());
-        // Without a compositor a transparent window shows black: the capsule
-        // is painted solid and the window shaped to it.
-        m_solid = !X11Window::hasCompositingManager();
-        if (m_solid) {
+        // Without a compositor a transparent window shows black: the window
+        // is shaped to the capsule.
+        if (!X11Window::hasCompositingManager()) {
             QPainterPath path;
             path.addRoundedRect(
                 capsuleRect(), capsuleRect().height() / 2, capsuleRect().height() / 2);
@@ -99,8 +98,10 @@ protected:
             = QRectF(rect()).adjusted(outerMargin, outerMargin, -outerMargin, -outerMargin);
         QPainterPath path;
         path.addRoundedRect(capsule, capsule.height() / 2, capsule.height() / 2);
+        // Opaque: nothing blurs what lies behind the toast, and another
+        // window's text read through it would muddle the message.
         QColor fill = colors.panelSurface;
-        fill.setAlpha(m_solid ? 255 : 245);
+        fill.setAlpha(255);
         painter.fillPath(path, fill);
         painter.setPen(QPen(colors.surfaceStroke, 1));
         painter.drawPath(path);
@@ -119,7 +120,6 @@ protected:
 private:
     QString m_message;
     QString m_symbol;
-    bool m_solid = false;
 };
 
 ToastPresenter::ToastPresenter(QObject *parent)

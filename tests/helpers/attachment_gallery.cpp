@@ -40,8 +40,8 @@ public:
     void toast(const QString &, const QString &) override { }
     void chooseFiles(std::function<void(const QList<QUrl> &)> done) override { done({}); }
     void readPasteboard(std::function<void(const PasteboardContent &)> done) override { done({}); }
-    void open(const QString &) override { }
-    void reveal(const QString &) override { }
+    void open(const QString &, Unhandled) override { }
+    void reveal(const QString &, Unhandled) override { }
 };
 
 class Surface : public QWidget

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // copy_target TEXT [DELAY_MS]: a window titled "Copy Target" that shows TEXT
-// as if it were selected and answers Ctrl+C by putting TEXT on the clipboard
-// after DELAY_MS. It never owns the primary selection, as many applications
-// do not, so a capture of it has to go through the synthetic copy.
+// as if it were selected and answers Copy (Ctrl+C or Ctrl+Insert, as Qt has
+// it) by putting TEXT on the clipboard after DELAY_MS. It never owns the
+// primary selection, as many applications do not, so a capture of it has to
+// go through the synthetic copy. Each combination it receives (modifiers
+// alone aside) is printed on a line of its own: "key Ctrl+Ins".
 //
 // copy_target --own-clipboard TEXT DELAY_MS: a program that owns the
 // clipboard and is slow to give it: TEXT as plain text, as HTML
@@ -47,6 +49,11 @@ protected:
 
     void keyPressEvent(QKeyEvent *event) override
     {
+        if (!isModifier(event->key())) {
+            const QString combination = QKeySequence(event->keyCombination()).toString();
+            std::printf("key %s\n", qPrintable(combination));
+            std::fflush(stdout);
+        }
         if (event->matches(QKeySequence::Copy)) {
             QTimer::singleShot(m_delay, this,
                 [this] { QGuiApplication::clipboard()->setText(m_text, QClipboard::Clipboard); });
@@ -56,6 +63,13 @@ protected:
     }
 
 private:
+    static bool isModifier(int key)
+    {
+        return key == Qt::Key_Shift || key == Qt::Key_Control || key == Qt::Key_Alt
+            || key == Qt::Key_Meta || key == Qt::Key_Super_L || key == Qt::Key_Super_R
+            || key == Qt::Key_AltGr;
+    }
+
     QString m_text;
     int m_delay;
 };

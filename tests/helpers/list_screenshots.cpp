@@ -2,7 +2,8 @@
 //
 // Draws the panel's list on the demo library into PNG files, in the light
 // and the dark appearance: notes with Markdown, an expanded note with
-// attachments, and a search with its marks. Runs offscreen.
+// attachments, a note being edited, and a search with its marks. Runs
+// offscreen.
 //
 //   list_screenshots LIBRARY.json OUTPUT-FOLDER
 
@@ -104,6 +105,13 @@ int main(int argc, char *argv[])
         if (const std::optional<QUuid> selected = noteWithText(store, QStringLiteral("Rename")))
             store.setSelection({*selected}, *selected);
         shoot(QStringLiteral("markdown"));
+
+        // The same note being edited: a box to write in, not a selection.
+        if (const std::optional<QUuid> edited = noteWithText(store, QStringLiteral("Rename"))) {
+            store.setEditingNoteID(*edited);
+            shoot(QStringLiteral("editing"));
+            store.setEditingNoteID(std::nullopt);
+        }
 
         if (const std::optional<QUuid> expanded = noteWithText(store, QStringLiteral("Screens"))) {
             store.setSelection({*expanded}, *expanded);

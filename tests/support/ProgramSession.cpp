@@ -109,6 +109,14 @@ QString xdotool(const QStringList &arguments)
     return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
 }
 
+bool setxkbmap(const QStringList &arguments)
+{
+    QProcess process;
+    process.start(QStringLiteral("setxkbmap"), arguments);
+    return process.waitForFinished(10000) && process.exitStatus() == QProcess::NormalExit
+        && process.exitCode() == 0;
+}
+
 QString visibleWindow(const QString &pattern)
 {
     return xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),

@@ -58,6 +58,9 @@ private:
 
 //! Runs xdotool and returns its output, trimmed.
 QString xdotool(const QStringList &arguments);
+//! Sets the X server's keyboard layout with setxkbmap, such as {"-layout",
+//! "ru,us"}; true when it did.
+bool setxkbmap(const QStringList &arguments);
 //! The id of the first visible window whose name matches \a pattern, or empty.
 QString visibleWindow(const QString &pattern);
 //! The library in \a path; an empty one when it cannot be read.

@@ -3,8 +3,8 @@
 // The application in front of an X11 desktop: the window named by
 // _NET_ACTIVE_WINDOW (or holding the input focus), its process, its title,
 // and its application's name and id from the desktop entry its properties
-// or window class point to. Terminal emulators are told apart, since Ctrl+C
-// interrupts there.
+// or window class point to. Terminal emulators are told apart: no synthetic
+// key is ever typed into one.
 
 #pragma once
 

@@ -7,7 +7,10 @@
 // combination twice, so a combination held under one identity is refused to
 // another here. Each press is reported once: XKB's detectable auto-repeat
 // turns the keyboard's repeats into presses without releases, and a press of
-// a key still down is dropped. On a Wayland session nothing is grabbed.
+// a key still down is dropped. A key counts as down until it goes up, wherever
+// its release went: XInput 2's raw releases tell also of those that reach
+// another client, so a grab that ended under a held key does not leave its
+// combination deaf to the next press. On a Wayland session nothing is grabbed.
 
 #pragma once
 
@@ -18,6 +21,7 @@
 #include <xcb/xcb.h>
 
 #include <memory>
+#include <optional>
 
 namespace Vesko {
 
@@ -55,10 +59,14 @@ private:
     };
 
     void handleEvent(xcb_generic_event_t *event);
+    //! The key is up, whichever client its release went to.
+    void keyReleased(quint8 keyCode);
     void ungrab(const Grab &grab);
 
     std::unique_ptr<X11Connection> m_connection;
     bool m_detectableAutoRepeat = false;
+    //! The XInput extension's opcode, when raw releases are selected.
+    std::optional<uint8_t> m_xinputOpcode;
     QHash<int, Grab> m_grabs;
     std::function<void(int)> m_handler;
 };

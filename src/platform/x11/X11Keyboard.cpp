@@ -4,8 +4,6 @@
 
 #include "platform/KeyMonitor.h"
 
-#include <xkbcommon/xkbcommon.h>
-
 #include <cstdlib>
 
 namespace Vesko {
@@ -92,23 +90,6 @@ uint16_t X11Keyboard::modifierMask(quint64 flags)
     if (flags & ModifierFlag::Control)
         mask |= XCB_MOD_MASK_4;
     return mask;
-}
-
-std::optional<QString> X11Keyboard::keyText(quint16 keyCode) const
-{
-    if (keyCode > 255)
-        return std::nullopt;
-    const quint32 keysym = keysymAt(quint8(keyCode));
-    if (keysym == 0)
-        return std::nullopt;
-    char buffer[16] = {};
-    const int length = xkb_keysym_to_utf8(keysym, buffer, sizeof buffer);
-    if (length <= 1) // the count includes the terminating zero
-        return std::nullopt;
-    const QString text = QString::fromUtf8(buffer).trimmed();
-    if (text.isEmpty() || !text.at(0).isPrint())
-        return std::nullopt;
-    return text.toUpper();
 }
 
 } // namespace Vesko

@@ -1,21 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The X server's keyboard as the capture layer reads it: which key codes are
-// modifiers (and which of the program's modifier flags each one stands for),
-// the key code of a key symbol, and the text a key shows in the current
-// layout. Read again after the server announces a mapping change.
+// modifiers (and which of the program's modifier flags each one stands for)
+// and the key code of a key symbol. Read again after the server announces a
+// mapping change. (What a key shows on screen is X11KeyLayout's.)
 
 #pragma once
 
-#include "platform/KeyLayout.h"
-
 #include <QHash>
+#include <QList>
 
 #include <xcb/xcb.h>
 
 namespace Vesko {
 
-class X11Keyboard : public KeyLayout
+class X11Keyboard
 {
 public:
     explicit X11Keyboard(xcb_connection_t *connection);
@@ -34,8 +33,6 @@ public:
     quint32 keysymAt(quint8 keyCode) const;
     //! The X modifier mask of the program's flags.
     static uint16_t modifierMask(quint64 flags);
-
-    std::optional<QString> keyText(quint16 keyCode) const override;
 
 private:
     xcb_connection_t *m_connection;

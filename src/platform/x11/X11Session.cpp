@@ -14,13 +14,13 @@
 
 namespace Vesko {
 
-X11Session::X11Session(X11Connection *hotKeys)
+X11Session::X11Session()
     : m_connection(std::make_unique<X11Connection>())
     , m_keyboard(std::make_unique<X11Keyboard>(m_connection->get()))
     , m_converter(std::make_unique<X11SelectionConverter>(*m_connection))
     , m_front(std::make_unique<X11FrontWindow>(*m_connection))
     , m_primary(std::make_unique<X11PrimarySelection>(*m_connection, *m_converter))
-    , m_keys(std::make_unique<X11SyntheticKeys>(*m_connection, *m_keyboard, hotKeys))
+    , m_keys(std::make_unique<X11SyntheticKeys>(*m_connection, *m_keyboard))
 {
     m_connection->setEventHandler([this](xcb_generic_event_t *event) {
         if ((event->response_type & 0x7F) == XCB_MAPPING_NOTIFY)

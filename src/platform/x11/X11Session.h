@@ -3,7 +3,8 @@
 // The desktop session of an X11 display as a capture reads it, put together
 // from one piece per job over a connection of its own: the front window and
 // its process (X11FrontWindow), the PRIMARY selection of that process
-// (X11PrimarySelection) and Ctrl+C through XTEST (X11SyntheticKeys).
+// (X11PrimarySelection) and the synthetic copy, Ctrl+Insert through XTEST
+// (X11SyntheticKeys).
 
 #pragma once
 
@@ -24,9 +25,7 @@ class X11SyntheticKeys;
 class X11Session : public DesktopSession
 {
 public:
-    //! \a hotKeys is the connection whose key grabs may hold the keyboard
-    //! while a hot key is down (see X11SyntheticKeys), if any.
-    explicit X11Session(X11Connection *hotKeys = nullptr);
+    X11Session();
     ~X11Session() override;
 
     //! The session is an X11 one, with an X server that has XInput 2, XTEST

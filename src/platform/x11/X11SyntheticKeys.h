@@ -1,20 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Ctrl+C typed on the user's behalf through XTEST, without mixing in the
-// keys the user still holds (a hot key's Super and Alt, and its letter). Their
-// release is awaited for at most a quarter of a second, reading the keymap on
-// the event loop. Keys still down then: the keyboard grab that a held hot key
-// activated is ended (else the copy would come back to Vesko), each key is
-// released through XTEST, and the modifiers that this let go are pressed again
-// after the copy. The X server only lets go through XTEST what was pressed
-// through XTEST (as automation does); a key held on a physical keyboard stays
-// down and mixes with the copy. No step waits on the main thread, and each
+// The copy typed on the user's behalf through XTEST: Ctrl+Insert, which every
+// X11 toolkit takes as Copy, whose key code is the same in every keyboard
+// layout, and which no terminal (stand-alone or a panel inside an editor)
+// takes as an interrupt. Keys the user still holds (a hot key's Super and
+// Alt, and its letter, whose grab would take the copy) must not mix with it:
+// their release is awaited, reading the keymap on the event loop, for at most
+// heldKeysTimeoutMilliseconds. Keys still down then: nothing is typed and the
+// copy is reported as not made. A key the user holds is never released,
+// ungrabbed or pressed again here. No step waits on the main thread, and each
 // answer of the server is awaited within a bound.
 
 #pragma once
 
 #include <QDeadlineTimer>
-#include <QList>
 #include <QObject>
 #include <QTimer>
 
@@ -33,42 +32,31 @@ class X11SyntheticKeys : public QObject
     Q_OBJECT
 
 public:
-    //! How long the release of held keys is awaited.
-    static constexpr int heldKeysTimeoutMilliseconds = 250;
+    //! How long the release of held keys is awaited for one copy.
+    static constexpr int heldKeysTimeoutMilliseconds = 1000;
     //! How often the keyboard's state is read while keys are held.
     static constexpr int heldKeysPollMilliseconds = 10;
     //! How long one answer of the X server is awaited before the copy is given up.
     static constexpr int answerTimeoutMilliseconds = 1000;
 
-    //! Types on \a connection. \a grabConnection, when given, is the
-    //! connection whose passive key grabs (the hot keys) may hold the keyboard.
-    X11SyntheticKeys(X11Connection &connection, X11Keyboard &keyboard,
-        X11Connection *grabConnection = nullptr, QObject *parent = nullptr);
+    X11SyntheticKeys(X11Connection &connection, X11Keyboard &keyboard, QObject *parent = nullptr);
     ~X11SyntheticKeys() override;
 
-    //! Sends Ctrl+C, first giving \a focusWindow the keyboard when it is not
-    //! 0. \a done learns once the keys are out, or false when they cannot be
-    //! made (no XTEST, no Ctrl or C key, another copy under way, no answer).
+    //! Sends Ctrl+Insert once no key is held, first giving \a focusWindow the
+    //! keyboard when it is not 0. \a done learns once the keys are out, or
+    //! false when none were sent: no XTEST, no Ctrl or Insert key, another
+    //! copy under way, no answer, or keys still held when the wait ran out.
     void sendCopy(xcb_window_t focusWindow, std::function<void(bool sent)> done);
 
 private:
-    //! What the keymap asked for last is for.
-    enum class Step {
-        AwaitingRelease, //!< polled until nothing is held or the bound passes
-        EndingGrab, //!< after ungrabbing the keyboard: what is still held
-        Releasing, //!< after the releases: which of them took effect
-    };
-
-    void ask(X11Connection &connection, Step step);
+    void askKeymap();
     void checkAnswer();
-    void takeKeymap(const QList<quint8> &down);
-    void releaseHeldKeys(const QList<quint8> &held);
-    void send(const QList<quint8> &restore);
+    void takeKeymap(bool anyKeyDown);
+    void send();
     void finish(bool sent);
 
     X11Connection &m_connection;
     X11Keyboard &m_keyboard;
-    X11Connection *m_grabConnection;
     std::optional<bool> m_hasXTest;
     QTimer m_timer;
 
@@ -76,11 +64,7 @@ private:
     std::function<void(bool)> m_done;
     xcb_window_t m_focusWindow = 0;
     QDeadlineTimer m_releaseDeadline;
-    Step m_step = Step::AwaitingRelease;
-    //! The keys released through XTEST.
-    QList<quint8> m_released;
     // The keymap request in flight.
-    X11Connection *m_asked = nullptr;
     std::optional<xcb_query_keymap_cookie_t> m_pending;
     QDeadlineTimer m_answerDeadline;
 };

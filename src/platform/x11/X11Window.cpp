@@ -5,10 +5,12 @@
 #include "platform/x11/X11Connection.h"
 
 #include <QGuiApplication>
+#include <QRegion>
 #include <QWindow>
 
 #include <xcb/xcb.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace Vesko::X11Window {
@@ -99,6 +101,56 @@ bool hasCompositingManager()
     const bool owned = reply && reply->owner != XCB_WINDOW_NONE;
     std::free(reply);
     return owned;
+}
+
+namespace {
+
+//! KWin keeps the atom of its blur request among the root window's
+//! properties while its blur effect is loaded.
+bool blurEffectLoaded(xcb_connection_t *c)
+{
+    const xcb_atom_t blur = atom(c, "_KDE_NET_WM_BLUR_BEHIND_REGION");
+    if (blur == XCB_ATOM_NONE)
+        return false;
+    xcb_list_properties_reply_t *reply
+        = xcb_list_properties_reply(c, xcb_list_properties(c, rootWindow(c)), nullptr);
+    if (!reply)
+        return false;
+    const xcb_atom_t *atoms = xcb_list_properties_atoms(reply);
+    const int count = xcb_list_properties_atoms_length(reply);
+    const bool loaded = std::find(atoms, atoms + count, blur) != atoms + count;
+    std::free(reply);
+    return loaded;
+}
+
+} // namespace
+
+bool setBlurBehind(QWindow *window, const QRegion &region)
+{
+    xcb_connection_t *c = connection();
+    if (!c || !window)
+        return false;
+    const xcb_window_t id = xcb_window_t(window->winId());
+    const xcb_atom_t blur = atom(c, "_KDE_NET_WM_BLUR_BEHIND_REGION");
+    const bool offered = !region.isEmpty() && hasCompositingManager() && blurEffectLoaded(c);
+    if (!offered) {
+        xcb_delete_property(c, id, blur);
+        xcb_flush(c);
+        return false;
+    }
+    // The region as rectangles of x, y, width and height, in device pixels.
+    const qreal scale = window->devicePixelRatio();
+    QList<uint32_t> data;
+    for (const QRect &rect : region) {
+        const QRect device(QPoint(qRound(rect.x() * scale), qRound(rect.y() * scale)),
+            QSize(qRound(rect.width() * scale), qRound(rect.height() * scale)));
+        data << uint32_t(device.x()) << uint32_t(device.y()) << uint32_t(device.width())
+             << uint32_t(device.height());
+    }
+    xcb_change_property(c, XCB_PROP_MODE_REPLACE, id, blur, XCB_ATOM_CARDINAL, 32,
+        uint32_t(data.size()), data.constData());
+    xcb_flush(c);
+    return true;
 }
 
 } // namespace Vesko::X11Window
