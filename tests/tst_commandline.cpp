@@ -85,6 +85,10 @@ void CommandLineTest::parse_data()
 
     QTest::newRow("nothing launches") << QStringList {} << Kind::Launch << "";
     QTest::newRow("background") << QStringList {"--background"} << Kind::Launch << "";
+    QTest::newRow("restored by the session manager")
+        << QStringList {"-session", "10d3f8", "-platform=xcb", "--reverse"} << Kind::Launch << "";
+    QTest::newRow("a toolkit option before a command")
+        << QStringList {"--style", "Fusion", "add", "milk"} << Kind::Add << "milk|||0";
     QTest::newRow("help") << QStringList {"--help"} << Kind::Help << "";
     QTest::newRow("help after a command") << QStringList {"add", "-h"} << Kind::Help << "";
     QTest::newRow("version") << QStringList {"-v"} << Kind::Version << "";

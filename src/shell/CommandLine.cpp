@@ -82,6 +82,41 @@ QStringList withoutCommand(const QStringList &arguments)
     return QStringList {arguments.at(0)} + arguments.mid(2);
 }
 
+// The options that QGuiApplication takes for itself, such as the session
+// manager's "-session ID" when it restores the session, before any command:
+// left out here, and left to the application object.
+QStringList withoutToolkitOptions(const QStringList &words)
+{
+    static const QStringList withValue {QStringLiteral("platform"),
+        QStringLiteral("platformpluginpath"), QStringLiteral("platformtheme"),
+        QStringLiteral("plugin"), QStringLiteral("qwindowgeometry"), QStringLiteral("qwindowicon"),
+        QStringLiteral("qwindowtitle"), QStringLiteral("session"), QStringLiteral("style"),
+        QStringLiteral("stylesheet"), QStringLiteral("display"), QStringLiteral("name"),
+        QStringLiteral("title"), QStringLiteral("geometry"), QStringLiteral("visual")};
+    static const QStringList alone {QStringLiteral("reverse"), QStringLiteral("widgetcount"),
+        QStringLiteral("nograb"), QStringLiteral("dograb"), QStringLiteral("sync")};
+    QStringList kept {words.constFirst()};
+    for (qsizetype i = 1; i < words.size(); ++i) {
+        const QString &word = words.at(i);
+        if (!word.startsWith(u'-') || word == u"-" || word == u"--") {
+            kept += words.mid(i);
+            break;
+        }
+        QString name = word.mid(word.startsWith(QStringLiteral("--")) ? 2 : 1);
+        const bool hasValue = name.contains(u'=');
+        name = name.section(u'=', 0, 0);
+        if (alone.contains(name))
+            continue;
+        if (withValue.contains(name)) {
+            if (!hasValue)
+                ++i; // the value
+            continue;
+        }
+        kept.append(word);
+    }
+    return kept;
+}
+
 } // namespace
 
 QStringList CommandLine::actionNames()
@@ -93,8 +128,8 @@ QStringList CommandLine::actionNames()
 
 CommandLineRequest CommandLine::parse(const QStringList &arguments)
 {
-    const QStringList words
-        = arguments.isEmpty() ? QStringList {QStringLiteral("vesko")} : arguments;
+    const QStringList words = withoutToolkitOptions(
+        arguments.isEmpty() ? QStringList {QStringLiteral("vesko")} : arguments);
 
     QCommandLineParser top;
     top.setApplicationDescription(
