@@ -13,6 +13,7 @@
 #include <QVariantMap>
 
 #include <functional>
+#include <optional>
 
 class QDBusConnection;
 

@@ -21,8 +21,6 @@
 #include <QProcess>
 #include <QThread>
 
-#include <cerrno>
-#include <csignal>
 #include <cstdio>
 
 namespace Vesko {
