@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The vesko program. A second launch hands "reopen" to the running process and
-// ends. The first reads the library into the Store before anything else,
-// shows the floating panel once the event loop runs, and writes the library
-// on the way out, however it is asked to end.
+// The vesko program. With a command it is a client of the running Vesko
+// (see InstanceClient) and builds no QApplication. A second launch hands
+// "reopen" to the running process and ends. The first reads the library
+// into the Store before anything else, shows the floating panel once the
+// event loop runs, and writes the library on the way out, however it is
+// asked to end.
 
 #include "attachments/DesktopAttachments.h"
 #include "capture/CaptureEngine.h"
+#include "capture/KeyCombo.h"
 #include "library/Library.h"
 #include "panel/NoteWindowManager.h"
 #include "panel/PanelCommands.h"
@@ -18,11 +21,16 @@
 #include "platform/Logging.h"
 #include "platform/TerminationSignals.h"
 #include "platform/x11/X11Session.h"
+#include "search/SearchIndex.h"
 #include "shell/AppCommands.h"
 #include "shell/AppDelegate.h"
+#include "shell/ApplicationBus.h"
 #include "shell/CaptureStatus.h"
+#include "shell/CommandLine.h"
 #include "shell/DesktopCapture.h"
+#include "shell/InstanceClient.h"
 #include "shell/KeyboardContextMenu.h"
+#include "shell/NoteRequests.h"
 #include "shell/Preferences.h"
 #include "shell/QuitGuard.h"
 #include "shell/SettingsWindowController.h"
@@ -33,10 +41,16 @@
 #include "store/Store.h"
 
 #include <QApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QJsonDocument>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QSignalBlocker>
+#include <QStandardPaths>
 #include <QTimer>
+
+#include <cstdio>
 
 using namespace Vesko;
 
@@ -53,6 +67,31 @@ std::function<void()> shortcutSettingsOpener()
     return [command] { QProcess::startDetached(command.first(), command.mid(1)); };
 }
 
+void print(FILE *stream, const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
+}
+
+// Hands "reopen" to the running process: Activate on the session bus, else its socket.
+bool forwardReopen(const SingleInstance &instance, const QString &libraryPath)
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (InstanceClient::busServes(libraryPath)) {
+        QDBusMessage call = QDBusMessage::createMethodCall(
+            QLatin1String(ApplicationBus::serviceName), QLatin1String(ApplicationBus::objectPath),
+            QLatin1String(ApplicationBus::applicationInterface), QStringLiteral("Activate"));
+        QVariantMap platformData;
+        const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
+        if (!token.isEmpty())
+            platformData.insert(QStringLiteral("activation-token"), token);
+        call << platformData;
+        if (bus.call(call, QDBus::Block, 10000).type() == QDBusMessage::ReplyMessage)
+            return true;
+    }
+    return instance.forwardReopen();
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -60,7 +99,33 @@ int main(int argc, char *argv[])
     QApplication::setOrganizationName(QStringLiteral("Vesko"));
     QApplication::setApplicationName(QStringLiteral("Vesko"));
     QApplication::setApplicationVersion(QStringLiteral(VESKO_VERSION));
-    QApplication::setDesktopFileName(QStringLiteral("vesko"));
+    QApplication::setDesktopFileName(QStringLiteral("com.vesko.Vesko"));
+
+    // The command line first, without a display: help, version, mistakes and
+    // the commands for the running instance need none.
+    bool inBackground = false;
+    {
+        QCoreApplication parsing(argc, argv);
+        const CommandLineRequest request = CommandLine::parse(QCoreApplication::arguments());
+        switch (request.kind) {
+        case CommandLineRequest::Kind::Help:
+        case CommandLineRequest::Kind::Version:
+            print(stdout, request.message);
+            return 0;
+        case CommandLineRequest::Kind::Invalid:
+            print(stderr,
+                QStringLiteral("vesko: %1\n").arg(request.message)
+                    + QCoreApplication::translate(
+                        "CommandLine", "Run “vesko --help” for the commands.\n"));
+            return CommandLine::usageExitCode;
+        case CommandLineRequest::Kind::Launch:
+            inBackground = request.background;
+            break;
+        default:
+            return runClientCommand(request, Preferences::shared().libraryURL());
+        }
+    }
+
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(Theme::applicationIcon());
@@ -73,7 +138,8 @@ int main(int argc, char *argv[])
     SingleInstance instance(preferences.libraryURL());
     SingleInstance::Claim claim = instance.claim();
     if (claim == SingleInstance::Claim::HeldElsewhere) {
-        if (instance.forwardReopen())
+        // A start in the background asks nothing of the process that runs.
+        if (inBackground || forwardReopen(instance, preferences.libraryURL()))
             return 0;
         // No answer: the running process may be ending just now, and its lock with it.
         claim = instance.claimWithin(SingleInstance::handOverMilliseconds);
@@ -171,6 +237,40 @@ int main(int argc, char *argv[])
 
     QObject::connect(
         &instance, &SingleInstance::reopenRequested, &delegate, &AppDelegate::handleReopen);
+
+    // Commands from other programs: the command line, key bindings, launchers.
+    NoteRequests requests(store, SearchIndex::shared());
+    requests.setActions({
+        {QStringLiteral("toggle"),
+            [&capture] { capture.engine().handleHotKey(HotKeyAction::TogglePanel); }},
+        {QStringLiteral("show"), [&delegate] { delegate.handleReopen(); }},
+        {QStringLiteral("hide"), [&panel] { panel.hide(); }},
+        {QStringLiteral("capture"),
+            [&capture] { capture.engine().handleHotKey(HotKeyAction::CaptureSelection); }},
+        {QStringLiteral("quick-add"),
+            [&capture] { capture.engine().handleHotKey(HotKeyAction::QuickAdd); }},
+        {QStringLiteral("copy-list"),
+            [&capture] { capture.engine().handleHotKey(HotKeyAction::CopySelectionAsList); }},
+        {QStringLiteral("quit"), [&quitGuard] { quitGuard.requestQuit(); }},
+    });
+    instance.setRequestHandler([&requests](const QByteArray &line, auto answer) {
+        const QJsonDocument document = QJsonDocument::fromJson(line);
+        const auto reply = [answer](const QJsonObject &object) {
+            answer(QJsonDocument(object).toJson(QJsonDocument::Compact));
+        };
+        if (!document.isObject())
+            reply(NoteRequests::failure(QObject::tr("The request is not a JSON object.")));
+        else
+            requests.handle(document.object(), reply);
+    });
+    ApplicationBus bus(requests);
+    bus.setInstanceName(
+        [&preferences] { return SingleInstance::instanceName(preferences.libraryURL()); });
+    if (claim == SingleInstance::Claim::Acquired) {
+        if (const std::optional<QString> failure = bus.registerOn(QDBusConnection::sessionBus()))
+            qCInfo(lcStorage, "Not on the session bus: %s", qUtf8Printable(*failure));
+    }
+    delegate.setShowsPanelAtLaunch(!inBackground);
     QObject::connect(&tray, &TrayIcon::quitRequested, &quitGuard, &QuitGuard::requestQuit);
     QObject::connect(&quitGuard, &QuitGuard::quitAccepted, &app, &QApplication::quit);
     QObject::connect(&tray, &TrayIcon::captureRequested, &capture,

@@ -24,6 +24,11 @@ packages=(
     # a private session bus (the file manager's D-Bus interface); a system tray;
     # the panel and the Settings window read over AT-SPI as a screen reader does
     dbus dbus-bin dbus-daemon trayer at-spi2-core python3-pyatspi gir1.2-atspi-2.0
+    # desktop-file-validate checks the desktop entry in the tests
+    desktop-file-utils
+    # the Model Context Protocol server is tested with the protocol's own client
+    # library (tests/mcp, installed from npm by scripts/install-test-node.sh)
+    nodejs npm
     # runtime plugins
     qt6-qpa-plugins fonts-dejavu-core
     # the file types of attachments

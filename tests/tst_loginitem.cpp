@@ -55,6 +55,8 @@ private Q_SLOTS:
     void hiddenEntryIsOff_data();
     void hiddenEntryIsOff();
     void readOnlyFolderKeepsTheTruth();
+    void olderEntryIsTakenOver_data();
+    void olderEntryIsTakenOver();
 };
 
 void LoginItemTest::defaultFolderFollowsXdgConfigHome()
@@ -63,7 +65,7 @@ void LoginItemTest::defaultFolderFollowsXdgConfigHome()
         Test::IsolatedEnvironment::current().configHome() + QStringLiteral("/autostart"));
     QCOMPARE(LoginItem::forCurrentProgram().entryPath(),
         Test::IsolatedEnvironment::current().configHome()
-            + QStringLiteral("/autostart/vesko.desktop"));
+            + QStringLiteral("/autostart/com.vesko.Vesko.desktop"));
 }
 
 void LoginItemTest::turnsOnAndOff()
@@ -71,7 +73,7 @@ void LoginItemTest::turnsOnAndOff()
     QTemporaryDir root;
     const QString folder = root.filePath(QStringLiteral("config/autostart"));
     LoginItem item(folder, QStringLiteral("/usr/bin/vesko"));
-    const QString entry = folder + QStringLiteral("/vesko.desktop");
+    const QString entry = folder + QStringLiteral("/com.vesko.Vesko.desktop");
 
     QVERIFY(!item.isEnabled());
     QCOMPARE(item.setEnabled(true), std::nullopt);
@@ -82,7 +84,7 @@ void LoginItemTest::turnsOnAndOff()
     QCOMPARE(entryValue(text, "Type"), QStringLiteral("Application"));
     QCOMPARE(entryValue(text, "Hidden"), QString());
     // No temporary file is left beside it.
-    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList {"vesko.desktop"});
+    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList {"com.vesko.Vesko.desktop"});
 
     // Turning it on again changes nothing.
     QCOMPARE(item.setEnabled(true), std::nullopt);
@@ -145,6 +147,36 @@ void LoginItemTest::hiddenEntryIsOff()
         QVERIFY(item.isEnabled());
         QCOMPARE(entryValue(readFile(item.entryPath()), "Exec"), QStringLiteral("/usr/bin/vesko"));
     }
+}
+
+void LoginItemTest::olderEntryIsTakenOver_data()
+{
+    QTest::addColumn<QByteArray>("olderText");
+    QTest::addColumn<bool>("enable");
+    QTest::addColumn<bool>("wasEnabled");
+    const QByteArray on = "[Desktop Entry]\nType=Application\nExec=/usr/bin/vesko\n";
+    const QByteArray hidden = on + "Hidden=true\n";
+    QTest::newRow("an older entry on, turned off") << on << false << true;
+    QTest::newRow("an older entry on, turned on again") << on << true << true;
+    QTest::newRow("an older hidden entry, turned on") << hidden << true << false;
+    QTest::newRow("an older hidden entry, turned off") << hidden << false << false;
+}
+
+void LoginItemTest::olderEntryIsTakenOver()
+{
+    QFETCH(QByteArray, olderText);
+    QFETCH(bool, enable);
+    QFETCH(bool, wasEnabled);
+    QTemporaryDir root;
+    LoginItem item(root.path(), QStringLiteral("/usr/bin/vesko"));
+    writeFile(root.filePath(QStringLiteral("vesko.desktop")), olderText);
+
+    QCOMPARE(item.isEnabled(), wasEnabled);
+    QCOMPARE(item.setEnabled(enable), std::nullopt);
+    QCOMPARE(item.isEnabled(), enable);
+    // One entry at most, under the application's id.
+    QCOMPARE(QDir(root.path()).entryList(QDir::Files | QDir::Hidden),
+        enable ? QStringList {"com.vesko.Vesko.desktop"} : QStringList {});
 }
 
 void LoginItemTest::readOnlyFolderKeepsTheTruth()

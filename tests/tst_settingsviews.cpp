@@ -319,7 +319,7 @@ void SettingsViewsTest::controlsFollowPreferencesChangedElsewhere()
 void SettingsViewsTest::openAtLogin()
 {
     QCheckBox *toggle = findByText<QCheckBox>(m_view.get(), QStringLiteral("Open at login"));
-    const QString entry = m_autostart.filePath(QStringLiteral("vesko.desktop"));
+    const QString entry = m_autostart.filePath(QStringLiteral("com.vesko.Vesko.desktop"));
     QVERIFY(!toggle->isChecked());
     toggle->click();
     QVERIFY(toggle->isChecked());

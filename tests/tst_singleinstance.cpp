@@ -88,6 +88,8 @@ private Q_SLOTS:
     void oneLockPerLibrary();
     void deepFolderKeepsAWorkingSocket();
     void reopenReachesTheHolder();
+    void requestsGetAnswers_data();
+    void requestsGetAnswers();
     void holderThatEndsHandsOver();
     void lockFollowsTheLibrary();
     void noFolderFails();
@@ -231,6 +233,49 @@ void SingleInstanceTest::reopenReachesTheHolder()
     auto answered = std::async(std::launch::async, [&launch] { return launch.forwardReopen(); });
     QTRY_COMPARE(reopened.size(), 1);
     QVERIFY(answered.get());
+}
+
+void SingleInstanceTest::requestsGetAnswers_data()
+{
+    QTest::addColumn<QByteArray>("request");
+    QTest::addColumn<bool>("holderAnswers");
+    QTest::addColumn<QByteArray>("answer"); // empty: none within the bound
+    QTest::newRow("answered") << QByteArray("{\"command\":\"list\"}") << true
+                              << QByteArray("answer to {\"command\":\"list\"}");
+    QTest::newRow("a long request")
+        << QByteArray(3 << 20, 'x') << true << QByteArray("answer to ") + QByteArray(3 << 20, 'x');
+    QTest::newRow("a holder that never answers") << QByteArray("{}") << false << QByteArray();
+}
+
+void SingleInstanceTest::requestsGetAnswers()
+{
+    QFETCH(QByteArray, request);
+    QFETCH(bool, holderAnswers);
+    QFETCH(QByteArray, answer);
+    const QString folder = scratch(QStringLiteral("requests"));
+    const QString library = folder + QStringLiteral("/Library.json");
+    SingleInstance holder(library, folder);
+    QCOMPARE(holder.claim(), SingleInstance::Claim::Acquired);
+    QCOMPARE(holder.listen(), std::nullopt);
+    QSignalSpy reopened(&holder, &SingleInstance::reopenRequested);
+    QList<QByteArray> received;
+    holder.setRequestHandler([&](const QByteArray &line, auto reply) {
+        received.append(line);
+        if (holderAnswers)
+            reply("answer to " + line);
+    });
+
+    SingleInstance client(library, folder);
+    auto answered = std::async(
+        std::launch::async, [&client, &request] { return client.sendRequest(request, 3000); });
+    while (answered.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready)
+        QCoreApplication::processEvents();
+    const std::optional<QByteArray> got = answered.get();
+    QCOMPARE(got.value_or(QByteArray()), answer);
+    QCOMPARE(got.has_value(), holderAnswers);
+    // The handler saw the line without its end, once; it is no "reopen".
+    QCOMPARE(received, QList<QByteArray> {request});
+    QCOMPARE(reopened.size(), 0);
 }
 
 void SingleInstanceTest::holderThatEndsHandsOver()

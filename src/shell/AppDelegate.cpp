@@ -48,7 +48,8 @@ void AppDelegate::didFinishLaunching()
         call(m_hooks.requestAccess);
         call(m_hooks.showSettings);
     }
-    m_panel.show(true, true);
+    if (m_showsPanelAtLaunch)
+        m_panel.show(true, true);
 }
 
 void AppDelegate::applyAppearance()

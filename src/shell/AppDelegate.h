@@ -53,6 +53,9 @@ public:
     //! every window, rebuilt in its colours: the panel's content, Settings
     //! and the note windows.
     void applyAppearance();
+    //! Off for a start in the background (by a command or the bus): the
+    //! launch then leaves the panel hidden until something asks for it.
+    void setShowsPanelAtLaunch(bool shows) { m_showsPanelAtLaunch = shows; }
 
 private:
     Store &m_store;
@@ -60,6 +63,7 @@ private:
     PanelController &m_panel;
     Hooks m_hooks;
     bool m_terminated = false;
+    bool m_showsPanelAtLaunch = true;
 };
 
 } // namespace Vesko

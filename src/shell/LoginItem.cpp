@@ -16,7 +16,9 @@ namespace Vesko {
 
 namespace {
 
-constexpr auto entryName = "vesko.desktop";
+constexpr auto entryName = "com.vesko.Vesko.desktop";
+//! The entry of versions before the application id; taken over.
+constexpr auto olderEntryName = "vesko.desktop";
 
 // Reads the Hidden key of the [Desktop Entry] group; other groups are not looked at.
 bool isHiddenEntry(const QByteArray &text)
@@ -63,23 +65,34 @@ QString LoginItem::entryPath() const
     return m_folder + u'/' + QLatin1String(entryName);
 }
 
+QString LoginItem::olderEntryPath() const
+{
+    return m_folder + u'/' + QLatin1String(olderEntryName);
+}
+
 bool LoginItem::isEnabled() const
 {
     QFile file(entryPath());
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
+    if (!file.open(QIODevice::ReadOnly)) {
+        file.setFileName(olderEntryPath());
+        if (!file.open(QIODevice::ReadOnly))
+            return false;
+    }
     return !isHiddenEntry(file.readAll());
 }
 
 std::optional<QString> LoginItem::setEnabled(bool enabled)
 {
-    if (enabled == isEnabled())
+    const bool hasOlderEntry = QFile::exists(olderEntryPath());
+    if (enabled == isEnabled() && !hasOlderEntry)
         return std::nullopt;
     const QString path = entryPath();
     if (!enabled) {
-        if (::unlink(QFile::encodeName(path).constData()) != 0 && errno != ENOENT)
-            return QCoreApplication::translate("LoginItem", "Could not remove “%1”: %2.")
-                .arg(path, FileSystem::lastErrorText());
+        for (const QString &entry : {path, olderEntryPath()}) {
+            if (::unlink(QFile::encodeName(entry).constData()) != 0 && errno != ENOENT)
+                return QCoreApplication::translate("LoginItem", "Could not remove “%1”: %2.")
+                    .arg(entry, FileSystem::lastErrorText());
+        }
         FileSystem::syncDirectory(m_folder);
         return std::nullopt;
     }
@@ -93,6 +106,11 @@ std::optional<QString> LoginItem::setEnabled(bool enabled)
     if (auto failure = FileSystem::replaceFile(temporary, path)) {
         QFile::remove(temporary);
         return failure;
+    }
+    // The entry of an older version gives way: one entry starts Vesko once.
+    if (hasOlderEntry) {
+        ::unlink(QFile::encodeName(olderEntryPath()).constData());
+        FileSystem::syncDirectory(m_folder);
     }
     return std::nullopt;
 }
@@ -128,7 +146,7 @@ QByteArray LoginItem::entryText(const QString &program)
     text += QStringLiteral("Name=Vesko\n");
     text += QStringLiteral("Comment=A to-do list, a clipboard, and a scratchpad in one panel\n");
     text += QStringLiteral("Exec=") + exec + u'\n';
-    text += QStringLiteral("Icon=vesko\n");
+    text += QStringLiteral("Icon=com.vesko.Vesko\n");
     text += QStringLiteral("Terminal=false\n");
     text += QStringLiteral("X-GNOME-Autostart-enabled=true\n");
     return text.toUtf8();

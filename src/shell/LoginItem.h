@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // "Open at login" as the desktop keeps it: the XDG autostart entry
-// $XDG_CONFIG_HOME/autostart/vesko.desktop. The entry is on when the file
-// exists and is not hidden (Hidden=true); it is written atomically and
-// removed to turn it off.
+// $XDG_CONFIG_HOME/autostart/com.vesko.Vesko.desktop. The entry is on when
+// the file exists and is not hidden (Hidden=true); it is written atomically
+// and removed to turn it off. The "vesko.desktop" of older versions counts
+// while there is no newer entry, and gives way at the next change.
 
 #pragma once
 
@@ -25,6 +26,7 @@ public:
     static QString defaultAutostartFolder();
 
     QString entryPath() const;
+    QString olderEntryPath() const;
     //! The file exists and is not hidden.
     bool isEnabled() const;
     //! Writes or removes the entry. Returns the failure text; the entry is then

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QLocalServer>
 #include <QLocalSocket>
+#include <QPointer>
 #include <QStandardPaths>
 #include <QThread>
 
@@ -26,6 +27,9 @@ namespace {
 
 const QByteArray reopenMessage = QByteArrayLiteral("reopen\n");
 const QByteArray answerMessage = QByteArrayLiteral("ok\n");
+//! The longest request line that the socket takes: a note of the longest
+//! kind, every character escaped.
+constexpr qint64 maximumRequestBytes = 16 << 20;
 //! How often a held lock is tried again while it may be let go.
 constexpr int claimRetryMilliseconds = 20;
 
@@ -254,9 +258,23 @@ void SingleInstance::readConnection()
     while (QLocalSocket *socket = m_server->nextPendingConnection()) {
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
         auto readMessage = [this, socket] {
-            if (!socket->canReadLine())
+            if (!socket->canReadLine()) {
+                if (socket->bytesAvailable() > maximumRequestBytes)
+                    socket->abort();
                 return;
+            }
             const QByteArray line = socket->readLine();
+            if (line != reopenMessage && m_requestHandler) {
+                QPointer<QLocalSocket> guarded(socket);
+                m_requestHandler(
+                    line.chopped(line.endsWith('\n') ? 1 : 0), [guarded](const QByteArray &answer) {
+                        if (!guarded)
+                            return;
+                        guarded->write(answer + '\n');
+                        guarded->disconnectFromServer();
+                    });
+                return;
+            }
             if (line == reopenMessage)
                 socket->write(answerMessage);
             socket->disconnectFromServer();
@@ -266,6 +284,31 @@ void SingleInstance::readConnection()
         connect(socket, &QLocalSocket::readyRead, this, readMessage);
         readMessage();
     }
+}
+
+std::optional<QByteArray> SingleInstance::sendRequest(
+    const QByteArray &line, int timeoutMilliseconds) const
+{
+    if (m_socketPath.isEmpty())
+        return std::nullopt;
+    const QDeadlineTimer deadline(timeoutMilliseconds);
+    auto remaining = [&deadline] { return int(std::max<qint64>(1, deadline.remainingTime())); };
+    QLocalSocket socket;
+    socket.connectToServer(m_socketPath);
+    if (!socket.waitForConnected(remaining()))
+        return std::nullopt;
+    socket.write(line + '\n');
+    while (socket.bytesToWrite() > 0) {
+        if (!socket.waitForBytesWritten(remaining()))
+            return std::nullopt;
+    }
+    while (!socket.canReadLine()) {
+        if (!socket.waitForReadyRead(remaining()))
+            return std::nullopt;
+    }
+    QByteArray answer = socket.readLine();
+    answer.chop(1);
+    return answer;
 }
 
 } // namespace Vesko

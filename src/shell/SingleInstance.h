@@ -7,13 +7,14 @@
 // live in a folder that only the user can enter and that the session's
 // environment does not choose, so that two launches with the same library
 // meet whatever their environment. The running process listens on the
-// socket, which carries nothing but "reopen" from later launches and its
-// answer.
+// socket, which carries "reopen" from later launches, and the requests of
+// the command line where there is no session bus, each answered on one line.
 
 #pragma once
 
 #include <QObject>
 
+#include <functional>
 #include <optional>
 
 class QLocalServer;
@@ -85,6 +86,18 @@ public:
     //! process holds the new one.
     bool followLibrary(const QString &libraryPath);
 
+    //! Answers a request line (without its line end) by calling the second
+    //! argument once with the answer line.
+    using RequestHandler
+        = std::function<void(const QByteArray &, std::function<void(const QByteArray &)>)>;
+    //! Serves the lines other than "reopen" with \a handler.
+    void setRequestHandler(RequestHandler handler) { m_requestHandler = std::move(handler); }
+
+    //! Sends the request \a line to the running instance and returns its
+    //! answer line, or nothing when no instance took it within
+    //! \a timeoutMilliseconds.
+    std::optional<QByteArray> sendRequest(const QByteArray &line, int timeoutMilliseconds) const;
+
 Q_SIGNALS:
     //! Another launch asked this instance to show itself.
     void reopenRequested();
@@ -103,6 +116,7 @@ private:
     QString m_failure;
     int m_lock = -1;
     QLocalServer *m_server = nullptr;
+    RequestHandler m_requestHandler;
 };
 
 } // namespace Vesko

@@ -125,6 +125,37 @@ std::optional<Note> Store::addNote(const QString &text, std::optional<QUuid> sec
     return note;
 }
 
+std::optional<Note> Store::addNoteToProject(
+    const QUuid &projectID, const QString &text, std::optional<QString> sectionTitle)
+{
+    const qsizetype index = projectIndex(m_library, projectID);
+    if (index < 0)
+        return std::nullopt;
+    if (index == activeProjectIndex(m_library))
+        return addNote(text, std::nullopt, sectionTitle);
+    const QString cleaned = trimmed(text);
+    if (cleaned.isEmpty())
+        return std::nullopt;
+
+    recordUndo();
+    Note note;
+    note.id = makeID();
+    note.text = cleaned;
+    note.createdAt = currentDate();
+    note.updatedAt = note.createdAt;
+    Project &project = m_library.projects[index];
+    qsizetype target = sectionTitle ? findOrCreateSection(project, *sectionTitle, false) : -1;
+    if (target < 0 && project.activeSectionID)
+        target = sectionIndex(project, *project.activeSectionID);
+    if (target < 0) {
+        target = findOrCreateSection(project, QStringLiteral("Inbox"), false);
+        project.activeSectionID = project.sections.at(target).id;
+    }
+    project.sections[target].notes.append(note);
+    commit();
+    return note;
+}
+
 void Store::updateNote(const QUuid &id, const QString &text)
 {
     const QString cleaned = trimmed(text);

@@ -212,6 +212,12 @@ public:
         std::optional<QString> sectionTitle = std::nullopt, bool isAutomaticSection = false,
         std::optional<NoteSource> source = std::nullopt,
         const QList<NoteAttachment> &attachments = {}, bool reveal = false);
+    //! Adds a note to the project \a projectID as addNote() adds one to the
+    //! active project, without switching to it: to the section titled
+    //! \a sectionTitle (made if missing), else its active section, else
+    //! "Inbox". Nothing for blank text or an unknown project.
+    std::optional<Note> addNoteToProject(const QUuid &projectID, const QString &text,
+        std::optional<QString> sectionTitle = std::nullopt);
     //! Sets a note's text; an edit that empties a note without attachments deletes it.
     void updateNote(const QUuid &id, const QString &text);
     void setDone(const QList<QUuid> &ids, bool isDone);

@@ -59,6 +59,33 @@ void ProgramSession::setEnvironmentVariable(const QString &name, const QString &
     m_environment.insert(name, value);
 }
 
+void ProgramSession::unsetEnvironmentVariable(const QString &name)
+{
+    m_environment.remove(name);
+}
+
+ProgramSession::Outcome ProgramSession::run(const QString &program, const QStringList &arguments,
+    const QByteArray &input, int timeoutMilliseconds) const
+{
+    QProcess process;
+    process.setProcessEnvironment(m_environment);
+    process.start(program, arguments);
+    Outcome outcome;
+    if (!process.waitForStarted(timeoutMilliseconds))
+        return outcome;
+    process.write(input);
+    process.closeWriteChannel();
+    outcome.finished = process.waitForFinished(timeoutMilliseconds);
+    if (!outcome.finished) {
+        process.kill();
+        process.waitForFinished(5000);
+    }
+    outcome.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    outcome.output = process.readAllStandardOutput();
+    outcome.errors = process.readAllStandardError();
+    return outcome;
+}
+
 QString ProgramSession::stateFolder() const
 {
     return m_root.filePath(QStringLiteral("state"));

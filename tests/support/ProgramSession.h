@@ -30,8 +30,25 @@ public:
     //! Sets a variable of the environment the next programs start with.
     void setEnvironmentVariable(const QString &name, const QString &value);
 
+    QProcessEnvironment sessionEnvironment() const { return m_environment; }
+    //! Removes a variable from the environment the next programs start with.
+    void unsetEnvironmentVariable(const QString &name);
+
     //! Starts \a program with the session's environment; it ends with the session.
     QProcess *start(const QString &program, const QStringList &arguments = {});
+
+    //! How a program that ran to its end ended.
+    struct Outcome
+    {
+        bool finished = false; //!< false: killed at the time limit
+        int exitCode = -1;
+        QByteArray output;
+        QByteArray errors;
+    };
+    //! Runs \a program with the session's environment to its end, \a input
+    //! on its standard input; killed after \a timeoutMilliseconds.
+    Outcome run(const QString &program, const QStringList &arguments, const QByteArray &input = {},
+        int timeoutMilliseconds = 90000) const;
 
 private:
     QTemporaryDir m_root;

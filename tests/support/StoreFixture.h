@@ -41,6 +41,7 @@ public:
     Store &store() { return *m_store; }
     Preferences &preferences() { return *m_preferences; }
     AttachmentStore &attachments() { return *m_attachments; }
+    SearchIndex &searchIndex() { return *m_searchIndex; }
 
 private:
     std::unique_ptr<Preferences> m_preferences;

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The running Vesko on the session bus: owns the name com.vesko.Vesko and
+// exports, at /com/vesko/Vesko, the desktop's org.freedesktop.Application
+// (Activate shows the panel, ActivateAction runs an action) and Vesko's own
+// com.vesko.Vesko.Notes, which carries NoteRequests' JSON requests. This is
+// how desktop launchers, key bindings and a second "vesko" reach the first.
+
+#pragma once
+
+#include <QDBusContext>
+#include <QObject>
+#include <QVariantMap>
+
+#include <functional>
+#include <optional>
+
+class QDBusConnection;
+
+namespace Vesko {
+
+class NoteRequests;
+
+//! The calls' context (message(), sendErrorReply()) is this object's: D-Bus
+//! sets it on the object that its adaptors serve.
+class ApplicationBus : public QObject, public QDBusContext
+{
+    Q_OBJECT
+
+public:
+    static constexpr auto serviceName = "com.vesko.Vesko";
+    static constexpr auto objectPath = "/com/vesko/Vesko";
+    static constexpr auto applicationInterface = "org.freedesktop.Application";
+    static constexpr auto notesInterface = "com.vesko.Vesko.Notes";
+
+    explicit ApplicationBus(NoteRequests &requests, QObject *parent = nullptr);
+
+    //! Exports the object and takes the name on \a bus. The failure text, or nothing.
+    std::optional<QString> registerOn(QDBusConnection bus);
+
+    NoteRequests &requests() { return m_requests; }
+
+    //! Which library this process serves (SingleInstance::instanceName()),
+    //! so that a client with another library does not take this process
+    //! for its own.
+    void setInstanceName(std::function<QString()> name) { m_instanceName = std::move(name); }
+    QString instanceName() const { return m_instanceName ? m_instanceName() : QString(); }
+
+    //! Hands the activation token of \a platformData (the desktop's
+    //! "activation-token", else "desktop-startup-id") to the window that next
+    //! asks for the focus, so that a Wayland desktop lets the panel take it.
+    static void takeActivationToken(const QVariantMap &platformData);
+
+private:
+    NoteRequests &m_requests;
+    std::function<QString()> m_instanceName;
+};
+
+} // namespace Vesko

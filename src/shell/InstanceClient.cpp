@@ -1,0 +1,334 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "shell/InstanceClient.h"
+
+#include "shell/ApplicationBus.h"
+#include "shell/CommandLine.h"
+#include "shell/McpServer.h"
+#include "shell/NoteRequests.h"
+#include "shell/SingleInstance.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusReply>
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QLocalSocket>
+#include <QProcess>
+#include <QThread>
+
+#include <cstdio>
+
+namespace Vesko {
+
+namespace {
+
+constexpr int pollMilliseconds = 50;
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("InstanceClient", text);
+}
+
+QJsonObject failure(const QString &message)
+{
+    return NoteRequests::failure(message);
+}
+
+bool isRegistered(QDBusConnection &bus)
+{
+    return bus.interface()->isServiceRegistered(QLatin1String(ApplicationBus::serviceName)).value();
+}
+
+bool canConnect(const QString &socketPath)
+{
+    QLocalSocket socket;
+    socket.connectToServer(socketPath);
+    return socket.waitForConnected(1000);
+}
+
+// What the desktop gave this command to pass on, so that the panel may take the focus.
+QVariantMap platformData()
+{
+    QVariantMap data;
+    const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
+    if (!token.isEmpty())
+        data.insert(QStringLiteral("activation-token"), token);
+    const QString startupID = qEnvironmentVariable("DESKTOP_STARTUP_ID");
+    if (!startupID.isEmpty())
+        data.insert(QStringLiteral("desktop-startup-id"), startupID);
+    return data;
+}
+
+void print(FILE *stream, const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
+}
+
+int fail(const QString &message)
+{
+    print(stderr, QStringLiteral("vesko: %1\n").arg(message));
+    return 1;
+}
+
+// One line per note, tab-separated: id, section, [ ] or [x], text with its
+// line breaks and tabs written as \n and \t.
+QString notesText(const QJsonArray &notes)
+{
+    QString text;
+    for (const QJsonValue &value : notes) {
+        const QJsonObject note = value.toObject();
+        QString body = note.value(QStringLiteral("text")).toString();
+        body.replace(u'\\', QStringLiteral("\\\\"))
+            .replace(u'\n', QStringLiteral("\\n"))
+            .replace(u'\t', QStringLiteral("\\t"));
+        text += note.value(QStringLiteral("id")).toString() + u'\t'
+            + note.value(QStringLiteral("section")).toString() + u'\t'
+            + (note.value(QStringLiteral("done")).toBool() ? QStringLiteral("[x]")
+                                                           : QStringLiteral("[ ]"))
+            + u'\t' + body + u'\n';
+    }
+    return text;
+}
+
+// Standard input as one note, up to the longest note there may be.
+std::optional<QString> readStandardInput(QString *error)
+{
+    QFile input;
+    if (!input.open(stdin, QIODevice::ReadOnly)) {
+        *error = tr("Could not read standard input.");
+        return std::nullopt;
+    }
+    const qint64 bound = NoteRequests::maximumTextLength;
+    QByteArray bytes;
+    while (bytes.size() <= bound) {
+        const QByteArray chunk = input.read(bound + 1 - bytes.size());
+        if (chunk.isEmpty())
+            break;
+        bytes += chunk;
+    }
+    if (bytes.size() > bound) {
+        *error = tr("Standard input holds more than %1 bytes; a note is at most that long.")
+                     .arg(bound);
+        return std::nullopt;
+    }
+    return QString::fromUtf8(bytes);
+}
+
+} // namespace
+
+InstanceClient::InstanceClient(const QString &libraryPath, const QString &program)
+    : m_libraryPath(libraryPath)
+    , m_program(program)
+{ }
+
+bool InstanceClient::busServes(const QString &libraryPath)
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected() || !isRegistered(bus))
+        return false;
+    const QDBusMessage call = QDBusMessage::createMethodCall(
+        QLatin1String(ApplicationBus::serviceName), QLatin1String(ApplicationBus::objectPath),
+        QLatin1String(ApplicationBus::notesInterface), QStringLiteral("Instance"));
+    const QDBusReply<QString> reply = bus.call(call, QDBus::Block, requestMilliseconds);
+    return reply.isValid() && reply.value() == SingleInstance::instanceName(libraryPath);
+}
+
+InstanceClient::Road InstanceClient::road() const
+{
+    if (busServes(m_libraryPath))
+        return Road::Bus;
+    // Without a bus, or when the name is another library's process.
+    if (canConnect(SingleInstance(m_libraryPath).socketPath()))
+        return Road::Socket;
+    return Road::None;
+}
+
+bool InstanceClient::activateOnBus()
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected() || isRegistered(bus))
+        return false;
+    const QDBusReply<void> started
+        = bus.interface()->startService(QLatin1String(ApplicationBus::serviceName));
+    return started.isValid();
+}
+
+bool InstanceClient::launch()
+{
+    QProcess process;
+    process.setProgram(m_program);
+    process.setArguments({QStringLiteral("--background")});
+    // The instance outlives this command: it must not hold its pipes open.
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    if (!process.startDetached()) {
+        m_failure = tr("Could not start Vesko (%1): %2.").arg(m_program, process.errorString());
+        return false;
+    }
+    return true;
+}
+
+InstanceClient::Road InstanceClient::reach()
+{
+    Road found = road();
+    if (found != Road::None)
+        return found;
+    // D-Bus activation where the service file is installed, else a launch of
+    // our own; also when what the bus started serves another library.
+    bool launched = false;
+    if (!activateOnBus()) {
+        if (!launch())
+            return Road::None;
+        launched = true;
+    }
+    // Two commands may start one each at once: the instance lock lets one
+    // run, and both reach it.
+    const QDeadlineTimer deadline(startMilliseconds);
+    while (!deadline.hasExpired()) {
+        QThread::msleep(pollMilliseconds);
+        found = road();
+        if (found != Road::None)
+            return found;
+        if (!launched) {
+            QDBusConnection bus = QDBusConnection::sessionBus();
+            if (isRegistered(bus)) {
+                if (!launch())
+                    return Road::None;
+                launched = true;
+            }
+        }
+    }
+    m_failure = tr("Vesko did not start within %1 seconds.").arg(startMilliseconds / 1000);
+    return Road::None;
+}
+
+QJsonObject InstanceClient::sendOnSocket(const QJsonObject &request)
+{
+    const SingleInstance instance(m_libraryPath);
+    const std::optional<QByteArray> answer = instance.sendRequest(
+        QJsonDocument(request).toJson(QJsonDocument::Compact), requestMilliseconds);
+    if (!answer)
+        return failure(
+            tr("Vesko did not answer within %1 seconds.").arg(requestMilliseconds / 1000));
+    const QJsonDocument document = QJsonDocument::fromJson(*answer);
+    if (!document.isObject())
+        return failure(tr("Vesko gave an answer that cannot be read."));
+    return document.object();
+}
+
+QJsonObject InstanceClient::send(const QJsonObject &request)
+{
+    const Road found = reach();
+    if (found == Road::None)
+        return failure(m_failure);
+    if (found == Road::Socket)
+        return sendOnSocket(request);
+    QDBusMessage call = QDBusMessage::createMethodCall(QLatin1String(ApplicationBus::serviceName),
+        QLatin1String(ApplicationBus::objectPath), QLatin1String(ApplicationBus::notesInterface),
+        QStringLiteral("Request"));
+    call << QString::fromUtf8(QJsonDocument(request).toJson(QJsonDocument::Compact));
+    const QDBusReply<QString> reply
+        = QDBusConnection::sessionBus().call(call, QDBus::Block, requestMilliseconds);
+    if (!reply.isValid())
+        return failure(tr("Vesko did not answer: %1").arg(reply.error().message()));
+    const QJsonDocument document = QJsonDocument::fromJson(reply.value().toUtf8());
+    if (!document.isObject())
+        return failure(tr("Vesko gave an answer that cannot be read."));
+    return document.object();
+}
+
+QJsonObject InstanceClient::activateAction(const QString &name)
+{
+    const Road found = reach();
+    if (found == Road::None)
+        return failure(m_failure);
+    if (found == Road::Socket) {
+        return sendOnSocket({{QStringLiteral("command"), QStringLiteral("action")},
+            {QStringLiteral("name"), name}});
+    }
+    QDBusMessage call = QDBusMessage::createMethodCall(QLatin1String(ApplicationBus::serviceName),
+        QLatin1String(ApplicationBus::objectPath),
+        QLatin1String(ApplicationBus::applicationInterface), QStringLiteral("ActivateAction"));
+    call << name << QVariantList {} << platformData();
+    const QDBusMessage reply
+        = QDBusConnection::sessionBus().call(call, QDBus::Block, requestMilliseconds);
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        return failure(tr("Vesko did not run “%1”: %2").arg(name, reply.errorMessage()));
+    return QJsonObject {{QStringLiteral("ok"), true}};
+}
+
+int runClientCommand(const CommandLineRequest &request, const QString &libraryPath)
+{
+    InstanceClient client(libraryPath, QCoreApplication::applicationFilePath());
+    using Kind = CommandLineRequest::Kind;
+    QJsonObject answer;
+    switch (request.kind) {
+    case Kind::Action:
+        answer = client.activateAction(request.action);
+        break;
+    case Kind::Add: {
+        QString text = request.text;
+        if (request.readsStandardInput) {
+            QString error;
+            const std::optional<QString> input = readStandardInput(&error);
+            if (!input)
+                return fail(error);
+            text = *input;
+        }
+        if (text.trimmed().isEmpty())
+            return fail(tr("The note is blank: nothing was added."));
+        QJsonObject add {
+            {QStringLiteral("command"), QStringLiteral("add")}, {QStringLiteral("text"), text}};
+        if (!request.section.isEmpty())
+            add.insert(QStringLiteral("section"), request.section);
+        if (!request.project.isEmpty())
+            add.insert(QStringLiteral("project"), request.project);
+        answer = client.send(add);
+        break;
+    }
+    case Kind::List: {
+        QJsonObject list {{QStringLiteral("command"), QStringLiteral("list")},
+            {QStringLiteral("includeDone"), request.includeDone}};
+        if (!request.section.isEmpty())
+            list.insert(QStringLiteral("section"), request.section);
+        if (!request.project.isEmpty())
+            list.insert(QStringLiteral("project"), request.project);
+        answer = client.send(list);
+        break;
+    }
+    case Kind::Mcp: {
+        McpServer server([&client](const QJsonObject &request) { return client.send(request); });
+        return server.serve();
+    }
+    case Kind::Search:
+        answer = client.send({{QStringLiteral("command"), QStringLiteral("search")},
+            {QStringLiteral("query"), request.query}});
+        break;
+    default:
+        return fail(tr("This is not a command for the running Vesko."));
+    }
+
+    if (!answer.value(QStringLiteral("ok")).toBool())
+        return fail(answer.value(QStringLiteral("error")).toString());
+    if (request.kind == Kind::Add) {
+        print(stdout,
+            answer.value(QStringLiteral("note")).toObject().value(QStringLiteral("id")).toString()
+                + u'\n');
+    } else if (request.kind == Kind::List || request.kind == Kind::Search) {
+        const QJsonArray notes = answer.value(QStringLiteral("notes")).toArray();
+        print(stdout,
+            request.json
+                ? QString::fromUtf8(QJsonDocument(notes).toJson(QJsonDocument::Compact)) + u'\n'
+                : notesText(notes));
+    }
+    return 0;
+}
+
+} // namespace Vesko

@@ -1,0 +1,354 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The vesko command line against the real program on a private session bus
+// (dbus-run-session) in a private X server: mistakes need no display and
+// start nothing, a command with no Vesko running starts one and acts, on the
+// bus or over the local socket without one; the desktop's actions through
+// gdbus; two commands racing to start Vesko; notes from standard input.
+
+#include "ProgramSession.h"
+
+#include "shell/SingleInstance.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace Vesko;
+using Test::ProgramSession;
+
+namespace {
+
+const QString busName = QStringLiteral("com.vesko.Vesko");
+
+QString visiblePanel()
+{
+    return Test::visibleWindow(QStringLiteral("^Vesko$"));
+}
+
+bool busNameOwned()
+{
+    return QDBusConnection::sessionBus().interface()->isServiceRegistered(busName).value();
+}
+
+struct Session : ProgramSession
+{
+    Outcome vesko(const QStringList &arguments, const QByteArray &input = {}) const
+    {
+        return run(QStringLiteral(VESKO_PATH), arguments, input);
+    }
+    Outcome gdbus(const QString &method, const QStringList &arguments) const
+    {
+        return run(QStringLiteral("gdbus"),
+            QStringList {QStringLiteral("call"), QStringLiteral("--session"), QStringLiteral("-d"),
+                busName, QStringLiteral("-o"), QStringLiteral("/com/vesko/Vesko"),
+                QStringLiteral("-m"), QStringLiteral("org.freedesktop.Application.") + method}
+                + arguments);
+    }
+    Outcome action(const QString &name) const
+    {
+        return gdbus(
+            QStringLiteral("ActivateAction"), {name, QStringLiteral("[]"), QStringLiteral("{}")});
+    }
+    //! Lets the bus start Vesko on demand with this session's folders, or
+    //! makes it refuse to start it.
+    bool allowActivation(bool allowed) const
+    {
+        QStringList pairs {QStringLiteral("'VESKO_TEST_ACTIVATION': '%1'")
+                               .arg(allowed ? QStringLiteral(VESKO_PATH) : QString())};
+        if (allowed) {
+            const QProcessEnvironment environment = sessionEnvironment();
+            for (const char *name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME",
+                     "XDG_STATE_HOME", "XDG_RUNTIME_DIR", "QT_QPA_PLATFORM", "DISPLAY"}) {
+                pairs.append(QStringLiteral("'%1': '%2'")
+                                 .arg(QLatin1String(name), environment.value(QLatin1String(name))));
+            }
+        }
+        return run(QStringLiteral("gdbus"),
+                   {QStringLiteral("call"), QStringLiteral("--session"), QStringLiteral("-d"),
+                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("-o"),
+                       QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("-m"),
+                       QStringLiteral("org.freedesktop.DBus.UpdateActivationEnvironment"),
+                       u'{' + pairs.join(QStringLiteral(", ")) + u'}'})
+                   .exitCode
+            == 0;
+    }
+    ~Session() { allowActivation(false); }
+    //! Whether a Vesko of this session's library runs: its lock is held.
+    bool isRunning() const
+    {
+        SingleInstance instance(libraryPath());
+        return instance.claim() == SingleInstance::Claim::HeldElsewhere;
+    }
+    //! Quits the session's Vesko and waits until it has ended.
+    bool quit() const
+    {
+        const Outcome quit = vesko({QStringLiteral("quit")});
+        return quit.exitCode == 0 && QTest::qWaitFor([this] { return !isRunning(); }, 20000);
+    }
+};
+
+// Whether the bus itself started the process that owns Vesko's name: it
+// has the bus's activation environment, which no command passes on.
+bool startedByTheBus()
+{
+    const uint pid = QDBusConnection::sessionBus().interface()->servicePid(busName).value();
+    QFile environment(QStringLiteral("/proc/%1/environ").arg(pid));
+    return pid != 0 && environment.open(QIODevice::ReadOnly)
+        && environment.readAll().split('\0').contains("VESKO_TEST_ACTIVATION=" VESKO_PATH);
+}
+
+QString describe(const ProgramSession::Outcome &outcome)
+{
+    return QStringLiteral("exit %1, out “%2”, errors “%3”")
+        .arg(outcome.finished ? QString::number(outcome.exitCode) : QStringLiteral("none (hung)"),
+            QString::fromUtf8(outcome.output), QString::fromUtf8(outcome.errors));
+}
+
+QStringList jsonTexts(const QByteArray &output)
+{
+    QStringList texts;
+    for (const QJsonValue &note : QJsonDocument::fromJson(output).array())
+        texts.append(note.toObject().value(QStringLiteral("text")).toString());
+    return texts;
+}
+
+QStringList libraryTexts(const QString &path)
+{
+    QStringList texts;
+    for (const Note &note : Test::allNotes(Test::readLibraryFile(path)))
+        texts.append(note.text);
+    return texts;
+}
+
+} // namespace
+
+class CommandLineAppTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void refusedWithoutAnything_data();
+    void refusedWithoutAnything();
+    void commandStartsVeskoAndActs_data();
+    void commandStartsVeskoAndActs();
+    void actionsFromTheDesktop();
+    void racingCommandsMeetOneVesko();
+};
+
+void CommandLineAppTest::initTestCase()
+{
+    QVERIFY2(
+        QDBusConnection::sessionBus().isConnected(), "run on a session bus (dbus-run-session)");
+    QVERIFY(!busNameOwned());
+}
+
+void CommandLineAppTest::refusedWithoutAnything_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("output"); // a pattern of standard output
+    QTest::addColumn<QString>("errors"); // a pattern of standard error
+
+    QTest::newRow("help") << QStringList {"--help"} << QByteArray() << 0
+                          << "^Usage: vesko \\[options\\] \\[command\\]\n.*  copy-list "
+                          << "^$";
+    QTest::newRow("a command's help")
+        << QStringList {"search", "--help"} << QByteArray() << 0 << "^Usage: vesko search .*--json"
+        << "^$";
+    QTest::newRow("version") << QStringList {"--version"} << QByteArray() << 0
+                             << "^vesko \\d+\\.\\d+\\.\\d+\n$"
+                             << "^$";
+    QTest::newRow("unknown command") << QStringList {"frobnicate"} << QByteArray() << 2 << "^$"
+                                     << "^vesko: Unknown command \"frobnicate\".\n.*--help";
+    QTest::newRow("unknown option") << QStringList {"list", "--colour"} << QByteArray() << 2 << "^$"
+                                    << "colour";
+    QTest::newRow("add without text") << QStringList {"add"} << QByteArray() << 2 << "^$"
+                                      << "needs the note's text";
+    QTest::newRow("blank standard input")
+        << QStringList {"add", "-"} << QByteArray(" \n\t\n") << 1 << "^$"
+        << "^vesko: The note is blank";
+    QTest::newRow("standard input past the bound")
+        << QStringList {"add", "-"} << QByteArray((1 << 20) + 1, 'x') << 1 << "^$"
+        << "^vesko: Standard input holds more than 1048576 bytes";
+}
+
+void CommandLineAppTest::refusedWithoutAnything()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, input);
+    QFETCH(int, exitCode);
+    QFETCH(QString, output);
+    QFETCH(QString, errors);
+    Session session;
+    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS"})
+        session.unsetEnvironmentVariable(QString::fromLatin1(name));
+
+    const ProgramSession::Outcome outcome = session.vesko(arguments, input);
+    QVERIFY2(outcome.finished && outcome.exitCode == exitCode, qPrintable(describe(outcome)));
+    const QRegularExpression::PatternOption dotAll = QRegularExpression::DotMatchesEverythingOption;
+    QVERIFY2(QRegularExpression(output, dotAll).match(QString::fromUtf8(outcome.output)).hasMatch(),
+        qPrintable(describe(outcome)));
+    QVERIFY2(QRegularExpression(errors, dotAll).match(QString::fromUtf8(outcome.errors)).hasMatch(),
+        qPrintable(describe(outcome)));
+    // Nothing was started and nothing written.
+    QVERIFY(!session.isRunning());
+    QVERIFY(!QFile::exists(session.libraryPath()));
+}
+
+void CommandLineAppTest::commandStartsVeskoAndActs_data()
+{
+    QTest::addColumn<bool>("onBus");
+    QTest::addColumn<bool>("activation"); // the bus may start Vesko
+    QTest::newRow("started by the bus") << true << true;
+    QTest::newRow("on the bus, started by the command") << true << false;
+    QTest::newRow("over the local socket, without a bus") << false << false;
+}
+
+void CommandLineAppTest::commandStartsVeskoAndActs()
+{
+    QFETCH(bool, onBus);
+    QFETCH(bool, activation);
+    Session session;
+    QVERIFY(session.allowActivation(activation));
+    if (!onBus)
+        session.unsetEnvironmentVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
+    QVERIFY(!session.isRunning());
+
+    // No Vesko runs: the command starts one and the note is not dropped.
+    ProgramSession::Outcome added = session.vesko({"add", "--section", "Errands", "buy", "milk"});
+    QVERIFY2(added.exitCode == 0, qPrintable(describe(added)));
+    QVERIFY2(QRegularExpression(QStringLiteral("^[0-9a-f-]{36}\n$"))
+                 .match(QString::fromUtf8(added.output))
+                 .hasMatch(),
+        qPrintable(describe(added)));
+    QVERIFY(session.isRunning());
+    QCOMPARE(busNameOwned(), onBus);
+    QCOMPARE(startedByTheBus(), activation);
+
+    added = session.vesko({"add", "-"}, "line one\n\tline two\n");
+    QVERIFY2(added.exitCode == 0, qPrintable(describe(added)));
+
+    const ProgramSession::Outcome listed = session.vesko({"list", "--json"});
+    QVERIFY2(listed.exitCode == 0, qPrintable(describe(listed)));
+    QCOMPARE(jsonTexts(listed.output), QStringList({"line one\n\tline two", "buy milk"}));
+
+    const ProgramSession::Outcome found = session.vesko({"search", "MILK"});
+    QVERIFY2(found.exitCode == 0, qPrintable(describe(found)));
+    QVERIFY2(QRegularExpression(QStringLiteral("^[0-9a-f-]{36}\tErrands\t\\[ \\]\tbuy milk\n$"))
+                 .match(QString::fromUtf8(found.output))
+                 .hasMatch(),
+        qPrintable(describe(found)));
+    const ProgramSession::Outcome lines = session.vesko({"list", "--section", "inbox"});
+    QVERIFY2(lines.output.endsWith("\t[ ]\tline one\\n\\tline two\n"), qPrintable(describe(lines)));
+
+    // A mistake is the running program's answer, and changes nothing.
+    const ProgramSession::Outcome refused = session.vesko({"add", "--project", "Nowhere", "x"});
+    QCOMPARE(refused.exitCode, 1);
+    QVERIFY2(refused.errors.contains("Nowhere"), qPrintable(describe(refused)));
+
+    // Started for a command, Vesko keeps its panel hidden.
+    QVERIFY(visiblePanel().isEmpty());
+    QVERIFY(session.quit());
+    QCOMPARE(
+        libraryTexts(session.libraryPath()), QStringList({"line one\n\tline two", "buy milk"}));
+}
+
+void CommandLineAppTest::actionsFromTheDesktop()
+{
+    Session session;
+    QProcess *vesko = session.start(QStringLiteral(VESKO_PATH));
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty() && busNameOwned(), 20000);
+    QVERIFY(session.vesko({"add", "first"}).exitCode == 0);
+    QVERIFY(session.vesko({"add", "second"}).exitCode == 0);
+
+    const struct
+    {
+        const char *action;
+        bool visible;
+    } steps[] = {{"hide", false}, {"toggle", true}, {"hide", false}, {"show", true},
+        {"hide", false}, {"quick-add", true}, {"hide", false}};
+    int number = 0;
+    for (const auto &step : steps) {
+        const QByteArray label = QByteArray::number(++number) + ". " + step.action;
+        const ProgramSession::Outcome outcome = session.action(QString::fromLatin1(step.action));
+        QVERIFY2(outcome.exitCode == 0,
+            qPrintable(QStringLiteral("%1: %2").arg(step.action, describe(outcome))));
+        QTRY_VERIFY2_WITH_TIMEOUT(
+            visiblePanel().isEmpty() != step.visible, label.constData(), 10000);
+        // A shown panel takes the keyboard.
+        if (step.visible) {
+            QTRY_COMPARE_WITH_TIMEOUT(
+                Test::xdotool({QStringLiteral("getwindowfocus")}), visiblePanel(), 10000);
+        }
+    }
+    // Activate, and a second launch, show the panel too.
+    QVERIFY(session.gdbus(QStringLiteral("Activate"), {QStringLiteral("{}")}).exitCode == 0);
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 10000);
+    QVERIFY(session.vesko({"hide"}).exitCode == 0);
+    QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), 10000);
+    const ProgramSession::Outcome second = session.vesko({});
+    QVERIFY2(second.exitCode == 0, qPrintable(describe(second)));
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 10000);
+
+    // Copy as a list: every visible note, as nothing is selected.
+    QVERIFY(session.action(QStringLiteral("copy-list")).exitCode == 0);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        QRegularExpression(QStringLiteral("first\n.*second"))
+            .match(QString::fromUtf8(session
+                                         .run(QStringLiteral("xclip"),
+                                             {QStringLiteral("-o"), QStringLiteral("-selection"),
+                                                 QStringLiteral("clipboard")})
+                                         .output))
+            .hasMatch(),
+        10000);
+    QCOMPARE(session.action(QStringLiteral("capture")).exitCode, 0);
+
+    const ProgramSession::Outcome unknown = session.action(QStringLiteral("explode"));
+    QVERIFY(unknown.exitCode != 0);
+    QVERIFY2(unknown.errors.contains("Unknown action"), qPrintable(describe(unknown)));
+    const ProgramSession::Outcome withParameter = session.gdbus(QStringLiteral("ActivateAction"),
+        {QStringLiteral("toggle"), QStringLiteral("[<1>]"), QStringLiteral("{}")});
+    QVERIFY(withParameter.exitCode != 0);
+
+    QCOMPARE(session.action(QStringLiteral("quit")).exitCode, 0);
+    QVERIFY(vesko->waitForFinished(20000));
+    QCOMPARE(vesko->exitCode(), 0);
+    QCOMPARE(libraryTexts(session.libraryPath()), QStringList({"first", "second"}));
+    QTRY_VERIFY_WITH_TIMEOUT(!busNameOwned(), 10000);
+}
+
+void CommandLineAppTest::racingCommandsMeetOneVesko()
+{
+    Session session;
+    for (int round = 1; round <= 3; ++round) {
+        QList<QProcess *> racers;
+        for (int i = 0; i < 3; ++i) {
+            racers.append(session.start(QStringLiteral(VESKO_PATH),
+                {QStringLiteral("add"), QStringLiteral("note %1.%2").arg(round).arg(i)}));
+        }
+        for (QProcess *racer : std::as_const(racers)) {
+            QVERIFY(racer->waitForFinished(90000));
+            QCOMPARE(racer->exitCode(), 0);
+        }
+        const ProgramSession::Outcome listed = session.vesko({"list", "--json"});
+        QStringList texts = jsonTexts(listed.output);
+        texts.sort();
+        QCOMPARE(texts.mid(texts.size() - 3),
+            QStringList({QStringLiteral("note %1.0").arg(round),
+                QStringLiteral("note %1.1").arg(round), QStringLiteral("note %1.2").arg(round)}));
+        QVERIFY(session.quit());
+        QTRY_VERIFY_WITH_TIMEOUT(!busNameOwned(), 10000);
+    }
+    QCOMPARE(libraryTexts(session.libraryPath()).size(), 9);
+}
+
+QTEST_GUILESS_MAIN(CommandLineAppTest)
+
+#include "tst_commandlineapp.moc"
