@@ -27,13 +27,20 @@ packages=(
     # desktop-file-validate checks the desktop entry in the tests
     desktop-file-utils
     # the Model Context Protocol server is tested with the protocol's own client
-    # library (tests/mcp, installed from npm by scripts/install-test-node.sh)
-    nodejs npm
+    # library (tests/mcp, installed from npm by scripts/install-test-node.sh);
+    # npm is added below where no Node.js package brought it along
+    nodejs
     # runtime plugins
     qt6-qpa-plugins fonts-dejavu-core
     # the file types of attachments
     shared-mime-info
 )
+
+# A Node.js from another source than Debian carries its own npm, which
+# Debian's npm package cannot be installed beside.
+if ! command -v npm >/dev/null 2>&1; then
+    packages+=(npm)
+fi
 
 missing=()
 for p in "${packages[@]}"; do

@@ -6,6 +6,7 @@
 #include <QSocketNotifier>
 
 #include <xcb/res.h>
+#include <xcb/xinput.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -67,6 +68,34 @@ std::optional<uint8_t> X11Connection::extensionOpcode(const char *name)
         opcode = reply->major_opcode;
     std::free(reply);
     return opcode;
+}
+
+std::optional<uint8_t> X11Connection::selectRawKeyEvents(uint32_t mask)
+{
+    const std::optional<uint8_t> opcode = extensionOpcode("XInputExtension");
+    if (!opcode)
+        return std::nullopt;
+    xcb_input_xi_query_version_reply_t *version = xcb_input_xi_query_version_reply(
+        m_connection, xcb_input_xi_query_version(m_connection, 2, 2), nullptr);
+    const bool hasRawEvents = version
+        && (version->major_version > 2
+            || (version->major_version == 2 && version->minor_version >= 1));
+    std::free(version);
+    if (!hasRawEvents)
+        return std::nullopt;
+    struct
+    {
+        xcb_input_event_mask_t header;
+        uint32_t bits;
+    } selection;
+    selection.header.deviceid = XCB_INPUT_DEVICE_ALL_MASTER;
+    selection.header.mask_len = 1;
+    selection.bits = mask;
+    xcb_generic_error_t *error = xcb_request_check(m_connection,
+        xcb_input_xi_select_events_checked(m_connection, m_root, 1, &selection.header));
+    const bool selected = error == nullptr;
+    std::free(error);
+    return selected ? opcode : std::nullopt;
 }
 
 void X11Connection::setEventHandler(std::function<void(xcb_generic_event_t *)> handler)

@@ -35,6 +35,11 @@ public:
     xcb_atom_t atom(const char *name);
     //! The first major opcode of an extension the server offers, if it does.
     std::optional<uint8_t> extensionOpcode(const char *name);
+    //! Selects XInput 2's raw key events in \a mask (XCB_INPUT_XI_EVENT_MASK_RAW_KEY_…)
+    //! of every master device on the root window. From XInput 2.1 on the
+    //! server sends them whatever grab or focus the keys go to. The XInput
+    //! opcode when it worked.
+    std::optional<uint8_t> selectRawKeyEvents(uint32_t mask);
 
     //! Every event read from the connection goes to \a handler, on the main thread.
     void setEventHandler(std::function<void(xcb_generic_event_t *)> handler);

@@ -43,39 +43,6 @@ bool enableDetectableAutoRepeat(xcb_connection_t *c)
     return enabled;
 }
 
-//! Selects XInput 2's raw key releases on the root window: the server sends
-//! them whatever grab or focus the key's own release goes to. The XInput
-//! opcode when it worked.
-std::optional<uint8_t> selectRawReleases(X11Connection &connection)
-{
-    const std::optional<uint8_t> opcode = connection.extensionOpcode("XInputExtension");
-    if (!opcode)
-        return std::nullopt;
-    xcb_connection_t *c = connection.get();
-    // Raw events reach a client outside of its own grabs from version 2.1 on.
-    xcb_input_xi_query_version_reply_t *version
-        = xcb_input_xi_query_version_reply(c, xcb_input_xi_query_version(c, 2, 2), nullptr);
-    const bool hasRawEvents = version
-        && (version->major_version > 2
-            || (version->major_version == 2 && version->minor_version >= 1));
-    std::free(version);
-    if (!hasRawEvents)
-        return std::nullopt;
-    struct
-    {
-        xcb_input_event_mask_t header;
-        uint32_t bits;
-    } mask;
-    mask.header.deviceid = XCB_INPUT_DEVICE_ALL_MASTER;
-    mask.header.mask_len = 1;
-    mask.bits = XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
-    xcb_generic_error_t *error = xcb_request_check(
-        c, xcb_input_xi_select_events_checked(c, connection.root(), 1, &mask.header));
-    const bool selected = error == nullptr;
-    std::free(error);
-    return selected ? opcode : std::nullopt;
-}
-
 } // namespace
 
 X11HotKeys::X11HotKeys()
@@ -90,7 +57,8 @@ X11HotKeys::X11HotKeys()
         return;
     }
     m_detectableAutoRepeat = enableDetectableAutoRepeat(m_connection->get());
-    m_xinputOpcode = selectRawReleases(*m_connection);
+    // The raw releases tell when a held key is let go, wherever the release went.
+    m_xinputOpcode = m_connection->selectRawKeyEvents(XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
     m_connection->setEventHandler([this](xcb_generic_event_t *event) { handleEvent(event); });
 }
 

@@ -25,30 +25,10 @@ bool X11KeyMonitor::start(std::function<void(const KeyEvent &)> receiver)
     auto connection = std::make_unique<X11Connection>();
     if (!connection->isValid())
         return false;
-    const std::optional<uint8_t> opcode = connection->extensionOpcode("XInputExtension");
+    const std::optional<uint8_t> opcode = connection->selectRawKeyEvents(
+        XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
     if (!opcode)
         return false;
-    xcb_input_xi_query_version_reply_t *version = xcb_input_xi_query_version_reply(
-        connection->get(), xcb_input_xi_query_version(connection->get(), 2, 2), nullptr);
-    const bool hasXI2 = version && version->major_version >= 2;
-    std::free(version);
-    if (!hasXI2)
-        return false;
-
-    struct
-    {
-        xcb_input_event_mask_t header;
-        uint32_t bits;
-    } mask;
-    mask.header.deviceid = XCB_INPUT_DEVICE_ALL_MASTER;
-    mask.header.mask_len = 1;
-    mask.bits = XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
-    xcb_void_cookie_t cookie = xcb_input_xi_select_events_checked(
-        connection->get(), connection->root(), 1, &mask.header);
-    if (xcb_generic_error_t *error = xcb_request_check(connection->get(), cookie)) {
-        std::free(error);
-        return false;
-    }
     m_keyboard = std::make_unique<X11Keyboard>(connection->get());
     m_xinputOpcode = *opcode;
     m_connection = std::move(connection);
