@@ -20,6 +20,7 @@
 #include "platform/ExitHook.h"
 #include "platform/Logging.h"
 #include "platform/TerminationSignals.h"
+#include "platform/qt/SessionBus.h"
 #include "platform/x11/X11Session.h"
 #include "search/SearchIndex.h"
 #include "shell/AppCommands.h"
@@ -96,6 +97,7 @@ bool forwardReopen(const SingleInstance &instance, const QString &libraryPath)
 
 int main(int argc, char *argv[])
 {
+    keepDBusFromStartingABus();
     QApplication::setOrganizationName(QStringLiteral("Vesko"));
     QApplication::setApplicationName(QStringLiteral("Vesko"));
     QApplication::setApplicationVersion(QStringLiteral(VESKO_VERSION));

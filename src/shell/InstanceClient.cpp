@@ -41,7 +41,8 @@ QJsonObject failure(const QString &message)
 
 bool isRegistered(QDBusConnection &bus)
 {
-    return bus.interface()->isServiceRegistered(QLatin1String(ApplicationBus::serviceName)).value();
+    return bus.isConnected() && bus.interface()
+        && bus.interface()->isServiceRegistered(QLatin1String(ApplicationBus::serviceName)).value();
 }
 
 bool canConnect(const QString &socketPath)
