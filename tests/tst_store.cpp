@@ -711,8 +711,7 @@ void StoreTest::unreadableLibraryOutlastsARestart()
     } else if (meanwhile == QLatin1String("damage")) {
         // A second set-aside file wants a name of its own, a second later.
         QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(firstSetAside).fileName()
-                != QStringLiteral("Library-unreadable-%1.json")
-                       .arg(fileNameStamp(currentDate())),
+                != QStringLiteral("Library-unreadable-%1.json").arg(fileNameStamp(currentDate())),
             5000);
         writeFile(path, damaged);
         QTest::ignoreMessage(
@@ -733,8 +732,8 @@ void StoreTest::unreadableLibraryOutlastsARestart()
         store->flushSave();
     }
     for (const QString &text : texts)
-        QCOMPARE(QFileInfo::exists(folder + u'/' + text + QStringLiteral(".json")),
-            kept.contains(text));
+        QCOMPARE(
+            QFileInfo::exists(folder + u'/' + text + QStringLiteral(".json")), kept.contains(text));
     if (toldAgain) {
         store->restoreLatestBackup();
         QTRY_VERIFY(!store->unreadableLibrary());
