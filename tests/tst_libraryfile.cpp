@@ -110,6 +110,8 @@ private Q_SLOTS:
     void sevenSavesKeepFiveBackups();
     void foreignBackupEntriesTakePart();
     void keptBackupsOutlastTheRotation();
+    void unreadableLibraryNoteBelongsToItsFile_data();
+    void unreadableLibraryNoteBelongsToItsFile();
     void failedWritesBackUpEachStateOnce_data();
     void failedWritesBackUpEachStateOnce();
     void filesArePrivateWhateverTheUmask();
@@ -202,7 +204,9 @@ void LibraryFileTest::unreadableFileIsSetAside()
     QCOMPARE(noteCount(library), 0);
 
     QVERIFY(!QFileInfo::exists(m_path));
-    const QStringList names = entries(m_folder);
+    // Beside it only the note that tells the next start of it.
+    QStringList names = entries(m_folder);
+    QVERIFY(names.removeOne(QStringLiteral(".Library.json.unreadable")));
     QCOMPARE(names.size(), 1);
     QVERIFY2(QRegularExpression(
                  QStringLiteral(
@@ -214,7 +218,7 @@ void LibraryFileTest::unreadableFileIsSetAside()
 
     // The next start finds no file and does not read the one set aside.
     QCOMPARE(loadLibrary(m_path).projects.size(), 1);
-    QCOMPARE(entries(m_folder).size(), 1);
+    QCOMPARE(entries(m_folder).size(), 2);
 }
 
 void LibraryFileTest::setAsideNeverOverwrites()
@@ -353,6 +357,81 @@ void LibraryFileTest::keptBackupsOutlastTheRotation()
     QCOMPARE(entries(folder).size(), 5);
     for (const QString &path : kept)
         QVERIFY2(!QFileInfo::exists(path), qPrintable(path));
+}
+
+void LibraryFileTest::unreadableLibraryNoteBelongsToItsFile_data()
+{
+    // What changes before the next start, the library file that start reads
+    // (relative to the case's folder), and the backups it is told of.
+    QTest::addColumn<QString>("meanwhile");
+    QTest::addColumn<QString>("nextLibrary");
+    QTest::addColumn<QStringList>("told");
+    const QStringList both {QStringLiteral("b1.json"), QStringLiteral("b2.json")};
+    QTest::newRow("the same file") << QString() << QStringLiteral("Vesko/Library.json") << both;
+    QTest::newRow("another file in the folder")
+        << QString() << QStringLiteral("Vesko/Other.json") << QStringList();
+    QTest::newRow("another folder")
+        << QString() << QStringLiteral("Elsewhere/Library.json") << QStringList();
+    QTest::newRow("the folder moved as a whole")
+        << QStringLiteral("move folder") << QStringLiteral("Moved/Library.json") << both;
+    QTest::newRow("a backup deleted")
+        << QStringLiteral("delete b1") << QStringLiteral("Vesko/Library.json")
+        << QStringList {QStringLiteral("b2.json")};
+    QTest::newRow("nothing left of it")
+        << QStringLiteral("delete all") << QStringLiteral("Vesko/Library.json") << QStringList();
+    QTest::newRow("a damaged note")
+        << QStringLiteral("damage note") << QStringLiteral("Vesko/Library.json") << QStringList();
+}
+
+void LibraryFileTest::unreadableLibraryNoteBelongsToItsFile()
+{
+    QFETCH(QString, meanwhile);
+    QFETCH(QString, nextLibrary);
+    QFETCH(QStringList, told);
+    for (int i = 1; i <= 2; ++i) {
+        const QString backup = backupsFolder(m_path) + QStringLiteral("/b%1.json").arg(i);
+        writeFile(backup, encodeLibrary(libraryNamed(QStringLiteral("backup %1").arg(i))));
+        setModified(backup, 1700000000 - i);
+    }
+    writeFile(m_path, "not json");
+    QTest::ignoreMessage(
+        QtCriticalMsg, QRegularExpression(QStringLiteral("^Could not read library")));
+    std::optional<UnreadableLibrary> first;
+    loadLibrary(m_path, &first);
+    QVERIFY(first && first->isSetAside);
+
+    const QString root = QFileInfo(m_folder).absolutePath();
+    if (meanwhile == QLatin1String("move folder")) {
+        QVERIFY(QDir().rename(m_folder, root + QStringLiteral("/Moved")));
+    } else if (meanwhile == QLatin1String("delete b1")) {
+        QVERIFY(QFile::remove(first->backups.first()));
+    } else if (meanwhile == QLatin1String("delete all")) {
+        for (const QString &path : std::as_const(first->backups))
+            QVERIFY(QFile::remove(path));
+        QVERIFY(QFile::remove(first->path));
+    } else if (meanwhile == QLatin1String("damage note")) {
+        writeFile(unreadableLibraryNoteFile(m_path), "{\"setAs");
+        QTest::ignoreMessage(
+            QtWarningMsg, QRegularExpression(QStringLiteral("^Could not read .*unreadable")));
+    }
+    // Saves of the new library came in between.
+    const QString next = root + u'/' + nextLibrary;
+    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("new")), next), std::nullopt);
+
+    std::optional<UnreadableLibrary> second;
+    loadLibrary(next, &second);
+    QCOMPARE(second.has_value(), !told.isEmpty());
+    if (!second)
+        return;
+    QStringList names;
+    for (const QString &path : std::as_const(second->backups)) {
+        QCOMPARE(QFileInfo(path).absolutePath(), backupsFolder(next));
+        names.append(QFileInfo(path).fileName());
+    }
+    QCOMPARE(names, told);
+    QCOMPARE(
+        second->path, QFileInfo(next).absoluteDir().filePath(QFileInfo(first->path).fileName()));
+    QCOMPARE(second->reason, first->reason);
 }
 
 void LibraryFileTest::foreignBackupEntriesTakePart()

@@ -419,13 +419,45 @@ void PanelAccessTest::unreadableLibraryIsToldOfAndRestored()
         }
     }
 
-    // Notes typed meanwhile are saved, one save each, more than the backups kept.
-    for (int i = 1; i <= 7; ++i) {
-        type(QStringLiteral("typed %1").arg(i));
-        key(QStringLiteral("Return"));
-        QTest::qWait(700);
-    }
-    QTRY_COMPARE_WITH_TIMEOUT(noteCount(Test::readLibraryFile(session.libraryPath())), 7, 10000);
+    // Notes typed meanwhile are saved, one save each, more than the backups
+    // kept over the two runs.
+    const auto typeNotes = [&session](int from, int to) {
+        for (int i = from; i <= to; ++i) {
+            type(QStringLiteral("typed %1").arg(i));
+            key(QStringLiteral("Return"));
+            QTest::qWait(700);
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(
+            noteCount(Test::readLibraryFile(session.libraryPath())), to, 10000);
+    };
+    typeNotes(1, 4);
+
+    // Quit without acting on it: the next start tells of it again.
+    ::kill(pid_t(vesko->processId()), SIGTERM);
+    QVERIFY(vesko->waitForFinished(15000));
+    QTRY_VERIFY_WITH_TIMEOUT(Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), 10000);
+    vesko = session.start(QStringLiteral(VESKO_PATH));
+    QTRY_VERIFY_WITH_TIMEOUT(!Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), 15000);
+    const QString firstSetAside = std::exchange(setAside, QString());
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [&] {
+            for (const QString &name : tree().names(QStringLiteral("label"))) {
+                if (const QRegularExpressionMatch match = told.match(name); match.hasMatch())
+                    setAside = match.captured(1);
+            }
+            return !setAside.isEmpty();
+        }(),
+        20000);
+    QCOMPARE(setAside, firstSetAside);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [] {
+            const AccessibleTree now = tree();
+            const AccessibleNode *composer
+                = now.find(QStringLiteral("text"), QStringLiteral("Add to Inbox"));
+            return composer && composer->hasState(QStringLiteral("focused"));
+        }(),
+        20000);
+    typeNotes(5, 8);
     QVERIFY(QFileInfo::exists(backup));
 
     // The keyboard reaches the line: Escape hands the keyboard from the empty
@@ -458,6 +490,9 @@ void PanelAccessTest::unreadableLibraryIsToldOfAndRestored()
     QCOMPARE(
         texts, (QStringList {QStringLiteral("Pay the rent"), QStringLiteral("Water the fern")}));
     QVERIFY(QFileInfo::exists(session.libraryFolder() + u'/' + setAside));
+    // Restored, it is not told of again.
+    QVERIFY(
+        !QFileInfo::exists(session.libraryFolder() + QStringLiteral("/.Library.json.unreadable")));
 }
 
 QTEST_GUILESS_MAIN(PanelAccessTest)

@@ -156,6 +156,8 @@ private Q_SLOTS:
     void listPreferencesRefreshRows();
     void restoreLatestBackup_data();
     void restoreLatestBackup();
+    void unreadableLibraryOutlastsARestart_data();
+    void unreadableLibraryOutlastsARestart();
     void moveLibrary();
     void moveThroughALinkToTheSameFolderKeepsEverything();
     void moveIntoTheAttachmentsFolderIsRefused_data();
@@ -638,6 +640,111 @@ void StoreTest::restoreLatestBackup()
     }
     // The file set aside is never touched.
     QCOMPARE(readFile(unreadable->path), damaged);
+}
+
+void StoreTest::unreadableLibraryOutlastsARestart_data()
+{
+    // What happens before the program starts again, whether the news is told
+    // again then, and which of the backups from before the damage outlast
+    // the saves of that next run.
+    QTest::addColumn<QString>("meanwhile");
+    QTest::addColumn<bool>("toldAgain");
+    QTest::addColumn<QStringList>("kept");
+    const QStringList both {QStringLiteral("newest"), QStringLiteral("older")};
+    QTest::newRow("quit without acting") << QStringLiteral("nothing") << true << both;
+    QTest::newRow("dismissed") << QStringLiteral("dismiss") << false << QStringList();
+    QTest::newRow("restored") << QStringLiteral("restore") << false << QStringList();
+    QTest::newRow("a backup deleted by hand")
+        << QStringLiteral("delete newest") << true << QStringList {QStringLiteral("older")};
+    QTest::newRow("unreadable again") << QStringLiteral("damage") << true << both;
+}
+
+void StoreTest::unreadableLibraryOutlastsARestart()
+{
+    QFETCH(QString, meanwhile);
+    QFETCH(bool, toldAgain);
+    QFETCH(QStringList, kept);
+    const QString path = libraryURL();
+    const QString folder = backupsFolder(path);
+    const QStringList texts {QStringLiteral("newest"), QStringLiteral("older")};
+    for (qsizetype i = 0; i < texts.size(); ++i) {
+        Library library = libraryWithNotes(2);
+        library.projects[0].sections[0].notes[0].text = texts[i];
+        const QString backup = folder + u'/' + texts[i] + QStringLiteral(".json");
+        writeFile(backup, encodeLibrary(library));
+        setModified(backup, 1700000000 - i * 60);
+    }
+    const QByteArray damaged = "{\"version\": 3, \"projects\": [tru";
+    writeFile(path, damaged);
+
+    // A start the program's way: the load, then the Store told what it found.
+    const auto start = [this, &path] {
+        std::optional<UnreadableLibrary> unreadable;
+        Library loaded = loadLibrary(path, &unreadable);
+        auto store = std::make_unique<Store>(std::move(loaded),
+            Store::Services {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+        store->setUnreadableLibrary(unreadable);
+        return store;
+    };
+    QTest::ignoreMessage(
+        QtCriticalMsg, QRegularExpression(QStringLiteral("^Could not read library")));
+    std::unique_ptr<Store> store = start();
+    QVERIFY(store->unreadableLibrary());
+    const QString firstSetAside = store->unreadableLibrary()->path;
+    store->addNote(QStringLiteral("typed"));
+    store->flushSave();
+
+    if (meanwhile == QLatin1String("dismiss")) {
+        store->dismissUnreadableLibrary();
+    } else if (meanwhile == QLatin1String("restore")) {
+        store->restoreLatestBackup();
+        QTRY_VERIFY(!store->unreadableLibrary());
+        QCOMPARE(noteTexts(store->library()).first(), texts.first());
+        store->flushSave();
+    }
+    // The program ends; its writer finishes what it was given.
+    store.reset();
+    m_writer = std::make_unique<LibraryWriter>();
+
+    if (meanwhile == QLatin1String("delete newest")) {
+        QVERIFY(QFile::remove(folder + QStringLiteral("/newest.json")));
+    } else if (meanwhile == QLatin1String("damage")) {
+        // A second set-aside file wants a name of its own, a second later.
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(firstSetAside).fileName()
+                != QStringLiteral("Library-unreadable-%1.json").arg(fileNameStamp(currentDate())),
+            5000);
+        writeFile(path, damaged);
+        QTest::ignoreMessage(
+            QtCriticalMsg, QRegularExpression(QStringLiteral("^Could not read library")));
+    }
+
+    store = start();
+    QCOMPARE(store->unreadableLibrary().has_value(), toldAgain);
+    if (toldAgain) {
+        // The line names the file set aside last, which stays untouched.
+        const QString setAside = store->unreadableLibrary()->path;
+        QCOMPARE(setAside != firstSetAside, meanwhile == QLatin1String("damage"));
+        QCOMPARE(readFile(setAside), damaged);
+        QVERIFY(store->unreadableLibrary()->isSetAside);
+    }
+    for (int i = 0; i < libraryBackupCount + 2; ++i) {
+        store->addNote(QStringLiteral("typed after the start %1").arg(i));
+        store->flushSave();
+    }
+    for (const QString &text : texts)
+        QCOMPARE(
+            QFileInfo::exists(folder + u'/' + text + QStringLiteral(".json")), kept.contains(text));
+    if (toldAgain) {
+        store->restoreLatestBackup();
+        QTRY_VERIFY(!store->unreadableLibrary());
+        QCOMPARE(noteTexts(store->library()).first(), kept.first());
+    }
+
+    // Once acted on, the next start tells nothing.
+    store.reset();
+    m_writer = std::make_unique<LibraryWriter>();
+    store = start();
+    QVERIFY(!store->unreadableLibrary());
 }
 
 void StoreTest::moveLibrary()

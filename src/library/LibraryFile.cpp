@@ -9,9 +9,13 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QUuid>
 
 #include <algorithm>
 
@@ -194,21 +198,37 @@ std::optional<Library> readLibraryFile(const QString &path, QString *error)
 
 Library loadLibrary(const QString &path, std::optional<UnreadableLibrary> *unreadable)
 {
-    if (!FileSystem::exists(path))
+    if (!FileSystem::exists(path)) {
+        // Set aside at an earlier start that ended before its first save.
+        if (unreadable)
+            *unreadable = readUnreadableLibraryNote(path);
         return makeDefaultLibrary();
+    }
 
     removeStaleTemporaryFiles(path);
 
     QString error;
-    if (std::optional<Library> library = readLibraryFile(path, &error))
+    if (std::optional<Library> library = readLibraryFile(path, &error)) {
+        // An earlier start may have found the file unreadable, and the user
+        // quit before acting on it: the news and its backups still stand.
+        if (unreadable)
+            *unreadable = readUnreadableLibraryNote(path);
         return *std::move(library);
+    }
 
     qCCritical(
         lcStorage, "Could not read library at %s: %s", qUtf8Printable(path), qUtf8Printable(error));
     const std::optional<QString> setAside = setAsideUnreadableLibrary(path);
+    // The backups kept for an earlier unreadable file are still in the
+    // folder, so the listing holds them too.
+    const UnreadableLibrary found {
+        setAside.value_or(path), setAside.has_value(), error, libraryBackups(path)};
+    // Noted at once, before any save can rotate a backup away: the news
+    // must outlast this run when the user quits without acting on it.
+    if (auto failure = writeUnreadableLibraryNote(path, found))
+        qCWarning(lcStorage, "Could not note the unreadable library: %s", qUtf8Printable(*failure));
     if (unreadable)
-        *unreadable = UnreadableLibrary {
-            setAside.value_or(path), setAside.has_value(), error, libraryBackups(path)};
+        *unreadable = found;
     return makeDefaultLibrary();
 }
 
@@ -255,6 +275,81 @@ std::vector<BackupEntry> listBackupEntries(const QString &folder)
 }
 
 } // namespace
+
+QString unreadableLibraryNoteFile(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.absoluteDir().filePath(u'.' + info.fileName() + QStringLiteral(".unreadable"));
+}
+
+// The note names files, not paths: the set-aside file lies beside the
+// library, the backups in its "Library Backups", wherever the folder is.
+std::optional<UnreadableLibrary> readUnreadableLibraryNote(const QString &path)
+{
+    QFile file(unreadableLibraryNoteFile(path));
+    if (!file.exists())
+        return std::nullopt;
+    if (!file.open(QIODevice::ReadOnly)) {
+        qCWarning(lcStorage, "Could not read %s: %s", qUtf8Printable(file.fileName()),
+            qUtf8Printable(file.errorString()));
+        return std::nullopt;
+    }
+    QJsonParseError parseError;
+    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &parseError);
+    const QJsonObject note = document.object();
+    const QString setAsideName = note.value(u"setAside").toString();
+    if (document.isNull() || setAsideName.isEmpty() || setAsideName.contains(u'/')) {
+        qCWarning(lcStorage, "Could not read %s: %s", qUtf8Printable(file.fileName()),
+            qUtf8Printable(parseError.errorString()));
+        return std::nullopt;
+    }
+
+    const QDir folder = QFileInfo(path).absoluteDir();
+    const QDir backups(backupsFolder(path));
+    UnreadableLibrary unreadable;
+    unreadable.path = folder.filePath(setAsideName);
+    unreadable.isSetAside = note.value(u"isSetAside").toBool();
+    unreadable.reason = note.value(u"reason").toString();
+    const QJsonArray names = note.value(u"backups").toArray();
+    for (const QJsonValue &name : names) {
+        // One the user deleted by hand is no longer there to keep or restore.
+        const QString backup = backups.filePath(name.toString());
+        if (!name.toString().isEmpty() && !name.toString().contains(u'/')
+            && FileSystem::exists(backup))
+            unreadable.backups.append(backup);
+    }
+    if (unreadable.backups.isEmpty() && !FileSystem::exists(unreadable.path))
+        return std::nullopt;
+    return unreadable;
+}
+
+std::optional<QString> writeUnreadableLibraryNote(
+    const QString &path, const std::optional<UnreadableLibrary> &unreadable)
+{
+    const QString noteFile = unreadableLibraryNoteFile(path);
+    if (!unreadable) {
+        if (!FileSystem::exists(noteFile) || QFile::remove(noteFile))
+            return std::nullopt;
+        return FileSystem::lastErrorText();
+    }
+    QJsonArray backups;
+    for (const QString &backup : unreadable->backups)
+        backups.append(QFileInfo(backup).fileName());
+    const QJsonObject note {
+        {QStringLiteral("setAside"), QFileInfo(unreadable->path).fileName()},
+        {QStringLiteral("isSetAside"), unreadable->isSetAside},
+        {QStringLiteral("reason"), unreadable->reason},
+        {QStringLiteral("backups"), backups},
+    };
+    const QString temporary = noteFile + u'.' + QUuid::createUuid().toString(QUuid::WithoutBraces);
+    if (auto failure = FileSystem::writeNewFile(temporary, QJsonDocument(note).toJson()))
+        return failure;
+    if (auto failure = FileSystem::replaceFile(temporary, noteFile)) {
+        QFile::remove(temporary);
+        return failure;
+    }
+    return std::nullopt;
+}
 
 QStringList libraryBackups(const QString &path)
 {

@@ -58,8 +58,10 @@ struct UnreadableLibrary
 
 //! Reads the library at libraryURL(). A missing file gives a new library and
 //! writes nothing; an unreadable one is logged, set aside and replaced by a
-//! new library, and what the load found is told in \a unreadable, when given.
-//! Temporary files left by an interrupted write are removed.
+//! new library, and what the load found is told in \a unreadable, when given,
+//! and noted beside the library (see unreadableLibraryNoteFile()). Without a
+//! new failure, \a unreadable tells what an earlier start noted and the user
+//! has not acted on yet. Temporary files left by an interrupted write are removed.
 Library loadLibrary();
 Library loadLibrary(const QString &path, std::optional<UnreadableLibrary> *unreadable = nullptr);
 
@@ -71,6 +73,20 @@ std::optional<Library> readLibraryFile(const QString &path, QString *error);
 //! and returns its new path. Never overwrites; a failure leaves the file
 //! where it is and returns nothing.
 std::optional<QString> setAsideUnreadableLibrary(const QString &path);
+
+//! ".<library file name>.unreadable" beside the library file at \a path: what
+//! a start found unreadable there, kept until the user restores or dismisses it.
+QString unreadableLibraryNoteFile(const QString &path);
+
+//! What the note beside the library at \a path tells, without the backups
+//! that are gone since; nothing when there is no note, it cannot be read, or
+//! neither the set-aside file nor any of its backups is left.
+std::optional<UnreadableLibrary> readUnreadableLibraryNote(const QString &path);
+
+//! Notes \a unreadable beside the library at \a path, replacing an earlier
+//! note in one step; nothing removes the note. Returns the failure text.
+std::optional<QString> writeUnreadableLibraryNote(
+    const QString &path, const std::optional<UnreadableLibrary> &unreadable);
 
 //! The entries of "Library Backups" beside the library file at \a path,
 //! whatever their names, newest first by modification date; an entry whose

@@ -3,6 +3,7 @@
 #include "library/LibraryWriter.h"
 
 #include "library/LibraryFile.h"
+#include "platform/Logging.h"
 #include "platform/SerialQueue.h"
 
 #include <QCoreApplication>
@@ -77,6 +78,16 @@ std::optional<QString> LibraryWriter::writeNow(const Library &library, const QSt
 void LibraryWriter::keepBackups(const QStringList &paths)
 {
     m_queue->async([paths, kept = m_keptBackups] { *kept = paths; });
+}
+
+void LibraryWriter::noteUnreadableLibrary(
+    const QString &libraryPath, const std::optional<UnreadableLibrary> &unreadable)
+{
+    m_queue->async([libraryPath, unreadable] {
+        if (auto failure = writeUnreadableLibraryNote(libraryPath, unreadable))
+            qCWarning(lcStorage, "Could not note the unreadable library beside %s: %s",
+                qUtf8Printable(libraryPath), qUtf8Printable(*failure));
+    });
 }
 
 void LibraryWriter::readFirstReadable(

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "library/Library.h"
+#include "library/LibraryFile.h"
 
 #include <QObject>
 
@@ -54,6 +55,12 @@ public:
     //! are kept whatever the rotation (see backUpLibraryFile()); an empty
     //! list lets them go again.
     void keepBackups(const QStringList &paths);
+
+    //! Queues the note of an unreadable library beside the library file at
+    //! \a libraryPath: written, or removed when \a unreadable is empty (see
+    //! writeUnreadableLibraryNote()). A failure is logged.
+    void noteUnreadableLibrary(
+        const QString &libraryPath, const std::optional<UnreadableLibrary> &unreadable);
 
     //! A library read back from one of several files.
     struct Found

@@ -125,6 +125,8 @@ public:
     //! restoreFailure() says so and nothing changes.
     void restoreLatestBackup();
     //! The user has seen the news: it goes, and the backups rotate again.
+    //! Like a restore, this removes the note that carried the news from
+    //! start to start (see readUnreadableLibraryNote()).
     void dismissUnreadableLibrary();
     //! A restore is being read.
     bool isRestoringBackup() const { return m_isRestoringBackup; }
@@ -414,6 +416,8 @@ private:
     //! Raised to cancel the copy of the move under way.
     std::shared_ptr<std::atomic_bool> m_moveCancelled;
     std::optional<UnreadableLibrary> m_unreadable;
+    //! The library file beside which the load noted m_unreadable.
+    QString m_unreadableNotedAt;
     bool m_isRestoringBackup = false;
     QString m_restoreFailure;
     //! New attachment files that wait for the move to end.

@@ -3,7 +3,9 @@
 // A library file that could not be read at start: the Store keeps the news
 // until the user acts on it, keeps the backups the load found out of the
 // rotation meanwhile (after a restore, until the program ends), and restores
-// the newest of them that reads as one change that can be undone.
+// the newest of them that reads as one change that can be undone. The note
+// beside the library that carries the news to later starts goes when the
+// user acts on it.
 
 #include "store/Store.h"
 
@@ -19,6 +21,12 @@ void Store::setUnreadableLibrary(const std::optional<UnreadableLibrary> &unreada
 {
     if (unreadable == m_unreadable)
         return;
+    // The news belongs to the library file it was found for, wherever the
+    // library has moved since: that is where the note lies.
+    if (unreadable && !m_unreadable)
+        m_unreadableNotedAt = libraryFile();
+    if (!unreadable && m_unreadable)
+        m_writer.noteUnreadableLibrary(m_unreadableNotedAt, std::nullopt);
     m_unreadable = unreadable;
     m_restoreFailure.clear();
     // The saves of the new library would otherwise push the backups of the
@@ -72,6 +80,7 @@ void Store::restoreLatestBackup()
             // run: the saves of the library just replaced must not push the
             // user's older states out either.
             m_unreadable.reset();
+            m_writer.noteUnreadableLibrary(m_unreadableNotedAt, std::nullopt);
             Q_EMIT unreadableLibraryChanged();
         });
 }
