@@ -153,6 +153,10 @@ int main(int argc, char *argv[])
     if (claim == SingleInstance::Claim::Failed) {
         qCWarning(lcStorage, "Cannot make sure that Vesko runs once: %s",
             qUtf8Printable(instance.failure()));
+        // Started for a command, this process could be reached by no one and
+        // might write the library beside another instance: better not run.
+        if (inBackground)
+            return 1;
     } else if (const std::optional<QString> failure = instance.listen()) {
         qCWarning(lcStorage, "Cannot accept other launches: %s", qUtf8Printable(*failure));
     }

@@ -12,6 +12,7 @@
 #include "shell/McpServer.h"
 #include "shell/NoteRequests.h"
 
+#include <QBuffer>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSignalSpy>
@@ -73,6 +74,8 @@ private Q_SLOTS:
     void mcpMessages();
     void mcpToolsBecomeRequests_data();
     void mcpToolsBecomeRequests();
+    void mcpLinesAreBounded_data();
+    void mcpLinesAreBounded();
 };
 
 void CommandLineTest::parse_data()
@@ -187,20 +190,19 @@ void CommandLineTest::add_data()
 {
     QTest::addColumn<QJsonObject>("request");
     QTest::addColumn<QString>("section"); // where the note lands, "project/section"
-    QTest::addColumn<bool>("activeProjectStays");
 
     const QJsonObject base {{"command", "add"}, {"text", "  fresh note \n"}};
-    QTest::newRow("the active section") << base << "P/Work" << true;
+    QTest::newRow("the active section") << base << "P/Work";
     QJsonObject inSection = base;
     inSection.insert("section", "inbox");
-    QTest::newRow("a section by title, in any case") << inSection << "P/Inbox" << true;
+    QTest::newRow("a section by title, in any case") << inSection << "P/Inbox";
     inSection.insert("section", "Later");
-    QTest::newRow("a section that is made") << inSection << "P/Later" << true;
+    QTest::newRow("a section that is made") << inSection << "P/Later";
     QJsonObject inProject = base;
     inProject.insert("project", "q");
-    QTest::newRow("another project's active section") << inProject << "Q/Home" << true;
+    QTest::newRow("another project's active section") << inProject << "Q/Home";
     inProject.insert("section", "Errands");
-    QTest::newRow("another project's new section") << inProject << "Q/Errands" << true;
+    QTest::newRow("another project's new section") << inProject << "Q/Errands";
 }
 
 void CommandLineTest::add()
@@ -395,6 +397,9 @@ void CommandLineTest::mcpMessages_data()
     QTest::newRow("a call without a name")
         << QByteArray(R"({"jsonrpc":"2.0","id":9,"method":"tools/call","params":{"arguments":{}}})")
         << QByteArray(R"({"error":{"code":-32602},"id":9})");
+    QTest::newRow("an unknown tool") << QByteArray(
+        R"({"jsonrpc":"2.0","id":7,"method":"tools/call","params":{"name":"delete_all"}})")
+                                     << QByteArray(R"({"error":{"code":-32602},"id":7})");
 }
 
 // Whether \a actual holds every member of \a expected, objects compared member by member.
@@ -469,8 +474,6 @@ void CommandLineTest::mcpToolsBecomeRequests_data()
     QTest::newRow("ids that are no strings")
         << "set_done" << QJsonObject {{"ids", QJsonArray {1}}, {"done", true}} << QJsonObject {}
         << "must be a string";
-    QTest::newRow("unknown tool") << "delete_all" << QJsonObject {} << QJsonObject {}
-                                  << "Unknown tool";
 }
 
 void CommandLineTest::mcpToolsBecomeRequests()
@@ -510,6 +513,49 @@ void CommandLineTest::mcpToolsBecomeRequests()
         QCOMPARE(refused.value("content").toArray().first().toObject().value("text").toString(),
             QStringLiteral("No such thing."));
     }
+}
+
+void CommandLineTest::mcpLinesAreBounded_data()
+{
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<QList<int>>("codes"); // each answer's error code, 0 for a result
+
+    const QByteArray ping = R"({"jsonrpc":"2.0","id":1,"method":"ping"})";
+    const QByteArray padded = R"({"jsonrpc":"2.0","id":1,"method":"ping","pad":")";
+    const auto ofLength = [&padded](int length) {
+        return padded + QByteArray(length - padded.size() - 2, 'x') + "\"}";
+    };
+    QTest::newRow("lines within the bound") << ping + '\n' + ping + '\n' << QList<int> {0, 0};
+    QTest::newRow("a last line without its line break") << ping << QList<int> {0};
+    QTest::newRow("a line of just the bound") << ofLength(100) + '\n' << QList<int> {0};
+    QTest::newRow("a line one past the bound, then a good one") << ofLength(101) + '\n' + ping
+            + '\n' << QList<int> {-32700, 0};
+    QTest::newRow("a line far past the bound, in many reads") << ofLength(300000) + '\n' + ping
+            + '\n' << QList<int> {-32700, 0};
+    QTest::newRow("a long line at the end, without its line break")
+        << ping + '\n' + ofLength(300000) << QList<int> {0, -32700};
+}
+
+void CommandLineTest::mcpLinesAreBounded()
+{
+    QFETCH(QByteArray, input);
+    QFETCH(QList<int>, codes);
+    McpServer server([](const QJsonObject &) { return QJsonObject {{"ok", true}}; });
+    QBuffer in(&input);
+    QVERIFY(in.open(QIODevice::ReadOnly));
+    QByteArray written;
+    QBuffer out(&written);
+    QVERIFY(out.open(QIODevice::WriteOnly));
+
+    QCOMPARE(server.serve(in, out, 100), 0);
+    QList<int> answered;
+    for (const QByteArray &line : written.split('\n')) {
+        if (!line.isEmpty()) {
+            const QJsonObject answer = QJsonDocument::fromJson(line).object();
+            answered.append(answer.value("error").toObject().value("code").toInt());
+        }
+    }
+    QCOMPARE(answered, codes);
 }
 
 int main(int argc, char *argv[])

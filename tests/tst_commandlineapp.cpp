@@ -12,10 +12,13 @@
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
+#include <QScopeGuard>
+#include <QSemaphore>
 #include <QTest>
 
 using namespace Vesko;
@@ -135,8 +138,12 @@ private Q_SLOTS:
     void initTestCase();
     void refusedWithoutAnything_data();
     void refusedWithoutAnything();
+    void stoppingWithNoneRunning_data();
+    void stoppingWithNoneRunning();
     void commandStartsVeskoAndActs_data();
     void commandStartsVeskoAndActs();
+    void backgroundStartWithoutLock();
+    void silentOwnerOfTheName();
     void actionsFromTheDesktop();
     void racingCommandsMeetOneVesko();
 };
@@ -202,6 +209,33 @@ void CommandLineAppTest::refusedWithoutAnything()
     QVERIFY(!QFile::exists(session.libraryPath()));
 }
 
+void CommandLineAppTest::stoppingWithNoneRunning_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<bool>("onBus");
+    QTest::newRow("quit, the bus may start Vesko") << "quit" << true;
+    QTest::newRow("hide, the bus may start Vesko") << "hide" << true;
+    QTest::newRow("quit without a bus") << "quit" << false;
+    QTest::newRow("hide without a bus") << "hide" << false;
+}
+
+void CommandLineAppTest::stoppingWithNoneRunning()
+{
+    QFETCH(QString, command);
+    QFETCH(bool, onBus);
+    Session session;
+    QVERIFY(session.allowActivation(onBus));
+    if (!onBus)
+        session.unsetEnvironmentVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
+
+    const ProgramSession::Outcome outcome = session.vesko({command});
+    QVERIFY2(outcome.finished && outcome.exitCode == 0 && outcome.errors.isEmpty(),
+        qPrintable(describe(outcome)));
+    QVERIFY(!session.isRunning());
+    QVERIFY(!busNameOwned());
+    QVERIFY(!QFile::exists(session.libraryPath()));
+}
+
 void CommandLineAppTest::commandStartsVeskoAndActs_data()
 {
     QTest::addColumn<bool>("onBus");
@@ -260,6 +294,69 @@ void CommandLineAppTest::commandStartsVeskoAndActs()
         libraryTexts(session.libraryPath()), QStringList({"line one\n\tline two", "buy milk"}));
 }
 
+void CommandLineAppTest::backgroundStartWithoutLock()
+{
+    Session session;
+    // A folder where the lock file should be: the lock cannot be made.
+    const QString lockPath = SingleInstance(session.libraryPath()).lockPath();
+    QVERIFY(!lockPath.isEmpty());
+    QVERIFY(QDir().mkpath(lockPath));
+    const auto removeLock = qScopeGuard([&lockPath] { QDir(lockPath).removeRecursively(); });
+
+    const ProgramSession::Outcome outcome = session.vesko({QStringLiteral("--background")});
+    QVERIFY2(outcome.finished && outcome.exitCode != 0, qPrintable(describe(outcome)));
+    QVERIFY(!busNameOwned());
+    QVERIFY(!QFile::exists(session.libraryPath()));
+}
+
+// Owns the program's object path in this test process and answers no call
+// until it is let go.
+class SilentInstance : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.vesko.Vesko.Notes")
+public:
+    void letGo() { m_answer.release(1000); }
+public Q_SLOTS:
+    QString Instance()
+    {
+        m_answer.acquire();
+        return QStringLiteral("vesko-0000000000000000");
+    }
+
+private:
+    QSemaphore m_answer;
+};
+
+void CommandLineAppTest::silentOwnerOfTheName()
+{
+    Session session;
+    QVERIFY(session.allowActivation(true));
+    SilentInstance silent;
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    QVERIFY(bus.registerObject(
+        QStringLiteral("/com/vesko/Vesko"), &silent, QDBusConnection::ExportAllSlots));
+    QVERIFY(bus.registerService(busName));
+    const auto release = qScopeGuard([&bus, &silent] {
+        silent.letGo();
+        bus.unregisterService(busName);
+        bus.unregisterObject(QStringLiteral("/com/vesko/Vesko"));
+    });
+
+    // The library's lock is held, as by a Vesko that hangs: a started one
+    // ends at once, and the command can only wait.
+    SingleInstance lock(session.libraryPath());
+    QCOMPARE(lock.claim(), SingleInstance::Claim::Acquired);
+
+    // Within the start bound and the run's limit, with the truth about why.
+    const ProgramSession::Outcome outcome
+        = session.run(QStringLiteral(VESKO_PATH), {QStringLiteral("list")}, {}, 60000);
+    silent.letGo();
+    QVERIFY2(outcome.finished && outcome.exitCode == 1, qPrintable(describe(outcome)));
+    QVERIFY2(outcome.errors.contains("runs but did not answer within 30 seconds"),
+        qPrintable(describe(outcome)));
+}
+
 void CommandLineAppTest::actionsFromTheDesktop()
 {
     Session session;
@@ -308,7 +405,6 @@ void CommandLineAppTest::actionsFromTheDesktop()
                                          .output))
             .hasMatch(),
         10000);
-    QCOMPARE(session.action(QStringLiteral("capture")).exitCode, 0);
 
     const ProgramSession::Outcome unknown = session.action(QStringLiteral("explode"));
     QVERIFY(unknown.exitCode != 0);

@@ -96,6 +96,8 @@ private Q_SLOTS:
     void undoInATextFieldTypingFirstThenTheLibrary();
     void showingOrHidingThePanelSavesAnOpenEdit_data();
     void showingOrHidingThePanelSavesAnOpenEdit();
+    void toggleRightAfterShowing_data();
+    void toggleRightAfterShowing();
 
 private:
     PanelRootView &showRoot(const QStringList &projects);
@@ -631,6 +633,38 @@ void PanelKeysTest::undoInATextFieldTypingFirstThenTheLibrary()
     QVERIFY(store.note(idFor("a")));
     press(Qt::Key_Z, ctrl | shift);
     QVERIFY(!store.note(idFor("a")));
+}
+
+void PanelKeysTest::toggleRightAfterShowing_data()
+{
+    QTest::addColumn<bool>("activate");
+    QTest::addColumn<bool>("keysTakenAway"); // another window became active after the show
+    QTest::addColumn<bool>("shownAfter");
+    QTest::newRow("before the keyboard arrives") << true << false << false;
+    QTest::newRow("after another window took the keyboard") << true << true << true;
+    QTest::newRow("shown without the keyboard") << false << false << true;
+}
+
+void PanelKeysTest::toggleRightAfterShowing()
+{
+    QFETCH(bool, activate);
+    QFETCH(bool, keysTakenAway);
+    QFETCH(bool, shownAfter);
+    Store &store = m_fixture->make({"*Inbox:a"});
+    PanelController panel(store, *m_state, m_fixture->preferences());
+    QWidget other;
+    panel.show(activate, false);
+    if (keysTakenAway) {
+        QVERIFY(QTest::qWaitForWindowExposed(panel.panel()));
+        QApplication::setActiveWindow(panel.panel());
+        QTRY_VERIFY(panel.panel()->isActiveWindow());
+        other.show();
+        QApplication::setActiveWindow(&other);
+        QTRY_VERIFY(!panel.panel()->isActiveWindow());
+    }
+    // No event is handled in between: the window manager has not answered.
+    panel.toggle();
+    QCOMPARE(panel.isPanelShown(), shownAfter);
 }
 
 void PanelKeysTest::showingOrHidingThePanelSavesAnOpenEdit_data()

@@ -64,6 +64,7 @@ void PanelController::makePanel()
     connect(m_panel, &PanelWindow::moved, this, &PanelController::recordFrame);
     connect(m_panel, &PanelWindow::resized, this, &PanelController::recordFrame);
     connect(m_panel, &PanelWindow::becameActive, this, [this] { m_state.setVisible(true); });
+    connect(m_panel, &PanelWindow::becameInactive, this, [this] { m_keyRequested = false; });
     connect(m_panel, &PanelWindow::framePainted, this, &PanelController::fadeBegan);
 
     m_fade = new QPropertyAnimation(m_panel, "windowOpacity", this);
@@ -115,6 +116,7 @@ void PanelController::show(bool activate, bool focusComposer)
         m_panel->raise();
     }
     if (activate || focusComposer) {
+        m_keyRequested = true;
         m_panel->raise();
         m_panel->activateWindow();
     }
@@ -149,6 +151,7 @@ void PanelController::hide()
     endNoteEdit();
     m_store.setEditingNoteID(std::nullopt);
     m_fadingOut = true;
+    m_keyRequested = false;
     fade(0.0, fadeOutMilliseconds);
     m_state.setVisible(false);
 }
@@ -173,7 +176,9 @@ void PanelController::fade(double to, int milliseconds)
 
 void PanelController::toggle()
 {
-    if (isPanelShown() && m_panel->isActiveWindow())
+    // Right after show() the window manager may not have handed the panel
+    // the keyboard yet: a second toggle then still hides it.
+    if (isPanelShown() && (m_panel->isActiveWindow() || m_keyRequested))
         hide();
     else
         show(true, true);

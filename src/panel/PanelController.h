@@ -89,6 +89,9 @@ private:
     QPointer<PanelWindow> m_panel;
     QPropertyAnimation *m_fade = nullptr;
     bool m_fadingOut = false;
+    //! show() asked for the keyboard, and the panel has not lost it or been
+    //! hidden since: the window manager may not have handed it over yet.
+    bool m_keyRequested = false;
     bool m_isRestoringFrame = false;
     bool m_showsInTaskbar = false;
     //! The frame the controller last gave the panel; echoes of it are not the user's.

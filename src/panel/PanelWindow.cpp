@@ -221,8 +221,12 @@ void PanelWindow::keyPressEvent(QKeyEvent *event)
 void PanelWindow::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && isActiveWindow())
-        Q_EMIT becameActive();
+    if (event->type() == QEvent::ActivationChange) {
+        if (isActiveWindow())
+            Q_EMIT becameActive();
+        else
+            Q_EMIT becameInactive();
+    }
 }
 
 } // namespace Vesko

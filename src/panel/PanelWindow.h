@@ -41,6 +41,8 @@ Q_SIGNALS:
     void moved();
     void resized();
     void becameActive();
+    //! The window manager took the keyboard away from the panel.
+    void becameInactive();
     //! The frame that requestFrame() asked for has been painted.
     void framePainted();
 

@@ -22,6 +22,7 @@
 #include <QThread>
 
 #include <cstdio>
+#include <limits>
 
 namespace Vesko {
 
@@ -39,17 +40,21 @@ QJsonObject failure(const QString &message)
     return NoteRequests::failure(message);
 }
 
-bool isRegistered(QDBusConnection &bus)
+// The time left before \a deadline, at least a millisecond, for a call's timeout.
+int timeLeft(const QDeadlineTimer &deadline)
 {
-    return bus.isConnected() && bus.interface()
-        && bus.interface()->isServiceRegistered(QLatin1String(ApplicationBus::serviceName)).value();
+    return int(
+        qBound(qint64(1), deadline.remainingTime(), qint64(std::numeric_limits<int>::max())));
 }
 
-bool canConnect(const QString &socketPath)
+bool isRegistered(QDBusConnection &bus, const QDeadlineTimer &deadline)
 {
-    QLocalSocket socket;
-    socket.connectToServer(socketPath);
-    return socket.waitForConnected(1000);
+    QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+        QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("org.freedesktop.DBus"),
+        QStringLiteral("NameHasOwner"));
+    call << QLatin1String(ApplicationBus::serviceName);
+    const QDBusReply<bool> reply = bus.call(call, QDBus::Block, timeLeft(deadline));
+    return reply.isValid() && reply.value();
 }
 
 // What the desktop gave this command to pass on, so that the panel may take the focus.
@@ -130,33 +135,63 @@ InstanceClient::InstanceClient(const QString &libraryPath, const QString &progra
 
 bool InstanceClient::busServes(const QString &libraryPath)
 {
+    return answerOnBus(libraryPath, QDeadlineTimer(requestMilliseconds)) == BusAnswer::Serves;
+}
+
+InstanceClient::BusAnswer InstanceClient::answerOnBus(
+    const QString &libraryPath, const QDeadlineTimer &deadline)
+{
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected() || !isRegistered(bus))
-        return false;
+    if (!bus.isConnected() || !isRegistered(bus, deadline))
+        return BusAnswer::NoOne;
     const QDBusMessage call = QDBusMessage::createMethodCall(
         QLatin1String(ApplicationBus::serviceName), QLatin1String(ApplicationBus::objectPath),
         QLatin1String(ApplicationBus::notesInterface), QStringLiteral("Instance"));
-    const QDBusReply<QString> reply = bus.call(call, QDBus::Block, requestMilliseconds);
-    return reply.isValid() && reply.value() == SingleInstance::instanceName(libraryPath);
+    const QDBusReply<QString> reply = bus.call(call, QDBus::Block, timeLeft(deadline));
+    if (!reply.isValid()) {
+        const QDBusError::ErrorType error = reply.error().type();
+        return error == QDBusError::NoReply || error == QDBusError::Timeout
+                || error == QDBusError::TimedOut
+            ? BusAnswer::Silent
+            : BusAnswer::Other;
+    }
+    return reply.value() == SingleInstance::instanceName(libraryPath) ? BusAnswer::Serves
+                                                                      : BusAnswer::Other;
 }
 
-InstanceClient::Road InstanceClient::road() const
+InstanceClient::Road InstanceClient::road(const QDeadlineTimer &deadline)
 {
-    if (busServes(m_libraryPath))
+    m_silent = false;
+    switch (answerOnBus(m_libraryPath, deadline)) {
+    case BusAnswer::Serves:
         return Road::Bus;
+    case BusAnswer::Silent:
+        m_silent = true;
+        break;
+    case BusAnswer::NoOne:
+    case BusAnswer::Other:
+        break;
+    }
     // Without a bus, or when the name is another library's process.
-    if (canConnect(SingleInstance(m_libraryPath).socketPath()))
+    QLocalSocket socket;
+    socket.connectToServer(SingleInstance(m_libraryPath).socketPath());
+    if (socket.waitForConnected(qMin(1000, timeLeft(deadline))))
         return Road::Socket;
+    if (socket.error() == QLocalSocket::SocketTimeoutError)
+        m_silent = true;
     return Road::None;
 }
 
-bool InstanceClient::activateOnBus()
+bool InstanceClient::activateOnBus(const QDeadlineTimer &deadline)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected() || isRegistered(bus))
+    if (!bus.isConnected() || isRegistered(bus, deadline))
         return false;
-    const QDBusReply<void> started
-        = bus.interface()->startService(QLatin1String(ApplicationBus::serviceName));
+    QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+        QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("org.freedesktop.DBus"),
+        QStringLiteral("StartServiceByName"));
+    call << QLatin1String(ApplicationBus::serviceName) << 0u;
+    const QDBusReply<uint> started = bus.call(call, QDBus::Block, timeLeft(deadline));
     return started.isValid();
 }
 
@@ -178,35 +213,38 @@ bool InstanceClient::launch()
 
 InstanceClient::Road InstanceClient::reach()
 {
-    Road found = road();
+    // One deadline for all of it: every call below waits at most the time left.
+    const QDeadlineTimer deadline(startMilliseconds);
+    Road found = road(deadline);
     if (found != Road::None)
         return found;
     // D-Bus activation where the service file is installed, else a launch of
     // our own; also when what the bus started serves another library.
     bool launched = false;
-    if (!activateOnBus()) {
+    if (!activateOnBus(deadline) && !deadline.hasExpired()) {
         if (!launch())
             return Road::None;
         launched = true;
     }
     // Two commands may start one each at once: the instance lock lets one
     // run, and both reach it.
-    const QDeadlineTimer deadline(startMilliseconds);
     while (!deadline.hasExpired()) {
-        QThread::msleep(pollMilliseconds);
-        found = road();
+        QThread::msleep(uint(qMin(pollMilliseconds, timeLeft(deadline))));
+        found = road(deadline);
         if (found != Road::None)
             return found;
-        if (!launched) {
+        if (!launched && !deadline.hasExpired()) {
             QDBusConnection bus = QDBusConnection::sessionBus();
-            if (isRegistered(bus)) {
+            if (isRegistered(bus, deadline)) {
                 if (!launch())
                     return Road::None;
                 launched = true;
             }
         }
     }
-    m_failure = tr("Vesko did not start within %1 seconds.").arg(startMilliseconds / 1000);
+    m_failure = m_silent
+        ? tr("Vesko runs but did not answer within %1 seconds.").arg(startMilliseconds / 1000)
+        : tr("Vesko did not start within %1 seconds.").arg(startMilliseconds / 1000);
     return Road::None;
 }
 
@@ -245,9 +283,11 @@ QJsonObject InstanceClient::send(const QJsonObject &request)
     return document.object();
 }
 
-QJsonObject InstanceClient::activateAction(const QString &name)
+QJsonObject InstanceClient::activateAction(const QString &name, Start start)
 {
-    const Road found = reach();
+    const Road found = start == Start::Never ? road(QDeadlineTimer(requestMilliseconds)) : reach();
+    if (found == Road::None && start == Start::Never)
+        return {{QStringLiteral("ok"), true}, {QStringLiteral("ran"), false}};
     if (found == Road::None)
         return failure(m_failure);
     if (found == Road::Socket) {
@@ -271,9 +311,15 @@ int runClientCommand(const CommandLineRequest &request, const QString &libraryPa
     using Kind = CommandLineRequest::Kind;
     QJsonObject answer;
     switch (request.kind) {
-    case Kind::Action:
-        answer = client.activateAction(request.action);
+    case Kind::Action: {
+        // Starting Vesko only to quit or hide it would be absurd: with none
+        // running there is nothing to do.
+        const bool stops
+            = request.action == QLatin1String("quit") || request.action == QLatin1String("hide");
+        answer = client.activateAction(request.action,
+            stops ? InstanceClient::Start::Never : InstanceClient::Start::IfNoneRuns);
         break;
+    }
     case Kind::Add: {
         QString text = request.text;
         if (request.readsStandardInput) {

@@ -7,6 +7,7 @@
 
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QJsonObject>
 #include <QString>
 
@@ -31,20 +32,27 @@ public:
     //! Sends \a request (see NoteRequests) and returns the answer; an answer
     //! with "ok" false and an "error" text when no instance could take it.
     QJsonObject send(const QJsonObject &request);
-    //! Runs the action \a name (ActivateAction on the bus).
-    QJsonObject activateAction(const QString &name);
+    //! Whether an action starts Vesko when none runs.
+    enum class Start { IfNoneRuns, Never };
+    //! Runs the action \a name (ActivateAction on the bus). With Start::Never
+    //! and no instance running, does nothing and answers "ok" with "ran" false.
+    QJsonObject activateAction(const QString &name, Start start = Start::IfNoneRuns);
 
     //! Whether the process that owns the bus name serves the library at \a libraryPath.
     static bool busServes(const QString &libraryPath);
 
 private:
     enum class Road { None, Bus, Socket };
-    //! How the instance is reached now, without starting one.
-    Road road() const;
+    //! What the owner of the bus name says, within \a deadline.
+    enum class BusAnswer { NoOne, Serves, Other, Silent };
+    static BusAnswer answerOnBus(const QString &libraryPath, const QDeadlineTimer &deadline);
+    //! How the instance is reached now, without starting one, within \a
+    //! deadline; sets m_silent when something is there but does not answer.
+    Road road(const QDeadlineTimer &deadline);
     //! road(), starting an instance when none answers; None with m_failure set.
     Road reach();
     //! Asks the bus to start the service; false where it cannot.
-    bool activateOnBus();
+    bool activateOnBus(const QDeadlineTimer &deadline);
     //! Starts "PROGRAM --background" on its own.
     bool launch();
     QJsonObject sendOnSocket(const QJsonObject &request);
@@ -52,6 +60,7 @@ private:
     QString m_libraryPath;
     QString m_program;
     QString m_failure;
+    bool m_silent = false;
 };
 
 //! Runs the client command \a request and returns the exit status; prints

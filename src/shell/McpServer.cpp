@@ -7,7 +7,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
-#include <cstdio>
+#include <algorithm>
 
 namespace Vesko {
 
@@ -82,6 +82,14 @@ QJsonObject response(const QJsonValue &id, const QJsonObject &result)
 {
     return {{QStringLiteral("jsonrpc"), QStringLiteral("2.0")}, {QStringLiteral("id"), id},
         {QStringLiteral("result"), result}};
+}
+
+bool isTool(const QString &name)
+{
+    const QJsonArray all = tools();
+    return std::any_of(all.begin(), all.end(), [&name](const QJsonValue &tool) {
+        return tool.toObject().value(QStringLiteral("name")).toString() == name;
+    });
 }
 
 QJsonObject errorResponse(const QJsonValue &id, int code, const QString &message)
@@ -194,6 +202,9 @@ std::optional<QJsonObject> McpServer::handle(const QJsonObject &message)
         if (!name.isString() || !(arguments.isObject() || arguments.isUndefined()))
             return errorResponse(id, invalidParams,
                 QStringLiteral("tools/call needs a name and an object of arguments."));
+        if (!isTool(name.toString()))
+            return errorResponse(
+                id, invalidParams, QStringLiteral("Unknown tool “%1”.").arg(name.toString()));
         return response(id, callTool(name.toString(), arguments.toObject()));
     }
     return errorResponse(id, methodNotFound, QStringLiteral("Unknown method “%1”.").arg(method));
@@ -279,15 +290,51 @@ std::optional<QByteArray> McpServer::handleLine(const QByteArray &line)
 int McpServer::serve()
 {
     QFile input;
-    if (!input.open(stdin, QIODevice::ReadOnly))
+    QFile output;
+    if (!input.open(stdin, QIODevice::ReadOnly) || !output.open(stdout, QIODevice::WriteOnly))
         return 1;
+    return serve(input, output);
+}
+
+int McpServer::serve(QIODevice &input, QIODevice &output, qint64 maximumLength)
+{
+    constexpr qint64 chunkLength = 64 * 1024;
     while (true) {
-        const QByteArray line = input.readLine();
+        QByteArray line;
+        bool tooLong = false;
+        while (!line.endsWith('\n')) {
+            const QByteArray chunk = input.readLine(chunkLength);
+            if (chunk.isEmpty())
+                break;
+            // Past the bound the rest of the line is read and dropped:
+            // memory stays bounded whatever the client sends.
+            if (tooLong) {
+                line = chunk.right(1);
+                continue;
+            }
+            line += chunk;
+            if (line.size() - (line.endsWith('\n') ? 1 : 0) > maximumLength) {
+                tooLong = true;
+                line = chunk.right(1);
+            }
+        }
         if (line.isEmpty())
             return 0; // the client closed the stream
-        if (const std::optional<QByteArray> answer = handleLine(line)) {
-            std::fwrite(answer->constData(), 1, size_t(answer->size()), stdout);
-            std::fflush(stdout);
+        std::optional<QByteArray> answer;
+        if (tooLong) {
+            answer
+                = QJsonDocument(
+                      errorResponse(QJsonValue(), parseError,
+                          QStringLiteral("A message is at most %1 bytes long.").arg(maximumLength)))
+                      .toJson(QJsonDocument::Compact)
+                + '\n';
+        } else {
+            answer = handleLine(line);
+        }
+        if (answer) {
+            output.write(*answer);
+            if (auto *file = qobject_cast<QFile *>(&output))
+                file->flush();
         }
     }
 }

@@ -7,6 +7,7 @@
 
 #pragma once
 
+#include <QIODevice>
 #include <QJsonObject>
 #include <QString>
 
@@ -30,8 +31,13 @@ public:
     //! The answer to one line of input: a parse error for what is no JSON object.
     std::optional<QByteArray> handleLine(const QByteArray &line);
 
+    //! The longest line read as one message; a longer one is skipped.
+    static constexpr qint64 maximumLineLength = 8 * 1024 * 1024;
     //! Reads standard input to its end, answering on standard output. Returns the exit status.
     int serve();
+    //! Reads \a input to its end, answering on \a output; lines longer than
+    //! \a maximumLength bytes get a parse error. Returns the exit status.
+    int serve(QIODevice &input, QIODevice &output, qint64 maximumLength = maximumLineLength);
 
 private:
     QJsonObject callTool(const QString &name, const QJsonObject &arguments);
