@@ -144,6 +144,7 @@ private Q_SLOTS:
     void commandStartsVeskoAndActs();
     void backgroundStartWithoutLock();
     void silentOwnerOfTheName();
+    void actionsFromTheDesktop_data();
     void actionsFromTheDesktop();
     void racingCommandsMeetOneVesko();
 };
@@ -357,9 +358,21 @@ void CommandLineAppTest::silentOwnerOfTheName()
         qPrintable(describe(outcome)));
 }
 
+void CommandLineAppTest::actionsFromTheDesktop_data()
+{
+    QTest::addColumn<bool>("commandLine");
+    QTest::newRow("ActivateAction on the bus") << false;
+    QTest::newRow("the command line") << true;
+}
+
 void CommandLineAppTest::actionsFromTheDesktop()
 {
+    QFETCH(bool, commandLine);
     Session session;
+    // Each action as the desktop asks for it, or as `vesko ACTION` does.
+    const auto act = [&session, commandLine](const QString &action) {
+        return commandLine ? session.vesko({action}) : session.action(action);
+    };
     QProcess *vesko = session.start(QStringLiteral(VESKO_PATH));
     QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty() && busNameOwned(), 20000);
     QVERIFY(session.vesko({"add", "first"}).exitCode == 0);
@@ -374,7 +387,7 @@ void CommandLineAppTest::actionsFromTheDesktop()
     int number = 0;
     for (const auto &step : steps) {
         const QByteArray label = QByteArray::number(++number) + ". " + step.action;
-        const ProgramSession::Outcome outcome = session.action(QString::fromLatin1(step.action));
+        const ProgramSession::Outcome outcome = act(QString::fromLatin1(step.action));
         QVERIFY2(outcome.exitCode == 0,
             qPrintable(QStringLiteral("%1: %2").arg(step.action, describe(outcome))));
         QTRY_VERIFY2_WITH_TIMEOUT(
@@ -395,7 +408,7 @@ void CommandLineAppTest::actionsFromTheDesktop()
     QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 10000);
 
     // Copy as a list: every visible note, as nothing is selected.
-    QVERIFY(session.action(QStringLiteral("copy-list")).exitCode == 0);
+    QVERIFY(act(QStringLiteral("copy-list")).exitCode == 0);
     QTRY_VERIFY_WITH_TIMEOUT(
         QRegularExpression(QStringLiteral("first\n.*second"))
             .match(QString::fromUtf8(session
@@ -413,7 +426,7 @@ void CommandLineAppTest::actionsFromTheDesktop()
         {QStringLiteral("toggle"), QStringLiteral("[<1>]"), QStringLiteral("{}")});
     QVERIFY(withParameter.exitCode != 0);
 
-    QCOMPARE(session.action(QStringLiteral("quit")).exitCode, 0);
+    QCOMPARE(act(QStringLiteral("quit")).exitCode, 0);
     QVERIFY(vesko->waitForFinished(20000));
     QCOMPARE(vesko->exitCode(), 0);
     QCOMPARE(libraryTexts(session.libraryPath()), QStringList({"first", "second"}));
