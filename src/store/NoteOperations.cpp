@@ -46,7 +46,33 @@ QStringList paragraphs(const QString &text)
     return pieces;
 }
 
+//! A new note of \a text, made now.
+Note newNote(const QString &text)
+{
+    Note note;
+    note.id = makeID();
+    note.text = text;
+    note.createdAt = currentDate();
+    note.updatedAt = note.createdAt;
+    return note;
+}
+
 } // namespace
+
+qsizetype Store::sectionForNewNote(Project &project, std::optional<QUuid> sectionID,
+    const std::optional<QString> &sectionTitle, bool isAutomaticSection)
+{
+    qsizetype target = sectionID ? sectionIndex(project, *sectionID) : -1;
+    if (target < 0 && sectionTitle)
+        target = findOrCreateSection(project, *sectionTitle, isAutomaticSection);
+    if (target < 0 && project.activeSectionID)
+        target = sectionIndex(project, *project.activeSectionID);
+    if (target < 0) {
+        target = findOrCreateSection(project, QStringLiteral("Inbox"), false);
+        project.activeSectionID = project.sections.at(target).id;
+    }
+    return target;
+}
 
 NoteSection *Store::findSection(const QUuid &id)
 {
@@ -80,11 +106,7 @@ std::optional<Note> Store::addNote(const QString &text, std::optional<QUuid> sec
         return std::nullopt;
 
     recordUndo();
-    Note note;
-    note.id = makeID();
-    note.text = cleaned;
-    note.createdAt = currentDate();
-    note.updatedAt = note.createdAt;
+    Note note = newNote(cleaned);
     note.source = std::move(source);
     note.attachments = attachments;
 
@@ -96,16 +118,8 @@ std::optional<Note> Store::addNote(const QString &text, std::optional<QUuid> sec
         activeIndex = 0;
     }
     Project &project = m_library.projects[activeIndex];
-
-    qsizetype target = sectionID ? sectionIndex(project, *sectionID) : -1;
-    if (target < 0 && sectionTitle)
-        target = findOrCreateSection(project, *sectionTitle, isAutomaticSection);
-    if (target < 0 && project.activeSectionID)
-        target = sectionIndex(project, *project.activeSectionID);
-    if (target < 0) {
-        target = findOrCreateSection(project, QStringLiteral("Inbox"), false);
-        project.activeSectionID = project.sections.at(target).id;
-    }
+    const qsizetype target
+        = sectionForNewNote(project, sectionID, sectionTitle, isAutomaticSection);
     project.sections[target].notes.append(note);
     const QUuid targetSectionID = project.sections.at(target).id;
 
@@ -138,20 +152,10 @@ std::optional<Note> Store::addNoteToProject(
         return std::nullopt;
 
     recordUndo();
-    Note note;
-    note.id = makeID();
-    note.text = cleaned;
-    note.createdAt = currentDate();
-    note.updatedAt = note.createdAt;
+    const Note note = newNote(cleaned);
     Project &project = m_library.projects[index];
-    qsizetype target = sectionTitle ? findOrCreateSection(project, *sectionTitle, false) : -1;
-    if (target < 0 && project.activeSectionID)
-        target = sectionIndex(project, *project.activeSectionID);
-    if (target < 0) {
-        target = findOrCreateSection(project, QStringLiteral("Inbox"), false);
-        project.activeSectionID = project.sections.at(target).id;
-    }
-    project.sections[target].notes.append(note);
+    project.sections[sectionForNewNote(project, std::nullopt, sectionTitle, false)].notes.append(
+        note);
     commit();
     return note;
 }

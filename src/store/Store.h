@@ -285,6 +285,11 @@ public:
     //! The index of the first section of \a project of that kind and title,
     //! appending a new one when there is none.
     static qsizetype findOrCreateSection(Project &project, const QString &title, bool automatic);
+    //! The section of \a project a new note goes to: the one with \a sectionID,
+    //! else the one titled \a sectionTitle (made if need be), else the active
+    //! one, else "Inbox", which then becomes the active one.
+    static qsizetype sectionForNewNote(Project &project, std::optional<QUuid> sectionID,
+        const std::optional<QString> &sectionTitle, bool isAutomaticSection);
     //! Activates the section of that title in the active project, or makes it.
     std::optional<NoteSection> createOrUseSection(const QString &title);
     void activateSection(const QUuid &id);
