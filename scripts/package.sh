@@ -144,7 +144,8 @@ if [ "$package_list" != "$expected_list" ]; then
     diff <(echo "$expected_list") <(echo "$package_list") || true
     fail "the package's files differ from the expected list (< expected, > in the package)"
 fi
-dpkg-deb -c "$out_dir/$dbgsym" | grep -Eq '\./usr/lib/debug/\.build-id/[0-9a-f]{2}/[0-9a-f]+\.debug$' \
+dbgsym_list=$(dpkg-deb -c "$out_dir/$dbgsym")
+grep -Eq '\./usr/lib/debug/\.build-id/[0-9a-f]{2}/[0-9a-f]+\.debug$' <<<"$dbgsym_list" \
     || fail "$dbgsym holds no debugging symbols"
 
 echo "== cmake --install"
