@@ -107,8 +107,8 @@ echo "== appstreamcli"
 metainfo_report=$(appstreamcli validate --no-net --no-color "$root/usr/share/metainfo/com.vesko.Vesko.metainfo.xml") \
     || { echo "$metainfo_report"; fail "appstreamcli rejects the metadata"; }
 echo "$metainfo_report"
-if grep -q '^[EW]: ' <<<"$metainfo_report"; then
-    fail "appstreamcli warns about the metadata"
+if grep -q '^[EWI]: ' <<<"$metainfo_report"; then
+    fail "appstreamcli has remarks on the metadata"
 fi
 
 echo "== desktop-file-validate"
