@@ -24,13 +24,8 @@ packages=(
     # a private session bus (the file manager's D-Bus interface); a system tray;
     # the panel and the Settings window read over AT-SPI as a screen reader does
     dbus dbus-bin dbus-daemon trayer at-spi2-core python3-pyatspi gir1.2-atspi-2.0
-    # desktop-file-validate checks the desktop entry in the tests, appstreamcli
-    # the software centre's metadata
-    desktop-file-utils appstream
-    # the Debian package (scripts/package.sh): debhelper builds it, lintian
-    # checks it; librsvg2-bin's rsvg-convert redraws the PNG icons
-    # (scripts/render-icons.sh)
-    debhelper lintian librsvg2-bin
+    # desktop-file-validate checks the desktop entry in the tests
+    desktop-file-utils
     # the Model Context Protocol server is tested with the protocol's own client
     # library (tests/mcp, installed from npm by scripts/install-test-node.sh);
     # npm is added below where no Node.js package brought it along
@@ -39,6 +34,11 @@ packages=(
     qt6-qpa-plugins fonts-dejavu-core
     # the file types of attachments
     shared-mime-info
+    # appstreamcli checks the software centre's metadata in the tests; the
+    # Debian package (scripts/package.sh): debhelper builds it, lintian checks
+    # it; librsvg2-bin's rsvg-convert redraws the PNG icons
+    # (scripts/render-icons.sh)
+    appstream debhelper lintian librsvg2-bin
 )
 
 # A Node.js from another source than Debian carries its own npm, which
