@@ -193,7 +193,7 @@ void CommandLineAppTest::refusedWithoutAnything_data()
     // English comes first.
     QTest::newRow("help in German")
         << QStringList {"--help"} << QByteArray() << 0
-        << "^Aufruf: vesko \\[Optionen\\] \\[command\\]\n.*Befehle:\n"
+        << "^Aufruf: vesko \\[Optionen\\] \\[Befehl\\]\n.*Befehle:\n"
            ".*  copy-list     die ausgewählten Notizen.*Zeigt diese Hilfe\\."
         << "^$" << QStringList {"LANG=de_AT.UTF-8"};
     QTest::newRow("mistake in French")

@@ -184,6 +184,22 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
         <translation>„vesko --help“ zeigt die Befehle.
 </translation>
     </message>
+    <message>
+        <source>command</source>
+        <translation>Befehl</translation>
+    </message>
+    <message>
+        <source>[command]</source>
+        <translation>[Befehl]</translation>
+    </message>
+    <message>
+        <source>text</source>
+        <translation>Text</translation>
+    </message>
+    <message>
+        <source>query</source>
+        <translation>Suche</translation>
+    </message>
 </context>
 <context>
     <name>DesktopFiles</name>

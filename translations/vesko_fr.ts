@@ -184,6 +184,22 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
         <translation>«&#xa0;vesko --help&#xa0;» affiche les commandes.
 </translation>
     </message>
+    <message>
+        <source>command</source>
+        <translation>commande</translation>
+    </message>
+    <message>
+        <source>[command]</source>
+        <translation>[commande]</translation>
+    </message>
+    <message>
+        <source>text</source>
+        <translation>texte</translation>
+    </message>
+    <message>
+        <source>query</source>
+        <translation>requête</translation>
+    </message>
 </context>
 <context>
     <name>DesktopFiles</name>

@@ -146,8 +146,8 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
     top.addOption(help);
     top.addOption(version);
     top.addOption(background);
-    top.addPositionalArgument(QStringLiteral("command"), Texts::tr("What to do (see Commands)."),
-        QStringLiteral("[command]"));
+    top.addPositionalArgument(
+        Texts::tr("command"), Texts::tr("What to do (see Commands)."), Texts::tr("[command]"));
     if (!top.parse(words))
         return invalid(top.errorText());
     if (top.isSet(help))
@@ -200,7 +200,7 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
             Texts::tr("Adds a note to the active project, or to the project and section given."));
         parser.addOption(sectionOption);
         parser.addOption(projectOption);
-        parser.addPositionalArgument(QStringLiteral("text"),
+        parser.addPositionalArgument(Texts::tr("text"),
             Texts::tr("The note's text; \"-\" reads it from standard input."),
             Texts::tr("TEXT..."));
         if (auto done = parseCommand(parser, commandWords, command))
@@ -247,7 +247,7 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
             Texts::tr("Prints the notes of the active project that contain the query."));
         parser.addOption(jsonOption);
         parser.addPositionalArgument(
-            QStringLiteral("query"), Texts::tr("What to look for."), Texts::tr("QUERY..."));
+            Texts::tr("query"), Texts::tr("What to look for."), Texts::tr("QUERY..."));
         if (auto done = parseCommand(parser, commandWords, command))
             return *done;
         request.query = parser.positionalArguments().join(u' ');
