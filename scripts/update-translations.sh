@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Refreshes translations/vesko_*.ts from the code: new texts come in
 # unfinished, texts gone from the code go. Then translate the unfinished ones
-# (linguist, or any editor) and run tests/check-translations.py.
+# (linguist, or any editor) and run tests/check-translations.py. The files
+# keep no line numbers, so a change elsewhere in the code leaves them alone.
 #   scripts/update-translations.sh [LANG...]   e.g. "it" starts vesko_it.ts
 set -euo pipefail
 cd "$(dirname "$0")/.."
