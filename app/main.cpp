@@ -38,6 +38,7 @@
 #include "shell/SingleInstance.h"
 #include "shell/Theme.h"
 #include "shell/Toast.h"
+#include "shell/Translations.h"
 #include "shell/TrayIcon.h"
 #include "store/Store.h"
 
@@ -45,6 +46,7 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDir>
 #include <QJsonDocument>
 #include <QProcess>
 #include <QSignalBlocker>
@@ -66,6 +68,15 @@ std::function<void()> shortcutSettingsOpener()
     if (command.isEmpty() || QStandardPaths::findExecutable(command.first()).isEmpty())
         return {};
     return [command] { QProcess::startDetached(command.first(), command.mid(1)); };
+}
+
+// The folders of the program's translations: beside it in the build tree,
+// in the data folder where it is installed.
+QStringList translationFolders()
+{
+    const QString program = QCoreApplication::applicationDirPath();
+    return {program + QStringLiteral("/translations"),
+        QDir::cleanPath(program + QStringLiteral("/" VESKO_TRANSLATIONS_FROM_PROGRAM))};
 }
 
 void print(FILE *stream, const QString &text)
@@ -108,6 +119,7 @@ int main(int argc, char *argv[])
     bool inBackground = false;
     {
         QCoreApplication parsing(argc, argv);
+        Translations::install(parsing, translationFolders());
         const CommandLineRequest request = CommandLine::parse(QCoreApplication::arguments());
         switch (request.kind) {
         case CommandLineRequest::Kind::Help:
@@ -129,6 +141,7 @@ int main(int argc, char *argv[])
     }
 
     QApplication app(argc, argv);
+    Translations::install(app, translationFolders());
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(Theme::applicationIcon());
     // Shift+F10 opens the focused control's menu, in every window of the program.

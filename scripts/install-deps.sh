@@ -30,6 +30,10 @@ packages=(
     # library (tests/mcp, installed from npm by scripts/install-test-node.sh);
     # npm is added below where no Node.js package brought it along
     nodejs
+    # the translations: lupdate and lrelease, their CMake functions, Qt's own
+    # translations of its dialogs and key names; the locales the tests run
+    # Vesko in (de_DE.UTF-8, fr_FR.UTF-8, generated below)
+    qt6-l10n-tools qt6-tools-dev qt6-tools-dev-tools qt6-translations-l10n locales
     # runtime plugins
     qt6-qpa-plugins fonts-dejavu-core
     # the file types of attachments
@@ -54,14 +58,26 @@ for p in "${packages[@]}"; do
     fi
 done
 
-if [ ${#missing[@]} -eq 0 ]; then
-    exit 0
-fi
-
 SUDO=""
 if [ "$(id -u)" -ne 0 ]; then
     SUDO="sudo"
 fi
-echo "Installing: ${missing[*]}"
-$SUDO apt-get update -qq
-DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
+if [ ${#missing[@]} -gt 0 ]; then
+    echo "Installing: ${missing[*]}"
+    $SUDO apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
+fi
+
+# The locales the tests run Vesko in.
+generate=false
+for locale in de_DE fr_FR; do
+    if ! locale -a 2>/dev/null | grep -qx "$locale.utf8"; then
+        $SUDO sed -i "s/^# *\($locale.UTF-8 UTF-8\)/\1/" /etc/locale.gen
+        grep -qx "$locale.UTF-8 UTF-8" /etc/locale.gen \
+            || echo "$locale.UTF-8 UTF-8" | $SUDO tee -a /etc/locale.gen >/dev/null
+        generate=true
+    fi
+done
+if $generate; then
+    $SUDO locale-gen
+fi

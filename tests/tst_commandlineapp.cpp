@@ -163,28 +163,47 @@ void CommandLineAppTest::refusedWithoutAnything_data()
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QString>("output"); // a pattern of standard output
     QTest::addColumn<QString>("errors"); // a pattern of standard error
+    QTest::addColumn<QStringList>("environment"); // NAME=VALUE, the user's language
 
     QTest::newRow("help") << QStringList {"--help"} << QByteArray() << 0
                           << "^Usage: vesko \\[options\\] \\[command\\]\n.*  copy-list "
-                          << "^$";
+                          << "^$" << QStringList();
     QTest::newRow("a command's help")
         << QStringList {"search", "--help"} << QByteArray() << 0 << "^Usage: vesko search .*--json"
-        << "^$";
+        << "^$" << QStringList();
     QTest::newRow("version") << QStringList {"--version"} << QByteArray() << 0
                              << "^vesko \\d+\\.\\d+\\.\\d+\n$"
-                             << "^$";
-    QTest::newRow("unknown command") << QStringList {"frobnicate"} << QByteArray() << 2 << "^$"
-                                     << "^vesko: Unknown command \"frobnicate\".\n.*--help";
+                             << "^$" << QStringList();
+    QTest::newRow("unknown command")
+        << QStringList {"frobnicate"} << QByteArray() << 2 << "^$"
+        << "^vesko: Unknown command \"frobnicate\".\n.*--help" << QStringList();
     QTest::newRow("unknown option") << QStringList {"list", "--colour"} << QByteArray() << 2 << "^$"
-                                    << "colour";
+                                    << "colour" << QStringList();
     QTest::newRow("add without text") << QStringList {"add"} << QByteArray() << 2 << "^$"
-                                      << "needs the note's text";
+                                      << "needs the note's text" << QStringList();
     QTest::newRow("blank standard input")
         << QStringList {"add", "-"} << QByteArray(" \n\t\n") << 1 << "^$"
-        << "^vesko: The note is blank";
+        << "^vesko: The note is blank" << QStringList();
     QTest::newRow("standard input past the bound")
         << QStringList {"add", "-"} << QByteArray((1 << 20) + 1, 'x') << 1 << "^$"
-        << "^vesko: Standard input holds more than 1048576 bytes";
+        << "^vesko: Standard input holds more than 1048576 bytes" << QStringList();
+
+    // In the user's language: the program's texts and Qt's own ("Aufruf",
+    // "[Optionen]"), the first of LANGUAGE that Vesko speaks, none where
+    // English comes first.
+    QTest::newRow("help in German")
+        << QStringList {"--help"} << QByteArray() << 0
+        << "^Aufruf: vesko \\[Optionen\\] \\[Befehl\\]\n.*Befehle:\n"
+           ".*  copy-list     die ausgewählten Notizen.*Zeigt diese Hilfe\\."
+        << "^$" << QStringList {"LANG=de_AT.UTF-8"};
+    QTest::newRow("mistake in French")
+        << QStringList {"frobnicate"} << QByteArray() << 2 << "^$"
+        << "^vesko: Commande inconnue «\u00a0frobnicate\u00a0»\\.\n«\u00a0vesko --help\u00a0» "
+           "affiche"
+        << QStringList {"LANG=de_DE.UTF-8", "LANGUAGE=ja:fr_CA:de"};
+    QTest::newRow("English first") << QStringList {"frobnicate"} << QByteArray() << 2 << "^$"
+                                   << "^vesko: Unknown command \"frobnicate\".\n"
+                                   << QStringList {"LANG=de_DE.UTF-8", "LANGUAGE=en_GB:de"};
 }
 
 void CommandLineAppTest::refusedWithoutAnything()
@@ -194,9 +213,12 @@ void CommandLineAppTest::refusedWithoutAnything()
     QFETCH(int, exitCode);
     QFETCH(QString, output);
     QFETCH(QString, errors);
+    QFETCH(QStringList, environment);
     Session session;
     for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS"})
         session.unsetEnvironmentVariable(QString::fromLatin1(name));
+    for (const QString &variable : std::as_const(environment))
+        session.setEnvironmentVariable(variable.section(u'=', 0, 0), variable.section(u'=', 1));
 
     const ProgramSession::Outcome outcome = session.vesko(arguments, input);
     QVERIFY2(outcome.finished && outcome.exitCode == exitCode, qPrintable(describe(outcome)));

@@ -10,6 +10,7 @@
 // edited in place; after SIGTERM the library file holds every change. A
 // library file that cannot be read is told of at the panel's foot, and its
 // latest backup, kept through the saves of the new library, is restored.
+// Under LANG=de_DE.UTF-8 the panel, its menu and Settings read in German.
 
 #include "TestEnvironment.h"
 
@@ -23,6 +24,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <csignal>
 
 using namespace Vesko;
@@ -142,6 +144,7 @@ private Q_SLOTS:
     void initTestCase();
     void throughTheScreenReader();
     void unreadableLibraryIsToldOfAndRestored();
+    void inGerman();
 };
 
 void PanelAccessTest::initTestCase()
@@ -493,6 +496,86 @@ void PanelAccessTest::unreadableLibraryIsToldOfAndRestored()
     // Restored, it is not told of again.
     QVERIFY(
         !QFileInfo::exists(session.libraryFolder() + QStringLiteral("/.Library.json.unreadable")));
+}
+
+void PanelAccessTest::inGerman()
+{
+    Test::ProgramSession session;
+    session.setEnvironmentVariable(
+        QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+    session.setEnvironmentVariable(QStringLiteral("LANG"), QStringLiteral("de_DE.UTF-8"));
+    QProcess *vesko = session.start(QStringLiteral(VESKO_PATH));
+    QTRY_VERIFY_WITH_TIMEOUT(!Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), 15000);
+
+    // The panel's controls; the names of the project and section it made
+    // are the user's data and stay as they are.
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [] {
+            const AccessibleTree now = tree();
+            const AccessibleNode *composer
+                = now.find(QStringLiteral("text"), QStringLiteral("Zu Inbox hinzufügen"));
+            return composer && composer->hasState(QStringLiteral("focused"));
+        }(),
+        20000);
+    {
+        const AccessibleTree now = tree();
+        QVERIFY(now.find(QStringLiteral("push button"), QStringLiteral("Weitere Optionen")));
+        QVERIFY(now.find(QStringLiteral("push button"), QStringLiteral("Anhang hinzufügen")));
+        QVERIFY(now.find(QStringLiteral("text"), QStringLiteral("Suchen")));
+    }
+    type(QStringLiteral("Milch kaufen"));
+    key(QStringLiteral("Return"));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        [] {
+            const AccessibleTree now = tree();
+            const AccessibleNode *milk = row(now, QStringLiteral("Milch kaufen"));
+            return now.find(
+                       QStringLiteral("push button"), QStringLiteral("Abschnitt Inbox, 1 offen"))
+                && milk && milk->description == QLatin1String("Nicht erledigt")
+                && std::any_of(milk->children.cbegin(), milk->children.cend(),
+                    [](const AccessibleNode &child) {
+                        return child.role == QLatin1String("push button")
+                            && child.name == QLatin1String("Als erledigt markieren");
+                    });
+        }(),
+        10000);
+
+    const std::optional<AccessibleNode> more
+        = found(QStringLiteral("push button"), QStringLiteral("Weitere Optionen"));
+    QVERIFY(more);
+    click(more->center());
+    AccessibleTree overflow;
+    QTRY_VERIFY_WITH_TIMEOUT(!(overflow = AccessibleTree::popup(application)).isEmpty(), 15000);
+    QCOMPARE(menuEntries(overflow),
+        (QStringList {"#Projekt", "Notes", "Neues Projekt …", "Projekt umbenennen …",
+            "Projekt löschen~", "#Aktiver Abschnitt", "Inbox", "Abschnitt wechseln …", "-",
+            "Neuer Abschnitt …", "Alle Abschnitte einklappen", "Alle Abschnitte ausklappen",
+            "#Ansicht", "Erledigte anzeigen", "Erledigte unten", "Neueste zuerst", "-",
+            "Alle als Liste kopieren", "Erledigte entfernen", "Als Markdown exportieren …",
+            "Notizdatei in Dateiverwaltung anzeigen", "Übersicht", "Alle Befehle", "-",
+            "Fensterposition zurücksetzen", "Fenstergröße zurücksetzen", "Tastenkürzel …",
+            "Einstellungen …", "Vesko beenden"}));
+    key(QStringLiteral("Escape"));
+    QTest::qWait(300);
+
+    // Settings, opened from the keyboard.
+    key(QStringLiteral("ctrl+comma"));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !Test::visibleWindow(QStringLiteral("^Vesko-Einstellungen$")).isEmpty(), 15000);
+    QTRY_COMPARE_WITH_TIMEOUT(tree().names(QStringLiteral("page tab")),
+        (QStringList {"Allgemein", "Erfassen", "Speicherort", "Über"}), 15000);
+    {
+        const AccessibleTree now = tree();
+        for (const QString &name :
+            {QStringLiteral("Immer im Vordergrund"), QStringLiteral("Bei der Anmeldung öffnen"),
+                QStringLiteral("Markdown beim Kopieren beibehalten")})
+            QVERIFY2(now.find(QStringLiteral("check box"), name), qPrintable(name));
+        QVERIFY(now.find(
+            QStringLiteral("push button"), QStringLiteral("Fensterposition zurücksetzen")));
+    }
+
+    ::kill(pid_t(vesko->processId()), SIGTERM);
+    QVERIFY(vesko->waitForFinished(15000));
 }
 
 QTEST_GUILESS_MAIN(PanelAccessTest)

@@ -89,7 +89,7 @@ QString AttachmentTile::sizeText() const
 
 void AttachmentTile::updateTexts()
 {
-    setToolTip(tr("Open ") + m_attachment.fileName);
+    setToolTip(tr("Open %1").arg(m_attachment.fileName));
     setAccessibleName(m_attachment.fileName);
     setAccessibleDescription(sizeText());
     updateGeometry();

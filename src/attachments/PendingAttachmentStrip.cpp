@@ -63,7 +63,7 @@ public:
         removeButton->setIcon(
             symbolIcon(QStringLiteral("xmark.circle.fill"), colors.greyStrong, symbolSize));
         removeButton->setIconSize(QSize(symbolSize, symbolSize));
-        removeButton->setAccessibleName(PendingAttachmentStrip::tr("Remove ") + name);
+        removeButton->setAccessibleName(PendingAttachmentStrip::tr("Remove %1").arg(name));
         removeButton->setToolTip(removeButton->accessibleName());
         removeButton->setStyleSheet(QStringLiteral("QToolButton { border: none; padding: 0; }"));
         layout->addWidget(removeButton);

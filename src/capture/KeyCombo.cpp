@@ -21,21 +21,21 @@ struct SpecialKey
 
 // X key codes of the keys that have no text of their own.
 constexpr SpecialKey specialKeys[] = {
-    {65, u"Space", "Space"},
-    {36, u"\u21A9", "Return"},
-    {23, u"\u21E5", "Tab"},
-    {22, u"\u232B", "Backspace"},
-    {119, u"\u2326", "Del"},
-    {9, u"\u238B", "Esc"},
-    {110, u"\u2196", "Home"},
-    {115, u"\u2198", "End"},
-    {112, u"\u21DE", "PgUp"},
-    {117, u"\u21DF", "PgDown"},
-    {111, u"\u2191", "Up"},
-    {116, u"\u2193", "Down"},
-    {113, u"\u2190", "Left"},
-    {114, u"\u2192", "Right"},
-    {104, u"\u2324", "Enter"},
+    {65, u"Space", QT_TRANSLATE_NOOP("KeyCombo", "Space")},
+    {36, u"\u21A9", QT_TRANSLATE_NOOP("KeyCombo", "Return")},
+    {23, u"\u21E5", QT_TRANSLATE_NOOP("KeyCombo", "Tab")},
+    {22, u"\u232B", QT_TRANSLATE_NOOP("KeyCombo", "Backspace")},
+    {119, u"\u2326", QT_TRANSLATE_NOOP("KeyCombo", "Del")},
+    {9, u"\u238B", QT_TRANSLATE_NOOP("KeyCombo", "Esc")},
+    {110, u"\u2196", QT_TRANSLATE_NOOP("KeyCombo", "Home")},
+    {115, u"\u2198", QT_TRANSLATE_NOOP("KeyCombo", "End")},
+    {112, u"\u21DE", QT_TRANSLATE_NOOP("KeyCombo", "PgUp")},
+    {117, u"\u21DF", QT_TRANSLATE_NOOP("KeyCombo", "PgDown")},
+    {111, u"\u2191", QT_TRANSLATE_NOOP("KeyCombo", "Up")},
+    {116, u"\u2193", QT_TRANSLATE_NOOP("KeyCombo", "Down")},
+    {113, u"\u2190", QT_TRANSLATE_NOOP("KeyCombo", "Left")},
+    {114, u"\u2192", QT_TRANSLATE_NOOP("KeyCombo", "Right")},
+    {104, u"\u2324", QT_TRANSLATE_NOOP("KeyCombo", "Enter")},
     {67, u"F1", "F1"},
     {68, u"F2", "F2"},
     {69, u"F3", "F3"},
@@ -65,7 +65,7 @@ QString layoutTextOrCode(quint16 code, const KeyLayout *layout)
         if (const std::optional<QString> text = layout->keyText(code); text && !text->isEmpty())
             return text->toUpper();
     }
-    return QStringLiteral("Key ") + QString::number(code);
+    return QCoreApplication::translate("KeyCombo", "Key %1").arg(code);
 }
 
 } // namespace
@@ -161,7 +161,7 @@ std::optional<KeyCombo> KeyCombo::fromJson(const QByteArray &data)
 QString keyName(quint16 keyCode, const KeyLayout *layout)
 {
     if (const SpecialKey *key = specialKey(keyCode))
-        return QString::fromLatin1(key->name);
+        return QCoreApplication::translate("KeyCombo", key->name);
     return layoutTextOrCode(keyCode, layout);
 }
 
@@ -170,13 +170,13 @@ QString displayString(const KeyCombo &combo, const KeyLayout *layout)
     using namespace ModifierFlag;
     QString text;
     if (combo.modifiers & Control)
-        text += QStringLiteral("Super+");
+        text += QCoreApplication::translate("KeyCombo", "Super") + u'+';
     if (combo.modifiers & Command)
-        text += QStringLiteral("Ctrl+");
+        text += QCoreApplication::translate("KeyCombo", "Ctrl") + u'+';
     if (combo.modifiers & Option)
-        text += QStringLiteral("Alt+");
+        text += QCoreApplication::translate("KeyCombo", "Alt") + u'+';
     if (combo.modifiers & Shift)
-        text += QStringLiteral("Shift+");
+        text += QCoreApplication::translate("KeyCombo", "Shift") + u'+';
     return text + keyName(combo.keyCode, layout);
 }
 

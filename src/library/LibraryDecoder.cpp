@@ -25,6 +25,12 @@ using simdjson::dom::element;
 using simdjson::dom::element_type;
 using simdjson::dom::object;
 
+// The texts of this file, in the translation context "LibraryDecoder".
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(LibraryDecoder)
+};
+
 // Thrown inside the decoder only, and turned into the error text at its door.
 struct DecodeError
 {
@@ -55,7 +61,7 @@ public:
                 out += u'.';
             out += QString::fromUtf8(key.data(), qsizetype(key.size()));
         }
-        return out.isEmpty() ? QStringLiteral("the document") : out;
+        return out.isEmpty() ? Texts::tr("the document") : out;
     }
 
 private:
@@ -66,11 +72,6 @@ private:
     };
     std::vector<Part> m_parts;
 };
-
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("LibraryDecoder", text);
-}
 
 const char *typeName(element_type type)
 {
@@ -349,7 +350,7 @@ private:
                 const QString raw = string(field, key);
                 const auto kind = kindFromRawValue(raw);
                 if (!kind) {
-                    fail(tr("%1 is “%2”, which is neither “image” nor “file”.")
+                    fail(Texts::tr("%1 is “%2”, which is neither “image” nor “file”.")
                              .arg(m_path.text(key), raw));
                 }
                 attachment.kind = *kind;
@@ -379,15 +380,15 @@ private:
     void require(bool present, std::string_view key)
     {
         if (!present)
-            fail(tr("%1 is missing.").arg(m_path.text(key)));
+            fail(Texts::tr("%1 is missing.").arg(m_path.text(key)));
     }
 
     [[noreturn]] void wrongType(element value, std::string_view key, const char *expected)
     {
         if (value.is_null())
-            fail(tr("%1 is null.").arg(m_path.text(key)));
-        fail(tr("%1 should be %2 but is %3.")
-                 .arg(m_path.text(key), tr(expected), tr(typeName(value.type()))));
+            fail(Texts::tr("%1 is null.").arg(m_path.text(key)));
+        fail(Texts::tr("%1 should be %2 but is %3.")
+                 .arg(m_path.text(key), Texts::tr(expected), Texts::tr(typeName(value.type()))));
     }
 
     object expectObject(element value, std::string_view key)
@@ -454,7 +455,7 @@ private:
         default:
             wrongType(value, key, QT_TRANSLATE_NOOP("LibraryDecoder", "a whole number"));
         }
-        fail(tr("%1 is not a whole number in range.").arg(m_path.text(key)));
+        fail(Texts::tr("%1 is not a whole number in range.").arg(m_path.text(key)));
     }
 
     QUuid uuid(element value, std::string_view key)
@@ -465,7 +466,7 @@ private:
         const std::optional<QUuid> id = parseDocumentUuid(text);
         if (!id) {
             fail(
-                tr("%1 is “%2”, which is not a UUID.")
+                Texts::tr("%1 is “%2”, which is not a UUID.")
                     .arg(m_path.text(key), QString::fromUtf8(text.data(), qsizetype(text.size()))));
         }
         return *id;
@@ -486,7 +487,7 @@ private:
         QDateTime date = parseDocumentDate(text);
         if (!date.isValid()) {
             fail(
-                tr("%1 is “%2”, which is not an ISO-8601 date.")
+                Texts::tr("%1 is “%2”, which is not an ISO-8601 date.")
                     .arg(m_path.text(key), QString::fromUtf8(text.data(), qsizetype(text.size()))));
         }
         return date;
@@ -633,10 +634,10 @@ std::optional<Library> decodeLibrary(const QByteArray &document, QString *errorT
         = parser.parse(document.constData(), size_t(document.size()), !hasPadding).get(root);
     if (status != simdjson::SUCCESS) {
         if (status == simdjson::UTF8_ERROR)
-            return failWith(tr("The file is not valid UTF-8 text."));
+            return failWith(Texts::tr("The file is not valid UTF-8 text."));
         if (status == simdjson::EMPTY)
-            return failWith(tr("The file is empty."));
-        return failWith(tr("The file is not valid JSON: %1.")
+            return failWith(Texts::tr("The file is empty."));
+        return failWith(Texts::tr("The file is not valid JSON: %1.")
                             .arg(QString::fromUtf8(simdjson::error_message(status))));
     }
 

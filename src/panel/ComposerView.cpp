@@ -127,7 +127,7 @@ void ComposerView::changeEvent(QEvent *event)
 
 void ComposerView::refreshPlaceholder()
 {
-    const QString placeholder = tr("Add to ") + m_store.activeSection().title;
+    const QString placeholder = tr("Add to %1").arg(m_store.activeSection().title);
     m_field->setPlaceholder(placeholder);
     m_field->editor()->setAccessibleName(placeholder);
 }
@@ -204,7 +204,7 @@ void ComposerView::commit()
         }
         clearAfterCommit();
         ToastPresenter::shared().present(
-            tr("Using ") + section->title, QStringLiteral("checkmark"));
+            tr("Using %1").arg(section->title), QStringLiteral("checkmark"));
         if (m_pendingURLs.isEmpty()) {
             Q_EMIT focusRequested(PanelFocusTarget::Composer);
             return;

@@ -22,10 +22,11 @@ namespace Vesko {
 
 namespace {
 
-QString text(const char *source)
+// The texts of this file, in the translation context "PanelMenus".
+struct Texts
 {
-    return QCoreApplication::translate("PanelMenus", source);
-}
+    Q_DECLARE_TR_FUNCTIONS(PanelMenus)
+};
 
 //! Plain keys (Space, letters) stay with the open menu, which moves and
 //! chooses with them; only combinations with a modifier reach the entries.
@@ -103,14 +104,15 @@ void fillAttachmentsMenu(QMenu &menu, Store &store, const Note &note)
 {
     for (const NoteAttachment &attachment : note.attachments) {
         QMenu *entry = menu.addMenu(attachment.fileName);
-        addEntry(*entry, text("Open"),
+        addEntry(*entry, Texts::tr("Open"),
             [attachment] { PanelCommands::shared().openAttachment(attachment); });
-        addEntry(*entry, text("Show in Files"),
+        addEntry(*entry, Texts::tr("Show in Files"),
             [attachment] { PanelCommands::shared().revealAttachment(attachment); });
         entry->addSeparator();
-        QAction *remove = addEntry(*entry, text("Remove"), [&store, attachment, noteID = note.id] {
-            store.removeAttachment(attachment.id, noteID);
-        });
+        QAction *remove
+            = addEntry(*entry, Texts::tr("Remove"), [&store, attachment, noteID = note.id] {
+                  store.removeAttachment(attachment.id, noteID);
+              });
         markDestructive(remove);
     }
 }
@@ -150,11 +152,11 @@ void fillNoteMenu(QMenu &menu, Store &store, PanelState &state, const QList<QUui
         = notes.size() == 1 ? std::optional(notes.first()) : std::nullopt;
 
     addEntry(
-        menu, text("Copy"),
+        menu, Texts::tr("Copy"),
         [&store, ids] { store.copyNotes(ids, PanelCommands::shared().clipboard()); },
         Shortcuts::keySequence(Shortcut::copy));
     addEntry(
-        menu, text("Copy as List"),
+        menu, Texts::tr("Copy as List"),
         [&store, ids] { store.copyAsList(ids, PanelCommands::shared().clipboard()); },
         Shortcuts::keySequence(Shortcut::copyAsList));
     menu.addSeparator();
@@ -162,7 +164,7 @@ void fillNoteMenu(QMenu &menu, Store &store, PanelState &state, const QList<QUui
     const bool allDone = !notes.isEmpty()
         && std::all_of(notes.begin(), notes.end(), [](const Note &note) { return note.isDone; });
     addEntry(
-        menu, allDone ? text("Mark as Not Done") : text("Mark as Done"),
+        menu, allDone ? Texts::tr("Mark as Not Done") : Texts::tr("Mark as Done"),
         [&store, ids] { store.toggleDone(ids); }, Shortcuts::keySequence(Shortcut::toggleDone));
 
     const QSet<QUuid> expanded = store.expandedNoteIDs();
@@ -171,7 +173,7 @@ void fillNoteMenu(QMenu &menu, Store &store, PanelState &state, const QList<QUui
     const bool anyLong = std::any_of(
         notes.begin(), notes.end(), [](const Note &note) { return isLongNoteText(note.text); });
     addEntry(
-        menu, anyExpanded ? text("Collapse") : text("Expand"),
+        menu, anyExpanded ? Texts::tr("Collapse") : Texts::tr("Expand"),
         [&store, ids = noteIDs(notes)] {
             for (const QUuid &id : ids)
                 store.toggleExpanded(id);
@@ -181,7 +183,7 @@ void fillNoteMenu(QMenu &menu, Store &store, PanelState &state, const QList<QUui
 
     const QUuid singleID = single ? single->id : QUuid();
     addEntry(
-        menu, text("Edit"),
+        menu, Texts::tr("Edit"),
         [&store, singleID] {
             store.setSelection({singleID}, singleID);
             // The row starts its editor once the menu has gone.
@@ -189,30 +191,30 @@ void fillNoteMenu(QMenu &menu, Store &store, PanelState &state, const QList<QUui
         },
         Shortcuts::keySequence(Shortcut::editNote), bool(single));
     addEntry(
-        menu, text("Edit in New Window"),
+        menu, Texts::tr("Edit in New Window"),
         [singleID] { PanelCommands::shared().openNoteWindow(singleID); },
         Shortcuts::keySequence(Shortcut::openInNewWindow), bool(single));
     addEntry(
-        menu, text("Merge Notes"), [&store, ids] { store.mergeNotes(ids); },
+        menu, Texts::tr("Merge Notes"), [&store, ids] { store.mergeNotes(ids); },
         Shortcuts::keySequence(Shortcut::mergeNotes), notes.size() >= 2);
     addEntry(
-        menu, text("Split into Notes"), [&store, singleID] { store.splitNote(singleID); }, {},
+        menu, Texts::tr("Split into Notes"), [&store, singleID] { store.splitNote(singleID); }, {},
         single && single->text.contains(u'\n'));
     menu.addSeparator();
 
     addEntry(
-        menu, text("Add Attachment…"),
+        menu, Texts::tr("Add Attachment…"),
         [singleID] { PanelCommands::shared().addAttachments(singleID); }, {}, bool(single));
     addEntry(
-        menu, text("Paste Image or File"),
+        menu, Texts::tr("Paste Image or File"),
         [singleID] { PanelCommands::shared().pasteAttachments(singleID); }, {}, bool(single));
     if (single && !single->attachments.isEmpty())
-        fillAttachmentsMenu(*menu.addMenu(text("Attachments")), store, *single);
-    fillMoveToMenu(*menu.addMenu(text("Move to")), store, state, ids);
+        fillAttachmentsMenu(*menu.addMenu(Texts::tr("Attachments")), store, *single);
+    fillMoveToMenu(*menu.addMenu(Texts::tr("Move to")), store, state, ids);
     menu.addSeparator();
 
     QAction *remove = addEntry(
-        menu, text("Delete"),
+        menu, Texts::tr("Delete"),
         [&store, ids] {
             if (!ids.isEmpty())
                 store.deleteNotes(QSet<QUuid>(ids.begin(), ids.end()));
@@ -237,12 +239,12 @@ void fillMoveToMenu(QMenu &menu, Store &store, PanelState &state, const QList<QU
             onlySection != section.id);
     }
     menu.addSeparator();
-    addEntry(menu, text("New Section…"), [&state, ids] {
+    addEntry(menu, Texts::tr("New Section…"), [&state, ids] {
         state.setPendingMoveIDs(ids);
         state.setShowing(PanelLayer::NewSection, true);
     });
     menu.addSeparator();
-    QMenu *projects = menu.addMenu(text("Project"));
+    QMenu *projects = menu.addMenu(Texts::tr("Project"));
     guardKeys(*projects);
     const QUuid activeID = project.id;
     for (const Project &other : store.library().projects) {
@@ -270,20 +272,20 @@ void fillSectionMenu(QMenu &menu, Store &store, PanelState &state, const QUuid &
     const bool isLast = index < 0 || index == project.sections.size() - 1;
 
     addEntry(
-        menu, text("Use as Active Section"),
+        menu, Texts::tr("Use as Active Section"),
         [&store, sectionID] { store.activateSection(sectionID); }, {},
         store.activeSection().id != sectionID);
     menu.addSeparator();
-    addEntry(menu, text("Rename Section"),
+    addEntry(menu, Texts::tr("Rename Section"),
         [&state, sectionID] { state.setRenamingSectionID(sectionID); });
-    addEntry(
-        menu, isCollapsed ? text("Expand Section") : text("Collapse Section"), [&store, sectionID] {
+    addEntry(menu, isCollapsed ? Texts::tr("Expand Section") : Texts::tr("Collapse Section"),
+        [&store, sectionID] {
             store.toggleSectionCollapsed(sectionID);
             store.commit();
         });
-    addEntry(menu, text("Select All in Section"),
+    addEntry(menu, Texts::tr("Select All in Section"),
         [&store, sectionID] { store.selectAllInSection(sectionID); });
-    addEntry(menu, text("Copy Section as List"), [&store, sectionID] {
+    addEntry(menu, Texts::tr("Copy Section as List"), [&store, sectionID] {
         QList<QUuid> ids;
         if (const std::optional<NoteSection> current = store.section(sectionID)) {
             for (const Note &note : current->notes)
@@ -293,25 +295,25 @@ void fillSectionMenu(QMenu &menu, Store &store, PanelState &state, const QUuid &
     });
     menu.addSeparator();
     addEntry(
-        menu, text("Move Up"), [&store, sectionID] { store.moveSection(sectionID, -1); }, {},
+        menu, Texts::tr("Move Up"), [&store, sectionID] { store.moveSection(sectionID, -1); }, {},
         !isFirst);
     addEntry(
-        menu, text("Move Down"), [&store, sectionID] { store.moveSection(sectionID, +1); }, {},
+        menu, Texts::tr("Move Down"), [&store, sectionID] { store.moveSection(sectionID, +1); }, {},
         !isLast);
     const QUuid firstID = project.sections.isEmpty() ? QUuid() : project.sections.first().id;
     addEntry(
-        menu, text("Move to Top"),
+        menu, Texts::tr("Move to Top"),
         [&store, sectionID, firstID] { store.moveSection(sectionID, std::optional(firstID)); }, {},
         !isFirst);
     addEntry(
-        menu, text("Move to Bottom"),
+        menu, Texts::tr("Move to Bottom"),
         [&store, sectionID] { store.moveSection(sectionID, std::optional<QUuid>()); }, {}, !isLast);
     menu.addSeparator();
-    addEntry(
-        menu, text("New Section…"), [&state] { state.setShowing(PanelLayer::NewSection, true); });
+    addEntry(menu, Texts::tr("New Section…"),
+        [&state] { state.setShowing(PanelLayer::NewSection, true); });
     QAction *remove = addEntry(
-        menu, text("Delete Section"), [&store, sectionID] { store.deleteSection(sectionID); }, {},
-        project.sections.size() >= 2);
+        menu, Texts::tr("Delete Section"), [&store, sectionID] { store.deleteSection(sectionID); },
+        {}, project.sections.size() >= 2);
     markDestructive(remove);
 }
 
@@ -321,7 +323,7 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
     QPointer<QWidget> owner = menu.parentWidget() ? menu.parentWidget()->window() : nullptr;
     const Project active = store.activeProject();
 
-    menu.addSection(text("Project"));
+    menu.addSection(Texts::tr("Project"));
     auto *projects = new QActionGroup(&menu);
     for (const Project &project : store.library().projects) {
         QAction *entry = addEntry(menu, menuEntryText(project.name),
@@ -331,16 +333,18 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
         entry->setActionGroup(projects);
     }
     addEntry(
-        menu, text("New Project…"), [&state] { state.setShowing(PanelLayer::NewProject, true); },
+        menu, Texts::tr("New Project…"),
+        [&state] { state.setShowing(PanelLayer::NewProject, true); },
         Shortcuts::keySequence(Shortcut::newProject));
-    addEntry(menu, text("Rename Project…"),
+    addEntry(menu, Texts::tr("Rename Project…"),
         [&state] { state.setShowing(PanelLayer::RenameProject, true); });
     QAction *deleteProject = addEntry(
-        menu, text("Delete Project"), [&store] { store.deleteProject(store.activeProject().id); },
-        {}, store.library().projects.size() >= 2);
+        menu, Texts::tr("Delete Project"),
+        [&store] { store.deleteProject(store.activeProject().id); }, {},
+        store.library().projects.size() >= 2);
     markDestructive(deleteProject);
 
-    menu.addSection(text("Active Section"));
+    menu.addSection(Texts::tr("Active Section"));
     auto *sections = new QActionGroup(&menu);
     const QUuid activeSectionID = store.activeSection().id;
     for (const NoteSection &section : active.sections) {
@@ -351,24 +355,25 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
         entry->setActionGroup(sections);
     }
     addEntry(
-        menu, text("Switch Section…"),
+        menu, Texts::tr("Switch Section…"),
         [&state] { state.setShowing(PanelLayer::SectionSwitcher, true); },
         Shortcuts::keySequence(Shortcut::switchSection));
 
     menu.addSeparator();
     addEntry(
-        menu, text("New Section…"), [&state] { state.setShowing(PanelLayer::NewSection, true); },
+        menu, Texts::tr("New Section…"),
+        [&state] { state.setShowing(PanelLayer::NewSection, true); },
         Shortcuts::keySequence(Shortcut::newSection));
-    addEntry(menu, text("Collapse All Sections"), [&store] {
+    addEntry(menu, Texts::tr("Collapse All Sections"), [&store] {
         store.collapseAllSections();
         store.commit();
     });
-    addEntry(menu, text("Expand All Sections"), [&store] {
+    addEntry(menu, Texts::tr("Expand All Sections"), [&store] {
         store.expandAllSections();
         store.commit();
     });
 
-    menu.addSection(text("View"));
+    menu.addSection(Texts::tr("View"));
     struct Toggle
     {
         const char *title;
@@ -384,7 +389,7 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
             &Preferences::setNewestFirst},
     };
     for (const Toggle &toggle : toggles) {
-        QAction *entry = menu.addAction(text(toggle.title));
+        QAction *entry = menu.addAction(Texts::tr(toggle.title));
         entry->setCheckable(true);
         entry->setChecked(toggle.value);
         QObject::connect(entry, &QAction::toggled, entry,
@@ -392,43 +397,44 @@ void fillOverflowMenu(QMenu &menu, Store &store, PanelState &state, Preferences 
     }
 
     menu.addSeparator();
-    addEntry(menu, text("Copy All as List"), [&store] {
+    addEntry(menu, Texts::tr("Copy All as List"), [&store] {
         store.copyAsList(noteIDs(store.visibleNotes()), PanelCommands::shared().clipboard());
     });
-    addEntry(menu, text("Clear Completed"), [&store] { store.clearCompleted(); });
-    addEntry(menu, text("Export as Markdown…"), [&store, owner] {
+    addEntry(menu, Texts::tr("Clear Completed"), [&store] { store.clearCompleted(); });
+    addEntry(menu, Texts::tr("Export as Markdown…"), [&store, owner] {
         PanelCommands::shared().exportMarkdown(store.markdownExportText(), owner);
     });
-    addEntry(menu, text("Show Notes File in Files"),
+    addEntry(menu, Texts::tr("Show Notes File in Files"),
         [] { PanelCommands::shared().revealLibraryFile(); });
 
     if (const auto &fillDashboard = PanelCommands::shared().hooks().fillDashboard) {
         // The tray's menu, here too: its entries stay within reach without a tray.
-        QMenu *dashboard = menu.addMenu(text("Dashboard"));
+        QMenu *dashboard = menu.addMenu(Texts::tr("Dashboard"));
         fillDashboard(*dashboard);
         QObject::connect(dashboard, &QMenu::aboutToShow, dashboard,
             [dashboard, fillDashboard] { fillDashboard(*dashboard); });
     }
     if (const auto &commandMenus = PanelCommands::shared().hooks().commandMenus) {
         // Without a menu bar, the commands that have no key are reached here.
-        QMenu *all = menu.addMenu(text("All Commands"));
+        QMenu *all = menu.addMenu(Texts::tr("All Commands"));
         for (QMenu *group : commandMenus())
             all->addMenu(group);
     }
 
     menu.addSeparator();
+    addEntry(menu, Texts::tr("Reset Window Position"),
+        [] { PanelCommands::shared().resetPanelPosition(); });
     addEntry(
-        menu, text("Reset Window Position"), [] { PanelCommands::shared().resetPanelPosition(); });
-    addEntry(menu, text("Reset Window Size"), [] { PanelCommands::shared().resetPanelSize(); });
+        menu, Texts::tr("Reset Window Size"), [] { PanelCommands::shared().resetPanelSize(); });
     addEntry(
-        menu, text("Keyboard Shortcuts…"),
+        menu, Texts::tr("Keyboard Shortcuts…"),
         [&state] { state.setShowing(PanelLayer::Shortcuts, true); },
         Shortcuts::keySequence(Shortcut::showShortcuts));
     addEntry(
-        menu, text("Settings…"), [] { PanelCommands::shared().openSettings(); },
+        menu, Texts::tr("Settings…"), [] { PanelCommands::shared().openSettings(); },
         Shortcuts::keySequence(Shortcut::settings));
     addEntry(
-        menu, text("Quit Vesko"), [] { PanelCommands::shared().quit(); },
+        menu, Texts::tr("Quit Vesko"), [] { PanelCommands::shared().quit(); },
         QKeySequence(PanelKeyHandler::quitKey));
 }
 

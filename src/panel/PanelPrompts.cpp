@@ -9,22 +9,23 @@
 namespace Vesko {
 
 namespace {
-QString text(const char *source)
+// The texts of this file, in the translation context "PanelPrompts".
+struct Texts
 {
-    return QCoreApplication::translate("PanelPrompts", source);
-}
+    Q_DECLARE_TR_FUNCTIONS(PanelPrompts)
+};
 } // namespace
 
 std::optional<PanelPrompt> panelPrompt(PanelLayer layer, const Store &store)
 {
     switch (layer) {
     case PanelLayer::NewSection:
-        return PanelPrompt {text("New Section"), text("Section name"), QString()};
+        return PanelPrompt {Texts::tr("New Section"), Texts::tr("Section name"), QString()};
     case PanelLayer::NewProject:
-        return PanelPrompt {text("New Project"), text("Project name"), QString()};
+        return PanelPrompt {Texts::tr("New Project"), Texts::tr("Project name"), QString()};
     case PanelLayer::RenameProject:
         return PanelPrompt {
-            text("Rename Project"), text("Project name"), store.activeProject().name};
+            Texts::tr("Rename Project"), Texts::tr("Project name"), store.activeProject().name};
     default:
         return std::nullopt;
     }

@@ -13,10 +13,11 @@ namespace Vesko::RowAccessibility {
 
 namespace {
 
-QString tr(const char *text)
+// The texts of this file, in the translation context "RowAccessibility".
+struct Texts
 {
-    return QCoreApplication::translate("RowAccessibility", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(RowAccessibility)
+};
 
 //! The length in UTF-16 units of the first \a count characters (grapheme
 //! clusters) of \a text, or -1 when it has no more than \a count.
@@ -81,23 +82,23 @@ QString noteLabel(const Note &note)
         return attachments;
     if (attachments.isEmpty())
         return text;
-    return text + tr(". Attachments: ") + attachments;
+    return Texts::tr("%1. Attachments: %2").arg(text, attachments);
 }
 
 QString noteValue(const Note &note)
 {
-    return note.isDone ? tr("Done") : tr("Not done");
+    return note.isDone ? Texts::tr("Done") : Texts::tr("Not done");
 }
 
 QString doneControlLabel(bool isDone)
 {
-    return isDone ? tr("Mark as not done") : tr("Mark as done");
+    return isDone ? Texts::tr("Mark as not done") : Texts::tr("Mark as done");
 }
 
 QString sectionLabel(const PanelSectionRow &section)
 {
-    return section.title + tr(" section, ") + QString::number(section.remainingCount)
-        + tr(" remaining");
+    return Texts::tr("%1 section, %2 remaining")
+        .arg(section.title, QString::number(section.remainingCount));
 }
 
 } // namespace Vesko::RowAccessibility

@@ -27,7 +27,7 @@ SaveStatusView::SaveStatusView(Store &store, QWidget *parent)
 void SaveStatusView::refresh()
 {
     const QString failure = m_store.saveFailure();
-    m_statusText = failure.isEmpty() ? QString() : tr("Not saved: ") + failure;
+    m_statusText = failure.isEmpty() ? QString() : tr("Not saved: %1").arg(failure);
     setToolTip(m_statusText);
     setAccessibleName(m_statusText);
     showElided();

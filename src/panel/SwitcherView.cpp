@@ -343,7 +343,8 @@ void SectionSwitcherView::choose(const QUuid &id)
     if (!section)
         return;
     m_store.activateSection(id);
-    ToastPresenter::shared().present(tr("Using ") + section->title, QStringLiteral("checkmark"));
+    ToastPresenter::shared().present(
+        tr("Using %1").arg(section->title), QStringLiteral("checkmark"));
     close();
 }
 
@@ -352,7 +353,7 @@ void SectionSwitcherView::create()
     if (const std::optional<NoteSection> section
         = m_store.createOrUseSection(m_rows.trimmedQuery())) {
         ToastPresenter::shared().present(
-            tr("Using ") + section->title, QStringLiteral("checkmark"));
+            tr("Using %1").arg(section->title), QStringLiteral("checkmark"));
         close();
     }
 }
@@ -453,7 +454,7 @@ void ProjectSwitcherView::choose(const QUuid &id)
             name = project.name;
     }
     m_store.switchProject(id);
-    ToastPresenter::shared().present(tr("Using ") + name, QStringLiteral("checkmark"));
+    ToastPresenter::shared().present(tr("Using %1").arg(name), QStringLiteral("checkmark"));
     close();
 }
 

@@ -191,23 +191,23 @@ std::optional<QString> writeNewFile(
     if (fd.get() < 0)
         return QObject::tr("Could not create “%1”: %2.").arg(path, lastErrorText());
 
-    auto failed = [&](const char *what) {
-        const QString text
-            = QObject::tr("Could not %1 “%2”: %3.").arg(QObject::tr(what), path, lastErrorText());
+    // Takes the message with the file's name and the system's reason to fill in.
+    auto failed = [&](const QString &message) {
+        const QString text = message.arg(path, lastErrorText());
         ::unlink(name.constData());
         return text;
     };
     if (::fchmod(fd.get(), mode) != 0)
-        return failed(QT_TR_NOOP("set the permissions of"));
+        return failed(QObject::tr("Could not set the permissions of “%1”: %2."));
     const int descriptor = fd.get();
     if (!produce([descriptor](const char *data, qsizetype size) {
             return writeAll(descriptor, data, size);
         }))
-        return failed(QT_TR_NOOP("write"));
+        return failed(QObject::tr("Could not write “%1”: %2."));
     if (durability == Durability::Flushed && ::fsync(fd.get()) != 0)
-        return failed(QT_TR_NOOP("flush"));
+        return failed(QObject::tr("Could not flush “%1”: %2."));
     if (!fd.close())
-        return failed(QT_TR_NOOP("close"));
+        return failed(QObject::tr("Could not close “%1”: %2."));
     return std::nullopt;
 }
 

@@ -32,7 +32,7 @@ AboutSettingsView::AboutSettingsView(QWidget *parent)
     name->setAlignment(Qt::AlignCenter);
     layout->addWidget(name);
 
-    auto *version = new QLabel(tr("Version ") + QCoreApplication::applicationVersion());
+    auto *version = new QLabel(tr("Version %1").arg(QCoreApplication::applicationVersion()));
     version->setAlignment(Qt::AlignCenter);
     version->setForegroundRole(QPalette::PlaceholderText);
     layout->addWidget(version);

@@ -8,10 +8,11 @@ namespace Vesko {
 
 namespace {
 
-QString tr(const char *text)
+// The texts of this file, in the translation context "CaptureSettingsView".
+struct Texts
 {
-    return QCoreApplication::translate("CaptureSettingsView", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(CaptureSettingsView)
+};
 
 } // namespace
 
@@ -21,19 +22,21 @@ QString captureObstacleReason(CaptureObstacle obstacle)
     case CaptureObstacle::None:
         break;
     case CaptureObstacle::WaylandSession:
-        return tr("This is a Wayland session: it keeps other applications' keys and selected "
-                  "text away from Vesko.");
+        return Texts::tr(
+            "This is a Wayland session: it keeps other applications' keys and selected "
+            "text away from Vesko.");
     case CaptureObstacle::NoXServer:
-        return tr("Vesko is not running on an X server, so it cannot see other applications' "
-                  "keys and selected text.");
+        return Texts::tr(
+            "Vesko is not running on an X server, so it cannot see other applications' "
+            "keys and selected text.");
     case CaptureObstacle::NoXInput2:
-        return tr("The X server lacks the XInput 2 extension, which tells Vesko about Shift "
-                  "presses.");
+        return Texts::tr("The X server lacks the XInput 2 extension, which tells Vesko about Shift "
+                         "presses.");
     case CaptureObstacle::NoXTest:
-        return tr("The X server lacks XTEST, which Vesko uses to copy the selected text.");
+        return Texts::tr("The X server lacks XTEST, which Vesko uses to copy the selected text.");
     case CaptureObstacle::NoXResource:
-        return tr("The X server lacks the X-Resource extension, which tells Vesko which "
-                  "application owns the selected text.");
+        return Texts::tr("The X server lacks the X-Resource extension, which tells Vesko which "
+                         "application owns the selected text.");
     }
     return {};
 }
@@ -45,14 +48,15 @@ QString captureObstacleAdvice(CaptureObstacle obstacle)
         break;
     case CaptureObstacle::WaylandSession:
     case CaptureObstacle::NoXServer:
-        return tr("To capture with double Shift and the shortcuts, log in to an X11 (Xorg) "
-                  "session. Here you can still open the panel from the system tray, paste "
-                  "text into the composer and drop files on notes.");
+        return Texts::tr("To capture with double Shift and the shortcuts, log in to an X11 (Xorg) "
+                         "session. Here you can still open the panel from the system tray, paste "
+                         "text into the composer and drop files on notes.");
     case CaptureObstacle::NoXInput2:
     case CaptureObstacle::NoXTest:
     case CaptureObstacle::NoXResource:
-        return tr("Enable the extension in the X server's configuration and start Vesko "
-                  "again. Until then, paste text into the composer and drop files on notes.");
+        return Texts::tr(
+            "Enable the extension in the X server's configuration and start Vesko "
+            "again. Until then, paste text into the composer and drop files on notes.");
     }
     return {};
 }
@@ -60,10 +64,12 @@ QString captureObstacleAdvice(CaptureObstacle obstacle)
 QStringList keyboardShortcutSettingsCommand(const QString &currentDesktop)
 {
     static const std::pair<QLatin1String, QStringList> pages[] = {
-        {QLatin1String("GNOME"), {QStringLiteral("gnome-control-center"), QStringLiteral("keyboard")}},
+        {QLatin1String("GNOME"),
+            {QStringLiteral("gnome-control-center"), QStringLiteral("keyboard")}},
         {QLatin1String("KDE"), {QStringLiteral("systemsettings"), QStringLiteral("kcm_keys")}},
         {QLatin1String("XFCE"), {QStringLiteral("xfce4-keyboard-settings")}},
-        {QLatin1String("X-Cinnamon"), {QStringLiteral("cinnamon-settings"), QStringLiteral("keyboard")}},
+        {QLatin1String("X-Cinnamon"),
+            {QStringLiteral("cinnamon-settings"), QStringLiteral("keyboard")}},
         {QLatin1String("MATE"), {QStringLiteral("mate-keybinding-properties")}},
     };
     for (const QStringView desktop : QStringView(currentDesktop).split(u':')) {

@@ -9,28 +9,29 @@ namespace Vesko {
 
 namespace {
 
-QString tr(const char *text)
+// The texts of this file, in the translation context "CommandLine".
+struct Texts
 {
-    return QCoreApplication::translate("CommandLine", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(CommandLine)
+};
 
 QString commandsText()
 {
-    return tr("Commands:\n"
-              "  (none)        start Vesko, or show the panel of the one that runs\n"
-              "  toggle        show or hide the panel\n"
-              "  show          show the panel with the composer focused\n"
-              "  hide          hide the panel\n"
-              "  capture       add the selected text of the front window as a note\n"
-              "  quick-add     show the panel to type a note\n"
-              "  copy-list     copy the selected notes, else every visible one, as a list\n"
-              "  quit          quit Vesko\n"
-              "  add TEXT...   add a note (\"-\" reads it from standard input)\n"
-              "  list          print the notes of the active project\n"
-              "  search QUERY  print the notes that contain QUERY\n"
-              "  mcp           serve the notes to AI agents (Model Context Protocol)\n"
-              "\n"
-              "Run \"vesko COMMAND --help\" for the options of a command.");
+    return Texts::tr("Commands:\n"
+                     "  (none)        start Vesko, or show the panel of the one that runs\n"
+                     "  toggle        show or hide the panel\n"
+                     "  show          show the panel with the composer focused\n"
+                     "  hide          hide the panel\n"
+                     "  capture       add the selected text of the front window as a note\n"
+                     "  quick-add     show the panel to type a note\n"
+                     "  copy-list     copy the selected notes, else every visible one, as a list\n"
+                     "  quit          quit Vesko\n"
+                     "  add TEXT...   add a note (\"-\" reads it from standard input)\n"
+                     "  list          print the notes of the active project\n"
+                     "  search QUERY  print the notes that contain QUERY\n"
+                     "  mcp           serve the notes to AI agents (Model Context Protocol)\n"
+                     "\n"
+                     "Run \"vesko COMMAND --help\" for the options of a command.");
 }
 
 // The help of \a parser, its usage line naming the program as the user types it.
@@ -38,9 +39,10 @@ QString helpText(const QCommandLineParser &parser, const QString &usageName)
 {
     QString text = parser.helpText();
     const QString program = QCoreApplication::arguments().value(0);
-    const QString usage = QStringLiteral("Usage: ") + program;
-    if (!program.isEmpty() && text.startsWith(usage))
-        text.replace(0, usage.size(), QStringLiteral("Usage: ") + usageName);
+    // The line as the parser words it, in the user's language.
+    const QString usage = QCoreApplication::translate("QCommandLineParser", "Usage: %1");
+    if (!program.isEmpty() && text.startsWith(usage.arg(program)))
+        text.replace(0, usage.arg(program).size(), usage.arg(usageName));
     return text;
 }
 
@@ -66,7 +68,7 @@ std::optional<CommandLineRequest> parseCommand(
     QCommandLineParser &parser, const QStringList &words, const QString &command)
 {
     const QCommandLineOption help(
-        {QStringLiteral("h"), QStringLiteral("help")}, tr("Shows this help."));
+        {QStringLiteral("h"), QStringLiteral("help")}, Texts::tr("Shows this help."));
     parser.addOption(help);
     if (!parser.parse(words))
         return invalid(parser.errorText());
@@ -132,20 +134,20 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
         arguments.isEmpty() ? QStringList {QStringLiteral("vesko")} : arguments);
 
     QCommandLineParser top;
-    top.setApplicationDescription(
-        tr("Vesko, a keyboard-driven notes panel.") + QStringLiteral("\n\n") + commandsText());
+    top.setApplicationDescription(Texts::tr("Vesko, a keyboard-driven notes panel.")
+        + QStringLiteral("\n\n") + commandsText());
     top.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     const QCommandLineOption help(
-        {QStringLiteral("h"), QStringLiteral("help")}, tr("Shows this help."));
+        {QStringLiteral("h"), QStringLiteral("help")}, Texts::tr("Shows this help."));
     const QCommandLineOption version(
-        {QStringLiteral("v"), QStringLiteral("version")}, tr("Shows the version."));
+        {QStringLiteral("v"), QStringLiteral("version")}, Texts::tr("Shows the version."));
     QCommandLineOption background(QStringLiteral("background"),
-        tr("Starts without showing the panel and waits for commands."));
+        Texts::tr("Starts without showing the panel and waits for commands."));
     top.addOption(help);
     top.addOption(version);
     top.addOption(background);
     top.addPositionalArgument(
-        QStringLiteral("command"), tr("What to do (see Commands)."), QStringLiteral("[command]"));
+        Texts::tr("command"), Texts::tr("What to do (see Commands)."), Texts::tr("[command]"));
     if (!top.parse(words))
         return invalid(top.errorText());
     if (top.isSet(help))
@@ -162,7 +164,7 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
         return request;
     }
     if (top.isSet(background))
-        return invalid(tr("--background starts Vesko: it takes no command."));
+        return invalid(Texts::tr("--background starts Vesko: it takes no command."));
 
     // The command is the first word that is not an option.
     const QString command = positional.first();
@@ -174,46 +176,48 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
     QCommandLineParser parser;
     parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsOptions);
     const QCommandLineOption sectionOption(
-        QStringLiteral("section"), tr("The section, by its title."), tr("NAME"));
+        QStringLiteral("section"), Texts::tr("The section, by its title."), Texts::tr("NAME"));
     const QCommandLineOption projectOption(
-        QStringLiteral("project"), tr("The project, by its name."), tr("NAME"));
-    const QCommandLineOption allOption(QStringLiteral("all"), tr("Lists the done notes too."));
+        QStringLiteral("project"), Texts::tr("The project, by its name."), Texts::tr("NAME"));
+    const QCommandLineOption allOption(
+        QStringLiteral("all"), Texts::tr("Lists the done notes too."));
     const QCommandLineOption jsonOption(
-        QStringLiteral("json"), tr("Prints a JSON array with one object per note."));
+        QStringLiteral("json"), Texts::tr("Prints a JSON array with one object per note."));
 
     if (actionNames().contains(command)) {
         parser.setApplicationDescription(
-            tr("Runs the action \"%1\" in the running Vesko.").arg(command));
+            Texts::tr("Runs the action \"%1\" in the running Vesko.").arg(command));
         if (auto done = parseCommand(parser, commandWords, command))
             return *done;
         if (!parser.positionalArguments().isEmpty())
-            return invalid(tr("\"%1\" takes no arguments.").arg(command));
+            return invalid(Texts::tr("\"%1\" takes no arguments.").arg(command));
         request.kind = CommandLineRequest::Kind::Action;
         request.action = command;
         return request;
     }
     if (command == u"add") {
         parser.setApplicationDescription(
-            tr("Adds a note to the active project, or to the project and section given."));
+            Texts::tr("Adds a note to the active project, or to the project and section given."));
         parser.addOption(sectionOption);
         parser.addOption(projectOption);
-        parser.addPositionalArgument(QStringLiteral("text"),
-            tr("The note's text; \"-\" reads it from standard input."), tr("TEXT..."));
+        parser.addPositionalArgument(Texts::tr("text"),
+            Texts::tr("The note's text; \"-\" reads it from standard input."),
+            Texts::tr("TEXT..."));
         if (auto done = parseCommand(parser, commandWords, command))
             return *done;
         const QStringList text = parser.positionalArguments();
         if (text.isEmpty())
-            return invalid(
-                tr("\"add\" needs the note's text, or \"-\" to read it from standard input."));
+            return invalid(Texts::tr(
+                "\"add\" needs the note's text, or \"-\" to read it from standard input."));
         if (text.contains(QStringLiteral("-"))) {
             if (text.size() > 1)
-                return invalid(
-                    tr("\"-\" reads the whole note from standard input: give no other text."));
+                return invalid(Texts::tr(
+                    "\"-\" reads the whole note from standard input: give no other text."));
             request.readsStandardInput = true;
         } else {
             request.text = text.join(u' ');
             if (request.text.trimmed().isEmpty())
-                return invalid(tr("The note is blank."));
+                return invalid(Texts::tr("The note is blank."));
         }
         request.kind = CommandLineRequest::Kind::Add;
         request.section = parser.value(sectionOption);
@@ -222,7 +226,7 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
     }
     if (command == u"list") {
         parser.setApplicationDescription(
-            tr("Prints the open notes of the active project, or of the project given."));
+            Texts::tr("Prints the open notes of the active project, or of the project given."));
         parser.addOption(projectOption);
         parser.addOption(sectionOption);
         parser.addOption(allOption);
@@ -230,7 +234,7 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
         if (auto done = parseCommand(parser, commandWords, command))
             return *done;
         if (!parser.positionalArguments().isEmpty())
-            return invalid(tr("\"list\" takes no arguments beside its options."));
+            return invalid(Texts::tr("\"list\" takes no arguments beside its options."));
         request.kind = CommandLineRequest::Kind::List;
         request.project = parser.value(projectOption);
         request.section = parser.value(sectionOption);
@@ -240,30 +244,31 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
     }
     if (command == u"search") {
         parser.setApplicationDescription(
-            tr("Prints the notes of the active project that contain the query."));
+            Texts::tr("Prints the notes of the active project that contain the query."));
         parser.addOption(jsonOption);
         parser.addPositionalArgument(
-            QStringLiteral("query"), tr("What to look for."), tr("QUERY..."));
+            Texts::tr("query"), Texts::tr("What to look for."), Texts::tr("QUERY..."));
         if (auto done = parseCommand(parser, commandWords, command))
             return *done;
         request.query = parser.positionalArguments().join(u' ');
         if (request.query.trimmed().isEmpty())
-            return invalid(tr("\"search\" needs a query."));
+            return invalid(Texts::tr("\"search\" needs a query."));
         request.kind = CommandLineRequest::Kind::Search;
         request.json = parser.isSet(jsonOption);
         return request;
     }
     if (command == u"mcp") {
-        parser.setApplicationDescription(tr("Serves the notes to AI agents over the Model Context "
-                                            "Protocol on standard input and output."));
+        parser.setApplicationDescription(
+            Texts::tr("Serves the notes to AI agents over the Model Context "
+                      "Protocol on standard input and output."));
         if (auto done = parseCommand(parser, commandWords, command))
             return *done;
         if (!parser.positionalArguments().isEmpty())
-            return invalid(tr("\"mcp\" takes no arguments."));
+            return invalid(Texts::tr("\"mcp\" takes no arguments."));
         request.kind = CommandLineRequest::Kind::Mcp;
         return request;
     }
-    return invalid(tr("Unknown command \"%1\".").arg(command));
+    return invalid(Texts::tr("Unknown command \"%1\".").arg(command));
 }
 
 } // namespace Vesko

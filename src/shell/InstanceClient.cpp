@@ -30,10 +30,11 @@ namespace {
 
 constexpr int pollMilliseconds = 50;
 
-QString tr(const char *text)
+// The texts of this file, in the translation context "InstanceClient".
+struct Texts
 {
-    return QCoreApplication::translate("InstanceClient", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(InstanceClient)
+};
 
 QJsonObject failure(const QString &message)
 {
@@ -107,7 +108,7 @@ std::optional<QString> readStandardInput(QString *error)
 {
     QFile input;
     if (!input.open(stdin, QIODevice::ReadOnly)) {
-        *error = tr("Could not read standard input.");
+        *error = Texts::tr("Could not read standard input.");
         return std::nullopt;
     }
     const qint64 bound = NoteRequests::maximumTextLength;
@@ -119,8 +120,8 @@ std::optional<QString> readStandardInput(QString *error)
         bytes += chunk;
     }
     if (bytes.size() > bound) {
-        *error = tr("Standard input holds more than %1 bytes; a note is at most that long.")
-                     .arg(bound);
+        *error = Texts::tr("Standard input holds more than %n bytes; a note is at most that long.",
+            nullptr, int(bound));
         return std::nullopt;
     }
     return QString::fromUtf8(bytes);
@@ -205,7 +206,8 @@ bool InstanceClient::launch()
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
     if (!process.startDetached()) {
-        m_failure = tr("Could not start Vesko (%1): %2.").arg(m_program, process.errorString());
+        m_failure
+            = Texts::tr("Could not start Vesko (%1): %2.").arg(m_program, process.errorString());
         return false;
     }
     return true;
@@ -243,8 +245,9 @@ InstanceClient::Road InstanceClient::reach()
         }
     }
     m_failure = m_silent
-        ? tr("Vesko runs but did not answer within %1 seconds.").arg(startMilliseconds / 1000)
-        : tr("Vesko did not start within %1 seconds.").arg(startMilliseconds / 1000);
+        ? Texts::tr(
+            "Vesko runs but did not answer within %n seconds.", nullptr, startMilliseconds / 1000)
+        : Texts::tr("Vesko did not start within %n seconds.", nullptr, startMilliseconds / 1000);
     return Road::None;
 }
 
@@ -254,11 +257,11 @@ QJsonObject InstanceClient::sendOnSocket(const QJsonObject &request)
     const std::optional<QByteArray> answer = instance.sendRequest(
         QJsonDocument(request).toJson(QJsonDocument::Compact), requestMilliseconds);
     if (!answer)
-        return failure(
-            tr("Vesko did not answer within %1 seconds.").arg(requestMilliseconds / 1000));
+        return failure(Texts::tr(
+            "Vesko did not answer within %n seconds.", nullptr, requestMilliseconds / 1000));
     const QJsonDocument document = QJsonDocument::fromJson(*answer);
     if (!document.isObject())
-        return failure(tr("Vesko gave an answer that cannot be read."));
+        return failure(Texts::tr("Vesko gave an answer that cannot be read."));
     return document.object();
 }
 
@@ -276,10 +279,10 @@ QJsonObject InstanceClient::send(const QJsonObject &request)
     const QDBusReply<QString> reply
         = QDBusConnection::sessionBus().call(call, QDBus::Block, requestMilliseconds);
     if (!reply.isValid())
-        return failure(tr("Vesko did not answer: %1").arg(reply.error().message()));
+        return failure(Texts::tr("Vesko did not answer: %1").arg(reply.error().message()));
     const QJsonDocument document = QJsonDocument::fromJson(reply.value().toUtf8());
     if (!document.isObject())
-        return failure(tr("Vesko gave an answer that cannot be read."));
+        return failure(Texts::tr("Vesko gave an answer that cannot be read."));
     return document.object();
 }
 
@@ -301,7 +304,7 @@ QJsonObject InstanceClient::activateAction(const QString &name, Start start)
     const QDBusMessage reply
         = QDBusConnection::sessionBus().call(call, QDBus::Block, requestMilliseconds);
     if (reply.type() != QDBusMessage::ReplyMessage)
-        return failure(tr("Vesko did not run “%1”: %2").arg(name, reply.errorMessage()));
+        return failure(Texts::tr("Vesko did not run “%1”: %2").arg(name, reply.errorMessage()));
     return QJsonObject {{QStringLiteral("ok"), true}};
 }
 
@@ -330,7 +333,7 @@ int runClientCommand(const CommandLineRequest &request, const QString &libraryPa
             text = *input;
         }
         if (text.trimmed().isEmpty())
-            return fail(tr("The note is blank: nothing was added."));
+            return fail(Texts::tr("The note is blank: nothing was added."));
         QJsonObject add {
             {QStringLiteral("command"), QStringLiteral("add")}, {QStringLiteral("text"), text}};
         if (!request.section.isEmpty())
@@ -359,7 +362,7 @@ int runClientCommand(const CommandLineRequest &request, const QString &libraryPa
             {QStringLiteral("query"), request.query}});
         break;
     default:
-        return fail(tr("This is not a command for the running Vesko."));
+        return fail(Texts::tr("This is not a command for the running Vesko."));
     }
 
     if (!answer.value(QStringLiteral("ok")).toBool())

@@ -145,6 +145,12 @@ QByteArray LoginItem::entryText(const QString &program)
     text += QStringLiteral("Type=Application\n");
     text += QStringLiteral("Name=Vesko\n");
     text += QStringLiteral("Comment=A to-do list, a clipboard, and a scratchpad in one panel\n");
+    // The desktop shows the comment in the user's language, whichever it is
+    // when it reads the file.
+    text += QStringLiteral(
+        "Comment[de]=Aufgabenliste, Zwischenablage und Notizblock in einem Panel\n");
+    text += QStringLiteral("Comment[fr]=Une liste de tâches, un presse-papiers et un bloc-notes "
+                           "dans un seul panneau\n");
     text += QStringLiteral("Exec=") + exec + u'\n';
     text += QStringLiteral("Icon=com.vesko.Vesko\n");
     text += QStringLiteral("Terminal=false\n");

@@ -49,16 +49,17 @@ qsizetype openNoteCount(const Store &store)
 
 QString menuBarToolTip(const QString &projectName, qsizetype openNotes, const QString &saveFailure)
 {
-    auto tr = [](const char *text) { return QCoreApplication::translate("MenuBar", text); };
     QString tip;
     if (openNotes == 0)
-        tip = tr("Vesko: no open notes in %1").arg(projectName);
+        tip = QCoreApplication::translate("MenuBar", "Vesko: no open notes in %1").arg(projectName);
     else if (openNotes == 1)
-        tip = tr("Vesko: 1 open note in %1").arg(projectName);
+        tip = QCoreApplication::translate("MenuBar", "Vesko: 1 open note in %1").arg(projectName);
     else
-        tip = tr("Vesko: %1 open notes in %2").arg(QString::number(openNotes), projectName);
+        tip = QCoreApplication::translate(
+            "MenuBar", "Vesko: %n open notes in %1", nullptr, int(openNotes))
+                  .arg(projectName);
     if (!saveFailure.isEmpty())
-        tip += u'\n' + QCoreApplication::translate("TrayIcon", "Not saved: ") + saveFailure;
+        tip += u'\n' + QCoreApplication::translate("TrayIcon", "Not saved: %1").arg(saveFailure);
     return tip;
 }
 

@@ -16,10 +16,11 @@ namespace Vesko {
 
 namespace {
 
-QString text(const char *source)
+// The texts of this file, in the translation context "MenuBar".
+struct Texts
 {
-    return QCoreApplication::translate("MenuBar", source);
-}
+    Q_DECLARE_TR_FUNCTIONS(MenuBar)
+};
 
 void call(const std::function<void()> &command)
 {
@@ -74,22 +75,23 @@ void rebuildMenuBarMenu(
 
     const bool shown = commands.isPanelShown && commands.isPanelShown();
     if (shown) {
-        addEntry(menu, text("Hide Vesko"), [commands] { call(commands.hidePanel); });
+        addEntry(menu, Texts::tr("Hide Vesko"), [commands] { call(commands.hidePanel); });
     } else {
-        addEntry(menu, text("Show Vesko"), [commands] {
+        addEntry(menu, Texts::tr("Show Vesko"), [commands] {
             if (commands.showPanel)
                 commands.showPanel(true);
         });
     }
-    addEntry(menu, text("Capture Selection"), [commands] { call(commands.captureSelection); });
-    addEntry(menu, text("Add a Note"), [commands] {
+    addEntry(menu, Texts::tr("Capture Selection"), [commands] { call(commands.captureSelection); });
+    addEntry(menu, Texts::tr("Add a Note"), [commands] {
         if (commands.showPanel)
             commands.showPanel(true);
     });
     menu.addSeparator();
 
     if (dashboard.notes.isEmpty()) {
-        QAction *none = menu.addAction(text("No notes in ") + menuEntryText(dashboard.projectName));
+        QAction *none
+            = menu.addAction(Texts::tr("No notes in %1").arg(menuEntryText(dashboard.projectName)));
         none->setEnabled(false);
     } else {
         for (const MenuBarNote &note : dashboard.notes) {
@@ -99,7 +101,7 @@ void rebuildMenuBarMenu(
                 [&store, id = note.id] { store.setDone({id}, true); });
             entry->setCheckable(true);
         }
-        addEntry(menu, text("Copy All as List"), [&store] {
+        addEntry(menu, Texts::tr("Copy All as List"), [&store] {
             QList<QUuid> ids;
             for (const Note &note : store.visibleNotes())
                 ids.append(note.id);
@@ -108,25 +110,26 @@ void rebuildMenuBarMenu(
     }
     menu.addSeparator();
 
-    QMenu *sections = menu.addMenu(text("Section: ") + menuEntryText(dashboard.activeSectionTitle));
+    QMenu *sections
+        = menu.addMenu(Texts::tr("Section: %1").arg(menuEntryText(dashboard.activeSectionTitle)));
     addChoices(*sections, dashboard.sections, [&store, bringForward](const QUuid &id) {
         bringForward();
         store.activateSection(id);
     });
     sections->addSeparator();
-    addEntry(*sections, text("Switch Section…"), [&state, bringForward] {
+    addEntry(*sections, Texts::tr("Switch Section…"), [&state, bringForward] {
         bringForward();
         state.setShowing(PanelLayer::SectionSwitcher, true);
     });
 
     if (!dashboard.projects.isEmpty()) {
-        QMenu *projects = menu.addMenu(text("Project"));
+        QMenu *projects = menu.addMenu(Texts::tr("Project"));
         addChoices(*projects, dashboard.projects, [&store, bringForward](const QUuid &id) {
             bringForward();
             store.switchProject(id);
         });
         projects->addSeparator();
-        addEntry(*projects, text("Switch Project…"), [&state, bringForward] {
+        addEntry(*projects, Texts::tr("Switch Project…"), [&state, bringForward] {
             bringForward();
             state.setShowing(PanelLayer::ProjectSwitcher, true);
         });
@@ -134,10 +137,10 @@ void rebuildMenuBarMenu(
     menu.addSeparator();
 
     addEntry(
-        menu, text("Settings"), [commands] { call(commands.openSettings); },
+        menu, Texts::tr("Settings"), [commands] { call(commands.openSettings); },
         QKeySequence(Qt::CTRL | Qt::Key_Comma));
     addEntry(
-        menu, text("Quit Vesko"), [commands] { call(commands.quit); },
+        menu, Texts::tr("Quit Vesko"), [commands] { call(commands.quit); },
         QKeySequence(Qt::CTRL | Qt::Key_Q));
 }
 

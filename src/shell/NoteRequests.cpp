@@ -106,7 +106,8 @@ QJsonObject NoteRequests::add(const QJsonObject &request)
     if (text.trimmed().isEmpty())
         return failure(tr("The note is blank."));
     if (text.size() > maximumTextLength)
-        return failure(tr("The note is too long: at most %1 characters.").arg(maximumTextLength));
+        return failure(
+            tr("The note is too long: at most %n characters.", nullptr, int(maximumTextLength)));
     QString error;
     const qsizetype index = projectFor(request, &error);
     if (index < 0)

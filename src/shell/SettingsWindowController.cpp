@@ -22,6 +22,8 @@ namespace {
 // moves, is resized or is closed. Ctrl+W and Escape close it.
 class SettingsWindow : public QWidget
 {
+    Q_DECLARE_TR_FUNCTIONS(SettingsWindow)
+
 public:
     SettingsWindow()
     {

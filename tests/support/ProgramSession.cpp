@@ -26,6 +26,11 @@ ProgramSession::ProgramSession()
     m_environment.insert(
         QStringLiteral("XDG_RUNTIME_DIR"), m_root.filePath(QStringLiteral("runtime")));
     m_environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    // The program speaks English, whatever the language of the machine; a
+    // test of another language sets LANG.
+    m_environment.insert(QStringLiteral("LANG"), QStringLiteral("C.UTF-8"));
+    for (const char *name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES"})
+        m_environment.remove(QString::fromLatin1(name));
 }
 
 ProgramSession::~ProgramSession()
