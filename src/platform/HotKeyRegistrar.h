@@ -2,10 +2,11 @@
 //
 // The desktop's registration of global key combinations: the interface the
 // hot-key center registers through. The X11 implementation grabs keys on the
-// root window; tests use their own.
+// root window, the portal one asks the desktop to bind them; tests use their own.
 
 #pragma once
 
+#include <QString>
 #include <QtGlobal>
 
 #include <functional>
@@ -36,6 +37,20 @@ public:
     virtual int registerKey(int id, quint16 keyCode, quint64 modifiers) = 0;
     //! Releases what \a id holds, and nothing else.
     virtual void unregisterKey(int id) = 0;
+
+    //! Whether the desktop, not Vesko, owns the combinations: a registration
+    //! only offers one, and the user changes it in the desktop's settings.
+    virtual bool desktopOwnsCombinations() const { return false; }
+    //! The combination the desktop gave \a id, in the desktop's words; empty
+    //! when it owns none or has not said.
+    virtual QString assignedTrigger(int id) const
+    {
+        Q_UNUSED(id);
+        return {};
+    }
+    //! Called whenever what the desktop reports (its triggers, whether it
+    //! holds the keys at all) changes later than a registration.
+    virtual void setChangeHandler(std::function<void()> handler) { Q_UNUSED(handler); }
 };
 
 } // namespace Vesko

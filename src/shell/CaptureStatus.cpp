@@ -75,4 +75,167 @@ QStringList keyboardShortcutSettingsCommand(const QString &currentDesktop)
     return {};
 }
 
+QList<CapabilityLine> capabilityLines(const CaptureCapabilities &capabilities)
+{
+    using C = CaptureCapabilities;
+    QList<CapabilityLine> lines;
+    switch (capabilities.hotKeys) {
+    case C::HotKeys::KeyGrab:
+        lines.append({tr("Shortcuts"), true, tr("Vesko holds its shortcuts itself.")});
+        break;
+    case C::HotKeys::Portal:
+        lines.append({tr("Shortcuts"), true,
+            tr("Your desktop keeps Vesko's shortcuts; you change them in its settings.")});
+        break;
+    case C::HotKeys::None:
+        lines.append({tr("Shortcuts"), false,
+            tr("This desktop gives Vesko no shortcuts of its own. Bind the commands below to "
+               "keys in its keyboard settings.")});
+        break;
+    }
+    switch (capabilities.selection) {
+    case C::Selection::PrimarySelection:
+        lines.append({tr("Selected text"), true,
+            tr("Read from the application in front when you capture.")});
+        break;
+    case C::Selection::OnPanelFocus:
+        lines.append({tr("Selected text"), true,
+            tr("Read as the panel comes forward, so capture with a shortcut that runs “%1”.")
+                .arg(actionCommand(HotKeyAction::CaptureSelection))});
+        break;
+    case C::Selection::None:
+        lines.append({tr("Selected text"), false,
+            tr("This desktop does not let Vesko read it. Paste text into the composer "
+               "instead.")});
+        break;
+    }
+    switch (capabilities.source) {
+    case C::Source::WindowProperties:
+    case C::Source::ForeignToplevel:
+        lines.append({tr("Source"), true,
+            tr("Captured notes are filed under the application and window they came from.")});
+        break;
+    case C::Source::Accessibility:
+        lines.append({tr("Source"), true,
+            tr("The application and window in front are read through the accessibility bus, "
+               "and captured notes are filed under them.")});
+        break;
+    case C::Source::None:
+        lines.append({tr("Source"), false,
+            tr("This desktop does not tell which application is in front, so captured notes "
+               "are filed under “Unknown”.")});
+        break;
+    }
+    switch (capabilities.copy) {
+    case C::Copy::SyntheticKeys:
+        lines.append({tr("Copy"), true,
+            tr("When an application keeps no selection, Vesko presses Ctrl+Insert for you.")});
+        break;
+    case C::Copy::None:
+        lines.append({tr("Copy"), false,
+            tr("Vesko cannot press Ctrl+Insert here: select the text before you capture.")});
+        break;
+    }
+    switch (capabilities.doubleShift) {
+    case C::DoubleShift::KeyMonitor:
+        lines.append({tr("Double Shift"), true, tr("Vesko sees the Shift key when you turn it on.")});
+        break;
+    case C::DoubleShift::CompositorBinding:
+        lines.append({tr("Double Shift"), true,
+            tr("Your desktop passes each Shift release to Vesko.")});
+        break;
+    case C::DoubleShift::None:
+        lines.append({tr("Double Shift"), false,
+            tr("Not available on this desktop; use the capture shortcut instead.")});
+        break;
+    }
+    return lines;
+}
+
+bool canCaptureAtAll(const CaptureCapabilities &capabilities)
+{
+    return capabilities.selection != CaptureCapabilities::Selection::None;
+}
+
+QString portalShortcutsMessage(PortalShortcutsState state)
+{
+    using State = PortalShortcutsState;
+    switch (state) {
+    case State::Probing:
+    case State::Absent:
+    case State::Connecting:
+    case State::Bound:
+        break;
+    case State::Refused:
+        return tr("The desktop refused Vesko's shortcuts. Bind the commands below in its "
+                  "keyboard settings instead.");
+    case State::Closed:
+        return tr("The desktop ended Vesko's shortcuts. Start Vesko again to bind them, or "
+                  "bind the commands below in its keyboard settings.");
+    case State::NoAnswer:
+        return tr("The desktop did not answer when Vesko asked for its shortcuts. Bind the "
+                  "commands below in its keyboard settings instead.");
+    }
+    return {};
+}
+
+ShortcutDesktop shortcutDesktop(const QString &currentDesktop)
+{
+    for (const QStringView desktop : QStringView(currentDesktop).split(u':')) {
+        if (desktop.compare(u"GNOME", Qt::CaseInsensitive) == 0)
+            return ShortcutDesktop::Gnome;
+        if (desktop.compare(u"KDE", Qt::CaseInsensitive) == 0)
+            return ShortcutDesktop::Kde;
+        if (desktop.compare(u"sway", Qt::CaseInsensitive) == 0)
+            return ShortcutDesktop::Sway;
+    }
+    return ShortcutDesktop::Other;
+}
+
+QString actionCommand(HotKeyAction action)
+{
+    switch (action) {
+    case HotKeyAction::TogglePanel:
+        return QStringLiteral("vesko toggle");
+    case HotKeyAction::CaptureSelection:
+        return QStringLiteral("vesko capture");
+    case HotKeyAction::QuickAdd:
+        return QStringLiteral("vesko quick-add");
+    case HotKeyAction::CopySelectionAsList:
+        return QStringLiteral("vesko copy-list");
+    }
+    return {};
+}
+
+QString commandBindingAdvice(ShortcutDesktop desktop)
+{
+    switch (desktop) {
+    case ShortcutDesktop::Gnome:
+        return tr("In Settings > Keyboard > Custom Shortcuts (under “View and Customize "
+                  "Shortcuts”), add a shortcut for each command: a name, the command, and "
+                  "the keys.");
+    case ShortcutDesktop::Kde:
+        return tr("In System Settings > Keyboard > Shortcuts, choose “Add New” > “Command or "
+                  "Script” for each command and give it keys.");
+    case ShortcutDesktop::Sway:
+        return tr("Add these lines to your sway configuration (~/.config/sway/config), then "
+                  "reload sway:");
+    case ShortcutDesktop::Other:
+        break;
+    }
+    return tr("In your desktop's keyboard settings, bind keys to each command.");
+}
+
+QString swayBindings(const std::function<QString(HotKeyAction)> &keys)
+{
+    QStringList lines;
+    for (HotKeyAction action : allHotKeyActions) {
+        const QString combination = keys(action);
+        lines.append(combination.isEmpty()
+                ? QStringLiteral("# bindsym KEYS exec %1").arg(actionCommand(action))
+                : QStringLiteral("bindsym %1 exec %2").arg(combination, actionCommand(action)));
+    }
+    return lines.join(u'\n') + u'\n';
+}
+
 } // namespace Vesko
