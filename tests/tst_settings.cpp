@@ -339,8 +339,8 @@ void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
                  .value(QStringLiteral("states"))
                  .toArray()
                  .contains(QStringLiteral("showing")));
-    const QString reason = QStringLiteral("This is a Wayland session: it keeps other "
-                                          "applications' keys and selected text away from Vesko.");
+    const QString reason = QStringLiteral("This Wayland desktop does not let Vesko read the "
+                                          "text selected in other applications.");
     QVERIFY(nodes.contains(QStringLiteral("label|Capture is not set up in this session")));
     // This desktop has no keyboard-shortcut settings for the buttons to open.
     for (const char *button : {"push button|Grant Access…", "push button|Open System Settings…"}) {

@@ -21,8 +21,8 @@ QString captureObstacleReason(CaptureObstacle obstacle)
     case CaptureObstacle::None:
         break;
     case CaptureObstacle::WaylandSession:
-        return tr("This is a Wayland session: it keeps other applications' keys and selected "
-                  "text away from Vesko.");
+        return tr("This Wayland desktop does not let Vesko read the text selected in other "
+                  "applications.");
     case CaptureObstacle::NoXServer:
         return tr("Vesko is not running on an X server, so it cannot see other applications' "
                   "keys and selected text.");
@@ -44,6 +44,9 @@ QString captureObstacleAdvice(CaptureObstacle obstacle)
     case CaptureObstacle::None:
         break;
     case CaptureObstacle::WaylandSession:
+        return tr("Here you can still bind Vesko's commands to keys, paste text into the "
+                  "composer and drop files on notes. In an X11 (Xorg) session capture works "
+                  "in full.");
     case CaptureObstacle::NoXServer:
         return tr("To capture with double Shift and the shortcuts, log in to an X11 (Xorg) "
                   "session. Here you can still open the panel from the system tray, paste "
