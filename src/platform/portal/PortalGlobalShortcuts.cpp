@@ -109,6 +109,12 @@ void PortalGlobalShortcuts::setShortcutNames(std::function<Shortcut(int)> names)
     m_names = std::move(names);
 }
 
+void PortalGlobalShortcuts::setTimeouts(int sessionMilliseconds, int bindMilliseconds)
+{
+    m_sessionTimeout = sessionMilliseconds;
+    m_bindTimeout = bindMilliseconds;
+}
+
 void PortalGlobalShortcuts::setChangeHandler(std::function<void()> handler)
 {
     m_changeHandler = std::move(handler);
@@ -250,7 +256,7 @@ void PortalGlobalShortcuts::createSession()
     m_bus.connect(QString(), m_session, sessionInterface, QStringLiteral("Closed"), this,
         SLOT(handleSessionClosed(QDBusMessage)));
     callWithRequest(Step::CreateSession, QStringLiteral("CreateSession"), {},
-        {{QStringLiteral("session_handle_token"), sessionToken}}, sessionTimeoutMilliseconds);
+        {{QStringLiteral("session_handle_token"), sessionToken}}, m_sessionTimeout);
 }
 
 void PortalGlobalShortcuts::bind()
@@ -267,7 +273,7 @@ void PortalGlobalShortcuts::bind()
     callWithRequest(Step::Bind, QStringLiteral("BindShortcuts"),
         {QVariant::fromValue(QDBusObjectPath(m_session)), QVariant::fromValue(shortcuts),
             QString()},
-        {}, bindTimeoutMilliseconds);
+        {}, m_bindTimeout);
 }
 
 void PortalGlobalShortcuts::callWithRequest(Step step, const QString &method,

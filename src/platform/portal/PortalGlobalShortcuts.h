@@ -50,6 +50,9 @@ public:
         QDBusConnection bus, const QString &applicationID, QObject *parent = nullptr);
     ~PortalGlobalShortcuts() override;
 
+    //! Replaces the two bounds above.
+    void setTimeouts(int sessionMilliseconds, int bindMilliseconds);
+
     //! Names each registered identity for the desktop.
     void setShortcutNames(std::function<Shortcut(int id)> names);
     //! Registers the application id where the desktop has a registry, then
@@ -123,6 +126,8 @@ private:
     Step m_step = Step::None;
     QString m_requestPath;
     QTimer m_requestTimer;
+    int m_sessionTimeout = sessionTimeoutMilliseconds;
+    int m_bindTimeout = bindTimeoutMilliseconds;
     bool m_bindScheduled = false;
     int m_tokens = 0;
 };
