@@ -12,6 +12,8 @@
 
 #include "capture/HotKeyCenter.h"
 #include "platform/portal/PortalGlobalShortcuts.h"
+#include "platform/portal/ShortcutTrigger.h"
+#include "platform/KeyMonitor.h"
 #include "shell/CaptureStatus.h"
 
 #include <QDBusConnection>
@@ -53,6 +55,8 @@ private Q_SLOTS:
     void cleanupTestCase();
     void session_data();
     void session();
+    void keysOfTheDefaultLayout_data();
+    void keysOfTheDefaultLayout();
 
 private:
     QProcess m_backend;
@@ -61,6 +65,10 @@ private:
 
 void PortalShortcutsTest::initTestCase()
 {
+    // The keys are named as on the default US layout, whatever the machine's.
+    for (const char *name :
+        {"XKB_DEFAULT_RULES", "XKB_DEFAULT_MODEL", "XKB_DEFAULT_LAYOUT", "XKB_DEFAULT_VARIANT"})
+        qunsetenv(name);
     QVERIFY2(QDBusConnection::sessionBus().isConnected(), "needs a private session bus");
     QVERIFY2(!owned(QStringLiteral("org.freedesktop.portal.Desktop")),
         "a portal runs on this bus already");
@@ -188,6 +196,38 @@ void PortalShortcutsTest::session()
         QVERIFY(!pressed.contains(HotKeyAction::TogglePanel));
     }
     QDBusConnection::disconnectFromBus(name);
+}
+
+void PortalShortcutsTest::keysOfTheDefaultLayout_data()
+{
+    QTest::addColumn<quint16>("keyCode");
+    QTest::addColumn<quint64>("modifiers");
+    QTest::addColumn<QString>("trigger");
+    QTest::addColumn<QString>("sway");
+    QTest::addColumn<QString>("text"); // empty: no text of its own
+    using namespace ModifierFlag;
+    QTest::newRow("letter") << quint16(38) << (Command | Shift) << "CTRL+SHIFT+a"
+                            << "Ctrl+Shift+a" << "a";
+    QTest::newRow("punctuation") << quint16(20) << quint64(Option) << "ALT+minus" << "Mod1+minus"
+                                 << "-";
+    QTest::newRow("function key") << quint16(71) << (Control | Command) << "LOGO+CTRL+F5"
+                                  << "Mod4+Ctrl+F5" << QString();
+    QTest::newRow("return") << quint16(36) << quint64(Control) << "LOGO+Return" << "Mod4+Return"
+                            << QString();
+    QTest::newRow("no such key") << quint16(1) << quint64(Control) << QString() << QString()
+                                 << QString();
+}
+
+void PortalShortcutsTest::keysOfTheDefaultLayout()
+{
+    QFETCH(quint16, keyCode);
+    QFETCH(quint64, modifiers);
+    QFETCH(QString, trigger);
+    QFETCH(QString, sway);
+    QFETCH(QString, text);
+    QCOMPARE(xdgShortcutTrigger(keyCode, modifiers), trigger);
+    QCOMPARE(swayKeyCombo(keyCode, modifiers), sway);
+    QCOMPARE(DefaultKeyLayout().keyText(keyCode).value_or(QString()), text);
 }
 
 VESKO_TEST_MAIN(PortalShortcutsTest)

@@ -517,6 +517,7 @@ void SettingsViewsTest::captureTabWordsEachCapability_data()
            "bindsym Mod4+Mod1+c exec vesko capture\n"
            "bindsym Mod4+Mod1+n exec vesko quick-add\n"
            "bindsym Mod4+Mod1+l exec vesko copy-list\n"
+           "bindsym --release Shift_L exec vesko shift\n"
         << true;
     QTest::newRow("nothing to read the selection with")
         << C {C::HotKeys::Portal, C::Selection::None, C::Source::None, C::Copy::None,

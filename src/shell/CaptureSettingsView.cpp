@@ -144,7 +144,7 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
         command->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
         command->setAccessibleName(tr("Command for “%1”").arg(title(action)));
         m_commands.append(command);
-        rowLayout->addWidget(command, 0, 2, 2, 1, Qt::AlignRight | Qt::AlignTop);
+        rowLayout->addWidget(command, 2, 0, 1, 2);
         rowLayout->setColumnStretch(0, 1);
         shortcuts->addRow(row);
     }
@@ -152,7 +152,7 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
     m_swayLines->setFont(mono);
     m_swayLines->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_swayLines->setAccessibleName(tr("Lines for the sway configuration"));
-    m_swayLines->setFixedHeight(m_swayLines->fontMetrics().lineSpacing() * 5
+    m_swayLines->setFixedHeight(m_swayLines->fontMetrics().lineSpacing() * 7
         + 2 * m_swayLines->frameWidth() + 8);
     shortcuts->addRow(m_swayLines);
     shortcuts->addButtons({m_copySwayLines});

@@ -56,8 +56,8 @@ QString actionCommand(HotKeyAction action);
 //! How to bind the commands to keys on \a desktop, in a sentence or two.
 QString commandBindingAdvice(ShortcutDesktop desktop);
 //! Lines for sway's configuration file, one "bindsym KEYS exec vesko ..." per
-//! action, with \a keys of the action in sway's words; commented out for an
-//! action without keys.
+//! action, with \a keys of the action in sway's words (commented out for an
+//! action without keys), and the Shift release that feeds double Shift.
 QString swayBindings(const std::function<QString(HotKeyAction)> &keys);
 
 } // namespace Vesko

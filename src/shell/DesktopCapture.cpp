@@ -11,6 +11,7 @@
 #include "platform/Logging.h"
 #include "platform/SessionType.h"
 #include "platform/portal/PortalGlobalShortcuts.h"
+#include "platform/portal/ShortcutTrigger.h"
 #include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyLayout.h"
@@ -138,10 +139,12 @@ std::optional<PortalShortcutsState> DesktopCapture::portalState() const
 const KeyLayout *DesktopCapture::keyLayout()
 {
     if (!m_keyLayout && QGuiApplication::platformName() == QLatin1String("xcb")) {
-        m_keyLayout = std::make_unique<X11KeyLayout>();
-        if (!m_keyLayout->isValid())
-            m_keyLayout.reset();
+        auto layout = std::make_unique<X11KeyLayout>();
+        if (layout->isValid())
+            m_keyLayout = std::move(layout);
     }
+    if (!m_keyLayout && onWayland())
+        m_keyLayout = std::make_unique<DefaultKeyLayout>();
     return m_keyLayout.get();
 }
 

@@ -48,7 +48,7 @@ public:
 
     HotKeyCenter &hotKeys() { return *m_hotKeys; }
     //! The keyboard layout that names keys on screen, following the
-    //! desktop's layout as it changes; none off X11.
+    //! desktop's layout as it changes on X11; elsewhere the default layout.
     const KeyLayout *keyLayout();
     AccessibilityPermission &permission() { return *m_permission; }
     //! What capture can do in this session, each capability found on its own.
@@ -80,7 +80,7 @@ private:
     std::unique_ptr<SelectionReader> m_reader;
     std::unique_ptr<Feedback> m_feedback;
     std::unique_ptr<CaptureEngine> m_engine;
-    std::unique_ptr<X11KeyLayout> m_keyLayout;
+    std::unique_ptr<KeyLayout> m_keyLayout;
 };
 
 } // namespace Vesko

@@ -75,6 +75,22 @@ QString keysymName(quint16 keyCode)
     return QString::fromLatin1(name);
 }
 
+std::optional<QString> DefaultKeyLayout::keyText(quint16 keyCode) const
+{
+    xkb_keymap *keymap = defaultKeymap();
+    const xkb_keysym_t *symbols = nullptr;
+    if (!keymap || xkb_keymap_key_get_syms_by_level(keymap, keyCode, 0, 0, &symbols) < 1)
+        return std::nullopt;
+    char text[16];
+    if (xkb_keysym_to_utf8(symbols[0], text, sizeof text) <= 1)
+        return std::nullopt;
+    const QString result = QString::fromUtf8(text);
+    // Control characters (Return, Tab, Escape…) are no text to show.
+    if (result.size() == 1 && !result.at(0).isPrint())
+        return std::nullopt;
+    return result;
+}
+
 QString xdgShortcutTrigger(quint16 keyCode, quint64 modifiers)
 {
     return combination(keyCode, modifiers, false);

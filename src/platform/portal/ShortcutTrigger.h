@@ -4,9 +4,12 @@
 // the words other programs take it in: the trigger form of the XDG shortcuts
 // convention that the global-shortcuts portal reads ("LOGO+ALT+c"), and a
 // sway key binding ("Mod4+Mod1+c"). The key is named by the keysym it gives
-// without modifiers in the default keyboard layout.
+// without modifiers in the default keyboard layout, which also names the
+// keys on screen where the X server's layout cannot be read (Wayland).
 
 #pragma once
+
+#include "platform/KeyLayout.h"
 
 #include <QString>
 
@@ -23,5 +26,16 @@ QString xdgShortcutTrigger(quint16 keyCode, quint64 modifiers);
 //! "Mod4+Ctrl+Mod1+Shift+" as set, then the keysym name, as sway's bindsym
 //! takes it; empty when the key has no name.
 QString swayKeyCombo(quint16 keyCode, quint64 modifiers);
+
+//! The text of each key in the default keyboard layout (XKB_DEFAULT_LAYOUT,
+//! else "us"): what the recorder shows where no other layout is known.
+class DefaultKeyLayout : public KeyLayout
+{
+    Q_OBJECT
+
+public:
+    using KeyLayout::KeyLayout;
+    std::optional<QString> keyText(quint16 keyCode) const override;
+};
 
 } // namespace Vesko
