@@ -11,9 +11,9 @@
 #include "TestEnvironment.h"
 
 #include "capture/HotKeyCenter.h"
+#include "platform/KeyMonitor.h"
 #include "platform/portal/PortalGlobalShortcuts.h"
 #include "platform/portal/ShortcutTrigger.h"
-#include "platform/KeyMonitor.h"
 #include "shell/CaptureStatus.h"
 
 #include <QDBusConnection>
@@ -207,13 +207,15 @@ void PortalShortcutsTest::keysOfTheDefaultLayout_data()
     QTest::addColumn<QString>("text"); // empty: no text of its own
     using namespace ModifierFlag;
     QTest::newRow("letter") << quint16(38) << (Command | Shift) << "CTRL+SHIFT+a"
-                            << "Ctrl+Shift+a" << "a";
-    QTest::newRow("punctuation") << quint16(20) << quint64(Option) << "ALT+minus" << "Mod1+minus"
+                            << "Ctrl+Shift+a"
+                            << "a";
+    QTest::newRow("punctuation") << quint16(20) << quint64(Option) << "ALT+minus"
+                                 << "Mod1+minus"
                                  << "-";
     QTest::newRow("function key") << quint16(71) << (Control | Command) << "LOGO+CTRL+F5"
                                   << "Mod4+Ctrl+F5" << QString();
-    QTest::newRow("return") << quint16(36) << quint64(Control) << "LOGO+Return" << "Mod4+Return"
-                            << QString();
+    QTest::newRow("return") << quint16(36) << quint64(Control) << "LOGO+Return"
+                            << "Mod4+Return" << QString();
     QTest::newRow("no such key") << quint16(1) << quint64(Control) << QString() << QString()
                                  << QString();
 }

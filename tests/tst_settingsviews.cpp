@@ -15,9 +15,9 @@
 #include "library/LibraryCoding.h"
 #include "shell/CaptureSettingsView.h"
 #include "shell/CaptureStatus.h"
-#include "shell/ShortcutRecorderView.h"
 #include "shell/GeneralSettingsView.h"
 #include "shell/SettingsWindowController.h"
+#include "shell/ShortcutRecorderView.h"
 #include "shell/UpdateController.h"
 
 #include <QApplication>
@@ -363,8 +363,8 @@ void SettingsViewsTest::captureTabSaysWhy_data()
     QTest::addColumn<bool>("shortcutSettings");
     const QString wayland = QStringLiteral("This Wayland desktop does not let Vesko read the "
                                            "text selected in other applications.");
-    QTest::newRow("wayland") << int(CaptureObstacle::WaylandSession) << wayland
-                             << "Grant Access…" << true;
+    QTest::newRow("wayland") << int(CaptureObstacle::WaylandSession) << wayland << "Grant Access…"
+                             << true;
     QTest::newRow("wayland, no shortcut settings")
         << int(CaptureObstacle::WaylandSession) << wayland << QString() << false;
     QTest::newRow("xtest") << int(CaptureObstacle::NoXTest)
@@ -592,7 +592,8 @@ void SettingsViewsTest::shortcutSettingsOfTheDesktop_data()
     QTest::newRow("a list, GNOME second") << "ubuntu:GNOME" << gnome;
     QTest::newRow("any case") << "gnome" << gnome;
     QTest::newRow("KDE") << "KDE"
-                         << QStringList {QStringLiteral("systemsettings"), QStringLiteral("kcm_keys")};
+                         << QStringList {
+                                QStringLiteral("systemsettings"), QStringLiteral("kcm_keys")};
     QTest::newRow("sway") << "sway" << QStringList();
     QTest::newRow("none") << "" << QStringList();
     QTest::newRow("a part of a name") << "GNOME-Flashback-Extra" << QStringList();

@@ -15,11 +15,11 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QFontDatabase>
-#include <QGuiApplication>
-#include <QPlainTextEdit>
 #include <QGridLayout>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSlider>
@@ -152,8 +152,8 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
     m_swayLines->setFont(mono);
     m_swayLines->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_swayLines->setAccessibleName(tr("Lines for the sway configuration"));
-    m_swayLines->setFixedHeight(m_swayLines->fontMetrics().lineSpacing() * 7
-        + 2 * m_swayLines->frameWidth() + 8);
+    m_swayLines->setFixedHeight(
+        m_swayLines->fontMetrics().lineSpacing() * 7 + 2 * m_swayLines->frameWidth() + 8);
     shortcuts->addRow(m_swayLines);
     shortcuts->addButtons({m_copySwayLines});
     layout->addWidget(shortcuts);

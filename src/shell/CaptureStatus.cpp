@@ -141,11 +141,12 @@ QList<CapabilityLine> capabilityLines(const CaptureCapabilities &capabilities)
     }
     switch (capabilities.doubleShift) {
     case C::DoubleShift::KeyMonitor:
-        lines.append({tr("Double Shift"), true, tr("Vesko sees the Shift key when you turn it on.")});
+        lines.append(
+            {tr("Double Shift"), true, tr("Vesko sees the Shift key when you turn it on.")});
         break;
     case C::DoubleShift::CompositorBinding:
-        lines.append({tr("Double Shift"), true,
-            tr("Your desktop passes each Shift release to Vesko.")});
+        lines.append(
+            {tr("Double Shift"), true, tr("Your desktop passes each Shift release to Vesko.")});
         break;
     case C::DoubleShift::None:
         lines.append({tr("Double Shift"), false,

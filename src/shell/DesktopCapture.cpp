@@ -155,8 +155,9 @@ AppDelegate::Hooks DesktopCapture::launchHooks()
     hooks.isTrusted = [this] { return m_permission->isTrusted(); };
     hooks.requestAccess = [this] {
         if (m_portal)
-            qCInfo(lcCapture, "Capture is not available: this desktop does not let Vesko read "
-                              "the selected text");
+            qCInfo(lcCapture,
+                "Capture is not available: this desktop does not let Vesko read "
+                "the selected text");
         else
             qCInfo(lcCapture,
                 "Capture is not available: this session has no X server with the "

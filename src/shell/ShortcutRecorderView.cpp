@@ -163,12 +163,12 @@ void ShortcutRecorderView::setDesktopOwned(bool owned, std::function<void()> ope
     m_desktopOwned = owned;
     if (owned)
         setRecording(false);
-    m_button->setToolTip(owned ? (m_openDesktopSettings
-                                         ? tr("Your desktop keeps this shortcut: click to change "
-                                              "it in the desktop's settings.")
-                                         : tr("Your desktop keeps this shortcut: change it in "
-                                              "the desktop's settings."))
-                               : QString());
+    m_button->setToolTip(owned
+            ? (m_openDesktopSettings ? tr("Your desktop keeps this shortcut: click to change "
+                                          "it in the desktop's settings.")
+                                     : tr("Your desktop keeps this shortcut: change it in "
+                                          "the desktop's settings."))
+            : QString());
     refresh();
 }
 

@@ -93,8 +93,8 @@ public:
         const QList<QVariant> in = message.arguments();
         if (message.interface() == u"org.freedesktop.DBus.Properties") {
             if (member == u"GetAll")
-                bus.send(message.createReply(QVariant::fromValue(
-                    QVariantMap {{QStringLiteral("version"), 1u}})));
+                bus.send(message.createReply(
+                    QVariant::fromValue(QVariantMap {{QStringLiteral("version"), 1u}})));
             else
                 bus.send(message.createReply(QVariant::fromValue(QDBusVariant(1u))));
             return true;
@@ -110,7 +110,8 @@ public:
                 return true;
             if (m_sessionResponse == 0)
                 m_sessions.insert(session);
-            std::printf("session %s for \"%s\"\n", qPrintable(session), qPrintable(in.value(2).toString()));
+            std::printf(
+                "session %s for \"%s\"\n", qPrintable(session), qPrintable(in.value(2).toString()));
             std::fflush(stdout);
             // The frontend reads the session's shortcuts from the results.
             bus.send(message.createReply({m_sessionResponse,
@@ -154,10 +155,9 @@ private:
                 = in.value(1).toUInt();
         } else if (member == u"Activate" || member == u"Deactivate") {
             for (const QString &session : std::as_const(m_sessions)) {
-                QDBusMessage signal
-                    = QDBusMessage::createSignal(rootPath, implInterface, member == u"Activate"
-                            ? QStringLiteral("Activated")
-                            : QStringLiteral("Deactivated"));
+                QDBusMessage signal = QDBusMessage::createSignal(rootPath, implInterface,
+                    member == u"Activate" ? QStringLiteral("Activated")
+                                          : QStringLiteral("Deactivated"));
                 signal << QVariant::fromValue(QDBusObjectPath(session)) << in.value(0).toString()
                        << quint64(QDateTime::currentMSecsSinceEpoch()) * 1000 << QVariantMap();
                 bus.send(signal);
@@ -177,7 +177,8 @@ private:
             }
         } else if (member == u"CloseSessions") {
             for (const QString &session : std::as_const(m_sessions))
-                bus.send(QDBusMessage::createSignal(session, sessionInterface, QStringLiteral("Closed")));
+                bus.send(QDBusMessage::createSignal(
+                    session, sessionInterface, QStringLiteral("Closed")));
             m_sessions.clear();
         } else {
             return false;

@@ -142,12 +142,14 @@ void PortalGlobalShortcuts::start()
     registration << m_applicationID << QVariantMap();
     auto *watcher = new QDBusPendingCallWatcher(
         m_bus.asyncCall(registration, probeTimeoutMilliseconds), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
-        call->deleteLater();
-        if (call->isError())
-            qCDebug(lcCapture, "No host portal registry: %s", qUtf8Printable(call->error().message()));
-        probe();
-    });
+    connect(
+        watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
+            call->deleteLater();
+            if (call->isError())
+                qCDebug(lcCapture, "No host portal registry: %s",
+                    qUtf8Printable(call->error().message()));
+            probe();
+        });
 }
 
 void PortalGlobalShortcuts::probe()
@@ -157,20 +159,22 @@ void PortalGlobalShortcuts::probe()
     get << shortcutsInterface << QStringLiteral("version");
     auto *watcher
         = new QDBusPendingCallWatcher(m_bus.asyncCall(get, probeTimeoutMilliseconds), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
-        call->deleteLater();
-        const QDBusPendingReply<QDBusVariant> reply = *call;
-        if (reply.isError() || reply.value().variant().toUInt() < 1) {
-            qCInfo(lcCapture, "The desktop offers no global shortcuts portal%s%s",
-                reply.isError() ? ": " : "",
-                reply.isError() ? qUtf8Printable(reply.error().message()) : "");
-            setState(State::Absent);
-            return;
-        }
-        qCInfo(lcCapture, "Global shortcuts portal, version %u", reply.value().variant().toUInt());
-        setState(State::Connecting);
-        bindIfReady();
-    });
+    connect(
+        watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *call) {
+            call->deleteLater();
+            const QDBusPendingReply<QDBusVariant> reply = *call;
+            if (reply.isError() || reply.value().variant().toUInt() < 1) {
+                qCInfo(lcCapture, "The desktop offers no global shortcuts portal%s%s",
+                    reply.isError() ? ": " : "",
+                    reply.isError() ? qUtf8Printable(reply.error().message()) : "");
+                setState(State::Absent);
+                return;
+            }
+            qCInfo(
+                lcCapture, "Global shortcuts portal, version %u", reply.value().variant().toUInt());
+            setState(State::Connecting);
+            bindIfReady();
+        });
 }
 
 bool PortalGlobalShortcuts::isAvailable() const
@@ -238,7 +242,9 @@ void PortalGlobalShortcuts::bindIfReady()
 
 QString PortalGlobalShortcuts::newToken()
 {
-    return QStringLiteral("vesko%1_%2").arg(++m_tokens).arg(QRandomGenerator::global()->bounded(1 << 30));
+    return QStringLiteral("vesko%1_%2")
+        .arg(++m_tokens)
+        .arg(QRandomGenerator::global()->bounded(1 << 30));
 }
 
 QString PortalGlobalShortcuts::senderPathElement() const
@@ -252,7 +258,8 @@ QString PortalGlobalShortcuts::senderPathElement() const
 void PortalGlobalShortcuts::createSession()
 {
     const QString sessionToken = newToken();
-    m_session = portalPath + QStringLiteral("/session/") + senderPathElement() + u'/' + sessionToken;
+    m_session
+        = portalPath + QStringLiteral("/session/") + senderPathElement() + u'/' + sessionToken;
     m_bus.connect(QString(), m_session, sessionInterface, QStringLiteral("Closed"), this,
         SLOT(handleSessionClosed(QDBusMessage)));
     callWithRequest(Step::CreateSession, QStringLiteral("CreateSession"), {},
@@ -263,7 +270,8 @@ void PortalGlobalShortcuts::bind()
 {
     QList<PortalShortcut> shortcuts;
     for (auto it = m_wanted.cbegin(); it != m_wanted.cend(); ++it) {
-        const Shortcut name = m_names ? m_names(it.key()) : Shortcut {QString::number(it.key()), {}};
+        const Shortcut name
+            = m_names ? m_names(it.key()) : Shortcut {QString::number(it.key()), {}};
         QVariantMap properties {{QStringLiteral("description"), name.description}};
         if (!it.value().isEmpty())
             properties.insert(QStringLiteral("preferred_trigger"), it.value());
@@ -358,7 +366,8 @@ void PortalGlobalShortcuts::handleResponse(const QDBusMessage &message)
 std::optional<int> PortalGlobalShortcuts::identityOf(const QString &shortcutID) const
 {
     for (auto it = m_bound.cbegin(); it != m_bound.cend(); ++it) {
-        const Shortcut name = m_names ? m_names(it.key()) : Shortcut {QString::number(it.key()), {}};
+        const Shortcut name
+            = m_names ? m_names(it.key()) : Shortcut {QString::number(it.key()), {}};
         if (name.id == shortcutID)
             return it.key();
     }
@@ -370,7 +379,8 @@ void PortalGlobalShortcuts::readTriggers(const QVariant &shortcuts)
     QHash<int, QString> triggers = m_triggers;
     for (const PortalShortcut &shortcut : shortcutList(shortcuts)) {
         if (const std::optional<int> id = identityOf(shortcut.id))
-            triggers.insert(*id, shortcut.properties.value(QStringLiteral("trigger_description")).toString());
+            triggers.insert(
+                *id, shortcut.properties.value(QStringLiteral("trigger_description")).toString());
     }
     if (triggers == m_triggers)
         return;
