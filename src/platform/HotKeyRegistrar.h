@@ -23,9 +23,10 @@ public:
 
     virtual ~HotKeyRegistrar() = default;
 
-    //! Whether this session lets a program have global keys at all (a Wayland
-    //! session does not). When it does not, nothing is registered and
-    //! nothing counts as refused.
+    //! Whether this registrar can give a program global keys in this session
+    //! (X key grabs cannot on Wayland; the portal cannot where the desktop
+    //! has none). When it cannot, nothing is registered and nothing counts
+    //! as refused.
     virtual bool isAvailable() const = 0;
     //! Receives the identity of each registered combination pressed, once per
     //! press: the keyboard's auto-repeat does not report it again.
