@@ -392,8 +392,8 @@ void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
                 .value(QStringLiteral("states"))
                 .toArray()
                 .contains(QStringLiteral("showing")));
-    // The panel comes up as well, behind Settings: the desktop's "Show or
-    // Hide Vesko" brings it forward, and pressed again sends it away.
+    // The panel comes up as well. The desktop's "Add a Note" brings it
+    // forward, then its "Show or Hide Vesko" sends it away.
     const auto panelShown = [&] {
         for (const QString &candidate : windowsNamed(QStringLiteral("^Vesko$"))) {
             if (xdotool({QStringLiteral("getwindowpid"), candidate}).toLongLong()
@@ -402,17 +402,22 @@ void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
         }
         return false;
     };
-    QTRY_VERIFY_WITH_TIMEOUT(panelShown(), 10000);
-    for (int press = 0; press < 2; ++press) {
+    const auto press = [](const QString &shortcut) {
         for (const char *signal : {"Activate", "Deactivate"}) {
             const QDBusMessage answer = QDBusConnection::sessionBus().call(
                 QDBusMessage::createMethodCall(QStringLiteral("com.vesko.TestPortal"),
                     QStringLiteral("/org/freedesktop/portal/desktop"),
                     QStringLiteral("com.vesko.TestPortal.Control"), QString::fromLatin1(signal))
-                << QStringLiteral("togglePanel"));
+                << shortcut);
             QCOMPARE(answer.type(), QDBusMessage::ReplyMessage);
         }
-    }
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(panelShown(), 10000);
+    press(QStringLiteral("quickAdd"));
+    QTRY_COMPARE_WITH_TIMEOUT(
+        xdotool({QStringLiteral("getwindowname"), xdotool({QStringLiteral("getactivewindow")})}),
+        QStringLiteral("Vesko"), 10000);
+    press(QStringLiteral("togglePanel"));
     QTRY_VERIFY_WITH_TIMEOUT(!panelShown(), 10000);
     vesko->terminate();
     QVERIFY(vesko->waitForFinished(10000));
