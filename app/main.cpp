@@ -196,7 +196,9 @@ int main(int argc, char *argv[])
     settings.setServices(
         SettingsView::Services {preferences, panel, LoginItem::forCurrentProgram(),
             {preferences, capture.permission(), capture.engine(), capture.hotKeys(),
-                capture.keyLayout(), &X11Session::captureObstacle, shortcutSettingsOpener()},
+                capture.keyLayout(), &X11Session::captureObstacle, shortcutSettingsOpener(),
+                [&capture] { return capture.capabilities(); },
+                [&capture] { return capture.portalState(); }},
             {store, preferences, PanelCommands::shared().clipboard(),
                 &PanelCommands::showInFileManager}},
         capture.permission());

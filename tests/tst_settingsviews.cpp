@@ -13,13 +13,16 @@
 #include "ReadOnlyFolder.h"
 #include "SettingsRig.h"
 #include "library/LibraryCoding.h"
+#include "shell/CaptureSettingsView.h"
 #include "shell/CaptureStatus.h"
 #include "shell/GeneralSettingsView.h"
 #include "shell/SettingsWindowController.h"
+#include "shell/ShortcutRecorderView.h"
 #include "shell/UpdateController.h"
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDir>
@@ -34,6 +37,8 @@
 #include <QWheelEvent>
 
 using namespace Vesko;
+
+Q_DECLARE_METATYPE(Vesko::CaptureCapabilities)
 
 namespace {
 
@@ -168,6 +173,8 @@ private Q_SLOTS:
     void openAtLoginFailureSetsTheToggleBack();
     void captureTabSaysWhy_data();
     void captureTabSaysWhy();
+    void captureTabWordsEachCapability_data();
+    void captureTabWordsEachCapability();
     void shortcutSettingsOfTheDesktop_data();
     void shortcutSettingsOfTheDesktop();
     void intervalSliderKeepsItsBounds();
@@ -354,10 +361,10 @@ void SettingsViewsTest::captureTabSaysWhy_data()
     QTest::addColumn<QString>("reason");
     QTest::addColumn<QString>("button");
     QTest::addColumn<bool>("shortcutSettings");
-    const QString wayland = QStringLiteral("This is a Wayland session: it keeps other "
-                                           "applications' keys and selected text away from Vesko.");
-    QTest::newRow("wayland") << int(CaptureObstacle::WaylandSession) << wayland
-                             << "Grant Access…" << true;
+    const QString wayland = QStringLiteral("This Wayland desktop does not let Vesko read the "
+                                           "text selected in other applications.");
+    QTest::newRow("wayland") << int(CaptureObstacle::WaylandSession) << wayland << "Grant Access…"
+                             << true;
     QTest::newRow("wayland, no shortcut settings")
         << int(CaptureObstacle::WaylandSession) << wayland << QString() << false;
     QTest::newRow("xtest") << int(CaptureObstacle::NoXTest)
@@ -436,6 +443,146 @@ void SettingsViewsTest::captureTabSaysWhy()
     QVERIFY(visibleLabel(&view, taken));
 }
 
+void SettingsViewsTest::captureTabWordsEachCapability_data()
+{
+    using C = CaptureCapabilities;
+    QTest::addColumn<CaptureCapabilities>("capabilities");
+    QTest::addColumn<QString>("desktop");
+    QTest::addColumn<int>("portalState"); // -1: no portal asked
+    QTest::addColumn<QStringList>("shown");
+    QTest::addColumn<QStringList>("hidden");
+    QTest::addColumn<QString>("recorderText"); // empty: the recorders are hidden
+    QTest::addColumn<QString>("swayLines");
+    QTest::addColumn<bool>("canCapture");
+
+    const QString portalShortcuts = QStringLiteral(
+        "Shortcuts: Your desktop keeps Vesko's shortcuts; you change them in its settings.");
+    const QString noShortcuts = QStringLiteral(
+        "Shortcuts: This desktop gives Vesko no shortcuts of its own. Bind the commands below "
+        "to keys in its keyboard settings.");
+    const QString gnomeAdvice = QStringLiteral(
+        "In Settings > Keyboard > Custom Shortcuts (under “View and Customize Shortcuts”), add "
+        "a shortcut for each command: a name, the command, and the keys.");
+    const QString unknownSource = QStringLiteral(
+        "Source: This desktop does not tell which application is in front, so captured notes "
+        "are filed under “Unknown”.");
+    const QString refused = QStringLiteral("The desktop refused Vesko's shortcuts. Bind the "
+                                           "commands below in its keyboard settings instead.");
+    const QStringList commands {QStringLiteral("vesko toggle"), QStringLiteral("vesko capture"),
+        QStringLiteral("vesko quick-add"), QStringLiteral("vesko copy-list")};
+
+    QTest::newRow("X11")
+        << C {C::HotKeys::KeyGrab, C::Selection::PrimarySelection, C::Source::WindowProperties,
+               C::Copy::SyntheticKeys, C::DoubleShift::KeyMonitor}
+        << "GNOME" << -1
+        << QStringList {QStringLiteral("Shortcuts: Vesko holds its shortcuts itself."),
+               QStringLiteral("Copy: When an application keeps no selection, Vesko presses "
+                              "Ctrl+Insert for you.")}
+        << (QStringList(commands) << gnomeAdvice) << "Super+Alt+Space" << QString() << true;
+    QTest::newRow("GNOME, the portal's shortcuts")
+        << C {C::HotKeys::Portal, C::Selection::OnPanelFocus, C::Source::Accessibility,
+               C::Copy::None, C::DoubleShift::None}
+        << "GNOME" << int(PortalShortcutsState::Bound)
+        << QStringList {portalShortcuts,
+               QStringLiteral("Selected text: Read as the panel comes forward, so capture with "
+                              "a shortcut that runs “vesko capture”."),
+               QStringLiteral("Double Shift: Not available on this desktop; use the capture "
+                              "shortcut instead.")}
+        << (QStringList(commands) << gnomeAdvice << refused) << "Alt+F12" << QString() << true;
+    QTest::newRow("GNOME without the portal")
+        << C {C::HotKeys::None, C::Selection::OnPanelFocus, C::Source::None, C::Copy::None,
+               C::DoubleShift::None}
+        << "ubuntu:GNOME" << int(PortalShortcutsState::Absent)
+        << (QStringList {noShortcuts, gnomeAdvice, unknownSource} << commands)
+        << QStringList {portalShortcuts} << QString() << QString() << true;
+    QTest::newRow("KDE, the portal refused")
+        << C {C::HotKeys::None, C::Selection::PrimarySelection, C::Source::Accessibility,
+               C::Copy::None, C::DoubleShift::None}
+        << "KDE" << int(PortalShortcutsState::Refused)
+        << (QStringList {refused,
+                QStringLiteral("In System Settings > Keyboard > Shortcuts, choose “Add New” > "
+                               "“Command or Script” for each command and give it keys.")}
+               << commands)
+        << QStringList {gnomeAdvice} << QString() << QString() << true;
+    QTest::newRow("sway")
+        << C {C::HotKeys::None, C::Selection::PrimarySelection, C::Source::ForeignToplevel,
+               C::Copy::SyntheticKeys, C::DoubleShift::CompositorBinding}
+        << "sway" << int(PortalShortcutsState::Absent)
+        << QStringList {noShortcuts,
+               QStringLiteral("Add these lines to your sway configuration "
+                              "(~/.config/sway/config), then reload sway:"),
+               QStringLiteral("Double Shift: Your desktop passes each Shift release to Vesko.")}
+        << commands << "Super+Alt+Space"
+        << "bindsym Mod4+Mod1+space exec vesko toggle\n"
+           "bindsym Mod4+Mod1+c exec vesko capture\n"
+           "bindsym Mod4+Mod1+n exec vesko quick-add\n"
+           "bindsym Mod4+Mod1+l exec vesko copy-list\n"
+           "bindsym --release Shift_L exec vesko shift\n"
+        << true;
+    QTest::newRow("nothing to read the selection with")
+        << C {C::HotKeys::Portal, C::Selection::None, C::Source::None, C::Copy::None,
+               C::DoubleShift::None}
+        << "" << int(PortalShortcutsState::Connecting)
+        << QStringList {portalShortcuts,
+               QStringLiteral("Selected text: This desktop does not let Vesko read it. Paste "
+                              "text into the composer instead.")}
+        << commands << "Not set" << QString() << false;
+}
+
+void SettingsViewsTest::captureTabWordsEachCapability()
+{
+    QFETCH(CaptureCapabilities, capabilities);
+    QFETCH(QString, desktop);
+    QFETCH(int, portalState);
+    QFETCH(QStringList, shown);
+    QFETCH(QStringList, hidden);
+    QFETCH(QString, recorderText);
+    QFETCH(QString, swayLines);
+    QFETCH(bool, canCapture);
+    QCOMPARE(canCaptureAtAll(capabilities), canCapture);
+
+    // The desktop's keys for the toggle, once it has bound them.
+    if (capabilities.hotKeys == CaptureCapabilities::HotKeys::Portal) {
+        const bool bound = portalState == int(PortalShortcutsState::Bound);
+        m_rig->registrar.desktopTriggers.insert(
+            hotKeyID(HotKeyAction::TogglePanel), bound ? QStringLiteral("Alt+F12") : QString());
+    }
+    SettingsView::Services services = m_rig->services(loginItem());
+    services.capture.capabilities = [capabilities] { return capabilities; };
+    if (portalState >= 0)
+        services.capture.portalState = [portalState] { return PortalShortcutsState(portalState); };
+    services.capture.currentDesktop = desktop;
+    int settingsOpened = 0;
+    services.capture.openShortcutSettings = [&settingsOpened] { ++settingsOpened; };
+    SettingsView view(services);
+    view.showTab(SettingsTab::Capture);
+    view.show();
+
+    for (const QString &text : shown)
+        QVERIFY2(visibleLabel(&view, text), qPrintable(text));
+    for (const QString &text : hidden)
+        QVERIFY2(!visibleLabel(&view, text), qPrintable(text));
+
+    ShortcutRecorderView *toggle = view.capture()->recorder(HotKeyAction::TogglePanel);
+    QCOMPARE(toggle->isVisibleTo(&view), !recorderText.isEmpty());
+    if (!recorderText.isEmpty())
+        QCOMPARE(toggle->buttonText(), recorderText);
+    // Where the desktop keeps the keys, the button leads to its settings and records nothing.
+    if (capabilities.hotKeys == CaptureCapabilities::HotKeys::Portal) {
+        findByText<QPushButton>(toggle, recorderText)->click();
+        QCOMPARE(settingsOpened, 1);
+        QVERIFY(!toggle->isRecording());
+    }
+
+    QCOMPARE(view.capture()->swayLines(), swayLines);
+    QPushButton *copy = findByText<QPushButton>(&view, QStringLiteral("Copy"));
+    QCOMPARE(copy->isVisibleTo(&view), !swayLines.isEmpty());
+    if (!swayLines.isEmpty()) {
+        copy->click();
+        QCOMPARE(QGuiApplication::clipboard()->text(), swayLines);
+    }
+}
+
 void SettingsViewsTest::shortcutSettingsOfTheDesktop_data()
 {
     QTest::addColumn<QString>("desktop");
@@ -445,7 +592,8 @@ void SettingsViewsTest::shortcutSettingsOfTheDesktop_data()
     QTest::newRow("a list, GNOME second") << "ubuntu:GNOME" << gnome;
     QTest::newRow("any case") << "gnome" << gnome;
     QTest::newRow("KDE") << "KDE"
-                         << QStringList {QStringLiteral("systemsettings"), QStringLiteral("kcm_keys")};
+                         << QStringList {
+                                QStringLiteral("systemsettings"), QStringLiteral("kcm_keys")};
     QTest::newRow("sway") << "sway" << QStringList();
     QTest::newRow("none") << "" << QStringList();
     QTest::newRow("a part of a name") << "GNOME-Flashback-Extra" << QStringList();

@@ -21,6 +21,19 @@ HotKeyCenter::HotKeyCenter(HotKeyRegistrar &registrar, QObject *parent)
         if (const std::optional<KeyCombo> combo = KeyCombo::fromJson(stored.toByteArray()))
             m_combos.insert(action, *combo);
     }
+    // What the desktop says later (the keys it gave, a session it ended)
+    // reaches whoever shows the registrations.
+    m_registrar.setChangeHandler([this] { Q_EMIT registrationsChanged(); });
+}
+
+HotKeyCenter::~HotKeyCenter()
+{
+    m_registrar.setChangeHandler({});
+}
+
+QString HotKeyCenter::desktopTrigger(HotKeyAction action) const
+{
+    return m_registrar.assignedTrigger(hotKeyID(action));
 }
 
 QString HotKeyCenter::settingsKey(HotKeyAction action)

@@ -27,6 +27,7 @@ public:
     //! Reads the stored combinations: a missing key is the default, empty or
     //! undecodable data is no combination. Registers nothing.
     explicit HotKeyCenter(HotKeyRegistrar &registrar, QObject *parent = nullptr);
+    ~HotKeyCenter() override;
 
     std::optional<KeyCombo> combo(HotKeyAction action) const;
     //! Whom each press goes to.
@@ -42,6 +43,12 @@ public:
     //! The desktop refused the action's combination at its last registration:
     //! another program holds it, or another action does.
     bool isRefused(HotKeyAction action) const { return m_refused.contains(action); }
+
+    //! The desktop owns the combinations (the global-shortcuts portal): the
+    //! stored ones are only offered to it, and it says which keys it gave.
+    bool desktopOwnsCombinations() const { return m_registrar.desktopOwnsCombinations(); }
+    //! The keys the desktop gave the action, in its words; empty when unknown.
+    QString desktopTrigger(HotKeyAction action) const;
 
     //! When the action's combination was refused because another of these
     //! actions holds it, that action; nothing when another program holds it.

@@ -183,9 +183,13 @@ ShortcutSheetView::ShortcutSheetView(Store &store, PanelState &state, HotKeyCent
     scroll->setMaximumHeight(maximumBodyHeight);
     cardLayout->addWidget(scroll);
 
-    if (m_hotKeys)
+    if (m_hotKeys) {
         connect(
             m_hotKeys, &HotKeyCenter::combosChanged, this, &ShortcutSheetView::refreshSystemWide);
+        // The desktop tells its keys later, where it owns them.
+        connect(m_hotKeys, &HotKeyCenter::registrationsChanged, this,
+            &ShortcutSheetView::refreshSystemWide);
+    }
     if (m_layout)
         connect(m_layout, &KeyLayout::changed, this, &ShortcutSheetView::refreshSystemWide);
     refreshSystemWide();
@@ -224,8 +228,13 @@ QStringList ShortcutSheetView::rowTexts() const
 void ShortcutSheetView::refreshSystemWide()
 {
     for (qsizetype i = 0; i < m_systemWideKeys.size(); ++i) {
-        const std::optional<KeyCombo> combo
-            = m_hotKeys ? m_hotKeys->combo(allHotKeyActions.at(std::size_t(i))) : std::nullopt;
+        const HotKeyAction action = allHotKeyActions.at(std::size_t(i));
+        if (m_hotKeys && m_hotKeys->desktopOwnsCombinations()) {
+            const QString trigger = m_hotKeys->desktopTrigger(action);
+            m_systemWideKeys.at(i)->setText(trigger.isEmpty() ? tr("—") : trigger);
+            continue;
+        }
+        const std::optional<KeyCombo> combo = m_hotKeys ? m_hotKeys->combo(action) : std::nullopt;
         m_systemWideKeys.at(i)->setText(combo ? displayString(*combo, m_layout) : tr("—"));
     }
 }

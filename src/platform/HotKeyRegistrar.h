@@ -2,10 +2,11 @@
 //
 // The desktop's registration of global key combinations: the interface the
 // hot-key center registers through. The X11 implementation grabs keys on the
-// root window; tests use their own.
+// root window, the portal one asks the desktop to bind them; tests use their own.
 
 #pragma once
 
+#include <QString>
 #include <QtGlobal>
 
 #include <functional>
@@ -22,9 +23,10 @@ public:
 
     virtual ~HotKeyRegistrar() = default;
 
-    //! Whether this session lets a program have global keys at all (a Wayland
-    //! session does not). When it does not, nothing is registered and
-    //! nothing counts as refused.
+    //! Whether this registrar can give a program global keys in this session
+    //! (X key grabs cannot on Wayland; the portal cannot where the desktop
+    //! has none). When it cannot, nothing is registered and nothing counts
+    //! as refused.
     virtual bool isAvailable() const = 0;
     //! Receives the identity of each registered combination pressed, once per
     //! press: the keyboard's auto-repeat does not report it again.
@@ -36,6 +38,20 @@ public:
     virtual int registerKey(int id, quint16 keyCode, quint64 modifiers) = 0;
     //! Releases what \a id holds, and nothing else.
     virtual void unregisterKey(int id) = 0;
+
+    //! Whether the desktop, not Vesko, owns the combinations: a registration
+    //! only offers one, and the user changes it in the desktop's settings.
+    virtual bool desktopOwnsCombinations() const { return false; }
+    //! The combination the desktop gave \a id, in the desktop's words; empty
+    //! when it owns none or has not said.
+    virtual QString assignedTrigger(int id) const
+    {
+        Q_UNUSED(id);
+        return {};
+    }
+    //! Called whenever what the desktop reports (its triggers, whether it
+    //! holds the keys at all) changes later than a registration.
+    virtual void setChangeHandler(std::function<void()> handler) { Q_UNUSED(handler); }
 };
 
 } // namespace Vesko

@@ -4,6 +4,8 @@
 
 #include "capture/AccessibilityPermission.h"
 #include "capture/CaptureEngine.h"
+#include "capture/HotKeyCenter.h"
+#include "platform/portal/ShortcutTrigger.h"
 #include "shell/CaptureStatus.h"
 #include "shell/Preferences.h"
 #include "shell/SettingsForm.h"
@@ -11,9 +13,13 @@
 #include "shell/Theme.h"
 
 #include <QCheckBox>
+#include <QClipboard>
+#include <QFontDatabase>
 #include <QGridLayout>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSlider>
@@ -51,6 +57,10 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
     , m_advice(makeFootnote(QString()))
     , m_grantAccess(new QPushButton(tr("Grant Access…")))
     , m_openSystemSettings(new QPushButton(tr("Open System Settings…")))
+    , m_portalMessage(makeFootnote(QString()))
+    , m_bindingAdvice(makeFootnote(QString()))
+    , m_swayLines(new QPlainTextEdit)
+    , m_copySwayLines(new QPushButton(tr("Copy")))
     , m_doubleShift(new QCheckBox(tr("Capture with Shift pressed twice")))
     , m_listener(new QLabel)
     , m_interval(new QSlider(Qt::Horizontal))
@@ -69,6 +79,21 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
     bold.setBold(true);
     m_permissionTitle->setFont(bold);
     permission->addRow(heading);
+    // Each capability on a line of its own: a mark, then what it does here.
+    auto *capabilities = new QWidget;
+    auto *capabilityGrid = new QGridLayout(capabilities);
+    capabilityGrid->setContentsMargins(0, 0, 0, 0);
+    capabilityGrid->setColumnStretch(1, 1);
+    for (int row = 0; row < 5; ++row) {
+        auto *icon = new QLabel;
+        auto *text = new QLabel;
+        text->setWordWrap(true);
+        capabilityGrid->addWidget(icon, row, 0, Qt::AlignTop);
+        capabilityGrid->addWidget(text, row, 1);
+        m_capabilityIcons.append(icon);
+        m_capabilityTexts.append(text);
+    }
+    permission->addRow(capabilities);
     for (QLabel *line : {m_reason, m_advice}) {
         line->setForegroundRole(QPalette::WindowText);
         permission->addRow(line);
@@ -97,6 +122,10 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
     layout->addWidget(doubleShift);
 
     auto *shortcuts = new SettingsGroup(tr("Shortcuts"), this);
+    m_portalMessage->setForegroundRole(QPalette::WindowText);
+    shortcuts->addRow(m_portalMessage);
+    shortcuts->addRow(m_bindingAdvice);
+    QFont mono = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     for (HotKeyAction action : allHotKeyActions) {
         auto *row = new QWidget;
         auto *rowLayout = new QGridLayout(row);
@@ -109,9 +138,24 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
         rowLayout->addWidget(name, 0, 0);
         rowLayout->addWidget(description, 1, 0);
         rowLayout->addWidget(recorder, 0, 1, 2, 1, Qt::AlignRight | Qt::AlignTop);
+        // Where the desktop gives Vesko no shortcuts: the command to bind.
+        auto *command = new QLabel(actionCommand(action));
+        command->setFont(mono);
+        command->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        command->setAccessibleName(tr("Command for “%1”").arg(title(action)));
+        m_commands.append(command);
+        rowLayout->addWidget(command, 2, 0, 1, 2);
         rowLayout->setColumnStretch(0, 1);
         shortcuts->addRow(row);
     }
+    m_swayLines->setReadOnly(true);
+    m_swayLines->setFont(mono);
+    m_swayLines->setLineWrapMode(QPlainTextEdit::NoWrap);
+    m_swayLines->setAccessibleName(tr("Lines for the sway configuration"));
+    m_swayLines->setFixedHeight(
+        m_swayLines->fontMetrics().lineSpacing() * 7 + 2 * m_swayLines->frameWidth() + 8);
+    shortcuts->addRow(m_swayLines);
+    shortcuts->addButtons({m_copySwayLines});
     layout->addWidget(shortcuts);
 
     auto *captured = new SettingsGroup(tr("Captured notes"), this);
@@ -133,6 +177,14 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
     });
     connect(&m_services.permission, &AccessibilityPermission::isTrustedChanged, this,
         &CaptureSettingsView::refreshPermission);
+    // The desktop's word on its shortcuts comes later than the registrations.
+    connect(&m_services.hotKeys, &HotKeyCenter::registrationsChanged, this,
+        &CaptureSettingsView::refreshPermission);
+    // Recorded keys change the lines to paste.
+    connect(&m_services.hotKeys, &HotKeyCenter::combosChanged, this,
+        &CaptureSettingsView::refreshPermission);
+    connect(m_copySwayLines, &QPushButton::clicked, this,
+        [this] { QGuiApplication::clipboard()->setText(m_swayLines->toPlainText()); });
     connect(m_doubleShift, &QCheckBox::toggled, this, [this](bool enabled) {
         m_services.preferences.setDoubleShiftEnabled(enabled);
         m_services.engine.refreshDoubleShift();
@@ -178,20 +230,48 @@ void CaptureSettingsView::showEvent(QShowEvent *event)
     refreshPermission();
 }
 
+CaptureCapabilities CaptureSettingsView::capabilities() const
+{
+    if (m_services.capabilities)
+        return m_services.capabilities();
+    if (!m_services.permission.isTrusted())
+        return {};
+    using C = CaptureCapabilities;
+    return {C::HotKeys::KeyGrab, C::Selection::PrimarySelection, C::Source::WindowProperties,
+        C::Copy::SyntheticKeys, C::DoubleShift::KeyMonitor};
+}
+
+QString CaptureSettingsView::swayLines() const
+{
+    return m_swayLines->isVisibleTo(this) ? m_swayLines->toPlainText() : QString();
+}
+
 void CaptureSettingsView::refreshPermission()
 {
     const bool available = m_services.permission.isTrusted();
     const CaptureObstacle obstacle = available || !m_services.captureObstacle
         ? CaptureObstacle::None
         : m_services.captureObstacle();
-    const QColor tint = available ? QColor(0x2e, 0xa0, 0x43) : QColor(0xd9, 0x8e, 0x04);
+    const QColor good(0x2e, 0xa0, 0x43);
+    const QColor wanting(0xd9, 0x8e, 0x04);
     m_permissionIcon->setPixmap(
         symbolIcon(available ? QStringLiteral("checkmark.circle.fill")
                              : QStringLiteral("exclamationmark.triangle.fill"),
-            tint, 16)
+            available ? good : wanting, 16)
             .pixmap(16, 16));
     m_permissionTitle->setText(available ? tr("Capture works in this session")
                                          : tr("Capture is not set up in this session"));
+    const CaptureCapabilities found = capabilities();
+    const QList<CapabilityLine> lines = capabilityLines(found);
+    for (qsizetype i = 0; i < m_capabilityTexts.size() && i < lines.size(); ++i) {
+        const CapabilityLine &line = lines.at(i);
+        m_capabilityIcons.at(i)->setPixmap(
+            symbolIcon(line.works ? QStringLiteral("checkmark.circle.fill")
+                                  : QStringLiteral("exclamationmark.triangle.fill"),
+                line.works ? good : wanting, 12)
+                .pixmap(12, 12));
+        m_capabilityTexts.at(i)->setText(tr("%1: %2").arg(line.title, line.text));
+    }
     m_reason->setText(captureObstacleReason(obstacle));
     m_reason->setVisible(!available && !m_reason->text().isEmpty());
     m_advice->setText(captureObstacleAdvice(obstacle));
@@ -199,8 +279,37 @@ void CaptureSettingsView::refreshPermission()
     const bool leadSomewhere = !available && bool(m_services.openShortcutSettings);
     m_grantAccess->setVisible(leadSomewhere);
     m_openSystemSettings->setVisible(leadSomewhere);
-    for (ShortcutRecorderView *recorder : std::as_const(m_recorders))
-        recorder->setCaptureAvailable(available);
+
+    // Shortcuts: Vesko's own, the desktop's, or commands bound by hand.
+    const std::optional<PortalShortcutsState> portal
+        = m_services.portalState ? m_services.portalState() : std::nullopt;
+    const QString portalMessage = portal ? portalShortcutsMessage(*portal) : QString();
+    m_portalMessage->setText(portalMessage);
+    m_portalMessage->setVisible(!portalMessage.isEmpty());
+    const bool byHand = found.hotKeys == CaptureCapabilities::HotKeys::None;
+    const ShortcutDesktop desktop = shortcutDesktop(m_services.currentDesktop);
+    const bool sway = byHand && desktop == ShortcutDesktop::Sway;
+    m_bindingAdvice->setText(byHand ? commandBindingAdvice(desktop) : QString());
+    m_bindingAdvice->setVisible(byHand);
+    for (QLabel *command : std::as_const(m_commands))
+        command->setVisible(byHand && !sway);
+    const bool ownedByDesktop = found.hotKeys == CaptureCapabilities::HotKeys::Portal;
+    for (ShortcutRecorderView *recorder : std::as_const(m_recorders)) {
+        recorder->setCaptureAvailable(available && !byHand);
+        recorder->setDesktopOwned(ownedByDesktop, m_services.openShortcutSettings);
+        // The keys recorded here only serve where Vesko holds them, or in
+        // sway's lines below.
+        recorder->setVisible(!byHand || sway);
+    }
+    if (sway) {
+        const HotKeyCenter &hotKeys = m_services.hotKeys;
+        m_swayLines->setPlainText(swayBindings([&hotKeys](HotKeyAction action) {
+            const std::optional<KeyCombo> combo = hotKeys.combo(action);
+            return combo ? swayKeyCombo(combo->keyCode, combo->modifiers) : QString();
+        }));
+    }
+    m_swayLines->setVisible(sway);
+    m_copySwayLines->setVisible(sway);
 }
 
 void CaptureSettingsView::refreshDoubleShift()

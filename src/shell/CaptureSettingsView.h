@@ -1,21 +1,28 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The Capture tab of Settings: whether capture works in this session and,
-// when it does not, why in plain words and what to do instead; the
-// double-Shift gesture and its interval; the four system-wide shortcuts; and whether a capture
-// brings the panel forward.
+// The Capture tab of Settings: whether capture works in this session, each
+// capability in plain words (shortcuts, selected text, source, copy, double
+// Shift) and, for what does not work, why and what to do instead; the
+// double-Shift gesture and its interval; the four system-wide shortcuts, or
+// where the desktop gives none, the command of each and how to bind it to
+// keys there (sway's lines ready to copy); and whether a capture brings the
+// panel forward.
 
 #pragma once
 
 #include "capture/KeyCombo.h"
+#include "platform/CaptureCapabilities.h"
 #include "platform/CaptureSupport.h"
+#include "platform/portal/PortalShortcutsState.h"
 
 #include <QWidget>
 
 #include <functional>
+#include <optional>
 
 class QCheckBox;
 class QLabel;
+class QPlainTextEdit;
 class QPushButton;
 class QSlider;
 
@@ -46,6 +53,14 @@ public:
         //! desktop has none that Vesko knows, and the tab's buttons then
         //! stay hidden, since they would lead nowhere.
         std::function<void()> openShortcutSettings = {};
+        //! What capture can do here, asked when the tab shows. Without it,
+        //! an X11 session's set when capture is available, else nothing.
+        std::function<CaptureCapabilities()> capabilities = {};
+        //! Where the desktop's global shortcuts stand, where Vesko asked
+        //! for them; nothing elsewhere.
+        std::function<std::optional<PortalShortcutsState>()> portalState = {};
+        //! XDG_CURRENT_DESKTOP: how commands are bound to keys there.
+        QString currentDesktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP");
     };
 
     //! The interval slider's bounds and step, in milliseconds.
@@ -56,6 +71,8 @@ public:
     explicit CaptureSettingsView(const Services &services, QWidget *parent = nullptr);
 
     ShortcutRecorderView *recorder(HotKeyAction action) const;
+    //! The sway lines offered for copying; empty off sway.
+    QString swayLines() const;
     //! The interval as the tab shows it: "400 ms".
     static QString intervalText(double seconds);
 
@@ -65,6 +82,7 @@ protected:
 private:
     void refreshPermission();
     void refreshDoubleShift();
+    CaptureCapabilities capabilities() const;
 
     Services m_services;
     QLabel *m_permissionIcon;
@@ -73,6 +91,13 @@ private:
     QLabel *m_advice;
     QPushButton *m_grantAccess;
     QPushButton *m_openSystemSettings;
+    QList<QLabel *> m_capabilityIcons;
+    QList<QLabel *> m_capabilityTexts;
+    QLabel *m_portalMessage;
+    QLabel *m_bindingAdvice;
+    QPlainTextEdit *m_swayLines;
+    QPushButton *m_copySwayLines;
+    QList<QLabel *> m_commands;
     QCheckBox *m_doubleShift;
     QLabel *m_listener;
     QSlider *m_interval;

@@ -1,14 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Why capture is not available in this session, in the words the Capture
-// tab of Settings uses: the reason, and what the user can do instead.
+// Capture in this session in the words the Capture tab of Settings uses:
+// what each capability does here, why capture is not available where it is
+// not, the state of the desktop's global shortcuts, and how to bind Vesko's
+// commands to keys on desktops that give Vesko no shortcuts of its own.
 
 #pragma once
 
+#include "capture/KeyCombo.h"
+#include "platform/CaptureCapabilities.h"
 #include "platform/CaptureSupport.h"
+#include "platform/portal/PortalShortcutsState.h"
 
 #include <QString>
 #include <QStringList>
+
+#include <functional>
+#include <optional>
 
 namespace Vesko {
 
@@ -21,5 +29,35 @@ QString captureObstacleAdvice(CaptureObstacle obstacle);
 //! the desktop named by \a currentDesktop (XDG_CURRENT_DESKTOP, a list
 //! separated by colons); empty for a desktop without such a page.
 QStringList keyboardShortcutSettingsCommand(const QString &currentDesktop);
+
+//! One capability as the tab words it: what it is, and whether and how it works.
+struct CapabilityLine
+{
+    QString title;
+    bool works = false;
+    QString text;
+};
+//! Shortcuts, selected text, source, copy and double Shift, in that order.
+QList<CapabilityLine> capabilityLines(const CaptureCapabilities &capabilities);
+//! Capture works at all once it can read the selected text; all the rest
+//! only needs setting up, so Settings opens by itself only without it.
+bool canCaptureAtAll(const CaptureCapabilities &capabilities);
+
+//! The desktop's global shortcuts, when they did not come: why, and what
+//! to do. Empty while they are on their way or bound, and without a portal.
+QString portalShortcutsMessage(PortalShortcutsState state);
+
+//! The desktops whose way of binding a command to keys the tab explains.
+enum class ShortcutDesktop { Gnome, Kde, Sway, Other };
+//! From XDG_CURRENT_DESKTOP (a list separated by colons).
+ShortcutDesktop shortcutDesktop(const QString &currentDesktop);
+//! The command line that runs an action in the running Vesko: "vesko toggle".
+QString actionCommand(HotKeyAction action);
+//! How to bind the commands to keys on \a desktop, in a sentence or two.
+QString commandBindingAdvice(ShortcutDesktop desktop);
+//! Lines for sway's configuration file, one "bindsym KEYS exec vesko ..." per
+//! action, with \a keys of the action in sway's words (commented out for an
+//! action without keys), and the Shift release that feeds double Shift.
+QString swayBindings(const std::function<QString(HotKeyAction)> &keys);
 
 } // namespace Vesko

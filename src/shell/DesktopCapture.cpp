@@ -9,17 +9,48 @@
 #include "capture/SelectionReader.h"
 #include "panel/PanelController.h"
 #include "platform/Logging.h"
+#include "platform/SessionType.h"
+#include "platform/portal/PortalGlobalShortcuts.h"
+#include "platform/portal/ShortcutTrigger.h"
 #include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyLayout.h"
 #include "platform/x11/X11KeyMonitor.h"
 #include "platform/x11/X11Session.h"
+#include "shell/CaptureStatus.h"
 #include "shell/Preferences.h"
 #include "shell/Toast.h"
 
+#include <QDBusConnection>
 #include <QGuiApplication>
 
 namespace Vesko {
+
+namespace {
+
+// Under Xwayland an X key grab fires only for X11 windows: a Wayland
+// session is one whatever platform Qt runs on.
+bool onWayland()
+{
+    return QGuiApplication::platformName().startsWith(u"wayland") || isWaylandSession();
+}
+
+std::unique_ptr<HotKeyRegistrar> makeRegistrar(PortalGlobalShortcuts *&portal)
+{
+    if (!onWayland())
+        return std::make_unique<X11HotKeys>();
+    auto shortcuts = std::make_unique<PortalGlobalShortcuts>(
+        QDBusConnection::sessionBus(), QGuiApplication::desktopFileName());
+    shortcuts->setShortcutNames([](int id) {
+        const std::optional<HotKeyAction> action = hotKeyActionFromID(id);
+        return action ? PortalGlobalShortcuts::Shortcut {rawValue(*action), title(*action)}
+                      : PortalGlobalShortcuts::Shortcut {QString::number(id), QString()};
+    });
+    portal = shortcuts.get();
+    return shortcuts;
+}
+
+} // namespace
 
 class DesktopCapture::Feedback : public CaptureFeedback
 {
@@ -50,9 +81,13 @@ DesktopCapture::DesktopCapture(Store &store, Preferences &preferences, PanelCont
     , m_store(store)
     , m_preferences(preferences)
     , m_clipboard(std::make_unique<X11Clipboard>())
-    , m_registrar(std::make_unique<X11HotKeys>())
+    , m_registrar(makeRegistrar(m_portal))
     , m_hotKeys(std::make_unique<HotKeyCenter>(*m_registrar))
-    , m_permission(std::make_unique<AccessibilityPermission>(&X11Session::isCaptureAvailable))
+    , m_permission(std::make_unique<AccessibilityPermission>([this] {
+        // Capture works once the selected text can be read; what else is
+        // missing only needs setting up.
+        return m_portal ? canCaptureAtAll(capabilities()) : X11Session::isCaptureAvailable();
+    }))
     , m_feedback(std::make_unique<Feedback>(panel, toasts))
 { }
 
@@ -76,13 +111,40 @@ CaptureEngine &DesktopCapture::engine()
     return *m_engine;
 }
 
+CaptureCapabilities DesktopCapture::capabilities() const
+{
+    using C = CaptureCapabilities;
+    if (!m_portal) {
+        if (!X11Session::isCaptureAvailable())
+            return {};
+        return {C::HotKeys::KeyGrab, C::Selection::PrimarySelection, C::Source::WindowProperties,
+            C::Copy::SyntheticKeys, C::DoubleShift::KeyMonitor};
+    }
+    C found;
+    const PortalShortcutsState state = m_portal->state();
+    if (state == PortalShortcutsState::Connecting || state == PortalShortcutsState::Bound)
+        found.hotKeys = C::HotKeys::Portal;
+    // The selection, the source, the copy and double Shift on Wayland come
+    // from the compositor's protocols and the accessibility bus.
+    return found;
+}
+
+std::optional<PortalShortcutsState> DesktopCapture::portalState() const
+{
+    if (!m_portal)
+        return std::nullopt;
+    return m_portal->state();
+}
+
 const KeyLayout *DesktopCapture::keyLayout()
 {
     if (!m_keyLayout && QGuiApplication::platformName() == QLatin1String("xcb")) {
-        m_keyLayout = std::make_unique<X11KeyLayout>();
-        if (!m_keyLayout->isValid())
-            m_keyLayout.reset();
+        auto layout = std::make_unique<X11KeyLayout>();
+        if (layout->isValid())
+            m_keyLayout = std::move(layout);
     }
+    if (!m_keyLayout && onWayland())
+        m_keyLayout = std::make_unique<DefaultKeyLayout>();
     return m_keyLayout.get();
 }
 
@@ -92,12 +154,22 @@ AppDelegate::Hooks DesktopCapture::launchHooks()
     hooks.refreshTrust = [this] { m_permission->refresh(); };
     hooks.isTrusted = [this] { return m_permission->isTrusted(); };
     hooks.requestAccess = [this] {
-        qCInfo(lcCapture,
-            "Capture is not available: this session has no X server with the "
-            "XInput 2, XTEST and X-Resource extensions");
+        if (m_portal)
+            qCInfo(lcCapture,
+                "Capture is not available: this desktop does not let Vesko read "
+                "the selected text");
+        else
+            qCInfo(lcCapture,
+                "Capture is not available: this session has no X server with the "
+                "XInput 2, XTEST and X-Resource extensions");
         m_permission->requestAccess();
     };
-    hooks.startCapture = [this] { engine().start(); };
+    hooks.startCapture = [this] {
+        // The portal is asked first; the shortcuts are bound once it answers.
+        if (m_portal)
+            m_portal->start();
+        engine().start();
+    };
     hooks.unregisterHotKeys = [this] { m_hotKeys->unregisterAll(); };
     return hooks;
 }

@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Capture as the running program has it: the X11 key monitor, hot keys,
-// session and clipboard, and the capture logic over them, answering with the
-// panel and the toast. Made once, after the Store and the Preferences.
+// session and clipboard (on a Wayland session the hot keys come from the
+// desktop's global-shortcuts portal), and the capture logic over them,
+// answering with the panel and the toast. Made once, after the Store and the
+// Preferences.
 
 #pragma once
 
+#include "platform/CaptureCapabilities.h"
+#include "platform/portal/PortalShortcutsState.h"
 #include "shell/AppDelegate.h"
 
 #include <QObject>
 
 #include <memory>
+#include <optional>
 
 namespace Vesko {
 
@@ -19,6 +24,8 @@ class KeyLayout;
 class CaptureEngine;
 class DoubleShiftMonitor;
 class HotKeyCenter;
+class HotKeyRegistrar;
+class PortalGlobalShortcuts;
 class PanelController;
 class Preferences;
 class SelectionReader;
@@ -41,9 +48,15 @@ public:
 
     HotKeyCenter &hotKeys() { return *m_hotKeys; }
     //! The keyboard layout that names keys on screen, following the
-    //! desktop's layout as it changes; none off X11.
+    //! desktop's layout as it changes on X11; elsewhere the default layout.
     const KeyLayout *keyLayout();
     AccessibilityPermission &permission() { return *m_permission; }
+    //! What capture can do in this session, each capability found on its own.
+    CaptureCapabilities capabilities() const;
+    //! Where the desktop's global shortcuts stand; nothing off Wayland.
+    std::optional<PortalShortcutsState> portalState() const;
+    //! The global-shortcuts portal client on a Wayland session, else null.
+    PortalGlobalShortcuts *portal() const { return m_portal; }
     //! Made on first use, at launch.
     CaptureEngine &engine();
 
@@ -56,7 +69,9 @@ private:
     Store &m_store;
     Preferences &m_preferences;
     std::unique_ptr<X11Clipboard> m_clipboard;
-    std::unique_ptr<X11HotKeys> m_registrar;
+    //! Before the registrar, which sets it.
+    PortalGlobalShortcuts *m_portal = nullptr;
+    std::unique_ptr<HotKeyRegistrar> m_registrar;
     std::unique_ptr<HotKeyCenter> m_hotKeys;
     std::unique_ptr<AccessibilityPermission> m_permission;
     std::unique_ptr<X11KeyMonitor> m_keys;
@@ -65,7 +80,7 @@ private:
     std::unique_ptr<SelectionReader> m_reader;
     std::unique_ptr<Feedback> m_feedback;
     std::unique_ptr<CaptureEngine> m_engine;
-    std::unique_ptr<X11KeyLayout> m_keyLayout;
+    std::unique_ptr<KeyLayout> m_keyLayout;
 };
 
 } // namespace Vesko

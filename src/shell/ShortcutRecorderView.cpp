@@ -79,7 +79,12 @@ ShortcutRecorderView::ShortcutRecorderView(
     m_button->setMinimumWidth(buttonWidth);
     m_button->setAccessibleName(tr("%1 shortcut").arg(title(action)));
     m_button->installEventFilter(this);
-    connect(m_button, &QPushButton::clicked, this, &ShortcutRecorderView::toggleRecording);
+    connect(m_button, &QPushButton::clicked, this, [this] {
+        if (!m_desktopOwned)
+            toggleRecording();
+        else if (m_openDesktopSettings)
+            m_openDesktopSettings();
+    });
 
     m_clear->setIcon(symbolIcon(
         QStringLiteral("xmark.circle.fill"), palette().color(QPalette::PlaceholderText), 14));
@@ -125,6 +130,10 @@ QString ShortcutRecorderView::buttonText() const
 {
     if (m_isRecording)
         return tr("Press keys…");
+    if (m_desktopOwned) {
+        const QString trigger = m_hotKeys.desktopTrigger(m_action);
+        return trigger.isEmpty() ? tr("Not set") : trigger;
+    }
     if (const std::optional<KeyCombo> combo = m_hotKeys.combo(m_action))
         return displayString(*combo, m_layout);
     return tr("None");
@@ -132,7 +141,7 @@ QString ShortcutRecorderView::buttonText() const
 
 QString ShortcutRecorderView::refusalText() const
 {
-    if (!m_captureAvailable || !m_hotKeys.isRefused(m_action))
+    if (!m_captureAvailable || m_desktopOwned || !m_hotKeys.isRefused(m_action))
         return {};
     // Refused by Vesko itself, because another of its actions holds the keys.
     if (const std::optional<HotKeyAction> holder = m_hotKeys.refusingAction(m_action))
@@ -145,6 +154,21 @@ void ShortcutRecorderView::setCaptureAvailable(bool available)
     if (available == m_captureAvailable)
         return;
     m_captureAvailable = available;
+    refresh();
+}
+
+void ShortcutRecorderView::setDesktopOwned(bool owned, std::function<void()> openSettings)
+{
+    m_openDesktopSettings = std::move(openSettings);
+    m_desktopOwned = owned;
+    if (owned)
+        setRecording(false);
+    m_button->setToolTip(owned
+            ? (m_openDesktopSettings ? tr("Your desktop keeps this shortcut: click to change "
+                                          "it in the desktop's settings.")
+                                     : tr("Your desktop keeps this shortcut: change it in "
+                                          "the desktop's settings."))
+            : QString());
     refresh();
 }
 
@@ -207,7 +231,7 @@ void ShortcutRecorderView::refresh()
         description.append(refusal);
     m_button->setAccessibleDescription(description.join(u' '));
     const bool showsClear = (m_isHovering || m_button->hasFocus()) && !m_isRecording
-        && m_hotKeys.combo(m_action).has_value();
+        && !m_desktopOwned && m_hotKeys.combo(m_action).has_value();
     // The clear button keeps its room so that the row does not shift under the pointer.
     QSizePolicy policy = m_clear->sizePolicy();
     policy.setRetainSizeWhenHidden(true);

@@ -5,13 +5,17 @@
 // button while the pointer is over it, and the lines under it: why a key was
 // not taken, and why the combination is not in effect: "Taken by another
 // application" while another program holds it, "Already used by “…”." while
-// another of Vesko's actions does.
+// another of Vesko's actions does. Where the desktop owns the combinations
+// (the global-shortcuts portal), it shows the keys the desktop reports and
+// leads to the desktop's settings instead of recording.
 
 #pragma once
 
 #include "capture/KeyCombo.h"
 
 #include <QWidget>
+
+#include <functional>
 
 class QLabel;
 class QPushButton;
@@ -43,6 +47,11 @@ public:
     //! Where capture cannot work nothing is registered, so no refusal is told.
     void setCaptureAvailable(bool available);
 
+    //! Whether the desktop keeps the combination: the button then shows the
+    //! desktop's trigger and, when \a openSettings is set, opens its settings.
+    void setDesktopOwned(bool owned, std::function<void()> openSettings = {});
+    bool isDesktopOwned() const { return m_desktopOwned; }
+
     //! Starts or ends recording; either way the warning goes.
     void toggleRecording();
     //! A key pressed while recording, by its platform key code and the
@@ -73,6 +82,8 @@ private:
     bool m_isRecording = false;
     bool m_isHovering = false;
     bool m_captureAvailable = true;
+    bool m_desktopOwned = false;
+    std::function<void()> m_openDesktopSettings;
     QString m_warning;
 };
 

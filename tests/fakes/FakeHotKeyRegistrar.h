@@ -11,6 +11,7 @@
 #include <QMap>
 #include <QPair>
 #include <QSet>
+#include <QString>
 
 namespace Vesko::Test {
 
@@ -33,12 +34,16 @@ public:
         return 0;
     }
     void unregisterKey(int id) override { held.remove(id); }
+    bool desktopOwnsCombinations() const override { return !desktopTriggers.isEmpty(); }
+    QString assignedTrigger(int id) const override { return desktopTriggers.value(id); }
 
     bool available = true;
     QMap<int, QPair<quint16, quint64>> held;
     //! Combinations another program holds.
     QSet<QPair<quint16, quint64>> taken;
     std::function<void(int)> handler;
+    //! Where set, the desktop owns the combinations and gave these keys.
+    QMap<int, QString> desktopTriggers;
 };
 
 } // namespace Vesko::Test
