@@ -24,6 +24,12 @@ packages=(
     # a private session bus (the file manager's D-Bus interface); a system tray;
     # the panel and the Settings window read over AT-SPI as a screen reader does
     dbus dbus-bin dbus-daemon trayer at-spi2-core python3-pyatspi gir1.2-atspi-2.0
+    # capture on Wayland: the client library, the protocol files and Qt's
+    # Wayland platform with its private headers (Qt's own wl_display)
+    libwayland-dev wayland-protocols qt6-wayland qt6-wayland-dev qt6-base-private-dev
+    # a real headless Wayland compositor for the capture tests, with a
+    # terminal as the front window, a virtual keyboard and the selections
+    sway foot wtype wl-clipboard
     # desktop-file-validate checks the desktop entry in the tests
     desktop-file-utils
     # the Model Context Protocol server is tested with the protocol's own client
