@@ -24,6 +24,9 @@ QString commandsText()
               "  capture       add the selected text of the front window as a note\n"
               "  quick-add     show the panel to type a note\n"
               "  copy-list     copy the selected notes, else every visible one, as a list\n"
+              "  shift         one tap of a lone Shift key, for double Shift where the\n"
+              "                desktop runs a command on a Shift release (sway: bindsym\n"
+              "                --release Shift_L exec vesko shift)\n"
               "  quit          quit Vesko\n"
               "  add TEXT...   add a note (\"-\" reads it from standard input)\n"
               "  list          print the notes of the active project\n"
@@ -123,7 +126,7 @@ QStringList CommandLine::actionNames()
 {
     return {QStringLiteral("toggle"), QStringLiteral("show"), QStringLiteral("hide"),
         QStringLiteral("capture"), QStringLiteral("quick-add"), QStringLiteral("copy-list"),
-        QStringLiteral("quit")};
+        QStringLiteral("shift"), QStringLiteral("quit")};
 }
 
 CommandLineRequest CommandLine::parse(const QStringList &arguments)

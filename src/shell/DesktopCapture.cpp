@@ -8,7 +8,14 @@
 #include "capture/HotKeyCenter.h"
 #include "capture/SelectionReader.h"
 #include "panel/PanelController.h"
+#include "platform/HotKeyRegistrar.h"
 #include "platform/Logging.h"
+#include "platform/ShiftTaps.h"
+#include "platform/qt/QtClipboard.h"
+#include "platform/wayland/WaylandClipboard.h"
+#include "platform/wayland/WaylandDataControl.h"
+#include "platform/wayland/WaylandGlobals.h"
+#include "platform/wayland/WaylandSession.h"
 #include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyLayout.h"
@@ -20,6 +27,22 @@
 #include <QGuiApplication>
 
 namespace Vesko {
+
+namespace {
+
+//! Hot keys where a program cannot have global keys: the desktop binds
+//! `vesko` commands instead.
+class NoHotKeys : public HotKeyRegistrar
+{
+public:
+    bool isAvailable() const override { return false; }
+    void installHandler(std::function<void(int)>) override { }
+    void removeHandler() override { }
+    int registerKey(int, quint16, quint64) override { return -1; }
+    void unregisterKey(int) override { }
+};
+
+} // namespace
 
 class DesktopCapture::Feedback : public CaptureFeedback
 {
@@ -49,20 +72,42 @@ DesktopCapture::DesktopCapture(Store &store, Preferences &preferences, PanelCont
     : QObject(parent)
     , m_store(store)
     , m_preferences(preferences)
-    , m_clipboard(std::make_unique<X11Clipboard>())
-    , m_registrar(std::make_unique<X11HotKeys>())
-    , m_hotKeys(std::make_unique<HotKeyCenter>(*m_registrar))
-    , m_permission(std::make_unique<AccessibilityPermission>(&X11Session::isCaptureAvailable))
     , m_feedback(std::make_unique<Feedback>(panel, toasts))
-{ }
+{
+    if (WaylandGlobals::isWaylandPlatform()) {
+        // No X11 object at all: XWayland knows only its own clients.
+        m_wayland = std::make_unique<WaylandGlobals>();
+        m_dataControl = std::make_unique<WaylandDataControl>(*m_wayland);
+        if (m_dataControl->isAvailable())
+            m_clipboard = std::make_unique<WaylandClipboard>(*m_dataControl);
+        else
+            m_clipboard = std::make_unique<QtClipboard>();
+        m_registrar = std::make_unique<NoHotKeys>();
+        WaylandDataControl *dataControl = m_dataControl.get();
+        m_permission = std::make_unique<AccessibilityPermission>(
+            [dataControl] { return dataControl->hasPrimarySelection(); });
+    } else {
+        m_clipboard = std::make_unique<X11Clipboard>();
+        m_registrar = std::make_unique<X11HotKeys>();
+        m_permission = std::make_unique<AccessibilityPermission>(&X11Session::isCaptureAvailable);
+    }
+    m_hotKeys = std::make_unique<HotKeyCenter>(*m_registrar);
+}
 
 DesktopCapture::~DesktopCapture() = default;
 
 CaptureEngine &DesktopCapture::engine()
 {
     if (!m_engine) {
-        m_keys = std::make_unique<X11KeyMonitor>();
-        m_session = std::make_unique<X11Session>();
+        if (m_wayland) {
+            auto taps = std::make_unique<ShiftTaps>();
+            m_shiftTaps = taps.get();
+            m_keys = std::move(taps);
+            m_session = std::make_unique<WaylandSession>(*m_wayland, *m_dataControl);
+        } else {
+            m_keys = std::make_unique<X11KeyMonitor>();
+            m_session = std::make_unique<X11Session>();
+        }
         AccessibilityPermission *permission = m_permission.get();
         Preferences *preferences = &m_preferences;
         m_doubleShift = std::make_unique<DoubleShiftMonitor>(
@@ -74,6 +119,14 @@ CaptureEngine &DesktopCapture::engine()
             *m_hotKeys, *m_doubleShift, *m_reader, *m_permission, *m_feedback, *m_clipboard});
     }
     return *m_engine;
+}
+
+void DesktopCapture::shiftTapped()
+{
+    if (m_shiftTaps)
+        m_shiftTaps->tap();
+    else
+        qCInfo(lcDoubleShift, "A Shift tap from the command line, where the keys are heard directly: ignored");
 }
 
 const KeyLayout *DesktopCapture::keyLayout()
@@ -92,9 +145,14 @@ AppDelegate::Hooks DesktopCapture::launchHooks()
     hooks.refreshTrust = [this] { m_permission->refresh(); };
     hooks.isTrusted = [this] { return m_permission->isTrusted(); };
     hooks.requestAccess = [this] {
-        qCInfo(lcCapture,
-            "Capture is not available: this session has no X server with the "
-            "XInput 2, XTEST and X-Resource extensions");
+        if (m_wayland)
+            qCInfo(lcCapture,
+                "Capture is not available: the compositor offers no data control "
+                "for the primary selection");
+        else
+            qCInfo(lcCapture,
+                "Capture is not available: this session has no X server with the "
+                "XInput 2, XTEST and X-Resource extensions");
         m_permission->requestAccess();
     };
     hooks.startCapture = [this] { engine().start(); };
