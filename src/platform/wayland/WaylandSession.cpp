@@ -43,6 +43,19 @@ bool WaylandSession::sendsCopy() const
     return m_keyboard->isAvailable();
 }
 
+CaptureCapabilities WaylandSession::capabilities() const
+{
+    CaptureCapabilities capabilities;
+    if (readsSelection())
+        capabilities.selection = CaptureCapabilities::Selection::PrimarySelection;
+    if (knowsFrontWindow())
+        capabilities.source = CaptureCapabilities::Source::ForeignToplevel;
+    if (sendsCopy())
+        capabilities.copy = CaptureCapabilities::Copy::SyntheticKeys;
+    capabilities.doubleShift = CaptureCapabilities::DoubleShift::CompositorBinding;
+    return capabilities;
+}
+
 void WaylandSession::setKeyReleaseWait(std::function<void(std::function<void()>)> wait)
 {
     m_keyReleaseWait = std::move(wait);

@@ -11,6 +11,7 @@
 
 #pragma once
 
+#include "platform/CaptureCapabilities.h"
 #include "platform/DesktopSession.h"
 #include "platform/x11/X11DesktopEntries.h"
 
@@ -43,6 +44,10 @@ public:
     bool readsSelection() const;
     //! Copy keys can be sent.
     bool sendsCopy() const;
+
+    //! What this compositor lets capture do, hot keys aside (the desktop's).
+    //! The double Shift always needs a compositor binding here.
+    CaptureCapabilities capabilities() const;
 
     //! Replaces the fixed wait for the shortcut's keys by \a wait, which
     //! calls its argument once they are up (a portal's Deactivated, say).
