@@ -43,8 +43,13 @@ WaylandVirtualKeyboard::WaylandVirtualKeyboard(WaylandGlobals &globals, QObject 
             bindManager();
     });
     connect(&globals, &WaylandGlobals::withdrawn, this, [this](quint32 name) {
-        if (name == m_managerName || name == m_globals.seatName())
+        if (name == m_managerName) {
             release();
+        } else if (name == m_globals.seatName() && m_keyboard) {
+            // Made on that seat: the next copy makes one on the next seat.
+            zwp_virtual_keyboard_v1_destroy(m_keyboard);
+            m_keyboard = nullptr;
+        }
     });
 }
 
