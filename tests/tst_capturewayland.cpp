@@ -7,19 +7,33 @@
 // without a primary selection is read through a synthetic copy and the
 // clipboard is put back; a selection owner that never sends, or never stops
 // sending, ends in "Nothing Selected" and Vesko captures again afterwards.
-// Beside them, without a compositor, the pipe read those rest on.
+// Beside them, without sway: the pipe read those rest on, and data control
+// on a compositor of the test's own that withdraws its globals.
 
 #include "TestEnvironment.h"
 
 #include "ProgramSession.h"
+#include "platform/wayland/WaylandDataControl.h"
+#include "platform/wayland/WaylandGlobals.h"
 #include "platform/wayland/WaylandPipeReader.h"
+
+#include "wlr-data-control-unstable-v1-server-protocol.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QScopeGuard>
+#include <QTemporaryDir>
 
+#include <wayland-client.h>
+#include <wayland-server.h>
+
+#include <condition_variable>
 #include <fcntl.h>
+#include <mutex>
+#include <sys/eventfd.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace Vesko;
@@ -139,6 +153,123 @@ public:
     QList<Note> notes() const { return Test::allNotes(Test::readLibraryFile(libraryPath())); }
 };
 
+//! A compositor of the test's own, on a thread: a seat and data control
+//! (version 2), each withdrawn and offered again on request. Its data
+//! control devices never send anything.
+class TinyCompositor
+{
+public:
+    TinyCompositor()
+        : m_display(wl_display_create())
+        , m_wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    {
+        m_socket = wl_display_add_socket_auto(m_display);
+        offerSeat();
+        offerDataControl();
+        wl_event_loop_add_fd(wl_display_get_event_loop(m_display), m_wake, WL_EVENT_READABLE,
+            &TinyCompositor::wake, this);
+        m_thread = std::thread([this] { wl_display_run(m_display); });
+    }
+    ~TinyCompositor()
+    {
+        inServer([this] { wl_display_terminate(m_display); });
+        m_thread.join();
+        wl_display_destroy(m_display);
+        ::close(m_wake);
+    }
+
+    //! The socket's name in XDG_RUNTIME_DIR, or null.
+    const char *socket() const { return m_socket; }
+
+    void withdrawSeat() { inServer([this] { destroy(m_seat); }); }
+    void offerSeat() { inServer([this] { m_seat = global(&wl_seat_interface, 1); }); }
+    void withdrawDataControl() { inServer([this] { destroy(m_dataControl); }); }
+    void offerDataControl()
+    {
+        inServer([this] { m_dataControl = global(&zwlr_data_control_manager_v1_interface, 2); });
+    }
+
+private:
+    wl_global *global(const wl_interface *interface, int version)
+    {
+        return wl_global_create(m_display, interface, version, const_cast<wl_interface *>(interface),
+            &TinyCompositor::bind);
+    }
+    static void destroy(wl_global *&global)
+    {
+        wl_global_destroy(global);
+        global = nullptr;
+    }
+
+    static void destroyResource(wl_client *, wl_resource *resource) { wl_resource_destroy(resource); }
+
+    static void bind(wl_client *client, void *data, uint32_t version, uint32_t id)
+    {
+        const auto *interface = static_cast<const wl_interface *>(data);
+        wl_resource *resource = wl_resource_create(client, interface, int(version), id);
+        if (interface != &zwlr_data_control_manager_v1_interface)
+            return; // the seat: asked for nothing here
+        static const struct zwlr_data_control_manager_v1_interface manager = {
+            // create_data_source
+            [](wl_client *client, wl_resource *manager, uint32_t id) {
+                static const struct zwlr_data_control_source_v1_interface source
+                    = {[](wl_client *, wl_resource *, const char *) {}, &destroyResource};
+                wl_resource *made = wl_resource_create(client,
+                    &zwlr_data_control_source_v1_interface, wl_resource_get_version(manager), id);
+                wl_resource_set_implementation(made, &source, nullptr, nullptr);
+            },
+            // get_data_device
+            [](wl_client *client, wl_resource *manager, uint32_t id, wl_resource *) {
+                static const struct zwlr_data_control_device_v1_interface device
+                    = {[](wl_client *, wl_resource *, wl_resource *) {}, &destroyResource,
+                        [](wl_client *, wl_resource *, wl_resource *) {}};
+                wl_resource *made = wl_resource_create(client,
+                    &zwlr_data_control_device_v1_interface, wl_resource_get_version(manager), id);
+                wl_resource_set_implementation(made, &device, nullptr, nullptr);
+            },
+            &destroyResource,
+        };
+        wl_resource_set_implementation(resource, &manager, nullptr, nullptr);
+    }
+
+    //! Runs \a work on the server's thread (directly before it runs) and waits for it.
+    void inServer(std::function<void()> work)
+    {
+        if (!m_thread.joinable()) {
+            work();
+            return;
+        }
+        std::unique_lock lock(m_mutex);
+        m_work = std::move(work);
+        const uint64_t one = 1;
+        (void)::write(m_wake, &one, sizeof one);
+        m_done.wait(lock, [this] { return !m_work; });
+    }
+
+    static int wake(int fd, uint32_t, void *data)
+    {
+        auto *self = static_cast<TinyCompositor *>(data);
+        uint64_t count;
+        (void)::read(fd, &count, sizeof count);
+        std::lock_guard lock(self->m_mutex);
+        if (self->m_work)
+            self->m_work();
+        self->m_work = nullptr;
+        self->m_done.notify_all();
+        return 0;
+    }
+
+    wl_display *m_display;
+    int m_wake;
+    const char *m_socket = nullptr;
+    wl_global *m_seat = nullptr;
+    wl_global *m_dataControl = nullptr;
+    std::thread m_thread;
+    std::mutex m_mutex;
+    std::condition_variable m_done;
+    std::function<void()> m_work;
+};
+
 } // namespace
 
 class CaptureWaylandTest : public QObject
@@ -153,6 +284,8 @@ private Q_SLOTS:
     void copyFallback();
     void misbehavingOwner_data();
     void misbehavingOwner();
+    void compositorWithdrawsGlobal_data();
+    void compositorWithdrawsGlobal();
 
 private:
     //! Skips the test where there is no compositor, with the reason.
@@ -315,6 +448,51 @@ void CaptureWaylandTest::misbehavingOwner()
     QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
     QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 15000);
     QCOMPARE(session.notes().first().text, text);
+}
+
+void CaptureWaylandTest::compositorWithdrawsGlobal_data()
+{
+    QTest::addColumn<bool>("seat");
+    QTest::newRow("data control withdrawn") << false;
+    QTest::newRow("seat withdrawn") << true;
+}
+
+void CaptureWaylandTest::compositorWithdrawsGlobal()
+{
+    QFETCH(bool, seat);
+    // The socket in a folder of the test's own.
+    QTemporaryDir runtime;
+    const QByteArray previousRuntime = qgetenv("XDG_RUNTIME_DIR");
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime.path()));
+    const auto restore = qScopeGuard([&] { qputenv("XDG_RUNTIME_DIR", previousRuntime); });
+    TinyCompositor compositor;
+    QVERIFY(compositor.socket());
+    wl_display *display = wl_display_connect(compositor.socket());
+    QVERIFY(display);
+    {
+        WaylandGlobals globals(display);
+        WaylandDataControl dataControl(globals);
+        QVERIFY(dataControl.isAvailable());
+        QVERIFY(dataControl.hasPrimarySelection());
+
+        seat ? compositor.withdrawSeat() : compositor.withdrawDataControl();
+        QVERIFY(wl_display_roundtrip(display) >= 0);
+        QVERIFY(!dataControl.isAvailable());
+        // A read now answers at once, with nothing; setting the clipboard does nothing.
+        bool answered = false;
+        dataControl.read(WaylandDataControl::Selection::Primary, QStringLiteral("text/plain"),
+            [&answered](std::optional<QByteArray> bytes) { answered = !bytes; });
+        QVERIFY(answered);
+        dataControl.setClipboard({{QStringLiteral("text/plain"), "words"}});
+
+        seat ? compositor.offerSeat() : compositor.offerDataControl();
+        QVERIFY(wl_display_roundtrip(display) >= 0);
+        QVERIFY(dataControl.isAvailable());
+        // The connection is whole: no request went to an object the compositor let go.
+        QVERIFY(wl_display_roundtrip(display) >= 0);
+        QCOMPARE(wl_display_get_error(display), 0);
+    }
+    wl_display_disconnect(display);
 }
 
 VESKO_TEST_MAIN(CaptureWaylandTest)

@@ -18,16 +18,29 @@ bool WaylandGlobals::isWaylandPlatform()
     return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
 }
 
-WaylandGlobals::WaylandGlobals(QObject *parent)
-    : QObject(parent)
+namespace {
+
+wl_display *qtDisplay()
 {
-    if (!isWaylandPlatform())
-        return;
+    if (!WaylandGlobals::isWaylandPlatform())
+        return nullptr;
     QPlatformNativeInterface *native = QGuiApplication::platformNativeInterface();
     if (!native)
-        return;
-    m_display = static_cast<wl_display *>(
+        return nullptr;
+    return static_cast<wl_display *>(
         native->nativeResourceForIntegration(QByteArrayLiteral("wl_display")));
+}
+
+} // namespace
+
+WaylandGlobals::WaylandGlobals(QObject *parent)
+    : WaylandGlobals(qtDisplay(), parent)
+{ }
+
+WaylandGlobals::WaylandGlobals(wl_display *display, QObject *parent)
+    : QObject(parent)
+    , m_display(display)
+{
     if (!m_display)
         return;
     static const wl_registry_listener registryListener = {

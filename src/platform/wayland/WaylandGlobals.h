@@ -28,6 +28,8 @@ class WaylandGlobals : public QObject
 public:
     //! Reads the registry of Qt's wayland platform; nothing elsewhere.
     explicit WaylandGlobals(QObject *parent = nullptr);
+    //! Reads the registry of \a display, whose default queue its owner dispatches.
+    explicit WaylandGlobals(wl_display *display, QObject *parent = nullptr);
     ~WaylandGlobals() override;
 
     //! Qt runs its wayland platform: this is a Wayland session.
