@@ -629,9 +629,11 @@ int runWayland(int argc, char *argv[])
             ->UseManualTime()
             ->Unit(benchmark::kMillisecond);
     }
-    const std::pair<const char *, WaylandPath> stalls[] = {{"BM_WaylandStallIdle", WaylandPath::Idle},
-        {"BM_WaylandStallPrimary", WaylandPath::Primary}, {"BM_WaylandStallCopy", WaylandPath::Copy},
-        {"BM_WaylandStallSilentOwner", WaylandPath::SilentOwner}};
+    const std::pair<const char *, WaylandPath> stalls[]
+        = {{"BM_WaylandStallIdle", WaylandPath::Idle},
+            {"BM_WaylandStallPrimary", WaylandPath::Primary},
+            {"BM_WaylandStallCopy", WaylandPath::Copy},
+            {"BM_WaylandStallSilentOwner", WaylandPath::SilentOwner}};
     for (const auto &[name, path] : stalls) {
         benchmark::RegisterBenchmark(name, BM_WaylandStall)
             ->Arg(int(path))
@@ -672,7 +674,8 @@ int main(int argc, char *argv[])
 {
     Test::IsolatedEnvironment environment;
     // tests/sway-session.sh sets both; tests/x-session.sh unsets WAYLAND_DISPLAY.
-    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && !qEnvironmentVariableIsEmpty("SWAYSOCK")) {
+    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
+        && !qEnvironmentVariableIsEmpty("SWAYSOCK")) {
         qputenv("QT_QPA_PLATFORM", "wayland");
         installApplications(1500);
         return runWayland(argc, argv);

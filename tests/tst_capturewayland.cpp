@@ -85,7 +85,8 @@ void collect(const QJsonObject &node, QList<Window> &windows)
 QList<Window> windows()
 {
     QList<Window> found;
-    collect(QJsonDocument::fromJson(swaymsg({QStringLiteral("-t"), QStringLiteral("get_tree")}).toUtf8())
+    collect(QJsonDocument::fromJson(
+                swaymsg({QStringLiteral("-t"), QStringLiteral("get_tree")}).toUtf8())
                 .object(),
         found);
     return found;
@@ -181,9 +182,18 @@ public:
     //! The socket's name in XDG_RUNTIME_DIR, or null.
     const char *socket() const { return m_socket; }
 
-    void withdrawSeat() { inServer([this] { destroy(m_seat); }); }
-    void offerSeat() { inServer([this] { m_seat = global(&wl_seat_interface, 1); }); }
-    void withdrawDataControl() { inServer([this] { destroy(m_dataControl); }); }
+    void withdrawSeat()
+    {
+        inServer([this] { destroy(m_seat); });
+    }
+    void offerSeat()
+    {
+        inServer([this] { m_seat = global(&wl_seat_interface, 1); });
+    }
+    void withdrawDataControl()
+    {
+        inServer([this] { destroy(m_dataControl); });
+    }
     void offerDataControl()
     {
         inServer([this] { m_dataControl = global(&zwlr_data_control_manager_v1_interface, 2); });
@@ -192,8 +202,8 @@ public:
 private:
     wl_global *global(const wl_interface *interface, int version)
     {
-        return wl_global_create(m_display, interface, version, const_cast<wl_interface *>(interface),
-            &TinyCompositor::bind);
+        return wl_global_create(m_display, interface, version,
+            const_cast<wl_interface *>(interface), &TinyCompositor::bind);
     }
     static void destroy(wl_global *&global)
     {
@@ -201,7 +211,10 @@ private:
         global = nullptr;
     }
 
-    static void destroyResource(wl_client *, wl_resource *resource) { wl_resource_destroy(resource); }
+    static void destroyResource(wl_client *, wl_resource *resource)
+    {
+        wl_resource_destroy(resource);
+    }
 
     static void bind(wl_client *client, void *data, uint32_t version, uint32_t id)
     {
@@ -313,7 +326,8 @@ void CaptureWaylandTest::pipeRead_data()
     QTest::addColumn<std::optional<QByteArray>>("expected");
     const QByteArray text("words from another client");
     QTest::newRow("sent whole") << text << true << std::optional<QByteArray>(text);
-    QTest::newRow("nothing sent, closed") << QByteArray() << true << std::optional<QByteArray>(QByteArray());
+    QTest::newRow("nothing sent, closed")
+        << QByteArray() << true << std::optional<QByteArray>(QByteArray());
     QTest::newRow("never ends") << text << false << std::optional<QByteArray>();
     // The cap of these reads is 4096 bytes.
     QTest::newRow("over the cap") << QByteArray(4097, 'x') << true << std::optional<QByteArray>();
@@ -370,9 +384,10 @@ void CaptureWaylandTest::captureFromFoot()
         swaymsg({QStringLiteral("bindsym --no-warn Mod4+Mod1+c ")
             + session.veskoCommand(QStringLiteral("capture"))});
         client(QStringLiteral("wtype"),
-            {QStringLiteral("-M"), QStringLiteral("logo"), QStringLiteral("-M"), QStringLiteral("alt"),
-                QStringLiteral("-k"), QStringLiteral("c"), QStringLiteral("-m"), QStringLiteral("alt"),
-                QStringLiteral("-m"), QStringLiteral("logo")});
+            {QStringLiteral("-M"), QStringLiteral("logo"), QStringLiteral("-M"),
+                QStringLiteral("alt"), QStringLiteral("-k"), QStringLiteral("c"),
+                QStringLiteral("-m"), QStringLiteral("alt"), QStringLiteral("-m"),
+                QStringLiteral("logo")});
     } else {
         swaymsg({QStringLiteral("bindsym --no-warn --release Shift_L ")
             + session.veskoCommand(QStringLiteral("shift"))});
@@ -390,7 +405,8 @@ void CaptureWaylandTest::captureFromFoot()
     QCOMPARE(note.source->bundleIdentifier, QStringLiteral("foot"));
     bool found = false;
     for (const NoteSection &section : library.projects.first().sections)
-        found = found || (section.title == QStringLiteral("Foot — build log") && section.notes.size() == 1);
+        found = found
+            || (section.title == QStringLiteral("Foot — build log") && section.notes.size() == 1);
     QVERIFY(found);
 }
 
@@ -403,7 +419,8 @@ void CaptureWaylandTest::copyFallback()
     client(QStringLiteral("wl-copy"), {}, QByteArray("the user's clipboard"));
     client(QStringLiteral("wl-copy"), {QStringLiteral("--primary"), QStringLiteral("--clear")});
     const QString text = QStringLiteral("text from the copy target");
-    QProcess *target = session.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("100")});
+    QProcess *target
+        = session.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("100")});
     QTRY_VERIFY_WITH_TIMEOUT(focusedWindowIs(QStringLiteral("Copy Target")), 15000);
 
     QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);

@@ -126,7 +126,8 @@ void DesktopCapture::shiftTapped()
     if (m_shiftTaps)
         m_shiftTaps->tap();
     else
-        qCInfo(lcDoubleShift, "A Shift tap from the command line, where the keys are heard directly: ignored");
+        qCInfo(lcDoubleShift,
+            "A Shift tap from the command line, where the keys are heard directly: ignored");
 }
 
 const KeyLayout *DesktopCapture::keyLayout()

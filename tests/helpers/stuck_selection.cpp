@@ -76,7 +76,8 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "stuck_selection: no data control version 2 here\n");
         return 1;
     }
-    zwlr_data_control_device_v1 *device = zwlr_data_control_manager_v1_get_data_device(manager, seat);
+    zwlr_data_control_device_v1 *device
+        = zwlr_data_control_manager_v1_get_data_device(manager, seat);
     zwlr_data_control_source_v1 *source = zwlr_data_control_manager_v1_create_data_source(manager);
     static const zwlr_data_control_source_v1_listener sourceListener = {&send, &cancelled};
     zwlr_data_control_source_v1_add_listener(source, &sourceListener, nullptr);

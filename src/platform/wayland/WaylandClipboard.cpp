@@ -19,7 +19,8 @@ void WaylandClipboard::setText(const QString &text)
 {
     const QByteArray bytes = text.toUtf8();
     QMap<QString, QByteArray> formats;
-    for (const char *format : {"text/plain;charset=utf-8", "text/plain", "UTF8_STRING", "TEXT", "STRING"})
+    for (const char *format :
+        {"text/plain;charset=utf-8", "text/plain", "UTF8_STRING", "TEXT", "STRING"})
         formats.insert(QLatin1String(format), bytes);
     m_dataControl.setClipboard(formats);
 }
@@ -39,7 +40,8 @@ void WaylandClipboard::requestSnapshot(std::function<void(std::optional<Snapshot
         QMap<QString, QByteArray> item;
         std::function<void(std::optional<Snapshot>)> done;
     };
-    auto gathering = std::make_shared<Gathering>(Gathering {formats.size(), true, {}, std::move(done)});
+    auto gathering
+        = std::make_shared<Gathering>(Gathering {formats.size(), true, {}, std::move(done)});
     for (const QString &format : formats) {
         m_dataControl.read(
             Selection::Clipboard, format, [gathering, format](std::optional<QByteArray> bytes) {
@@ -79,8 +81,8 @@ void WaylandClipboard::requestText(std::function<void(std::optional<QString>)> d
         done(std::nullopt);
         return;
     }
-    m_dataControl.read(Selection::Clipboard, format,
-        [done = std::move(done)](std::optional<QByteArray> bytes) {
+    m_dataControl.read(
+        Selection::Clipboard, format, [done = std::move(done)](std::optional<QByteArray> bytes) {
             if (bytes)
                 done(QString::fromUtf8(*bytes));
             else

@@ -25,19 +25,20 @@ namespace {
 
 // The two protocols share their opcodes and the layout of their events.
 enum Interface { Manager, Device, Source, Offer };
-const wl_interface *const extInterfaces[] = {&ext_data_control_manager_v1_interface,
-    &ext_data_control_device_v1_interface, &ext_data_control_source_v1_interface,
-    &ext_data_control_offer_v1_interface};
-const wl_interface *const wlrInterfaces[] = {&zwlr_data_control_manager_v1_interface,
-    &zwlr_data_control_device_v1_interface, &zwlr_data_control_source_v1_interface,
-    &zwlr_data_control_offer_v1_interface};
+const wl_interface *const extInterfaces[]
+    = {&ext_data_control_manager_v1_interface, &ext_data_control_device_v1_interface,
+        &ext_data_control_source_v1_interface, &ext_data_control_offer_v1_interface};
+const wl_interface *const wlrInterfaces[]
+    = {&zwlr_data_control_manager_v1_interface, &zwlr_data_control_device_v1_interface,
+        &zwlr_data_control_source_v1_interface, &zwlr_data_control_offer_v1_interface};
 
 static_assert(EXT_DATA_CONTROL_MANAGER_V1_CREATE_DATA_SOURCE
     == ZWLR_DATA_CONTROL_MANAGER_V1_CREATE_DATA_SOURCE);
 static_assert(
     EXT_DATA_CONTROL_MANAGER_V1_GET_DATA_DEVICE == ZWLR_DATA_CONTROL_MANAGER_V1_GET_DATA_DEVICE);
 static_assert(EXT_DATA_CONTROL_MANAGER_V1_DESTROY == ZWLR_DATA_CONTROL_MANAGER_V1_DESTROY);
-static_assert(EXT_DATA_CONTROL_DEVICE_V1_SET_SELECTION == ZWLR_DATA_CONTROL_DEVICE_V1_SET_SELECTION);
+static_assert(
+    EXT_DATA_CONTROL_DEVICE_V1_SET_SELECTION == ZWLR_DATA_CONTROL_DEVICE_V1_SET_SELECTION);
 static_assert(EXT_DATA_CONTROL_DEVICE_V1_DESTROY == ZWLR_DATA_CONTROL_DEVICE_V1_DESTROY);
 static_assert(EXT_DATA_CONTROL_SOURCE_V1_OFFER == ZWLR_DATA_CONTROL_SOURCE_V1_OFFER);
 static_assert(EXT_DATA_CONTROL_SOURCE_V1_DESTROY == ZWLR_DATA_CONTROL_SOURCE_V1_DESTROY);
@@ -65,8 +66,7 @@ struct SourceListener
     void (*cancelled)(void *, wl_proxy *);
 };
 
-template<typename Listener>
-void listen(wl_proxy *proxy, const Listener &listener, void *data)
+template<typename Listener> void listen(wl_proxy *proxy, const Listener &listener, void *data)
 {
     wl_proxy_add_listener(
         proxy, reinterpret_cast<void (**)(void)>(const_cast<Listener *>(&listener)), data);
@@ -112,9 +112,9 @@ void writeInto(int fd, QByteArray bytes)
     deadline->start(5000);
 }
 
-const QStringList textFormats = {QStringLiteral("text/plain;charset=utf-8"),
-    QStringLiteral("UTF8_STRING"), QStringLiteral("text/plain"), QStringLiteral("TEXT"),
-    QStringLiteral("STRING")};
+const QStringList textFormats
+    = {QStringLiteral("text/plain;charset=utf-8"), QStringLiteral("UTF8_STRING"),
+        QStringLiteral("text/plain"), QStringLiteral("TEXT"), QStringLiteral("STRING")};
 
 } // namespace
 
@@ -161,12 +161,13 @@ void WaylandDataControl::bindManager()
     m_version = wl_proxy_get_version(m_manager);
     m_device = wl_proxy_marshal_flags(m_manager, EXT_DATA_CONTROL_MANAGER_V1_GET_DATA_DEVICE,
         m_interfaces[Interface::Device], m_version, 0, nullptr, m_globals.seat());
-    static const DeviceListener deviceListener = {&WaylandDataControl::dataOffer,
-        &WaylandDataControl::selection, &WaylandDataControl::finished,
-        &WaylandDataControl::primarySelection};
+    static const DeviceListener deviceListener
+        = {&WaylandDataControl::dataOffer, &WaylandDataControl::selection,
+            &WaylandDataControl::finished, &WaylandDataControl::primarySelection};
     listen(m_device, deviceListener, this);
     m_globals.flush();
-    qCInfo(lcCapture, "Data control through %s version %u", m_interfaces[Interface::Manager]->name, m_version);
+    qCInfo(lcCapture, "Data control through %s version %u", m_interfaces[Interface::Manager]->name,
+        m_version);
 }
 
 void WaylandDataControl::release()

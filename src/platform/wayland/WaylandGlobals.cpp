@@ -102,8 +102,8 @@ wl_proxy *WaylandGlobals::bind(const wl_interface *interface, quint32 version, q
         return nullptr;
     if (name)
         *name = found->name;
-    return static_cast<wl_proxy *>(wl_registry_bind(
-        m_registry, found->name, interface, std::min(version, found->version)));
+    return static_cast<wl_proxy *>(
+        wl_registry_bind(m_registry, found->name, interface, std::min(version, found->version)));
 }
 
 void WaylandGlobals::flush() const

@@ -61,8 +61,8 @@ private:
         quint32 version = 0;
     };
 
-    static void announce(void *data, wl_registry *registry, quint32 name, const char *interface,
-        quint32 version);
+    static void announce(
+        void *data, wl_registry *registry, quint32 name, const char *interface, quint32 version);
     static void withdraw(void *data, wl_registry *registry, quint32 name);
 
     wl_display *m_display = nullptr;

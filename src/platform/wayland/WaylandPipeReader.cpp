@@ -36,7 +36,8 @@ WaylandPipeReader::WaylandPipeReader(
     connect(&m_notifier, &QSocketNotifier::activated, this, &WaylandPipeReader::readAvailable);
     m_deadline.setSingleShot(true);
     connect(&m_deadline, &QTimer::timeout, this, [this] {
-        qCInfo(lcCapture, "A selection's owner sent no end of data within the wait; read %lld bytes",
+        qCInfo(lcCapture,
+            "A selection's owner sent no end of data within the wait; read %lld bytes",
             qlonglong(m_bytes.size()));
         finish(std::nullopt);
     });

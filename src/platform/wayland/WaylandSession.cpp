@@ -83,7 +83,8 @@ void WaylandSession::frontApplication(std::function<void(std::optional<FrontAppl
     if (!appID.isEmpty())
         candidates.append(appID);
     m_entries.find(candidates, appID,
-        [front, appID, done = std::move(done)](std::optional<X11DesktopEntries::Entry> entry) mutable {
+        [front, appID, done = std::move(done)](
+            std::optional<X11DesktopEntries::Entry> entry) mutable {
             front.name = entry && !entry->name.isEmpty() ? entry->name : appID;
             if (entry)
                 front.identifier = entry->id;
@@ -95,8 +96,7 @@ void WaylandSession::frontApplication(std::function<void(std::optional<FrontAppl
         });
 }
 
-void WaylandSession::readPrimarySelection(
-    qint64, std::function<void(std::optional<QString>)> done)
+void WaylandSession::readPrimarySelection(qint64, std::function<void(std::optional<QString>)> done)
 {
     // The compositor does not say which client owns the selection: it is
     // read whoever set it.

@@ -35,7 +35,8 @@ public:
 
     //! \a fallback names the front application where the compositor keeps
     //! its windows to itself.
-    WaylandSession(WaylandGlobals &globals, WaylandDataControl &dataControl, FrontLookup fallback = {});
+    WaylandSession(
+        WaylandGlobals &globals, WaylandDataControl &dataControl, FrontLookup fallback = {});
     ~WaylandSession() override;
 
     //! The compositor names the activated window.

@@ -89,7 +89,8 @@ void WaylandToplevels::toplevel(
             bool activated = false;
             const auto *state = static_cast<const quint32 *>(states->data);
             for (size_t i = 0; i < states->size / sizeof(quint32); ++i)
-                activated = activated || state[i] == ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_ACTIVATED;
+                activated
+                    = activated || state[i] == ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_ACTIVATED;
             self->m_handles[handle].pending.activated = activated;
         },
         // done: the pending state holds

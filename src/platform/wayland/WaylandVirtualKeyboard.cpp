@@ -25,8 +25,7 @@ namespace {
 constexpr quint32 leftControlKey = 29;
 constexpr quint32 insertKey = 110;
 
-template<typename T, void (*Free)(T *)>
-struct Deleter
+template<typename T, void (*Free)(T *)> struct Deleter
 {
     void operator()(T *object) const { Free(object); }
 };
@@ -105,7 +104,8 @@ bool WaylandVirtualKeyboard::makeKeyboard()
         return false;
     }
     m_controlMask = 1u << control;
-    m_keyboard = zwp_virtual_keyboard_manager_v1_create_virtual_keyboard(m_manager, m_globals.seat());
+    m_keyboard
+        = zwp_virtual_keyboard_manager_v1_create_virtual_keyboard(m_manager, m_globals.seat());
     zwp_virtual_keyboard_v1_keymap(m_keyboard, WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1, fd, quint32(size));
     ::close(fd);
     return true;
