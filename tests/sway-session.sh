@@ -15,8 +15,13 @@ if [ "$(id -u)" -eq 0 ] && [ "${1:-}" != "--inside" ]; then
     if ! id "$user" >/dev/null 2>&1; then
         useradd --system --user-group --home-dir /nonexistent --shell /usr/sbin/nologin "$user"
     fi
+    # A clean environment, but for what the test run itself sets.
+    keep=(PATH="$PATH" LANG="${LANG:-C.UTF-8}" HOME=/tmp)
+    for name in ASAN_OPTIONS UBSAN_OPTIONS LSAN_OPTIONS QT_LOGGING_RULES TMPDIR; do
+        [ -n "${!name:-}" ] && keep+=("$name=${!name}")
+    done
     exec setpriv --reuid="$user" --regid="$user" --init-groups --reset-env \
-        env PATH="$PATH" LANG="${LANG:-C.UTF-8}" HOME=/tmp "$0" --inside "$@"
+        env "${keep[@]}" "$0" --inside "$@"
 fi
 [ "${1:-}" = "--inside" ] && shift
 
