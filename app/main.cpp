@@ -272,6 +272,7 @@ int main(int argc, char *argv[])
             [&capture] { capture.engine().handleHotKey(HotKeyAction::QuickAdd); }},
         {QStringLiteral("copy-list"),
             [&capture] { capture.engine().handleHotKey(HotKeyAction::CopySelectionAsList); }},
+        {QStringLiteral("shift"), [&capture] { capture.shiftTapped(); }},
         {QStringLiteral("quit"), [&quitGuard] { quitGuard.requestQuit(); }},
     });
     instance.setRequestHandler([&requests](const QByteArray &line, auto answer) {

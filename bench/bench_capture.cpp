@@ -13,6 +13,12 @@
 //   applications installed), later ones, and one while another program
 //   holds 64 MiB on the clipboard;
 // - the same stall while a preference changes twenty times in a row.
+//
+// Run inside a sway session (tests/sway-session.sh), the Wayland rows
+// instead: capture to the note through data control's primary selection of
+// a foot window and through the virtual keyboard's copy, beside the front
+// window's lookup alone; and the main thread's longest stall during each,
+// and while a selection's owner never sends its data.
 
 #include "RatioReporter.h"
 #include "TestEnvironment.h"
@@ -24,6 +30,12 @@
 #include "capture/HotKeyCenter.h"
 #include "capture/SelectionReader.h"
 #include "library/LibraryWriter.h"
+#include "platform/HotKeyRegistrar.h"
+#include "platform/ShiftTaps.h"
+#include "platform/wayland/WaylandClipboard.h"
+#include "platform/wayland/WaylandDataControl.h"
+#include "platform/wayland/WaylandGlobals.h"
+#include "platform/wayland/WaylandSession.h"
 #include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11HotKeys.h"
@@ -430,11 +442,244 @@ void BM_StallPreferences(benchmark::State &state)
     state.counters["longest_ms"] = longest * 1000;
 }
 
+//! No global keys on Wayland: the compositor binds commands instead.
+class NoHotKeys : public HotKeyRegistrar
+{
+public:
+    bool isAvailable() const override { return false; }
+    void installHandler(std::function<void(int)>) override { }
+    void removeHandler() override { }
+    int registerKey(int, quint16, quint64) override { return -1; }
+    void unregisterKey(int) override { }
+};
+
+//! The capture pieces of the program on a Wayland compositor, over a fresh Store.
+struct WaylandRig
+{
+    WaylandRig()
+        : store(Library {}, {Preferences::shared(), writer, attachments, index})
+        , dataControl(globals)
+        , clipboard(dataControl)
+        , hotKeys(registrar)
+        , permission([this] { return dataControl.hasPrimarySelection(); })
+        , session(globals, dataControl)
+        , doubleShift(
+              keys, [] { return 0.4; }, [this] { return permission.isTrusted(); })
+        , reader(session, clipboard, [this] { return permission.isTrusted(); })
+        , engine({store, Preferences::shared(), hotKeys, doubleShift, reader, permission, feedback,
+              clipboard})
+    {
+        engine.start();
+    }
+
+    LibraryWriter writer;
+    AttachmentStore attachments;
+    SearchIndex index;
+    Store store;
+    WaylandGlobals globals;
+    WaylandDataControl dataControl;
+    WaylandClipboard clipboard;
+    NoHotKeys registrar;
+    HotKeyCenter hotKeys;
+    AccessibilityPermission permission;
+    ShiftTaps keys;
+    WaylandSession session;
+    SilentFeedback feedback;
+    DoubleShiftMonitor doubleShift;
+    SelectionReader reader;
+    CaptureEngine engine;
+};
+
+WaylandRig *waylandRig()
+{
+    static WaylandRig *rig = new WaylandRig;
+    return rig;
+}
+
+enum class WaylandPath { Front, Primary, Copy, SilentOwner, Idle };
+
+//! Brings forward a foot window with its text in the primary selection, or
+//! the copy target with the primary selection empty, or foot with a primary
+//! selection whose owner never sends it; each window started once.
+void showWaylandSource(WaylandPath path)
+{
+    static QProcess *foot = nullptr;
+    static QProcess *target = nullptr;
+    static QProcess *silent = nullptr;
+    if (silent) {
+        silent->kill();
+        silent->waitForFinished(2000);
+        delete silent;
+        silent = nullptr;
+    }
+    if (path == WaylandPath::Copy) {
+        if (!target) {
+            target = new QProcess;
+            target->start(QStringLiteral(COPY_TARGET_PATH),
+                {QStringLiteral("copied by the benchmark"), QStringLiteral("0")});
+            settle(1500);
+        }
+        run(QStringLiteral("swaymsg"), {QStringLiteral("[title=\"^Copy Target$\"] focus")});
+        run(QStringLiteral("wl-copy"), {QStringLiteral("--primary"), QStringLiteral("--clear")});
+        run(QStringLiteral("sh"),
+            {QStringLiteral("-c"), QStringLiteral("printf 'the user clipboard' | wl-copy")});
+    } else {
+        if (!foot) {
+            foot = new QProcess;
+            foot->start(QStringLiteral("foot"),
+                {QStringLiteral("--title"), QStringLiteral("bench"), QStringLiteral("sleep"),
+                    QStringLiteral("3600")});
+            settle(1500);
+        }
+        run(QStringLiteral("swaymsg"), {QStringLiteral("[title=\"^bench$\"] focus")});
+        if (path == WaylandPath::SilentOwner) {
+            silent = new QProcess;
+            silent->start(QStringLiteral(STUCK_SELECTION_PATH), {QStringLiteral("silent")});
+            silent->waitForReadyRead(5000);
+        } else {
+            run(QStringLiteral("sh"),
+                {QStringLiteral("-c"),
+                    QStringLiteral("printf 'captured by the benchmark' | wl-copy --primary")});
+        }
+    }
+    settle(300);
+}
+
+void BM_WaylandCapture(benchmark::State &state)
+{
+    const WaylandPath path = WaylandPath(state.range(0));
+    WaylandRig *rig = waylandRig();
+    showWaylandSource(path);
+    for (auto _ : state) {
+        QElapsedTimer timer;
+        timer.start();
+        bool arrived;
+        if (path == WaylandPath::Front) {
+            bool answered = false;
+            rig->session.frontApplication([&answered](std::optional<FrontApplication> front) {
+                answered = front.has_value();
+            });
+            QDeadlineTimer deadline(3000);
+            while (!answered && !deadline.hasExpired())
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 1);
+            arrived = answered;
+        } else {
+            QTimer::singleShot(0, &rig->engine, [rig] { rig->engine.captureSelection(); });
+            arrived = waitFor(&rig->store, SIGNAL(libraryChanged()));
+        }
+        state.SetIterationTime(double(timer.nsecsElapsed()) / 1e9);
+        if (!arrived) {
+            state.SkipWithError("nothing arrived");
+            break;
+        }
+        waitFor(&rig->engine, SIGNAL(captureFinished()), 2000);
+        settle(200);
+    }
+}
+
+void BM_WaylandStall(benchmark::State &state)
+{
+    const WaylandPath path = WaylandPath(state.range(0));
+    WaylandRig *rig = waylandRig();
+    StallMeter meter;
+    if (path != WaylandPath::Idle)
+        showWaylandSource(path);
+    double longest = 0;
+    for (auto _ : state) {
+        if (path == WaylandPath::Copy)
+            showWaylandSource(path); // the user's clipboard again
+        int finished = 0;
+        const QMetaObject::Connection counting = QObject::connect(
+            &rig->engine, &CaptureEngine::captureFinished, [&finished] { ++finished; });
+        meter.start();
+        if (path == WaylandPath::Idle) {
+            settle(400);
+            finished = 1;
+        } else {
+            QTimer::singleShot(0, &rig->engine, [rig] { rig->engine.captureSelection(); });
+        }
+        QDeadlineTimer deadline(6000);
+        while (finished == 0 && !deadline.hasExpired())
+            settle(5);
+        QObject::disconnect(counting);
+        const double stall = meter.stop();
+        longest = std::max(longest, stall);
+        state.SetIterationTime(stall);
+        if (finished == 0) {
+            state.SkipWithError("the capture did not finish");
+            break;
+        }
+        settle(300);
+    }
+    state.counters["longest_ms"] = longest * 1000;
+}
+
+//! The Wayland rows, inside a sway session.
+int runWayland(int argc, char *argv[])
+{
+    QApplication app(argc, argv);
+    Preferences::shared().setShowPanelOnCapture(false);
+    const std::pair<const char *, WaylandPath> captures[] = {
+        {"BM_WaylandFront", WaylandPath::Front}, {"BM_WaylandCapturePrimary", WaylandPath::Primary},
+        {"BM_WaylandCaptureCopy", WaylandPath::Copy}};
+    for (const auto &[name, path] : captures) {
+        benchmark::RegisterBenchmark(name, BM_WaylandCapture)
+            ->Arg(int(path))
+            ->Iterations(10)
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond);
+    }
+    const std::pair<const char *, WaylandPath> stalls[]
+        = {{"BM_WaylandStallIdle", WaylandPath::Idle},
+            {"BM_WaylandStallPrimary", WaylandPath::Primary},
+            {"BM_WaylandStallCopy", WaylandPath::Copy},
+            {"BM_WaylandStallSilentOwner", WaylandPath::SilentOwner}};
+    for (const auto &[name, path] : stalls) {
+        benchmark::RegisterBenchmark(name, BM_WaylandStall)
+            ->Arg(int(path))
+            ->Iterations(10)
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond);
+    }
+    benchmark::Initialize(&argc, argv);
+    Bench::RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    const auto key = [](const char *name, WaylandPath path) {
+        return std::string(name) + "/" + std::to_string(int(path)) + "/iterations:10/manual_time";
+    };
+    const std::string front = key("BM_WaylandFront", WaylandPath::Front);
+    const std::string primary = key("BM_WaylandCapturePrimary", WaylandPath::Primary);
+    const std::string copy = key("BM_WaylandCaptureCopy", WaylandPath::Copy);
+    std::printf("\nWayland: front window lookup: %.2f ms\n", reporter.times[front]);
+    std::printf("capture to note, primary selection: %.2f ms, %.1f of the lookup\n",
+        reporter.times[primary], reporter.ratio(primary, front));
+    std::printf("capture to note, virtual keyboard copy: %.2f ms, %.1f of the lookup\n",
+        reporter.times[copy], reporter.ratio(copy, front));
+    const std::string idle = key("BM_WaylandStallIdle", WaylandPath::Idle);
+    std::printf("1 ms timer lateness, no capture: %.2f ms\n", reporter.times[idle]);
+    for (const auto &[name, path] : stalls) {
+        if (path == WaylandPath::Idle)
+            continue;
+        const std::string row = key(name, path);
+        std::printf("%s: %.2f ms (mean of the worst per capture), %.1f of idle\n", name,
+            reporter.times[row], reporter.ratio(row, idle));
+    }
+    benchmark::Shutdown();
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
 {
     Test::IsolatedEnvironment environment;
+    // tests/sway-session.sh sets both; tests/x-session.sh unsets WAYLAND_DISPLAY.
+    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
+        && !qEnvironmentVariableIsEmpty("SWAYSOCK")) {
+        qputenv("QT_QPA_PLATFORM", "wayland");
+        installApplications(1500);
+        return runWayland(argc, argv);
+    }
     qputenv("QT_QPA_PLATFORM", "xcb");
     QApplication app(argc, argv);
     Preferences::shared().setShowPanelOnCapture(false);

@@ -21,3 +21,5 @@ tests/x-session.sh build-bench/bench/bench_startup "$@"
 tests/x-session.sh build-bench/bench/bench_panel "$@"
 tests/x-session.sh build-bench/bench/bench_composer "$@"
 tests/x-session.sh build-bench/bench/bench_capture "$@"
+# The capture's Wayland rows, in a private headless sway.
+tests/sway-session.sh build-bench/bench/bench_capture "$@"

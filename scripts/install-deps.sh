@@ -27,6 +27,12 @@ packages=(
     # the global-shortcuts portal's frontend, run by the tests against a
     # backend of their own; its -dev package carries the interface files
     xdg-desktop-portal xdg-desktop-portal-dev
+    # capture on Wayland: the client library, the protocol files and Qt's
+    # Wayland platform with its private headers (Qt's own wl_display)
+    libwayland-dev wayland-protocols qt6-wayland qt6-wayland-dev qt6-base-private-dev
+    # a real headless Wayland compositor for the capture tests, with a
+    # terminal as the front window, a virtual keyboard and the selections
+    sway foot wtype wl-clipboard
     # desktop-file-validate checks the desktop entry in the tests
     desktop-file-utils
     # the Model Context Protocol server is tested with the protocol's own client

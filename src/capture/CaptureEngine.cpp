@@ -121,6 +121,7 @@ void CaptureEngine::captureSelection()
         if (!engine)
             return;
         if (!selection) {
+            qCInfo(lcCapture, "Nothing selected: no note made");
             engine->setLastCaptureFailed(true);
             engine->m_services.feedback.toast(
                 tr("Nothing Selected"), QStringLiteral("text.cursor"));

@@ -18,20 +18,23 @@ struct Texts
 QString commandsText()
 {
     return Texts::tr("Commands:\n"
-                     "  (none)        start Vesko, or show the panel of the one that runs\n"
-                     "  toggle        show or hide the panel\n"
-                     "  show          show the panel with the composer focused\n"
-                     "  hide          hide the panel\n"
-                     "  capture       add the selected text of the front window as a note\n"
-                     "  quick-add     show the panel to type a note\n"
-                     "  copy-list     copy the selected notes, else every visible one, as a list\n"
-                     "  quit          quit Vesko\n"
-                     "  add TEXT...   add a note (\"-\" reads it from standard input)\n"
-                     "  list          print the notes of the active project\n"
-                     "  search QUERY  print the notes that contain QUERY\n"
-                     "  mcp           serve the notes to AI agents (Model Context Protocol)\n"
-                     "\n"
-                     "Run \"vesko COMMAND --help\" for the options of a command.");
+              "  (none)        start Vesko, or show the panel of the one that runs\n"
+              "  toggle        show or hide the panel\n"
+              "  show          show the panel with the composer focused\n"
+              "  hide          hide the panel\n"
+              "  capture       add the selected text of the front window as a note\n"
+              "  quick-add     show the panel to type a note\n"
+              "  copy-list     copy the selected notes, else every visible one, as a list\n"
+              "  shift         one tap of a lone Shift key, for double Shift where the\n"
+              "                desktop runs a command on a Shift release (sway: bindsym\n"
+              "                --release Shift_L exec vesko shift)\n"
+              "  quit          quit Vesko\n"
+              "  add TEXT...   add a note (\"-\" reads it from standard input)\n"
+              "  list          print the notes of the active project\n"
+              "  search QUERY  print the notes that contain QUERY\n"
+              "  mcp           serve the notes to AI agents (Model Context Protocol)\n"
+              "\n"
+              "Run \"vesko COMMAND --help\" for the options of a command.");
 }
 
 // The help of \a parser, its usage line naming the program as the user types it.
@@ -125,7 +128,7 @@ QStringList CommandLine::actionNames()
 {
     return {QStringLiteral("toggle"), QStringLiteral("show"), QStringLiteral("hide"),
         QStringLiteral("capture"), QStringLiteral("quick-add"), QStringLiteral("copy-list"),
-        QStringLiteral("quit")};
+        QStringLiteral("shift"), QStringLiteral("quit")};
 }
 
 CommandLineRequest CommandLine::parse(const QStringList &arguments)

@@ -8,10 +8,17 @@
 #include "capture/HotKeyCenter.h"
 #include "capture/SelectionReader.h"
 #include "panel/PanelController.h"
+#include "platform/HotKeyRegistrar.h"
 #include "platform/Logging.h"
 #include "platform/SessionType.h"
+#include "platform/ShiftTaps.h"
 #include "platform/portal/PortalGlobalShortcuts.h"
 #include "platform/portal/ShortcutTrigger.h"
+#include "platform/qt/QtClipboard.h"
+#include "platform/wayland/WaylandClipboard.h"
+#include "platform/wayland/WaylandDataControl.h"
+#include "platform/wayland/WaylandGlobals.h"
+#include "platform/wayland/WaylandSession.h"
 #include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyLayout.h"
@@ -23,16 +30,20 @@
 
 #include <QDBusConnection>
 #include <QGuiApplication>
+#include <QTimer>
 
 namespace Vesko {
 
 namespace {
 
+// The longest wait for the portal's word that the shortcut's keys are up.
+constexpr int portalKeyReleaseBoundMilliseconds = 1000;
+
 // Under Xwayland an X key grab fires only for X11 windows: a Wayland
 // session is one whatever platform Qt runs on.
 bool onWayland()
 {
-    return QGuiApplication::platformName().startsWith(u"wayland") || isWaylandSession();
+    return WaylandGlobals::isWaylandPlatform() || isWaylandSession();
 }
 
 std::unique_ptr<HotKeyRegistrar> makeRegistrar(PortalGlobalShortcuts *&portal)
@@ -80,24 +91,74 @@ DesktopCapture::DesktopCapture(Store &store, Preferences &preferences, PanelCont
     : QObject(parent)
     , m_store(store)
     , m_preferences(preferences)
-    , m_clipboard(std::make_unique<X11Clipboard>())
-    , m_registrar(makeRegistrar(m_portal))
-    , m_hotKeys(std::make_unique<HotKeyCenter>(*m_registrar))
-    , m_permission(std::make_unique<AccessibilityPermission>([this] {
+    , m_feedback(std::make_unique<Feedback>(panel, toasts))
+{
+    if (WaylandGlobals::isWaylandPlatform()) {
+        // No X11 object at all: XWayland knows only its own clients.
+        m_wayland = std::make_unique<WaylandGlobals>();
+        m_dataControl = std::make_unique<WaylandDataControl>(*m_wayland);
+        if (m_dataControl->isAvailable())
+            m_clipboard = std::make_unique<WaylandClipboard>(*m_dataControl);
+        else
+            m_clipboard = std::make_unique<QtClipboard>();
+    } else {
+        m_clipboard = std::make_unique<X11Clipboard>();
+    }
+    m_registrar = makeRegistrar(m_portal);
+    m_hotKeys = std::make_unique<HotKeyCenter>(*m_registrar);
+    if (m_wayland)
+        makeWaylandSession();
+    m_permission = std::make_unique<AccessibilityPermission>([this] {
         // Capture works once the selected text can be read; what else is
         // missing only needs setting up.
-        return m_portal ? canCaptureAtAll(capabilities()) : X11Session::isCaptureAvailable();
-    }))
-    , m_feedback(std::make_unique<Feedback>(panel, toasts))
-{ }
+        return onWayland() ? canCaptureAtAll(capabilities()) : X11Session::isCaptureAvailable();
+    });
+}
 
 DesktopCapture::~DesktopCapture() = default;
+
+void DesktopCapture::makeWaylandSession()
+{
+    auto session = std::make_unique<WaylandSession>(*m_wayland, *m_dataControl);
+    if (PortalGlobalShortcuts *portal = m_portal) {
+        // With the desktop's shortcuts the portal says when their keys are
+        // up; a capture asked for otherwise keeps the session's fixed wait.
+        session->setKeyReleaseWait([portal](std::function<void()> then) {
+            if (portal->state() != PortalShortcutsState::Bound) {
+                QTimer::singleShot(
+                    WaylandSession::keyReleaseWaitMilliseconds, portal, std::move(then));
+                return;
+            }
+            if (!portal->areKeysHeld()) {
+                then();
+                return;
+            }
+            auto pending = std::make_shared<std::function<void()>>(std::move(then));
+            auto connection = std::make_shared<QMetaObject::Connection>();
+            auto finish = [pending, connection] {
+                QObject::disconnect(*connection);
+                if (*pending)
+                    std::exchange(*pending, nullptr)();
+            };
+            *connection = QObject::connect(portal, &PortalGlobalShortcuts::keysReleased, portal, finish);
+            QTimer::singleShot(portalKeyReleaseBoundMilliseconds, portal, finish);
+        });
+    }
+    m_waylandSession = session.get();
+    m_session = std::move(session);
+}
 
 CaptureEngine &DesktopCapture::engine()
 {
     if (!m_engine) {
-        m_keys = std::make_unique<X11KeyMonitor>();
-        m_session = std::make_unique<X11Session>();
+        if (m_wayland) {
+            auto taps = std::make_unique<ShiftTaps>();
+            m_shiftTaps = taps.get();
+            m_keys = std::move(taps);
+        } else {
+            m_keys = std::make_unique<X11KeyMonitor>();
+            m_session = std::make_unique<X11Session>();
+        }
         AccessibilityPermission *permission = m_permission.get();
         Preferences *preferences = &m_preferences;
         m_doubleShift = std::make_unique<DoubleShiftMonitor>(
@@ -114,18 +175,22 @@ CaptureEngine &DesktopCapture::engine()
 CaptureCapabilities DesktopCapture::capabilities() const
 {
     using C = CaptureCapabilities;
-    if (!m_portal) {
+    C found;
+    if (m_waylandSession) {
+        found = m_waylandSession->capabilities();
+    } else if (!onWayland()) {
         if (!X11Session::isCaptureAvailable())
             return {};
         return {C::HotKeys::KeyGrab, C::Selection::PrimarySelection, C::Source::WindowProperties,
             C::Copy::SyntheticKeys, C::DoubleShift::KeyMonitor};
     }
-    C found;
-    const PortalShortcutsState state = m_portal->state();
-    if (state == PortalShortcutsState::Connecting || state == PortalShortcutsState::Bound)
-        found.hotKeys = C::HotKeys::Portal;
-    // The selection, the source, the copy and double Shift on Wayland come
-    // from the compositor's protocols and the accessibility bus.
+    // X11 clients under XWayland reach no other client: only the desktop's
+    // shortcuts are left.
+    if (m_portal) {
+        const PortalShortcutsState state = m_portal->state();
+        if (state == PortalShortcutsState::Connecting || state == PortalShortcutsState::Bound)
+            found.hotKeys = C::HotKeys::Portal;
+    }
     return found;
 }
 
@@ -134,6 +199,15 @@ std::optional<PortalShortcutsState> DesktopCapture::portalState() const
     if (!m_portal)
         return std::nullopt;
     return m_portal->state();
+}
+
+void DesktopCapture::shiftTapped()
+{
+    if (m_shiftTaps)
+        m_shiftTaps->tap();
+    else
+        qCInfo(lcDoubleShift,
+            "A Shift tap from the command line, where the keys are heard directly: ignored");
 }
 
 const KeyLayout *DesktopCapture::keyLayout()
@@ -154,7 +228,7 @@ AppDelegate::Hooks DesktopCapture::launchHooks()
     hooks.refreshTrust = [this] { m_permission->refresh(); };
     hooks.isTrusted = [this] { return m_permission->isTrusted(); };
     hooks.requestAccess = [this] {
-        if (m_portal)
+        if (onWayland())
             qCInfo(lcCapture,
                 "Capture is not available: this desktop does not let Vesko read "
                 "the selected text");

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Capture as the running program has it: the X11 key monitor, hot keys,
-// session and clipboard (on a Wayland session the hot keys come from the
-// desktop's global-shortcuts portal), and the capture logic over them,
-// answering with the panel and the toast. Made once, after the Store and the
-// Preferences.
+// Capture as the running program has it: the key monitor, hot keys, session
+// and clipboard of the windowing system Qt runs on (X11, or a Wayland
+// compositor's protocols, where the compositor reports Shift taps through
+// `vesko shift` and the hot keys come from the desktop's global-shortcuts
+// portal), and the capture logic over them, answering with the panel and the
+// toast. Made once, after the Store and the Preferences.
 
 #pragma once
 
@@ -20,22 +21,24 @@
 namespace Vesko {
 
 class AccessibilityPermission;
-class KeyLayout;
 class CaptureEngine;
+class Clipboard;
+class DesktopSession;
 class DoubleShiftMonitor;
 class HotKeyCenter;
 class HotKeyRegistrar;
-class PortalGlobalShortcuts;
+class KeyLayout;
+class KeyMonitor;
 class PanelController;
+class PortalGlobalShortcuts;
 class Preferences;
 class SelectionReader;
+class ShiftTaps;
 class Store;
 class ToastPresenter;
-class X11Clipboard;
-class X11HotKeys;
-class X11KeyLayout;
-class X11KeyMonitor;
-class X11Session;
+class WaylandDataControl;
+class WaylandGlobals;
+class WaylandSession;
 
 class DesktopCapture : public QObject
 {
@@ -60,22 +63,33 @@ public:
     //! Made on first use, at launch.
     CaptureEngine &engine();
 
+    //! One lone Shift tap the compositor reported (`vesko shift`): fed to
+    //! the double-Shift gesture where no key monitor runs; ignored elsewhere.
+    void shiftTapped();
+
     //! The launch and termination steps that belong to capture.
     AppDelegate::Hooks launchHooks();
 
 private:
     class Feedback;
 
+    void makeWaylandSession();
+
     Store &m_store;
     Preferences &m_preferences;
-    std::unique_ptr<X11Clipboard> m_clipboard;
-    //! Before the registrar, which sets it.
+    std::unique_ptr<WaylandGlobals> m_wayland;
+    std::unique_ptr<WaylandDataControl> m_dataControl;
+    //! On Qt's wayland platform, made with the data control.
+    WaylandSession *m_waylandSession = nullptr;
+    std::unique_ptr<DesktopSession> m_session;
+    std::unique_ptr<Clipboard> m_clipboard;
+    //! Set with the registrar on a Wayland session.
     PortalGlobalShortcuts *m_portal = nullptr;
     std::unique_ptr<HotKeyRegistrar> m_registrar;
     std::unique_ptr<HotKeyCenter> m_hotKeys;
     std::unique_ptr<AccessibilityPermission> m_permission;
-    std::unique_ptr<X11KeyMonitor> m_keys;
-    std::unique_ptr<X11Session> m_session;
+    std::unique_ptr<KeyMonitor> m_keys;
+    ShiftTaps *m_shiftTaps = nullptr; //!< m_keys on Wayland
     std::unique_ptr<DoubleShiftMonitor> m_doubleShift;
     std::unique_ptr<SelectionReader> m_reader;
     std::unique_ptr<Feedback> m_feedback;

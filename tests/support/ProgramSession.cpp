@@ -96,12 +96,13 @@ QString ProgramSession::stateFolder() const
     return m_root.filePath(QStringLiteral("state"));
 }
 
-QProcess *ProgramSession::start(const QString &program, const QStringList &arguments)
+QProcess *ProgramSession::start(
+    const QString &program, const QStringList &arguments, QProcess::ProcessChannelMode mode)
 {
     auto *process = new QProcess;
     m_processes.append(process);
     process->setProcessEnvironment(m_environment);
-    process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process->setProcessChannelMode(mode);
     process->start(program, arguments);
     return process;
 }

@@ -34,8 +34,10 @@ public:
     //! Removes a variable from the environment the next programs start with.
     void unsetEnvironmentVariable(const QString &name);
 
-    //! Starts \a program with the session's environment; it ends with the session.
-    QProcess *start(const QString &program, const QStringList &arguments = {});
+    //! Starts \a program with the session's environment; it ends with the
+    //! session. Its errors go to the test's own unless \a mode says otherwise.
+    QProcess *start(const QString &program, const QStringList &arguments = {},
+        QProcess::ProcessChannelMode mode = QProcess::ForwardedErrorChannel);
 
     //! How a program that ran to its end ended.
     struct Outcome

@@ -46,6 +46,10 @@ public:
         std::optional<Entry> find(const QStringList &candidates, const QString &windowClass) const;
     };
 
+    //! Whether \a windowClass (an X11 window class or a Wayland app_id) names
+    //! a terminal emulator, where no synthetic key is ever typed.
+    static bool isTerminalClass(const QString &windowClass);
+
     //! How long a lookup waits for the folders to be read.
     static constexpr int lookupTimeoutMilliseconds = 2000;
 

@@ -11,21 +11,6 @@
 
 namespace Vesko {
 
-namespace {
-
-const QStringList terminalClasses = {QStringLiteral("xterm"), QStringLiteral("uxterm"),
-    QStringLiteral("urxvt"), QStringLiteral("rxvt"), QStringLiteral("gnome-terminal-server"),
-    QStringLiteral("gnome-terminal"), QStringLiteral("konsole"), QStringLiteral("alacritty"),
-    QStringLiteral("kitty"), QStringLiteral("terminator"), QStringLiteral("tilix"),
-    QStringLiteral("xfce4-terminal"), QStringLiteral("lxterminal"), QStringLiteral("mate-terminal"),
-    QStringLiteral("st-256color"), QStringLiteral("wezterm"), QStringLiteral("foot"),
-    QStringLiteral("org.wezfurlong.wezterm"), QStringLiteral("org.gnome.console"),
-    QStringLiteral("kgx"), QStringLiteral("qterminal"), QStringLiteral("sakura"),
-    QStringLiteral("terminology"), QStringLiteral("guake"), QStringLiteral("tilda"),
-    QStringLiteral("cool-retro-term")};
-
-} // namespace
-
 X11FrontWindow::X11FrontWindow(X11Connection &connection)
     : m_connection(connection)
 { }
@@ -137,8 +122,8 @@ void X11FrontWindow::frontApplication(std::function<void(std::optional<FrontAppl
             else if (!instance.isEmpty())
                 front.identifier = instance;
             front.isTerminal = (entry && entry->isTerminal)
-                || terminalClasses.contains(windowClass.toLower())
-                || terminalClasses.contains(instance.toLower());
+                || X11DesktopEntries::isTerminalClass(windowClass)
+                || X11DesktopEntries::isTerminalClass(instance);
             done(front);
         });
 }

@@ -1,0 +1,516 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Capture on Wayland from the outside, in a private headless sway
+// (tests/sway-session.sh): a foot window's primary selection becomes a note
+// labelled "Foot — TITLE", whether the capture comes from the command line,
+// a sway key binding or two Shift taps the compositor reports; a window
+// without a primary selection is read through a synthetic copy and the
+// clipboard is put back; a selection owner that never sends, or never stops
+// sending, ends in "Nothing Selected" and Vesko captures again afterwards.
+// Beside them, without sway: the pipe read those rest on, and data control
+// on a compositor of the test's own that withdraws its globals.
+
+#include "TestEnvironment.h"
+
+#include "ProgramSession.h"
+#include "platform/wayland/WaylandDataControl.h"
+#include "platform/wayland/WaylandGlobals.h"
+#include "platform/wayland/WaylandPipeReader.h"
+
+#include "wlr-data-control-unstable-v1-server-protocol.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QScopeGuard>
+#include <QTemporaryDir>
+
+#include <wayland-client.h>
+#include <wayland-server.h>
+
+#include <condition_variable>
+#include <fcntl.h>
+#include <mutex>
+#include <sys/eventfd.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace Vesko;
+
+namespace {
+
+//! Runs a Wayland client of the session to its end and returns its output.
+QString client(const QString &program, const QStringList &arguments, const QByteArray &input = {})
+{
+    QProcess process;
+    process.start(program, arguments);
+    if (!input.isNull()) {
+        process.write(input);
+        process.closeWriteChannel();
+    }
+    // wl-copy serves the selection from a child of its own; the parent returns.
+    if (!process.waitForFinished(10000))
+        process.kill();
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+QString swaymsg(const QStringList &arguments)
+{
+    return client(QStringLiteral("swaymsg"), arguments);
+}
+
+//! The windows of the sway tree: their name and app_id, and which has the focus.
+struct Window
+{
+    QString name;
+    QString appID;
+    bool focused = false;
+};
+
+void collect(const QJsonObject &node, QList<Window> &windows)
+{
+    if (node.value(QStringLiteral("type")).toString() != u"workspace"
+        && node.contains(QStringLiteral("app_id"))) {
+        windows.append({node.value(QStringLiteral("name")).toString(),
+            node.value(QStringLiteral("app_id")).toString(),
+            node.value(QStringLiteral("focused")).toBool()});
+    }
+    for (const char *children : {"nodes", "floating_nodes"}) {
+        for (const QJsonValue child : node.value(QLatin1String(children)).toArray())
+            collect(child.toObject(), windows);
+    }
+}
+
+QList<Window> windows()
+{
+    QList<Window> found;
+    collect(QJsonDocument::fromJson(
+                swaymsg({QStringLiteral("-t"), QStringLiteral("get_tree")}).toUtf8())
+                .object(),
+        found);
+    return found;
+}
+
+bool focusedWindowIs(const QString &name)
+{
+    for (const Window &window : windows()) {
+        if (window.focused)
+            return window.name == name;
+    }
+    return false;
+}
+
+class WaylandCapture : public Test::ProgramSession
+{
+public:
+    WaylandCapture()
+    {
+        setEnvironmentVariable(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland"));
+    }
+
+    //! Vesko with the panel kept hidden on capture, the front window staying in front.
+    QProcess *startVesko()
+    {
+        QDir().mkpath(QFileInfo(configPath()).path());
+        QFile config(configPath());
+        if (config.open(QIODevice::WriteOnly)) // the widest double-Shift interval
+            config.write("[General]\nshowPanelOnCapture=false\ndoubleShiftInterval=1\n");
+        config.close();
+        // Its log is read: a toast is a popup, out of the compositor's tree.
+        QProcess *vesko = start(QStringLiteral(VESKO_PATH), {}, QProcess::SeparateChannels);
+        if (!QTest::qWaitFor([] { return focusedWindowIs(QStringLiteral("Vesko")); }, 20000))
+            return nullptr;
+        return vesko;
+    }
+
+    //! A foot window titled \a title, in front.
+    bool startFoot(const QString &title)
+    {
+        start(QStringLiteral("foot"),
+            {QStringLiteral("--title"), title, QStringLiteral("sh"), QStringLiteral("-c"),
+                QStringLiteral("echo ready; sleep 600")});
+        return QTest::qWaitFor([&] { return focusedWindowIs(title); }, 15000);
+    }
+
+    //! The `vesko` command line with this session's folders, as a sway binding runs it.
+    QString veskoCommand(const QString &command) const
+    {
+        QStringList words {QStringLiteral("exec env")};
+        for (const char *name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME",
+                 "XDG_STATE_HOME", "XDG_RUNTIME_DIR", "QT_QPA_PLATFORM"}) {
+            words.append(QStringLiteral("%1=%2").arg(
+                QLatin1String(name), sessionEnvironment().value(QLatin1String(name))));
+        }
+        words << QStringLiteral(VESKO_PATH) << command;
+        return words.join(u' ');
+    }
+
+    Outcome vesko(const QStringList &arguments) const
+    {
+        return run(QStringLiteral(VESKO_PATH), arguments, {}, 30000);
+    }
+
+    QList<Note> notes() const { return Test::allNotes(Test::readLibraryFile(libraryPath())); }
+};
+
+//! A compositor of the test's own, on a thread: a seat and data control
+//! (version 2), each withdrawn and offered again on request. Its data
+//! control devices never send anything.
+class TinyCompositor
+{
+public:
+    TinyCompositor()
+        : m_display(wl_display_create())
+        , m_wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    {
+        m_socket = wl_display_add_socket_auto(m_display);
+        offerSeat();
+        offerDataControl();
+        wl_event_loop_add_fd(wl_display_get_event_loop(m_display), m_wake, WL_EVENT_READABLE,
+            &TinyCompositor::wake, this);
+        m_thread = std::thread([this] { wl_display_run(m_display); });
+    }
+    ~TinyCompositor()
+    {
+        inServer([this] { wl_display_terminate(m_display); });
+        m_thread.join();
+        wl_display_destroy(m_display);
+        ::close(m_wake);
+    }
+
+    //! The socket's name in XDG_RUNTIME_DIR, or null.
+    const char *socket() const { return m_socket; }
+
+    void withdrawSeat()
+    {
+        inServer([this] { destroy(m_seat); });
+    }
+    void offerSeat()
+    {
+        inServer([this] { m_seat = global(&wl_seat_interface, 1); });
+    }
+    void withdrawDataControl()
+    {
+        inServer([this] { destroy(m_dataControl); });
+    }
+    void offerDataControl()
+    {
+        inServer([this] { m_dataControl = global(&zwlr_data_control_manager_v1_interface, 2); });
+    }
+
+private:
+    wl_global *global(const wl_interface *interface, int version)
+    {
+        return wl_global_create(m_display, interface, version,
+            const_cast<wl_interface *>(interface), &TinyCompositor::bind);
+    }
+    static void destroy(wl_global *&global)
+    {
+        wl_global_destroy(global);
+        global = nullptr;
+    }
+
+    static void destroyResource(wl_client *, wl_resource *resource)
+    {
+        wl_resource_destroy(resource);
+    }
+
+    static void bind(wl_client *client, void *data, uint32_t version, uint32_t id)
+    {
+        const auto *interface = static_cast<const wl_interface *>(data);
+        wl_resource *resource = wl_resource_create(client, interface, int(version), id);
+        if (interface != &zwlr_data_control_manager_v1_interface)
+            return; // the seat: asked for nothing here
+        static const struct zwlr_data_control_manager_v1_interface manager = {
+            // create_data_source
+            [](wl_client *client, wl_resource *manager, uint32_t id) {
+                static const struct zwlr_data_control_source_v1_interface source
+                    = {[](wl_client *, wl_resource *, const char *) {}, &destroyResource};
+                wl_resource *made = wl_resource_create(client,
+                    &zwlr_data_control_source_v1_interface, wl_resource_get_version(manager), id);
+                wl_resource_set_implementation(made, &source, nullptr, nullptr);
+            },
+            // get_data_device
+            [](wl_client *client, wl_resource *manager, uint32_t id, wl_resource *) {
+                static const struct zwlr_data_control_device_v1_interface device
+                    = {[](wl_client *, wl_resource *, wl_resource *) {}, &destroyResource,
+                        [](wl_client *, wl_resource *, wl_resource *) {}};
+                wl_resource *made = wl_resource_create(client,
+                    &zwlr_data_control_device_v1_interface, wl_resource_get_version(manager), id);
+                wl_resource_set_implementation(made, &device, nullptr, nullptr);
+            },
+            &destroyResource,
+        };
+        wl_resource_set_implementation(resource, &manager, nullptr, nullptr);
+    }
+
+    //! Runs \a work on the server's thread (directly before it runs) and waits for it.
+    void inServer(std::function<void()> work)
+    {
+        if (!m_thread.joinable()) {
+            work();
+            return;
+        }
+        std::unique_lock lock(m_mutex);
+        m_work = std::move(work);
+        const uint64_t one = 1;
+        (void)::write(m_wake, &one, sizeof one);
+        m_done.wait(lock, [this] { return !m_work; });
+    }
+
+    static int wake(int fd, uint32_t, void *data)
+    {
+        auto *self = static_cast<TinyCompositor *>(data);
+        uint64_t count;
+        (void)::read(fd, &count, sizeof count);
+        std::lock_guard lock(self->m_mutex);
+        if (self->m_work)
+            self->m_work();
+        self->m_work = nullptr;
+        self->m_done.notify_all();
+        return 0;
+    }
+
+    wl_display *m_display;
+    int m_wake;
+    const char *m_socket = nullptr;
+    wl_global *m_seat = nullptr;
+    wl_global *m_dataControl = nullptr;
+    std::thread m_thread;
+    std::mutex m_mutex;
+    std::condition_variable m_done;
+    std::function<void()> m_work;
+};
+
+} // namespace
+
+class CaptureWaylandTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void pipeRead_data();
+    void pipeRead();
+    void captureFromFoot_data();
+    void captureFromFoot();
+    void copyFallback();
+    void misbehavingOwner_data();
+    void misbehavingOwner();
+    void compositorWithdrawsGlobal_data();
+    void compositorWithdrawsGlobal();
+
+private:
+    //! Skips the test where there is no compositor, with the reason.
+    bool needsSway();
+};
+
+bool CaptureWaylandTest::needsSway()
+{
+    const QString reason = qEnvironmentVariable("VESKO_SWAY_UNAVAILABLE");
+    if (!reason.isEmpty()) {
+        QTest::qSkip(qPrintable(reason), __FILE__, __LINE__);
+        return false;
+    }
+    if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") || qEnvironmentVariableIsEmpty("SWAYSOCK")) {
+        QTest::qSkip("Needs a sway session: run through tests/sway-session.sh", __FILE__, __LINE__);
+        return false;
+    }
+    return true;
+}
+
+void CaptureWaylandTest::pipeRead_data()
+{
+    QTest::addColumn<QByteArray>("written");
+    QTest::addColumn<bool>("closed");
+    QTest::addColumn<std::optional<QByteArray>>("expected");
+    const QByteArray text("words from another client");
+    QTest::newRow("sent whole") << text << true << std::optional<QByteArray>(text);
+    QTest::newRow("nothing sent, closed")
+        << QByteArray() << true << std::optional<QByteArray>(QByteArray());
+    QTest::newRow("never ends") << text << false << std::optional<QByteArray>();
+    // The cap of these reads is 4096 bytes.
+    QTest::newRow("over the cap") << QByteArray(4097, 'x') << true << std::optional<QByteArray>();
+    QTest::newRow("at the cap") << QByteArray(4096, 'x') << true
+                                << std::optional<QByteArray>(QByteArray(4096, 'x'));
+}
+
+void CaptureWaylandTest::pipeRead()
+{
+    QFETCH(QByteArray, written);
+    QFETCH(bool, closed);
+    QFETCH(std::optional<QByteArray>, expected);
+    int fds[2];
+    QVERIFY(::pipe2(fds, O_CLOEXEC) == 0);
+    QVERIFY(::write(fds[1], written.constData(), size_t(written.size())) == written.size());
+    if (closed)
+        ::close(fds[1]);
+    bool answered = false;
+    std::optional<QByteArray> answer;
+    WaylandPipeReader::read(fds[0], 4096, 300, [&](std::optional<QByteArray> bytes) {
+        QVERIFY(!answered);
+        answered = true;
+        answer = std::move(bytes);
+    });
+    QVERIFY(!answered); // never at once: the reader waits on the event loop
+    QTRY_VERIFY_WITH_TIMEOUT(answered, 10000);
+    QCOMPARE(answer, expected);
+    if (!closed)
+        ::close(fds[1]);
+}
+
+void CaptureWaylandTest::captureFromFoot_data()
+{
+    QTest::addColumn<QString>("trigger");
+    QTest::newRow("command line") << "command";
+    QTest::newRow("sway key binding") << "binding";
+    QTest::newRow("two Shift taps through sway") << "shift";
+}
+
+void CaptureWaylandTest::captureFromFoot()
+{
+    if (!needsSway())
+        return;
+    QFETCH(QString, trigger);
+    WaylandCapture session;
+    QVERIFY(session.startVesko());
+    QVERIFY(session.startFoot(QStringLiteral("build log")));
+    const QString text = QStringLiteral("words selected in the terminal");
+    client(QStringLiteral("wl-copy"), {QStringLiteral("--primary")}, text.toUtf8());
+
+    if (trigger == u"command") {
+        QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
+    } else if (trigger == u"binding") {
+        swaymsg({QStringLiteral("bindsym --no-warn Mod4+Mod1+c ")
+            + session.veskoCommand(QStringLiteral("capture"))});
+        client(QStringLiteral("wtype"),
+            {QStringLiteral("-M"), QStringLiteral("logo"), QStringLiteral("-M"),
+                QStringLiteral("alt"), QStringLiteral("-k"), QStringLiteral("c"),
+                QStringLiteral("-m"), QStringLiteral("alt"), QStringLiteral("-m"),
+                QStringLiteral("logo")});
+    } else {
+        swaymsg({QStringLiteral("bindsym --no-warn --release Shift_L ")
+            + session.veskoCommand(QStringLiteral("shift"))});
+        client(QStringLiteral("wtype"),
+            {QStringLiteral("-k"), QStringLiteral("Shift_L"), QStringLiteral("-s"),
+                QStringLiteral("150"), QStringLiteral("-k"), QStringLiteral("Shift_L")});
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 15000);
+    const Library library = Test::readLibraryFile(session.libraryPath());
+    const Note note = Test::allNotes(library).first();
+    QCOMPARE(note.text, text);
+    QVERIFY(note.source);
+    QCOMPARE(note.source->appName, QStringLiteral("Foot"));
+    QCOMPARE(note.source->windowTitle, QStringLiteral("build log"));
+    QCOMPARE(note.source->bundleIdentifier, QStringLiteral("foot"));
+    bool found = false;
+    for (const NoteSection &section : library.projects.first().sections)
+        found = found
+            || (section.title == QStringLiteral("Foot — build log") && section.notes.size() == 1);
+    QVERIFY(found);
+}
+
+void CaptureWaylandTest::copyFallback()
+{
+    if (!needsSway())
+        return;
+    WaylandCapture session;
+    QVERIFY(session.startVesko());
+    client(QStringLiteral("wl-copy"), {}, QByteArray("the user's clipboard"));
+    client(QStringLiteral("wl-copy"), {QStringLiteral("--primary"), QStringLiteral("--clear")});
+    const QString text = QStringLiteral("text from the copy target");
+    QProcess *target
+        = session.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("100")});
+    QTRY_VERIFY_WITH_TIMEOUT(focusedWindowIs(QStringLiteral("Copy Target")), 15000);
+
+    QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 15000);
+    QCOMPARE(session.notes().first().text, text);
+    QCOMPARE(session.notes().first().source->windowTitle, QStringLiteral("Copy Target"));
+    // The window got exactly the copy keys, and the clipboard is the user's again.
+    QVERIFY(QString::fromUtf8(target->readAllStandardOutput()).startsWith(u"key Ctrl+Ins\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(client(QStringLiteral("wl-paste"), {QStringLiteral("--no-newline")}),
+        QStringLiteral("the user's clipboard"), 10000);
+}
+
+void CaptureWaylandTest::misbehavingOwner_data()
+{
+    QTest::addColumn<QString>("mode");
+    QTest::newRow("never sends") << "silent";
+    QTest::newRow("sends without end") << "flood";
+}
+
+void CaptureWaylandTest::misbehavingOwner()
+{
+    if (!needsSway())
+        return;
+    QFETCH(QString, mode);
+    WaylandCapture session;
+    QProcess *vesko = session.startVesko();
+    QVERIFY(vesko);
+    QVERIFY(session.startFoot(QStringLiteral("idle")));
+    QProcess *owner = session.start(QStringLiteral(STUCK_SELECTION_PATH), {mode});
+    QByteArray said;
+    QTRY_VERIFY_WITH_TIMEOUT((said += owner->readAllStandardOutput()).contains("owned"), 10000);
+
+    QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
+    QByteArray log;
+    QTRY_VERIFY_WITH_TIMEOUT(
+        (log += vesko->readAllStandardError()).contains("Nothing selected"), 15000);
+    QCOMPARE(session.notes().size(), 0);
+
+    // Vesko answers, and the next capture takes the next selection.
+    const QString text = QStringLiteral("the next selection");
+    client(QStringLiteral("wl-copy"), {QStringLiteral("--primary")}, text.toUtf8());
+    QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 15000);
+    QCOMPARE(session.notes().first().text, text);
+}
+
+void CaptureWaylandTest::compositorWithdrawsGlobal_data()
+{
+    QTest::addColumn<bool>("seat");
+    QTest::newRow("data control withdrawn") << false;
+    QTest::newRow("seat withdrawn") << true;
+}
+
+void CaptureWaylandTest::compositorWithdrawsGlobal()
+{
+    QFETCH(bool, seat);
+    // The socket in a folder of the test's own.
+    QTemporaryDir runtime;
+    const QByteArray previousRuntime = qgetenv("XDG_RUNTIME_DIR");
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime.path()));
+    const auto restore = qScopeGuard([&] { qputenv("XDG_RUNTIME_DIR", previousRuntime); });
+    TinyCompositor compositor;
+    QVERIFY(compositor.socket());
+    wl_display *display = wl_display_connect(compositor.socket());
+    QVERIFY(display);
+    {
+        WaylandGlobals globals(display);
+        WaylandDataControl dataControl(globals);
+        QVERIFY(dataControl.isAvailable());
+        QVERIFY(dataControl.hasPrimarySelection());
+
+        seat ? compositor.withdrawSeat() : compositor.withdrawDataControl();
+        QVERIFY(wl_display_roundtrip(display) >= 0);
+        QVERIFY(!dataControl.isAvailable());
+        // A read now answers at once, with nothing; setting the clipboard does nothing.
+        bool answered = false;
+        dataControl.read(WaylandDataControl::Selection::Primary, QStringLiteral("text/plain"),
+            [&answered](std::optional<QByteArray> bytes) { answered = !bytes; });
+        QVERIFY(answered);
+        dataControl.setClipboard({{QStringLiteral("text/plain"), "words"}});
+
+        seat ? compositor.offerSeat() : compositor.offerDataControl();
+        QVERIFY(wl_display_roundtrip(display) >= 0);
+        QVERIFY(dataControl.isAvailable());
+        // The connection is whole: no request went to an object the compositor let go.
+        QVERIFY(wl_display_roundtrip(display) >= 0);
+        QCOMPARE(wl_display_get_error(display), 0);
+    }
+    wl_display_disconnect(display);
+}
+
+VESKO_TEST_MAIN(CaptureWaylandTest)
+#include "tst_capturewayland.moc"
