@@ -400,8 +400,8 @@ void backUpLibraryFile(const QString &path, const QStringList &kept)
     }
 }
 
-std::optional<QString> writeLibrary(
-    const Library &library, const QString &path, const QStringList &keptBackups)
+std::optional<QString> writeLibrary(const Library &library, const QString &path,
+    const QStringList &keptBackups, EncodedSections *encoded)
 {
     const QString target = resolvedTarget(path);
     const QFileInfo info(target);
@@ -415,10 +415,10 @@ std::optional<QString> writeLibrary(
     // The document is encoded straight into the temporary file, a piece at a time.
     const QString temporary
         = QDir(folder).filePath(u'.' + info.fileName() + u'.' + uuidText(makeID()));
-    if (auto error
-        = FileSystem::writeNewFile(temporary, [&library](const FileSystem::ByteSink &sink) {
-              return encodeLibrary(library, sink);
-          })) {
+    if (auto error = FileSystem::writeNewFile(
+            temporary, [&library, encoded](const FileSystem::ByteSink &sink) {
+                return encodeLibrary(library, sink, encoded);
+            })) {
         return error;
     }
 
