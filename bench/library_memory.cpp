@@ -2,17 +2,24 @@
 //
 // The memory a loaded library takes, against the size of its file.
 //
-//   library_memory <notes>
+//   library_memory <notes>...
 //
-// Writes a generated library of that many notes, then starts itself again to
-// load it in a fresh process, and prints the growth of the peak resident set
-// that the load caused and the resident growth that stays while it is held.
+// For each size, writes a generated library of that many notes below the
+// current folder, then starts itself again to load it in a fresh process,
+// and prints the growth of the peak resident set that the load caused and the
+// resident growth that stays while it is held.
+//
+//   library_memory --write <notes> <path>
+//
+// Only writes the generated library of that many notes to \a path, for
+// measuring the program itself over it.
 
 #include "LibraryGenerator.h"
 
 #include "library/LibraryFile.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -61,17 +68,34 @@ int main(int argc, char *argv[])
     const QStringList arguments = app.arguments();
     if (arguments.size() == 3 && arguments.at(1) == u"--load")
         return measure(arguments.at(2));
-
-    const qsizetype notes = arguments.size() > 1 ? arguments.at(1).toLongLong() : 100000;
-    QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("Library.json"));
-    if (auto failure = writeLibrary(Test::generateLibrary(notes, 42), path)) {
-        std::fprintf(stderr, "%s\n", qPrintable(*failure));
-        return 1;
+    if (arguments.size() == 4 && arguments.at(1) == u"--write") {
+        if (auto failure = writeLibrary(
+                Test::generateLibrary(arguments.at(2).toLongLong(), 42), arguments.at(3))) {
+            std::fprintf(stderr, "%s\n", qPrintable(*failure));
+            return 1;
+        }
+        return 0;
     }
-    QProcess child;
-    child.setProcessChannelMode(QProcess::ForwardedChannels);
-    child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--load"), path});
-    child.waitForFinished(-1);
-    return child.exitCode();
+
+    QList<qsizetype> sizes;
+    for (qsizetype i = 1; i < arguments.size(); ++i)
+        sizes.append(arguments.at(i).toLongLong());
+    if (sizes.isEmpty())
+        sizes.append(100000);
+    for (qsizetype notes : sizes) {
+        // A million notes make a file of about 760 MB: not for a small /tmp.
+        QTemporaryDir folder(QDir::currentPath() + QStringLiteral("/vesko-memory-XXXXXX"));
+        const QString path = folder.filePath(QStringLiteral("Library.json"));
+        if (auto failure = writeLibrary(Test::generateLibrary(notes, 42), path)) {
+            std::fprintf(stderr, "%s\n", qPrintable(*failure));
+            return 1;
+        }
+        QProcess child;
+        child.setProcessChannelMode(QProcess::ForwardedChannels);
+        child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--load"), path});
+        child.waitForFinished(-1);
+        if (child.exitCode() != 0)
+            return child.exitCode();
+    }
+    return 0;
 }

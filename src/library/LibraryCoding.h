@@ -52,6 +52,9 @@ struct EncodedSections
 
 QByteArray encodeLibrary(const Library &library);
 
+//! The spare bytes behind a document that let the parser read it in place.
+inline constexpr qsizetype libraryParsePadding = 64;
+
 //! Encodes \a library into \a sink, a piece of about a mebibyte at a time, so
 //! that a large library is never held twice in memory. Returns false as soon
 //! as the sink does. With \a encoded, the notes that are the same values as
@@ -63,6 +66,12 @@ bool encodeLibrary(const Library &library, const std::function<bool(const char *
 //! Decodes a document. On failure returns nothing and, when \a errorText is
 //! given, sets it to a description a person can read.
 std::optional<Library> decodeLibrary(const QByteArray &document, QString *errorText = nullptr);
+
+//! The same, letting go of the document's bytes as soon as they are parsed,
+//! before the library is built from them: a large file is not held in
+//! memory beside the library it becomes. A buffer with the parser's padding
+//! of spare capacity (see readLibraryFile()) is parsed where it lies.
+std::optional<Library> decodeLibrary(QByteArray &&document, QString *errorText = nullptr);
 
 //! A date as the document writes it: "2026-03-14T09:26:53Z".
 QByteArray formatDocumentDate(const QDateTime &date);

@@ -615,7 +615,14 @@ QDateTime parseDocumentDate(std::string_view text)
     return QDateTime::fromMSecsSinceEpoch(seconds * 1000 + millis, Qt::UTC);
 }
 
-std::optional<Library> decodeLibrary(const QByteArray &document, QString *errorText)
+static_assert(libraryParsePadding >= qsizetype(simdjson::SIMDJSON_PADDING));
+
+namespace {
+
+// Parses \a document and builds the library from the parsed values. When
+// \a owned is the document's own buffer, it is let go once parsed: the
+// parser keeps copies of the strings, and the library is built from them.
+std::optional<Library> decode(const QByteArray &document, QByteArray *owned, QString *errorText)
 {
     auto failWith = [errorText](const QString &text) -> std::optional<Library> {
         if (errorText)
@@ -631,6 +638,8 @@ std::optional<Library> decodeLibrary(const QByteArray &document, QString *errorT
     element root;
     const simdjson::error_code status
         = parser.parse(document.constData(), size_t(document.size()), !hasPadding).get(root);
+    if (owned)
+        *owned = QByteArray();
     if (status != simdjson::SUCCESS) {
         if (status == simdjson::UTF8_ERROR)
             return failWith(tr("The file is not valid UTF-8 text."));
@@ -646,6 +655,20 @@ std::optional<Library> decodeLibrary(const QByteArray &document, QString *errorT
     } catch (const DecodeError &error) {
         return failWith(error.text);
     }
+}
+
+} // namespace
+
+std::optional<Library> decodeLibrary(const QByteArray &document, QString *errorText)
+{
+    return decode(document, nullptr, errorText);
+}
+
+std::optional<Library> decodeLibrary(QByteArray &&document, QString *errorText)
+{
+    // A buffer shared with another owner stays alive there anyway.
+    QByteArray taken = std::move(document);
+    return decode(taken, &taken, errorText);
 }
 
 } // namespace Vesko
