@@ -143,6 +143,27 @@ QByteArray documentWithNote(const QByteArray &noteMembers, const QByteArray &sec
 
 const QByteArray noteID = R"("id": "00000000-0000-4000-8000-000000000001")";
 
+// The members of 6000 notes for documentWithNote(), with a wrong value in
+// notes[3000] and another in notes[5500]: more notes than one run of the
+// reading, so that the two faults are met on different threads.
+QByteArray notesWithTwoFaults()
+{
+    QByteArray members;
+    for (int i = 0; i < 6000; ++i) {
+        if (i > 0)
+            members += "}, {";
+        const QByteArray id = R"("id": "00000000-0000-4000-8000-)"
+            + QByteArray::number(i).rightJustified(12, '0') + '"';
+        if (i == 3000)
+            members += id + R"(, "text": 4)";
+        else if (i == 5500)
+            members += R"("text": "no id")";
+        else
+            members += id + R"(, "text": "x")";
+    }
+    return members;
+}
+
 } // namespace
 
 void LibraryCodingTest::goldenBytes_data()
@@ -304,6 +325,8 @@ void LibraryCodingTest::decodeRejects_data()
         << documentWithNote(noteID + R"(, "text": "x", "source": {})") << "source.appName";
     QTest::newRow("projects is an object")
         << QByteArray(R"({"version": 3, "projects": {}})") << "array";
+    QTest::newRow("the first of two faults in many notes")
+        << documentWithNote(notesWithTwoFaults()) << "projects[0].sections[0].notes[3000].text";
     QTest::newRow("trailing garbage")
         << (documentWithNote(noteID + R"(, "text": "x")") + "}") << "JSON";
 }
