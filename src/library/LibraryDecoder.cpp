@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <system_error>
 #include <thread>
 
 namespace Vesko {
@@ -702,13 +703,17 @@ std::optional<Library> readOnTwoThreads(element root, const QDateTime &now)
             failed = true;
         }
     };
+    std::thread helper;
     if (total >= 2 * runLength) {
-        std::thread helper(work);
-        work();
-        helper.join();
-    } else {
-        work();
+        try {
+            helper = std::thread(work);
+        } catch (const std::system_error &) {
+            // No thread to be had: this one reads every run.
+        }
     }
+    work();
+    if (helper.joinable())
+        helper.join();
     if (failed)
         return std::nullopt;
     return library;
