@@ -2,8 +2,9 @@
 //
 // Start to panel visible, measured from outside the process: vesko is
 // started with private XDG folders, and the X server is watched until a
-// window named "Vesko" is viewable. Once with an empty library and once with
-// a generated library of 100 000 notes. Needs an X session with a window
+// window named "Vesko" is viewable. Once with an empty library and once each
+// with generated libraries of 10 000, 100 000 and 1 000 000 notes (the last a
+// file of about 760 MB, written below the current folder). Needs an X session with a window
 // manager (tests/x-session.sh).
 
 #include "LibraryGenerator.h"
@@ -84,7 +85,7 @@ struct Fixture
         }
     }
 
-    QTemporaryDir root;
+    QTemporaryDir root {QDir::currentPath() + QStringLiteral("/vesko-startup-XXXXXX")};
 };
 
 void BM_StartToPanelVisible(benchmark::State &state)
@@ -144,18 +145,24 @@ int main(int argc, char *argv[])
     QCoreApplication app(argc, argv);
     benchmark::RegisterBenchmark("BM_StartToPanelVisible", BM_StartToPanelVisible)
         ->Arg(0)
+        ->Arg(10000)
         ->Arg(100000)
-        ->Iterations(8)
+        ->Arg(1000000)
+        ->Iterations(5)
         ->UseManualTime()
         ->Unit(benchmark::kMillisecond);
     benchmark::Initialize(&argc, argv);
     Bench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    std::printf("\nstart to panel visible: empty %.0f ms, 100k notes %.0f ms, ratio %.2f\n",
-        reporter.times["BM_StartToPanelVisible/0/iterations:8/manual_time"],
-        reporter.times["BM_StartToPanelVisible/100000/iterations:8/manual_time"],
-        reporter.ratio("BM_StartToPanelVisible/100000/iterations:8/manual_time",
-            "BM_StartToPanelVisible/0/iterations:8/manual_time"));
+    const auto name = [](int notes) {
+        return "BM_StartToPanelVisible/" + std::to_string(notes) + "/iterations:5/manual_time";
+    };
+    std::printf(
+        "\nstart to panel visible, against the empty library (%.0f ms)\n", reporter.times[name(0)]);
+    for (int notes : {10000, 100000, 1000000}) {
+        std::printf("%8d notes %8.0f ms %8.2f\n", notes, reporter.times[name(notes)],
+            reporter.ratio(name(notes), name(0)));
+    }
     benchmark::Shutdown();
     return 0;
 }

@@ -11,7 +11,10 @@
 //     all done (every one of them must be looked at), undo with 20k notes
 //     selected and one key press that moves the selection, in a 100k-note
 //     library whose active project holds 25k notes, against one rebuild of
-//     that project's rows.
+//     that project's rows;
+//   at 10k, 100k and 1M notes of the generator's library (about half of them
+//     in the active project): an edit through updateNote and a step of the
+//     selection, on the main thread, against copying the row handles.
 
 #include "LibraryGenerator.h"
 #include "TestEnvironment.h"
@@ -311,6 +314,67 @@ BENCHMARK(BM_RecordUndo)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_RowHandleCopyFloor)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_EditNote)->Unit(benchmark::kMillisecond);
 
+std::map<qsizetype, std::unique_ptr<Store>> &scaleStores()
+{
+    static std::map<qsizetype, std::unique_ptr<Store>> stores;
+    return stores;
+}
+
+// The Store over the generator's library of each size, made once.
+Store &scaleStore(qsizetype notes)
+{
+    std::unique_ptr<Store> &store = scaleStores()[notes];
+    if (!store) {
+        store = std::make_unique<Store>(Test::generateLibrary(notes, 42),
+            Store::Services {*fixture().preferences, *fixture().writer, *fixture().attachments,
+                *fixture().searchIndex});
+    }
+    return *store;
+}
+
+void BM_ScaleRowHandleCopy(benchmark::State &state)
+{
+    const QList<PanelRow> &rows = scaleStore(state.range(0)).rows();
+    for (auto _ : state) {
+        QList<PanelRow> copy;
+        copy.reserve(rows.size());
+        for (const PanelRow &row : rows)
+            copy.append(row);
+        benchmark::DoNotOptimize(copy);
+    }
+    state.counters["rows"] = double(rows.size());
+}
+
+// An edit of a note in the middle of the active project, committed.
+void BM_ScaleUpdateNote(benchmark::State &state)
+{
+    Store &store = scaleStore(state.range(0));
+    const QList<Note> visible = store.visibleNotes();
+    const QUuid id = visible.at(visible.size() / 2).id;
+    int counter = 0;
+    for (auto _ : state)
+        store.updateNote(id, QStringLiteral("edited %1").arg(++counter));
+    state.counters["rows"] = double(store.rows().size());
+}
+
+// A key press that moves the selection one note down, then up again.
+void BM_ScaleSelectionStep(benchmark::State &state)
+{
+    Store &store = scaleStore(state.range(0));
+    const QList<Note> visible = store.visibleNotes();
+    store.select(visible.at(visible.size() / 2).id, false, false);
+    int step = 1;
+    for (auto _ : state) {
+        store.moveSelection(step, false);
+        step = -step;
+    }
+}
+
+#define SCALE_SIZES Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond)
+BENCHMARK(BM_ScaleRowHandleCopy)->SCALE_SIZES;
+BENCHMARK(BM_ScaleUpdateNote)->SCALE_SIZES;
+BENCHMARK(BM_ScaleSelectionStep)->SCALE_SIZES;
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -342,7 +406,19 @@ int main(int argc, char *argv[])
         std::printf("%-30s %8.2f ms  %6.2f rebuilds\n", name, t[name],
             largeRebuild > 0 ? t[name] / largeRebuild : 0.0);
     }
+    std::printf("\nthe generator's library, against copying the active project's row handles:\n");
+    for (const char *notes : {"10000", "100000", "1000000"}) {
+        const std::string suffix = std::string("/") + notes;
+        const double floor = t["BM_ScaleRowHandleCopy" + suffix];
+        std::printf("%8s notes: row handles %7.2f ms, edit %7.2f ms (%6.2f), selection step "
+                    "%7.3f ms (%6.3f)\n",
+            notes, floor, t["BM_ScaleUpdateNote" + suffix],
+            floor > 0 ? t["BM_ScaleUpdateNote" + suffix] / floor : 0.0,
+            t["BM_ScaleSelectionStep" + suffix],
+            floor > 0 ? t["BM_ScaleSelectionStep" + suffix] / floor : 0.0);
+    }
     benchmark::Shutdown();
+    scaleStores().clear();
     fixture().writer.reset();
     fixture().attachments.reset();
     fixture().searchIndex.reset();

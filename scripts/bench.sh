@@ -14,7 +14,7 @@ cmake --build build-bench --parallel "$(nproc)"
 (cd build-bench && ./bench/bench_text --benchmark_min_time=0.5 "$@")
 (cd build-bench && ./bench/bench_list --benchmark_min_time=1 "$@")
 (cd build-bench && ./bench/bench_keys --benchmark_min_time=1 "$@")
-build-bench/bench/library_memory 100000
+build-bench/bench/library_memory 10000 100000 1000000
 (cd build-bench && ./bench/bench_attachments "$@")
 # The program and its window, in a private X session.
 tests/x-session.sh build-bench/bench/bench_startup "$@"

@@ -29,6 +29,8 @@ private Q_SLOTS:
     void fractionsOfSecondsAreDropped();
     void dates_data();
     void dates();
+    void reusedEncodingFollowsEdits_data();
+    void reusedEncodingFollowsEdits();
 };
 
 namespace {
@@ -140,6 +142,27 @@ QByteArray documentWithNote(const QByteArray &noteMembers, const QByteArray &sec
 }
 
 const QByteArray noteID = R"("id": "00000000-0000-4000-8000-000000000001")";
+
+// The members of 6000 notes for documentWithNote(), with a wrong value in
+// notes[3000] and another in notes[5500]: more notes than one run of the
+// reading, so that the two faults are met on different threads.
+QByteArray notesWithTwoFaults()
+{
+    QByteArray members;
+    for (int i = 0; i < 6000; ++i) {
+        if (i > 0)
+            members += "}, {";
+        const QByteArray id = R"("id": "00000000-0000-4000-8000-)"
+            + QByteArray::number(i).rightJustified(12, '0') + '"';
+        if (i == 3000)
+            members += id + R"(, "text": 4)";
+        else if (i == 5500)
+            members += R"("text": "no id")";
+        else
+            members += id + R"(, "text": "x")";
+    }
+    return members;
+}
 
 } // namespace
 
@@ -302,6 +325,8 @@ void LibraryCodingTest::decodeRejects_data()
         << documentWithNote(noteID + R"(, "text": "x", "source": {})") << "source.appName";
     QTest::newRow("projects is an object")
         << QByteArray(R"({"version": 3, "projects": {}})") << "array";
+    QTest::newRow("the first of two faults in many notes")
+        << documentWithNote(notesWithTwoFaults()) << "projects[0].sections[0].notes[3000].text";
     QTest::newRow("trailing garbage")
         << (documentWithNote(noteID + R"(, "text": "x")") + "}") << "JSON";
 }
@@ -418,6 +443,190 @@ void LibraryCodingTest::dates()
     QCOMPARE(formatDocumentDate(QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC)), text);
     QCOMPARE(parseDocumentDate(text.toStdString()).toMSecsSinceEpoch(),
         (msecs >= 0 ? msecs / 1000 : (msecs - 999) / 1000) * 1000);
+}
+
+namespace {
+
+enum class Edit {
+    TextInPlace,
+    TextReplaced,
+    Done,
+    UpdatedAt,
+    CreatedAt,
+    Source,
+    AttachmentAdded,
+    AttachmentRenamedInPlace,
+    NoteRemoved,
+    NoteInsertedFirst,
+    NotesSwapped,
+    NoteMovedToOtherSection,
+    NoteRebuiltWithSameId,
+    NotesOfOtherSection,
+    SectionRenamed,
+    SectionsReordered,
+    SectionRemoved,
+    SectionAdded,
+    ProjectRenamed,
+    Everything,
+};
+
+QDateTime wholeSecond(qint64 secs)
+{
+    return QDateTime::fromSecsSinceEpoch(secs, Qt::UTC);
+}
+
+// Changes \a library in place, through the same objects the last encoding saw.
+void applyEdit(Library &library, Edit edit)
+{
+    NoteSection &section = library.projects[0].sections[0];
+    NoteSection &other = library.projects[0].sections[1];
+    Note &note = section.notes[1];
+    switch (edit) {
+    case Edit::TextInPlace:
+        note.text[0] = note.text.at(0) == u'Z' ? u'Y' : u'Z';
+        break;
+    case Edit::TextReplaced:
+        note.text = QStringLiteral("a new \"text\"\n— with ünïcode");
+        break;
+    case Edit::Done:
+        note.isDone = !note.isDone;
+        note.completedAt = note.isDone ? std::optional(wholeSecond(1800000000)) : std::nullopt;
+        break;
+    case Edit::UpdatedAt:
+        note.updatedAt = note.updatedAt.addSecs(1);
+        break;
+    case Edit::CreatedAt:
+        note.createdAt = wholeSecond(1700000000);
+        break;
+    case Edit::Source:
+        note.source = NoteSource {QStringLiteral("Terminal"), std::nullopt, QStringLiteral("~")};
+        break;
+    case Edit::AttachmentAdded:
+        note.attachments.append(
+            NoteAttachment {makeID(), QStringLiteral("a.pdf"), QStringLiteral("X.pdf"),
+                NoteAttachment::Kind::File, std::nullopt, 3, wholeSecond(1750000000)});
+        break;
+    case Edit::AttachmentRenamedInPlace: {
+        Note &withAttachment = *std::find_if(section.notes.begin(), section.notes.end(),
+            [](const Note &n) { return !n.attachments.isEmpty(); });
+        withAttachment.attachments[0].fileName[0] = u'#';
+        break;
+    }
+    case Edit::NoteRemoved:
+        section.notes.removeAt(1);
+        break;
+    case Edit::NoteInsertedFirst: {
+        Note added = note;
+        added.id = makeID();
+        added.text = QStringLiteral("first");
+        section.notes.prepend(added);
+        break;
+    }
+    case Edit::NotesSwapped:
+        section.notes.swapItemsAt(0, section.notes.size() - 1);
+        break;
+    case Edit::NoteMovedToOtherSection:
+        other.notes.insert(0, section.notes.takeAt(1));
+        break;
+    case Edit::NoteRebuiltWithSameId: {
+        Note rebuilt = note;
+        rebuilt.text = QString(note.text.size(), u'x');
+        note = rebuilt;
+        break;
+    }
+    case Edit::NotesOfOtherSection:
+        section.notes = other.notes;
+        break;
+    case Edit::SectionRenamed:
+        section.title = QStringLiteral("Renamed");
+        break;
+    case Edit::SectionsReordered:
+        library.projects[0].sections.swapItemsAt(0, 1);
+        break;
+    case Edit::SectionRemoved:
+        library.projects[0].sections.removeAt(0);
+        break;
+    case Edit::SectionAdded: {
+        NoteSection added = makeInboxSection();
+        added.createdAt = wholeSecond(1760000000);
+        added.notes = other.notes.mid(0, 2);
+        library.projects[0].sections.append(added);
+        break;
+    }
+    case Edit::ProjectRenamed:
+        library.projects[1].name = QStringLiteral("Renamed");
+        break;
+    case Edit::Everything:
+        for (Project &project : library.projects)
+            for (NoteSection &s : project.sections)
+                for (Note &n : s.notes)
+                    n.text.append(u'!');
+        break;
+    }
+}
+
+QByteArray encodedReusing(const Library &library, EncodedSections &encoded)
+{
+    QByteArray document;
+    const bool ok = encodeLibrary(
+        library,
+        [&document](const char *data, qsizetype size) {
+            document.append(data, size);
+            return true;
+        },
+        &encoded);
+    return ok ? document : QByteArray();
+}
+
+} // namespace
+
+void LibraryCodingTest::reusedEncodingFollowsEdits_data()
+{
+    QTest::addColumn<Edit>("edit");
+    QTest::newRow("text changed in place, same length") << Edit::TextInPlace;
+    QTest::newRow("text replaced") << Edit::TextReplaced;
+    QTest::newRow("done toggled") << Edit::Done;
+    QTest::newRow("updatedAt") << Edit::UpdatedAt;
+    QTest::newRow("createdAt") << Edit::CreatedAt;
+    QTest::newRow("source") << Edit::Source;
+    QTest::newRow("attachment added") << Edit::AttachmentAdded;
+    QTest::newRow("attachment renamed in place") << Edit::AttachmentRenamedInPlace;
+    QTest::newRow("note removed") << Edit::NoteRemoved;
+    QTest::newRow("note inserted first") << Edit::NoteInsertedFirst;
+    QTest::newRow("notes swapped") << Edit::NotesSwapped;
+    QTest::newRow("note moved to another section") << Edit::NoteMovedToOtherSection;
+    QTest::newRow("note rebuilt with its id") << Edit::NoteRebuiltWithSameId;
+    QTest::newRow("notes of another section") << Edit::NotesOfOtherSection;
+    QTest::newRow("section renamed") << Edit::SectionRenamed;
+    QTest::newRow("sections reordered") << Edit::SectionsReordered;
+    QTest::newRow("section removed") << Edit::SectionRemoved;
+    QTest::newRow("section added") << Edit::SectionAdded;
+    QTest::newRow("project renamed") << Edit::ProjectRenamed;
+    QTest::newRow("every note") << Edit::Everything;
+}
+
+// A writer reuses the bytes of notes it encoded before; every kind of edit,
+// made in place on the library it encoded, reaches the next document.
+void LibraryCodingTest::reusedEncodingFollowsEdits()
+{
+    QFETCH(Edit, edit);
+    Library library = Test::generateLibrary(600, 5);
+    EncodedSections encoded;
+    QVERIFY(*decodeLibrary(encodedReusing(library, encoded)) == library);
+    QVERIFY(*decodeLibrary(encodedReusing(library, encoded)) == library);
+
+    const Library before = library;
+    applyEdit(library, edit);
+    QVERIFY(library != before);
+    for (int save = 0; save < 2; ++save) {
+        QString error;
+        const std::optional<Library> decoded
+            = decodeLibrary(encodedReusing(library, encoded), &error);
+        QVERIFY2(decoded, qPrintable(error));
+        QVERIFY(*decoded == library);
+    }
+    // An undo hands the older state back.
+    QVERIFY(*decodeLibrary(encodedReusing(before, encoded)) == before);
 }
 
 VESKO_TEST_MAIN(LibraryCodingTest)

@@ -11,11 +11,14 @@
 #endif
 
 #include <array>
+#include <atomic>
 #include <bit>
 #include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <system_error>
+#include <thread>
 
 namespace Vesko {
 
@@ -153,9 +156,22 @@ QString fromValidatedUtf8(std::string_view text)
 class Reader
 {
 public:
-    explicit Reader(QDateTime timeOfReading)
+    //! A notes array whose notes are read later, perhaps on another thread,
+    //! into the section at projects[project].sections[section].
+    struct DeferredNotes
+    {
+        qsizetype project;
+        qsizetype section;
+        simdjson::dom::array items;
+    };
+
+    explicit Reader(QDateTime timeOfReading, std::vector<DeferredNotes> *deferred = nullptr)
         : m_timeOfReading(std::move(timeOfReading))
+        , m_deferred(deferred)
     { }
+
+    //! Reads one note; for the notes that library() left to be read later.
+    Note readNote(element value) { return note(value); }
 
     Library library(element root)
     {
@@ -172,6 +188,7 @@ public:
                 library.projects.reserve(qsizetype(items.size()));
                 qsizetype index = 0;
                 for (element item : items) {
+                    m_currentProject = library.projects.size();
                     m_path.pushIndex("projects", index++);
                     library.projects.append(project(item));
                     m_path.pop();
@@ -204,6 +221,7 @@ private:
                 project.sections.reserve(qsizetype(items.size()));
                 qsizetype index = 0;
                 for (element item : items) {
+                    m_currentSection = project.sections.size();
                     m_path.pushIndex("sections", index++);
                     project.sections.append(section(item));
                     m_path.pop();
@@ -238,12 +256,16 @@ private:
                 hasTitle = true;
             } else if (key == "notes") {
                 const simdjson::dom::array items = expectArray(field, key);
-                section.notes.reserve(qsizetype(items.size()));
-                qsizetype index = 0;
-                for (element item : items) {
-                    m_path.pushIndex("notes", index++);
-                    section.notes.append(note(item));
-                    m_path.pop();
+                if (m_deferred) {
+                    m_deferred->push_back({m_currentProject, m_currentSection, items});
+                } else {
+                    section.notes.reserve(qsizetype(items.size()));
+                    qsizetype index = 0;
+                    for (element item : items) {
+                        m_path.pushIndex("notes", index++);
+                        section.notes.append(note(item));
+                        m_path.pop();
+                    }
                 }
                 hasNotes = true;
             } else if (key == "isCollapsed") {
@@ -501,6 +523,9 @@ private:
     }
 
     QDateTime m_timeOfReading;
+    std::vector<DeferredNotes> *m_deferred = nullptr;
+    qsizetype m_currentProject = 0;
+    qsizetype m_currentSection = 0;
     Path m_path;
 };
 
@@ -616,7 +641,89 @@ QDateTime parseDocumentDate(std::string_view text)
     return QDateTime::fromMSecsSinceEpoch(seconds * 1000 + millis, Qt::UTC);
 }
 
-std::optional<Library> decodeLibrary(const QByteArray &document, QString *errorText)
+static_assert(libraryParsePadding >= qsizetype(simdjson::SIMDJSON_PADDING));
+
+namespace {
+
+// Reads the library with its notes shared between this thread and one
+// more, a run of notes at a time. Nothing when anything is wrong: the
+// caller reads the document again to tell what.
+std::optional<Library> readOnTwoThreads(element root, const QDateTime &now)
+{
+    std::vector<Reader::DeferredNotes> deferred;
+    Library library;
+    try {
+        Reader reader(now, &deferred);
+        library = reader.library(root);
+    } catch (const DecodeError &) {
+        return std::nullopt;
+    }
+
+    // Runs of at most this many notes, each starting where the array's walk stands.
+    constexpr qsizetype runLength = 2048;
+    struct Run
+    {
+        Note *target;
+        simdjson::dom::array::iterator from;
+        qsizetype count;
+    };
+    std::vector<Run> runs;
+    qsizetype total = 0;
+    for (size_t d = 0; d < deferred.size(); ++d) {
+        const Reader::DeferredNotes &notes = deferred[d];
+        // A section with its notes twice over is for the careful reading.
+        if (d > 0 && deferred[d - 1].project == notes.project
+            && deferred[d - 1].section == notes.section)
+            return std::nullopt;
+        QList<Note> &target = library.projects[notes.project].sections[notes.section].notes;
+        qsizetype count = 0;
+        for (auto it = notes.items.begin(); it != notes.items.end(); ++it)
+            ++count;
+        target.resize(count);
+        Note *const base = target.data();
+        qsizetype index = 0;
+        for (auto it = notes.items.begin(); it != notes.items.end(); ++it, ++index) {
+            if (index % runLength == 0)
+                runs.push_back({base + index, it, std::min(runLength, count - index)});
+        }
+        total += count;
+    }
+
+    std::atomic<size_t> next {0};
+    std::atomic<bool> failed {false};
+    auto work = [&runs, &next, &failed, &now] {
+        Reader reader(now);
+        try {
+            for (size_t r = next++; r < runs.size() && !failed; r = next++) {
+                auto it = runs[r].from;
+                for (qsizetype i = 0; i < runs[r].count; ++i, ++it)
+                    runs[r].target[i] = reader.readNote(*it);
+            }
+        } catch (...) {
+            // Told again by the careful reading.
+            failed = true;
+        }
+    };
+    std::thread helper;
+    if (total >= 2 * runLength) {
+        try {
+            helper = std::thread(work);
+        } catch (const std::system_error &) {
+            // No thread to be had: this one reads every run.
+        }
+    }
+    work();
+    if (helper.joinable())
+        helper.join();
+    if (failed)
+        return std::nullopt;
+    return library;
+}
+
+// Parses \a document and builds the library from the parsed values. When
+// \a owned is the document's own buffer, it is let go once parsed: the
+// parser keeps copies of the strings, and the library is built from them.
+std::optional<Library> decode(const QByteArray &document, QByteArray *owned, QString *errorText)
 {
     auto failWith = [errorText](const QString &text) -> std::optional<Library> {
         if (errorText)
@@ -632,6 +739,8 @@ std::optional<Library> decodeLibrary(const QByteArray &document, QString *errorT
     element root;
     const simdjson::error_code status
         = parser.parse(document.constData(), size_t(document.size()), !hasPadding).get(root);
+    if (owned)
+        *owned = QByteArray();
     if (status != simdjson::SUCCESS) {
         if (status == simdjson::UTF8_ERROR)
             return failWith(Texts::tr("The file is not valid UTF-8 text."));
@@ -641,12 +750,31 @@ std::optional<Library> decodeLibrary(const QByteArray &document, QString *errorT
                             .arg(QString::fromUtf8(simdjson::error_message(status))));
     }
 
+    const QDateTime now = currentDate();
+    if (std::optional<Library> library = readOnTwoThreads(root, now))
+        return library;
+    // Read again one value after the other, for the first fault in the
+    // document's order and its exact place.
     try {
-        Reader reader(currentDate());
+        Reader reader(now);
         return reader.library(root);
     } catch (const DecodeError &error) {
         return failWith(error.text);
     }
+}
+
+} // namespace
+
+std::optional<Library> decodeLibrary(const QByteArray &document, QString *errorText)
+{
+    return decode(document, nullptr, errorText);
+}
+
+std::optional<Library> decodeLibrary(QByteArray &&document, QString *errorText)
+{
+    // A buffer shared with another owner stays alive there anyway.
+    QByteArray taken = std::move(document);
+    return decode(taken, &taken, errorText);
 }
 
 } // namespace Vesko

@@ -59,8 +59,10 @@ class DocumentWriter
 public:
     using Sink = std::function<bool(const char *, qsizetype)>;
 
-    //! Collects the whole document in memory.
-    explicit DocumentWriter(qsizetype expectedSize)
+    //! Collects the whole document in memory; \a depth is the nesting of the
+    //! value written first, for a piece of a document.
+    explicit DocumentWriter(qsizetype expectedSize, int depth = 0)
+        : m_depth(depth)
     {
         m_out.resize(std::max<qsizetype>(expectedSize, 256));
     }
@@ -76,6 +78,24 @@ public:
     {
         m_out.truncate(m_size);
         return std::move(m_out);
+    }
+
+    //! The bytes written so far, in memory; in pieces, since the last piece.
+    qsizetype size() const { return m_size; }
+    int depth() const { return m_depth; }
+
+    //! Writes a value encoded before at the same depth, as it stands.
+    void raw(const char *data, qsizetype n)
+    {
+        if (m_sink && n >= (1 << 16)) {
+            // A large piece goes to the sink as it is, without a copy.
+            flush();
+            if (m_sinkOk)
+                m_sinkOk = (*m_sink)(data, n);
+        } else {
+            append(data, n);
+        }
+        m_first = false;
     }
 
     //! Hands what is left to the sink; false if the sink failed on the way.
@@ -419,7 +439,96 @@ void writeNote(DocumentWriter &w, const Note &note)
     w.endObject();
 }
 
-void writeSection(DocumentWriter &w, const NoteSection &section)
+// Whether two notes are the same values as far as their encoding goes:
+// their texts and attachments share their buffers, the rest is equal.
+bool sameEncodedNote(const Note &a, const Note &b)
+{
+    auto sameDate = [](const QDateTime &x, const QDateTime &y) {
+        return x.isValid() == y.isValid()
+            && (!x.isValid() || x.toMSecsSinceEpoch() == y.toMSecsSinceEpoch());
+    };
+    return a.id == b.id && a.isDone == b.isDone && a.text.size() == b.text.size()
+        && (a.text.isEmpty() || a.text.constData() == b.text.constData())
+        && a.attachments.size() == b.attachments.size()
+        && (a.attachments.isEmpty() || a.attachments.constData() == b.attachments.constData())
+        && sameDate(a.createdAt, b.createdAt) && sameDate(a.updatedAt, b.updatedAt)
+        && a.completedAt.has_value() == b.completedAt.has_value()
+        && (!a.completedAt || sameDate(*a.completedAt, *b.completedAt)) && a.source == b.source;
+}
+
+// Encodes the notes of sections, reusing the bytes of the last encoding for
+// the notes that are still the same values, and keeps what it writes for
+// the next one.
+class NotesEncoder
+{
+public:
+    explicit NotesEncoder(const EncodedSections &previous)
+        : m_previous(previous)
+    { }
+
+    EncodedSections take() { return std::move(m_next); }
+
+    //! The value of \a section's "notes" member at \a depth.
+    const QByteArray &encode(const NoteSection &section, int depth)
+    {
+        const auto old = m_previous.sections.constFind(section.id);
+        const EncodedSections::Section *previous
+            = old != m_previous.sections.cend() && m_previous.depth == depth ? &*old : nullptr;
+        if (previous && previous->notes.size() == section.notes.size()
+            && (section.notes.isEmpty()
+                || previous->notes.constData() == section.notes.constData())) {
+            m_next.depth = depth;
+            return m_next.sections.insert(section.id, *previous)->value;
+        }
+        m_next.depth = depth;
+
+        EncodedSections::Section fresh;
+        fresh.notes = section.notes;
+        fresh.noteBounds.reserve(section.notes.size());
+        DocumentWriter w(
+            previous ? previous->value.size() + 4096 : 512 + section.notes.size() * 1024, depth);
+        QHash<QUuid, qsizetype> previousIndex;
+        w.beginArray();
+        for (qsizetype i = 0; i < section.notes.size(); ++i) {
+            const Note &note = section.notes.at(i);
+            w.element();
+            const qsizetype start = w.size();
+            const qsizetype at = previous ? findPrevious(*previous, previousIndex, note, i) : -1;
+            if (at >= 0) {
+                const auto [from, to] = previous->noteBounds.at(at);
+                w.raw(previous->value.constData() + from, to - from);
+            } else {
+                writeNote(w, note);
+            }
+            fresh.noteBounds.emplace_back(start, w.size());
+        }
+        w.endArray();
+        fresh.value = w.take();
+        return m_next.sections.insert(section.id, std::move(fresh))->value;
+    }
+
+private:
+    // The place of \a note in the previous encoding of its section, or -1:
+    // where it stood, else wherever its id is.
+    static qsizetype findPrevious(const EncodedSections::Section &previous,
+        QHash<QUuid, qsizetype> &index, const Note &note, qsizetype position)
+    {
+        if (position < previous.notes.size() && sameEncodedNote(previous.notes.at(position), note))
+            return position;
+        if (index.isEmpty()) {
+            index.reserve(previous.notes.size());
+            for (qsizetype i = 0; i < previous.notes.size(); ++i)
+                index.insert(previous.notes.at(i).id, i);
+        }
+        const qsizetype at = index.value(note.id, -1);
+        return at >= 0 && sameEncodedNote(previous.notes.at(at), note) ? at : -1;
+    }
+
+    const EncodedSections &m_previous;
+    EncodedSections m_next;
+};
+
+void writeSection(DocumentWriter &w, const NoteSection &section, NotesEncoder *notes)
 {
     w.beginObject();
     w.key("createdAt");
@@ -431,18 +540,23 @@ void writeSection(DocumentWriter &w, const NoteSection &section)
     w.key("isCollapsed");
     w.boolean(section.isCollapsed);
     w.key("notes");
-    w.beginArray();
-    for (const Note &note : section.notes) {
-        w.element();
-        writeNote(w, note);
+    if (notes) {
+        const QByteArray &value = notes->encode(section, w.depth());
+        w.raw(value.constData(), value.size());
+    } else {
+        w.beginArray();
+        for (const Note &note : section.notes) {
+            w.element();
+            writeNote(w, note);
+        }
+        w.endArray();
     }
-    w.endArray();
     w.key("title");
     w.string(section.title);
     w.endObject();
 }
 
-void writeProject(DocumentWriter &w, const Project &project)
+void writeProject(DocumentWriter &w, const Project &project, NotesEncoder *notes)
 {
     w.beginObject();
     if (project.activeSectionID) {
@@ -459,7 +573,7 @@ void writeProject(DocumentWriter &w, const Project &project)
     w.beginArray();
     for (const NoteSection &section : project.sections) {
         w.element();
-        writeSection(w, section);
+        writeSection(w, section, notes);
     }
     w.endArray();
     w.endObject();
@@ -477,7 +591,7 @@ QByteArray formatDocumentDate(const QDateTime &date)
 
 namespace {
 
-void writeLibrary(DocumentWriter &w, const Library &library)
+void writeLibrary(DocumentWriter &w, const Library &library, NotesEncoder *notes = nullptr)
 {
     w.beginObject();
     if (library.activeProjectID) {
@@ -488,7 +602,7 @@ void writeLibrary(DocumentWriter &w, const Library &library)
     w.beginArray();
     for (const Project &project : library.projects) {
         w.element();
-        writeProject(w, project);
+        writeProject(w, project, notes);
     }
     w.endArray();
     w.key("version");
@@ -523,11 +637,20 @@ QByteArray encodeLibrary(const Library &library)
     return w.take();
 }
 
-bool encodeLibrary(const Library &library, const std::function<bool(const char *, qsizetype)> &sink)
+bool encodeLibrary(const Library &library, const std::function<bool(const char *, qsizetype)> &sink,
+    EncodedSections *encoded)
 {
     DocumentWriter w(&sink, 1 << 20);
-    writeLibrary(w, library);
-    return w.finish();
+    if (!encoded) {
+        writeLibrary(w, library);
+        return w.finish();
+    }
+    NotesEncoder notes(*encoded);
+    writeLibrary(w, library, &notes);
+    if (!w.finish())
+        return false;
+    *encoded = notes.take();
+    return true;
 }
 
 } // namespace Vesko

@@ -184,16 +184,39 @@ std::optional<Library> readLibraryFile(const QString &path, QString *error)
         *error = file.errorString();
         return std::nullopt;
     }
-    QByteArray bytes = file.readAll();
+    // The bytes go into a buffer with room for the parser's padding behind
+    // them, so that a large file is parsed where it lies, not copied first.
+    const qint64 expected = file.size();
+    QByteArray bytes;
+    bytes.reserve(expected + libraryParsePadding);
+    bytes.resize(expected);
+    qsizetype length = 0;
+    while (length < expected) {
+        const qint64 read = file.read(bytes.data() + length, expected - length);
+        if (read < 0) {
+            *error = file.errorString();
+            return std::nullopt;
+        }
+        if (read == 0)
+            break;
+        length += qsizetype(read);
+    }
+    bytes.resize(length);
+    // A file that grew while it was read: the rest comes behind.
+    const QByteArray rest = file.readAll();
     if (file.error() != QFileDevice::NoError) {
         *error = file.errorString();
         return std::nullopt;
+    }
+    if (!rest.isEmpty()) {
+        bytes.reserve(length + rest.size() + libraryParsePadding);
+        bytes.append(rest);
     }
     // Editors on some systems start a UTF-8 file with a byte-order mark;
     // it is no part of the document, and the next save leaves it out.
     if (bytes.startsWith("\xEF\xBB\xBF"))
         bytes.remove(0, 3);
-    return decodeLibrary(bytes, error);
+    return decodeLibrary(std::move(bytes), error);
 }
 
 Library loadLibrary(const QString &path, std::optional<UnreadableLibrary> *unreadable)
@@ -400,8 +423,8 @@ void backUpLibraryFile(const QString &path, const QStringList &kept)
     }
 }
 
-std::optional<QString> writeLibrary(
-    const Library &library, const QString &path, const QStringList &keptBackups)
+std::optional<QString> writeLibrary(const Library &library, const QString &path,
+    const QStringList &keptBackups, EncodedSections *encoded)
 {
     const QString target = resolvedTarget(path);
     const QFileInfo info(target);
@@ -415,10 +438,10 @@ std::optional<QString> writeLibrary(
     // The document is encoded straight into the temporary file, a piece at a time.
     const QString temporary
         = QDir(folder).filePath(u'.' + info.fileName() + u'.' + uuidText(makeID()));
-    if (auto error
-        = FileSystem::writeNewFile(temporary, [&library](const FileSystem::ByteSink &sink) {
-              return encodeLibrary(library, sink);
-          })) {
+    if (auto error = FileSystem::writeNewFile(
+            temporary, [&library, encoded](const FileSystem::ByteSink &sink) {
+                return encodeLibrary(library, sink, encoded);
+            })) {
         return error;
     }
 

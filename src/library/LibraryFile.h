@@ -23,6 +23,8 @@
 
 namespace Vesko {
 
+struct EncodedSections;
+
 //! The number of backups kept in "Library Backups".
 inline constexpr int libraryBackupCount = 5;
 
@@ -103,9 +105,11 @@ void backUpLibraryFile(const QString &path, const QStringList &kept = {});
 //! Writes \a library to \a path: backup (keeping \a keptBackups, see
 //! backUpLibraryFile()), encode, a private temporary file beside the target
 //! flushed to disk, then an atomic rename over the target. Returns the
-//! failure text; the old file is untouched on failure.
-std::optional<QString> writeLibrary(
-    const Library &library, const QString &path, const QStringList &keptBackups = {});
+//! failure text; the old file is untouched on failure. With \a encoded, the
+//! notes that did not change since its last encoding are not encoded again
+//! (see EncodedSections).
+std::optional<QString> writeLibrary(const Library &library, const QString &path,
+    const QStringList &keptBackups = {}, EncodedSections *encoded = nullptr);
 
 //! The library file that a move to \a destination writes: "Library.json" in
 //! it when it is a folder, else \a destination itself.

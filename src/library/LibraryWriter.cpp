@@ -2,6 +2,7 @@
 
 #include "library/LibraryWriter.h"
 
+#include "library/LibraryCoding.h"
 #include "library/LibraryFile.h"
 #include "platform/Logging.h"
 #include "platform/SerialQueue.h"
@@ -15,6 +16,7 @@ namespace Vesko {
 LibraryWriter::LibraryWriter()
     : m_queue(std::make_unique<SerialQueue>(
         QStringLiteral("com.vesko.vesko.library-writer"), QThread::LowPriority))
+    , m_encoded(std::make_shared<EncodedSections>())
 { }
 
 LibraryWriter::~LibraryWriter() = default;
@@ -30,49 +32,50 @@ void LibraryWriter::write(
     const Library &library, const QString &path, QObject *context, Completion completion)
 {
     QPointer<QObject> receiver(context);
-    m_queue->async(
-        [library, path, receiver, completion = std::move(completion), kept = m_keptBackups] {
-            std::optional<QString> failure = writeLibrary(library, path, *kept);
-            // The receiver is looked at on the main thread only, where it lives.
-            QMetaObject::invokeMethod(
-                QCoreApplication::instance(),
-                [receiver, completion, failure] {
-                    if (receiver)
-                        completion(failure);
-                },
-                Qt::QueuedConnection);
-        });
+    m_queue->async([library, path, receiver, completion = std::move(completion),
+                       kept = m_keptBackups, encoded = m_encoded] {
+        std::optional<QString> failure = writeLibrary(library, path, *kept, encoded.get());
+        // The receiver is looked at on the main thread only, where it lives.
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [receiver, completion, failure] {
+                if (receiver)
+                    completion(failure);
+            },
+            Qt::QueuedConnection);
+    });
 }
 
 void LibraryWriter::writeThenRead(
     const Library &library, const QString &path, QObject *context, ReadBackCompletion completion)
 {
     QPointer<QObject> receiver(context);
-    m_queue->async(
-        [library, path, receiver, completion = std::move(completion), kept = m_keptBackups] {
-            std::optional<QString> failure = writeLibrary(library, path, *kept);
-            Library readBack;
-            if (!failure) {
-                QString error;
-                if (std::optional<Library> read = readLibraryFile(path, &error))
-                    readBack = *std::move(read);
-                else
-                    failure = QObject::tr("Could not read “%1” back: %2").arg(path, error);
-            }
-            QMetaObject::invokeMethod(
-                QCoreApplication::instance(),
-                [receiver, completion, failure, readBack] {
-                    if (receiver)
-                        completion(failure, readBack);
-                },
-                Qt::QueuedConnection);
-        });
+    m_queue->async([library, path, receiver, completion = std::move(completion),
+                       kept = m_keptBackups, encoded = m_encoded] {
+        std::optional<QString> failure = writeLibrary(library, path, *kept, encoded.get());
+        Library readBack;
+        if (!failure) {
+            QString error;
+            if (std::optional<Library> read = readLibraryFile(path, &error))
+                readBack = *std::move(read);
+            else
+                failure = QObject::tr("Could not read “%1” back: %2").arg(path, error);
+        }
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [receiver, completion, failure, readBack] {
+                if (receiver)
+                    completion(failure, readBack);
+            },
+            Qt::QueuedConnection);
+    });
 }
 
 std::optional<QString> LibraryWriter::writeNow(const Library &library, const QString &path)
 {
-    return m_queue->sync(
-        [&library, &path, kept = m_keptBackups] { return writeLibrary(library, path, *kept); });
+    return m_queue->sync([&library, &path, kept = m_keptBackups, encoded = m_encoded] {
+        return writeLibrary(library, path, *kept, encoded.get());
+    });
 }
 
 void LibraryWriter::keepBackups(const QStringList &paths)

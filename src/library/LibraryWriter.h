@@ -18,6 +18,7 @@
 namespace Vesko {
 
 class SerialQueue;
+struct EncodedSections;
 
 class LibraryWriter
 {
@@ -80,6 +81,9 @@ private:
     std::unique_ptr<SerialQueue> m_queue;
     //! The backups that writes keep; touched on the queue's thread only.
     std::shared_ptr<QStringList> m_keptBackups = std::make_shared<QStringList>();
+    //! The notes as the last write encoded them, so that a write encodes only
+    //! what changed since; touched on the queue's thread only.
+    std::shared_ptr<EncodedSections> m_encoded;
 };
 
 } // namespace Vesko

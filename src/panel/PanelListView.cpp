@@ -488,6 +488,18 @@ int PanelListView::rowHeight(int index)
 
 void PanelListView::relayout()
 {
+    // A list that is not shown has no width of its own yet, and nobody sees
+    // its rows: each stands at one height, and the rows are measured when
+    // the list is shown. A hidden panel's list does not estimate every note
+    // of a large project at each change, nor twice as the panel first opens.
+    if (!isVisible()) {
+        m_layoutIsProvisional = true;
+        m_layout->setHeights(std::vector<int>(size_t(m_rows.size()), SectionHeaderView::rowHeight));
+        m_previousRowIDs.clear();
+        updateScrollRange();
+        return;
+    }
+    m_layoutIsProvisional = false;
     const int width = viewport()->width();
     if (width != m_metrics.width) {
         m_metrics = NoteRowView::metricsFor(width);
@@ -874,6 +886,13 @@ void PanelListView::resizeEvent(QResizeEvent *event)
 {
     QAbstractScrollArea::resizeEvent(event);
     relayout();
+}
+
+void PanelListView::showEvent(QShowEvent *event)
+{
+    QAbstractScrollArea::showEvent(event);
+    if (m_layoutIsProvisional)
+        relayout();
 }
 
 void PanelListView::scrollContentsBy(int, int)

@@ -129,6 +129,7 @@ Q_SIGNALS:
 protected:
     bool event(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;
     void keyPressEvent(QKeyEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
@@ -231,6 +232,8 @@ private:
     QUuid m_knownProjectID;
     std::optional<QUuid> m_dropTargetID;
     bool m_placing = false;
+    //! The rows stand at a provisional height until the list is shown.
+    bool m_layoutIsProvisional = false;
 
     // The running scroll animation: towards which row, how, from where.
     std::optional<QUuid> m_animationTarget;
