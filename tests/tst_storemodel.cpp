@@ -45,10 +45,13 @@ struct MNote
     QUuid id;
     QString text;
     bool done = false;
-    bool stamped = false; // has a completion date
+    //! An invalid date stands for a time of the last step: the Store's is taken
+    //! when it lies within that step.
+    std::optional<QDateTime> completedAt;
     QString source; // the application's name; null without a source
     std::vector<MAttachment> attachments;
-    QDateTime createdAt; // invalid for a note made in this step: the Store's is taken
+    QDateTime createdAt;
+    QDateTime updatedAt;
     bool operator==(const MNote &) const = default;
 };
 
@@ -104,9 +107,12 @@ MLibrary modelOf(const Library &library, bool inWholeSeconds = false)
         for (const NoteSection &section : project.sections) {
             MSection s {section.id, section.title, section.isCollapsed, section.isAutomatic, {}};
             for (const Note &note : section.notes) {
-                MNote n {note.id, note.text, note.isDone, note.completedAt.has_value(),
-                    note.source ? note.source->appName : QString(), {},
-                    inWholeSeconds ? wholeSeconds(note.createdAt) : note.createdAt};
+                auto date
+                    = [&](const QDateTime &d) { return inWholeSeconds ? wholeSeconds(d) : d; };
+                MNote n {note.id, note.text, note.isDone,
+                    note.completedAt ? std::optional(date(*note.completedAt)) : std::nullopt,
+                    note.source ? note.source->appName : QString(), {}, date(note.createdAt),
+                    date(note.updatedAt)};
                 for (const NoteAttachment &a : note.attachments)
                     n.attachments.push_back({a.id, a.fileName, a.storedFileName});
                 s.notes.push_back(n);
@@ -140,9 +146,9 @@ Library libraryOf(const MLibrary &model)
                 note.id = n.id;
                 note.text = n.text;
                 note.isDone = n.done;
-                note.createdAt = note.updatedAt = n.createdAt;
-                if (n.stamped)
-                    note.completedAt = n.createdAt.addSecs(60);
+                note.createdAt = n.createdAt;
+                note.updatedAt = n.updatedAt;
+                note.completedAt = n.completedAt;
                 if (!n.source.isNull())
                     note.source = NoteSource {n.source, std::nullopt, std::nullopt};
                 for (const MAttachment &a : n.attachments) {
@@ -446,7 +452,7 @@ public:
         if (cleaned.isEmpty() && attachments.empty())
             return std::nullopt;
         recordUndo();
-        MNote note {fresh(), cleaned, false, false, source, attachments, {}};
+        MNote note {fresh(), cleaned, false, std::nullopt, source, attachments, {}, {}};
         MProject &project = *active();
         qsizetype target = -1;
         for (qsizetype i = 0; sectionID && i < qsizetype(project.sections.size()); ++i)
@@ -500,7 +506,7 @@ public:
             project.activeSection = project.sections[target].id;
         }
         project.sections[target].notes.push_back(
-            {fresh(), cleaned, false, false, QString(), {}, {}});
+            {fresh(), cleaned, false, std::nullopt, QString(), {}, {}, {}});
         commit();
     }
 
@@ -517,8 +523,10 @@ public:
             commit();
             return;
         }
-        if (note)
+        if (note) {
             note->text = cleaned;
+            note->updatedAt = QDateTime();
+        }
         commit();
     }
 
@@ -530,7 +538,8 @@ public:
         for (const QUuid &id : ids) {
             if (MNote *note = find(id)) {
                 note->done = done;
-                note->stamped = done;
+                note->completedAt = done ? std::optional(QDateTime()) : std::nullopt;
+                note->updatedAt = QDateTime();
             }
         }
         commit();
@@ -576,7 +585,7 @@ public:
         if (notes.size() < 2)
             return;
         const MNote &f = notes.front();
-        MNote merged {fresh(), {}, true, true, f.source, {}, f.createdAt};
+        MNote merged {fresh(), {}, true, std::nullopt, f.source, {}, f.createdAt, {}};
         QStringList texts;
         QSet<QUuid> mergedIDs;
         for (const MNote &n : notes) {
@@ -587,7 +596,7 @@ public:
             mergedIDs.insert(n.id);
         }
         merged.text = texts.join(QStringLiteral("\n\n"));
-        merged.stamped = merged.done;
+        merged.completedAt = merged.done ? std::optional(QDateTime()) : std::nullopt;
         recordUndo();
         for (MProject &p : lib.projects) {
             for (MSection &s : p.sections) {
@@ -630,8 +639,9 @@ public:
                     QSet<QUuid> parts;
                     std::optional<QUuid> first;
                     for (qsizetype k = 0; k < pieces.size(); ++k) {
-                        MNote part {fresh(), pieces[k], old.done, false, old.source,
-                            k == 0 ? old.attachments : std::vector<MAttachment> {}, old.createdAt};
+                        MNote part {fresh(), pieces[k], old.done, std::nullopt, old.source,
+                            k == 0 ? old.attachments : std::vector<MAttachment> {}, old.createdAt,
+                            {}};
                         section.notes.insert(section.notes.begin() + i + k, part);
                         parts.insert(part.id);
                         if (!first)
@@ -698,6 +708,7 @@ public:
         recordUndo();
         note = find(noteID);
         note->attachments.insert(note->attachments.end(), records.begin(), records.end());
+        note->updatedAt = QDateTime();
         commit();
     }
 
@@ -712,6 +723,7 @@ public:
         note = find(noteID);
         std::erase_if(
             note->attachments, [&](const MAttachment &a) { return a.id == attachmentID; });
+        note->updatedAt = QDateTime();
         commit();
     }
 
@@ -1090,7 +1102,7 @@ Op randomOp(QRandomGenerator &random)
 {
     // Weights of the kinds, in the order of Kind.
     static const int weights[] = {14, 3, 6, 3, 4, 3, 1, 4, 5, 3, 3, 5, 2, 2, 2, 3, 2, 1, 2, 1, 2, 2,
-        3, 1, 1, 1, 1, 1, 2, 7, 4, 2, 5, 5, 1, 1, 1, 2, 1};
+        3, 1, 1, 2, 2, 2, 2, 7, 4, 2, 5, 5, 1, 1, 1, 2, 1};
     static_assert(std::size(weights) == std::size(kindNames));
     int total = 0;
     for (int w : weights)
@@ -1155,12 +1167,15 @@ MLibrary randomLibrary(QRandomGenerator &random)
                 random.bounded(5) == 0, isAutomatic, {}};
             for (int n = 0, notes = (isAutomatic ? 1 : 0) + 1 + random.bounded(8); n < notes; ++n) {
                 MNote note {id(QStringLiteral("note")), trimmedText(randomText(random)), false,
-                    false,
+                    std::nullopt,
                     isAutomatic || random.bounded(4) == 0 ? QStringLiteral("Mail") : QString(), {},
-                    start.addSecs(++counter * 60)};
+                    start.addSecs(++counter * 60), {}};
                 if (note.text.isEmpty())
                     note.text = QStringLiteral("gamma");
-                note.done = note.stamped = random.bounded(10) < 3;
+                note.done = random.bounded(10) < 3;
+                note.updatedAt = note.createdAt;
+                if (note.done)
+                    note.completedAt = note.createdAt.addSecs(60);
                 if (random.bounded(7) == 0)
                     note.attachments.push_back({id(QStringLiteral("attachment")),
                         QStringLiteral("Budget %1.pdf").arg(counter),
@@ -1169,7 +1184,10 @@ MLibrary randomLibrary(QRandomGenerator &random)
             }
             project.sections.push_back(section);
         }
-        project.activeSection = project.sections[random.bounded(int(project.sections.size()))].id;
+        // At times without an active section, as an older file may be.
+        if (random.bounded(4) > 0)
+            project.activeSection
+                = project.sections[random.bounded(int(project.sections.size()))].id;
         library.projects.push_back(project);
     }
     library.activeProject = library.projects[random.bounded(int(library.projects.size()))].id;
@@ -1189,7 +1207,7 @@ QString dump(const MLibrary &library)
             for (const MNote &n : s.notes)
                 notes.append(QString(n.text).replace(u'\n', u'/')
                     + (n.done ? QStringLiteral("[done]") : QString())
-                    + (n.stamped ? QStringLiteral("[stamped]") : QString())
+                    + (n.completedAt ? QStringLiteral("[stamped]") : QString())
                     + (n.attachments.empty()
                             ? QString()
                             : QStringLiteral("[%1 att]").arg(n.attachments.size())));
@@ -1270,7 +1288,10 @@ public:
             for (const MSection &s : p.sections)
                 m_known.insert(s.id);
         }
-        m_store = &m_fixture.make(libraryOf(initial));
+        // Set after construction, so that the repair at load leaves it as made.
+        m_store = &m_fixture.make(makeDefaultLibrary());
+        m_store->setLibrary(libraryOf(initial));
+        m_store->refreshAfterMutation();
         m_baseRevision = m_store->libraryRevision();
         QCoreApplication::processEvents();
     }
@@ -1303,8 +1324,8 @@ private:
     {
         QList<QUuid> ids;
         for (int ref : refs) {
-            if (const std::optional<QUuid> id = noteRef(ref); id && !ids.contains(*id))
-                ids.append(*id);
+            if (const std::optional<QUuid> id = noteRef(ref))
+                ids.append(*id); // a note named twice too
         }
         return ids;
     }
@@ -1359,6 +1380,7 @@ private:
 
     std::optional<QString> step(const Op &op)
     {
+        m_stepStarted = QDateTime::currentDateTimeUtc();
         Store &store = *m_store;
         Model &model = m_model;
         const QList<QUuid> ids = noteRefs(op.notes);
@@ -1401,10 +1423,19 @@ private:
             store.setDone(ids, op.flag);
             model.setDone(ids, op.flag);
             break;
-        case Kind::ToggleDone:
-            store.toggleDone(ids);
-            model.toggleDone(ids);
+        case Kind::ToggleDone: {
+            // At times done notes and one that is gone, which counts as open.
+            QList<QUuid> toggled = ids;
+            if (op.flag2) {
+                toggled = {unknownID};
+                for (const QUuid &id : model.visible())
+                    if (model.find(id)->done && toggled.size() < 3)
+                        toggled.append(id);
+            }
+            store.toggleDone(toggled);
+            model.toggleDone(toggled);
             break;
+        }
         case Kind::Delete:
             store.deleteNotes(QSet<QUuid>(ids.begin(), ids.end()));
             model.deleteNotes(QSet<QUuid>(ids.begin(), ids.end()));
@@ -1483,10 +1514,16 @@ private:
             model.removeAttachment(attachment, firstNote);
             break;
         }
-        case Kind::CreateOrUseSection:
-            store.createOrUseSection(op.title.isNull() ? op.text : op.title);
-            model.createOrUseSection(op.title.isNull() ? op.text : op.title);
+        case Kind::CreateOrUseSection: {
+            // At times the title of an automatic section, which is used too.
+            QString title = op.title.isNull() ? op.text : op.title;
+            for (const MSection &section : model.active()->sections)
+                if (op.flag2 && section.automatic)
+                    title = section.title.toUpper();
+            store.createOrUseSection(title);
+            model.createOrUseSection(title);
             break;
+        }
         case Kind::ActivateSection:
             store.activateSection(sectionRef(op.section));
             model.activateSection(sectionRef(op.section));
@@ -1537,21 +1574,29 @@ private:
                 section.collapsed = op.kind == Kind::CollapseAll;
             model.commit();
             break;
-        case Kind::DeleteSection:
-            store.deleteSection(sectionRef(op.section));
-            model.deleteSection(sectionRef(op.section));
+        case Kind::DeleteSection: {
+            // Often the active one, whose mark goes to "Inbox".
+            const QUuid id = op.flag && model.active()->activeSection
+                ? *model.active()->activeSection
+                : sectionRef(op.section);
+            store.deleteSection(id);
+            model.deleteSection(id);
             break;
+        }
         case Kind::CreateProject:
             store.createProject(op.title.isNull() ? op.text : op.title);
             model.createProject(op.title.isNull() ? op.text : op.title);
             break;
-        case Kind::DeleteProject:
-            // The last project is never offered for deletion.
+        case Kind::DeleteProject: {
+            // Often the active one; the last project is never offered for deletion.
+            const QUuid id = op.flag && model.lib.activeProject ? *model.lib.activeProject
+                                                                : projectRef(op.other);
             if (model.lib.projects.size() > 1) {
-                store.deleteProject(projectRef(op.other));
-                model.deleteProject(projectRef(op.other));
+                store.deleteProject(id);
+                model.deleteProject(id);
             }
             break;
+        }
         case Kind::SwitchProject:
             store.switchProject(projectRef(op.other));
             model.switchProject(projectRef(op.other));
@@ -1674,10 +1719,17 @@ private:
                 for (size_t n = 0; n < std::min(es.notes.size(), as.notes.size()); ++n) {
                     MNote &en = es.notes[n];
                     adopt(en.id, as.notes[n].id);
-                    // A new note is made now.
-                    if (!en.createdAt.isValid() && as.notes[n].createdAt >= m_started
-                        && as.notes[n].createdAt <= QDateTime::currentDateTimeUtc())
-                        en.createdAt = as.notes[n].createdAt;
+                    // Dates of the last step, such as a new note's.
+                    const MNote &an = as.notes[n];
+                    const QDateTime now = QDateTime::currentDateTimeUtc();
+                    auto adoptDate = [&](QDateTime &expected, const QDateTime &date) {
+                        if (!expected.isValid() && date >= m_stepStarted && date <= now)
+                            expected = date;
+                    };
+                    adoptDate(en.createdAt, an.createdAt);
+                    adoptDate(en.updatedAt, an.updatedAt);
+                    if (en.completedAt && an.completedAt)
+                        adoptDate(*en.completedAt, *an.completedAt);
                 }
             }
         }
@@ -1759,8 +1811,12 @@ private:
         MLibrary expected = m_model.lib;
         for (MProject &p : expected.projects)
             for (MSection &s : p.sections)
-                for (MNote &n : s.notes)
+                for (MNote &n : s.notes) {
                     n.createdAt = wholeSeconds(n.createdAt);
+                    n.updatedAt = wholeSeconds(n.updatedAt);
+                    if (n.completedAt)
+                        n.completedAt = wholeSeconds(*n.completedAt);
+                }
         if (modelOf(loaded, true) != expected)
             return QStringLiteral("the saved library reads back as\n%1")
                 .arg(dump(modelOf(loaded, true)));
@@ -1824,7 +1880,7 @@ private:
     QSet<QUuid> m_known;
     int m_attachmentCounter = 0;
     bool m_unrecorded = false;
-    const QDateTime m_started = QDateTime::currentDateTimeUtc().addSecs(-1);
+    QDateTime m_stepStarted;
 };
 
 //! The shortest sequence found that still fails, by removing runs of steps.
