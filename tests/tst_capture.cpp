@@ -200,6 +200,9 @@ void CaptureTest::hotKeysFromSettings()
         center.setCombo(
             {71, ModifierFlag::Shift | ModifierFlag::Command}, HotKeyAction::TogglePanel);
     }
+    // The centre's values reach the file on the writer's thread: a write of
+    // the file by hand waits for them, or one of the two is lost.
+    SettingsWriter::shared().flush();
     openSettingsFile()->setValue(
         HotKeyCenter::settingsKey(HotKeyAction::CopySelectionAsList), QByteArray("{not json"));
     const HotKeyCenter reread(registrar);
