@@ -149,9 +149,9 @@ void AppTest::typedNoteSurvivesTheEnd()
     QFETCH(int, signalNumber);
     Session session;
     QProcess *vesko = session.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), Test::patience);
     const QString panel = visiblePanel();
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, Test::patience);
 
     // The composer has the keyboard as soon as the panel is up.
     const QString text = QStringLiteral("Note typed into the composer %1").arg(signalNumber);
@@ -160,7 +160,7 @@ void AppTest::typedNoteSurvivesTheEnd()
     // Well inside the save delay: only the way out writes the note.
     QTest::qWait(100);
     ::kill(pid_t(vesko->processId()), signalNumber);
-    QVERIFY(vesko->waitForFinished(10000));
+    QVERIFY(vesko->waitForFinished(Test::patience));
     QCOMPARE(vesko->exitStatus(), QProcess::NormalExit);
     QCOMPARE(vesko->exitCode(), 0);
     QCOMPARE(noteTexts(readLibrary(session.libraryPath())), QStringList {text});
@@ -170,30 +170,30 @@ void AppTest::secondLaunchShowsTheFirstPanel()
 {
     Session session;
     QProcess *first = session.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), Test::patience);
     const QString panel = visiblePanel();
     QCOMPARE(xdotool({QStringLiteral("getwindowpid"), panel}).toLongLong(), first->processId());
 
     // Hidden by Escape (the empty composer hands the keyboard to the list,
     // which hides the panel), then brought back by a second launch.
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, Test::patience);
     xdotool({QStringLiteral("key"), QStringLiteral("Escape"), QStringLiteral("Escape")});
-    QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), Test::patience);
 
     QProcess *second = session.start();
-    QVERIFY(second->waitForFinished(10000));
+    QVERIFY(second->waitForFinished(Test::patience));
     QCOMPARE(second->exitCode(), 0);
-    QTRY_COMPARE_WITH_TIMEOUT(visiblePanel(), panel, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(visiblePanel(), panel, Test::patience);
     QCOMPARE(
         xdotool({QStringLiteral("getwindowpid"), visiblePanel()}).toLongLong(), first->processId());
     // The composer has the keyboard again.
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, Test::patience);
     xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("5"),
         QStringLiteral("after reopen")});
     xdotool({QStringLiteral("key"), QStringLiteral("Return")});
     QTest::qWait(100);
     first->terminate();
-    QVERIFY(first->waitForFinished(10000));
+    QVERIFY(first->waitForFinished(Test::patience));
     QCOMPARE(noteTexts(readLibrary(session.libraryPath())),
         QStringList {QStringLiteral("after reopen")});
 }
@@ -202,15 +202,15 @@ void AppTest::escapeHidesThePanel()
 {
     Session session;
     QProcess *vesko = session.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), Test::patience);
     const QString panel = visiblePanel();
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, Test::patience);
     // The first Escape only moves the keyboard from the empty composer to the list.
     xdotool({QStringLiteral("key"), QStringLiteral("Escape")});
     QTest::qWait(300);
     QVERIFY(!visiblePanel().isEmpty());
     xdotool({QStringLiteral("key"), QStringLiteral("Escape")});
-    QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), Test::patience);
     // Hiding is not quitting.
     QTest::qWait(200);
     QCOMPARE(vesko->state(), QProcess::Running);
@@ -220,13 +220,13 @@ void AppTest::startsAgainAfterACrash()
 {
     Session session;
     QProcess *crashed = session.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), Test::patience);
     // Killed outright, it leaves its socket behind; the next launch takes it over.
     crashed->kill();
-    QVERIFY(crashed->waitForFinished(10000));
-    QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), 5000);
+    QVERIFY(crashed->waitForFinished(Test::patience));
+    QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), Test::patience);
     QProcess *next = session.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), Test::patience);
     QCOMPARE(next->state(), QProcess::Running);
     QCOMPARE(
         xdotool({QStringLiteral("getwindowpid"), visiblePanel()}).toLongLong(), next->processId());
@@ -243,7 +243,7 @@ void AppTest::unreadableLibraryIsSetAside()
         file.write(garbage);
     }
     QProcess *vesko = session.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), Test::patience);
 
     const QStringList setAside
         = QDir(session.libraryFolder()).entryList({QStringLiteral("Library-unreadable-*.json")});
@@ -253,7 +253,7 @@ void AppTest::unreadableLibraryIsSetAside()
     QCOMPARE(kept.readAll(), garbage);
 
     vesko->terminate();
-    QVERIFY(vesko->waitForFinished(10000));
+    QVERIFY(vesko->waitForFinished(Test::patience));
     const Library library = readLibrary(session.libraryPath());
     QCOMPARE(library.projects.size(), 1);
     QVERIFY(noteTexts(library).isEmpty());
@@ -268,20 +268,20 @@ void AppTest::pairedLaunchesLeaveOneRunning()
         // One of the two hands "reopen" to the other and ends.
         QTRY_VERIFY_WITH_TIMEOUT(
             first->state() == QProcess::NotRunning || second->state() == QProcess::NotRunning,
-            15000);
+            Test::patience);
         QProcess *ended = first->state() == QProcess::NotRunning ? first : second;
         QProcess *running = ended == first ? second : first;
         QVERIFY2(ended->exitStatus() == QProcess::NormalExit && ended->exitCode() == 0,
             qPrintable(QStringLiteral("round %1").arg(round)));
 
-        QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), Test::patience);
         QCOMPARE(xdotool({QStringLiteral("getwindowpid"), visiblePanel()}).toLongLong(),
             running->processId());
         QCOMPARE(running->state(), QProcess::Running);
         running->terminate();
-        QVERIFY(running->waitForFinished(10000));
+        QVERIFY(running->waitForFinished(Test::patience));
         QCOMPARE(running->exitCode(), 0);
-        QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), Test::patience);
     }
 }
 
@@ -297,8 +297,9 @@ void AppTest::failedSaveIsRetriedThenRescued()
         settings.setValue(QStringLiteral("libraryPath"), library);
     }
     QProcess *vesko = session.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), visiblePanel(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), Test::patience);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        xdotool({QStringLiteral("getactivewindow")}), visiblePanel(), Test::patience);
 
     // The disk fills up before the note is added: its save fails.
     QVERIFY(disk.fill());
@@ -310,7 +311,7 @@ void AppTest::failedSaveIsRetriedThenRescued()
 
     // Room again: the note reaches the file without another change.
     disk.release();
-    QTRY_VERIFY_WITH_TIMEOUT(noteTexts(readLibrary(library)).contains(first), 6000);
+    QTRY_VERIFY_WITH_TIMEOUT(noteTexts(readLibrary(library)).contains(first), Test::patience);
 
     // Full again, and the program is ended: the last state goes to a rescue file.
     QVERIFY(disk.fill());
@@ -319,7 +320,7 @@ void AppTest::failedSaveIsRetriedThenRescued()
     xdotool({QStringLiteral("key"), QStringLiteral("Return")});
     QTest::qWait(1500);
     ::kill(pid_t(vesko->processId()), SIGTERM);
-    QVERIFY(vesko->waitForFinished(10000));
+    QVERIFY(vesko->waitForFinished(Test::patience));
     QCOMPARE(vesko->exitStatus(), QProcess::NormalExit);
     QCOMPARE(vesko->exitCode(), 0);
     QVERIFY(!noteTexts(readLibrary(library)).contains(second));
@@ -368,12 +369,13 @@ void AppTest::noteSurvivesTheXServer()
             .section(u'\n', 0, 0);
     };
     QTRY_VERIFY2_WITH_TIMEOUT(!panel().isEmpty() || vesko->state() == QProcess::NotRunning,
-        qPrintable(server.display()), 30000);
+        qPrintable(server.display()), Test::patience);
     QVERIFY2(vesko->state() == QProcess::Running,
         qPrintable(QStringLiteral("vesko ended with %1 on %2")
                        .arg(vesko->exitCode())
                        .arg(server.display())));
-    QTRY_COMPARE_WITH_TIMEOUT(server.xdotool({QStringLiteral("getwindowfocus")}), panel(), 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        server.xdotool({QStringLiteral("getwindowfocus")}), panel(), Test::patience);
 
     const QString text = QStringLiteral("Typed just before the X server went away");
     server.xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("5"), text});
@@ -381,7 +383,7 @@ void AppTest::noteSurvivesTheXServer()
     // Well inside the save delay: only the way out writes the note.
     QTest::qWait(100);
     server.end();
-    QVERIFY(vesko->waitForFinished(10000));
+    QVERIFY(vesko->waitForFinished(Test::patience));
     // Ended by Qt's exit(), not by a crash on the way.
     QCOMPARE(vesko->exitStatus(), QProcess::NormalExit);
 

@@ -123,7 +123,7 @@ void AppCommandsTest::copyPrefersTheTextField()
 
     m_editor->setPlainText("typed words");
     m_editor->setFocus();
-    QTRY_VERIFY(m_editor->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(m_editor->hasFocus(), Test::patience);
     m_editor->selectAll();
     QTest::keyClick(m_editor, Qt::Key_C, Qt::ControlModifier);
     QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("typed words"));
@@ -138,7 +138,7 @@ void AppCommandsTest::undoPrefersTheTextField()
     store.deleteNotes({idFor("a")});
     QVERIFY(!store.note(idFor("a")));
     m_editor->setFocus();
-    QTRY_VERIFY(m_editor->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(m_editor->hasFocus(), Test::patience);
     QTest::keyClicks(m_editor, "xy");
     QTest::keyClick(m_editor, Qt::Key_Z, Qt::ControlModifier);
     // The typing went back, the library's deletion did not.
@@ -322,7 +322,7 @@ void AppCommandsTest::closeKeysCloseTheWindow()
     new WindowCloseKeys(&window);
     m_commands->attachTo(&window);
     QWidget *control = showWithFocusedControl(window, focus);
-    QTRY_VERIFY(control->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(control->hasFocus(), Test::patience);
 
     QTest::keyClick(control, Qt::Key(key), Qt::KeyboardModifiers::fromInt(modifiers));
     QCoreApplication::processEvents();
@@ -363,7 +363,7 @@ void AppCommandsTest::shiftF10OpensTheFocusedControlsMenu()
     qApp->installEventFilter(&contextKeys);
     QWidget window;
     QWidget *control = showWithFocusedControl(window, focus);
-    QTRY_VERIFY(control->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(control->hasFocus(), Test::patience);
     if (grabbed)
         control->grabKeyboard();
 
@@ -379,7 +379,7 @@ void AppCommandsTest::shiftF10OpensTheFocusedControlsMenu()
     watch.start(20);
     QTest::keyClick(control, Qt::Key_F10, Qt::KeyboardModifiers::fromInt(modifiers));
     if (opens)
-        QTRY_VERIFY(opened);
+        QTRY_VERIFY_WITH_TIMEOUT(opened, Test::patience);
     else
         QTest::qWait(100);
     QCOMPARE(opened, opens);

@@ -200,6 +200,9 @@ void CaptureTest::hotKeysFromSettings()
         center.setCombo(
             {71, ModifierFlag::Shift | ModifierFlag::Command}, HotKeyAction::TogglePanel);
     }
+    // The centre's values reach the file on the writer's thread: a write of
+    // the file by hand waits for them, or one of the two is lost.
+    SettingsWriter::shared().flush();
     openSettingsFile()->setValue(
         HotKeyCenter::settingsKey(HotKeyAction::CopySelectionAsList), QByteArray("{not json"));
     const HotKeyCenter reread(registrar);
@@ -335,7 +338,7 @@ void CaptureTest::primaryFallsBackToCopy()
         result = s;
         done = true;
     });
-    QTRY_VERIFY(done);
+    QTRY_VERIFY_WITH_TIMEOUT(done, Test::patience);
     QCOMPARE(result->text, QStringLiteral("from the editor"));
     QCOMPARE(session.copies, QList<int> {1});
 }
@@ -394,7 +397,7 @@ void CaptureTest::copyFallbacks()
         result = s;
         done = true;
     });
-    QTRY_VERIFY_WITH_TIMEOUT(done, 3000);
+    QTRY_VERIFY_WITH_TIMEOUT(done, Test::patience);
     QCOMPARE(session.copies, attempts);
     QCOMPARE(result ? result->text : QString(), captured);
     if (clipboardAfter == u"html")
@@ -448,7 +451,7 @@ void CaptureTest::changesBeforeTheSnapshotAreNotTheCopy()
     clipboard.setText(QStringLiteral("another program's"));
     clipboard.answers.holding = false;
     clipboard.answers.release();
-    QTRY_VERIFY_WITH_TIMEOUT(done, 3000);
+    QTRY_VERIFY_WITH_TIMEOUT(done, Test::patience);
     QCOMPARE(session.copies, (QList<int> {1, 2}));
     QVERIFY(result);
     QCOMPARE(result->text, QStringLiteral("copied"));
@@ -521,7 +524,8 @@ void CaptureTest::captureIntoTheSourceSection()
              KeyEvent {KeyEvent::FlagsChanged, 50, ModifierFlag::Shift, 1.2},
              KeyEvent {KeyEvent::FlagsChanged, 50, 0, 1.3}})
         rig.keys.receiver(event);
-    QTRY_COMPARE(rig.feedback.toasts, QStringList {QStringLiteral("Captured|checkmark")});
+    QTRY_COMPARE_WITH_TIMEOUT(
+        rig.feedback.toasts, QStringList {QStringLiteral("Captured|checkmark")}, Test::patience);
     QCOMPARE(store->selection().size(), 1);
     const std::optional<NoteAddress> address = store->addressOfNote(*store->selection().cbegin());
     QVERIFY(address);
@@ -575,7 +579,7 @@ void CaptureTest::secondTriggerDuringACaptureIsDropped()
         QCOMPARE(held.heldCount(), 1);
         held.release();
     }
-    QTRY_COMPARE(held.heldCount(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(held.heldCount(), 1, Test::patience);
     QVERIFY(rig.engine.isCapturing());
 
     // A menu entry and a double Shift while the capture waits: both dropped.
@@ -589,7 +593,7 @@ void CaptureTest::secondTriggerDuringACaptureIsDropped()
 
     held.holding = false;
     held.release();
-    QTRY_COMPARE(finished.count(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, Test::patience);
     QTest::qWait(100);
     QCOMPARE(finished.count(), 1);
     QCOMPARE(noteCount(store->library()), 1);
@@ -621,7 +625,8 @@ void CaptureTest::nothingSelected()
     EngineRig rig(*store);
     rig.session.front = xterm(); // a terminal with nothing in PRIMARY
     rig.engine.captureSelection();
-    QTRY_COMPARE(rig.feedback.toasts, QStringList {u"Nothing Selected|text.cursor"_qs});
+    QTRY_COMPARE_WITH_TIMEOUT(
+        rig.feedback.toasts, QStringList {u"Nothing Selected|text.cursor"_qs}, Test::patience);
     QVERIFY(rig.engine.lastCaptureFailed());
     QVERIFY(rig.feedback.shows.isEmpty());
     QCOMPARE(noteCount(store->library()), 0);

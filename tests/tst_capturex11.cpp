@@ -132,14 +132,14 @@ void CaptureX11Test::captureFromXterm()
     QTRY_COMPARE_WITH_TIMEOUT(
         xclip({QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("primary")})
             .trimmed(),
-        line, 5000);
+        line, Test::patience);
 
     if (trigger == u"shift")
         tapShiftTwice();
     else
         xdotool({QStringLiteral("key"), trigger});
-    QTRY_VERIFY_WITH_TIMEOUT(toastShown(), 5000);
-    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(toastShown(), Test::patience);
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, Test::patience);
     const Library library = Test::readLibraryFile(session.libraryPath());
     const Note note = Test::allNotes(library).first();
     QCOMPARE(note.text, line);
@@ -170,13 +170,13 @@ void CaptureX11Test::slowCopyThroughTheClipboard()
     session.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("300")});
     QString window;
     QTRY_VERIFY_WITH_TIMEOUT(
-        !(window = Test::visibleWindow(QStringLiteral("^Copy Target$"))).isEmpty(), 10000);
+        !(window = Test::visibleWindow(QStringLiteral("^Copy Target$"))).isEmpty(), Test::patience);
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
 
     tapShiftTwice();
     QTest::qWait(100);
     tapShiftTwice(); // during the capture: dropped
-    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, Test::patience);
     QTest::qWait(1500);
     QCOMPARE(session.notes().size(), 1);
     QCOMPARE(session.notes().first().text, text);
@@ -197,14 +197,14 @@ void CaptureX11Test::hotKeyHeldDown()
     session.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("0")});
     QString window;
     QTRY_VERIFY_WITH_TIMEOUT(
-        !(window = Test::visibleWindow(QStringLiteral("^Copy Target$"))).isEmpty(), 10000);
+        !(window = Test::visibleWindow(QStringLiteral("^Copy Target$"))).isEmpty(), Test::patience);
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
 
     // Held longer than the keyboard's repeat delay, and longer than Vesko
     // waits for held keys before it lets the modifiers go.
     xdotool({QStringLiteral("keydown"), QStringLiteral("super+alt+c"), QStringLiteral("sleep"),
         QStringLiteral("1"), QStringLiteral("keyup"), QStringLiteral("super+alt+c")});
-    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, Test::patience);
     QTest::qWait(1500);
     QCOMPARE(session.notes().size(), 1);
     QCOMPARE(session.notes().first().text, text);
@@ -223,12 +223,12 @@ void CaptureX11Test::hotKeyHeldPastTheWait()
     QProcess *target = session.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("0")});
     QString window;
     QTRY_VERIFY_WITH_TIMEOUT(
-        !(window = Test::visibleWindow(QStringLiteral("^Copy Target$"))).isEmpty(), 10000);
+        !(window = Test::visibleWindow(QStringLiteral("^Copy Target$"))).isEmpty(), Test::patience);
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
 
     // Held on until the capture has given up with its toast.
     xdotool({QStringLiteral("keydown"), QStringLiteral("super+alt+c")});
-    QTRY_VERIFY_WITH_TIMEOUT(toastShown(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(toastShown(), Test::patience);
     xdotool({QStringLiteral("keyup"), QStringLiteral("super+alt+c")});
     QCOMPARE(session.notes().size(), 0);
     // The window got no key at all: no copy mixed with Super and Alt.
@@ -239,7 +239,7 @@ void CaptureX11Test::hotKeyHeldPastTheWait()
 
     // The next press is heard, and captures.
     xdotool({QStringLiteral("key"), QStringLiteral("super+alt+c")});
-    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, Test::patience);
     QCOMPARE(session.notes().first().text, text);
 }
 
@@ -255,7 +255,7 @@ void CaptureX11Test::nothingSelected()
         QByteArray("someone else's"));
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), xterm});
     tapShiftTwice();
-    QTRY_VERIFY_WITH_TIMEOUT(toastShown(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(toastShown(), Test::patience);
     QTest::qWait(800);
     QCOMPARE(session.notes().size(), 0);
 }

@@ -179,7 +179,7 @@ void ClipboardTest::slowOwnerIsReadOnTheEventLoop()
         snapshot = s.value_or(Clipboard::Snapshot {});
     });
     QVERIFY2(!turnsBeforeTheAnswer, "the snapshot was taken while the program waited");
-    QTRY_VERIFY_WITH_TIMEOUT(turnsBeforeTheAnswer.has_value(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(turnsBeforeTheAnswer.has_value(), Test::patience);
     QVERIFY(*turnsBeforeTheAnswer > 0);
     QCOMPARE(snapshot.size(), 1);
     const QMap<QString, QByteArray> &formats = snapshot.first();
@@ -190,7 +190,7 @@ void ClipboardTest::slowOwnerIsReadOnTheEventLoop()
     std::optional<QString> text;
     clipboard.requestText([&text](std::optional<QString> t) { text = t; });
     QVERIFY(!text);
-    QTRY_COMPARE_WITH_TIMEOUT(text, QStringLiteral("slow words"), 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(text, QStringLiteral("slow words"), Test::patience);
     owner.kill();
     owner.waitForFinished();
 }
@@ -205,7 +205,7 @@ void ClipboardTest::silentOwnerEndsTheSnapshot()
     clipboard.requestSnapshot(
         [&snapshot](std::optional<Clipboard::Snapshot> s) { snapshot = std::move(s); });
     QVERIFY(!snapshot);
-    QTRY_VERIFY_WITH_TIMEOUT(snapshot.has_value(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(snapshot.has_value(), Test::patience);
     QVERIFY2(!snapshot->has_value(), "a snapshot without the formats not sent is not whole");
     owner.kill();
     owner.waitForFinished();
@@ -221,7 +221,7 @@ void ClipboardTest::silentOwnerEndsTheSnapshot()
                                   .value_or(Clipboard::Snapshot {})
                                   .value(0)
                                   .value(QStringLiteral("text/plain")),
-        QByteArray("the next owner's"), 10000);
+        QByteArray("the next owner's"), Test::patience);
 }
 
 void ClipboardTest::wholeOrNothing_data()
@@ -269,7 +269,7 @@ void ClipboardTest::ownerSilentOnItsFormats()
     QProcess owner;
     owner.start(QStringLiteral(CLIPBOARD_OWNER_PATH), {QStringLiteral("--silent")});
     QVERIFY(owner.waitForStarted());
-    QTRY_VERIFY_WITH_TIMEOUT(owner.canReadLine(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(owner.canReadLine(), Test::patience);
     X11Clipboard clipboard;
     const std::optional<Clipboard::Snapshot> snapshot = snapshotOf(clipboard);
     owner.kill();
@@ -310,11 +310,12 @@ void ClipboardTest::largeImagePiecewise()
     xclip.start(QStringLiteral("xclip"),
         {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
             QStringLiteral("-t"), QStringLiteral("image/png"), file.fileName()});
-    QVERIFY(xclip.waitForFinished(5000));
+    QVERIFY(xclip.waitForFinished(Test::patience));
     X11Clipboard clipboard;
     Clipboard::Snapshot snapshot;
     QTRY_VERIFY_WITH_TIMEOUT(
-        !(snapshot = snapshotOf(clipboard).value_or(Clipboard::Snapshot {})).isEmpty(), 10000);
+        !(snapshot = snapshotOf(clipboard).value_or(Clipboard::Snapshot {})).isEmpty(),
+        Test::patience);
     QCOMPARE(snapshot.first().keys(), QStringList {QStringLiteral("image/png")});
     QVERIFY(snapshot.first().value(QStringLiteral("image/png")) == image);
 

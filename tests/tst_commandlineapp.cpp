@@ -7,6 +7,7 @@
 // gdbus; two commands racing to start Vesko; notes from standard input.
 
 #include "ProgramSession.h"
+#include "TestEnvironment.h"
 
 #include "shell/SingleInstance.h"
 
@@ -396,7 +397,7 @@ void CommandLineAppTest::actionsFromTheDesktop()
         return commandLine ? session.vesko({action}) : session.action(action);
     };
     QProcess *vesko = session.start(QStringLiteral(VESKO_PATH));
-    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty() && busNameOwned(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty() && busNameOwned(), Test::patience);
     QVERIFY(session.vesko({"add", "first"}).exitCode == 0);
     QVERIFY(session.vesko({"add", "second"}).exitCode == 0);
 
@@ -413,21 +414,21 @@ void CommandLineAppTest::actionsFromTheDesktop()
         QVERIFY2(outcome.exitCode == 0,
             qPrintable(QStringLiteral("%1: %2").arg(step.action, describe(outcome))));
         QTRY_VERIFY2_WITH_TIMEOUT(
-            visiblePanel().isEmpty() != step.visible, label.constData(), 10000);
+            visiblePanel().isEmpty() != step.visible, label.constData(), Test::patience);
         // A shown panel takes the keyboard.
         if (step.visible) {
             QTRY_COMPARE_WITH_TIMEOUT(
-                Test::xdotool({QStringLiteral("getwindowfocus")}), visiblePanel(), 10000);
+                Test::xdotool({QStringLiteral("getwindowfocus")}), visiblePanel(), Test::patience);
         }
     }
     // Activate, and a second launch, show the panel too.
     QVERIFY(session.gdbus(QStringLiteral("Activate"), {QStringLiteral("{}")}).exitCode == 0);
-    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), Test::patience);
     QVERIFY(session.vesko({"hide"}).exitCode == 0);
-    QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), Test::patience);
     const ProgramSession::Outcome second = session.vesko({});
     QVERIFY2(second.exitCode == 0, qPrintable(describe(second)));
-    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), Test::patience);
 
     // Copy as a list: every visible note, as nothing is selected.
     QVERIFY(act(QStringLiteral("copy-list")).exitCode == 0);
@@ -439,7 +440,7 @@ void CommandLineAppTest::actionsFromTheDesktop()
                                                  QStringLiteral("clipboard")})
                                          .output))
             .hasMatch(),
-        10000);
+        Test::patience);
 
     const ProgramSession::Outcome unknown = session.action(QStringLiteral("explode"));
     QVERIFY(unknown.exitCode != 0);
@@ -449,10 +450,10 @@ void CommandLineAppTest::actionsFromTheDesktop()
     QVERIFY(withParameter.exitCode != 0);
 
     QCOMPARE(act(QStringLiteral("quit")).exitCode, 0);
-    QVERIFY(vesko->waitForFinished(20000));
+    QVERIFY(vesko->waitForFinished(Test::patience));
     QCOMPARE(vesko->exitCode(), 0);
     QCOMPARE(libraryTexts(session.libraryPath()), QStringList({"first", "second"}));
-    QTRY_VERIFY_WITH_TIMEOUT(!busNameOwned(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!busNameOwned(), Test::patience);
 }
 
 void CommandLineAppTest::racingCommandsMeetOneVesko()
@@ -475,7 +476,7 @@ void CommandLineAppTest::racingCommandsMeetOneVesko()
             QStringList({QStringLiteral("note %1.0").arg(round),
                 QStringLiteral("note %1.1").arg(round), QStringLiteral("note %1.2").arg(round)}));
         QVERIFY(session.quit());
-        QTRY_VERIFY_WITH_TIMEOUT(!busNameOwned(), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(!busNameOwned(), Test::patience);
     }
     QCOMPARE(libraryTexts(session.libraryPath()).size(), 9);
 }

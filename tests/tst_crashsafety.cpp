@@ -80,7 +80,7 @@ void CrashSafetyTest::killedSavesLeaveAWholeFile()
         QVERIFY(waitForLine(saver, "saved "));
         QThread::usleep(random.bounded(40000));
         ::kill(pid_t(saver.processId()), SIGKILL);
-        QVERIFY(saver.waitForFinished(10000));
+        QVERIFY(saver.waitForFinished(Test::patience));
         QCOMPARE(saver.exitStatus(), QProcess::CrashExit);
 
         const QStringList leftovers = QDir(folder).entryList(

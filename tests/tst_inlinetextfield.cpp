@@ -181,7 +181,7 @@ void InlineTextFieldTest::growsThenScrolls()
     Window window;
     window.field->setMaximumFieldHeight(112);
     QSignalSpy heights(window.field, &NativeInlineTextField::heightChanged);
-    QTRY_COMPARE(heights.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(heights.size(), 1, Test::patience);
     const qreal oneLine = heights.last().first().toReal();
     QCOMPARE(oneLine, qreal(window.field->lineHeight()));
     QCOMPARE(window.field->height(), window.field->lineHeight());
@@ -190,7 +190,7 @@ void InlineTextFieldTest::growsThenScrolls()
     QTest::keyClick(editorOf(window.field), Qt::Key_A);
     QTest::keyClick(editorOf(window.field), Qt::Key_Return, Qt::ShiftModifier);
     QTest::keyClick(editorOf(window.field), Qt::Key_B);
-    QTRY_COMPARE(heights.size(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(heights.size(), 2, Test::patience);
     const qreal twoLines = heights.last().first().toReal();
     QVERIFY(twoLines > oneLine);
     QCOMPARE(window.field->height(), int(twoLines));
@@ -200,7 +200,7 @@ void InlineTextFieldTest::growsThenScrolls()
     for (int i = 0; i < 40; ++i)
         lines.append(QStringLiteral("line %1").arg(i));
     editorOf(window.field)->insertPlainText(lines.join(u'\n'));
-    QTRY_VERIFY(heights.last().first().toReal() > 112);
+    QTRY_VERIFY_WITH_TIMEOUT(heights.last().first().toReal() > 112, Test::patience);
     QCOMPARE(window.field->height(), 112);
     QCOMPARE(window.field->text().count(u'\n'), 40);
 }
@@ -217,7 +217,7 @@ void InlineTextFieldTest::narrowFieldReportsNothing()
     QCOMPARE(heights.size(), 0);
     // Laid out wider, it measures.
     field->setGeometry(0, 0, 200, 20);
-    QTRY_COMPARE(heights.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(heights.size(), 1, Test::patience);
 }
 
 void InlineTextFieldTest::textSetFromOutside()
@@ -225,11 +225,11 @@ void InlineTextFieldTest::textSetFromOutside()
     Window window;
     QSignalSpy heights(window.field, &NativeInlineTextField::heightChanged);
     QSignalSpy changes(window.field, &NativeInlineTextField::textChanged);
-    QTRY_COMPARE(heights.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(heights.size(), 1, Test::patience);
     window.field->setText(QStringLiteral("one\ntwo\nthree"));
     QCOMPARE(editorOf(window.field)->toPlainText(), QStringLiteral("one\ntwo\nthree"));
     QCOMPARE(changes.size(), 1);
-    QTRY_COMPARE(heights.size(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(heights.size(), 2, Test::patience);
     // The same text again changes nothing.
     window.field->setText(QStringLiteral("one\ntwo\nthree"));
     QCOMPARE(changes.size(), 1);
@@ -242,7 +242,7 @@ void InlineTextFieldTest::focusFollowsWantsFocus()
     window.field->setWantsFocus(true);
     // Never taken during the update itself, but one turn of the event loop later.
     QVERIFY(!editorOf(window.field)->hasFocus());
-    QTRY_VERIFY(editorOf(window.field)->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(editorOf(window.field)->hasFocus(), Test::patience);
 
     // Escape while the owner still wants the focus: the field keeps it.
     QSignalSpy cancelled(window.field, &NativeInlineTextField::cancelled);

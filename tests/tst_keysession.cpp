@@ -56,9 +56,9 @@ void KeySessionTest::keysOnly()
 {
     Test::ProgramSession session;
     QProcess *vesko = session.start(QStringLiteral(VESKO_PATH));
-    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), Test::patience);
     const QString panel = visiblePanel();
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, Test::patience);
 
     // Four notes from the composer, which has the keyboard at once.
     for (const char *text : {"alpha", "bravo", "charlie", "delta"}) {
@@ -88,11 +88,11 @@ void KeySessionTest::keysOnly()
     QVERIFY(!visiblePanel().isEmpty());
     for (int i = 0; i < 4 && !visiblePanel().isEmpty(); ++i)
         keys({"Escape"}, 400);
-    QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(visiblePanel().isEmpty(), Test::patience);
     QCOMPARE(vesko->state(), QProcess::Running);
 
     ::kill(pid_t(vesko->processId()), SIGTERM);
-    QVERIFY(vesko->waitForFinished(10000));
+    QVERIFY(vesko->waitForFinished(Test::patience));
     QCOMPARE(vesko->exitCode(), 0);
 
     const Library library = Test::readLibraryFile(session.libraryPath());

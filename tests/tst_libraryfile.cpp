@@ -601,7 +601,7 @@ void LibraryFileTest::writerKeepsOrder()
                 completed.append(i);
             });
     }
-    QTRY_COMPARE(completed.size(), 20);
+    QTRY_COMPARE_WITH_TIMEOUT(completed.size(), 20, Test::patience);
     for (int i = 0; i < 20; ++i)
         QCOMPARE(completed.at(i), i);
     QCOMPARE(loadLibrary(m_path), libraryNamed(QStringLiteral("19")));
@@ -616,7 +616,7 @@ void LibraryFileTest::writerReportsFailure()
     std::optional<std::optional<QString>> result;
     writer.write(libraryNamed(QStringLiteral("x")), m_path, &context,
         [&result](std::optional<QString> failure) { result = failure; });
-    QTRY_VERIFY(result.has_value());
+    QTRY_VERIFY_WITH_TIMEOUT(result.has_value(), Test::patience);
     QVERIFY(result->has_value());
     QVERIFY2((*result)->contains(QStringLiteral("not a folder")), qPrintable(**result));
 
@@ -645,7 +645,7 @@ void LibraryFileTest::writeNowQueuesBehindEarlierWrites()
     // The earlier writes ran first; their completions are still queued.
     QCOMPARE(loadLibrary(m_path), last);
     QCOMPARE(entries(backupsFolder(m_path)).size(), 3);
-    QTRY_COMPARE(finished, 3);
+    QTRY_COMPARE_WITH_TIMEOUT(finished, 3, Test::patience);
     QCOMPARE(loadLibrary(m_path), last);
 }
 

@@ -218,11 +218,11 @@ void NoteWindowTest::oneWindowPerNote()
 
     NoteWindow *other = openNote(QStringLiteral("b"));
     QVERIFY(other && other != first);
-    QTRY_COMPARE(QApplication::activeWindow(), other);
+    QTRY_COMPARE_WITH_TIMEOUT(QApplication::activeWindow(), other, Test::patience);
 
     // The second open of a note brings its window forward; no new one is made.
     QCOMPARE(openNote(QStringLiteral("a")), first);
-    QTRY_COMPARE(QApplication::activeWindow(), first);
+    QTRY_COMPARE_WITH_TIMEOUT(QApplication::activeWindow(), first, Test::patience);
     QCOMPARE(m_manager->openNoteIDs().size(), 2);
     const QWidgetList windows = QApplication::topLevelWidgets();
     QCOMPARE(std::count_if(windows.begin(), windows.end(),
@@ -233,7 +233,7 @@ void NoteWindowTest::oneWindowPerNote()
     QPointer<NoteWindow> closed(first);
     first->close();
     QVERIFY(!m_manager->window(idFor(QStringLiteral("a"))));
-    QTRY_VERIFY(!closed);
+    QTRY_VERIFY_WITH_TIMEOUT(!closed, Test::patience);
     NoteWindow *again = openNote(QStringLiteral("a"));
     QVERIFY(again);
     QCOMPARE(m_manager->window(idFor(QStringLiteral("a"))), again);
@@ -251,7 +251,7 @@ void NoteWindowTest::typingReachesTheStoreAtEveryKey()
     QVERIFY(QTest::qWaitForWindowExposed(window));
     QPlainTextEdit *editor = window->editor()->editor();
     QCOMPARE(editor->toPlainText(), QStringLiteral("a"));
-    QTRY_COMPARE(QApplication::focusWidget(), editor);
+    QTRY_COMPARE_WITH_TIMEOUT(QApplication::focusWidget(), editor, Test::patience);
 
     const QString typed = QStringLiteral("nd more");
     QString expected = QStringLiteral("a");
@@ -421,13 +421,14 @@ void NoteWindowTest::copyPutsTheNoteOnTheClipboard()
     store.updateNote(idFor(QStringLiteral("a")), QStringLiteral("**copy** me"));
     NoteWindow *window = openNote(QStringLiteral("a"));
     QVERIFY(QTest::qWaitForWindowExposed(window));
-    QTRY_VERIFY(window->isActiveWindow());
+    QTRY_VERIFY_WITH_TIMEOUT(window->isActiveWindow(), Test::patience);
     QGuiApplication::clipboard()->setText(QStringLiteral("before"));
 
     // The key works while the editor has the focus.
     QTest::keyClick(window->editor()->editor(), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
     // The button shows itself pressed for a moment, then copies.
-    QTRY_COMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("**copy** me"));
+    QTRY_COMPARE_WITH_TIMEOUT(
+        QGuiApplication::clipboard()->text(), QStringLiteral("**copy** me"), Test::patience);
     QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Copied"));
     QCOMPARE(window->editor()->editor()->toPlainText(), QStringLiteral("**copy** me"));
 }
@@ -473,9 +474,10 @@ void NoteWindowTest::addAttachment()
             names.append(attachment.fileName);
         return names;
     };
-    QTRY_COMPARE(m_toasts.messages, toasts);
-    QTRY_COMPARE(names(), attached);
-    QTRY_COMPARE(view->attachmentList()->tiles().size(), attached.size());
+    QTRY_COMPARE_WITH_TIMEOUT(m_toasts.messages, toasts, Test::patience);
+    QTRY_COMPARE_WITH_TIMEOUT(names(), attached, Test::patience);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        view->attachmentList()->tiles().size(), attached.size(), Test::patience);
     QCOMPARE(view->attachmentList()->isVisibleTo(view), !attached.isEmpty());
     if (!attached.isEmpty()) {
         const NoteAttachment record = store.note(idFor(QStringLiteral("a")))->attachments.first();
@@ -495,7 +497,7 @@ void NoteWindowTest::frameIsRememberedAcrossOpeningsAndRestarts()
 
     const QRect moved(70, 90, 520, 410);
     window->setGeometry(moved);
-    QTRY_COMPARE(window->geometry(), moved);
+    QTRY_COMPARE_WITH_TIMEOUT(window->geometry(), moved, Test::patience);
     window->close();
 
     NoteWindow *reopened = openNote(QStringLiteral("a"));

@@ -192,9 +192,9 @@ void NoteWindowAppTest::noteWindowEditsTheNote()
     Session session;
     session.writeLibrary({QStringLiteral("Plan the **release** notes"), QStringLiteral("second")});
     QProcess *vesko = session.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), Test::patience);
     const QString panel = panelWindow(vesko->processId());
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, Test::patience);
 
     // The row's menu: Copy, Copy as List, Mark as Done, Edit, Edit in New Window.
     auto openFromTheRowMenu = [&] {
@@ -212,34 +212,34 @@ void NoteWindowAppTest::noteWindowEditsTheNote()
     };
     openFromTheRowMenu();
     const QString title = QStringLiteral("Plan the release notes");
-    QTRY_COMPARE_WITH_TIMEOUT(windowsNamed(title).size(), 1, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(windowsNamed(title).size(), 1, Test::patience);
     const QString window = windowsNamed(title).first();
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, Test::patience);
     QCOMPARE(windowFrame(window).size(), QSize(460, 380));
 
     const QByteArray panelBefore = grab(panelFrame);
     xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("10"),
         QStringLiteral(" for Friday")});
     // The panel's row shows the new words as they are typed.
-    QTRY_VERIFY_WITH_TIMEOUT(grab(panelFrame) != panelBefore, 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(grab(panelFrame) != panelBefore, Test::patience);
     // The file follows after the save delay.
     QTRY_COMPARE_WITH_TIMEOUT(session.notes().value(0).text,
-        QStringLiteral("Plan the **release** notes for Friday"), 5000);
+        QStringLiteral("Plan the **release** notes for Friday"), Test::patience);
     QCOMPARE(session.notes().value(1).text, QStringLiteral("second"));
 
     // A second open brings the same window forward, with its text as typed.
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), panel});
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, Test::patience);
     openFromTheRowMenu();
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, Test::patience);
     QCOMPARE(windowsNamed(title), QStringList {window});
     xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("10"),
         QStringLiteral("!")});
     QTRY_COMPARE_WITH_TIMEOUT(session.notes().value(0).text,
-        QStringLiteral("Plan the **release** notes for Friday!"), 5000);
+        QStringLiteral("Plan the **release** notes for Friday!"), Test::patience);
 
     vesko->terminate();
-    QVERIFY(vesko->waitForFinished(10000));
+    QVERIFY(vesko->waitForFinished(Test::patience));
 }
 
 void NoteWindowAppTest::trayMenuIsTheDashboard()
@@ -254,16 +254,16 @@ void NoteWindowAppTest::trayMenuIsTheDashboard()
     QTRY_VERIFY_WITH_TIMEOUT(!xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
                                           QStringLiteral("--class"), QStringLiteral("trayer")})
                                   .isEmpty(),
-        10000);
+        Test::patience);
 
     QStringList texts;
     for (int i = 1; i <= 8; ++i)
         texts.append(QStringLiteral("note %1").arg(i));
     session.writeLibrary(texts);
     QProcess *vesko = session.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), Test::patience);
     auto isIcon = [](const QRect &frame) { return frame.width() <= 48 && frame.height() <= 48; };
-    QTRY_VERIFY_WITH_TIMEOUT(!windowWhere(vesko->processId(), isIcon).isEmpty(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!windowWhere(vesko->processId(), isIcon).isEmpty(), Test::patience);
     const QRect icon = windowFrame(windowWhere(vesko->processId(), isIcon));
 
     auto chooseEntry = [&](int downs) {
@@ -280,13 +280,14 @@ void NoteWindowAppTest::trayMenuIsTheDashboard()
         QVERIFY(!menu.isEmpty());
         pressKeys(QStringLiteral("Down"), downs);
         xdotool({QStringLiteral("key"), QStringLiteral("Return")});
-        QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(vesko->processId()).contains(menu), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            !visibleWindows(vesko->processId()).contains(menu), Test::patience);
     };
 
     // Hide or Show, Capture Selection, Add a Note, then the open notes: the
     // fourth entry is the first note, and choosing it ticks it off.
     chooseEntry(4);
-    QTRY_VERIFY_WITH_TIMEOUT(session.notes().value(0).isDone, 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(session.notes().value(0).isDone, Test::patience);
     QCOMPARE(session.notes().value(1).isDone, false);
 
     // Seven notes are open now; the menu lists six, then "Copy All as List",
@@ -295,18 +296,18 @@ void NoteWindowAppTest::trayMenuIsTheDashboard()
     QStringList list;
     for (int i = 1; i <= 8; ++i)
         list.append(QStringLiteral("%1. note %1").arg(i));
-    QTRY_COMPARE_WITH_TIMEOUT(clipboardText(), list.join(u'\n'), 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(clipboardText(), list.join(u'\n'), Test::patience);
     for (const Note &note : session.notes().mid(1))
         QVERIFY2(!note.isDone, qPrintable(note.text));
 
     // The first entry hides the panel it names, and then shows it again.
     chooseEntry(1);
-    QTRY_VERIFY_WITH_TIMEOUT(panelWindow(vesko->processId()).isEmpty(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(panelWindow(vesko->processId()).isEmpty(), Test::patience);
     chooseEntry(1);
-    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), Test::patience);
 
     vesko->terminate();
-    QVERIFY(vesko->waitForFinished(10000));
+    QVERIFY(vesko->waitForFinished(Test::patience));
     tray->terminate();
 }
 
@@ -315,9 +316,9 @@ void NoteWindowAppTest::editInPlaceIsSavedWhenThePanelComesBack()
     Session session;
     session.writeLibrary({QStringLiteral("alpha")});
     QProcess *vesko = session.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), Test::patience);
     const QString panel = panelWindow(vesko->processId());
-    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, Test::patience);
 
     // The list takes the keyboard, the note is chosen and edited in place.
     pressKeys(QStringLiteral("Escape"), 1);
@@ -330,22 +331,24 @@ void NoteWindowAppTest::editInPlaceIsSavedWhenThePanelComesBack()
 
     // Another window takes the keyboard while the edit is open.
     QProcess *other = session.start(QStringLiteral(COPY_TARGET_PATH), {QStringLiteral("x")});
-    QTRY_COMPARE_WITH_TIMEOUT(windowsNamed(QStringLiteral("Copy Target")).size(), 1, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        windowsNamed(QStringLiteral("Copy Target")).size(), 1, Test::patience);
     const QString target = windowsNamed(QStringLiteral("Copy Target")).first();
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), target});
-    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), target, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), target, Test::patience);
 
     // Starting vesko again brings the panel forward with the composer ready:
     // the edit ends there, saved.
     QProcess *again = session.start();
-    QVERIFY(again->waitForFinished(10000));
-    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, 5000);
-    QTRY_COMPARE_WITH_TIMEOUT(session.notes().value(0).text, QStringLiteral("alpha bravo"), 5000);
+    QVERIFY(again->waitForFinished(Test::patience));
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, Test::patience);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        session.notes().value(0).text, QStringLiteral("alpha bravo"), Test::patience);
     // Escape and hiding lose nothing afterwards.
     pressKeys(QStringLiteral("Escape"), 3);
-    QTRY_VERIFY_WITH_TIMEOUT(panelWindow(vesko->processId()).isEmpty(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(panelWindow(vesko->processId()).isEmpty(), Test::patience);
     vesko->terminate();
-    QVERIFY(vesko->waitForFinished(10000));
+    QVERIFY(vesko->waitForFinished(Test::patience));
     QCOMPARE(session.notes().value(0).text, QStringLiteral("alpha bravo"));
     other->terminate();
 }
@@ -355,8 +358,8 @@ void NoteWindowAppTest::menuKeysOpenTheSelectedRowsMenu()
     Session session;
     session.writeLibrary({QStringLiteral("alpha"), QStringLiteral("bravo")});
     QProcess *vesko = session.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), 15000);
-    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panelWindow(vesko->processId()), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), Test::patience);
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panelWindow(vesko->processId()), Test::patience);
     pressKeys(QStringLiteral("Escape"), 1);
 
     // Copy, Copy as List, then "Mark as Done": the third entry of a row's menu.
@@ -373,8 +376,10 @@ void NoteWindowAppTest::menuKeysOpenTheSelectedRowsMenu()
         QVERIFY2(!menu.isEmpty(), press.key);
         pressKeys(QStringLiteral("Down"), 3);
         pressKeys(QStringLiteral("Return"), 1);
-        QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(vesko->processId()).contains(menu), 5000);
-        QTRY_VERIFY2_WITH_TIMEOUT(session.notes().value(press.row).isDone, press.key, 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            !visibleWindows(vesko->processId()).contains(menu), Test::patience);
+        QTRY_VERIFY2_WITH_TIMEOUT(
+            session.notes().value(press.row).isDone, press.key, Test::patience);
     }
     // In the composer, Shift+F10 opens the text's own menu, as the Menu key does.
     pressKeys(QStringLiteral("ctrl+n"), 1);
@@ -382,9 +387,10 @@ void NoteWindowAppTest::menuKeysOpenTheSelectedRowsMenu()
     const QString textMenu = keyOpensWindow(vesko->processId(), QStringLiteral("shift+F10"));
     QVERIFY(!textMenu.isEmpty());
     pressKeys(QStringLiteral("Escape"), 1);
-    QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(vesko->processId()).contains(textMenu), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !visibleWindows(vesko->processId()).contains(textMenu), Test::patience);
     vesko->terminate();
-    QVERIFY(vesko->waitForFinished(10000));
+    QVERIFY(vesko->waitForFinished(Test::patience));
 }
 
 void NoteWindowAppTest::windowsCloseFromTheKeyboard()
@@ -392,22 +398,23 @@ void NoteWindowAppTest::windowsCloseFromTheKeyboard()
     Session session;
     session.writeLibrary({QStringLiteral("alpha")});
     QProcess *vesko = session.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), Test::patience);
     const QString panel = panelWindow(vesko->processId());
-    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, Test::patience);
     pressKeys(QStringLiteral("Escape"), 1);
     pressKeys(QStringLiteral("Home"), 1);
 
     // A note window closes with Ctrl+W, and with Escape; the panel stays.
     for (const char *close : {"ctrl+w", "Escape"}) {
         xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), panel});
-        QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, Test::patience);
         pressKeys(QStringLiteral("ctrl+Return"), 1);
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed(QStringLiteral("alpha")).size(), 1, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed(QStringLiteral("alpha")).size(), 1, Test::patience);
         const QString window = windowsNamed(QStringLiteral("alpha")).first();
-        QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), window, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), window, Test::patience);
         pressKeys(QString::fromLatin1(close), 1);
-        QTRY_VERIFY2_WITH_TIMEOUT(windowsNamed(QStringLiteral("alpha")).isEmpty(), close, 5000);
+        QTRY_VERIFY2_WITH_TIMEOUT(
+            windowsNamed(QStringLiteral("alpha")).isEmpty(), close, Test::patience);
         QTest::qWait(300);
         QCOMPARE(panelWindow(vesko->processId()), panel);
     }
@@ -417,20 +424,20 @@ void NoteWindowAppTest::windowsCloseFromTheKeyboard()
     const QString settingsTitle = QStringLiteral("Vesko Settings");
     for (const char *close : {"alt+F4", "Escape", "ctrl+w"}) {
         xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), panel});
-        QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, Test::patience);
         pressKeys(QStringLiteral("ctrl+comma"), 1);
-        QTRY_VERIFY2_WITH_TIMEOUT(windowsNamed(settingsTitle).size() == 1, close, 5000);
+        QTRY_VERIFY2_WITH_TIMEOUT(windowsNamed(settingsTitle).size() == 1, close, Test::patience);
         const QString settings = windowsNamed(settingsTitle).first();
-        QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), settings, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), settings, Test::patience);
         pressKeys(QString::fromLatin1(close), 1);
-        QTRY_VERIFY2_WITH_TIMEOUT(windowsNamed(settingsTitle).isEmpty(), close, 5000);
+        QTRY_VERIFY2_WITH_TIMEOUT(windowsNamed(settingsTitle).isEmpty(), close, Test::patience);
     }
 
     // Ctrl+Q in the panel quits, as its menu entry says.
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), panel});
-    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, Test::patience);
     pressKeys(QStringLiteral("ctrl+q"), 1);
-    QVERIFY(vesko->waitForFinished(10000));
+    QVERIFY(vesko->waitForFinished(Test::patience));
     QCOMPARE(vesko->exitStatus(), QProcess::NormalExit);
     QCOMPARE(vesko->exitCode(), 0);
 }

@@ -163,7 +163,8 @@ void PanelAccessTest::throughTheScreenReader()
     session.setEnvironmentVariable(
         QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
     QProcess *vesko = session.start(QStringLiteral(VESKO_PATH));
-    QTRY_VERIFY_WITH_TIMEOUT(!Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), Test::patience);
 
     // The composer has the keyboard, and a screen reader hears where a note goes.
     QTRY_VERIFY_WITH_TIMEOUT(
@@ -173,7 +174,7 @@ void PanelAccessTest::throughTheScreenReader()
                 = now.find(QStringLiteral("text"), QStringLiteral("Add to Inbox"));
             return composer && composer->hasState(QStringLiteral("focused"));
         }(),
-        20000);
+        Test::patience);
     {
         const AccessibleTree now = tree();
         QVERIFY(now.find(QStringLiteral("push button"), QStringLiteral("More options")));
@@ -190,14 +191,17 @@ void PanelAccessTest::throughTheScreenReader()
     key(QStringLiteral("shift+Return"));
     type(QStringLiteral("about the sink"));
     key(QStringLiteral("Return"));
-    QTRY_VERIFY_WITH_TIMEOUT(rowNames(tree()).contains(QStringLiteral("Buy oat milk")), 10000);
     QTRY_VERIFY_WITH_TIMEOUT(
-        rowNames(tree()).contains(QStringLiteral("Call the plumber\nabout the sink")), 10000);
+        rowNames(tree()).contains(QStringLiteral("Buy oat milk")), Test::patience);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        rowNames(tree()).contains(QStringLiteral("Call the plumber\nabout the sink")),
+        Test::patience);
     // A note is heard as it reads on screen: without its markers, and
     // without what it strikes through.
     type(QStringLiteral("Email ~~Bob~~ **Alice**"));
     key(QStringLiteral("Return"));
-    QTRY_VERIFY_WITH_TIMEOUT(rowNames(tree()).contains(QStringLiteral("Email Alice")), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        rowNames(tree()).contains(QStringLiteral("Email Alice")), Test::patience);
     QVERIFY(rowNames(tree()).filter(QStringLiteral("~~")).isEmpty());
 
     // A search, typed into the field after a click on it, narrows the rows
@@ -213,7 +217,8 @@ void PanelAccessTest::throughTheScreenReader()
     QVERIFY(search);
     click(search->center());
     type(QStringLiteral("oat"));
-    QTRY_COMPARE_WITH_TIMEOUT(rowNames(tree()).filter(QStringLiteral("plumber")).size(), 0, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        rowNames(tree()).filter(QStringLiteral("plumber")).size(), 0, Test::patience);
     QVERIFY(rowNames(tree()).contains(QStringLiteral("Buy oat milk")));
     QVERIFY(tree().find(QStringLiteral("push button"), QStringLiteral("Clear search")));
     QTRY_VERIFY_WITH_TIMEOUT(
@@ -222,15 +227,16 @@ void PanelAccessTest::throughTheScreenReader()
             const AccessibleNode *milk = row(now, QStringLiteral("Buy oat milk"));
             return milk && bluishPixels(milk->extents) > bluishBefore + 40;
         }(),
-        10000);
+        Test::patience);
     // A word nobody wrote: the empty state says so.
     type(QStringLiteral("zzz"));
     QTRY_VERIFY_WITH_TIMEOUT(
-        tree().find(QStringLiteral("label"), QStringLiteral("No matches")), 10000);
+        tree().find(QStringLiteral("label"), QStringLiteral("No matches")), Test::patience);
     // Escape clears the search; the rows come back.
     key(QStringLiteral("Escape"));
     QTRY_VERIFY_WITH_TIMEOUT(
-        rowNames(tree()).contains(QStringLiteral("Call the plumber\nabout the sink")), 10000);
+        rowNames(tree()).contains(QStringLiteral("Call the plumber\nabout the sink")),
+        Test::patience);
     QVERIFY(!tree().find(QStringLiteral("push button"), QStringLiteral("Clear search")));
 
     // "More options" opens its menu, with the entries in their order.
@@ -239,7 +245,8 @@ void PanelAccessTest::throughTheScreenReader()
     QVERIFY(more);
     click(more->center());
     AccessibleTree overflow;
-    QTRY_VERIFY_WITH_TIMEOUT(!(overflow = AccessibleTree::popup(application)).isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !(overflow = AccessibleTree::popup(application)).isEmpty(), Test::patience);
     QCOMPARE(overflow.root().name, QStringLiteral("More options"));
     QCOMPARE(menuEntries(overflow),
         (QStringList {"#Project", "Notes", "New Project…", "Rename Project…", "Delete Project~",
@@ -260,13 +267,13 @@ void PanelAccessTest::throughTheScreenReader()
                 = found(QStringLiteral("text"), QStringLiteral("Section name"));
             return field && field->hasState(QStringLiteral("focused"));
         }(),
-        10000);
+        Test::patience);
     QVERIFY(tree().find(QStringLiteral("push button"), QStringLiteral("Add")));
     type(QStringLiteral("Errands"));
     key(QStringLiteral("Return"));
     // The new section is the active one: the composer says so.
     QTRY_VERIFY_WITH_TIMEOUT(
-        tree().find(QStringLiteral("text"), QStringLiteral("Add to Errands")), 10000);
+        tree().find(QStringLiteral("text"), QStringLiteral("Add to Errands")), Test::patience);
     QVERIFY(!tree().find(QStringLiteral("text"), QStringLiteral("Section name")));
 
     // The context menu of a note, opened with the right button.
@@ -279,7 +286,8 @@ void PanelAccessTest::throughTheScreenReader()
     QVERIFY(milk);
     click(milk->center(), 3);
     AccessibleTree noteMenu;
-    QTRY_VERIFY_WITH_TIMEOUT(!(noteMenu = AccessibleTree::popup(application)).isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !(noteMenu = AccessibleTree::popup(application)).isEmpty(), Test::patience);
     QCOMPARE(menuEntries(noteMenu),
         (QStringList {"Copy", "Copy as List", "-", "Mark as Done", "Expand~", "-", "Edit",
             "Edit in New Window", "Merge Notes~", "Split into Notes~", "-", "Add Attachment…",
@@ -314,7 +322,7 @@ void PanelAccessTest::throughTheScreenReader()
             });
             return !rows.isEmpty() && rows.first()->description == QLatin1String("Done");
         }(),
-        10000);
+        Test::patience);
 
     // A note edited in place: a double click opens its editor with the text.
     const AccessibleNode *plumber = nullptr;
@@ -341,16 +349,16 @@ void PanelAccessTest::throughTheScreenReader()
             }
             return false;
         }(),
-        10000);
+        Test::patience);
     key(QStringLiteral("ctrl+a"));
     type(QStringLiteral("Call the plumber today"));
     key(QStringLiteral("Return"));
     QTRY_VERIFY_WITH_TIMEOUT(
-        rowNames(tree()).contains(QStringLiteral("Call the plumber today")), 10000);
+        rowNames(tree()).contains(QStringLiteral("Call the plumber today")), Test::patience);
 
     // Ended by a signal within the save delay: the file holds every change.
     ::kill(pid_t(vesko->processId()), SIGTERM);
-    QVERIFY(vesko->waitForFinished(15000));
+    QVERIFY(vesko->waitForFinished(Test::patience));
     QCOMPARE(vesko->exitCode(), 0);
     const Library library = Test::readLibraryFile(session.libraryPath());
     QCOMPARE(library.projects.size(), 1);
@@ -395,7 +403,8 @@ void PanelAccessTest::unreadableLibraryIsToldOfAndRestored()
         damaged.write(QByteArray(encodeLibrary(earlier)).replace("\",", "\""));
     }
     QProcess *vesko = session.start(QStringLiteral(VESKO_PATH));
-    QTRY_VERIFY_WITH_TIMEOUT(!Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), Test::patience);
 
     // The foot of the panel tells of it, in words and buttons a screen reader
     // reads and the keyboard reaches.
@@ -410,7 +419,7 @@ void PanelAccessTest::unreadableLibraryIsToldOfAndRestored()
             }
             return !setAside.isEmpty();
         }(),
-        20000);
+        Test::patience);
     QVERIFY(QFileInfo::exists(session.libraryFolder() + u'/' + setAside));
     {
         const AccessibleTree now = tree();
@@ -428,19 +437,21 @@ void PanelAccessTest::unreadableLibraryIsToldOfAndRestored()
         for (int i = from; i <= to; ++i) {
             type(QStringLiteral("typed %1").arg(i));
             key(QStringLiteral("Return"));
-            QTest::qWait(700);
+            // Saved before the next one is typed, however slow the machine.
+            QTRY_COMPARE_WITH_TIMEOUT(
+                noteCount(Test::readLibraryFile(session.libraryPath())), i, Test::patience);
         }
-        QTRY_COMPARE_WITH_TIMEOUT(
-            noteCount(Test::readLibraryFile(session.libraryPath())), to, 10000);
     };
     typeNotes(1, 4);
 
     // Quit without acting on it: the next start tells of it again.
     ::kill(pid_t(vesko->processId()), SIGTERM);
-    QVERIFY(vesko->waitForFinished(15000));
-    QTRY_VERIFY_WITH_TIMEOUT(Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), 10000);
+    QVERIFY(vesko->waitForFinished(Test::patience));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), Test::patience);
     vesko = session.start(QStringLiteral(VESKO_PATH));
-    QTRY_VERIFY_WITH_TIMEOUT(!Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), Test::patience);
     const QString firstSetAside = std::exchange(setAside, QString());
     QTRY_VERIFY_WITH_TIMEOUT(
         [&] {
@@ -450,7 +461,7 @@ void PanelAccessTest::unreadableLibraryIsToldOfAndRestored()
             }
             return !setAside.isEmpty();
         }(),
-        20000);
+        Test::patience);
     QCOMPARE(setAside, firstSetAside);
     QTRY_VERIFY_WITH_TIMEOUT(
         [] {
@@ -459,7 +470,7 @@ void PanelAccessTest::unreadableLibraryIsToldOfAndRestored()
                 = now.find(QStringLiteral("text"), QStringLiteral("Add to Inbox"));
             return composer && composer->hasState(QStringLiteral("focused"));
         }(),
-        20000);
+        Test::patience);
     typeNotes(5, 8);
     QVERIFY(QFileInfo::exists(backup));
 
@@ -477,16 +488,17 @@ void PanelAccessTest::unreadableLibraryIsToldOfAndRestored()
                 const AccessibleNode *button = now.find(QStringLiteral("push button"), name);
                 return button && button->hasState(QStringLiteral("focused"));
             }(),
-            qPrintable(name), 10000);
+            qPrintable(name), Test::patience);
     }
     key(QStringLiteral("space"));
-    QTRY_VERIFY_WITH_TIMEOUT(rowNames(tree()).contains(QStringLiteral("Water the fern")), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        rowNames(tree()).contains(QStringLiteral("Water the fern")), Test::patience);
     QTRY_VERIFY_WITH_TIMEOUT(
         !tree().find(QStringLiteral("push button"), QStringLiteral("Restore Latest Backup")),
-        10000);
+        Test::patience);
 
     ::kill(pid_t(vesko->processId()), SIGTERM);
-    QVERIFY(vesko->waitForFinished(15000));
+    QVERIFY(vesko->waitForFinished(Test::patience));
     QStringList texts;
     for (const Note &note : Test::allNotes(Test::readLibraryFile(session.libraryPath())))
         texts.append(note.text);

@@ -331,7 +331,8 @@ void PanelKeysTest::keysInContext()
     QString value = outcome.section(u' ', 1);
     if (what == "menu") {
         // A menu opened: its entry acts on what the outcome names.
-        QTRY_VERIFY(qobject_cast<QMenu *>(QApplication::activePopupWidget()));
+        QTRY_VERIFY_WITH_TIMEOUT(
+            qobject_cast<QMenu *>(QApplication::activePopupWidget()), Test::patience);
         auto *menu = static_cast<QMenu *>(QApplication::activePopupWidget());
         const QString entry = value.section(u':', 0, 0);
         QAction *chosen = nullptr;
@@ -358,7 +359,7 @@ void PanelKeysTest::keysInContext()
         const PanelFocusTarget target = value == "composer" ? PanelFocusTarget::Composer
             : value == "search"                             ? PanelFocusTarget::Search
                                                             : PanelFocusTarget::List;
-        QTRY_COMPARE(m_root->focusTarget(), target);
+        QTRY_COMPARE_WITH_TIMEOUT(m_root->focusTarget(), target, Test::patience);
         QCOMPARE(namesOf(store.selection().values()), QStringLiteral("b"));
     } else if (what == "selection") {
         QCOMPARE(namesOf(store.selection().values()), value);
@@ -481,13 +482,13 @@ void PanelKeysTest::escapeLadder()
     Store &store = m_fixture->store();
     QSignalSpy hides(m_root.get(), &PanelRootView::hideRequested);
     store.setSearchText("c");
-    QTRY_COMPARE(namesOf([&] {
+    QTRY_COMPARE_WITH_TIMEOUT(namesOf([&] {
         QList<QUuid> ids;
         for (const Note &note : store.visibleNotes())
             ids.append(note.id);
         return ids;
     }()),
-        QStringLiteral("c"));
+        QStringLiteral("c"), Test::patience);
     store.setSelection({idFor("c")}, idFor("c"));
     m_state->setShowing(PanelLayer::NewSection, true);
     m_state->setPendingMoveIDs({idFor("c")});
@@ -531,7 +532,7 @@ void PanelKeysTest::copyWithoutSelectionCopiesWhatTheSearchShows()
     showRoot({"*Inbox:a,b,c|Work:d"});
     Store &store = m_fixture->store();
     store.setSearchText("c");
-    QTRY_COMPARE(store.visibleNotes().size(), qsizetype(1));
+    QTRY_COMPARE_WITH_TIMEOUT(store.visibleNotes().size(), qsizetype(1), Test::patience);
     store.setSelection({}, std::nullopt);
     m_root->setFocusTarget(PanelFocusTarget::List);
 
@@ -657,10 +658,10 @@ void PanelKeysTest::toggleRightAfterShowing()
     if (keysTakenAway) {
         QVERIFY(QTest::qWaitForWindowExposed(panel.panel()));
         QApplication::setActiveWindow(panel.panel());
-        QTRY_VERIFY(panel.panel()->isActiveWindow());
+        QTRY_VERIFY_WITH_TIMEOUT(panel.panel()->isActiveWindow(), Test::patience);
         other.show();
         QApplication::setActiveWindow(&other);
-        QTRY_VERIFY(!panel.panel()->isActiveWindow());
+        QTRY_VERIFY_WITH_TIMEOUT(!panel.panel()->isActiveWindow(), Test::patience);
     }
     // No event is handled in between: the window manager has not answered.
     panel.toggle();
@@ -686,8 +687,9 @@ void PanelKeysTest::showingOrHidingThePanelSavesAnOpenEdit()
     QVERIFY(root);
 
     store.setEditingNoteID(idFor("b"));
-    QTRY_VERIFY(qobject_cast<QTextEdit *>(QApplication::focusWidget())
-        && QApplication::focusWidget() != root->composer()->field()->editor());
+    QTRY_VERIFY_WITH_TIMEOUT(qobject_cast<QTextEdit *>(QApplication::focusWidget())
+            && QApplication::focusWidget() != root->composer()->field()->editor(),
+        Test::patience);
     auto *field = static_cast<QTextEdit *>(QApplication::focusWidget());
     QTest::keyClicks(field, " more");
 
@@ -695,7 +697,7 @@ void PanelKeysTest::showingOrHidingThePanelSavesAnOpenEdit()
     QWidget other;
     other.show();
     QApplication::setActiveWindow(&other);
-    QTRY_VERIFY(!field->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(!field->hasFocus(), Test::patience);
     QCOMPARE(store.editingNoteID(), std::optional<QUuid>(idFor("b")));
 
     if (bringing == "show")
@@ -708,7 +710,7 @@ void PanelKeysTest::showingOrHidingThePanelSavesAnOpenEdit()
         panel.show(true, false);
 
     // The edit ended as leaving its field ends it: what was typed is kept.
-    QTRY_VERIFY(!store.editingNoteID());
+    QTRY_VERIFY_WITH_TIMEOUT(!store.editingNoteID(), Test::patience);
     QCOMPARE(store.note(idFor("b"))->text, QStringLiteral("b more"));
     // Hiding afterwards loses nothing.
     panel.hide();

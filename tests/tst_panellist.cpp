@@ -442,7 +442,7 @@ void PanelListTest::fillFollowsTheNote()
     const QHash<QString, QColor> fills {{"done", colors.noteFillDone}, {"plain", colors.noteFill},
         {"selected", colors.noteFillSelected}, {"editing", colors.surfaceHoverFill}};
     // At once or after its ease, without a hover or a click to wake it.
-    QTRY_COMPARE_WITH_TIMEOUT(row->fillColor().rgba(), fills.value(fill).rgba(), 3000);
+    QTRY_COMPARE_WITH_TIMEOUT(row->fillColor().rgba(), fills.value(fill).rgba(), Test::patience);
     const QList<QColor> all = fills.values();
     QCOMPARE(all.count(fills.value(fill)), 1);
 }
@@ -508,7 +508,7 @@ void PanelListTest::hoverFollowsThePointer()
     QWidget *viewport = w.list->viewport();
     const QPoint at = w.list->rowRect(idFor(first)).center();
     QTest::mouseMove(viewport, at);
-    QTRY_VERIFY(hovered(first));
+    QTRY_VERIFY_WITH_TIMEOUT(hovered(first), Test::patience);
     if (headers)
         QVERIFY(w.header(first)->showsGrip());
 
@@ -692,7 +692,7 @@ void PanelListTest::accessibility()
     // Pressing the control through the accessibility action marks the note.
     done->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     // The press animates the button before it clicks.
-    QTRY_COMPARE(rig.store().note(idFor("a"))->isDone, true);
+    QTRY_COMPARE_WITH_TIMEOUT(rig.store().note(idFor("a"))->isDone, true, Test::patience);
     QCOMPARE(row->text(QAccessible::Value), QStringLiteral("Done"));
     QCOMPARE(done->text(QAccessible::Name), QStringLiteral("Mark as not done"));
 
@@ -1095,7 +1095,7 @@ void PanelListTest::filesDroppedOnANote()
     sendDrop(w.note(QStringLiteral("b")), &data, &wasAccepted);
     QVERIFY(wasAccepted);
     // The files are copied on the importer's thread; the answer comes back.
-    QTRY_COMPARE(w.attachments.toasts, QStringList {toast});
+    QTRY_COMPARE_WITH_TIMEOUT(w.attachments.toasts, QStringList {toast}, Test::patience);
     QStringList names;
     const Note dropped = *rig.store().note(idFor("b"));
     for (const NoteAttachment &attachment : dropped.attachments)

@@ -300,7 +300,7 @@ void PanelMenusTest::editSelectsThenEdits()
     QCOMPARE(store.selectionAnchor(), idFor(QStringLiteral("a")));
     // The editor opens one turn of the event loop later, once the menu is gone.
     QCOMPARE(store.editingNoteID(), std::nullopt);
-    QTRY_COMPARE(store.editingNoteID(), idFor(QStringLiteral("a")));
+    QTRY_COMPARE_WITH_TIMEOUT(store.editingNoteID(), idFor(QStringLiteral("a")), Test::patience);
 }
 
 void PanelMenusTest::deleteAndMergeAct()
@@ -573,7 +573,7 @@ void PanelMenusTest::overflowMenuActs()
     const bool showsCompleted = m_fixture->preferences().showCompleted();
     choose(QStringLiteral("Show Completed"));
     QCOMPARE(m_fixture->preferences().showCompleted(), !showsCompleted);
-    QTRY_COMPARE(store.visibleNotes().size(), showsCompleted ? 2 : 3);
+    QTRY_COMPARE_WITH_TIMEOUT(store.visibleNotes().size(), showsCompleted ? 2 : 3, Test::patience);
     choose(QStringLiteral("Show Completed"));
 
     choose(QStringLiteral("Inbox"));
@@ -726,7 +726,7 @@ void PanelMenusTest::exportWritesTheFileAndSaysSo()
     QSignalSpy finished(&PanelCommands::shared(), &PanelCommands::exportFinished);
     dialog->selectFile(path);
     static_cast<QDialog *>(dialog)->accept();
-    QTRY_COMPARE(finished.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, Test::patience);
     QCOMPARE(finished.first().at(1).toString(), QString());
     QFile written(path);
     QVERIFY(written.open(QIODevice::ReadOnly));
@@ -734,7 +734,7 @@ void PanelMenusTest::exportWritesTheFileAndSaysSo()
     QCOMPARE(QString::fromUtf8(written.readAll()),
         QStringLiteral("# P\n\n## Inbox\n\n- [ ] a\n- [x] b\n"));
     QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Exported"));
-    QTRY_VERIFY(!PanelCommands::shared().exportDialog());
+    QTRY_VERIFY_WITH_TIMEOUT(!PanelCommands::shared().exportDialog(), Test::patience);
 }
 
 void PanelMenusTest::failedExportSaysWhy()
@@ -753,10 +753,10 @@ void PanelMenusTest::failedExportSaysWhy()
     blocker.close();
     dialog->selectFile(folder.filePath(QStringLiteral("notes/Vesko Notes.md")));
     static_cast<QDialog *>(dialog)->accept();
-    QTRY_COMPARE(finished.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, Test::patience);
     QVERIFY(!finished.first().at(1).toString().isEmpty());
     // An alert says why; no toast claims success.
-    QTRY_VERIFY(owner.findChild<QMessageBox *>());
+    QTRY_VERIFY_WITH_TIMEOUT(owner.findChild<QMessageBox *>(), Test::patience);
     QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Before"));
     QVERIFY(!QFile::exists(folder.filePath(QStringLiteral("notes/Vesko Notes.md"))));
 }

@@ -246,7 +246,7 @@ void PanelRootTest::promptCommits()
     QCOMPARE(root.shownLayer(), PanelLayer(layer));
     QVERIFY(prompt());
     // The field takes the keyboard a moment after the prompt appears.
-    QTRY_VERIFY(prompt()->field()->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(prompt()->field()->hasFocus(), Test::patience);
     QTest::keyClick(prompt()->field(), Qt::Key_End);
     QTest::keyClicks(prompt()->field(), typed);
 
@@ -341,7 +341,7 @@ void PanelRootTest::layersShowInTheirOrder()
     QTest::keyClick(prompt()->field(), Qt::Key_Escape);
     QCOMPARE(root.shownLayer(), PanelLayer::None);
     // The keyboard goes back where it was.
-    QTRY_VERIFY(root.composer()->field()->editor()->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(root.composer()->field()->editor()->hasFocus(), Test::patience);
 }
 
 void PanelRootTest::emptyStates_data()
@@ -386,12 +386,12 @@ void PanelRootTest::emptyStates()
     m_root->show();
     store.setSearchText(search);
     if (title.isEmpty()) {
-        QTRY_VERIFY(!store.rows().isEmpty());
+        QTRY_VERIFY_WITH_TIMEOUT(!store.rows().isEmpty(), Test::patience);
         QVERIFY(!m_root->showsEmptyState());
         return;
     }
-    QTRY_VERIFY(m_root->showsEmptyState());
-    QTRY_COMPARE(m_root->emptyTitle(), title);
+    QTRY_VERIFY_WITH_TIMEOUT(m_root->showsEmptyState(), Test::patience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_root->emptyTitle(), title, Test::patience);
     QCOMPARE(m_root->emptyHint(),
         title == QLatin1String("No matches")
             ? QStringLiteral("Try a different word.")
@@ -439,7 +439,7 @@ void PanelRootTest::composerCommits()
     Store &store = m_fixture->store();
     ToastPresenter::shared().dismiss();
     QTextEdit *editor = root.composer()->field()->editor();
-    QTRY_VERIFY(editor->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(editor->hasFocus(), Test::patience);
     type(editor, typed);
     QTest::keyClick(editor, Qt::Key_Return);
 
@@ -462,7 +462,7 @@ void PanelRootTest::composerEscapeTwice()
 {
     PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
     QTextEdit *editor = root.composer()->field()->editor();
-    QTRY_VERIFY(editor->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(editor->hasFocus(), Test::patience);
     QTest::keyClicks(editor, QStringLiteral("draft"));
     QTest::keyClick(editor, Qt::Key_Escape);
     QCOMPARE(root.composer()->text(), QString());
@@ -487,14 +487,14 @@ void PanelRootTest::sectionLineWithFilesMakesOneNote()
     Attachments attachments(store);
     root.composer()->addPendingURLs({QUrl::fromLocalFile(file.fileName())});
     QTextEdit *editor = root.composer()->field()->editor();
-    QTRY_VERIFY(editor->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(editor->hasFocus(), Test::patience);
     QTest::keyClicks(editor, QStringLiteral("# Files"));
     QTest::keyClick(editor, Qt::Key_Return);
 
     // The section at once, the note when the file has been copied.
     QCOMPARE(sectionTitles(store), (QStringList {"Inbox", "Files"}));
     QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Using Files"));
-    QTRY_VERIFY(!root.composer()->isSaving());
+    QTRY_VERIFY_WITH_TIMEOUT(!root.composer()->isSaving(), Test::patience);
     const NoteSection files = store.activeProject().sections.at(1);
     QCOMPARE(files.notes.size(), 1);
     QCOMPARE(files.notes.first().text, QString());
@@ -525,7 +525,7 @@ void PanelRootTest::secondReturnDuringAnImportDoesNothing()
     Store &store = m_fixture->store();
     root.composer()->addPendingURLs({QUrl::fromLocalFile(QStringLiteral("/tmp/one.png"))});
     QTextEdit *editor = root.composer()->field()->editor();
-    QTRY_VERIFY(editor->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(editor->hasFocus(), Test::patience);
     QTest::keyClicks(editor, QStringLiteral("with a picture"));
     QTest::keyClick(editor, Qt::Key_Return);
     QVERIFY(root.composer()->isSaving());
@@ -549,10 +549,10 @@ void PanelRootTest::failedImportKeepsTheBox()
     // A file that is not there: the import fails, and says so.
     root.composer()->addPendingURLs({QUrl::fromLocalFile(QStringLiteral("/nonexistent/one.png"))});
     QTextEdit *editor = root.composer()->field()->editor();
-    QTRY_VERIFY(editor->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(editor->hasFocus(), Test::patience);
     QTest::keyClicks(editor, QStringLiteral("keep me"));
     QTest::keyClick(editor, Qt::Key_Return);
-    QTRY_VERIFY(!root.composer()->isSaving());
+    QTRY_VERIFY_WITH_TIMEOUT(!root.composer()->isSaving(), Test::patience);
     QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Could Not Add Attachment"));
     QCOMPARE(root.composer()->text(), QStringLiteral("keep me"));
     QCOMPARE(root.composer()->pendingURLs().size(), 1);
@@ -569,7 +569,7 @@ void PanelRootTest::sameFileOnce()
     QCOMPARE(root.composer()->pendingURLs(), (QList<QUrl> {one, two}));
     QCOMPARE(root.composer()->pendingStrip()->chipNames(), (QStringList {"one.png", "two.png"}));
     // Escape with files waiting clears them and keeps the composer.
-    QTRY_VERIFY(root.composer()->field()->editor()->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(root.composer()->field()->editor()->hasFocus(), Test::patience);
     QTest::keyClick(root.composer()->field()->editor(), Qt::Key_Escape);
     QVERIFY(root.composer()->pendingURLs().isEmpty());
     QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
@@ -653,13 +653,13 @@ void PanelRootTest::clearButton()
     // The field follows the Store.
     QCOMPARE(root.searchField()->field()->text(), QStringLiteral("b"));
     m_state->requestFocus(PanelFocusTarget::List);
-    QTRY_VERIFY(root.searchField()->clearButton()->isVisible());
+    QTRY_VERIFY_WITH_TIMEOUT(root.searchField()->clearButton()->isVisible(), Test::patience);
     QTest::mouseClick(root.searchField()->clearButton(), Qt::LeftButton);
     QCOMPARE(store.searchText(), QString());
     // The caret is left in the field.
     QCOMPARE(root.focusTarget(), PanelFocusTarget::Search);
     QVERIFY(root.searchField()->field()->hasFocus());
-    QTRY_VERIFY(!root.searchField()->showsClearButton());
+    QTRY_VERIFY_WITH_TIMEOUT(!root.searchField()->showsClearButton(), Test::patience);
 }
 
 void PanelRootTest::focusRequestsReachTheParts()
@@ -671,7 +671,7 @@ void PanelRootTest::focusRequestsReachTheParts()
     m_state->requestFocus(PanelFocusTarget::None);
     QCOMPARE(root.focusTarget(), PanelFocusTarget::List);
     m_state->requestFocus(PanelFocusTarget::Composer);
-    QTRY_VERIFY(root.composer()->field()->editor()->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(root.composer()->field()->editor()->hasFocus(), Test::patience);
     // A click into the search field moves the panel's target with it.
     QTest::mouseClick(root.searchField()->field(), Qt::LeftButton);
     root.searchField()->field()->setFocus(Qt::MouseFocusReason);
@@ -728,7 +728,7 @@ void PanelRootTest::appearanceReachesTheRebuiltPanel()
     QVERIFY(before);
 
     preferences.setAppearance(to);
-    QTRY_VERIFY(!before);
+    QTRY_VERIFY_WITH_TIMEOUT(!before, Test::patience);
     auto *root = qobject_cast<PanelRootView *>(panel.panel()->content());
     QVERIFY(root);
     // The other windows are told after the palette changed.
@@ -813,7 +813,8 @@ void PanelRootTest::layersAreOpaqueCardsWithShadows()
     auto *view = qobject_cast<PanelLayerView *>(root.layerView());
     QVERIFY(view);
     // Drawn alone, over nothing: what covers the card's middle row is wholly opaque.
-    QTRY_VERIFY(view->card()->isVisible() && view->graphicsEffect() == nullptr);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        view->card()->isVisible() && view->graphicsEffect() == nullptr, Test::patience);
     QImage drawn(view->size(), QImage::Format_ARGB32);
     drawn.fill(Qt::transparent);
     view->render(&drawn, QPoint(), QRegion(), QWidget::DrawChildren);

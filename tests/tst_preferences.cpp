@@ -233,14 +233,14 @@ void PreferencesTest::writesDoNotHoldTheEventLoop()
     QTimer turning;
     connect(&turning, &QTimer::timeout, [&turns] { ++turns; });
     turning.start(5);
-    QTRY_VERIFY_WITH_TIMEOUT(turns >= 20, 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(turns >= 20, Test::patience);
 
     otherWriter.unlock();
     const auto fileHolds = [&file, &written] {
         QFile settings(file);
         return settings.open(QIODevice::ReadOnly) && settings.readAll().contains(written);
     };
-    QTRY_VERIFY_WITH_TIMEOUT(fileHolds(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(fileHolds(), Test::patience);
 }
 
 VESKO_TEST_MAIN(PreferencesTest)

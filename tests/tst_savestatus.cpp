@@ -147,7 +147,7 @@ void SaveStatusTest::panelLineAndTrayFollowTheSaves()
     blockSaves(true);
     QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("^Save failed: ")));
     edit(QStringLiteral("second"));
-    QTRY_VERIFY(!line.isHidden());
+    QTRY_VERIFY_WITH_TIMEOUT(!line.isHidden(), Test::patience);
     QVERIFY2(line.statusText().startsWith(QStringLiteral("Not saved: “"))
             && line.statusText().endsWith(QStringLiteral("” exists and is not a folder.")),
         qPrintable(line.statusText()));
@@ -165,7 +165,7 @@ void SaveStatusTest::panelLineAndTrayFollowTheSaves()
     // The next change is saved: the line goes.
     blockSaves(false);
     edit(QStringLiteral("third"));
-    QTRY_VERIFY(line.isHidden());
+    QTRY_VERIFY_WITH_TIMEOUT(line.isHidden(), Test::patience);
     QCOMPARE(line.statusText(), QString());
     QVERIFY2(!tray.toolTip().contains(u'\n'), qPrintable(tray.toolTip()));
 }
@@ -181,19 +181,19 @@ void SaveStatusTest::quitAsksWhileTheLastSaveFailed()
     blockSaves(true);
     QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("^Save failed: ")));
     edit(QStringLiteral("unsaved"));
-    QTRY_VERIFY(!m_store->saveFailure().isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(!m_store->saveFailure().isEmpty(), Test::patience);
 
     for (const QString &answer : {QStringLiteral("Cancel"), QStringLiteral("Quit Anyway")}) {
         guard.requestQuit();
         QMessageBox *question = guard.question();
         QVERIFY(question);
-        QTRY_VERIFY(question->isVisible());
+        QTRY_VERIFY_WITH_TIMEOUT(question->isVisible(), Test::patience);
         QCOMPARE(question->text(), QStringLiteral("Your latest changes could not be saved."));
         QCOMPARE(question->buttons().size(), 2);
         QPushButton *button = buttonTitled(question, answer);
         QVERIFY2(button, qPrintable(answer));
         button->click();
-        QTRY_VERIFY(!guard.question());
+        QTRY_VERIFY_WITH_TIMEOUT(!guard.question(), Test::patience);
     }
     QCOMPARE(accepted.size(), 2); // Cancel kept the program; Quit Anyway ended it
 }
@@ -207,22 +207,22 @@ void SaveStatusTest::panelQuitAsksUntilASaveSucceeds()
     blockSaves(true);
     QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("^Save failed: ")));
     edit(QStringLiteral("unsaved"));
-    QTRY_VERIFY(!m_store->saveFailure().isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(!m_store->saveFailure().isEmpty(), Test::patience);
 
     quitFromThePanel(*m_store, *m_preferences);
-    QTRY_VERIFY(guard.question() && guard.question()->isVisible());
+    QTRY_VERIFY_WITH_TIMEOUT(guard.question() && guard.question()->isVisible(), Test::patience);
     QCOMPARE(accepted.size(), 0);
 
     // The disk takes the retry: the question goes, and the quit that was
     // asked for goes ahead.
     blockSaves(false);
-    QTRY_VERIFY_WITH_TIMEOUT(m_store->saveFailure().isEmpty(), Store::saveRetryMilliseconds + 2000);
-    QTRY_VERIFY(!guard.question());
+    QTRY_VERIFY_WITH_TIMEOUT(m_store->saveFailure().isEmpty(), Test::patience);
+    QTRY_VERIFY_WITH_TIMEOUT(!guard.question(), Test::patience);
     QCOMPARE(accepted.size(), 1);
 
     // Saved: the next quit asks nothing.
     quitFromThePanel(*m_store, *m_preferences);
-    QTRY_COMPARE(accepted.size(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(accepted.size(), 2, Test::patience);
     QVERIFY(!guard.question());
 }
 

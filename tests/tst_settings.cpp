@@ -125,11 +125,11 @@ void SettingsTest::initTestCase()
             QStringLiteral("right"), QStringLiteral("--widthtype"), QStringLiteral("request"),
             QStringLiteral("--height"), QStringLiteral("24"), QStringLiteral("--transparent"),
             QStringLiteral("false")});
-    QVERIFY(m_tray.waitForStarted(10000));
+    QVERIFY(m_tray.waitForStarted(Test::patience));
     QTRY_VERIFY_WITH_TIMEOUT(
         !xdotool({QStringLiteral("search"), QStringLiteral("--class"), QStringLiteral("^trayer$")})
              .isEmpty(),
-        10000);
+        Test::patience);
     // The accessibility bus runs before the program starts, so that the
     // program joins it as it would in a desktop session with a screen reader.
     QCOMPARE(QProcess::execute(QStringLiteral("dbus-send"),
@@ -142,9 +142,9 @@ void SettingsTest::initTestCase()
     m_session->setEnvironmentVariable(
         QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
     m_vesko = m_session->start(QStringLiteral(VESKO_PATH));
-    QTRY_VERIFY_WITH_TIMEOUT(!windowsNamed(QStringLiteral("^Vesko$")).isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(!windowsNamed(QStringLiteral("^Vesko$")).isEmpty(), Test::patience);
     m_panel = windowsNamed(QStringLiteral("^Vesko$")).first();
-    QTRY_VERIFY_WITH_TIMEOUT(!trayIconCentre().isNull(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!trayIconCentre().isNull(), Test::patience);
 }
 
 void SettingsTest::cleanupTestCase()
@@ -176,7 +176,7 @@ void SettingsTest::openFromTray()
     QTRY_VERIFY_WITH_TIMEOUT(!xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
                                           QStringLiteral("--class"), QStringLiteral("^vesko$")})
                                   .isEmpty(),
-        5000);
+        Test::patience);
     QTest::qWait(300);
     xdotool({QStringLiteral("key"), QStringLiteral("Up"), QStringLiteral("Up"),
         QStringLiteral("Return")});
@@ -186,16 +186,17 @@ void SettingsTest::trayOpensOneWindow()
 {
     QVERIFY(settingsWindow().isEmpty());
     openFromTray();
-    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), Test::patience);
     const QString window = settingsWindow();
     QCOMPARE(xdotool({QStringLiteral("getwindowpid"), window}).toLongLong(), m_vesko->processId());
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, Test::patience);
 
     // With the panel in front, asking again brings the same window forward.
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), m_panel});
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), m_panel, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        xdotool({QStringLiteral("getactivewindow")}), m_panel, Test::patience);
     openFromTray();
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, Test::patience);
     QCOMPARE(windowsNamed(QStringLiteral("^Vesko Settings$")), QStringList {window});
 }
 
@@ -203,12 +204,12 @@ void SettingsTest::screenReaderFindsEveryControl()
 {
     if (settingsWindow().isEmpty())
         openFromTray();
-    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), Test::patience);
     std::optional<QByteArray> json;
     QTRY_VERIFY_WITH_TIMEOUT(
         (json = atspi({QStringLiteral("tree"), QString::number(m_vesko->processId()),
              QStringLiteral("Vesko Settings")})),
-        30000);
+        Test::patience);
     QStringList nodes;
     QHash<QString, QJsonObject> byName;
     flatten(QJsonDocument::fromJson(*json).object(), nodes, byName);
@@ -263,51 +264,51 @@ void SettingsTest::toggleChangesTheFileAndThePanel()
 {
     if (settingsWindow().isEmpty())
         openFromTray();
-    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), Test::patience);
     QVERIFY(!windowState(m_panel).contains(QStringLiteral("_NET_WM_STATE_ABOVE")));
     QVERIFY(atspi({QStringLiteral("do"), QString::number(m_vesko->processId()),
         QStringLiteral("check box"), QStringLiteral("Always on top")}));
     QTRY_COMPARE_WITH_TIMEOUT(QSettings(m_session->configPath(), QSettings::IniFormat)
                                   .value(QStringLiteral("pinOnTop"))
                                   .toString(),
-        QStringLiteral("true"), 5000);
+        QStringLiteral("true"), Test::patience);
     // The panel's window is made again with its new flags: look it up anew.
     QTRY_VERIFY_WITH_TIMEOUT(windowsNamed(QStringLiteral("^Vesko$")).size() == 1
             && windowState(windowsNamed(QStringLiteral("^Vesko$")).first())
                    .contains(QStringLiteral("_NET_WM_STATE_ABOVE")),
-        5000);
+        Test::patience);
     m_panel = windowsNamed(QStringLiteral("^Vesko$")).first();
 
     // The tray icon goes with its toggle.
     QVERIFY(atspi({QStringLiteral("do"), QString::number(m_vesko->processId()),
         QStringLiteral("check box"), QStringLiteral("Show in the system tray")}));
-    QTRY_VERIFY_WITH_TIMEOUT(trayIconCentre().isNull(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(trayIconCentre().isNull(), Test::patience);
     QCOMPARE(QSettings(m_session->configPath(), QSettings::IniFormat)
                  .value(QStringLiteral("showsInMenuBar"))
                  .toString(),
         QStringLiteral("false"));
     QVERIFY(atspi({QStringLiteral("do"), QString::number(m_vesko->processId()),
         QStringLiteral("check box"), QStringLiteral("Show in the system tray")}));
-    QTRY_VERIFY_WITH_TIMEOUT(!trayIconCentre().isNull(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(!trayIconCentre().isNull(), Test::patience);
 }
 
 void SettingsTest::closingOnlyHides()
 {
     if (settingsWindow().isEmpty())
         openFromTray();
-    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), Test::patience);
     const QString window = settingsWindow();
     xdotool({QStringLiteral("windowmove"), QStringLiteral("--sync"), window, QStringLiteral("140"),
         QStringLiteral("90")});
     const QString geometry = xdotool({QStringLiteral("getwindowgeometry"), window});
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
     xdotool({QStringLiteral("key"), QStringLiteral("alt+F4")});
-    QTRY_VERIFY_WITH_TIMEOUT(settingsWindow().isEmpty(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(settingsWindow().isEmpty(), Test::patience);
     QTest::qWait(200);
     QCOMPARE(m_vesko->state(), QProcess::Running);
     // It comes back, one window, where it stood.
     openFromTray();
-    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), Test::patience);
     QCOMPARE(xdotool({QStringLiteral("getwindowgeometry"), settingsWindow()}).section(u'\n', 1),
         geometry.section(u'\n', 1));
 }
@@ -354,7 +355,7 @@ void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
             }
             return !window.isEmpty();
         }(),
-        15000);
+        Test::patience);
     std::optional<QByteArray> json;
     QStringList nodes;
     QHash<QString, QJsonObject> byName;
@@ -370,7 +371,7 @@ void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
                 flatten(QJsonDocument::fromJson(*json).object(), nodes, byName);
             return nodes.contains(portalShortcuts);
         }(),
-        30000);
+        Test::patience);
     // The Capture page is the one on screen: its lines show, the General page's do not.
     QVERIFY(!byName.value(QStringLiteral("check box|Always on top"))
                  .value(QStringLiteral("states"))
@@ -412,15 +413,15 @@ void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
             QCOMPARE(answer.type(), QDBusMessage::ReplyMessage);
         }
     };
-    QTRY_VERIFY_WITH_TIMEOUT(panelShown(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(panelShown(), Test::patience);
     press(QStringLiteral("quickAdd"));
     QTRY_COMPARE_WITH_TIMEOUT(
         xdotool({QStringLiteral("getwindowname"), xdotool({QStringLiteral("getactivewindow")})}),
-        QStringLiteral("Vesko"), 10000);
+        QStringLiteral("Vesko"), Test::patience);
     press(QStringLiteral("togglePanel"));
-    QTRY_VERIFY_WITH_TIMEOUT(!panelShown(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!panelShown(), Test::patience);
     vesko->terminate();
-    QVERIFY(vesko->waitForFinished(10000));
+    QVERIFY(vesko->waitForFinished(Test::patience));
 }
 
 VESKO_TEST_MAIN(SettingsTest)

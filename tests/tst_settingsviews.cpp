@@ -142,7 +142,7 @@ QFileDialog *openFileDialog()
 //! Chooses \a folder in the open "Move…" dialog and confirms it.
 void confirmMoveDialog(const QString &folder)
 {
-    QTRY_VERIFY(openFileDialog());
+    QTRY_VERIFY_WITH_TIMEOUT(openFileDialog(), Test::patience);
     QFileDialog *dialog = openFileDialog();
     // The message stands inside the dialog, not only in its title bar.
     QVERIFY(
@@ -659,7 +659,7 @@ void SettingsViewsTest::moveThereAndBackThroughTheDialog()
     // The progress line shows while the move runs.
     QVERIFY(storage->isMoving());
     QVERIFY(visibleLabel(&view, QStringLiteral("Moving your notes…")));
-    QTRY_VERIFY(!storage->isMoving());
+    QTRY_VERIFY_WITH_TIMEOUT(!storage->isMoving(), Test::patience);
     QVERIFY(!visibleLabel(&view, QStringLiteral("Moving your notes…")));
 
     const QString moved = away + QStringLiteral("/Library.json");
@@ -673,7 +673,7 @@ void SettingsViewsTest::moveThereAndBackThroughTheDialog()
     QVERIFY(showsPath(&view, moved));
 
     useDefault->click();
-    QTRY_VERIFY(!storage->isMoving());
+    QTRY_VERIFY_WITH_TIMEOUT(!storage->isMoving(), Test::patience);
     QCOMPARE(storage->error(), QString());
     QCOMPARE(m_rig->preferences.libraryPath(), home);
     QCOMPARE(noteTexts(home), QStringList {QStringLiteral("with a picture")});
@@ -694,7 +694,7 @@ void SettingsViewsTest::moveToReadOnlyFolderShowsTheFailure()
     m_view->showTab(SettingsTab::Storage);
     StorageSettingsView *storage = m_view->storage();
     storage->moveLibrary(target);
-    QTRY_VERIFY(!storage->isMoving());
+    QTRY_VERIFY_WITH_TIMEOUT(!storage->isMoving(), Test::patience);
     QVERIFY2(storage->error().contains(QStringLiteral("Read-only file system")),
         qPrintable(storage->error()));
     QVERIFY(visibleLabel(m_view.get(), storage->error()));
@@ -771,7 +771,8 @@ void SettingsViewsTest::appearanceRebuildsTheWindowOnItsTab()
     QCOMPARE(controller.view()->currentIndex(), int(SettingsTab::About));
     QCOMPARE(
         controller.window()->findChildren<SettingsView *>().size(), 2); // the old one goes later
-    QTRY_COMPARE(controller.window()->findChildren<SettingsView *>().size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        controller.window()->findChildren<SettingsView *>().size(), 1, Test::patience);
 }
 
 void SettingsViewsTest::rebuiltStorageTabFollowsTheMove_data()
@@ -818,7 +819,7 @@ void SettingsViewsTest::rebuiltStorageTabFollowsTheMove()
     Q_EMIT m_rig->store.libraryMoveProgress(4096, 16384);
     QCOMPARE(storage->progressText(), QStringLiteral("Moving your notes… 25%"));
 
-    QTRY_VERIFY(!m_rig->store.isMovingLibrary());
+    QTRY_VERIFY_WITH_TIMEOUT(!m_rig->store.isMovingLibrary(), Test::patience);
     QCOMPARE(storage->progressText(), QString());
     const QString moved = target + QStringLiteral("/Library.json");
     if (readOnlyTarget) {
@@ -871,7 +872,7 @@ void SettingsViewsTest::wheelScrollsThePageUnlessTheControlHasFocus()
         page = qobject_cast<QScrollArea *>(up);
     QVERIFY(page);
     QScrollBar *bar = page->verticalScrollBar();
-    QTRY_VERIFY(bar->maximum() > 0);
+    QTRY_VERIFY_WITH_TIMEOUT(bar->maximum() > 0, Test::patience);
     bar->setValue(0);
     if (focused) {
         widget->setFocus(Qt::MouseFocusReason);
@@ -920,14 +921,14 @@ void SettingsViewsTest::exportAllWritesTheFile()
     m_rig->store.addNote(QStringLiteral("first line\nsecond line"));
     m_view->showTab(SettingsTab::Storage);
     findByText<QPushButton>(m_view.get(), QStringLiteral("Export All as Markdown…"))->click();
-    QTRY_VERIFY(openFileDialog());
+    QTRY_VERIFY_WITH_TIMEOUT(openFileDialog(), Test::patience);
     QFileDialog *dialog = openFileDialog();
     QCOMPARE(dialog->acceptMode(), QFileDialog::AcceptSave);
     const QString path
         = Test::IsolatedEnvironment::current().root() + QStringLiteral("/Exported Notes.md");
     dialog->selectFile(path);
     QVERIFY(QMetaObject::invokeMethod(dialog, "accept"));
-    QTRY_VERIFY(QFile::exists(path));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(path), Test::patience);
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(QString::fromUtf8(file.readAll()),

@@ -170,13 +170,13 @@ void ShortcutRecorderTest::recordsRealKeys()
     const QPoint centre = button->mapToGlobal(button->rect().center());
     Test::xdotool({QStringLiteral("mousemove"), QString::number(centre.x()),
         QString::number(centre.y()), QStringLiteral("click"), QStringLiteral("1")});
-    QTRY_VERIFY(recorder->isRecording());
+    QTRY_VERIFY_WITH_TIMEOUT(recorder->isRecording(), Test::patience);
     QCOMPARE(button->text(), QStringLiteral("Press keys…"));
     // The keyboard is held while recording: the key goes nowhere else.
-    QTRY_VERIFY(QWidget::keyboardGrabber() == button);
+    QTRY_VERIFY_WITH_TIMEOUT(QWidget::keyboardGrabber() == button, Test::patience);
     Test::xdotool({QStringLiteral("key"), keys});
 
-    QTRY_VERIFY(!recorder->isRecording());
+    QTRY_VERIFY_WITH_TIMEOUT(!recorder->isRecording(), Test::patience);
     QCOMPARE(hotKeys.combo(action), combo);
     QCOMPARE(button->text(), buttonText);
     QCOMPARE(recorder->warning(), warning);
@@ -242,7 +242,8 @@ void ShortcutRecorderTest::refusalNamesWhoHoldsTheKeys()
         foreign.reset();
         // The other client's release reaches the server on its own
         // connection: ask until it has.
-        QTRY_VERIFY((hotKeys.registerAll(), hotKeys.isRegistered(HotKeyAction::QuickAdd)));
+        QTRY_VERIFY_WITH_TIMEOUT(
+            (hotKeys.registerAll(), hotKeys.isRegistered(HotKeyAction::QuickAdd)), Test::patience);
     } else {
         // The action that held it passes it on at once.
         hotKeys.clearCombo(HotKeyAction::TogglePanel);
@@ -305,7 +306,7 @@ void ShortcutRecorderTest::keyNamesFollowTheLayout()
                 c, XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, xcb_xkb_group_t(group), 0, 0, 0));
         QVERIFY(!error);
     }
-    QTRY_COMPARE(button->text(), QStringLiteral("Super+Alt+") + name);
+    QTRY_COMPARE_WITH_TIMEOUT(button->text(), QStringLiteral("Super+Alt+") + name, Test::patience);
 }
 
 int main(int argc, char *argv[])

@@ -142,12 +142,9 @@ private Q_SLOTS:
     void failedSaveIsShownAndRetried();
     void retriesKeepTheBackups();
 
-    void undoKeepsSixtySteps();
     void undoLimitFollowsTheNoteCount_data();
     void undoLimitFollowsTheNoteCount();
-    void undoAndRedo();
     void undoWithoutStepsChangesNothing();
-    void undoDropsVanishedNotesFromTheSelection();
 
     void equalAssignmentsStaySilent();
     void repairAtConstructionWritesOnlyWhenNeeded();
@@ -195,21 +192,29 @@ void StoreTest::burstOfChangesSavesOnceAfterTheLast()
     Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     QCOMPARE(backups().size(), 0);
 
+    // Changes about 60 ms apart: each one postpones the save. A machine that
+    // stalls for longer than the save delay between two of them may let a
+    // save through, as it should; only the short gaps must be bridged.
     QElapsedTimer clock;
     clock.start();
+    qint64 lastChange = 0;
+    int longGaps = 0;
     for (int i = 0; i < 10; ++i) {
+        if (i > 0 && clock.elapsed() - lastChange >= Store::saveDelayMilliseconds)
+            ++longGaps;
         renameFirstNote(store, QStringLiteral("edit %1").arg(i));
+        lastChange = clock.elapsed();
         QTest::qWait(60);
     }
-    const qint64 lastChange = clock.elapsed() - 60;
-    QVERIFY(store.hasPendingSave());
-    QCOMPARE(backups().size(), 0); // nothing written during the burst
+    QVERIFY(store.hasPendingSave() || longGaps > 0);
+    QVERIFY(backups().size() <= longGaps); // nothing written across a short gap
 
-    QTRY_COMPARE_WITH_TIMEOUT(backups().size(), 1, 3000);
+    QTRY_VERIFY_WITH_TIMEOUT(backups().size() > 0, Test::patience);
     QVERIFY(clock.elapsed() - lastChange >= Store::saveDelayMilliseconds);
-    QTRY_COMPARE(fileLibrary()->projects[0].sections[0].notes[0].text, QStringLiteral("edit 9"));
+    QTRY_COMPARE_WITH_TIMEOUT(fileLibrary()->projects[0].sections[0].notes[0].text,
+        QStringLiteral("edit 9"), Test::patience);
     QTest::qWait(500);
-    QCOMPARE(backups().size(), 1); // one write for the whole burst
+    QVERIFY(backups().size() <= longGaps + 1); // one write for the whole burst
 }
 
 void StoreTest::flushSaveCancelsThePendingSave()
@@ -251,7 +256,7 @@ void StoreTest::pendingSaveKeepsItsPath()
     Preferences::openSettings()->setValue(QStringLiteral("libraryPath"), elsewhere);
     QCOMPARE(libraryURL(), elsewhere);
 
-    QTRY_VERIFY(QFileInfo::exists(before));
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(before), Test::patience);
     QVERIFY(!QFileInfo::exists(elsewhere));
 }
 
@@ -267,7 +272,7 @@ void StoreTest::failedSaveIsLogged()
     QTest::ignoreMessage(
         QtCriticalMsg, QRegularExpression(QStringLiteral("^Save failed: .*not a folder")));
     renameFirstNote(store, QStringLiteral("unsaved"));
-    QTest::qWait(800);
+    QTRY_VERIFY_WITH_TIMEOUT(!store.saveFailure().isEmpty(), Test::patience);
     // The change stays in memory.
     QCOMPARE(store.library().projects[0].sections[0].notes[0].text, QStringLiteral("unsaved"));
 }
@@ -299,15 +304,15 @@ void StoreTest::failedSaveIsShownAndRetried()
                                     : QStringLiteral("No space left on device");
     QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("^Save failed: ")));
     renameFirstNote(store, QStringLiteral("saved once the disk takes it"));
-    QTRY_VERIFY(!store.saveFailure().isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(!store.saveFailure().isEmpty(), Test::patience);
     QVERIFY2(store.saveFailure().contains(reason), qPrintable(store.saveFailure()));
     QCOMPARE(failureChanged.size(), 1);
 
     // The disk takes writes again: the change reaches the file by itself.
     QVERIFY(readOnly ? disk.setReadOnly(false) : (disk.release(), true));
     QTRY_COMPARE_WITH_TIMEOUT(loadLibrary(path).projects[0].sections[0].notes[0].text,
-        QStringLiteral("saved once the disk takes it"), 6000);
-    QTRY_COMPARE(store.saveFailure(), QString());
+        QStringLiteral("saved once the disk takes it"), Test::patience);
+    QTRY_COMPARE_WITH_TIMEOUT(store.saveFailure(), QString(), Test::patience);
     QCOMPARE(failureChanged.size(), 2);
 }
 
@@ -331,7 +336,7 @@ void StoreTest::retriesKeepTheBackups()
                 ++failures;
         });
     renameFirstNote(store, QStringLiteral("unsaved"));
-    QTRY_VERIFY_WITH_TIMEOUT(failures >= 3, 3 * Store::saveRetryMilliseconds);
+    QTRY_VERIFY_WITH_TIMEOUT(failures >= 3, Test::patience);
     qInstallMessageHandler(previous);
     QVERIFY2(store.saveFailure().contains(QStringLiteral("File name too long")),
         qPrintable(store.saveFailure()));
@@ -342,18 +347,6 @@ void StoreTest::retriesKeepTheBackups()
     const QStringList names = backups.entryList(QDir::Files | QDir::Hidden);
     QCOMPARE(names.size(), 1);
     QCOMPARE(readFile(backups.filePath(names.first())), original);
-}
-
-void StoreTest::undoKeepsSixtySteps()
-{
-    Store store(libraryWithNotes(5), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-    for (int i = 1; i <= 61; ++i)
-        renameFirstNote(store, QString::number(i));
-    QCOMPARE(store.undoStepCount(), 60);
-    while (store.canUndo())
-        store.undo();
-    // The first state is gone; the oldest reachable is after the first change.
-    QCOMPARE(store.library().projects[0].sections[0].notes[0].text, QStringLiteral("1"));
 }
 
 void StoreTest::undoLimitFollowsTheNoteCount_data()
@@ -383,29 +376,6 @@ void StoreTest::undoLimitFollowsTheNoteCount()
     QCOMPARE(store.undoStepCount(), steps);
 }
 
-void StoreTest::undoAndRedo()
-{
-    Store store(libraryWithNotes(2), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-    QSignalSpy revisions(&store, &Store::libraryRevisionChanged);
-    const quint64 start = store.libraryRevision();
-
-    renameFirstNote(store, QStringLiteral("a"));
-    renameFirstNote(store, QStringLiteral("b"));
-    store.undo();
-    QCOMPARE(store.library().projects[0].sections[0].notes[0].text, QStringLiteral("a"));
-    QCOMPARE(store.redoStepCount(), 1);
-    store.redo();
-    QCOMPARE(store.library().projects[0].sections[0].notes[0].text, QStringLiteral("b"));
-    store.undo();
-    QCOMPARE(store.libraryRevision(), start + 5);
-    QCOMPARE(revisions.size(), 5);
-
-    // A change after an undo empties the redo stack.
-    renameFirstNote(store, QStringLiteral("c"));
-    QVERIFY(!store.canRedo());
-    QCOMPARE(store.undoStepCount(), 2);
-}
-
 void StoreTest::undoWithoutStepsChangesNothing()
 {
     Store store(libraryWithNotes(2), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
@@ -418,31 +388,6 @@ void StoreTest::undoWithoutStepsChangesNothing()
     QCOMPARE(library.size(), 0);
     QCOMPARE(rows.size(), 0);
     QVERIFY(!store.hasPendingSave());
-}
-
-void StoreTest::undoDropsVanishedNotesFromTheSelection()
-{
-    Store store(libraryWithNotes(3), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-    const QUuid kept = store.library().projects[0].sections[0].notes[0].id;
-
-    // Add a note, select it and another, then undo the addition.
-    store.recordUndo();
-    Library library = store.library();
-    Note added;
-    added.id = makeID();
-    added.text = QStringLiteral("added");
-    library.projects[0].sections[0].notes.append(added);
-    store.setLibrary(library);
-    store.commit();
-    store.setSelection({kept, added.id}, added.id);
-
-    store.undo();
-    QCOMPARE(store.selection(), QSet<QUuid> {kept});
-    QCOMPARE(store.selectionAnchor(), added.id); // the anchor is left alone
-
-    // Redo brings the note back but does not select it.
-    store.redo();
-    QCOMPARE(store.selection(), QSet<QUuid> {kept});
 }
 
 void StoreTest::equalAssignmentsStaySilent()
@@ -549,13 +494,13 @@ void StoreTest::listPreferencesRefreshRows()
     QSignalSpy rows(&store, &Store::rowsChanged);
     m_preferences->setShowCompleted(false);
     QCOMPARE(rows.size(), 0); // after the assignment returns
-    QTRY_COMPARE(rows.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(rows.size(), 1, Test::patience);
     QCOMPARE(store.visibleNotes().size(), 2);
     QCOMPARE(store.library(), library); // nothing in the library changed
     QVERIFY(!store.hasPendingSave());
 
     m_preferences->setShowCompleted(false); // equal, still refreshes
-    QTRY_COMPARE(rows.size(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(rows.size(), 2, Test::patience);
 }
 
 void StoreTest::restoreLatestBackup_data()
@@ -614,7 +559,7 @@ void StoreTest::restoreLatestBackup()
         QTest::ignoreMessage(
             QtCriticalMsg, QRegularExpression(QStringLiteral("^No backup could be read")));
     store.restoreLatestBackup();
-    QTRY_VERIFY(!store.isRestoringBackup());
+    QTRY_VERIFY_WITH_TIMEOUT(!store.isRestoringBackup(), Test::patience);
     QVERIFY(!changed.isEmpty());
 
     if (restored.isEmpty()) {
@@ -698,7 +643,7 @@ void StoreTest::unreadableLibraryOutlastsARestart()
         store->dismissUnreadableLibrary();
     } else if (meanwhile == QLatin1String("restore")) {
         store->restoreLatestBackup();
-        QTRY_VERIFY(!store->unreadableLibrary());
+        QTRY_VERIFY_WITH_TIMEOUT(!store->unreadableLibrary(), Test::patience);
         QCOMPARE(noteTexts(store->library()).first(), texts.first());
         store->flushSave();
     }
@@ -712,7 +657,7 @@ void StoreTest::unreadableLibraryOutlastsARestart()
         // A second set-aside file wants a name of its own, a second later.
         QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(firstSetAside).fileName()
                 != QStringLiteral("Library-unreadable-%1.json").arg(fileNameStamp(currentDate())),
-            5000);
+            Test::patience);
         writeFile(path, damaged);
         QTest::ignoreMessage(
             QtCriticalMsg, QRegularExpression(QStringLiteral("^Could not read library")));
@@ -736,7 +681,7 @@ void StoreTest::unreadableLibraryOutlastsARestart()
             QFileInfo::exists(folder + u'/' + text + QStringLiteral(".json")), kept.contains(text));
     if (toldAgain) {
         store->restoreLatestBackup();
-        QTRY_VERIFY(!store->unreadableLibrary());
+        QTRY_VERIFY_WITH_TIMEOUT(!store->unreadableLibrary(), Test::patience);
         QCOMPARE(noteTexts(store->library()).first(), kept.first());
     }
 
@@ -779,7 +724,7 @@ void StoreTest::moveLibrary()
     QVERIFY(store.canUndo()); // the stacks stay
 
     // The save that was pending still goes to the old place.
-    QTRY_VERIFY(QFileInfo::exists(oldPath));
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(oldPath), Test::patience);
 
     // A move into a folder where the file cannot go fails and changes nothing.
     const QString blocked
@@ -880,7 +825,7 @@ void StoreTest::moveCopiesLinksAsLinks()
     store.moveLibrary(root + QStringLiteral("/Elsewhere"));
     QVERIFY(finished.wait(30000));
     QVERIFY(finished.first().first().toString().contains(QStringLiteral("already")));
-    QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 2, 30000);
+    QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 2, Test::patience);
     QCOMPARE(finished.last().first().toString(), QString());
     QVERIFY(!store.isMovingLibrary());
     m_attachments->waitForIdle();
@@ -923,7 +868,7 @@ void StoreTest::moveWaitsForQueuedSaves()
             olderFailure = failure;
         });
     QCOMPARE(moveAndWait(store, QFileInfo(current).absolutePath()), std::nullopt);
-    QTRY_VERIFY_WITH_TIMEOUT(olderLanded, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(olderLanded, Test::patience);
     QCOMPARE(olderFailure, std::nullopt);
 
     QCOMPARE(noteCount(store.library()), 1);
@@ -1003,7 +948,7 @@ void StoreTest::savesGoWhereThePreferencesSay()
 
     Store store(libraryWithNotes(1), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     renameFirstNote(store, QStringLiteral("saved where chosen"));
-    QTRY_VERIFY(QFileInfo::exists(chosen));
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(chosen), Test::patience);
     QVERIFY(!QFileInfo::exists(behind));
     store.flushSave();
     QCOMPARE(loadLibrary(chosen).projects[0].sections[0].notes[0].text,

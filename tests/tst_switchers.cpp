@@ -366,7 +366,7 @@ void SwitchersTest::renameInsideTheSwitcher()
     QVERIFY(view);
     QTest::keyClick(view->filterField(), Qt::Key_F2);
     QCOMPARE(view->renamingSectionID().value_or(QUuid()), store.activeSection().id);
-    QTRY_VERIFY(view->renameField()->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(view->renameField()->hasFocus(), Test::patience);
     QCOMPARE(view->renameField()->text(), QStringLiteral("Work"));
 
     view->renameField()->setText(" \t ");
@@ -394,7 +394,7 @@ void SwitchersTest::renameNeedsASection()
     // Escape in the rename form cancels the rename, not the switcher.
     QTest::keyClick(view->filterField(), Qt::Key_F2);
     QVERIFY(view->renamingSectionID());
-    QTRY_VERIFY(view->renameField()->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(view->renameField()->hasFocus(), Test::patience);
     QTest::keyClick(view->renameField(), Qt::Key_Escape);
     QVERIFY(!view->renamingSectionID());
     QVERIFY(m_state->isShowing(PanelLayer::SectionSwitcher));

@@ -156,7 +156,8 @@ void X11HotKeysTest::releaseThatWentElsewhere()
 {
     HotKeys hotKeys;
     xdotool({QStringLiteral("keydown"), QStringLiteral("super+alt+c")});
-    QTRY_COMPARE(hotKeys.pressed, QList<HotKeyAction> {HotKeyAction::CaptureSelection});
+    QTRY_COMPARE_WITH_TIMEOUT(
+        hotKeys.pressed, QList<HotKeyAction> {HotKeyAction::CaptureSelection}, Test::patience);
     // The grab that the press activated ends while the key is still down, so
     // the key's release goes to the focused window instead.
     xcb_connection_t *c = hotKeys.registrar.connection()->get();

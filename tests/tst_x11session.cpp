@@ -269,7 +269,7 @@ void X11SessionTest::primaryIsReadOnTheEventLoop()
         text = std::move(t);
     });
     QVERIFY2(!loopTurnedFirst, "the read returned with its answer");
-    QTRY_VERIFY_WITH_TIMEOUT(loopTurnedFirst.has_value(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(loopTurnedFirst.has_value(), Test::patience);
     QVERIFY(*loopTurnedFirst);
     QCOMPARE(text, QStringLiteral("slow words"));
     stop(owner);
@@ -299,7 +299,7 @@ void X11SessionTest::largePrimaryPiecewise()
             std::free(owner);
             return window != 0 && x.processOf(window) == xclip.processId();
         }(),
-        10000);
+        Test::patience);
     X11Session session;
     const std::optional<QString> read = readPrimary(session, xclip.processId());
     QVERIFY(read);
@@ -327,7 +327,7 @@ void X11SessionTest::copyInEveryLayout()
     setClipboardText("before the copy");
     X11Session session;
     QCOMPARE(sendCopy(session), QStringLiteral("sent"));
-    QTRY_COMPARE_WITH_TIMEOUT(clipboardText(), text, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(clipboardText(), text, Test::patience);
     // Ctrl+Insert, the copy that no terminal takes for an interrupt.
     QCOMPARE(target.keysReceived(), QStringList {QStringLiteral("Ctrl+Ins")});
 }
@@ -346,19 +346,20 @@ void X11SessionTest::copyNeverInterruptsATerminalProgram()
                 .arg(log)});
     QString window;
     QTRY_VERIFY_WITH_TIMEOUT(
-        !(window = Test::visibleWindow(QStringLiteral("^running program$"))).isEmpty(), 10000);
+        !(window = Test::visibleWindow(QStringLiteral("^running program$"))).isEmpty(),
+        Test::patience);
     auto logText = [&log] {
         QFile file(log);
         return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     };
-    QTRY_VERIFY_WITH_TIMEOUT(logText().contains(u"ready"), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(logText().contains(u"ready"), Test::patience);
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
 
     X11Session session;
     QCOMPARE(sendCopy(session), QStringLiteral("sent"));
     // A line typed after the copy: once it is read, the copy's keys were too.
     xdotool({QStringLiteral("type"), QStringLiteral("after\n")});
-    QTRY_VERIFY_WITH_TIMEOUT(logText().contains(u"after"), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(logText().contains(u"after"), Test::patience);
     QVERIFY2(!logText().contains(u"interrupted"), qPrintable(logText()));
 }
 
@@ -402,7 +403,7 @@ void X11SessionTest::heldKeysAreAwaited()
         xdotool({QStringLiteral("keydown"), held});
     QCOMPARE(keysDown(), codes);
     if (grabbed)
-        QTRY_COMPARE(reports, 1); // the grab is active now
+        QTRY_COMPARE_WITH_TIMEOUT(reports, 1, Test::patience); // the grab is active now
 
     X11Session session;
     if (releaseAfter >= 0 && !held.isEmpty()) {
@@ -421,13 +422,13 @@ void X11SessionTest::heldKeysAreAwaited()
     QCOMPARE(
         target.keysReceived(), letGo ? QStringList {QStringLiteral("Ctrl+Ins")} : QStringList {});
     if (letGo)
-        QTRY_COMPARE_WITH_TIMEOUT(clipboardText(), text, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(clipboardText(), text, Test::patience);
     else
         QCOMPARE(clipboardText(), QStringLiteral("before the copy"));
     if (grabbed) {
         // The hot key hears its next press.
         xdotool({QStringLiteral("key"), QStringLiteral("super+alt+c")});
-        QTRY_COMPARE(reports, 2);
+        QTRY_COMPARE_WITH_TIMEOUT(reports, 2, Test::patience);
     }
 }
 

@@ -11,6 +11,11 @@
 
 namespace Vesko::Test {
 
+//! How long a test waits for something that must happen. Generous, so that a
+//! slow or busy machine (AddressSanitizer, other builds) makes a test slower
+//! but never makes it fail; a wait ends as soon as its condition holds.
+inline constexpr int patience = 60000;
+
 class IsolatedEnvironment
 {
 public:
