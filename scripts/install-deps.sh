@@ -24,6 +24,8 @@ packages=(
     # a private session bus (the file manager's D-Bus interface); a system tray;
     # the panel and the Settings window read over AT-SPI as a screen reader does
     dbus dbus-bin dbus-daemon trayer at-spi2-core python3-pyatspi gir1.2-atspi-2.0
+    # a GTK application whose frame the accessibility bus names as the one in front
+    gir1.2-gtk-3.0
     # desktop-file-validate checks the desktop entry in the tests
     desktop-file-utils
     # the Model Context Protocol server is tested with the protocol's own client
