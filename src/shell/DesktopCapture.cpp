@@ -9,6 +9,9 @@
 #include "capture/SelectionReader.h"
 #include "panel/PanelController.h"
 #include "platform/Logging.h"
+#include "platform/atspi/AtspiFrontApplication.h"
+#include "platform/qt/FocusSelectionReader.h"
+#include "platform/qt/FocusSelectionSession.h"
 #include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyLayout.h"
@@ -49,10 +52,13 @@ DesktopCapture::DesktopCapture(Store &store, Preferences &preferences, PanelCont
     : QObject(parent)
     , m_store(store)
     , m_preferences(preferences)
+    , m_panel(panel)
     , m_clipboard(std::make_unique<X11Clipboard>())
     , m_registrar(std::make_unique<X11HotKeys>())
     , m_hotKeys(std::make_unique<HotKeyCenter>(*m_registrar))
-    , m_permission(std::make_unique<AccessibilityPermission>(&X11Session::isCaptureAvailable))
+    , m_permission(std::make_unique<AccessibilityPermission>(onWaylandPlatform()
+              ? &FocusSelectionReader::isAvailable
+              : &X11Session::isCaptureAvailable))
     , m_feedback(std::make_unique<Feedback>(panel, toasts))
 { }
 
@@ -62,7 +68,10 @@ CaptureEngine &DesktopCapture::engine()
 {
     if (!m_engine) {
         m_keys = std::make_unique<X11KeyMonitor>();
-        m_session = std::make_unique<X11Session>();
+        if (onWaylandPlatform())
+            m_session = makeFocusSelectionSession();
+        else
+            m_session = std::make_unique<X11Session>();
         AccessibilityPermission *permission = m_permission.get();
         Preferences *preferences = &m_preferences;
         m_doubleShift = std::make_unique<DoubleShiftMonitor>(
@@ -74,6 +83,25 @@ CaptureEngine &DesktopCapture::engine()
             *m_hotKeys, *m_doubleShift, *m_reader, *m_permission, *m_feedback, *m_clipboard});
     }
     return *m_engine;
+}
+
+bool DesktopCapture::onWaylandPlatform()
+{
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
+
+std::unique_ptr<DesktopSession> DesktopCapture::makeFocusSelectionSession()
+{
+    // No data control (GNOME): the selection is read as the panel takes the
+    // focus, the front application from the accessibility bus.
+    PanelController *panel = &m_panel;
+    m_focusSelection = std::make_unique<FocusSelectionReader>(
+        FocusSelectionReader::Panel {[panel] { return panel->isPanelShown(); },
+            [panel] { panel->show(true, false); }, [panel] { panel->hide(); }});
+    m_accessibleFront = std::make_unique<AtspiFrontApplication>();
+    AtspiFrontApplication *front = m_accessibleFront.get();
+    return std::make_unique<FocusSelectionSession>(
+        [front](auto done) { front->frontApplication(std::move(done)); }, *m_focusSelection);
 }
 
 const KeyLayout *DesktopCapture::keyLayout()

@@ -15,6 +15,9 @@
 namespace Vesko {
 
 class AccessibilityPermission;
+class AtspiFrontApplication;
+class DesktopSession;
+class FocusSelectionReader;
 class KeyLayout;
 class CaptureEngine;
 class DoubleShiftMonitor;
@@ -53,14 +56,21 @@ public:
 private:
     class Feedback;
 
+    static bool onWaylandPlatform();
+    //! Capture where the compositor offers no data control.
+    std::unique_ptr<DesktopSession> makeFocusSelectionSession();
+
     Store &m_store;
     Preferences &m_preferences;
+    PanelController &m_panel;
     std::unique_ptr<X11Clipboard> m_clipboard;
     std::unique_ptr<X11HotKeys> m_registrar;
     std::unique_ptr<HotKeyCenter> m_hotKeys;
     std::unique_ptr<AccessibilityPermission> m_permission;
     std::unique_ptr<X11KeyMonitor> m_keys;
-    std::unique_ptr<X11Session> m_session;
+    std::unique_ptr<FocusSelectionReader> m_focusSelection;
+    std::unique_ptr<AtspiFrontApplication> m_accessibleFront;
+    std::unique_ptr<DesktopSession> m_session;
     std::unique_ptr<DoubleShiftMonitor> m_doubleShift;
     std::unique_ptr<SelectionReader> m_reader;
     std::unique_ptr<Feedback> m_feedback;
