@@ -33,6 +33,8 @@ packages=(
     # a real headless Wayland compositor for the capture tests, with a
     # terminal as the front window, a virtual keyboard and the selections
     sway foot wtype wl-clipboard
+    # a GTK application whose frame the accessibility bus names as the one in front
+    gir1.2-gtk-3.0
     # desktop-file-validate checks the desktop entry in the tests
     desktop-file-utils
     # the Model Context Protocol server is tested with the protocol's own client

@@ -11,9 +11,12 @@
 #include "platform/HotKeyRegistrar.h"
 #include "platform/Logging.h"
 #include "platform/SessionType.h"
+#include "platform/atspi/AtspiFrontApplication.h"
 #include "platform/ShiftTaps.h"
 #include "platform/portal/PortalGlobalShortcuts.h"
 #include "platform/portal/ShortcutTrigger.h"
+#include "platform/qt/FocusSelectionReader.h"
+#include "platform/qt/FocusSelectionSession.h"
 #include "platform/qt/QtClipboard.h"
 #include "platform/wayland/WaylandClipboard.h"
 #include "platform/wayland/WaylandDataControl.h"
@@ -91,6 +94,7 @@ DesktopCapture::DesktopCapture(Store &store, Preferences &preferences, PanelCont
     : QObject(parent)
     , m_store(store)
     , m_preferences(preferences)
+    , m_panel(panel)
     , m_feedback(std::make_unique<Feedback>(panel, toasts))
 {
     if (WaylandGlobals::isWaylandPlatform()) {
@@ -119,7 +123,15 @@ DesktopCapture::~DesktopCapture() = default;
 
 void DesktopCapture::makeWaylandSession()
 {
-    auto session = std::make_unique<WaylandSession>(*m_wayland, *m_dataControl);
+    m_accessibleFront = std::make_unique<AtspiFrontApplication>();
+    AtspiFrontApplication *accessibleFront = m_accessibleFront.get();
+    auto session = std::make_unique<WaylandSession>(
+        *m_wayland, *m_dataControl, [accessibleFront](auto done) {
+            if (accessibleFront->isAvailable())
+                accessibleFront->frontApplication(std::move(done));
+            else
+                done(FrontApplication {}); // "Unknown", and the selection still read
+        });
     if (PortalGlobalShortcuts *portal = m_portal) {
         // With the desktop's shortcuts the portal says when their keys are
         // up; a capture asked for otherwise keeps the session's fixed wait.
@@ -144,8 +156,25 @@ void DesktopCapture::makeWaylandSession()
             QTimer::singleShot(portalKeyReleaseBoundMilliseconds, portal, finish);
         });
     }
-    m_waylandSession = session.get();
-    m_session = std::move(session);
+    m_waylandSession = std::move(session);
+    if (m_dataControl->isAvailable())
+        return;
+    // No data control (GNOME): the selection is read as the panel takes the
+    // focus, the front application as the compositor's session finds it.
+    PanelController *panel = &m_panel;
+    m_focusSelection = std::make_unique<FocusSelectionReader>(
+        FocusSelectionReader::Panel {[panel] { return panel->isPanelShown(); },
+            [panel] { panel->show(true, false); }, [panel] { panel->hide(); }});
+    WaylandSession *front = m_waylandSession.get();
+    m_session = std::make_unique<FocusSelectionSession>(
+        [front](auto done) { front->frontApplication(std::move(done)); }, *m_focusSelection);
+}
+
+DesktopSession &DesktopCapture::session()
+{
+    if (m_session)
+        return *m_session;
+    return *m_waylandSession;
 }
 
 CaptureEngine &DesktopCapture::engine()
@@ -165,7 +194,7 @@ CaptureEngine &DesktopCapture::engine()
             *m_keys, [preferences] { return preferences->doubleShiftInterval(); },
             [permission] { return permission->isTrusted(); });
         m_reader = std::make_unique<SelectionReader>(
-            *m_session, *m_clipboard, [permission] { return permission->isTrusted(); });
+            session(), *m_clipboard, [permission] { return permission->isTrusted(); });
         m_engine = std::make_unique<CaptureEngine>(CaptureEngine::Services {m_store, m_preferences,
             *m_hotKeys, *m_doubleShift, *m_reader, *m_permission, *m_feedback, *m_clipboard});
     }
@@ -178,6 +207,13 @@ CaptureCapabilities DesktopCapture::capabilities() const
     C found;
     if (m_waylandSession) {
         found = m_waylandSession->capabilities();
+        if (found.source == C::Source::None && m_accessibleFront->isAvailable())
+            found.source = C::Source::Accessibility;
+        if (m_focusSelection) {
+            found.selection = FocusSelectionReader::isAvailable() ? C::Selection::OnPanelFocus
+                                                                  : C::Selection::None;
+            found.copy = C::Copy::None;
+        }
     } else if (!onWayland()) {
         if (!X11Session::isCaptureAvailable())
             return {};

@@ -4,8 +4,10 @@
 // and clipboard of the windowing system Qt runs on (X11, or a Wayland
 // compositor's protocols, where the compositor reports Shift taps through
 // `vesko shift` and the hot keys come from the desktop's global-shortcuts
-// portal), and the capture logic over them, answering with the panel and the
-// toast. Made once, after the Store and the Preferences.
+// portal; without data control the selection is read as the panel takes the
+// focus and the front application comes from the accessibility bus), and the
+// capture logic over them, answering with the panel and the toast. Made once,
+// after the Store and the Preferences.
 
 #pragma once
 
@@ -21,10 +23,12 @@
 namespace Vesko {
 
 class AccessibilityPermission;
+class AtspiFrontApplication;
 class CaptureEngine;
 class Clipboard;
 class DesktopSession;
 class DoubleShiftMonitor;
+class FocusSelectionReader;
 class HotKeyCenter;
 class HotKeyRegistrar;
 class KeyLayout;
@@ -74,13 +78,23 @@ private:
     class Feedback;
 
     void makeWaylandSession();
+    //! The session capture reads from: X11's, the compositor's, or the
+    //! panel's focus over the compositor's.
+    DesktopSession &session();
 
     Store &m_store;
     Preferences &m_preferences;
+    PanelController &m_panel;
     std::unique_ptr<WaylandGlobals> m_wayland;
     std::unique_ptr<WaylandDataControl> m_dataControl;
+    //! On Qt's wayland platform: the front application from the
+    //! accessibility bus, where the compositor keeps its windows to itself.
+    std::unique_ptr<AtspiFrontApplication> m_accessibleFront;
     //! On Qt's wayland platform, made with the data control.
-    WaylandSession *m_waylandSession = nullptr;
+    std::unique_ptr<WaylandSession> m_waylandSession;
+    //! On Qt's wayland platform without data control.
+    std::unique_ptr<FocusSelectionReader> m_focusSelection;
+    //! X11's session, or the focus reader's over the compositor's.
     std::unique_ptr<DesktopSession> m_session;
     std::unique_ptr<Clipboard> m_clipboard;
     //! Set with the registrar on a Wayland session.

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/atspi/AtspiFrontApplication.h"
+
+#include "platform/SerialQueue.h"
+#include "platform/atspi/AtspiBus.h"
+#include "platform/atspi/ProcessLaunch.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QPointer>
+
+#include <atomic>
+
+namespace Vesko {
+
+//! What the worker thread keeps: the bus, made and destroyed there.
+struct AtspiFrontApplication::Worker
+{
+    std::unique_ptr<AtspiBus> bus;
+    //! Set as the owner goes: the reads still queued end at once.
+    std::atomic_bool stopping = false;
+
+    AtspiBus &reader()
+    {
+        if (!bus)
+            bus = std::make_unique<AtspiBus>();
+        return *bus;
+    }
+};
+
+//! The active frame and the desktop entries its process was started from.
+struct AtspiFrontApplication::Found
+{
+    ActiveFrame frame;
+    QStringList launchedEntries;
+};
+
+AtspiFrontApplication::AtspiFrontApplication(QObject *parent)
+    : QObject(parent)
+    , m_worker(std::make_shared<Worker>())
+    , m_queue(std::make_unique<SerialQueue>(QStringLiteral("com.vesko.vesko.accessibility")))
+{
+    QPointer<AtspiFrontApplication> self(this);
+    std::shared_ptr<Worker> worker = m_worker;
+    m_queue->async([self, worker] {
+        if (worker->stopping)
+            return;
+        const bool connected = worker->reader().connect();
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [self, connected] {
+                if (self)
+                    self->setAvailable(connected);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+AtspiFrontApplication::~AtspiFrontApplication()
+{
+    m_worker->stopping = true;
+    std::shared_ptr<Worker> worker = m_worker;
+    // The bus goes on the thread that made it; the read under way, if any,
+    // ends within its bounds first.
+    m_queue->async([worker] { worker->bus.reset(); });
+    m_queue.reset();
+}
+
+void AtspiFrontApplication::setAvailable(bool available)
+{
+    if (available == m_available)
+        return;
+    m_available = available;
+    Q_EMIT availableChanged();
+}
+
+void AtspiFrontApplication::frontApplication(Done done)
+{
+    QPointer<AtspiFrontApplication> self(this);
+    std::shared_ptr<Worker> worker = m_worker;
+    m_queue->async([self, worker, done = std::move(done)]() mutable {
+        if (worker->stopping)
+            return;
+        AtspiBus &bus = worker->reader();
+        std::optional<Found> found;
+        if (const std::optional<ActiveFrame> frame = bus.activeFrame())
+            found = Found {*frame, launchedDesktopEntries(frame->processID)};
+        const bool connected = bus.connect();
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [self, connected, found, done = std::move(done)]() mutable {
+                if (!self)
+                    return;
+                self->setAvailable(connected);
+                self->answer(found, std::move(done));
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void AtspiFrontApplication::answer(const std::optional<Found> &found, Done done)
+{
+    if (!found) {
+        done(std::nullopt);
+        return;
+    }
+    const ActiveFrame &frame = found->frame;
+    FrontApplication front;
+    front.processID = frame.processID;
+    if (!frame.title.isEmpty())
+        front.windowTitle = frame.title;
+    // The application's accessible name is its program name in GTK, the
+    // name its window class is made from: it finds an entry as a class does.
+    QStringList candidates = found->launchedEntries;
+    candidates.append(frame.applicationName);
+    candidates.removeAll(QString());
+    const QString applicationName = frame.applicationName;
+    m_entries.find(candidates, applicationName,
+        [front, applicationName, done = std::move(done)](
+            std::optional<X11DesktopEntries::Entry> entry) mutable {
+            if (entry && !entry->name.isEmpty())
+                front.name = entry->name;
+            else if (!applicationName.isEmpty())
+                front.name = applicationName;
+            else if (front.processID > 0) {
+                // A file of the kernel's, read at once.
+                QFile comm(QStringLiteral("/proc/%1/comm").arg(front.processID));
+                if (comm.open(QIODevice::ReadOnly))
+                    front.name = QString::fromLocal8Bit(comm.readAll()).trimmed();
+            }
+            if (entry)
+                front.identifier = entry->id;
+            else if (!applicationName.isEmpty())
+                front.identifier = applicationName;
+            front.isTerminal = entry && entry->isTerminal;
+            done(front);
+        });
+}
+
+} // namespace Vesko
