@@ -4,10 +4,6 @@
 <context>
     <name>CaptureSettingsView</name>
     <message>
-        <source>This is a Wayland session: it keeps other applications&apos; keys and selected text away from Vesko.</source>
-        <translation>Dies ist eine Wayland-Sitzung: Sie hält die Tasten und den ausgewählten Text anderer Anwendungen von Vesko fern.</translation>
-    </message>
-    <message>
         <source>Vesko is not running on an X server, so it cannot see other applications&apos; keys and selected text.</source>
         <translation>Vesko läuft nicht auf einem X-Server und kann daher die Tasten und den ausgewählten Text anderer Anwendungen nicht sehen.</translation>
     </message>
@@ -31,41 +27,121 @@
         <source>Enable the extension in the X server&apos;s configuration and start Vesko again. Until then, paste text into the composer and drop files on notes.</source>
         <translation>Aktivieren Sie die Erweiterung in der Konfiguration des X-Servers und starten Sie Vesko erneut. Bis dahin können Sie Text in das Eingabefeld einfügen und Dateien auf Notizen ziehen.</translation>
     </message>
+    <message>
+        <source>This Wayland desktop does not let Vesko read the text selected in other applications.</source>
+        <translation>Diese Wayland-Arbeitsumgebung lässt Vesko den in anderen Anwendungen ausgewählten Text nicht lesen.</translation>
+    </message>
+    <message>
+        <source>Here you can still bind Vesko&apos;s commands to keys, paste text into the composer and drop files on notes. In an X11 (Xorg) session capture works in full.</source>
+        <translation>Hier können Sie Veskos Befehle trotzdem Tasten zuweisen, Text in das Eingabefeld einfügen und Dateien auf Notizen ziehen. In einer X11-Sitzung (Xorg) funktioniert das Erfassen vollständig.</translation>
+    </message>
+    <message>
+        <source>Shortcuts</source>
+        <translation>Tastenkürzel</translation>
+    </message>
+    <message>
+        <source>Vesko holds its shortcuts itself.</source>
+        <translation>Vesko verwaltet seine Tastenkürzel selbst.</translation>
+    </message>
+    <message>
+        <source>Your desktop keeps Vesko&apos;s shortcuts; you change them in its settings.</source>
+        <translation>Ihre Arbeitsumgebung verwaltet Veskos Tastenkürzel; Sie ändern sie in deren Einstellungen.</translation>
+    </message>
+    <message>
+        <source>This desktop gives Vesko no shortcuts of its own. Bind the commands below to keys in its keyboard settings.</source>
+        <translation>Diese Arbeitsumgebung gibt Vesko keine eigenen Tastenkürzel. Weisen Sie die folgenden Befehle in ihren Tastatureinstellungen Tasten zu.</translation>
+    </message>
+    <message>
+        <source>Selected text</source>
+        <translation>Ausgewählter Text</translation>
+    </message>
+    <message>
+        <source>Read from the application in front when you capture.</source>
+        <translation>Wird beim Erfassen aus der Anwendung im Vordergrund gelesen.</translation>
+    </message>
+    <message>
+        <source>Read as the panel comes forward, so capture with a shortcut that runs “%1”.</source>
+        <translation>Wird gelesen, wenn das Panel in den Vordergrund kommt; erfassen Sie daher mit einem Tastenkürzel, das „%1“ ausführt.</translation>
+    </message>
+    <message>
+        <source>This desktop does not let Vesko read it. Paste text into the composer instead.</source>
+        <translation>Diese Arbeitsumgebung lässt Vesko ihn nicht lesen. Fügen Sie den Text stattdessen in das Eingabefeld ein.</translation>
+    </message>
+    <message>
+        <source>Source</source>
+        <translation>Quelle</translation>
+    </message>
+    <message>
+        <source>Captured notes are filed under the application and window they came from.</source>
+        <translation>Erfasste Notizen werden unter der Anwendung und dem Fenster abgelegt, aus denen sie stammen.</translation>
+    </message>
+    <message>
+        <source>The application and window in front are read through the accessibility bus, and captured notes are filed under them.</source>
+        <translation>Anwendung und Fenster im Vordergrund werden über den Barrierefreiheits-Bus gelesen, und erfasste Notizen werden darunter abgelegt.</translation>
+    </message>
+    <message>
+        <source>This desktop does not tell which application is in front, so captured notes are filed under “Unknown”.</source>
+        <translation>Diese Arbeitsumgebung verrät nicht, welche Anwendung im Vordergrund ist; erfasste Notizen werden daher unter „Unknown“ abgelegt.</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>When an application keeps no selection, Vesko presses Ctrl+Insert for you.</source>
+        <translation>Wenn eine Anwendung keine Auswahl bereithält, drückt Vesko für Sie Strg+Einfg.</translation>
+    </message>
+    <message>
+        <source>Vesko cannot press Ctrl+Insert here: select the text before you capture.</source>
+        <translation>Vesko kann hier nicht Strg+Einfg drücken: Wählen Sie den Text vor dem Erfassen aus.</translation>
+    </message>
+    <message>
+        <source>Double Shift</source>
+        <translation>Doppeltes Umschalt</translation>
+    </message>
+    <message>
+        <source>Vesko sees the Shift key when you turn it on.</source>
+        <translation>Vesko erkennt die Umschalttaste, sobald Sie dies einschalten.</translation>
+    </message>
+    <message>
+        <source>Your desktop passes each Shift release to Vesko.</source>
+        <translation>Ihre Arbeitsumgebung meldet Vesko jedes Loslassen der Umschalttaste.</translation>
+    </message>
+    <message>
+        <source>Not available on this desktop; use the capture shortcut instead.</source>
+        <translation>In dieser Arbeitsumgebung nicht verfügbar; verwenden Sie stattdessen das Tastenkürzel zum Erfassen.</translation>
+    </message>
+    <message>
+        <source>The desktop refused Vesko&apos;s shortcuts. Bind the commands below in its keyboard settings instead.</source>
+        <translation>Die Arbeitsumgebung hat Veskos Tastenkürzel abgelehnt. Weisen Sie stattdessen die folgenden Befehle in ihren Tastatureinstellungen zu.</translation>
+    </message>
+    <message>
+        <source>The desktop ended Vesko&apos;s shortcuts. Start Vesko again to bind them, or bind the commands below in its keyboard settings.</source>
+        <translation>Die Arbeitsumgebung hat Veskos Tastenkürzel beendet. Starten Sie Vesko neu, um sie zuzuweisen, oder weisen Sie die folgenden Befehle in ihren Tastatureinstellungen zu.</translation>
+    </message>
+    <message>
+        <source>The desktop did not answer when Vesko asked for its shortcuts. Bind the commands below in its keyboard settings instead.</source>
+        <translation>Die Arbeitsumgebung hat nicht geantwortet, als Vesko seine Tastenkürzel anforderte. Weisen Sie stattdessen die folgenden Befehle in ihren Tastatureinstellungen zu.</translation>
+    </message>
+    <message>
+        <source>In Settings &gt; Keyboard &gt; Custom Shortcuts (under “View and Customize Shortcuts”), add a shortcut for each command: a name, the command, and the keys.</source>
+        <translation>Fügen Sie unter Einstellungen &gt; Tastatur &gt; Eigene Tastenkürzel (unter „Tastenkürzel anzeigen und anpassen“) für jeden Befehl ein Tastenkürzel hinzu: einen Namen, den Befehl und die Tasten.</translation>
+    </message>
+    <message>
+        <source>In System Settings &gt; Keyboard &gt; Shortcuts, choose “Add New” &gt; “Command or Script” for each command and give it keys.</source>
+        <translation>Wählen Sie in den Systemeinstellungen &gt; Tastatur &gt; Kurzbefehle für jeden Befehl „Neu hinzufügen“ &gt; „Befehl oder Skript“ und weisen Sie ihm Tasten zu.</translation>
+    </message>
+    <message>
+        <source>Add these lines to your sway configuration (~/.config/sway/config), then reload sway:</source>
+        <translation>Fügen Sie diese Zeilen Ihrer sway-Konfiguration (~/.config/sway/config) hinzu und laden Sie sway dann neu:</translation>
+    </message>
+    <message>
+        <source>In your desktop&apos;s keyboard settings, bind keys to each command.</source>
+        <translation>Weisen Sie in den Tastatureinstellungen Ihrer Arbeitsumgebung jedem Befehl Tasten zu.</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
-    <message>
-        <source>Commands:
-  (none)        start Vesko, or show the panel of the one that runs
-  toggle        show or hide the panel
-  show          show the panel with the composer focused
-  hide          hide the panel
-  capture       add the selected text of the front window as a note
-  quick-add     show the panel to type a note
-  copy-list     copy the selected notes, else every visible one, as a list
-  quit          quit Vesko
-  add TEXT...   add a note (&quot;-&quot; reads it from standard input)
-  list          print the notes of the active project
-  search QUERY  print the notes that contain QUERY
-  mcp           serve the notes to AI agents (Model Context Protocol)
-
-Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
-        <translation>Befehle:
-  (keiner)      Vesko starten oder das Panel des laufenden Vesko anzeigen
-  toggle        das Panel anzeigen oder ausblenden
-  show          das Panel mit dem Eingabefeld im Fokus anzeigen
-  hide          das Panel ausblenden
-  capture       den ausgewählten Text des vorderen Fensters als Notiz hinzufügen
-  quick-add     das Panel zum Eintippen einer Notiz anzeigen
-  copy-list     die ausgewählten Notizen, sonst alle sichtbaren, als Liste kopieren
-  quit          Vesko beenden
-  add TEXT...   eine Notiz hinzufügen („-“ liest sie aus der Standardeingabe)
-  list          die Notizen des aktiven Projekts ausgeben
-  search SUCHE  die Notizen ausgeben, die SUCHE enthalten
-  mcp           die Notizen KI-Agenten bereitstellen (Model Context Protocol)
-
-„vesko BEFEHL --help“ zeigt die Optionen eines Befehls.</translation>
-    </message>
     <message>
         <source>Shows this help.</source>
         <translation>Zeigt diese Hilfe.</translation>
@@ -199,6 +275,44 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     <message>
         <source>query</source>
         <translation>Suche</translation>
+    </message>
+    <message>
+        <source>Commands:
+  (none)        start Vesko, or show the panel of the one that runs
+  toggle        show or hide the panel
+  show          show the panel with the composer focused
+  hide          hide the panel
+  capture       add the selected text of the front window as a note
+  quick-add     show the panel to type a note
+  copy-list     copy the selected notes, else every visible one, as a list
+  shift         one tap of a lone Shift key, for double Shift where the
+                desktop runs a command on a Shift release (sway: bindsym
+                --release Shift_L exec vesko shift)
+  quit          quit Vesko
+  add TEXT...   add a note (&quot;-&quot; reads it from standard input)
+  list          print the notes of the active project
+  search QUERY  print the notes that contain QUERY
+  mcp           serve the notes to AI agents (Model Context Protocol)
+
+Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
+        <translation>Befehle:
+  (keiner)      Vesko starten oder das Panel des laufenden Vesko anzeigen
+  toggle        das Panel anzeigen oder ausblenden
+  show          das Panel mit dem Eingabefeld im Fokus anzeigen
+  hide          das Panel ausblenden
+  capture       den ausgewählten Text des vorderen Fensters als Notiz hinzufügen
+  quick-add     das Panel zum Eintippen einer Notiz anzeigen
+  copy-list     die ausgewählten Notizen, sonst alle sichtbaren, als Liste kopieren
+  shift         ein einzelnes Antippen der Umschalttaste, für doppeltes Umschalt, wo
+                die Arbeitsumgebung beim Loslassen von Umschalt einen Befehl
+                ausführt (sway: bindsym --release Shift_L exec vesko shift)
+  quit          Vesko beenden
+  add TEXT...   eine Notiz hinzufügen („-“ liest sie aus der Standardeingabe)
+  list          die Notizen des aktiven Projekts ausgeben
+  search SUCHE  die Notizen ausgeben, die SUCHE enthalten
+  mcp           die Notizen KI-Agenten bereitstellen (Model Context Protocol)
+
+„vesko BEFEHL --help“ zeigt die Optionen eines Befehls.</translation>
     </message>
 </context>
 <context>
@@ -405,7 +519,7 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     </message>
     <message>
         <source>%1 is “%2”, which is neither “image” nor “file”.</source>
-        <translation>%1 ist „%2“, also weder „image“ noch „file“.</translation>
+        <translation>%1 ist „%2“, was weder „image“ noch „file“ ist.</translation>
     </message>
     <message>
         <source>%1 is missing.</source>
@@ -433,7 +547,7 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     </message>
     <message>
         <source>%1 is “%2”, which is not a UUID.</source>
-        <translation>%1 ist „%2“, also keine UUID.</translation>
+        <translation>%1 ist „%2“, das ist keine UUID.</translation>
     </message>
     <message>
         <source>a date string</source>
@@ -441,7 +555,7 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     </message>
     <message>
         <source>%1 is “%2”, which is not an ISO-8601 date.</source>
-        <translation>%1 ist „%2“, also kein Datum nach ISO 8601.</translation>
+        <translation>%1 ist „%2“, das ist kein Datum nach ISO 8601.</translation>
     </message>
     <message>
         <source>The file is not valid UTF-8 text.</source>
@@ -1416,7 +1530,7 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     </message>
     <message>
         <source>Capture with Shift pressed twice</source>
-        <translation>Mit zweimal Umschalt erfassen</translation>
+        <translation>Mit doppeltem Umschalt erfassen</translation>
     </message>
     <message>
         <source>Bring the panel forward on capture</source>
@@ -1469,6 +1583,22 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     <message>
         <source>Not listening</source>
         <translation>Nicht aktiv</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>Command for “%1”</source>
+        <translation>Befehl für „%1“</translation>
+    </message>
+    <message>
+        <source>Lines for the sway configuration</source>
+        <translation>Zeilen für die sway-Konfiguration</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
     </message>
 </context>
 <context>
@@ -1921,6 +2051,18 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     <message>
         <source>Taken by another application</source>
         <translation>Von einer anderen Anwendung belegt</translation>
+    </message>
+    <message>
+        <source>Not set</source>
+        <translation>Nicht festgelegt</translation>
+    </message>
+    <message>
+        <source>Your desktop keeps this shortcut: click to change it in the desktop&apos;s settings.</source>
+        <translation>Ihre Arbeitsumgebung verwaltet dieses Tastenkürzel: Klicken Sie, um es in ihren Einstellungen zu ändern.</translation>
+    </message>
+    <message>
+        <source>Your desktop keeps this shortcut: change it in the desktop&apos;s settings.</source>
+        <translation>Ihre Arbeitsumgebung verwaltet dieses Tastenkürzel: Ändern Sie es in ihren Einstellungen.</translation>
     </message>
 </context>
 <context>

@@ -4,10 +4,6 @@
 <context>
     <name>CaptureSettingsView</name>
     <message>
-        <source>This is a Wayland session: it keeps other applications&apos; keys and selected text away from Vesko.</source>
-        <translation>Ceci est une session Wayland&#xa0;: elle tient les touches et le texte sélectionné des autres applications hors de portée de Vesko.</translation>
-    </message>
-    <message>
         <source>Vesko is not running on an X server, so it cannot see other applications&apos; keys and selected text.</source>
         <translation>Vesko ne s&apos;exécute pas sur un serveur X et ne peut donc pas voir les touches ni le texte sélectionné des autres applications.</translation>
     </message>
@@ -31,41 +27,121 @@
         <source>Enable the extension in the X server&apos;s configuration and start Vesko again. Until then, paste text into the composer and drop files on notes.</source>
         <translation>Activez l&apos;extension dans la configuration du serveur X et redémarrez Vesko. En attendant, collez du texte dans la zone de saisie et déposez des fichiers sur les notes.</translation>
     </message>
+    <message>
+        <source>This Wayland desktop does not let Vesko read the text selected in other applications.</source>
+        <translation>Ce bureau Wayland ne permet pas à Vesko de lire le texte sélectionné dans les autres applications.</translation>
+    </message>
+    <message>
+        <source>Here you can still bind Vesko&apos;s commands to keys, paste text into the composer and drop files on notes. In an X11 (Xorg) session capture works in full.</source>
+        <translation>Vous pouvez toutefois associer les commandes de Vesko à des touches, coller du texte dans la zone de saisie et déposer des fichiers sur les notes. Dans une session X11 (Xorg), la capture fonctionne entièrement.</translation>
+    </message>
+    <message>
+        <source>Shortcuts</source>
+        <translation>Raccourcis</translation>
+    </message>
+    <message>
+        <source>Vesko holds its shortcuts itself.</source>
+        <translation>Vesko gère lui-même ses raccourcis.</translation>
+    </message>
+    <message>
+        <source>Your desktop keeps Vesko&apos;s shortcuts; you change them in its settings.</source>
+        <translation>Votre bureau gère les raccourcis de Vesko&#xa0;; vous les modifiez dans ses paramètres.</translation>
+    </message>
+    <message>
+        <source>This desktop gives Vesko no shortcuts of its own. Bind the commands below to keys in its keyboard settings.</source>
+        <translation>Ce bureau ne donne pas de raccourcis propres à Vesko. Associez les commandes ci-dessous à des touches dans ses paramètres du clavier.</translation>
+    </message>
+    <message>
+        <source>Selected text</source>
+        <translation>Texte sélectionné</translation>
+    </message>
+    <message>
+        <source>Read from the application in front when you capture.</source>
+        <translation>Lu dans l’application au premier plan lors de la capture.</translation>
+    </message>
+    <message>
+        <source>Read as the panel comes forward, so capture with a shortcut that runs “%1”.</source>
+        <translation>Lu quand le panneau passe au premier plan&#xa0;: capturez donc avec un raccourci qui lance «&#xa0;%1&#xa0;».</translation>
+    </message>
+    <message>
+        <source>This desktop does not let Vesko read it. Paste text into the composer instead.</source>
+        <translation>Ce bureau ne permet pas à Vesko de le lire. Collez plutôt le texte dans la zone de saisie.</translation>
+    </message>
+    <message>
+        <source>Source</source>
+        <translation>Source</translation>
+    </message>
+    <message>
+        <source>Captured notes are filed under the application and window they came from.</source>
+        <translation>Les notes capturées sont classées sous l’application et la fenêtre d’où elles viennent.</translation>
+    </message>
+    <message>
+        <source>The application and window in front are read through the accessibility bus, and captured notes are filed under them.</source>
+        <translation>L’application et la fenêtre au premier plan sont lues par le bus d’accessibilité, et les notes capturées sont classées sous elles.</translation>
+    </message>
+    <message>
+        <source>This desktop does not tell which application is in front, so captured notes are filed under “Unknown”.</source>
+        <translation>Ce bureau n’indique pas quelle application est au premier plan&#xa0;: les notes capturées sont donc classées sous «&#xa0;Unknown&#xa0;».</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Copier</translation>
+    </message>
+    <message>
+        <source>When an application keeps no selection, Vesko presses Ctrl+Insert for you.</source>
+        <translation>Quand une application ne garde pas de sélection, Vesko appuie pour vous sur Ctrl+Inser.</translation>
+    </message>
+    <message>
+        <source>Vesko cannot press Ctrl+Insert here: select the text before you capture.</source>
+        <translation>Vesko ne peut pas appuyer sur Ctrl+Inser ici&#xa0;: sélectionnez le texte avant de capturer.</translation>
+    </message>
+    <message>
+        <source>Double Shift</source>
+        <translation>Double Maj</translation>
+    </message>
+    <message>
+        <source>Vesko sees the Shift key when you turn it on.</source>
+        <translation>Vesko voit la touche Maj dès que vous l’activez.</translation>
+    </message>
+    <message>
+        <source>Your desktop passes each Shift release to Vesko.</source>
+        <translation>Votre bureau transmet à Vesko chaque relâchement de Maj.</translation>
+    </message>
+    <message>
+        <source>Not available on this desktop; use the capture shortcut instead.</source>
+        <translation>Indisponible sur ce bureau&#xa0;; utilisez plutôt le raccourci de capture.</translation>
+    </message>
+    <message>
+        <source>The desktop refused Vesko&apos;s shortcuts. Bind the commands below in its keyboard settings instead.</source>
+        <translation>Le bureau a refusé les raccourcis de Vesko. Associez plutôt les commandes ci-dessous dans ses paramètres du clavier.</translation>
+    </message>
+    <message>
+        <source>The desktop ended Vesko&apos;s shortcuts. Start Vesko again to bind them, or bind the commands below in its keyboard settings.</source>
+        <translation>Le bureau a mis fin aux raccourcis de Vesko. Relancez Vesko pour les associer, ou associez les commandes ci-dessous dans ses paramètres du clavier.</translation>
+    </message>
+    <message>
+        <source>The desktop did not answer when Vesko asked for its shortcuts. Bind the commands below in its keyboard settings instead.</source>
+        <translation>Le bureau n’a pas répondu quand Vesko a demandé ses raccourcis. Associez plutôt les commandes ci-dessous dans ses paramètres du clavier.</translation>
+    </message>
+    <message>
+        <source>In Settings &gt; Keyboard &gt; Custom Shortcuts (under “View and Customize Shortcuts”), add a shortcut for each command: a name, the command, and the keys.</source>
+        <translation>Dans Paramètres &gt; Clavier &gt; Raccourcis personnalisés (sous «&#xa0;Afficher et personnaliser les raccourcis&#xa0;»), ajoutez un raccourci pour chaque commande&#xa0;: un nom, la commande et les touches.</translation>
+    </message>
+    <message>
+        <source>In System Settings &gt; Keyboard &gt; Shortcuts, choose “Add New” &gt; “Command or Script” for each command and give it keys.</source>
+        <translation>Dans Configuration du système &gt; Clavier &gt; Raccourcis, choisissez «&#xa0;Ajouter un nouveau&#xa0;» &gt; «&#xa0;Commande ou script&#xa0;» pour chaque commande et donnez-lui des touches.</translation>
+    </message>
+    <message>
+        <source>Add these lines to your sway configuration (~/.config/sway/config), then reload sway:</source>
+        <translation>Ajoutez ces lignes à votre configuration de sway (~/.config/sway/config), puis rechargez sway&#xa0;:</translation>
+    </message>
+    <message>
+        <source>In your desktop&apos;s keyboard settings, bind keys to each command.</source>
+        <translation>Dans les paramètres du clavier de votre bureau, associez des touches à chaque commande.</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
-    <message>
-        <source>Commands:
-  (none)        start Vesko, or show the panel of the one that runs
-  toggle        show or hide the panel
-  show          show the panel with the composer focused
-  hide          hide the panel
-  capture       add the selected text of the front window as a note
-  quick-add     show the panel to type a note
-  copy-list     copy the selected notes, else every visible one, as a list
-  quit          quit Vesko
-  add TEXT...   add a note (&quot;-&quot; reads it from standard input)
-  list          print the notes of the active project
-  search QUERY  print the notes that contain QUERY
-  mcp           serve the notes to AI agents (Model Context Protocol)
-
-Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
-        <translation>Commandes&#xa0;:
-  (aucune)      démarrer Vesko, ou afficher le panneau de celui qui tourne
-  toggle        afficher ou masquer le panneau
-  show          afficher le panneau, la zone de saisie active
-  hide          masquer le panneau
-  capture       ajouter en note le texte sélectionné de la fenêtre au premier plan
-  quick-add     afficher le panneau pour saisir une note
-  copy-list     copier en liste les notes sélectionnées, sinon toutes les visibles
-  quit          quitter Vesko
-  add TEXTE...  ajouter une note («&#xa0;-&#xa0;» la lit sur l&apos;entrée standard)
-  list          afficher les notes du projet actif
-  search REQ    afficher les notes qui contiennent REQ
-  mcp           servir les notes aux agents d&apos;IA (Model Context Protocol)
-
-«&#xa0;vesko COMMANDE --help&#xa0;» affiche les options d&apos;une commande.</translation>
-    </message>
     <message>
         <source>Shows this help.</source>
         <translation>Affiche cette aide.</translation>
@@ -200,6 +276,44 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
         <source>query</source>
         <translation>requête</translation>
     </message>
+    <message>
+        <source>Commands:
+  (none)        start Vesko, or show the panel of the one that runs
+  toggle        show or hide the panel
+  show          show the panel with the composer focused
+  hide          hide the panel
+  capture       add the selected text of the front window as a note
+  quick-add     show the panel to type a note
+  copy-list     copy the selected notes, else every visible one, as a list
+  shift         one tap of a lone Shift key, for double Shift where the
+                desktop runs a command on a Shift release (sway: bindsym
+                --release Shift_L exec vesko shift)
+  quit          quit Vesko
+  add TEXT...   add a note (&quot;-&quot; reads it from standard input)
+  list          print the notes of the active project
+  search QUERY  print the notes that contain QUERY
+  mcp           serve the notes to AI agents (Model Context Protocol)
+
+Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
+        <translation>Commandes&#xa0;:
+  (aucune)      démarrer Vesko, ou afficher le panneau de celui qui tourne
+  toggle        afficher ou masquer le panneau
+  show          afficher le panneau, la zone de saisie active
+  hide          masquer le panneau
+  capture       ajouter en note le texte sélectionné de la fenêtre au premier plan
+  quick-add     afficher le panneau pour saisir une note
+  copy-list     copier en liste les notes sélectionnées, sinon toutes les visibles
+  shift         un appui isolé sur Maj, pour le double Maj là où le bureau
+                lance une commande au relâchement de Maj (sway&#xa0;: bindsym
+                --release Shift_L exec vesko shift)
+  quit          quitter Vesko
+  add TEXTE...  ajouter une note («&#xa0;-&#xa0;» la lit sur l&apos;entrée standard)
+  list          afficher les notes du projet actif
+  search REQ    afficher les notes qui contiennent REQ
+  mcp           servir les notes aux agents d&apos;IA (Model Context Protocol)
+
+«&#xa0;vesko COMMANDE --help&#xa0;» affiche les options d&apos;une commande.</translation>
+    </message>
 </context>
 <context>
     <name>DesktopFiles</name>
@@ -244,8 +358,8 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     <message numerus="yes">
         <source>Vesko runs but did not answer within %n seconds.</source>
         <translation>
-            <numerusform>Vesko tourne mais n&apos;a pas répondu en %n seconde.</numerusform>
-            <numerusform>Vesko tourne mais n&apos;a pas répondu en %n secondes.</numerusform>
+            <numerusform>Vesko est lancé mais n&apos;a pas répondu en %n seconde.</numerusform>
+            <numerusform>Vesko est lancé mais n&apos;a pas répondu en %n secondes.</numerusform>
         </translation>
     </message>
     <message numerus="yes">
@@ -405,7 +519,7 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     </message>
     <message>
         <source>%1 is “%2”, which is neither “image” nor “file”.</source>
-        <translation>%1 vaut «&#xa0;%2&#xa0;», ni «&#xa0;image&#xa0;» ni «&#xa0;file&#xa0;».</translation>
+        <translation>%1 vaut «&#xa0;%2&#xa0;», qui n&apos;est ni «&#xa0;image&#xa0;» ni «&#xa0;file&#xa0;».</translation>
     </message>
     <message>
         <source>%1 is missing.</source>
@@ -709,7 +823,7 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     </message>
     <message>
         <source>Clear Completed</source>
-        <translation>Effacer les terminées</translation>
+        <translation>Effacer les notes terminées</translation>
     </message>
     <message>
         <source>Export as Markdown…</source>
@@ -1067,7 +1181,7 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     </message>
     <message>
         <source>Mark or Unmark Done</source>
-        <translation>Marquer ou démarquer comme terminée</translation>
+        <translation>Marquer comme terminée ou non terminée</translation>
     </message>
     <message>
         <source>Edit Note</source>
@@ -1282,7 +1396,7 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     </message>
     <message>
         <source>Clear Completed</source>
-        <translation>Effacer les terminées</translation>
+        <translation>Effacer les notes terminées</translation>
     </message>
     <message>
         <source>Sections</source>
@@ -1469,6 +1583,22 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     <message>
         <source>Not listening</source>
         <translation>Pas à l&apos;écoute</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Copier</translation>
+    </message>
+    <message>
+        <source>Command for “%1”</source>
+        <translation>Commande pour «&#xa0;%1&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Lines for the sway configuration</source>
+        <translation>Lignes pour la configuration de sway</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1&#xa0;: %2</translation>
     </message>
 </context>
 <context>
@@ -1920,7 +2050,19 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     </message>
     <message>
         <source>Taken by another application</source>
-        <translation>Pris par une autre application</translation>
+        <translation>Déjà utilisé par une autre application</translation>
+    </message>
+    <message>
+        <source>Not set</source>
+        <translation>Non défini</translation>
+    </message>
+    <message>
+        <source>Your desktop keeps this shortcut: click to change it in the desktop&apos;s settings.</source>
+        <translation>Votre bureau gère ce raccourci&#xa0;: cliquez pour le modifier dans ses paramètres.</translation>
+    </message>
+    <message>
+        <source>Your desktop keeps this shortcut: change it in the desktop&apos;s settings.</source>
+        <translation>Votre bureau gère ce raccourci&#xa0;: modifiez-le dans ses paramètres.</translation>
     </message>
 </context>
 <context>
@@ -2021,7 +2163,7 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     </message>
     <message>
         <source>Clear Completed in This Project</source>
-        <translation>Effacer les terminées de ce projet</translation>
+        <translation>Effacer les notes terminées de ce projet</translation>
     </message>
     <message>
         <source>Copied as List</source>
