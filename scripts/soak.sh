@@ -29,6 +29,15 @@ sleep 3 # the first start makes its folders and registers on the bus
 xterm -geometry 80x10+0+0 -e "sleep 100000" &
 xterm_pid=$!
 
+# Waits, within a generous bound, until the program's window has the focus.
+focused() {
+    local _
+    for _ in $(seq 1 100); do
+        [ "$(xdotool getactivewindow getwindowpid 2>/dev/null)" = "$pid" ] && return 0
+        sleep 0.05
+    done
+    return 1
+}
 rss() { awk '/^VmRSS/ { print $2 }' "/proc/$pid/status"; }
 word() {
     local letters=abcdefghijklmnopqrstuvwxyz w= i
@@ -47,10 +56,13 @@ while [ "$SECONDS" -lt "$end" ]; do
     case $((RANDOM % 6)) in
     0 | 1) # typed into the composer of the shown panel
         "$vesko" show
-        sleep 0.3
-        xdotool type --delay 5 "$text"
-        xdotool key Return
-        echo "typed $text" >>"$log"
+        if focused; then
+            xdotool type --delay 5 "$text"
+            xdotool key Return
+            echo "typed $text" >>"$log"
+        else
+            echo "unfocused $text" >>"$log"
+        fi
         ;;
     2) # added from the command line
         "$vesko" add "$text" >/dev/null
@@ -63,7 +75,7 @@ while [ "$SECONDS" -lt "$end" ]; do
         ;;
     4) # searched for, then the search cleared
         "$vesko" show
-        sleep 0.2
+        focused || true
         xdotool key ctrl+f
         xdotool type --delay 5 "$(word)"
         sleep 0.3
@@ -92,7 +104,8 @@ done <"$log"
 python3 -c 'import json, sys; json.load(open(sys.argv[1]))' "$library" || { echo "soak: the library is not valid JSON"; exit 1; }
 actions=$(wc -l <"$log")
 notes=$(grep -cE '^(typed|added) ' "$log" || true)
-echo "soak: $minutes min, $actions actions, $notes notes sent, $missing missing; VmRSS ${base} kB after warm-up, ${final} kB at the end"
+unfocused=$(grep -c '^unfocused ' "$log" || true)
+echo "soak: $minutes min, $actions actions, $notes notes sent, $missing missing, $unfocused not typed (no focus); VmRSS ${base} kB after warm-up, ${final} kB at the end"
 [ "$missing" -eq 0 ] || exit 1
 if [ -n "$base" ] && [ "$final" -ge $((base * 110 / 100)) ]; then
     echo "soak: resident memory grew by 10 % or more"
