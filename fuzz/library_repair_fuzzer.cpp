@@ -80,20 +80,44 @@ Library builtLibrary(FuzzedDataProvider &data)
     return library;
 }
 
-// The notes of each project, in a fixed order.
-QList<QList<Note>> notesByProject(const Library &library)
+// The notes of each project, each by every field the repair could touch,
+// in a fixed order.
+QList<QStringList> notesByProject(const Library &library)
 {
-    QList<QList<Note>> all;
+    QList<QStringList> all;
     for (const Project &project : library.projects) {
-        QList<Note> notes;
-        for (const NoteSection &section : project.sections)
-            notes.append(section.notes);
-        std::sort(notes.begin(), notes.end(), [](const Note &a, const Note &b) {
-            return std::pair(a.id, a.text) < std::pair(b.id, b.text);
-        });
+        QStringList notes;
+        for (const NoteSection &section : project.sections) {
+            for (const Note &note : section.notes) {
+                notes.append(QStringList {note.id.toString(), note.text,
+                    QString::number(note.isDone), note.createdAt.toString(Qt::ISODateWithMs),
+                    note.source ? u'+' + note.source->appName : QString(),
+                    note.source ? note.source->windowTitle.value_or(QStringLiteral("-")) : QString(),
+                    QString::number(note.attachments.size())}
+                                 .join(u'\x1f'));
+            }
+        }
+        notes.sort();
         all.append(notes);
     }
     return all;
+}
+
+// Prints each project's sections and notes, for a failure's report.
+void print(const char *label, const Library &library)
+{
+    std::fprintf(stderr, "%s, version %lld\n", label, qlonglong(library.version));
+    for (const Project &project : library.projects) {
+        std::fprintf(stderr, "project %s\n", qPrintable(project.id.toString()));
+        for (const NoteSection &section : project.sections) {
+            std::fprintf(stderr, "  section %s %s%s:", qPrintable(section.id.toString().mid(1, 8)),
+                qPrintable(section.title), section.isAutomatic ? " (automatic)" : "");
+            for (const Note &note : section.notes)
+                std::fprintf(stderr, " %s%s", qPrintable(note.id.toString().mid(1, 8)),
+                    note.source ? "*" : "");
+            std::fprintf(stderr, "\n");
+        }
+    }
 }
 
 } // namespace
@@ -124,6 +148,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
         FUZZ_REQUIRE(library.projects.size() == original.projects.size());
         for (qsizetype i = 0; i < library.projects.size(); ++i)
             FUZZ_REQUIRE(library.projects.at(i).id == original.projects.at(i).id);
+        if (notesByProject(library) != notesByProject(original)) {
+            print("read", original);
+            print("repaired", library);
+        }
         FUZZ_REQUIRE(notesByProject(library) == notesByProject(original));
     }
 
