@@ -4,6 +4,7 @@
 
 #include "library/LibraryFile.h"
 #include "platform/FileSystem.h"
+#include "platform/Logging.h"
 #include "platform/SerialQueue.h"
 
 #include <QCoreApplication>
@@ -14,6 +15,7 @@
 #include <QFileInfo>
 #include <QMimeDatabase>
 #include <QPointer>
+#include <QSet>
 #include <QThreadPool>
 
 #include <cerrno>
@@ -355,9 +357,65 @@ void AttachmentStore::copyFolder(const QString &from, const QString &to, QObject
     });
 }
 
-void AttachmentStore::removeMovedLibrary(const QString &oldLibrary, const QString &newLibrary)
+void AttachmentStore::beginLibraryMove(const QString &oldLibrary, const QString &newLibrary)
 {
-    m_queue->async([oldLibrary, newLibrary] { Vesko::removeMovedLibrary(oldLibrary, newLibrary); });
+    m_queue->async([oldLibrary, newLibrary] {
+        if (const std::optional<QString> failure = writeLibraryMoveJournal(oldLibrary, newLibrary))
+            qCWarning(lcStorage, "Cannot record the move of the library: %s",
+                qUtf8Printable(*failure));
+    });
+}
+
+void AttachmentStore::removeMovedLibrary(
+    const QString &oldLibrary, const QString &newLibrary, std::function<void()> settle)
+{
+    m_queue->async([oldLibrary, newLibrary, settle = std::move(settle)] {
+        // The old library goes only once nothing leads back to it: removed
+        // before the settings name the new file, a crash would leave none.
+        settle();
+        Vesko::removeMovedLibrary(oldLibrary, newLibrary);
+        removeLibraryMoveJournal();
+    });
+}
+
+void AttachmentStore::endLibraryMove()
+{
+    m_queue->async([] { removeLibraryMoveJournal(); });
+}
+
+void AttachmentStore::removeUnreferencedFolders(const Library &library, const QString &folder)
+{
+    m_queue->async([library, folder] {
+        const QStringList removed = removeUnreferencedFoldersNow(library, folder);
+        if (!removed.isEmpty())
+            qCInfo(lcStorage, "Removed %lld attachment folders that no note refers to",
+                qlonglong(removed.size()));
+    });
+}
+
+QStringList AttachmentStore::removeUnreferencedFoldersNow(
+    const Library &library, const QString &folder)
+{
+    QSet<QString> referenced;
+    for (const Project &project : library.projects) {
+        for (const NoteSection &section : project.sections) {
+            for (const Note &note : section.notes) {
+                for (const NoteAttachment &attachment : note.attachments)
+                    referenced.insert(attachment.storedFileName.section(u'/', 0, 0));
+            }
+        }
+    }
+    QStringList removed;
+    const QDir dir(folder);
+    for (const QString &name : dir.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden)) {
+        const QUuid id = QUuid::fromString(name);
+        if (id.isNull() || name != id.toString(QUuid::WithoutBraces).toUpper()
+            || referenced.contains(name) || QFileInfo(dir.filePath(name)).isSymLink())
+            continue;
+        if (QDir(dir.filePath(name)).removeRecursively())
+            removed.append(name);
+    }
+    return removed;
 }
 
 void AttachmentStore::waitForIdle()

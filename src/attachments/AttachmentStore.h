@@ -78,9 +78,26 @@ public:
     void copyFolder(const QString &from, const QString &to, QObject *context, CopyProgress progress,
         CopyCompletion completion, std::shared_ptr<const std::atomic_bool> cancelled = {});
 
-    //! Removes the file at \a oldLibrary and its attachment folder in the
-    //! background, unless they are the same as those of \a newLibrary. After a move.
-    void removeMovedLibrary(const QString &oldLibrary, const QString &newLibrary);
+    //! Before a move of the library, ahead of its copy: records the move in
+    //! the background (see writeLibraryMoveJournal()), so that a start after
+    //! a crash finishes or undoes it.
+    void beginLibraryMove(const QString &oldLibrary, const QString &newLibrary);
+    //! After a move, in the background: runs \a settle, which makes the new
+    //! place the one the next start uses, then removes the file at \a oldLibrary
+    //! and its attachment folder, unless they are the same as those of
+    //! \a newLibrary, and last the record of the move.
+    void removeMovedLibrary(
+        const QString &oldLibrary, const QString &newLibrary, std::function<void()> settle);
+    //! After a move that failed, in the background: removes the record of the move.
+    void endLibraryMove();
+
+    //! At a start, in the background: removes the folders below \a folder
+    //! that an import makes (named by an id) and no note of \a library refers
+    //! to, such as those of an import cut short by a crash, or finished but
+    //! never saved. Other files and folders stay.
+    void removeUnreferencedFolders(const Library &library, const QString &folder);
+    //! The same, on the calling thread; returns the names of the folders removed.
+    static QStringList removeUnreferencedFoldersNow(const Library &library, const QString &folder);
 
     //! Blocks until the jobs queued so far are done.
     void waitForIdle();

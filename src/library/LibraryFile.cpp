@@ -564,4 +564,59 @@ void removeMovedLibrary(const QString &oldPath, const QString &newPath)
         QDir(oldAttachments).removeRecursively();
 }
 
+QString libraryMoveJournalPath()
+{
+    return rescueFolder() + QStringLiteral("/LibraryMove.json");
+}
+
+std::optional<QString> writeLibraryMoveJournal(const QString &from, const QString &to)
+{
+    const QJsonObject journal {{QStringLiteral("from"), from}, {QStringLiteral("to"), to},
+        {QStringLiteral("makesLibrary"), !QFileInfo::exists(to)},
+        {QStringLiteral("makesAttachments"), !QFileInfo::exists(attachmentsFolder(to))}};
+    if (auto error = FileSystem::makePath(rescueFolder()))
+        return error;
+    const QString path = libraryMoveJournalPath();
+    const QString temporary = path + QStringLiteral(".new");
+    QFile::remove(temporary);
+    if (auto error = FileSystem::writeNewFile(temporary, QJsonDocument(journal).toJson()))
+        return error;
+    return FileSystem::replaceFile(temporary, path);
+}
+
+void removeLibraryMoveJournal()
+{
+    QFile::remove(libraryMoveJournalPath());
+    FileSystem::syncDirectory(rescueFolder());
+}
+
+bool finishInterruptedLibraryMove(const QString &libraryInUse)
+{
+    QFile file(libraryMoveJournalPath());
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QJsonObject journal = QJsonDocument::fromJson(file.readAll()).object();
+    file.close();
+    const QString from = journal.value(QStringLiteral("from")).toString();
+    const QString to = journal.value(QStringLiteral("to")).toString();
+    if (!from.isEmpty() && !to.isEmpty() && !isSameLocation(from, to)) {
+        if (isSameLocation(libraryInUse, to)) {
+            qCInfo(lcStorage, "Finishing the move of the library from %s", qUtf8Printable(from));
+            removeMovedLibrary(from, to);
+        } else if (isSameLocation(libraryInUse, from)) {
+            qCInfo(lcStorage, "Undoing the unfinished move of the library to %s",
+                qUtf8Printable(to));
+            if (journal.value(QStringLiteral("makesLibrary")).toBool())
+                QFile::remove(to);
+            removeStaleTemporaryFiles(to);
+            const QString attachments = attachmentsFolder(to);
+            if (journal.value(QStringLiteral("makesAttachments")).toBool()
+                && !isSameLocation(attachments, attachmentsFolder(from)))
+                QDir(attachments).removeRecursively();
+        }
+    }
+    removeLibraryMoveJournal();
+    return true;
+}
+
 } // namespace Vesko

@@ -145,6 +145,25 @@ std::optional<QString> mergeAttachmentFolder(
 //! is removed when both paths lead to the same file. Failures are ignored.
 void removeMovedLibrary(const QString &oldPath, const QString &newPath);
 
+//! The record of a library move under way, in rescueFolder(): written before
+//! the first byte is copied, removed once the old library is gone, so that a
+//! start after a crash can finish or undo a move that was cut short.
+QString libraryMoveJournalPath();
+
+//! Records a move from \a from to \a to, and which of the new library file
+//! and attachment folder the move makes (those that do not exist yet).
+std::optional<QString> writeLibraryMoveJournal(const QString &from, const QString &to);
+
+//! Removes the record once the move has fully ended.
+void removeLibraryMoveJournal();
+
+//! At a start: ends a move that a crash cut short, given the library file
+//! that the settings name. When that is the move's new file, the move had
+//! been taken over: the old library goes, as after every move. Otherwise the
+//! old file is still the one in use: what the move made at the new place goes.
+//! Returns whether there was a move to end.
+bool finishInterruptedLibraryMove(const QString &libraryInUse);
+
 //! "Vesko" in the user's state folder ($XDG_STATE_HOME, else ~/.local/state),
 //! where a library that could not be saved at the end is rescued.
 QString rescueFolder();

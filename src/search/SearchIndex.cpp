@@ -37,6 +37,14 @@ QByteArray idText(const QUuid &id)
     return id.toByteArray(QUuid::WithoutBraces).toUpper();
 }
 
+// Text as the tables hold it. SQLite's LIKE stops at a NUL character, so the
+// tables and the patterns hold U+FFFD in its place: what follows a NUL is
+// found too, and every match is checked against the text itself afterwards.
+QByteArray sqlText(QString text)
+{
+    return text.replace(QChar(u'\0'), QChar::ReplacementCharacter).toUtf8();
+}
+
 // User-perceived characters, as a person counts them.
 qsizetype graphemeCount(const QString &text)
 {
@@ -117,7 +125,7 @@ public:
             return scanIndexedMemory(q, project);
 
         try {
-            const QByteArray pattern = (u'%' + q + u'%').toUtf8();
+            const QByteArray pattern = sqlText(u'%' + q + u'%');
             const QByteArray projectID = idText(project.id);
             SearchMatches matches;
             for (const QUuid &id :
@@ -295,7 +303,7 @@ private:
                     ? note.text
                     : note.text + recordSeparator + note.attachmentNames.join(recordSeparator);
                 insertNote.run({idText(note.id), idText(note.projectID), idText(note.sectionID),
-                    body.toUtf8()});
+                    sqlText(body)});
                 entry.rowID = sqlite3_last_insert_rowid(database());
             };
             auto removeNote = [&](const MirrorNote &entry) {
@@ -304,7 +312,7 @@ private:
             };
             auto writeSection = [&](const IndexedSection &section) {
                 insertSection.run(
-                    {idText(section.id), idText(section.projectID), section.title.toUtf8()});
+                    {idText(section.id), idText(section.projectID), sqlText(section.title)});
             };
 
             if (!m_indexedRevision) {

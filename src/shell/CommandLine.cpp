@@ -274,4 +274,30 @@ CommandLineRequest CommandLine::parse(const QStringList &arguments)
     return invalid(Texts::tr("Unknown command \"%1\".").arg(command));
 }
 
+std::optional<QJsonObject> CommandLine::instanceRequest(
+    const CommandLineRequest &request, const QString &text)
+{
+    using Kind = CommandLineRequest::Kind;
+    QJsonObject made;
+    switch (request.kind) {
+    case Kind::Add:
+        made = {{QStringLiteral("command"), QStringLiteral("add")}, {QStringLiteral("text"), text}};
+        break;
+    case Kind::List:
+        made = {{QStringLiteral("command"), QStringLiteral("list")},
+            {QStringLiteral("includeDone"), request.includeDone}};
+        break;
+    case Kind::Search:
+        return QJsonObject {{QStringLiteral("command"), QStringLiteral("search")},
+            {QStringLiteral("query"), request.query}};
+    default:
+        return std::nullopt;
+    }
+    if (!request.section.isEmpty())
+        made.insert(QStringLiteral("section"), request.section);
+    if (!request.project.isEmpty())
+        made.insert(QStringLiteral("project"), request.project);
+    return made;
+}
+
 } // namespace Vesko

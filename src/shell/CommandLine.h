@@ -6,8 +6,11 @@
 
 #pragma once
 
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 namespace Vesko {
 
@@ -51,6 +54,11 @@ public:
 
     //! Reads \a arguments, the program's name first.
     static CommandLineRequest parse(const QStringList &arguments);
+
+    //! What an Add, List or Search hands to the running instance (see
+    //! NoteRequests), with \a text as the note of an Add; nothing for other kinds.
+    static std::optional<QJsonObject> instanceRequest(
+        const CommandLineRequest &request, const QString &text = {});
 };
 
 } // namespace Vesko

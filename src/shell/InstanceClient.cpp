@@ -334,33 +334,17 @@ int runClientCommand(const CommandLineRequest &request, const QString &libraryPa
         }
         if (text.trimmed().isEmpty())
             return fail(Texts::tr("The note is blank: nothing was added."));
-        QJsonObject add {
-            {QStringLiteral("command"), QStringLiteral("add")}, {QStringLiteral("text"), text}};
-        if (!request.section.isEmpty())
-            add.insert(QStringLiteral("section"), request.section);
-        if (!request.project.isEmpty())
-            add.insert(QStringLiteral("project"), request.project);
-        answer = client.send(add);
+        answer = client.send(*CommandLine::instanceRequest(request, text));
         break;
     }
-    case Kind::List: {
-        QJsonObject list {{QStringLiteral("command"), QStringLiteral("list")},
-            {QStringLiteral("includeDone"), request.includeDone}};
-        if (!request.section.isEmpty())
-            list.insert(QStringLiteral("section"), request.section);
-        if (!request.project.isEmpty())
-            list.insert(QStringLiteral("project"), request.project);
-        answer = client.send(list);
+    case Kind::List:
+    case Kind::Search:
+        answer = client.send(*CommandLine::instanceRequest(request));
         break;
-    }
     case Kind::Mcp: {
         McpServer server([&client](const QJsonObject &request) { return client.send(request); });
         return server.serve();
     }
-    case Kind::Search:
-        answer = client.send({{QStringLiteral("command"), QStringLiteral("search")},
-            {QStringLiteral("query"), request.query}});
-        break;
     default:
         return fail(Texts::tr("This is not a command for the running Vesko."));
     }

@@ -11,6 +11,7 @@
 #include "platform/Logging.h"
 #include "shell/Preferences.h"
 
+#include <QFileInfo>
 #include <QThread>
 
 namespace Vesko {
@@ -54,11 +55,18 @@ Store &Store::shared()
 {
     static Store *const store = [] {
         std::optional<UnreadableLibrary> unreadable;
+        finishInterruptedLibraryMove(libraryURL());
         Library loaded = loadLibrary(libraryURL(), &unreadable);
         auto *made = new Store(std::move(loaded),
             {Preferences::shared(), LibraryWriter::shared(), AttachmentStore::shared(),
                 SearchIndex::shared()});
         made->setUnreadableLibrary(unreadable);
+        // What an import cut short, or never saved, left behind goes; only
+        // when the library was read, or every attachment would seem unused.
+        if (!unreadable && QFileInfo::exists(libraryURL())) {
+            AttachmentStore::shared().removeUnreferencedFolders(
+                made->library(), attachmentsFolder(libraryURL()));
+        }
         return made;
     }();
     return *store;

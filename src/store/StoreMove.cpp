@@ -6,13 +6,15 @@
 // with the file in its new place and let the old one go. The interface never
 // waits for any of it, and the end is told by libraryMoveFinished(). New
 // attachment files wait for the end, so that none lands in the old folder
-// after its copy.
+// after its copy. A record of the move, kept until the old library is gone,
+// lets the next start finish or undo a move that a crash cut short.
 
 #include "store/Store.h"
 
 #include "attachments/AttachmentStore.h"
 #include "library/LibraryFile.h"
 #include "library/LibraryWriter.h"
+#include "platform/SettingsFile.h"
 #include "shell/Preferences.h"
 
 #include <QThread>
@@ -41,12 +43,15 @@ void Store::moveLibrary(const QString &destination)
     m_isMovingLibrary = true;
     Q_EMIT isMovingLibraryChanged();
     m_moveCancelled = std::make_shared<std::atomic_bool>(false);
+    m_attachments.beginLibraryMove(current, target);
     m_attachments.copyFolder(
         attachmentsFolder(current), attachmentsFolder(target), this,
         [this](qint64 copied, qint64 total) { Q_EMIT libraryMoveProgress(copied, total); },
         [this, current, target, cancelled = m_moveCancelled](std::optional<QString> failure) {
-            if (failure)
+            if (failure) {
+                m_attachments.endLibraryMove();
                 finishLibraryMove(cancelled->load() ? tr("The move was cancelled.") : *failure);
+            }
             else
                 writeMovedLibrary(current, target);
         },
@@ -66,8 +71,10 @@ void Store::writeMovedLibrary(const QString &current, const QString &target)
     const quint64 revision = m_libraryRevision;
     m_writer.writeThenRead(m_library, target, this,
         [this, current, target, revision](std::optional<QString> failure, const Library &readBack) {
-            if (failure)
+            if (failure) {
+                m_attachments.endLibraryMove();
                 finishLibraryMove(*failure); // the old file stays in use
+            }
             else
                 adoptMovedLibrary(current, target, readBack, revision);
         });
@@ -95,8 +102,13 @@ void Store::adoptMovedLibrary(
     else
         refreshAfterMutation();
 
-    if (!sameFile)
-        m_attachments.removeMovedLibrary(current, target);
+    if (sameFile) {
+        m_attachments.endLibraryMove();
+    } else {
+        // Every setting goes to the file through the one writer, the library's path too.
+        m_attachments.removeMovedLibrary(
+            current, target, [] { SettingsWriter::shared().flush(); });
+    }
     finishLibraryMove(QString());
 }
 
