@@ -249,7 +249,8 @@ void SearchIndexTest::everyPathAgreesWithAPlainScan()
                 qPrintable(QStringLiteral("query “%1”").arg(query)));
         }
     }
-    QCOMPARE(index.sqlQueryCount() > 0, plan != SearchIndex::Plan::Scan);
+    // A project this small is always read whole when the choice is free.
+    QCOMPARE(index.sqlQueryCount() > 0, plan == SearchIndex::Plan::Index);
 }
 
 void SearchIndexTest::searchesDoNotWaitForIndexing()

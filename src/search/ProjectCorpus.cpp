@@ -17,8 +17,73 @@ bool endsChunk(const QUuid &id)
     return (qHash(id) & boundaryMask) == 0;
 }
 
-// UTF-16 to UTF-8 that keeps a lone surrogate as three bytes of its own
-// instead of replacing it, so that no two texts encode alike.
+void appendCodePoint(char *&to, char32_t c)
+{
+    if (c < 0x80) {
+        *to++ = char(c);
+    } else if (c < 0x800) {
+        *to++ = char(0xC0 | (c >> 6));
+        *to++ = char(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+        *to++ = char(0xE0 | (c >> 12));
+        *to++ = char(0x80 | ((c >> 6) & 0x3F));
+        *to++ = char(0x80 | (c & 0x3F));
+    } else {
+        *to++ = char(0xF0 | (c >> 18));
+        *to++ = char(0x80 | ((c >> 12) & 0x3F));
+        *to++ = char(0x80 | ((c >> 6) & 0x3F));
+        *to++ = char(0x80 | (c & 0x3F));
+    }
+}
+
+// Each UTF-16 unit as QString::toLower() lower-cases it alone, or 0 for the
+// few whose lower case is longer than one unit.
+const char16_t *lowerTable()
+{
+    static const auto table = [] {
+        auto units = std::make_unique<char16_t[]>(0x10000);
+        for (char32_t u = 0; u < 0x10000; ++u) {
+            const QString lowered = QString(QChar(char16_t(u))).toLower();
+            units[u] = lowered.size() == 1 ? lowered.at(0).unicode() : 0;
+        }
+        return units;
+    }();
+    return table.get();
+}
+
+// Lower-cases \a text as QString::toLower() does and appends it as UTF-8,
+// keeping a lone surrogate as three bytes of its own instead of replacing it,
+// so that no two texts encode alike.
+void appendLowered(QByteArray &out, QStringView text)
+{
+    const char16_t *const lower = lowerTable();
+    const qsizetype start = out.size();
+    // Three bytes per unit at most, but for the few that lower-case to more.
+    out.resize(start + text.size() * 3);
+    char *to = out.data() + start;
+    const char16_t *from = text.utf16();
+    const char16_t *const end = from + text.size();
+    while (from < end) {
+        const char16_t c = *from++;
+        if (c < 0x80) {
+            *to++ = char(c >= u'A' && c <= u'Z' ? c + 32 : c);
+        } else if (QChar::isHighSurrogate(c) && from < end && QChar::isLowSurrogate(*from)) {
+            appendCodePoint(to, QChar::toLower(QChar::surrogateToUcs4(c, *from++)));
+        } else if (const char16_t l = lower[c]) {
+            appendCodePoint(to, l);
+        } else {
+            const QString lowered = QString(QChar(c)).toLower();
+            const qsizetype at = to - out.constData();
+            out.resize(out.size() + lowered.size() * 3);
+            to = out.data() + at;
+            for (const QChar unit : lowered)
+                appendCodePoint(to, unit.unicode());
+        }
+    }
+    out.resize(to - out.constData());
+}
+
+// \a text, lower-cased already, as appendLowered() would encode it.
 void appendEncoded(QByteArray &out, QStringView text)
 {
     const qsizetype start = out.size();
@@ -27,58 +92,22 @@ void appendEncoded(QByteArray &out, QStringView text)
     const char16_t *from = text.utf16();
     const char16_t *const end = from + text.size();
     while (from < end) {
-        const char32_t c = *from++;
-        if (c < 0x80) {
-            *to++ = char(c);
-        } else if (c < 0x800) {
-            *to++ = char(0xC0 | (c >> 6));
-            *to++ = char(0x80 | (c & 0x3F));
-        } else if (QChar::isHighSurrogate(c) && from < end && QChar::isLowSurrogate(*from)) {
-            const char32_t u = QChar::surrogateToUcs4(char16_t(c), *from++);
-            *to++ = char(0xF0 | (u >> 18));
-            *to++ = char(0x80 | ((u >> 12) & 0x3F));
-            *to++ = char(0x80 | ((u >> 6) & 0x3F));
-            *to++ = char(0x80 | (u & 0x3F));
-        } else {
-            *to++ = char(0xE0 | (c >> 12));
-            *to++ = char(0x80 | ((c >> 6) & 0x3F));
-            *to++ = char(0x80 | (c & 0x3F));
-        }
+        const char16_t c = *from++;
+        if (QChar::isHighSurrogate(c) && from < end && QChar::isLowSurrogate(*from))
+            appendCodePoint(to, QChar::surrogateToUcs4(c, *from++));
+        else
+            appendCodePoint(to, c);
     }
     out.resize(to - out.constData());
 }
 
-bool isAscii(QStringView text)
-{
-    char16_t any = 0;
-    for (const char16_t *c = text.utf16(), *end = c + text.size(); c < end; ++c)
-        any |= *c;
-    return any < 0x80;
-}
-
 } // namespace
-
-void ProjectCorpus::Chunk::addField(QStringView lowered)
-{
-    appendEncoded(text, lowered);
-    fieldEnds.append(quint32(text.size()));
-    fieldOwners.append(quint32(noteIDs.size() - 1));
-}
 
 void ProjectCorpus::Chunk::addLoweredField(const QString &source)
 {
-    if (isAscii(source)) {
-        // The common case, lower-cased on the way in.
-        const qsizetype start = text.size();
-        text.resize(start + source.size());
-        char *to = text.data() + start;
-        for (const char16_t *c = QStringView(source).utf16(), *end = c + source.size(); c < end; ++c)
-            *to++ = char(*c >= u'A' && *c <= u'Z' ? *c + 32 : *c);
-        fieldEnds.append(quint32(text.size()));
-        fieldOwners.append(quint32(noteIDs.size() - 1));
-    } else {
-        addField(source.toLower());
-    }
+    appendLowered(text, source);
+    fieldEnds.append(quint32(text.size()));
+    fieldOwners.append(quint32(noteIDs.size() - 1));
 }
 
 bool ProjectCorpus::Chunk::matches(const QList<const Note *> &notes) const

@@ -75,7 +75,6 @@ private:
         QList<QString> sourceTexts;
         QList<QList<NoteAttachment>> sourceAttachments;
 
-        void addField(QStringView lowered);
         void addLoweredField(const QString &text);
         bool matches(const QList<const Note *> &notes) const;
         static std::shared_ptr<const Chunk> make(const QList<const Note *> &notes);

@@ -445,41 +445,40 @@ public:
         SearchMatches matches;
         matches.sectionIDs = corpus->findSections(finder, length);
         const qsizetype chunks = corpus->chunkCount();
+        // The first notes tell how common the query is: one that many notes
+        // hold is read faster than looked up row by row, and its set of
+        // matches is given its size at once.
         qsizetype chunk = 0;
-        // A trigram cannot be formed from fewer than three characters, and
-        // the wildcards of LIKE never reach SQL.
+        qsizetype sampled = 0;
+        const qsizetype sample = std::max<qsizetype>(corpus->noteCount() / 32, 1024);
         const Plan plan = m_plan.load();
-        if (plan != Plan::Scan && indexCurrent(revision) && graphemeCount(q) >= 3
-            && !q.contains(u'%') && !q.contains(u'_')) {
-            bool useIndex = plan == Plan::Index;
-            if (!useIndex) {
-                // The first notes tell how common the query is: one that
-                // many notes hold is read faster than looked up, row by row.
-                const qsizetype sample = std::max<qsizetype>(corpus->noteCount() / 32, 1024);
-                qsizetype sampled = 0;
-                while (chunk < chunks && sampled < sample) {
-                    corpus->findNotes(chunk, finder, length, matches.noteIDs);
-                    sampled += corpus->notesInChunk(chunk++);
-                }
-                useIndex = chunk < chunks && matches.noteIDs.size() * selectiveShare <= sampled;
-            }
-            if (useIndex) {
-                if (const auto candidates = indexCandidates(q, project.id, revision)) {
-                    // LIKE ignores only ASCII case and runs across the
-                    // fields of a row: each candidate is confirmed.
-                    matches.noteIDs.clear();
-                    for (const QUuid &id : *candidates) {
-                        if (corpus->noteHolds(id, finder))
-                            matches.noteIDs.insert(id);
-                    }
-                    return matches;
-                }
-                if (plan == Plan::Index) {
-                    matches.noteIDs.clear();
-                    chunk = 0;
-                }
+        if (plan != Plan::Index) {
+            while (chunk < chunks && sampled < sample) {
+                corpus->findNotes(chunk, finder, length, matches.noteIDs);
+                sampled += corpus->notesInChunk(chunk++);
             }
         }
+        const bool selective = matches.noteIDs.size() * selectiveShare <= sampled;
+        // A trigram cannot be formed from fewer than three characters, and
+        // the wildcards of LIKE never reach SQL.
+        const bool indexable = chunk < chunks && graphemeCount(q) >= 3 && !q.contains(u'%')
+            && !q.contains(u'_') && indexCurrent(revision);
+        const bool useIndex = plan == Plan::Index
+            || (plan == Plan::Chosen && selective && corpus->byteCount() >= smallestIndexed);
+        if (indexable && useIndex) {
+            if (const auto candidates = indexCandidates(q, project.id, revision)) {
+                // LIKE ignores only ASCII case and runs across the fields of
+                // a row: each candidate is confirmed.
+                matches.noteIDs.clear();
+                for (const QUuid &id : *candidates) {
+                    if (corpus->noteHolds(id, finder))
+                        matches.noteIDs.insert(id);
+                }
+                return matches;
+            }
+        }
+        if (sampled > 0 && chunk < chunks)
+            matches.noteIDs.reserve(matches.noteIDs.size() * corpus->noteCount() / sampled);
         for (; chunk < chunks; ++chunk) {
             // A search that a newer one replaced stops here.
             if (cancellation.isCancelled())
@@ -490,8 +489,11 @@ public:
     }
 
 private:
-    // The index serves a query when fewer than one note in this many holds it.
+    // The index serves a query when fewer than one note in this many holds
+    // it, and only in a project of this much text: below it, reading all of
+    // it costs less than a query's fixed cost in SQLite.
     static constexpr qsizetype selectiveShare = 128;
+    static constexpr qsizetype smallestIndexed = 8 * 1024 * 1024;
 
     std::shared_ptr<const ProjectCorpus> corpusFor(const Project &project)
     {
