@@ -41,8 +41,21 @@ const qsizetype sizes[] = {10000, 100000, 1000000};
 // with a rare word, a percentage or a snake_case name.
 Library libraryWithProjectOf(qsizetype notes)
 {
-    const qsizetype total = notes >= 1000000 ? notes : notes * 2;
-    Library library = Test::generateLibraryWithActiveProject(total, notes, 7);
+    Library library;
+    if (notes < 1000000) {
+        library = Test::generateLibraryWithActiveProject(notes * 2, notes, 7);
+    } else {
+        // The whole library in the active project: the most a query can face.
+        library = Test::generateLibrary(notes, 7);
+        Project &first = library.projects[0];
+        for (qsizetype p = 1; p < library.projects.size(); ++p) {
+            for (NoteSection &section : library.projects[p].sections) {
+                NoteSection &into = first.sections[p % first.sections.size()];
+                into.notes.append(section.notes);
+                section.notes.clear();
+            }
+        }
+    }
     Project &project = library.projects[0];
     for (int i = 0; i < 5; ++i)
         project.sections[0].notes[i * 7].text += QStringLiteral(" quokka-%1").arg(i);
