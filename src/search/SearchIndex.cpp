@@ -2,6 +2,8 @@
 
 #include "search/SearchIndex.h"
 
+#include "search/ProjectCorpus.h"
+
 #include "platform/FileSystem.h"
 #include "platform/Logging.h"
 #include "platform/SerialQueue.h"
@@ -9,6 +11,7 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
+#include <QMutex>
 #include <QPointer>
 #include <QStandardPaths>
 #include <QTextBoundaryFinder>
@@ -55,23 +58,43 @@ qsizetype graphemeCount(const QString &text)
     return count;
 }
 
-bool noteContains(const IndexedNote &note, const QString &q)
-{
-    if (note.text.contains(q))
-        return true;
-    return std::any_of(note.attachmentNames.cbegin(), note.attachmentNames.cend(),
-        [&](const QString &name) { return name.contains(q); });
-}
-
 } // namespace
+
+// What the searches may know of the database: the revision its committed
+// tables hold, and counters that move whenever they may change, so that a
+// search reading on a connection of its own can tell that what it read was
+// that revision.
+struct SearchIndex::Published
+{
+    QMutex mutex;
+    std::optional<quint64> revision;
+    quint64 changes = 0;
+    quint64 generation = 0;
+
+    void beginChange(bool newFile)
+    {
+        QMutexLocker locker(&mutex);
+        revision.reset();
+        ++changes;
+        if (newFile)
+            ++generation;
+    }
+
+    void publish(quint64 committed)
+    {
+        QMutexLocker locker(&mutex);
+        revision = committed;
+        ++changes;
+    }
+};
 
 // The state of the index; touched only on the index's thread.
 class SearchIndex::Worker
 {
 public:
-    Worker(QString path, std::atomic<int> &sqlQueryCount)
+    Worker(QString path, Published &published)
         : m_path(std::move(path))
-        , m_sqlQueryCount(sqlQueryCount)
+        , m_published(published)
     { }
 
     ~Worker()
@@ -101,6 +124,7 @@ public:
         m_indexedNotes.clear();
         m_indexedSections.clear();
         m_indexedRevision.reset();
+        m_published.beginChange(true);
         try {
             recreateDatabase();
             performSynchronization(library, revision, Cancellation());
@@ -108,49 +132,6 @@ public:
             qCCritical(
                 lcSearchIndex, "Search index rebuild failed: %s", qUtf8Printable(error.message));
         } catch (const Cancelled &) { }
-    }
-
-    SearchMatches search(const QString &query, const Project &project, const Library &library,
-        quint64 revision, const Cancellation &cancellation)
-    {
-        const QString q = normalizedQuery(query);
-        if (q.isEmpty() || cancellation.isCancelled())
-            return {};
-        synchronize(library, revision, cancellation);
-        if (cancellation.isCancelled())
-            return {};
-        if (m_indexedRevision != revision)
-            return scanProject(q, project);
-        if (graphemeCount(q) < 3 || q.contains(u'%') || q.contains(u'_'))
-            return scanIndexedMemory(q, project);
-
-        try {
-            const QByteArray pattern = sqlText(u'%' + q + u'%');
-            const QByteArray projectID = idText(project.id);
-            SearchMatches matches;
-            for (const QUuid &id :
-                fetchIDs("SELECT note_id FROM note_search WHERE body LIKE ? AND project_id = ?;",
-                    pattern, projectID)) {
-                const auto note = m_indexedNotes.constFind(id);
-                if (note != m_indexedNotes.cend() && note->indexed.projectID == project.id
-                    && noteContains(note->indexed, q))
-                    matches.noteIDs.insert(id);
-            }
-            for (const QUuid &id : fetchIDs(
-                     "SELECT section_id FROM section_search WHERE title LIKE ? AND project_id = ?;",
-                     pattern, projectID)) {
-                const auto section = m_indexedSections.constFind(id);
-                if (section != m_indexedSections.cend() && section->projectID == project.id
-                    && section->title.contains(q)) {
-                    matches.sectionIDs.insert(id);
-                }
-            }
-            return matches;
-        } catch (const IndexError &error) {
-            qCCritical(lcSearchIndex, "Indexed query failed; using background scan: %s",
-                qUtf8Printable(error.message));
-            return scanProject(q, project);
-        }
     }
 
     std::optional<quint64> indexedRevision() const { return m_indexedRevision; }
@@ -350,6 +331,8 @@ private:
                     }
                 }
             }
+            // Searches stop trusting the tables before they change.
+            m_published.beginChange(false);
             executeScript("COMMIT;");
         } catch (const IndexError &) {
             if (m_database)
@@ -359,21 +342,7 @@ private:
         m_indexedNotes = std::move(snapshot.notes);
         m_indexedSections = std::move(snapshot.sections);
         m_indexedRevision = revision;
-    }
-
-    SearchMatches scanIndexedMemory(const QString &q, const Project &project) const
-    {
-        SearchMatches matches;
-        for (const MirrorNote &entry : m_indexedNotes) {
-            const IndexedNote &note = entry.indexed;
-            if (note.projectID == project.id && noteContains(note, q))
-                matches.noteIDs.insert(note.id);
-        }
-        for (const IndexedSection &section : m_indexedSections) {
-            if (section.projectID == project.id && section.title.contains(q))
-                matches.sectionIDs.insert(section.id);
-        }
-        return matches;
+        m_published.publish(revision);
     }
 
     // -- SQLite -----------------------------------------------------------------
@@ -440,44 +409,216 @@ private:
         sqlite3_stmt *m_statement = nullptr;
     };
 
-    QList<QUuid> fetchIDs(const char *sql, const QByteArray &pattern, const QByteArray &projectID)
-    {
-        ++m_sqlQueryCount;
-        Statement statement(*this, sql);
-        statement.bind({pattern, projectID});
-        QList<QUuid> ids;
-        int status;
-        while ((status = sqlite3_step(statement.get())) == SQLITE_ROW) {
-            const auto text
-                = reinterpret_cast<const char *>(sqlite3_column_text(statement.get(), 0));
-            if (!text)
-                continue;
-            const QUuid id = QUuid::fromString(QLatin1StringView(text));
-            if (!id.isNull())
-                ids.append(id);
-        }
-        if (status != SQLITE_DONE)
-            throw IndexError {lastError()};
-        return ids;
-    }
-
     QString m_path;
-    std::atomic<int> &m_sqlQueryCount;
+    Published &m_published;
     sqlite3 *m_database = nullptr;
     QHash<QUuid, MirrorNote> m_indexedNotes;
     QHash<QUuid, IndexedSection> m_indexedSections;
     std::optional<quint64> m_indexedRevision;
 };
 
+// The searches; touched only on the searches' thread. It keeps the corpus of
+// each project searched, and reads the database through a read-only
+// connection of its own, which sees the last committed tables without
+// waiting for a synchronisation that is writing new ones.
+class SearchIndex::Searcher
+{
+public:
+    Searcher(QString path, Published &published, std::atomic<int> &sqlQueryCount,
+        std::atomic<Plan> &plan)
+        : m_path(std::move(path))
+        , m_published(published)
+        , m_sqlQueryCount(sqlQueryCount)
+        , m_plan(plan)
+    { }
+
+    ~Searcher() { closeReader(); }
+
+    //! Brings the corpus of \a project up to date ahead of its searches.
+    void prepare(const Project &project) { corpusFor(project); }
+
+    //! \a q is normalised and not empty.
+    SearchMatches search(
+        const QString &q, const Project &project, quint64 revision, const Cancellation &cancellation)
+    {
+        const std::optional<QByteArray> needle = ProjectCorpus::encode(q);
+        if (!needle)
+            return scanProject(q, project);
+        const std::shared_ptr<const ProjectCorpus> corpus = corpusFor(project);
+        if (cancellation.isCancelled())
+            return {};
+        const SubstringFinder finder(needle->constData(), std::size_t(needle->size()));
+        const qsizetype length = needle->size();
+
+        SearchMatches matches;
+        matches.sectionIDs = corpus->findSections(finder, length);
+        const qsizetype chunks = corpus->chunkCount();
+        // The first notes tell how common the query is: one that many notes
+        // hold is read faster than looked up row by row, and its set of
+        // matches is given its size at once.
+        qsizetype chunk = 0;
+        qsizetype sampled = 0;
+        const qsizetype sample = std::max<qsizetype>(corpus->noteCount() / 32, 1024);
+        const Plan plan = m_plan.load();
+        if (plan != Plan::Index) {
+            while (chunk < chunks && sampled < sample) {
+                corpus->findNotes(chunk, finder, length, matches.noteIDs);
+                sampled += corpus->notesInChunk(chunk++);
+            }
+        }
+        const bool selective = matches.noteIDs.size() * selectiveShare <= sampled;
+        // A trigram cannot be formed from fewer than three characters, and
+        // the wildcards of LIKE never reach SQL.
+        const bool indexable = chunk < chunks && graphemeCount(q) >= 3 && !q.contains(u'%')
+            && !q.contains(u'_') && indexCurrent(revision);
+        const bool useIndex = plan == Plan::Index
+            || (plan == Plan::Chosen && selective && corpus->byteCount() >= smallestIndexed);
+        if (indexable && useIndex) {
+            if (const auto candidates = indexCandidates(q, project.id, revision)) {
+                // LIKE ignores only ASCII case and runs across the fields of
+                // a row: each candidate is confirmed.
+                matches.noteIDs.clear();
+                for (const QUuid &id : *candidates) {
+                    if (corpus->noteHolds(id, finder))
+                        matches.noteIDs.insert(id);
+                }
+                return matches;
+            }
+        }
+        if (sampled > 0 && chunk < chunks)
+            matches.noteIDs.reserve(matches.noteIDs.size() * corpus->noteCount() / sampled);
+        for (; chunk < chunks; ++chunk) {
+            // A search that a newer one replaced stops here.
+            if (cancellation.isCancelled())
+                return {};
+            corpus->findNotes(chunk, finder, length, matches.noteIDs);
+        }
+        return matches;
+    }
+
+private:
+    // The index serves a query when fewer than one note in this many holds
+    // it, and only in a project of this much text: below it, reading all of
+    // it costs less than a query's fixed cost in SQLite.
+    static constexpr qsizetype selectiveShare = 128;
+    static constexpr qsizetype smallestIndexed = 8 * 1024 * 1024;
+
+    std::shared_ptr<const ProjectCorpus> corpusFor(const Project &project)
+    {
+        std::shared_ptr<const ProjectCorpus> &corpus = m_corpora[project.id];
+        if (!corpus || !corpus->describes(project))
+            corpus = ProjectCorpus::make(project, corpus.get());
+        return corpus;
+    }
+
+    bool indexCurrent(quint64 revision)
+    {
+        QMutexLocker locker(&m_published.mutex);
+        return m_published.revision == revision;
+    }
+
+    void closeReader()
+    {
+        if (m_reader)
+            sqlite3_close(m_reader);
+        m_reader = nullptr;
+    }
+
+    // The notes of the project whose rows hold q, as the tables of \a revision
+    // have them; none when the tables are not that revision or fail.
+    std::optional<QList<QUuid>> indexCandidates(
+        const QString &q, const QUuid &projectID, quint64 revision)
+    {
+        quint64 changes = 0;
+        {
+            QMutexLocker locker(&m_published.mutex);
+            if (m_published.revision != revision)
+                return std::nullopt;
+            changes = m_published.changes;
+            if (m_reader && m_readerGeneration != m_published.generation)
+                closeReader(); // the file was made anew
+            m_readerGeneration = m_published.generation;
+        }
+        if (!m_reader) {
+            sqlite3 *handle = nullptr;
+            if (sqlite3_open_v2(QFile::encodeName(m_path).constData(), &handle,
+                    SQLITE_OPEN_READONLY, nullptr)
+                != SQLITE_OK) {
+                sqlite3_close(handle);
+                return std::nullopt;
+            }
+            m_reader = handle;
+            sqlite3_busy_timeout(m_reader, 100);
+        }
+        ++m_sqlQueryCount;
+        QList<QUuid> ids;
+        sqlite3_stmt *statement = nullptr;
+        const QByteArray pattern = sqlText(u'%' + q + u'%');
+        const QByteArray project = idText(projectID);
+        bool ok = sqlite3_exec(m_reader, "BEGIN;", nullptr, nullptr, nullptr) == SQLITE_OK
+            && sqlite3_prepare_v2(m_reader,
+                   "SELECT note_id FROM note_search WHERE body LIKE ? AND project_id = ?;", -1,
+                   &statement, nullptr)
+                == SQLITE_OK
+            && sqlite3_bind_text(statement, 1, pattern.constData(), int(pattern.size()),
+                   SQLITE_TRANSIENT)
+                == SQLITE_OK
+            && sqlite3_bind_text(statement, 2, project.constData(), int(project.size()),
+                   SQLITE_TRANSIENT)
+                == SQLITE_OK;
+        if (ok) {
+            int status;
+            while ((status = sqlite3_step(statement)) == SQLITE_ROW) {
+                const auto text = reinterpret_cast<const char *>(sqlite3_column_text(statement, 0));
+                if (!text)
+                    continue;
+                const QUuid id = QUuid::fromString(QLatin1StringView(text));
+                if (!id.isNull())
+                    ids.append(id);
+            }
+            ok = status == SQLITE_DONE;
+        }
+        if (!ok) {
+            qCCritical(lcSearchIndex, "Indexed query failed; using background scan: %s",
+                sqlite3_errmsg(m_reader));
+        }
+        sqlite3_finalize(statement);
+        sqlite3_exec(m_reader, ok ? "COMMIT;" : "ROLLBACK;", nullptr, nullptr, nullptr);
+        if (!ok) {
+            closeReader();
+            return std::nullopt;
+        }
+        // A commit since the revision was read may have changed the rows.
+        QMutexLocker locker(&m_published.mutex);
+        if (m_published.changes != changes)
+            return std::nullopt;
+        return ids;
+    }
+
+    QString m_path;
+    Published &m_published;
+    std::atomic<int> &m_sqlQueryCount;
+    std::atomic<Plan> &m_plan;
+    QHash<QUuid, std::shared_ptr<const ProjectCorpus>> m_corpora;
+    sqlite3 *m_reader = nullptr;
+    quint64 m_readerGeneration = 0;
+};
+
 SearchIndex::SearchIndex(std::optional<QString> databasePath)
-    : m_worker(
-        std::make_unique<Worker>(databasePath.value_or(defaultDatabasePath()), m_sqlQueryCount))
-    , m_queue(std::make_unique<SerialQueue>(QStringLiteral("com.vesko.vesko.search-index")))
-{ }
+    : m_published(std::make_unique<Published>())
+{
+    const QString path = databasePath.value_or(defaultDatabasePath());
+    m_worker = std::make_unique<Worker>(path, *m_published);
+    m_searcher = std::make_unique<Searcher>(path, *m_published, m_sqlQueryCount, m_plan);
+    m_queue = std::make_unique<SerialQueue>(QStringLiteral("com.vesko.vesko.search-index"));
+    m_queryQueue = std::make_unique<SerialQueue>(QStringLiteral("com.vesko.vesko.search"));
+}
 
 SearchIndex::~SearchIndex()
 {
-    m_queue.reset(); // finishes the queued jobs before the state goes
+    // Searches hand synchronisations to the index: they finish first.
+    m_queryQueue.reset();
+    m_queue.reset();
 }
 
 SearchIndex &SearchIndex::shared()
@@ -531,17 +672,38 @@ void SearchIndex::synchronize(const Library &library, quint64 revision, Cancella
     m_queue->async([worker, library, revision, cancellation] {
         worker->synchronize(library, revision, cancellation);
     });
+    // The project that will be searched gets its corpus now, not at its
+    // first search.
+    if (const Project *project = activeProject(library)) {
+        Searcher *searcher = m_searcher.get();
+        m_queryQueue->async([searcher, project = *project, cancellation] {
+            if (!cancellation.isCancelled())
+                searcher->prepare(project);
+        });
+    }
+}
+
+SearchMatches SearchIndex::runSearch(const QString &query, const Project &project,
+    const Library &library, quint64 revision, const Cancellation &cancellation)
+{
+    const QString q = normalizedQuery(query);
+    if (q.isEmpty() || cancellation.isCancelled())
+        return {};
+    // The index catches up in the background; this search does not wait for it.
+    Worker *worker = m_worker.get();
+    m_queue->async([worker, library, revision] {
+        worker->synchronize(library, revision, Cancellation());
+    });
+    return m_searcher->search(q, project, revision, cancellation);
 }
 
 void SearchIndex::search(const QString &query, const Project &project, const Library &library,
     quint64 revision, Cancellation cancellation, QObject *context,
     std::function<void(const SearchMatches &)> completion)
 {
-    Worker *worker = m_worker.get();
     QPointer<QObject> receiver(context);
-    m_queue->async([=] {
-        const SearchMatches matches
-            = worker->search(query, project, library, revision, cancellation);
+    m_queryQueue->async([=, this] {
+        const SearchMatches matches = runSearch(query, project, library, revision, cancellation);
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
             [receiver, completion, matches] {
@@ -561,9 +723,13 @@ void SearchIndex::synchronizeAndWait(const Library &library, quint64 revision)
 SearchMatches SearchIndex::searchAndWait(
     const QString &query, const Project &project, const Library &library, quint64 revision)
 {
-    Worker *worker = m_worker.get();
-    return m_queue->sync(
-        [&] { return worker->search(query, project, library, revision, Cancellation()); });
+    return m_queryQueue->sync(
+        [&] { return runSearch(query, project, library, revision, Cancellation()); });
+}
+
+void SearchIndex::runOnIndexThread(std::function<void()> job)
+{
+    m_queue->async(std::move(job));
 }
 
 std::optional<quint64> SearchIndex::indexedRevision() const

@@ -7,8 +7,12 @@
 // and every search that the database cannot serve scans the project in memory
 // instead, so a search never fails.
 //
-// All of its work runs on its own worker thread, one job at a time; callers
-// hand in value copies and get their answers as queued calls on the main thread.
+// Synchronisations run on the index's own thread, one at a time. Searches run
+// on a thread of their own and never wait for a synchronisation: each is
+// answered from a lower-cased copy of the project kept in memory
+// (ProjectCorpus), or through the database when it is current and the query
+// selective enough for the index to win. Callers hand in value copies and get
+// their answers as queued calls on the main thread.
 
 #pragma once
 
@@ -29,6 +33,7 @@ struct sqlite3;
 namespace Vesko {
 
 class SerialQueue;
+class ProjectCorpus;
 
 //! A flag that a caller raises to tell a queued job it is no longer wanted.
 class Cancellation
@@ -96,6 +101,19 @@ public:
     SearchMatches searchAndWait(
         const QString &query, const Project &project, const Library &library, quint64 revision);
 
+    //! How a search that the index could serve is answered.
+    enum class Plan {
+        Chosen, //!< by the index or the scan, whichever the query favours
+        Index, //!< by the index whenever it is current
+        Scan, //!< always from memory
+    };
+    //! For tests and benchmarks.
+    void setPlan(Plan plan) { m_plan.store(plan); }
+
+    //! For tests: runs \a job on the index's thread, in turn with the
+    //! synchronisations.
+    void runOnIndexThread(std::function<void()> job);
+
     //! For tests: the revision the tables hold, and how many SQL queries ran.
     std::optional<quint64> indexedRevision() const;
     int sqlQueryCount() const { return m_sqlQueryCount.load(); }
@@ -110,10 +128,19 @@ public:
     static QString normalizedQuery(const QString &text);
 
 private:
+    struct Published;
+    SearchMatches runSearch(const QString &query, const Project &project, const Library &library,
+        quint64 revision, const Cancellation &cancellation);
+
     class Worker;
-    std::unique_ptr<Worker> m_worker;
-    std::unique_ptr<SerialQueue> m_queue;
+    class Searcher;
+    std::unique_ptr<Published> m_published;
     std::atomic<int> m_sqlQueryCount {0};
+    std::atomic<Plan> m_plan {Plan::Chosen};
+    std::unique_ptr<Worker> m_worker;
+    std::unique_ptr<Searcher> m_searcher;
+    std::unique_ptr<SerialQueue> m_queue;
+    std::unique_ptr<SerialQueue> m_queryQueue;
 };
 
 } // namespace Vesko
