@@ -14,6 +14,7 @@
 #include "platform/CaptureCapabilities.h"
 #include "platform/CaptureSupport.h"
 #include "platform/portal/PortalShortcutsState.h"
+#include "shell/CaptureStatus.h"
 
 #include <QWidget>
 
@@ -60,7 +61,7 @@ public:
         //! for them; nothing elsewhere.
         std::function<std::optional<PortalShortcutsState>()> portalState = {};
         //! XDG_CURRENT_DESKTOP: how commands are bound to keys there.
-        QString currentDesktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP");
+        QString currentDesktop = currentDesktopNames();
     };
 
     //! The interval slider's bounds and step, in milliseconds.

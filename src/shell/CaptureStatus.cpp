@@ -188,6 +188,15 @@ QString portalShortcutsMessage(PortalShortcutsState state)
     return {};
 }
 
+QString currentDesktopNames()
+{
+    const QString named = qEnvironmentVariable("XDG_CURRENT_DESKTOP");
+    // sway sets no XDG_CURRENT_DESKTOP of its own, but always its socket.
+    if (named.isEmpty() && qEnvironmentVariableIsSet("SWAYSOCK"))
+        return QStringLiteral("sway");
+    return named;
+}
+
 ShortcutDesktop shortcutDesktop(const QString &currentDesktop)
 {
     for (const QStringView desktop : QStringView(currentDesktop).split(u':')) {

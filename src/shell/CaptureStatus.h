@@ -51,6 +51,9 @@ QString portalShortcutsMessage(PortalShortcutsState state);
 enum class ShortcutDesktop { Gnome, Kde, Sway, Other };
 //! From XDG_CURRENT_DESKTOP (a list separated by colons).
 ShortcutDesktop shortcutDesktop(const QString &currentDesktop);
+//! The desktop's names as XDG_CURRENT_DESKTOP gives them; "sway" where only
+//! sway's socket tells.
+QString currentDesktopNames();
 //! The command line that runs an action in the running Vesko: "vesko toggle".
 QString actionCommand(HotKeyAction action);
 //! How to bind the commands to keys on \a desktop, in a sentence or two.

@@ -128,7 +128,12 @@ void DesktopCapture::makeWaylandSession()
     auto session = std::make_unique<WaylandSession>(
         *m_wayland, *m_dataControl, [accessibleFront](auto done) {
             if (accessibleFront->isAvailable())
-                accessibleFront->frontApplication(std::move(done));
+                // No active frame on the bus (an application that keeps off
+                // it) still captures, under "Unknown".
+                accessibleFront->frontApplication(
+                    [done = std::move(done)](std::optional<FrontApplication> front) {
+                        done(front ? std::move(front) : FrontApplication {});
+                    });
             else
                 done(FrontApplication {}); // "Unknown", and the selection still read
         });

@@ -52,7 +52,9 @@ CaptureCapabilities WaylandSession::capabilities() const
         capabilities.source = CaptureCapabilities::Source::ForeignToplevel;
     if (sendsCopy())
         capabilities.copy = CaptureCapabilities::Copy::SyntheticKeys;
-    capabilities.doubleShift = CaptureCapabilities::DoubleShift::CompositorBinding;
+    // Only sway runs a command on a lone Shift release (bindsym --release).
+    if (qEnvironmentVariableIsSet("SWAYSOCK"))
+        capabilities.doubleShift = CaptureCapabilities::DoubleShift::CompositorBinding;
     return capabilities;
 }
 

@@ -47,7 +47,8 @@ public:
     bool sendsCopy() const;
 
     //! What this compositor lets capture do, hot keys aside (the desktop's).
-    //! The double Shift always needs a compositor binding here.
+    //! The double Shift needs a compositor binding on Shift releases, which
+    //! sway offers.
     CaptureCapabilities capabilities() const;
 
     //! Replaces the fixed wait for the shortcut's keys by \a wait, which
