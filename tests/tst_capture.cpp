@@ -112,6 +112,7 @@ private Q_SLOTS:
     void secondTriggerDuringACaptureIsDropped_data();
     void secondTriggerDuringACaptureIsDropped();
     void captureWithoutTrust();
+    void nothingSelected_data();
     void nothingSelected();
     void hotKeyActions();
 
@@ -619,17 +620,32 @@ void CaptureTest::captureWithoutTrust()
     QVERIFY(rig.engine.isListeningForDoubleShift());
 }
 
+void CaptureTest::nothingSelected_data()
+{
+    QTest::addColumn<bool>("terminal");
+    QTest::addColumn<bool>("copyKeys");
+    QTest::newRow("a terminal") << true << true;
+    QTest::newRow("a session without copy keys") << false << false;
+}
+
 void CaptureTest::nothingSelected()
 {
+    QFETCH(bool, terminal);
+    QFETCH(bool, copyKeys);
     const std::unique_ptr<Store> store = makeStore();
     EngineRig rig(*store);
-    rig.session.front = xterm(); // a terminal with nothing in PRIMARY
+    // Nothing in PRIMARY, and no copy may be sent: the clipboard is never read.
+    FrontApplication editor;
+    editor.name = QStringLiteral("Text Editor");
+    rig.session.front = terminal ? xterm() : editor;
+    rig.session.copyKeys = copyKeys;
     rig.engine.captureSelection();
     QTRY_COMPARE_WITH_TIMEOUT(
         rig.feedback.toasts, QStringList {u"Nothing Selected|text.cursor"_qs}, Test::patience);
     QVERIFY(rig.engine.lastCaptureFailed());
     QVERIFY(rig.feedback.shows.isEmpty());
     QCOMPARE(noteCount(store->library()), 0);
+    QVERIFY(rig.session.copies.isEmpty());
 }
 
 void CaptureTest::hotKeyActions()

@@ -56,9 +56,9 @@ void SelectionReader::readFrom(const std::optional<FrontApplication> &front)
     }
     m_source = source;
 
-    // The fallback: never a synthetic copy into a terminal emulator; the
-    // selection is all that is read there.
-    const bool mayCopy = !front->isTerminal;
+    // The fallback: never a synthetic copy into a terminal emulator, nor
+    // where no copy keys can be sent; the selection is all that is read there.
+    const bool mayCopy = !front->isTerminal && m_session.sendsCopy();
     QPointer<SelectionReader> self(this);
     m_session.readPrimarySelection(
         front->processID, [self, mayCopy](std::optional<QString> primary) {

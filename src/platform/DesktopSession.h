@@ -46,6 +46,9 @@ public:
     //! still holds. \a done learns once the keys are out, or false when none
     //! were sent (they could not be made, or the user's keys stayed down).
     virtual void sendCopy(int attempt, std::function<void(bool sent)> done) = 0;
+    //! Whether copy keys can be sent here at all; where they cannot, capture
+    //! reads the selection alone and leaves the clipboard untouched.
+    virtual bool sendsCopy() const { return true; }
 };
 
 } // namespace Vesko

@@ -24,6 +24,7 @@ public:
     void readPrimarySelection(
         qint64 processID, std::function<void(std::optional<QString>)> done) override;
     void sendCopy(int attempt, std::function<void(bool sent)> done) override;
+    bool sendsCopy() const override { return copyKeys; }
 
     std::optional<FrontApplication> front;
     std::optional<QString> primary;
@@ -34,6 +35,8 @@ public:
     std::function<void(int attempt)> onCopy;
     //! Whether the copy's keys could be made.
     bool canType = true;
+    //! Whether the session has copy keys at all.
+    bool copyKeys = true;
     FakeAnswers primaryAnswers;
     FakeAnswers copyAnswers;
 };

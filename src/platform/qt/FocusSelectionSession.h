@@ -26,6 +26,7 @@ public:
     void readPrimarySelection(
         qint64 processID, std::function<void(std::optional<QString>)> done) override;
     void sendCopy(int attempt, std::function<void(bool sent)> done) override;
+    bool sendsCopy() const override { return false; }
 
 private:
     FrontLookup m_front;

@@ -44,7 +44,7 @@ public:
     //! The primary selection can be read.
     bool readsSelection() const;
     //! Copy keys can be sent.
-    bool sendsCopy() const;
+    bool sendsCopy() const override;
 
     //! What this compositor lets capture do, hot keys aside (the desktop's).
     //! The double Shift needs a compositor binding on Shift releases, which
