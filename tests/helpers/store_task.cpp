@@ -20,6 +20,7 @@
 #include <QUrl>
 
 #include <cstdio>
+#include <cstdlib>
 
 using namespace Vesko;
 
@@ -66,7 +67,10 @@ int main(int argc, char *argv[])
         }
         std::printf("library %s %lld %lld\n", qPrintable(Preferences::shared().libraryURL()),
             qlonglong(noteCount(store.library())), qlonglong(attachments));
-        return 0;
+        // The answer is out: end here, without the exit-time teardown racing
+        // the search index's thread, which may still be indexing.
+        std::fflush(stdout);
+        std::_Exit(0);
     }
     std::puts("working");
     std::fflush(stdout);
