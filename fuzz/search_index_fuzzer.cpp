@@ -109,6 +109,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
     Fuzz::Process::instance();
     static SearchIndex index(Fuzz::Process::instance().folder() + QStringLiteral("/search.sqlite"));
     static quint64 revision = 0;
+    // Small projects would be scanned in memory: every query goes through
+    // the index here, which is what is compared with the scan.
+    index.setPlan(SearchIndex::Plan::Index);
 
     FuzzedDataProvider data(bytes, size);
     const int rounds = data.ConsumeIntegralInRange(1, 3);
