@@ -107,7 +107,12 @@ notes=$(grep -cE '^(typed|added) ' "$log" || true)
 unfocused=$(grep -c '^unfocused ' "$log" || true)
 echo "soak: $minutes min, $actions actions, $notes notes sent, $missing missing, $unfocused not typed (no focus); VmRSS ${base} kB after warm-up, ${final} kB at the end"
 [ "$missing" -eq 0 ] || exit 1
-if [ -n "$base" ] && [ "$final" -ge $((base * 110 / 100)) ]; then
+# Growth is judged over sessions of ten minutes or more: a shorter one (the
+# test suite's, also under AddressSanitizer, whose quarantine holds freed
+# memory) has no settled baseline to compare with.
+if [ "$minutes" -lt 10 ]; then
+    echo "soak: memory not judged over a session shorter than 10 minutes"
+elif [ -n "$base" ] && [ "$final" -ge $((base * 110 / 100)) ]; then
     echo "soak: resident memory grew by 10 % or more"
     exit 1
 fi
