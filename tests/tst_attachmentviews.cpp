@@ -18,7 +18,7 @@
 #include "attachments/ThumbnailCache.h"
 #include "library/LibraryFile.h"
 #include "library/LibraryWriter.h"
-#include "panel/PanelCommands.h"
+#include "panel/window/PanelCommands.h"
 #include "platform/DesktopFiles.h"
 #include "platform/Pasteboard.h"
 #include "shell/Preferences.h"

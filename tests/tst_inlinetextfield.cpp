@@ -6,8 +6,8 @@
 
 #include "WidgetTestMain.h"
 
-#include "panel/NativeInlineTextField.h"
-#include "panel/SpellCheckHighlighter.h"
+#include "panel/text/NativeInlineTextField.h"
+#include "panel/text/SpellCheckHighlighter.h"
 #include "platform/SpellChecker.h"
 
 #include <QClipboard>

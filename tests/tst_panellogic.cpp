@@ -8,12 +8,12 @@
 #include "PanelTestRig.h"
 #include "TestEnvironment.h"
 
-#include "panel/HighlightedText.h"
-#include "panel/NoteRowActions.h"
-#include "panel/PanelDrop.h"
-#include "panel/RowAccessibility.h"
-#include "panel/SectionReorder.h"
-#include "panel/VirtualRowLayout.h"
+#include "panel/list/HighlightedText.h"
+#include "panel/list/NoteRowActions.h"
+#include "panel/list/PanelDrop.h"
+#include "panel/list/RowAccessibility.h"
+#include "panel/list/SectionReorder.h"
+#include "panel/list/VirtualRowLayout.h"
 
 #include <QMimeData>
 #include <QRandomGenerator>

@@ -8,9 +8,9 @@
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
 
-#include "panel/PanelCommands.h"
-#include "panel/PanelMenus.h"
-#include "panel/PanelState.h"
+#include "panel/window/PanelCommands.h"
+#include "panel/window/PanelMenus.h"
+#include "panel/window/PanelState.h"
 #include "platform/Clipboard.h"
 #include "shell/Toast.h"
 

@@ -7,10 +7,10 @@
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
 
-#include "panel/PanelRootView.h"
-#include "panel/ShortcutSheetView.h"
-#include "panel/SwitcherList.h"
-#include "panel/SwitcherView.h"
+#include "panel/layers/ShortcutSheetView.h"
+#include "panel/layers/SwitcherList.h"
+#include "panel/layers/SwitcherView.h"
+#include "panel/window/PanelRootView.h"
 #include "shell/Toast.h"
 
 #include <QLineEdit>

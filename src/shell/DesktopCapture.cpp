@@ -7,7 +7,7 @@
 #include "capture/DoubleShiftMonitor.h"
 #include "capture/HotKeyCenter.h"
 #include "capture/SelectionReader.h"
-#include "panel/PanelController.h"
+#include "panel/window/PanelController.h"
 #include "platform/HotKeyRegistrar.h"
 #include "platform/Logging.h"
 #include "platform/SessionType.h"

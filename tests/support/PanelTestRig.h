@@ -10,7 +10,7 @@
 
 #include "StoreFixture.h"
 
-#include "panel/PanelState.h"
+#include "panel/window/PanelState.h"
 
 namespace Vesko::Test {
 
