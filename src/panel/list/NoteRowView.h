@@ -9,10 +9,10 @@
 
 #pragma once
 
+#include "panel/list/DoneControl.h"
 #include "panel/list/NoteTextLayout.h"
 #include "store/PanelRow.h"
 
-#include <QAbstractButton>
 #include <QPointer>
 #include <QWidget>
 
@@ -25,26 +25,6 @@ class PanelListView;
 class PanelState;
 class NativeInlineTextField;
 class Store;
-
-//! The round done control of a note row.
-class DoneControl : public QAbstractButton
-{
-    Q_OBJECT
-
-public:
-    static constexpr int diameter = 15;
-
-    explicit DoneControl(QWidget *parent = nullptr);
-    void setDone(bool done);
-    bool isDone() const { return m_done; }
-    QSize sizeHint() const override { return {diameter, diameter}; }
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
-
-private:
-    bool m_done = false;
-};
 
 class NoteRowView : public QWidget
 {
