@@ -1,30 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The list's rows: following the Store, laying out and placing the rows in
+// view, and scrolling. Drops and the section drag are in
+// PanelListDragDrop.cpp, keys and menus in PanelListKeyboard.cpp.
 
 #include "panel/list/PanelListView.h"
 
 #include "attachments/AttachmentActions.h"
 #include "attachments/AttachmentListView.h"
 #include "attachments/DesktopAttachments.h"
+#include "panel/list/DropIndicatorOverlay.h"
 #include "panel/list/NoteRowActions.h"
 #include "panel/list/NoteRowView.h"
-#include "panel/list/PanelDrop.h"
 #include "panel/list/RowAccessibles.h"
 #include "panel/list/SectionHeaderView.h"
 #include "panel/list/SectionReorder.h"
 #include "panel/list/VirtualRowLayout.h"
-#include "panel/window/PanelMenus.h"
-#include "shell/Theme.h"
-#include "shell/Toast.h"
 #include "store/Store.h"
 
-#include <QApplication>
-#include <QContextMenuEvent>
 #include <QCursor>
-#include <QKeyEvent>
-#include <QMenu>
-#include <QMimeData>
-#include <QPainter>
-#include <QPainterPath>
 #include <QScrollBar>
 #include <QTimer>
 #include <QVariantAnimation>
@@ -38,11 +32,6 @@ namespace {
 //! Rows laid out beyond each edge of the view, so that a small scroll shows
 //! rows that are ready.
 constexpr int overscan = 120;
-constexpr int dropIndicatorMilliseconds = 100;
-constexpr int dropIndicatorPadding = 6;
-constexpr int dropIndicatorHeight = 2;
-//! How far below a header the line at the end of the sections lies during a section drag.
-constexpr int endLineOffset = 6;
 
 QEasingCurve easeOut()
 {
@@ -52,67 +41,6 @@ QEasingCurve easeOut()
 }
 
 } // namespace
-
-//! The drop lines over the rows: at the top of the note row under a drag, at
-//! the top of the header a dragged section would land before, at the bottom
-//! of the last header for the end. It fades in over 0.1 s.
-class DropIndicatorOverlay : public QWidget
-{
-public:
-    explicit DropIndicatorOverlay(QWidget *parent)
-        : QWidget(parent)
-        , m_fade(new QVariantAnimation(this))
-    {
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-        m_fade->setDuration(dropIndicatorMilliseconds);
-        m_fade->setEasingCurve(easeOut());
-        QObject::connect(m_fade, &QVariantAnimation::valueChanged, this, [this](const QVariant &v) {
-            m_opacity = v.toReal();
-            update();
-        });
-    }
-
-    void setLines(const QList<int> &lines)
-    {
-        if (!lines.isEmpty())
-            raise(); // above row widgets made since
-        if (lines == m_lines)
-            return;
-        const bool appearing = m_lines.isEmpty() && !lines.isEmpty();
-        m_lines = lines;
-        if (appearing) {
-            m_fade->stop();
-            m_fade->setStartValue(0.0);
-            m_fade->setEndValue(1.0);
-            m_fade->start();
-        }
-        update();
-    }
-    const QList<int> &lines() const { return m_lines; }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        if (m_lines.isEmpty())
-            return;
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setOpacity(m_opacity);
-        const QColor accent = Theme::currentColors().accent;
-        for (int y : m_lines) {
-            QPainterPath capsule;
-            capsule.addRoundedRect(QRectF(dropIndicatorPadding, y,
-                                       width() - 2 * dropIndicatorPadding, dropIndicatorHeight),
-                1, 1);
-            painter.fillPath(capsule, accent);
-        }
-    }
-
-private:
-    QVariantAnimation *m_fade;
-    QList<int> m_lines;
-    qreal m_opacity = 1;
-};
 
 PanelListView::PanelListView(Store &store, PanelState &state, QWidget *parent)
     : QAbstractScrollArea(parent)
@@ -288,31 +216,6 @@ void PanelListView::finishScrollAnimation()
 bool PanelListView::isScrollAnimating() const
 {
     return m_scrollAnimation->state() == QAbstractAnimation::Running;
-}
-
-std::optional<QUuid> PanelListView::sectionDragTargetID() const
-{
-    return m_reorder->targetID();
-}
-
-std::optional<QUuid> PanelListView::sectionDragSourceID() const
-{
-    return m_reorder->sourceID();
-}
-
-bool PanelListView::showsDropLineBelow(const QUuid &sectionID) const
-{
-    if (m_dropTargetID == sectionID)
-        return true;
-    const std::optional<QUuid> dragged = m_reorder->sourceID();
-    if (!dragged || m_reorder->targetID())
-        return false;
-    const Project project = m_store.activeProject();
-    for (qsizetype i = project.sections.size() - 1; i >= 0; --i) {
-        if (project.sections.at(i).id != *dragged)
-            return project.sections.at(i).id == sectionID;
-    }
-    return false;
 }
 
 // -- scrolling ----------------------------------------------------------------------
@@ -706,169 +609,6 @@ SectionHeaderView *PanelListView::takeIdleHeader()
     return new SectionHeaderView(m_store, m_state, *this, viewport());
 }
 
-void PanelListView::updateDropLines()
-{
-    QList<int> lines;
-    const int scroll = verticalScrollBar()->value();
-    auto topOf = [&](int index) { return m_topMargin + m_layout->top(index) - scroll; };
-    if (m_dropTargetID) {
-        const int index = indexOfRow(*m_dropTargetID);
-        if (index >= 0) {
-            if (m_rows.at(index).isNote())
-                lines.append(topOf(index));
-            else
-                lines.append(topOf(index) + m_layout->height(index) - dropIndicatorHeight);
-        }
-    }
-    if (m_reorder->sourceID()) {
-        if (const std::optional<QUuid> target = m_reorder->targetID()) {
-            const int index = indexOfRow(*target);
-            if (index >= 0)
-                lines.append(topOf(index));
-        } else {
-            for (int index = m_rows.size() - 1; index >= 0; --index) {
-                if (m_rows.at(index).isSection() && showsDropLineBelow(m_rows.at(index).id())) {
-                    lines.append(topOf(index) + m_layout->height(index) - dropIndicatorHeight
-                        + endLineOffset);
-                    break;
-                }
-            }
-        }
-    }
-    m_overlay->setLines(lines);
-}
-
-// -- drag and drop ----------------------------------------------------------------
-
-void PanelListView::setDropTarget(std::optional<QUuid> id)
-{
-    if (m_dropTargetID == id)
-        return;
-    m_dropTargetID = id;
-    Q_EMIT dropIndicatorsChanged();
-}
-
-void PanelListView::setRowDropTarget(const QUuid &id, bool targeted)
-{
-    if (targeted)
-        setDropTarget(id);
-    else if (m_dropTargetID == id)
-        setDropTarget(std::nullopt);
-}
-
-bool PanelListView::dropOnRow(const QMimeData *data, const std::optional<QUuid> &sectionID,
-    const std::optional<QUuid> &beforeNoteID)
-{
-    const std::optional<QStringList> items = data ? PanelDrop::textItems(*data) : std::nullopt;
-    if (!items) {
-        m_state.setDraggingNoteIDs({});
-        setDropTarget(std::nullopt);
-        return false;
-    }
-    const PanelDrop::Outcome outcome
-        = PanelDrop::handleDrop(m_store, m_state, *items, sectionID, beforeNoteID);
-    if (outcome == PanelDrop::Outcome::AddedNote)
-        ToastPresenter::shared().present(tr("Added"), QStringLiteral("plus"));
-    setDropTarget(std::nullopt);
-    return outcome != PanelDrop::Outcome::Refused;
-}
-
-bool PanelListView::dropFiles(const QList<QUrl> &files, const QUuid &noteID)
-{
-    setDropTarget(std::nullopt);
-    return attachmentActions().dropFiles(files, noteID);
-}
-
-void PanelListView::dragEnterEvent(QDragEnterEvent *event)
-{
-    if (PanelDrop::textItems(*event->mimeData()))
-        event->acceptProposedAction();
-    else
-        event->ignore();
-}
-
-void PanelListView::dragMoveEvent(QDragMoveEvent *event)
-{
-    event->acceptProposedAction();
-}
-
-void PanelListView::dragLeaveEvent(QDragLeaveEvent *) { }
-
-void PanelListView::dropEvent(QDropEvent *event)
-{
-    // Behind the rows: the active section, at its end.
-    const NoteSection active = m_store.activeSection();
-    const std::optional<QUuid> section
-        = m_store.section(active.id) ? std::optional<QUuid>(active.id) : std::nullopt;
-    if (dropOnRow(event->mimeData(), section, std::nullopt))
-        event->acceptProposedAction();
-    else
-        event->ignore();
-}
-
-void PanelListView::updateSectionFrames()
-{
-    QHash<QUuid, QRectF> frames;
-    for (qsizetype i = 0; i < m_rows.size(); ++i) {
-        if (m_rows.at(i).isSection()) {
-            frames.insert(m_rows.at(i).id(),
-                QRectF(0, m_layout->top(int(i)), viewport()->width(), m_layout->height(int(i))));
-        }
-    }
-    m_reorder->setSectionFrames(frames);
-}
-
-void PanelListView::sectionReorderChanged(const QUuid &sectionID, double translation)
-{
-    if (m_reorder->sourceID() != sectionID)
-        updateSectionFrames();
-    m_reorder->changed(m_store, sectionID, translation);
-    placeRows();
-    Q_EMIT dropIndicatorsChanged();
-}
-
-void PanelListView::sectionReorderEnded(const QUuid &sectionID, double translation)
-{
-    if (m_reorder->sourceID() != sectionID)
-        updateSectionFrames();
-    m_reorder->ended(m_store, sectionID, translation);
-    placeRows();
-    Q_EMIT dropIndicatorsChanged();
-}
-
-void PanelListView::sectionReorderCancelled()
-{
-    m_reorder->cancelled();
-    placeRows();
-    Q_EMIT dropIndicatorsChanged();
-}
-
-// -- menus ----------------------------------------------------------------------------
-
-void PanelListView::showNoteMenu(const QList<QUuid> &target, const QPoint &globalPosition)
-{
-    auto *menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    fillNoteMenu(*menu, m_store, m_state, target);
-    if (menu->isEmpty()) {
-        delete menu;
-        return;
-    }
-    menu->popup(globalPosition);
-}
-
-void PanelListView::showSectionMenu(const QUuid &sectionID, const QPoint &globalPosition)
-{
-    auto *menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    fillSectionMenu(*menu, m_store, m_state, sectionID);
-    if (menu->isEmpty()) {
-        delete menu;
-        return;
-    }
-    menu->popup(globalPosition);
-}
-
 // -- events -----------------------------------------------------------------------------
 
 bool PanelListView::event(QEvent *event)
@@ -903,82 +643,6 @@ void PanelListView::scrollContentsBy(int, int)
         m_animationTarget.reset();
     }
     placeRows();
-}
-
-void PanelListView::keyPressEvent(QKeyEvent *event)
-{
-    if (m_keyHandler && m_keyHandler(event)) {
-        event->accept();
-        return;
-    }
-    const Qt::KeyboardModifiers modifiers
-        = event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
-    switch (event->key()) {
-    case Qt::Key_PageUp:
-    case Qt::Key_PageDown:
-        if (modifiers == Qt::NoModifier) {
-            verticalScrollBar()->triggerAction(event->key() == Qt::Key_PageUp
-                    ? QAbstractSlider::SliderPageStepSub
-                    : QAbstractSlider::SliderPageStepAdd);
-            event->accept();
-            return;
-        }
-        break;
-    case Qt::Key_Up:
-    case Qt::Key_Down:
-        // Without the panel's key handling (a list on its own): the arrows
-        // move the selection, Shift extends.
-        if (!m_keyHandler && (modifiers == Qt::NoModifier || modifiers == Qt::ShiftModifier)) {
-            m_store.moveSelection(event->key() == Qt::Key_Up ? -1 : 1, modifiers != Qt::NoModifier);
-            event->accept();
-            return;
-        }
-        break;
-    default:
-        break;
-    }
-    event->ignore();
-}
-
-void PanelListView::contextMenuEvent(QContextMenuEvent *event)
-{
-    // The Menu key; a click of the right button goes to the row under it.
-    if (event->reason() != QContextMenuEvent::Keyboard) {
-        event->ignore();
-        return;
-    }
-    showKeyboardMenu();
-    event->accept();
-}
-
-void PanelListView::showKeyboardMenu()
-{
-    if (QApplication::activePopupWidget())
-        return;
-    const QSet<QUuid> selection = m_store.selection();
-    std::optional<QUuid> noteID;
-    if (const std::optional<QUuid> anchor = m_store.selectionAnchor();
-        anchor && selection.contains(*anchor) && indexOfRow(*anchor) >= 0)
-        noteID = anchor;
-    for (qsizetype i = 0; !noteID && i < m_rows.size(); ++i) {
-        const PanelRow &row = m_rows.at(i);
-        if (!row.isSection() && selection.contains(row.id()))
-            noteID = row.id();
-    }
-    const std::optional<QUuid> rowID = noteID ? noteID : m_store.activeProject().activeSectionID;
-    if (!rowID || indexOfRow(*rowID) < 0)
-        return;
-    finishScrollAnimation();
-    if (!isRowInView(indexOfRow(*rowID)))
-        scrollToRow(*rowID, ScrollAnchor::Center, false);
-    // Below the row's first line, a little in from its left edge.
-    const QRect row = rowRect(*rowID);
-    const QPoint place
-        = viewport()->mapToGlobal(QPoint(row.left() + 24, row.top() + std::min(row.height(), 28)));
-    if (noteID)
-        showNoteMenu(noteMenuTarget(m_store, *noteID), place);
-    else
-        showSectionMenu(*rowID, place);
 }
 
 void PanelListView::endNoteEdit()
