@@ -7,9 +7,10 @@
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
 
+#include "panel/layers/ProjectSwitcherView.h"
+#include "panel/layers/SectionSwitcherView.h"
 #include "panel/layers/ShortcutSheetView.h"
 #include "panel/layers/SwitcherList.h"
-#include "panel/layers/SwitcherView.h"
 #include "panel/window/PanelRootView.h"
 #include "shell/Toast.h"
 

@@ -12,7 +12,7 @@
 
 #include "attachments/AttachmentStore.h"
 #include "library/LibraryWriter.h"
-#include "panel/layers/SwitcherView.h"
+#include "panel/layers/SectionSwitcherView.h"
 #include "panel/window/PanelRootView.h"
 #include "panel/window/PanelState.h"
 #include "search/SearchIndex.h"

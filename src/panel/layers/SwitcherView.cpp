@@ -3,19 +3,15 @@
 #include "panel/layers/SwitcherView.h"
 
 #include "panel/window/PanelState.h"
-#include "panel/window/Shortcut.h"
 #include "shell/Theme.h"
-#include "shell/Toast.h"
 #include "store/Store.h"
 
 #include <QCursor>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMouseEvent>
-#include <QPushButton>
 #include <QStackedWidget>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
@@ -45,7 +41,9 @@ protected:
     }
 };
 
-QLabel *hintLabel(const QString &text, QWidget *parent)
+} // namespace
+
+QLabel *SwitcherView::hintLabel(const QString &text, QWidget *parent)
 {
     auto *label = new QLabel(text, parent);
     label->setFont(Theme::captionFont());
@@ -55,7 +53,7 @@ QLabel *hintLabel(const QString &text, QWidget *parent)
     return label;
 }
 
-QLineEdit *roundedField(const QString &placeholder, QWidget *parent)
+QLineEdit *SwitcherView::roundedField(const QString &placeholder, QWidget *parent)
 {
     const ThemeColors colors = Theme::currentColors();
     auto *field = new QLineEdit(parent);
@@ -69,8 +67,6 @@ QLineEdit *roundedField(const QString &placeholder, QWidget *parent)
                 colors.text.name(QColor::HexArgb)));
     return field;
 }
-
-} // namespace
 
 SwitcherView::SwitcherView(
     Store &store, PanelState &state, PanelLayer layer, bool offersCreate, QWidget *parent)
@@ -282,180 +278,6 @@ QRect SwitcherView::cardGeometry() const
     const int height = std::min(card()->sizeHint().height(), std::max(0, this->height() - 40));
     // The card stands in the upper part of the panel, where the eye is.
     return QRect((this->width() - width) / 2, std::max(20, this->height() / 6), width, height);
-}
-
-// -- the section switcher -----------------------------------------------------
-
-SectionSwitcherView::SectionSwitcherView(Store &store, PanelState &state, QWidget *parent)
-    : SwitcherView(store, state, PanelLayer::SectionSwitcher, true, parent)
-{
-    setObjectName(QStringLiteral("VeskoSectionSwitcher"));
-    setAccessibleName(tr("Switch section"));
-    build(tr("Switch section"), tr("↵ switch · F2 rename · esc close"), 240, activeItem());
-
-    auto *page = new QWidget(this);
-    auto *layout = new QVBoxLayout(page);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(8);
-    auto *title = new QLabel(tr("Rename Section"), page);
-    QFont titleFont = Theme::noteFont();
-    titleFont.setWeight(QFont::DemiBold);
-    title->setFont(titleFont);
-    layout->addWidget(title);
-    m_renameField = roundedField(tr("Section name"), page);
-    m_renameField->installEventFilter(this);
-    layout->addWidget(m_renameField);
-    layout->addWidget(hintLabel(tr("↵ to rename · esc to cancel"), page));
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch();
-    auto *cancel = new QPushButton(tr("Cancel"), page);
-    m_renameButton = new QPushButton(tr("Rename"), page);
-    for (QPushButton *button : {cancel, m_renameButton}) {
-        button->setFont(Theme::captionFont());
-        button->setAutoDefault(false);
-        buttons->addWidget(button);
-    }
-    m_renameButton->setDefault(true);
-    layout->addLayout(buttons);
-    setRenamePage(page);
-
-    connect(cancel, &QPushButton::clicked, this, &SectionSwitcherView::cancelRename);
-    connect(m_renameButton, &QPushButton::clicked, this, &SectionSwitcherView::commitRename);
-    connect(m_renameField, &QLineEdit::textChanged, this, &SectionSwitcherView::updateRenameButton);
-}
-
-QList<SwitcherItem> SectionSwitcherView::currentItems() const
-{
-    QList<SwitcherItem> items;
-    for (const NoteSection &section : m_store.activeProject().sections)
-        items.append({section.id, section.title});
-    return items;
-}
-
-std::optional<QUuid> SectionSwitcherView::activeItem() const
-{
-    return m_store.activeProject().activeSectionID;
-}
-
-void SectionSwitcherView::choose(const QUuid &id)
-{
-    const std::optional<NoteSection> section = m_store.section(id);
-    if (!section)
-        return;
-    m_store.activateSection(id);
-    ToastPresenter::shared().present(
-        tr("Using %1").arg(section->title), QStringLiteral("checkmark"));
-    close();
-}
-
-void SectionSwitcherView::create()
-{
-    if (const std::optional<NoteSection> section
-        = m_store.createOrUseSection(m_rows.trimmedQuery())) {
-        ToastPresenter::shared().present(
-            tr("Using %1").arg(section->title), QStringLiteral("checkmark"));
-        close();
-    }
-}
-
-void SectionSwitcherView::beginRename()
-{
-    const std::optional<SwitcherSelection> selection = m_rows.selection();
-    if (m_renamingSectionID || !selection || selection->isCreate)
-        return;
-    QString title;
-    bool found = false;
-    for (const NoteSection &section : m_store.activeProject().sections) {
-        if (section.id == selection->id) {
-            title = section.title;
-            found = true;
-        }
-    }
-    if (!found)
-        return;
-    m_renamingSectionID = selection->id;
-    m_renameField->setText(title);
-    updateRenameButton();
-    showRenamePage(true);
-    focusWhenShown(m_renameField, &QLineEdit::selectAll);
-}
-
-void SectionSwitcherView::commitRename()
-{
-    if (!m_renamingSectionID)
-        return;
-    const QUuid id = *m_renamingSectionID;
-    const QString title = m_renameField->text().trimmed();
-    m_renamingSectionID.reset();
-    if (!title.isEmpty()) {
-        m_store.renameSection(id, title);
-        ToastPresenter::shared().present(tr("Renamed"), QStringLiteral("pencil"));
-    }
-    m_rows.setItems(currentItems());
-    refreshRows();
-    showRenamePage(false);
-    filterField()->setFocus(Qt::OtherFocusReason);
-}
-
-void SectionSwitcherView::cancelRename()
-{
-    m_renamingSectionID.reset();
-    showRenamePage(false);
-    filterField()->setFocus(Qt::OtherFocusReason);
-}
-
-void SectionSwitcherView::updateRenameButton()
-{
-    QString text = m_renameField->text();
-    text.remove(u' ').remove(u'\t');
-    m_renameButton->setEnabled(!text.isEmpty());
-}
-
-bool SectionSwitcherView::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched == m_renameField
-        && handleAnswerKey(
-            event, [this] { commitRename(); }, [this] { cancelRename(); }))
-        return true;
-    return SwitcherView::eventFilter(watched, event);
-}
-
-// -- the project switcher -----------------------------------------------------
-
-ProjectSwitcherView::ProjectSwitcherView(Store &store, PanelState &state, QWidget *parent)
-    : SwitcherView(store, state, PanelLayer::ProjectSwitcher, false, parent)
-{
-    setObjectName(QStringLiteral("VeskoProjectSwitcher"));
-    setAccessibleName(tr("Switch project"));
-    build(tr("Switch project"),
-        tr("↵ switch · esc close · %1 for a new project")
-            .arg(Shortcuts::displayText(Shortcut::newProject)),
-        200, activeItem());
-}
-
-QList<SwitcherItem> ProjectSwitcherView::currentItems() const
-{
-    QList<SwitcherItem> items;
-    for (const Project &project : m_store.library().projects)
-        items.append({project.id, project.name});
-    return items;
-}
-
-std::optional<QUuid> ProjectSwitcherView::activeItem() const
-{
-    return m_store.activeProject().id;
-}
-
-void ProjectSwitcherView::choose(const QUuid &id)
-{
-    QString name;
-    for (const Project &project : m_store.library().projects) {
-        if (project.id == id)
-            name = project.name;
-    }
-    m_store.switchProject(id);
-    ToastPresenter::shared().present(tr("Using %1").arg(name), QStringLiteral("checkmark"));
-    close();
 }
 
 } // namespace Vesko

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The two modal pickers over the panel: SectionSwitcherView picks, creates
-// or renames a section of the active project, ProjectSwitcherView picks a
-// project. Both are a filter field over a short list, driven by the arrows,
-// Tab and Return, with the pointer as a second way in; what is listed and
-// selected is a SwitcherList, and every change goes through the Store.
+// What the two modal pickers over the panel have in common (the section
+// switcher and the project switcher): a filter field over a short list,
+// driven by the arrows, Tab and Return, with the pointer as a second way in;
+// what is listed and selected is a SwitcherList, and every change goes
+// through the Store.
 
 #pragma once
 
@@ -18,7 +18,6 @@
 class QLabel;
 class QLineEdit;
 class QListWidget;
-class QPushButton;
 class QStackedWidget;
 
 namespace Vesko {
@@ -58,6 +57,10 @@ protected:
     virtual void create() { }
     //! F2 on the filter field.
     virtual void beginRename() { }
+    //! A caption in the tertiary colour, as under the fields.
+    static QLabel *hintLabel(const QString &text, QWidget *parent);
+    //! A rounded field in the note's font, named by its \a placeholder.
+    static QLineEdit *roundedField(const QString &placeholder, QWidget *parent);
     //! The rename form's page, if the switcher has one.
     void setRenamePage(QWidget *page);
     void showRenamePage(bool shown);
@@ -82,48 +85,6 @@ private:
     int m_maximumListHeight = 240;
     std::optional<QPoint> m_lastPointerLocation;
     bool m_refreshing = false;
-};
-
-class SectionSwitcherView : public SwitcherView
-{
-    Q_OBJECT
-
-public:
-    SectionSwitcherView(Store &store, PanelState &state, QWidget *parent = nullptr);
-
-    std::optional<QUuid> renamingSectionID() const { return m_renamingSectionID; }
-    QLineEdit *renameField() const { return m_renameField; }
-    QPushButton *renameButton() const { return m_renameButton; }
-    void beginRename() override;
-    void commitRename();
-    void cancelRename();
-
-protected:
-    QList<SwitcherItem> currentItems() const override;
-    std::optional<QUuid> activeItem() const override;
-    void choose(const QUuid &id) override;
-    void create() override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
-
-private:
-    void updateRenameButton();
-
-    std::optional<QUuid> m_renamingSectionID;
-    QLineEdit *m_renameField = nullptr;
-    QPushButton *m_renameButton = nullptr;
-};
-
-class ProjectSwitcherView : public SwitcherView
-{
-    Q_OBJECT
-
-public:
-    ProjectSwitcherView(Store &store, PanelState &state, QWidget *parent = nullptr);
-
-protected:
-    QList<SwitcherItem> currentItems() const override;
-    std::optional<QUuid> activeItem() const override;
-    void choose(const QUuid &id) override;
 };
 
 } // namespace Vesko
