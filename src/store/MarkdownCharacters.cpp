@@ -80,8 +80,8 @@ qsizetype readReference(QStringView source, qsizetype i, QString &out)
         if (hex)
             ++j;
         const qsizetype digitsStart = j;
-        while (j < size && j - digitsStart < 8
-            && (hex ? isHex(source.at(j)) : source.at(j).isDigit()))
+        while (
+            j < size && j - digitsStart < 8 && (hex ? isHex(source.at(j)) : source.at(j).isDigit()))
             ++j;
         const qsizetype digits = j - digitsStart;
         if (digits >= 1 && digits <= (hex ? 6 : 7) && j < size && source.at(j) == u';') {

@@ -63,7 +63,8 @@ void PanelListView::updateDropLines()
             if (m_rows.at(index).isNote())
                 lines.append(topOf(index));
             else
-                lines.append(topOf(index) + m_layout->height(index) - DropIndicatorOverlay::lineHeight);
+                lines.append(
+                    topOf(index) + m_layout->height(index) - DropIndicatorOverlay::lineHeight);
         }
     }
     if (m_reorder->sourceID()) {
@@ -74,8 +75,8 @@ void PanelListView::updateDropLines()
         } else {
             for (int index = m_rows.size() - 1; index >= 0; --index) {
                 if (m_rows.at(index).isSection() && showsDropLineBelow(m_rows.at(index).id())) {
-                    lines.append(topOf(index) + m_layout->height(index) - DropIndicatorOverlay::lineHeight
-                        + endLineOffset);
+                    lines.append(topOf(index) + m_layout->height(index)
+                        - DropIndicatorOverlay::lineHeight + endLineOffset);
                     break;
                 }
             }
