@@ -37,8 +37,11 @@ struct CapabilityLine
     bool works = false;
     QString text;
 };
-//! Shortcuts, selected text, source, copy and double Shift, in that order.
-QList<CapabilityLine> capabilityLines(const CaptureCapabilities &capabilities);
+enum class ShortcutDesktop;
+//! Shortcuts, selected text, source, copy and double Shift, in that order;
+//! on \a desktop, what to do about what does not work there.
+QList<CapabilityLine> capabilityLines(
+    const CaptureCapabilities &capabilities, ShortcutDesktop desktop);
 //! Capture works at all once it can read the selected text; all the rest
 //! only needs setting up, so Settings opens by itself only without it.
 bool canCaptureAtAll(const CaptureCapabilities &capabilities);
@@ -62,5 +65,12 @@ QString commandBindingAdvice(ShortcutDesktop desktop);
 //! action, with \a keys of the action in sway's words (commented out for an
 //! action without keys), and the Shift release that feeds double Shift.
 QString swayBindings(const std::function<QString(HotKeyAction)> &keys);
+//! The two commands that have KWin call Vesko on each lone Shift release:
+//! the entry in kwinrc, then KWin reading its configuration again. For the
+//! Plasma of \a plasmaVersion (KDE_SESSION_VERSION), whose tools carry it.
+QString kwinShiftCommands(const QString &plasmaVersion);
+//! Whether \a kwinrc, the text of KWin's configuration file, has KWin call
+//! Vesko on each lone Shift release.
+bool kwinPassesShiftTaps(QStringView kwinrc);
 
 } // namespace Vesko
