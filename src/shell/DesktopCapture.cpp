@@ -137,14 +137,9 @@ void DesktopCapture::makeWaylandSession()
     AtspiFrontApplication *accessibleFront = m_accessibleFront.get();
     auto session = std::make_unique<WaylandSession>(
         *m_wayland, *m_dataControl, [accessibleFront](auto done) {
-            // Asked at every capture, even after the bus was out of reach
-            // (not up yet at launch): the worker finds it again within its
-            // bounds. No active frame on the bus (an application that keeps
-            // off it, or no bus) still captures, under "Unknown".
-            accessibleFront->frontApplication(
-                [done = std::move(done)](std::optional<FrontApplication> front) {
-                    done(front ? std::move(front) : FrontApplication {});
-                });
+            // No active frame on the bus (an application that keeps off it,
+            // or no bus) still captures, under "Unknown".
+            accessibleFront->frontApplicationOrUnknown(std::move(done));
         });
     if (PortalGlobalShortcuts *portal = m_portal) {
         // With the desktop's shortcuts the portal says when their keys are

@@ -99,6 +99,13 @@ void AtspiFrontApplication::frontApplication(Done done)
     });
 }
 
+void AtspiFrontApplication::frontApplicationOrUnknown(Done done)
+{
+    frontApplication([done = std::move(done)](std::optional<FrontApplication> front) {
+        done(front ? std::move(front) : FrontApplication {});
+    });
+}
+
 void AtspiFrontApplication::answer(const std::optional<Found> &found, Done done)
 {
     if (!found) {
