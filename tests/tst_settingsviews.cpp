@@ -704,7 +704,6 @@ void SettingsViewsTest::kwinrcTurnsOnShiftTaps_data()
         << true;
     QTest::newRow("Shift for another program")
         << "[ModifierOnlyShortcuts]\nShift=org.kde.krunner,/App,,display\n" << false;
-    QTest::newRow("in another group") << "[Windows]\n" + written.section(u'\n', 1) << false;
     QTest::newRow("no kwinrc") << QString() << false;
 }
 

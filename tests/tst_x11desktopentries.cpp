@@ -193,24 +193,17 @@ void X11DesktopEntriesTest::frontApplicationName_data()
     QTest::newRow("the entry names it")
         << QStringList {"org.example.Editor", "My Editor"} << "EditorMain"
         << "editor" << false << "My Editor" << "org.example.Editor" << false;
-    QTest::newRow("an entry without a Name")
-        << QStringList {"org.example.Bare", ""} << "Bare" << "" << false << "Bare"
-        << "org.example.Bare" << false;
     QTest::newRow("a terminal by its entry")
         << QStringList {"org.gnome.Terminal", "Terminal", "terminal"} << "Gnome-terminal" << ""
         << false << "Terminal" << "org.gnome.Terminal" << true;
     QTest::newRow("no entry: the class and the instance")
         << QStringList {} << "Gimp" << "gimp-2.10" << false << "Gimp" << "gimp-2.10" << false;
-    QTest::newRow("no entry, an app_id alone")
-        << QStringList {} << "org.example.Tool" << "" << false << "org.example.Tool"
-        << "org.example.Tool" << false;
     QTest::newRow("a terminal by its instance")
         << QStringList {} << "XTerm" << "xterm" << false << "XTerm" << "xterm" << true;
     QTest::newRow("a terminal by its app_id")
         << QStringList {} << "foot" << "" << false << "foot" << "foot" << true;
     QTest::newRow("nothing but a process")
         << QStringList {} << "" << "" << true << "tst_x11desktope" << "-" << false;
-    QTest::newRow("nothing at all") << QStringList {} << "" << "" << false << "" << "-" << false;
 }
 
 void X11DesktopEntriesTest::frontApplicationName()
