@@ -37,11 +37,6 @@ struct CapabilityLine
     bool works = false;
     QString text;
 };
-enum class ShortcutDesktop;
-//! Shortcuts, selected text, source, copy and double Shift, in that order;
-//! on \a desktop, what to do about what does not work there.
-QList<CapabilityLine> capabilityLines(
-    const CaptureCapabilities &capabilities, ShortcutDesktop desktop);
 //! Capture works at all once it can read the selected text; all the rest
 //! only needs setting up, so Settings opens by itself only without it.
 bool canCaptureAtAll(const CaptureCapabilities &capabilities);
@@ -54,6 +49,10 @@ QString portalShortcutsMessage(PortalShortcutsState state);
 enum class ShortcutDesktop { Gnome, Kde, Sway, Other };
 //! From XDG_CURRENT_DESKTOP (a list separated by colons).
 ShortcutDesktop shortcutDesktop(const QString &currentDesktop);
+//! Shortcuts, selected text, source, copy and double Shift, in that order;
+//! on \a desktop, what to do about what does not work there.
+QList<CapabilityLine> capabilityLines(
+    const CaptureCapabilities &capabilities, ShortcutDesktop desktop);
 //! The desktop's names as XDG_CURRENT_DESKTOP gives them; "sway" where only
 //! sway's socket tells.
 QString currentDesktopNames();
