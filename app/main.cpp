@@ -273,6 +273,7 @@ int main(int argc, char *argv[])
         {QStringLiteral("copy-list"),
             [&capture] { capture.engine().handleHotKey(HotKeyAction::CopySelectionAsList); }},
         {QStringLiteral("shift"), [&capture] { capture.shiftTapped(); }},
+        {QStringLiteral("shift-press"), [&capture] { capture.shiftPressed(); }},
         {QStringLiteral("quit"), [&quitGuard] { quitGuard.requestQuit(); }},
     });
     instance.setRequestHandler([&requests](const QByteArray &line, auto answer) {

@@ -3,7 +3,9 @@
 // Capture on Wayland from the outside, in a private headless sway
 // (tests/sway-session.sh): a foot window's primary selection becomes a note
 // labelled "Foot — TITLE", whether the capture comes from the command line,
-// a sway key binding or two Shift taps the compositor reports; a window
+// a sway key binding, or two Shift taps the compositor reports (through
+// `vesko shift`, or over the bus as KWin calls, where lone taps capture
+// nothing); a window
 // without a primary selection is read through a synthetic copy and the
 // clipboard is put back; a selection owner that never sends, or never stops
 // sending, ends in "Nothing Selected" and Vesko captures again afterwards.
@@ -16,6 +18,7 @@
 #include "platform/wayland/WaylandDataControl.h"
 #include "platform/wayland/WaylandGlobals.h"
 #include "platform/wayland/WaylandPipeReader.h"
+#include "shell/CaptureStatus.h"
 
 #include "wlr-data-control-unstable-v1-server-protocol.h"
 
@@ -365,6 +368,7 @@ void CaptureWaylandTest::captureFromFoot_data()
     QTest::newRow("command line") << "command";
     QTest::newRow("sway key binding") << "binding";
     QTest::newRow("two Shift taps through sway") << "shift";
+    QTest::newRow("Shift taps over the bus, as KWin calls") << "bus";
 }
 
 void CaptureWaylandTest::captureFromFoot()
@@ -388,6 +392,28 @@ void CaptureWaylandTest::captureFromFoot()
                 QStringLiteral("alt"), QStringLiteral("-k"), QStringLiteral("c"),
                 QStringLiteral("-m"), QStringLiteral("alt"), QStringLiteral("-m"),
                 QStringLiteral("logo")});
+    } else if (trigger == u"bus") {
+        // The call the Capture tab has KWin make on each lone Shift release.
+        const QStringList call = kwinShiftCommands(QStringLiteral("6"))
+                                     .section(u'"', 1, 1)
+                                     .split(u',');
+        QCOMPARE(call.size(), 4);
+        const auto tap = [&call] {
+            QProcess gdbus;
+            gdbus.start(QStringLiteral("gdbus"),
+                {QStringLiteral("call"), QStringLiteral("--session"), QStringLiteral("-d"),
+                    call.at(0), QStringLiteral("-o"), call.at(1), QStringLiteral("-m"),
+                    call.at(2) + u'.' + call.at(3)});
+            return gdbus.waitForFinished(10000) && gdbus.exitCode() == 0;
+        };
+        // Lone taps further apart than the gesture's widest gap capture nothing.
+        for (int lone = 0; lone < 2; ++lone) {
+            QVERIFY(tap());
+            QTest::qWait(1500);
+        }
+        QVERIFY(session.notes().isEmpty());
+        QVERIFY(tap());
+        QVERIFY(tap());
     } else {
         swaymsg({QStringLiteral("bindsym --no-warn --release Shift_L ")
             + session.veskoCommand(QStringLiteral("shift"))});

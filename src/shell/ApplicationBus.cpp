@@ -82,6 +82,24 @@ public Q_SLOTS:
     //! The name of the library's instance that this process serves.
     QString Instance() { return m_bus->instanceName(); }
 
+    //! One lone Shift tap, as `vesko shift` reports it, for a desktop that
+    //! calls a method without arguments on a modifier's release (KWin's
+    //! modifier-only shortcuts).
+    void ShiftTapped() { action(QStringLiteral("shift")); }
+    //! A Shift press, where the desktop reports presses too.
+    void ShiftPressed() { action(QStringLiteral("shift-press")); }
+
+private:
+    void action(const QString &name)
+    {
+        m_bus->requests().handle(
+            {{QStringLiteral("command"), QStringLiteral("action")},
+                {QStringLiteral("name"), name}},
+            [](const QJsonObject &) {});
+    }
+
+public Q_SLOTS:
+
     QString Request(const QString &request)
     {
         QJsonParseError error;

@@ -2,12 +2,12 @@
 
 #include "platform/atspi/AtspiFrontApplication.h"
 
+#include "platform/FrontApplicationNames.h"
 #include "platform/SerialQueue.h"
 #include "platform/atspi/AtspiBus.h"
 #include "platform/atspi/ProcessLaunch.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QPointer>
 
 #include <atomic>
@@ -99,6 +99,13 @@ void AtspiFrontApplication::frontApplication(Done done)
     });
 }
 
+void AtspiFrontApplication::frontApplicationOrUnknown(Done done)
+{
+    frontApplication([done = std::move(done)](std::optional<FrontApplication> front) {
+        done(front ? std::move(front) : FrontApplication {});
+    });
+}
+
 void AtspiFrontApplication::answer(const std::optional<Found> &found, Done done)
 {
     if (!found) {
@@ -119,21 +126,7 @@ void AtspiFrontApplication::answer(const std::optional<Found> &found, Done done)
     m_entries.find(candidates, applicationName,
         [front, applicationName, done = std::move(done)](
             std::optional<X11DesktopEntries::Entry> entry) mutable {
-            if (entry && !entry->name.isEmpty())
-                front.name = entry->name;
-            else if (!applicationName.isEmpty())
-                front.name = applicationName;
-            else if (front.processID > 0) {
-                // A file of the kernel's, read at once.
-                QFile comm(QStringLiteral("/proc/%1/comm").arg(front.processID));
-                if (comm.open(QIODevice::ReadOnly))
-                    front.name = QString::fromLocal8Bit(comm.readAll()).trimmed();
-            }
-            if (entry)
-                front.identifier = entry->id;
-            else if (!applicationName.isEmpty())
-                front.identifier = applicationName;
-            front.isTerminal = entry && entry->isTerminal;
+            nameFrontApplication(front, entry, applicationName);
             done(front);
         });
 }

@@ -14,6 +14,8 @@
 #include <QDBusVariant>
 #include <QRandomGenerator>
 
+#include <algorithm>
+
 namespace {
 
 // One element of BindShortcuts' a(sa{sv}).
@@ -394,10 +396,15 @@ void PortalGlobalShortcuts::handleActivated(const QDBusMessage &message)
     if (arguments.size() < 2 || objectPathText(arguments.at(0)) != m_session || m_session.isEmpty())
         return;
     const std::optional<int> id = identityOf(arguments.at(1).toString());
-    // A key held down reports one press.
-    if (!id || !m_wanted.contains(*id) || m_held.contains(*id))
+    if (!id || !m_wanted.contains(*id))
         return;
-    m_held.insert(*id);
+    // A key held down reports one press; a press whose release never came
+    // is over once its hold lapsed.
+    const auto held = m_held.find(*id);
+    const bool repeated = held != m_held.end() && !held->hasExpired();
+    m_held.insert(*id, QDeadlineTimer(heldLimitMilliseconds));
+    if (repeated)
+        return;
     if (m_handler)
         m_handler(*id);
 }
@@ -410,8 +417,14 @@ void PortalGlobalShortcuts::handleDeactivated(const QDBusMessage &message)
     const std::optional<int> id = identityOf(arguments.at(1).toString());
     if (!id || !m_held.remove(*id))
         return;
-    if (m_held.isEmpty())
+    if (!areKeysHeld())
         Q_EMIT keysReleased();
+}
+
+bool PortalGlobalShortcuts::areKeysHeld() const
+{
+    return std::any_of(m_held.cbegin(), m_held.cend(),
+        [](const QDeadlineTimer &until) { return !until.hasExpired(); });
 }
 
 void PortalGlobalShortcuts::handleShortcutsChanged(const QDBusMessage &message)
@@ -431,10 +444,14 @@ void PortalGlobalShortcuts::handleSessionClosed(const QDBusMessage &message)
         SLOT(handleSessionClosed(QDBusMessage)));
     m_session.clear();
     m_bound.clear();
+    const bool wereHeld = areKeysHeld();
     m_held.clear();
     m_step = Step::None;
     m_requestTimer.stop();
     setState(State::Closed);
+    // No Deactivated comes from a closed session.
+    if (wereHeld)
+        Q_EMIT keysReleased();
 }
 
 void PortalGlobalShortcuts::closeSession()
