@@ -8,7 +8,7 @@
 // Shift+F10 and Ctrl+Q; an edit in place left open behind another window,
 // saved when the panel is brought forward or hidden.
 
-#include "StoreFixture.h"
+#include "PanelTestRig.h"
 #include "WidgetTestMain.h"
 
 #include "panel/ComposerView.h"
@@ -31,25 +31,13 @@
 
 using namespace Vesko;
 using Test::idFor;
+using Test::namesOf;
 
 namespace {
 
 constexpr int ctrl = int(Qt::ControlModifier);
 constexpr int shift = int(Qt::ShiftModifier);
 constexpr int alt = int(Qt::AltModifier);
-
-QString namesOf(const QList<QUuid> &ids)
-{
-    QStringList names;
-    for (const QUuid &id : ids) {
-        for (const char *letter : {"a", "b", "c", "d", "e", "f"}) {
-            if (idFor(letter) == id)
-                names.append(letter);
-        }
-    }
-    names.sort();
-    return names.join(u',');
-}
 
 //! Everything a shortcut can change, as one text, to tell "nothing changed".
 QString snapshot(const Store &store, const PanelState &state)
@@ -434,25 +422,17 @@ void PanelKeysTest::textFilter()
 
 void PanelKeysTest::toggleDoneGoesToDoneFirst_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("library");
     QTest::addColumn<QString>("selected");
     QTest::addColumn<QString>("doneAfter");
 
-    QTest::newRow("open note") << "*Inbox:a,B"
-                               << "a"
-                               << "a,b";
-    QTest::newRow("done note") << "*Inbox:a,B"
-                               << "b"
-                               << "";
-    QTest::newRow("mixed goes to done") << "*Inbox:a,B"
-                                        << "a,b"
-                                        << "a,b";
-    QTest::newRow("mixed, done one first") << "*Inbox:B,a"
-                                           << "a,b"
-                                           << "a,b";
-    QTest::newRow("all done goes back") << "*Inbox:A,B,c"
-                                        << "a,b"
-                                        << "";
+    QTest::newRow("open note") << "*Inbox:a,B" << "a" << "a,b";
+    QTest::newRow("done note") << "*Inbox:a,B" << "b" << "";
+    QTest::newRow("mixed goes to done") << "*Inbox:a,B" << "a,b" << "a,b";
+    QTest::newRow("mixed, done one first") << "*Inbox:B,a" << "a,b" << "a,b";
+    QTest::newRow("all done goes back") << "*Inbox:A,B,c" << "a,b" << "";
+    // clang-format on
 }
 
 void PanelKeysTest::toggleDoneGoesToDoneFirst()
