@@ -102,53 +102,40 @@ void PanelMenusTest::noteMenuEntries_data()
     QTest::addColumn<QString>("expanded");
     QTest::addColumn<QString>("expected");
 
-    const QString tail = QStringLiteral("|-|Add Attachment…|Paste Image or File|Move to>|-|Delete");
-    const QString tailDisabled
-        = QStringLiteral("|-|Add Attachment…~|Paste Image or File~|Move to>|-|Delete");
-    QTest::newRow("one short note") << "*Inbox:a,b" << "" << "a" << ""
-                                    << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit|Edit in "
-                                       "New Window|Merge Notes~|Split into Notes~"
-            + tail;
-    QTest::newRow("three notes, one done") << "*Inbox:a,B,c" << "" << "a,B,c" << ""
-        << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit~|Edit in New Window~|Merge Notes|Split "
-           "into Notes~"
-            + tailDisabled;
-    QTest::newRow("all done") << "*Inbox:A,B" << "" << "a,b" << ""
-                              << "Copy|Copy as List|-|Mark as Not Done|Expand~|-|Edit~|Edit in New "
-                                 "Window~|Merge Notes|Split into Notes~"
-            + tailDisabled;
-    QTest::newRow("three short lines are not long") << "*Inbox:a" << "a=one\ntwo\nthree" << "a"
-        << ""
-        << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split "
-           "into Notes"
-            + tail;
-    QTest::newRow("four lines are long") << "*Inbox:a" << "a=1\n2\n3\n4" << "a" << ""
-                                         << "Copy|Copy as List|-|Mark as Done|Expand|-|Edit|Edit "
-                                            "in New Window|Merge Notes~|Split into Notes"
-            + tail;
-    QTest::newRow("121 characters are long") << "*Inbox:a"
-        << "a=" + QString(121, u'x') << "a" << ""
-        << "Copy|Copy as List|-|Mark as Done|Expand|-|Edit|Edit in New Window|Merge Notes~|Split "
-           "into Notes~"
-            + tail;
-    QTest::newRow("120 accented characters are not long") << "*Inbox:a"
-        << "a=" + QString(120, u'e') + QString(120, QChar(0x0301)) << "a" << ""
-        << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split "
-           "into Notes~"
-            + tail;
-    QTest::newRow("one long note among two") << "*Inbox:a,b"
-        << "b=" + QString(130, u'y') << "a,b" << ""
-        << "Copy|Copy as List|-|Mark as Done|Expand|-|Edit~|Edit in New Window~|Merge Notes|Split "
-           "into Notes~"
-            + tailDisabled;
-    QTest::newRow("one expanded note reads Collapse") << "*Inbox:a,b" << "" << "a,b" << "b"
-        << "Copy|Copy as List|-|Mark as Done|Collapse~|-|Edit~|Edit in New Window~|Merge "
-           "Notes|Split into Notes~"
-            + tailDisabled;
-    QTest::newRow("a missing note counts for nothing") << "*Inbox:a" << "" << "a,zz" << ""
-        << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split "
-           "into Notes~"
-            + tail;
+    // The entries after "Copy as List" and before the attachments' entries,
+    // which are enabled for one note only.
+    const auto menu = [](bool one, const char *middle) {
+        return QStringLiteral("Copy|Copy as List|-|") + QString::fromUtf8(middle)
+            + (one ? QStringLiteral("|-|Add Attachment…|Paste Image or File|Move to>|-|Delete")
+                   : QStringLiteral("|-|Add Attachment…~|Paste Image or File~|Move to>|-|Delete"));
+    };
+    QTest::newRow("one short note") << "*Inbox:a,b" << "" << "a" << "" << menu(true,
+        "Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split into Notes~");
+    QTest::newRow("three notes, one done") << "*Inbox:a,B,c" << "" << "a,B,c" << "" << menu(false,
+        "Mark as Done|Expand~|-|Edit~|Edit in New Window~|Merge Notes|Split into Notes~");
+    QTest::newRow("all done") << "*Inbox:A,B" << "" << "a,b" << "" << menu(false,
+        "Mark as Not Done|Expand~|-|Edit~|Edit in New Window~|Merge Notes|Split into Notes~");
+    QTest::newRow("three short lines are not long")
+        << "*Inbox:a" << "a=one\ntwo\nthree" << "a" << "" << menu(true,
+        "Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split into Notes");
+    QTest::newRow("four lines are long") << "*Inbox:a" << "a=1\n2\n3\n4" << "a" << "" << menu(true,
+        "Mark as Done|Expand|-|Edit|Edit in New Window|Merge Notes~|Split into Notes");
+    QTest::newRow("121 characters are long")
+        << "*Inbox:a" << "a=" + QString(121, u'x') << "a" << "" << menu(true,
+        "Mark as Done|Expand|-|Edit|Edit in New Window|Merge Notes~|Split into Notes~");
+    QTest::newRow("120 accented characters are not long")
+        << "*Inbox:a" << "a=" + QString(120, u'e') + QString(120, QChar(0x0301)) << "a" << ""
+        << menu(true,
+        "Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split into Notes~");
+    QTest::newRow("one long note among two")
+        << "*Inbox:a,b" << "b=" + QString(130, u'y') << "a,b" << "" << menu(false,
+        "Mark as Done|Expand|-|Edit~|Edit in New Window~|Merge Notes|Split into Notes~");
+    QTest::newRow("one expanded note reads Collapse")
+        << "*Inbox:a,b" << "" << "a,b" << "b" << menu(false,
+        "Mark as Done|Collapse~|-|Edit~|Edit in New Window~|Merge Notes|Split into Notes~");
+    QTest::newRow("a missing note counts for nothing")
+        << "*Inbox:a" << "" << "a,zz" << "" << menu(true,
+        "Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split into Notes~");
     // clang-format on
 }
 
