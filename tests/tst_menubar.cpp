@@ -167,11 +167,13 @@ void MenuBarTest::entries()
         [](QAction *action) { return action->text().startsWith(QStringLiteral("Section: ")); });
     QVERIFY(sectionEntry != actions.end() && (*sectionEntry)->menu());
     QCOMPARE(describeMenu(*(*sectionEntry)->menu()), sections);
-    QCOMPARE(
-        menuEntry(filled, QStringLiteral("Settings"))->shortcut().toString(QKeySequence::NativeText),
+    QCOMPARE(menuEntry(filled, QStringLiteral("Settings"))
+                 ->shortcut()
+                 .toString(QKeySequence::NativeText),
         QStringLiteral("Ctrl+,"));
-    QCOMPARE(
-        menuEntry(filled, QStringLiteral("Quit Vesko"))->shortcut().toString(QKeySequence::NativeText),
+    QCOMPARE(menuEntry(filled, QStringLiteral("Quit Vesko"))
+                 ->shortcut()
+                 .toString(QKeySequence::NativeText),
         QStringLiteral("Ctrl+Q"));
 }
 

@@ -308,7 +308,8 @@ void PanelAccessTest::throughTheScreenReader()
 
     // A note edited in place: a double click opens its editor with the text.
     const AccessibleTree beforeEdit = tree();
-    const AccessibleNode *plumber = row(beforeEdit, QStringLiteral("Call the plumber\nabout the sink"));
+    const AccessibleNode *plumber
+        = row(beforeEdit, QStringLiteral("Call the plumber\nabout the sink"));
     QVERIFY(plumber);
     const QPoint onText = plumber->extents.topLeft() + QPoint(plumber->extents.width() / 2, 14);
     xdotool(

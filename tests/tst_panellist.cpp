@@ -379,7 +379,8 @@ void PanelListTest::clickOnALinkSelects()
     QFETCH(QString, selection);
     PanelTestRig rig(QStringLiteral("S1:a,b,c"));
     rig.store().updateNote(idFor("b"),
-        QStringLiteral("[the quarterly report for the board and its members](https://example.org/r)"));
+        QStringLiteral(
+            "[the quarterly report for the board and its members](https://example.org/r)"));
     ListWindow w(rig);
     OpenedUrls opened;
     QDesktopServices::setUrlHandler(QStringLiteral("https"), &opened, "open");
@@ -388,7 +389,8 @@ void PanelListTest::clickOnALinkSelects()
     NoteRowView *row = w.note(QStringLiteral("b"));
     QVERIFY(row);
     // On the first words of the text, which are the link's.
-    const QPoint onLink(NoteRowView::cardPaddingH + DoneControl::diameter + NoteRowView::spacing + 6,
+    const QPoint onLink(
+        NoteRowView::cardPaddingH + DoneControl::diameter + NoteRowView::spacing + 6,
         NoteRowView::rowPadding + NoteRowView::cardPaddingV + 6);
     QTest::mouseClick(row, Qt::LeftButton, Qt::KeyboardModifiers(modifiers), onLink);
     QCoreApplication::processEvents();
@@ -445,6 +447,7 @@ void PanelListTest::hoverFollowsThePointer()
 
 void PanelListTest::editInPlace_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("ending"); // how the edit ends
     QTest::addColumn<QString>("text"); // the note's text afterwards
 
@@ -453,6 +456,7 @@ void PanelListTest::editInPlace_data()
     QTest::newRow("leaving the field commits") << "leave" << "bee\ntwo";
     // Leaving afterwards saves nothing either.
     QTest::newRow("Escape cancels") << "escape" << "b";
+    // clang-format on
 }
 
 void PanelListTest::editInPlace()

@@ -24,12 +24,12 @@
 #include <QSignalSpy>
 
 using namespace Vesko;
+using Test::describeMenu;
 using Test::idFor;
+using Test::menuEntry;
+using Test::noteIDs;
 using Test::notesOfSection;
 using Test::sectionTitles;
-using Test::noteIDs;
-using Test::describeMenu;
-using Test::menuEntry;
 using Test::submenu;
 
 namespace {

@@ -38,9 +38,9 @@
 
 using namespace Vesko;
 using Test::idFor;
+using Test::noteIDs;
 using Test::notesOfSection;
 using Test::sectionTitles;
-using Test::noteIDs;
 
 namespace {
 
