@@ -166,6 +166,7 @@ void PanelMenusTest::markingFollowsTheToggleRule_data()
     QTest::addColumn<QString>("expected");
 
     QTest::newRow("mixed becomes done") << "*Inbox:a,B,c" << "a,b,c" << "A,B,C";
+    QTest::newRow("mixed, the done one first") << "*Inbox:B,a" << "a,b" << "B,A";
     QTest::newRow("all done becomes open") << "*Inbox:A,B,c" << "a,b" << "a,b,c";
     QTest::newRow("a missing note counts as open") << "*Inbox:A" << "a,zz" << "A";
     // clang-format on
