@@ -300,6 +300,8 @@ void PanelRootTest::newSectionPromptCarriesPendingNotes()
     QCOMPARE(notesOfSection(store, QStringLiteral("Ideas")), (QStringList {"a", "c"}));
     QCOMPARE(store.activeSection().title, QStringLiteral("Ideas"));
     QVERIFY(m_state->pendingMoveIDs().isEmpty());
+    // The composer names the section it adds to.
+    QCOMPARE(m_root->composer()->field()->placeholder(), QStringLiteral("Add to Ideas"));
 }
 
 void PanelRootTest::layersShowInTheirOrder()

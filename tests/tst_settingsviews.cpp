@@ -6,7 +6,8 @@
 // tab says why capture is unavailable, the interval slider keeps its bounds,
 // the library moves to another folder and back through the Storage tab's
 // dialog with its attachments, a move to a read-only folder shows its
-// failure, and the window is made once and keeps its place.
+// failure (of the attachments' copy or of the notes file's write), and the
+// window is made once and keeps its place.
 
 #include "TestEnvironment.h"
 
@@ -79,8 +80,9 @@ QString dataFolder()
     return Test::IsolatedEnvironment::current().dataHome() + QStringLiteral("/Vesko");
 }
 
-//! A library of one note that has one attachment, written with its file at \a libraryPath.
-void writeLibraryWithAttachment(const QString &libraryPath)
+//! A library of one note, written at \a libraryPath, with one attachment and its
+//! file unless \a attached is false.
+void writeLibraryWithAttachment(const QString &libraryPath, bool attached = true)
 {
     Library library = makeDefaultLibrary();
     Note note;
@@ -94,9 +96,12 @@ void writeLibraryWithAttachment(const QString &libraryPath)
         = attachment.id.toString(QUuid::WithoutBraces) + QStringLiteral("/picture.png");
     attachment.kind = NoteAttachment::Kind::Image;
     attachment.createdAt = note.createdAt;
-    note.attachments.append(attachment);
+    if (attached)
+        note.attachments.append(attachment);
     library.projects[0].sections[0].notes.append(note);
     QVERIFY(!writeLibrary(library, libraryPath));
+    if (!attached)
+        return;
     const QString file = attachmentsFolder(libraryPath) + u'/' + attachment.storedFileName;
     QDir().mkpath(QFileInfo(file).absolutePath());
     QFile out(file);
@@ -742,17 +747,22 @@ void SettingsViewsTest::appearanceRebuildsTheWindowOnItsTab()
 void SettingsViewsTest::rebuiltStorageTabFollowsTheMove_data()
 {
     QTest::addColumn<bool>("readOnlyTarget");
-    QTest::newRow("moved") << false;
-    QTest::newRow("refused by the target") << true;
+    QTest::addColumn<bool>("attached");
+    QTest::newRow("moved") << false << true;
+    // The copy of the attachments fails first.
+    QTest::newRow("refused by the target") << true << true;
+    // The notes file alone: its own write fails.
+    QTest::newRow("refused, without attachments") << true << false;
 }
 
 void SettingsViewsTest::rebuiltStorageTabFollowsTheMove()
 {
     QFETCH(bool, readOnlyTarget);
+    QFETCH(bool, attached);
     m_view.reset();
     m_rig.reset();
     const QString home = dataFolder() + QStringLiteral("/Library.json");
-    writeLibraryWithAttachment(home);
+    writeLibraryWithAttachment(home, attached);
     m_rig = std::make_unique<Test::SettingsRig>();
     const QString target = Test::IsolatedEnvironment::current().root()
         + (readOnlyTarget ? QStringLiteral("/ro") : QStringLiteral("/Elsewhere"));
@@ -779,7 +789,9 @@ void SettingsViewsTest::rebuiltStorageTabFollowsTheMove()
         if (button->text() == u"Move…")
             QVERIFY(!button->isEnabled());
     }
-    // Once the size is known, the line tells the share copied.
+    // Once the size is known, and only then, the line tells the share copied.
+    Q_EMIT m_rig->store.libraryMoveProgress(0, 0);
+    QCOMPARE(storage->progressText(), QStringLiteral("Moving your notes…"));
     Q_EMIT m_rig->store.libraryMoveProgress(4096, 16384);
     QCOMPARE(storage->progressText(), QStringLiteral("Moving your notes… 25%"));
 
