@@ -9,15 +9,11 @@
 // where the compositor offers it to the focused client only: read once the
 // focus came, the window sent back only when it was not on screen before.
 
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
 
-#include "attachments/AttachmentStore.h"
-#include "library/LibraryWriter.h"
 #include "platform/qt/FocusSelectionReader.h"
 #include "platform/x11/X11Clipboard.h"
-#include "search/SearchIndex.h"
-#include "shell/Preferences.h"
-#include "store/Store.h"
 
 #include <QBuffer>
 #include <QClipboard>
@@ -358,12 +354,7 @@ void ClipboardTest::emptyClipboardRestoresEmpty()
 
 void ClipboardTest::storeCopiesLandAsText()
 {
-    Preferences::openSettings()->clear();
-    Preferences preferences;
-    LibraryWriter writer;
-    AttachmentStore attachments;
-    SearchIndex searchIndex(
-        Test::IsolatedEnvironment::current().cacheHome() + QStringLiteral("/clip.sqlite"));
+    Test::StoreFixture fixture;
     Library library = makeDefaultLibrary();
     QList<QUuid> ids;
     for (const char *text : {"alpha", "**beta**\nline"}) {
@@ -373,13 +364,13 @@ void ClipboardTest::storeCopiesLandAsText()
         library.projects[0].sections[0].notes.append(note);
         ids.append(note.id);
     }
-    Store store(library, {preferences, writer, attachments, searchIndex});
+    Store &store = fixture.make(library);
     X11Clipboard clipboard;
 
     QVERIFY(store.copyAsList(ids, clipboard));
     QCOMPARE(
         readWithXclip(QStringLiteral("UTF8_STRING")), QByteArray("1. alpha\n2. **beta**\n   line"));
-    preferences.setCopyIncludesMarkdown(false);
+    fixture.preferences().setCopyIncludesMarkdown(false);
     QVERIFY(store.copyNotes(ids, clipboard));
     QCOMPARE(readWithXclip(QStringLiteral("UTF8_STRING")), QByteArray("alpha\n\nbeta\nline"));
 
