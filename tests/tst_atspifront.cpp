@@ -5,17 +5,20 @@
 // private X session (tests/x-session.sh, dbus-run-session): the desktop
 // entry that the program's start or its name finds, the frame's title; an
 // application that stopped answering costs a bounded wait, and the next
-// read still works.
+// read still works; the reader's end waits for no read under way.
 
 #include "TestEnvironment.h"
 
 #include "platform/atspi/AtspiFrontApplication.h"
+#include "platform/SerialQueue.h"
 #include "platform/atspi/ProcessLaunch.h"
 
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QSemaphore>
 
+#include <atomic>
 #include <csignal>
 
 using namespace Vesko;
@@ -186,6 +189,26 @@ private Q_SLOTS:
         QVERIFY(answer.front);
         QCOMPARE(answer.front->name, QStringLiteral("Test Notes"));
         behind.signal(SIGCONT);
+    }
+
+    // The reader's thread is never waited for at the end: a job still
+    // waiting on an application runs on after its queue is gone.
+    void endWaitsForNoJob()
+    {
+        QSemaphore released;
+        std::atomic_bool releasedInTime = false;
+        std::atomic_bool ran = false;
+        {
+            SerialQueue queue(QStringLiteral("vesko-test-end"), QThread::InheritPriority,
+                SerialQueue::End::Detached);
+            queue.async([&] {
+                releasedInTime = released.tryAcquire(1, 20000);
+                ran = true;
+            });
+        }
+        released.release();
+        QTRY_VERIFY_WITH_TIMEOUT(ran, 30000);
+        QVERIFY(releasedInTime);
     }
 
     void unitNames_data()

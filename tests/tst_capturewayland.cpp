@@ -7,6 +7,10 @@
 // without a primary selection is read through a synthetic copy and the
 // clipboard is put back; a selection owner that never sends, or never stops
 // sending, ends in "Nothing Selected" and Vesko captures again afterwards.
+// In a private headless mutter (tests/mutter-session.sh), GNOME's compositor
+// without data control, the same from the command line: the selection is
+// read as the panel takes the focus, and an owner that never sends or sends
+// more than the cap ends in "Nothing Selected" too.
 // Beside them, without sway: the pipe read those rest on, and data control
 // on a compositor of the test's own that withdraws its globals.
 
@@ -16,9 +20,14 @@
 #include "platform/wayland/WaylandDataControl.h"
 #include "platform/wayland/WaylandGlobals.h"
 #include "platform/wayland/WaylandPipeReader.h"
+#include "platform/wayland/WaylandPrimarySelection.h"
 
 #include "wlr-data-control-unstable-v1-server-protocol.h"
 
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -30,6 +39,7 @@
 #include <wayland-server.h>
 
 #include <condition_variable>
+#include <csignal>
 #include <fcntl.h>
 #include <mutex>
 #include <sys/eventfd.h>
@@ -109,8 +119,9 @@ public:
         setEnvironmentVariable(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland"));
     }
 
-    //! Vesko with the panel kept hidden on capture, the front window staying in front.
-    QProcess *startVesko()
+    //! Vesko with the panel kept hidden on capture, the front window staying
+    //! in front; ready once \a ready holds (by default: its panel has sway's focus).
+    QProcess *startVesko(std::function<bool()> ready = {})
     {
         QDir().mkpath(QFileInfo(configPath()).path());
         QFile config(configPath());
@@ -119,7 +130,9 @@ public:
         config.close();
         // Its log is read: a toast is a popup, out of the compositor's tree.
         QProcess *vesko = start(QStringLiteral(VESKO_PATH), {}, QProcess::SeparateChannels);
-        if (!QTest::qWaitFor([] { return focusedWindowIs(QStringLiteral("Vesko")); }, 20000))
+        if (!ready)
+            ready = [] { return focusedWindowIs(QStringLiteral("Vesko")); };
+        if (!QTest::qWaitFor(ready, 20000))
             return nullptr;
         return vesko;
     }
@@ -153,6 +166,48 @@ public:
 
     QList<Note> notes() const { return Test::allNotes(Test::readLibraryFile(libraryPath())); }
 };
+
+bool ownedOnBus(const QString &name)
+{
+    return QDBusConnection::sessionBus().interface()->isServiceRegistered(name);
+}
+
+//! Gives mutter's seat a keyboard, for as long as this process runs: a
+//! headless mutter has no input device, and without a keyboard no client
+//! gets the focus. Its remote desktop service adds a virtual one.
+bool giveMutterAKeyboard()
+{
+    static bool given = false;
+    if (given)
+        return true;
+    const QString service = QStringLiteral("org.gnome.Mutter.RemoteDesktop");
+    if (!QTest::qWaitFor([&] { return ownedOnBus(service); }, 20000))
+        return false;
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    const QDBusMessage made = bus.call(QDBusMessage::createMethodCall(
+        service, QStringLiteral("/org/gnome/Mutter/RemoteDesktop"), service,
+        QStringLiteral("CreateSession")));
+    if (made.type() != QDBusMessage::ReplyMessage) {
+        qWarning("No remote desktop session: %s", qPrintable(made.errorMessage()));
+        return false;
+    }
+    const QString path = made.arguments().value(0).value<QDBusObjectPath>().path();
+    const auto call = [&](const QString &method, const QList<QVariant> &arguments) {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            service, path, QStringLiteral("org.gnome.Mutter.RemoteDesktop.Session"), method);
+        message.setArguments(arguments);
+        const QDBusMessage reply = bus.call(message);
+        if (reply.type() != QDBusMessage::ReplyMessage)
+            qWarning("%s: %s", qPrintable(method), qPrintable(reply.errorMessage()));
+        return reply.type() == QDBusMessage::ReplyMessage;
+    };
+    // The keyboard is made with its first key: a lone Shift, down and up.
+    const uint shift = 0xffe1;
+    given = call(QStringLiteral("Start"), {})
+        && call(QStringLiteral("NotifyKeyboardKeysym"), {shift, true})
+        && call(QStringLiteral("NotifyKeyboardKeysym"), {shift, false});
+    return given;
+}
 
 //! A compositor of the test's own, on a thread: a seat and data control
 //! (version 2), each withdrawn and offered again on request. Its data
@@ -299,11 +354,29 @@ private Q_SLOTS:
     void misbehavingOwner();
     void compositorWithdrawsGlobal_data();
     void compositorWithdrawsGlobal();
+    void captureOnPanelFocus_data();
+    void captureOnPanelFocus();
 
 private:
     //! Skips the test where there is no compositor, with the reason.
     bool needsSway();
+    bool needsMutter();
 };
+
+bool CaptureWaylandTest::needsMutter()
+{
+    const QString reason = qEnvironmentVariable("VESKO_MUTTER_UNAVAILABLE");
+    if (!reason.isEmpty()) {
+        QTest::qSkip(qPrintable(reason), __FILE__, __LINE__);
+        return false;
+    }
+    if (qEnvironmentVariable("VESKO_MUTTER") != u"1") {
+        QTest::qSkip("Needs a mutter session: run through tests/mutter-session.sh", __FILE__,
+            __LINE__);
+        return false;
+    }
+    return true;
+}
 
 bool CaptureWaylandTest::needsSway()
 {
@@ -510,6 +583,71 @@ void CaptureWaylandTest::compositorWithdrawsGlobal()
         QCOMPARE(wl_display_get_error(display), 0);
     }
     wl_display_disconnect(display);
+}
+
+void CaptureWaylandTest::captureOnPanelFocus_data()
+{
+    QTest::addColumn<QString>("owner");
+    QTest::newRow("selection read") << "sends";
+    QTest::newRow("owner that never sends") << "stopped";
+    QTest::newRow("owner sending more than the cap") << "flood";
+}
+
+void CaptureWaylandTest::captureOnPanelFocus()
+{
+    if (!needsMutter())
+        return;
+    QFETCH(QString, owner);
+    QVERIFY(giveMutterAKeyboard());
+    WaylandCapture session;
+    QProcess *vesko
+        = session.startVesko([] { return ownedOnBus(QStringLiteral("com.vesko.Vesko")); });
+    QVERIFY(vesko);
+    const auto primary = [] {
+        return client(QStringLiteral("wl-paste"),
+            {QStringLiteral("--primary"), QStringLiteral("--no-newline")});
+    };
+
+    const QString text = QStringLiteral("words selected in an editor");
+    if (owner == u"stopped") {
+        // wl-copy serving in the foreground, stopped once it owns the selection.
+        QProcess *copy = session.start(
+            QStringLiteral("wl-copy"), {QStringLiteral("--primary"), QStringLiteral("--foreground")});
+        copy->write(text.toUtf8());
+        copy->closeWriteChannel();
+        QTRY_COMPARE_WITH_TIMEOUT(primary(), text, 15000);
+        ::kill(pid_t(copy->processId()), SIGSTOP);
+        qWarning("DEBUG after stop: [%s]", qPrintable(primary()));
+        QProcess ps;
+        ps.start(QStringLiteral("ps"), {QStringLiteral("-ef")});
+        ps.waitForFinished();
+        qWarning("%s", ps.readAllStandardOutput().constData());
+    } else {
+        const QByteArray bytes = owner == u"flood"
+            ? QByteArray(WaylandPrimarySelection::capBytes + 1, 'x')
+            : text.toUtf8();
+        client(QStringLiteral("wl-copy"), {QStringLiteral("--primary")}, bytes);
+    }
+
+    QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
+    if (owner == u"sends") {
+        QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 15000);
+        QCOMPARE(session.notes().first().text, text);
+        return;
+    }
+    QByteArray log;
+    QTRY_VERIFY2_WITH_TIMEOUT((log += vesko->readAllStandardError()).contains("Nothing selected"),
+        qPrintable(QString::fromUtf8(log).split(u'\n').filter(u"capture").join(u'\n')
+            + (session.notes().isEmpty() ? QString() : session.notes().first().text)),
+        15000);
+    QCOMPARE(session.notes().size(), 0);
+
+    // Vesko answers, and the next capture takes the next selection.
+    const QString next = QStringLiteral("the next selection");
+    client(QStringLiteral("wl-copy"), {QStringLiteral("--primary")}, next.toUtf8());
+    QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 15000);
+    QCOMPARE(session.notes().first().text, next);
 }
 
 VESKO_TEST_MAIN(CaptureWaylandTest)

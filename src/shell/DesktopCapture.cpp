@@ -15,8 +15,8 @@
 #include "platform/ShiftTaps.h"
 #include "platform/portal/PortalGlobalShortcuts.h"
 #include "platform/portal/ShortcutTrigger.h"
-#include "platform/qt/FocusSelectionReader.h"
-#include "platform/qt/FocusSelectionSession.h"
+#include "platform/wayland/FocusSelectionReader.h"
+#include "platform/wayland/FocusSelectionSession.h"
 #include "platform/qt/QtClipboard.h"
 #include "platform/wayland/WaylandClipboard.h"
 #include "platform/wayland/WaylandDataControl.h"
@@ -169,7 +169,8 @@ void DesktopCapture::makeWaylandSession()
     PanelController *panel = &m_panel;
     m_focusSelection = std::make_unique<FocusSelectionReader>(
         FocusSelectionReader::Panel {[panel] { return panel->isPanelShown(); },
-            [panel] { panel->show(true, false); }, [panel] { panel->hide(); }});
+            [panel] { panel->show(true, false); }, [panel] { panel->hide(); }},
+        *m_wayland);
     WaylandSession *front = m_waylandSession.get();
     m_session = std::make_unique<FocusSelectionSession>(
         [front](auto done) { front->frontApplication(std::move(done)); }, *m_focusSelection);
@@ -215,8 +216,8 @@ CaptureCapabilities DesktopCapture::capabilities() const
         if (found.source == C::Source::None && m_accessibleFront->isAvailable())
             found.source = C::Source::Accessibility;
         if (m_focusSelection) {
-            found.selection = FocusSelectionReader::isAvailable() ? C::Selection::OnPanelFocus
-                                                                  : C::Selection::None;
+            found.selection = m_focusSelection->isAvailable() ? C::Selection::OnPanelFocus
+                                                              : C::Selection::None;
             found.copy = C::Copy::None;
         }
     } else if (!onWayland()) {
