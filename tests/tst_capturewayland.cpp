@@ -120,8 +120,8 @@ public:
     }
 
     //! Vesko with the panel kept hidden on capture, the front window staying
-    //! in front; ready once \a ready holds (by default: its panel has sway's focus).
-    QProcess *startVesko(std::function<bool()> ready = {})
+    //! in front; ready once \a ready holds of it (by default: its panel has sway's focus).
+    QProcess *startVesko(std::function<bool(QProcess *)> ready = {})
     {
         QDir().mkpath(QFileInfo(configPath()).path());
         QFile config(configPath());
@@ -131,8 +131,8 @@ public:
         // Its log is read: a toast is a popup, out of the compositor's tree.
         QProcess *vesko = start(QStringLiteral(VESKO_PATH), {}, QProcess::SeparateChannels);
         if (!ready)
-            ready = [] { return focusedWindowIs(QStringLiteral("Vesko")); };
-        if (!QTest::qWaitFor(ready, 20000))
+            ready = [](QProcess *) { return focusedWindowIs(QStringLiteral("Vesko")); };
+        if (!QTest::qWaitFor([&] { return ready(vesko); }, 20000))
             return nullptr;
         return vesko;
     }
@@ -605,15 +605,28 @@ void CaptureWaylandTest::captureOnPanelFocus()
         return;
     QFETCH(QString, owner);
     QVERIFY(giveMutterAKeyboard());
-    WaylandCapture session;
-    QProcess *vesko
-        = session.startVesko([] { return ownedOnBus(QStringLiteral("com.vesko.Vesko")); });
-    QVERIFY(vesko);
-    // mutter reads the owner's selection itself and keeps it: an owner that
-    // never sends is tried under sway (misbehavingOwner).
+    // The selection first: mutter gives wl-copy's window the focus it needs
+    // to set it while no other window has it. mutter reads the owner's
+    // selection itself and keeps it: an owner that never sends is tried
+    // under sway (misbehavingOwner). The row's selection is in place once
+    // one is offered again after the last row's was cleared.
     const QString text = QStringLiteral("words selected in an editor");
+    client(QStringLiteral("wl-copy"), {QStringLiteral("--primary"), QStringLiteral("--clear")});
     client(QStringLiteral("wl-copy"), {QStringLiteral("--primary")},
         owner == u"flood" ? QByteArray(WaylandPrimarySelection::capBytes + 1, 'x') : text.toUtf8());
+    QTRY_VERIFY_WITH_TIMEOUT(!client(QStringLiteral("wl-paste"),
+                                 {QStringLiteral("--primary"), QStringLiteral("--list-types")})
+                                  .isEmpty(),
+        15000);
+
+    WaylandCapture session;
+    // Ready once capture has started (the log says so), not only the bus name.
+    QByteArray started;
+    QProcess *vesko = session.startVesko([&started](QProcess *vesko) {
+        return (started += vesko->readAllStandardError()).contains("listener started")
+            && ownedOnBus(QStringLiteral("com.vesko.Vesko"));
+    });
+    QVERIFY(vesko);
 
     QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
     if (owner == u"sends") {
