@@ -9,8 +9,8 @@
 
 #include "TestEnvironment.h"
 
-#include "platform/atspi/AtspiFrontApplication.h"
 #include "platform/SerialQueue.h"
+#include "platform/atspi/AtspiFrontApplication.h"
 #include "platform/atspi/ProcessLaunch.h"
 
 #include <QDir>

@@ -184,9 +184,9 @@ bool giveMutterAKeyboard()
     if (!QTest::qWaitFor([&] { return ownedOnBus(service); }, 20000))
         return false;
     QDBusConnection bus = QDBusConnection::sessionBus();
-    const QDBusMessage made = bus.call(QDBusMessage::createMethodCall(
-        service, QStringLiteral("/org/gnome/Mutter/RemoteDesktop"), service,
-        QStringLiteral("CreateSession")));
+    const QDBusMessage made = bus.call(
+        QDBusMessage::createMethodCall(service, QStringLiteral("/org/gnome/Mutter/RemoteDesktop"),
+            service, QStringLiteral("CreateSession")));
     if (made.type() != QDBusMessage::ReplyMessage) {
         qWarning("No remote desktop session: %s", qPrintable(made.errorMessage()));
         return false;
@@ -361,32 +361,28 @@ private:
     //! Skips the test where there is no compositor, with the reason.
     bool needsSway();
     bool needsMutter();
+    //! Skips unless the session's script started the compositor.
+    bool needsCompositor(const char *unavailable, bool running, const char *hint);
 };
 
 bool CaptureWaylandTest::needsMutter()
 {
-    const QString reason = qEnvironmentVariable("VESKO_MUTTER_UNAVAILABLE");
-    if (!reason.isEmpty()) {
-        QTest::qSkip(qPrintable(reason), __FILE__, __LINE__);
-        return false;
-    }
-    if (qEnvironmentVariable("VESKO_MUTTER") != u"1") {
-        QTest::qSkip("Needs a mutter session: run through tests/mutter-session.sh", __FILE__,
-            __LINE__);
-        return false;
-    }
-    return true;
+    return needsCompositor("VESKO_MUTTER_UNAVAILABLE", qEnvironmentVariable("VESKO_MUTTER") == u"1",
+        "Needs a mutter session: run through tests/mutter-session.sh");
 }
 
 bool CaptureWaylandTest::needsSway()
 {
-    const QString reason = qEnvironmentVariable("VESKO_SWAY_UNAVAILABLE");
-    if (!reason.isEmpty()) {
-        QTest::qSkip(qPrintable(reason), __FILE__, __LINE__);
-        return false;
-    }
-    if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") || qEnvironmentVariableIsEmpty("SWAYSOCK")) {
-        QTest::qSkip("Needs a sway session: run through tests/sway-session.sh", __FILE__, __LINE__);
+    return needsCompositor("VESKO_SWAY_UNAVAILABLE",
+        !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && !qEnvironmentVariableIsEmpty("SWAYSOCK"),
+        "Needs a sway session: run through tests/sway-session.sh");
+}
+
+bool CaptureWaylandTest::needsCompositor(const char *unavailable, bool running, const char *hint)
+{
+    const QString reason = qEnvironmentVariable(unavailable);
+    if (!reason.isEmpty() || !running) {
+        QTest::qSkip(reason.isEmpty() ? hint : qPrintable(reason), __FILE__, __LINE__);
         return false;
     }
     return true;

@@ -11,13 +11,13 @@
 #include "platform/HotKeyRegistrar.h"
 #include "platform/Logging.h"
 #include "platform/SessionType.h"
-#include "platform/atspi/AtspiFrontApplication.h"
 #include "platform/ShiftTaps.h"
+#include "platform/atspi/AtspiFrontApplication.h"
 #include "platform/portal/PortalGlobalShortcuts.h"
 #include "platform/portal/ShortcutTrigger.h"
+#include "platform/qt/QtClipboard.h"
 #include "platform/wayland/FocusSelectionReader.h"
 #include "platform/wayland/FocusSelectionSession.h"
-#include "platform/qt/QtClipboard.h"
 #include "platform/wayland/WaylandClipboard.h"
 #include "platform/wayland/WaylandDataControl.h"
 #include "platform/wayland/WaylandGlobals.h"
@@ -216,8 +216,8 @@ CaptureCapabilities DesktopCapture::capabilities() const
         if (found.source == C::Source::None && m_accessibleFront->isAvailable())
             found.source = C::Source::Accessibility;
         if (m_focusSelection) {
-            found.selection = m_focusSelection->isAvailable() ? C::Selection::OnPanelFocus
-                                                              : C::Selection::None;
+            found.selection
+                = m_focusSelection->isAvailable() ? C::Selection::OnPanelFocus : C::Selection::None;
             found.copy = C::Copy::None;
         }
     } else if (!onWayland()) {

@@ -403,8 +403,8 @@ void PortalGlobalShortcuts::handleActivated(const QDBusMessage &message)
     // give the panel none without it).
     if (arguments.size() >= 4) {
         keepActivationToken(qdbus_cast<QVariantMap>(arguments.at(3))
-                .value(QStringLiteral("activation_token"))
-                .toString());
+                                .value(QStringLiteral("activation_token"))
+                                .toString());
     }
     if (m_handler)
         m_handler(*id);
