@@ -5,10 +5,12 @@
 // private X session (tests/x-session.sh, dbus-run-session): the desktop
 // entry that the program's start or its name finds, the frame's title; an
 // application that stopped answering costs a bounded wait, and the next
-// read still works; a bus out of reach at first is found by a later capture.
+// read still works; a bus out of reach at first is found by a later capture;
+// the reader's end waits for no read under way.
 
 #include "TestEnvironment.h"
 
+#include "platform/SerialQueue.h"
 #include "platform/atspi/AtspiFrontApplication.h"
 #include "platform/atspi/ProcessLaunch.h"
 
@@ -17,7 +19,9 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QSemaphore>
 
+#include <atomic>
 #include <csignal>
 
 using namespace Vesko;
@@ -219,6 +223,26 @@ private Q_SLOTS:
         QVERIFY(found.answered && found.front);
         QCOMPARE(found.front->windowTitle, QStringLiteral("Found Later"));
         QVERIFY(early.isAvailable());
+    }
+
+    // The reader's thread is never waited for at the end: a job still
+    // waiting on an application runs on after its queue is gone.
+    void endWaitsForNoJob()
+    {
+        QSemaphore released;
+        std::atomic_bool releasedInTime = false;
+        std::atomic_bool ran = false;
+        {
+            SerialQueue queue(QStringLiteral("vesko-test-end"), QThread::InheritPriority,
+                SerialQueue::End::Detached);
+            queue.async([&] {
+                releasedInTime = released.tryAcquire(1, 20000);
+                ran = true;
+            });
+        }
+        released.release();
+        QTRY_VERIFY_WITH_TIMEOUT(ran, 30000);
+        QVERIFY(releasedInTime);
     }
 
     void unitNames_data()

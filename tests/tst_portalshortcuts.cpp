@@ -147,7 +147,11 @@ void PortalShortcutsTest::session()
         });
         HotKeyCenter hotKeys(portal);
         QList<HotKeyAction> pressed;
-        hotKeys.setHandler([&pressed](HotKeyAction action) { pressed.append(action); });
+        QString tokenAtPress; // the panel asks for the focus with it
+        hotKeys.setHandler([&pressed, &tokenAtPress](HotKeyAction action) {
+            pressed.append(action);
+            tokenAtPress = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
+        });
         hotKeys.installEventHandler();
         portal.start();
         hotKeys.registerAll();
@@ -168,15 +172,18 @@ void PortalShortcutsTest::session()
             for (const auto &[action, trigger] : triggers)
                 QCOMPARE(hotKeys.desktopTrigger(action), QString::fromLatin1(trigger));
 
-            // One press per activation, however long the keys stay down;
-            // their release is told.
+            // One press per activation, however long the keys stay down,
+            // with the desktop's activation token; their release is told.
+            qunsetenv("XDG_ACTIVATION_TOKEN");
             QSignalSpy released(&portal, &PortalGlobalShortcuts::keysReleased);
-            order(QStringLiteral("Activate"), {QStringLiteral("captureSelection")});
+            order(QStringLiteral("Activate"),
+                {QStringLiteral("captureSelection"), QStringLiteral("token-of-the-press")});
             order(QStringLiteral("Activate"), {QStringLiteral("captureSelection")});
             QTRY_VERIFY_WITH_TIMEOUT(portal.areKeysHeld(), 10000);
             order(QStringLiteral("Deactivate"), {QStringLiteral("captureSelection")});
             QTRY_COMPARE_WITH_TIMEOUT(released.count(), 1, 10000);
             QCOMPARE(pressed, QList<HotKeyAction> {HotKeyAction::CaptureSelection});
+            QCOMPARE(tokenAtPress, QStringLiteral("token-of-the-press"));
 
             // The user gives a shortcut other keys in the desktop's settings.
             QSignalSpy changed(&hotKeys, &HotKeyCenter::registrationsChanged);

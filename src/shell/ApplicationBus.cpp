@@ -2,6 +2,7 @@
 
 #include "shell/ApplicationBus.h"
 
+#include "platform/ActivationToken.h"
 #include "shell/NoteRequests.h"
 
 #include <QDBusAbstractAdaptor>
@@ -152,14 +153,11 @@ std::optional<QString> ApplicationBus::registerOn(QDBusConnection bus)
 
 void ApplicationBus::takeActivationToken(const QVariantMap &platformData)
 {
-    // Qt's Wayland client hands this to xdg-activation when the panel asks
-    // for the focus, and forgets it. (On X11 the panel asks the window
-    // manager for the focus itself.) GLib sends the same token under both names.
+    // GLib sends the same token under both names.
     QString token = platformData.value(QStringLiteral("activation-token")).toString();
     if (token.isEmpty())
         token = platformData.value(QStringLiteral("desktop-startup-id")).toString();
-    if (!token.isEmpty())
-        qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+    keepActivationToken(token);
 }
 
 } // namespace Vesko

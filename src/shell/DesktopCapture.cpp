@@ -11,13 +11,13 @@
 #include "platform/HotKeyRegistrar.h"
 #include "platform/Logging.h"
 #include "platform/SessionType.h"
-#include "platform/atspi/AtspiFrontApplication.h"
 #include "platform/ShiftTaps.h"
+#include "platform/atspi/AtspiFrontApplication.h"
 #include "platform/portal/PortalGlobalShortcuts.h"
 #include "platform/portal/ShortcutTrigger.h"
-#include "platform/qt/FocusSelectionReader.h"
-#include "platform/qt/FocusSelectionSession.h"
 #include "platform/qt/QtClipboard.h"
+#include "platform/wayland/FocusSelectionReader.h"
+#include "platform/wayland/FocusSelectionSession.h"
 #include "platform/wayland/WaylandClipboard.h"
 #include "platform/wayland/WaylandDataControl.h"
 #include "platform/wayland/WaylandGlobals.h"
@@ -174,7 +174,8 @@ void DesktopCapture::makeWaylandSession()
     PanelController *panel = &m_panel;
     m_focusSelection = std::make_unique<FocusSelectionReader>(
         FocusSelectionReader::Panel {[panel] { return panel->isPanelShown(); },
-            [panel] { panel->show(true, false); }, [panel] { panel->hide(); }});
+            [panel] { panel->show(true, false); }, [panel] { panel->hide(); }},
+        *m_wayland);
     WaylandSession *front = m_waylandSession.get();
     m_session = std::make_unique<FocusSelectionSession>(
         [front](auto done) { front->frontApplication(std::move(done)); }, *m_focusSelection);
@@ -220,7 +221,7 @@ CaptureCapabilities DesktopCapture::capabilities() const
         found.compositor = m_waylandSession->capabilities();
         found.accessibilityBus = m_accessibleFront->isAvailable();
         found.dataControl = m_dataControl->isAvailable();
-        found.readsOnPanelFocus = m_focusSelection && FocusSelectionReader::isAvailable();
+        found.readsOnPanelFocus = m_focusSelection && m_focusSelection->isAvailable();
         found.kwinPassesShiftTaps = shortcutDesktop(currentDesktopNames()) == ShortcutDesktop::Kde
             && kwinPassesShiftTaps(kwinConfiguration());
     } else if (onWayland()) {

@@ -39,7 +39,10 @@ struct AtspiFrontApplication::Found
 AtspiFrontApplication::AtspiFrontApplication(QObject *parent)
     : QObject(parent)
     , m_worker(std::make_shared<Worker>())
-    , m_queue(std::make_unique<SerialQueue>(QStringLiteral("com.vesko.vesko.accessibility")))
+    // Never waited for: an application that does not answer keeps the read
+    // under way for its bounds, and Vesko's end waits for no application.
+    , m_queue(std::make_unique<SerialQueue>(QStringLiteral("com.vesko.vesko.accessibility"),
+          QThread::InheritPriority, SerialQueue::End::Detached))
 {
     QPointer<AtspiFrontApplication> self(this);
     std::shared_ptr<Worker> worker = m_worker;
@@ -61,8 +64,8 @@ AtspiFrontApplication::~AtspiFrontApplication()
 {
     m_worker->stopping = true;
     std::shared_ptr<Worker> worker = m_worker;
-    // The bus goes on the thread that made it; the read under way, if any,
-    // ends within its bounds first.
+    // The bus goes on the thread that made it, after the read under way, if
+    // any, has ended within its bounds; nothing here waits for either.
     m_queue->async([worker] { worker->bus.reset(); });
     m_queue.reset();
 }

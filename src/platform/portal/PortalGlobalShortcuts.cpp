@@ -2,6 +2,7 @@
 
 #include "platform/portal/PortalGlobalShortcuts.h"
 
+#include "platform/ActivationToken.h"
 #include "platform/Logging.h"
 #include "platform/portal/ShortcutTrigger.h"
 
@@ -405,6 +406,13 @@ void PortalGlobalShortcuts::handleActivated(const QDBusMessage &message)
     m_held.insert(*id, QDeadlineTimer(heldLimitMilliseconds));
     if (repeated)
         return;
+    // The desktop may let the press's window take the focus (GNOME and KDE
+    // give the panel none without it).
+    if (arguments.size() >= 4) {
+        keepActivationToken(qdbus_cast<QVariantMap>(arguments.at(3))
+                                .value(QStringLiteral("activation_token"))
+                                .toString());
+    }
     if (m_handler)
         m_handler(*id);
 }

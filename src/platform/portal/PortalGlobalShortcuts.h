@@ -5,7 +5,8 @@
 // without ever waiting on the portal: the application id is registered with
 // the host portal registry where the desktop has one, one session is made,
 // the wanted shortcuts are bound in one call with their preferred triggers,
-// and each Activated signal is a press. The desktop owns the combinations:
+// and each Activated signal is a press, its activation token kept for the
+// panel. The desktop owns the combinations:
 // what it reports (BindShortcuts' results, ShortcutsChanged) is what the
 // shortcut recorder shows. A refusal, a closed session or a portal that does
 // not answer ends in a log line and a state the Capture tab words.

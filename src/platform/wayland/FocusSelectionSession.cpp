@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/qt/FocusSelectionSession.h"
+#include "platform/wayland/FocusSelectionSession.h"
 
-#include "platform/qt/FocusSelectionReader.h"
+#include "platform/wayland/FocusSelectionReader.h"
 
 namespace Vesko {
 

@@ -3,12 +3,15 @@
 // Reads the primary selection where the compositor hands it only to the
 // client with the keyboard focus and lets no other client read it (GNOME's
 // mutter has no data control): brings Vesko's panel forward, with the
-// activation token that came with the command, reads the selection through
-// QClipboard once the panel has the focus, and sends the panel back when it
-// was not on screen before. The waits for the focus and for the selection's
-// offer run on the event loop, each bounded.
+// activation token that came with the command, reads the selection its own
+// primary selection device is offered once the panel has the focus, and
+// sends the panel back when it was not on screen before. The waits for the
+// focus, for the offer and for the owner's bytes run on the event loop,
+// each bounded.
 
 #pragma once
+
+#include "platform/wayland/WaylandPrimarySelection.h"
 
 #include <QObject>
 #include <QTimer>
@@ -27,7 +30,7 @@ public:
     static constexpr int focusTimeoutMilliseconds = 1500;
     //! How long the compositor may take, once the panel has the focus, to
     //! offer it the selection.
-    static constexpr int offerTimeoutMilliseconds = 100;
+    static constexpr int offerTimeoutMilliseconds = 250;
 
     //! The panel as the reader moves it.
     struct Panel
@@ -37,18 +40,12 @@ public:
         std::function<void()> bringForward;
         std::function<void()> sendBack;
     };
-    //! The text of the selection now; nothing when there is none.
-    using Read = std::function<std::optional<QString>()>;
+    //! Reads through a primary selection device on the seat of \a globals.
+    FocusSelectionReader(Panel panel, WaylandGlobals &globals, QObject *parent = nullptr);
 
-    //! \a read defaults to clipboardSelection().
-    explicit FocusSelectionReader(Panel panel, Read read = {}, QObject *parent = nullptr);
-
-    //! The windowing system has a primary selection Vesko can read once it
-    //! has the focus (on Wayland: the compositor offers the primary
-    //! selection protocol).
-    static bool isAvailable();
-    //! The text of QClipboard's Selection mode now.
-    static std::optional<QString> clipboardSelection();
+    //! The compositor offers the primary selection protocol: Vesko can read
+    //! the selection once it has the focus.
+    bool isAvailable() const { return m_selection.isAvailable(); }
 
     //! Hands \a done, later and on the main thread, the selection's text,
     //! or nothing when it is empty or the panel got no focus in time. One
@@ -63,7 +60,7 @@ private:
     void finish(std::optional<QString> text);
 
     Panel m_panel;
-    Read m_read;
+    WaylandPrimarySelection m_selection;
     QTimer m_focusTimeout;
     QTimer m_offerTimeout;
 
@@ -72,6 +69,7 @@ private:
     bool m_wasShown = false;
     bool m_hasFocus = false;
     bool m_offerCame = false;
+    bool m_reading = false;
 };
 
 } // namespace Vesko

@@ -1,29 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/qt/FocusSelectionReader.h"
+#include "platform/wayland/FocusSelectionReader.h"
 
 #include "platform/Logging.h"
 
-#include <QClipboard>
 #include <QGuiApplication>
-#include <QMimeData>
 #include <QWindow>
 
 namespace Vesko {
 
-std::optional<QString> FocusSelectionReader::clipboardSelection()
-{
-    // Qt reads the offer's pipe itself, giving up after its own second.
-    const QMimeData *data = QGuiApplication::clipboard()->mimeData(QClipboard::Selection);
-    if (!data || !data->hasText())
-        return std::nullopt;
-    return data->text();
-}
-
-FocusSelectionReader::FocusSelectionReader(Panel panel, Read read, QObject *parent)
+FocusSelectionReader::FocusSelectionReader(Panel panel, WaylandGlobals &globals, QObject *parent)
     : QObject(parent)
     , m_panel(std::move(panel))
-    , m_read(read ? std::move(read) : Read(&clipboardSelection))
+    , m_selection(globals)
 {
     m_focusTimeout.setSingleShot(true);
     m_focusTimeout.setInterval(focusTimeoutMilliseconds);
@@ -36,16 +25,7 @@ FocusSelectionReader::FocusSelectionReader(Panel panel, Read read, QObject *pare
     connect(&m_offerTimeout, &QTimer::timeout, this, &FocusSelectionReader::readNow);
     connect(
         qGuiApp, &QGuiApplication::focusWindowChanged, this, &FocusSelectionReader::focusChanged);
-    connect(
-        QGuiApplication::clipboard(), &QClipboard::changed, this, [this](QClipboard::Mode mode) {
-            if (mode == QClipboard::Selection)
-                offered();
-        });
-}
-
-bool FocusSelectionReader::isAvailable()
-{
-    return QGuiApplication::clipboard()->supportsSelection();
+    connect(&m_selection, &WaylandPrimarySelection::offered, this, &FocusSelectionReader::offered);
 }
 
 void FocusSelectionReader::read(std::function<void(std::optional<QString>)> done)
@@ -54,10 +34,16 @@ void FocusSelectionReader::read(std::function<void(std::optional<QString>)> done
         done(std::nullopt);
         return;
     }
+    if (!m_selection.isAvailable()) {
+        qCInfo(lcCapture, "The compositor offers no primary selection: nothing to read");
+        done(std::nullopt);
+        return;
+    }
     m_done = std::move(done);
     m_wasShown = m_panel.isShown();
     m_hasFocus = false;
     m_offerCame = false;
+    m_reading = false;
     m_focusTimeout.start();
     m_panel.bringForward();
     // Vesko may have had the focus already: then the selection was offered to it.
@@ -66,7 +52,7 @@ void FocusSelectionReader::read(std::function<void(std::optional<QString>)> done
 
 void FocusSelectionReader::focusChanged()
 {
-    if (!m_done || m_hasFocus || !QGuiApplication::focusWindow())
+    if (!m_done || m_reading || m_hasFocus || !QGuiApplication::focusWindow())
         return;
     m_hasFocus = true;
     m_focusTimeout.stop();
@@ -79,7 +65,7 @@ void FocusSelectionReader::focusChanged()
 
 void FocusSelectionReader::offered()
 {
-    if (!m_done)
+    if (!m_done || m_reading)
         return;
     m_offerCame = true;
     if (m_hasFocus) {
@@ -90,18 +76,24 @@ void FocusSelectionReader::offered()
 
 void FocusSelectionReader::readNow()
 {
-    if (!m_done)
+    if (!m_done || m_reading)
         return;
-    std::optional<QString> text = m_read();
-    if (text && text->isEmpty())
-        text.reset();
-    finish(std::move(text));
+    m_reading = true;
+    m_offerTimeout.stop();
+    // The selection last offered is the one the compositor gave the panel
+    // with the focus (or while it had it).
+    m_selection.readText([this](std::optional<QString> text) {
+        if (text && text->isEmpty())
+            text.reset();
+        finish(std::move(text));
+    });
 }
 
 void FocusSelectionReader::finish(std::optional<QString> text)
 {
     m_focusTimeout.stop();
     m_offerTimeout.stop();
+    m_reading = false;
     auto done = std::exchange(m_done, nullptr);
     if (!m_wasShown)
         m_panel.sendBack();
