@@ -18,7 +18,9 @@ json=${2:-$build/coverage.json}
 jobs=${COVERAGE_JOBS:-2}
 
 if [[ ${COVERAGE_SKIP_BUILD:-0} != 1 ]]; then
+    launcher=$(command -v ccache || true)
     cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVESKO_COVERAGE=ON \
+        ${launcher:+-DCMAKE_CXX_COMPILER_LAUNCHER=$launcher -DCMAKE_C_COMPILER_LAUNCHER=$launcher} \
         -DVESKO_BUILD_BENCHMARKS=OFF -DVESKO_WERROR=ON
     ${BUILD_LOCK:+flock "$BUILD_LOCK"} cmake --build "$build" --parallel "$jobs"
 fi
