@@ -558,13 +558,5 @@ void CommandLineTest::mcpLinesAreBounded()
     QCOMPARE(answered, codes);
 }
 
-int main(int argc, char *argv[])
-{
-    IsolatedEnvironment environment;
-    QCoreApplication app(argc, argv);
-    CommandLineTest test;
-    QTEST_SET_MAIN_SOURCE_PATH
-    return QTest::qExec(&test, argc, argv);
-}
-
+VESKO_TEST_MAIN(CommandLineTest)
 #include "tst_commandline.moc"
