@@ -474,8 +474,7 @@ public:
         MNote *note = find(id);
         if (note && note->text == cleaned)
             return;
-        recordUndo();
-        note = find(id);
+        recordUndo(); // copies the library: pointers into it stay good
         if (cleaned.isEmpty() && (!note || note->attachments.empty())) {
             removeNotes({id});
             commit();
@@ -592,7 +591,7 @@ public:
                     if (pieces.size() < 2)
                         return;
                     recordUndo();
-                    MSection &section = *findSection(s.id);
+                    MSection &section = s;
                     section.notes.erase(section.notes.begin() + i);
                     QSet<QUuid> parts;
                     std::optional<QUuid> first;
@@ -663,7 +662,6 @@ public:
         if (!note || records.empty())
             return;
         recordUndo();
-        note = find(noteID);
         note->attachments.insert(note->attachments.end(), records.begin(), records.end());
         note->updatedAt = QDateTime();
         commit();
@@ -677,7 +675,6 @@ public:
                 [&](const MAttachment &a) { return a.id == attachmentID; }))
             return;
         recordUndo();
-        note = find(noteID);
         std::erase_if(
             note->attachments, [&](const MAttachment &a) { return a.id == attachmentID; });
         note->updatedAt = QDateTime();
@@ -713,8 +710,6 @@ public:
         if (section == project.sections.end() || project.activeSection == id)
             return;
         recordUndo();
-        section = std::find_if(active()->sections.begin(), active()->sections.end(),
-            [&](const MSection &s) { return s.id == id; });
         active()->activeSection = id;
         section->collapsed = false;
         setSelection({}, std::nullopt);
