@@ -254,6 +254,10 @@ void CommandLineTest::refusedRequestsChangeNothing_data()
         << "true or false";
     QTest::newRow("unknown section")
         << QJsonObject {{"command", "list"}, {"section", "Nope"}} << "Nope";
+    QTest::newRow("list of an unknown project")
+        << QJsonObject {{"command", "list"}, {"project", "Nowhere"}} << "Nowhere";
+    QTest::newRow("search in an unknown project")
+        << QJsonObject {{"command", "search"}, {"query", "a"}, {"project", "Nowhere"}} << "Nowhere";
     QTest::newRow("blank query") << QJsonObject {{"command", "search"}, {"query", "  "}} << "blank";
     QTest::newRow("unknown action")
         << QJsonObject {{"command", "action"}, {"name", "explode"}} << "explode";

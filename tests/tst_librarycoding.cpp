@@ -292,6 +292,8 @@ void LibraryCodingTest::decodeRejects_data()
     QTest::newRow("note without id") << documentWithNote(R"("text": "x")") << "notes[0].id";
     QTest::newRow("text is null") << documentWithNote(noteID + R"(, "text": null)") << "null";
     QTest::newRow("text is a number") << documentWithNote(noteID + R"(, "text": 4)") << "string";
+    QTest::newRow("text is a boolean")
+        << documentWithNote(noteID + R"(, "text": true)") << "should be a string but is a boolean";
     QTest::newRow("isDone is a string")
         << documentWithNote(noteID + R"(, "text": "x", "isDone": "yes")") << "isDone";
     QTest::newRow("section without isCollapsed")
