@@ -38,6 +38,8 @@ packages=(
     mutter
     # a GTK application whose frame the accessibility bus names as the one in front
     gir1.2-gtk-3.0
+    # line coverage of src/ (scripts/coverage.sh)
+    gcovr
     # desktop-file-validate checks the desktop entry in the tests
     desktop-file-utils
     # the Model Context Protocol server is tested with the protocol's own client

@@ -33,6 +33,7 @@
 #include <QVBoxLayout>
 
 using namespace Vesko;
+using namespace Qt::StringLiterals;
 using Test::idFor;
 
 class AppCommandsTest : public QObject
@@ -156,14 +157,10 @@ void AppCommandsTest::sectionSteps_data()
     QTest::addColumn<QString>("active");
     QTest::addColumn<int>("broughtForward");
 
-    QTest::newRow("next") << "Next Section"
-                          << "Work" << 1;
-    QTest::newRow("previous wraps to the last") << "Previous Section"
-                                                << "Later" << 1;
-    QTest::newRow("jump to 3") << "Jump to Section 3"
-                               << "Later" << 1;
-    QTest::newRow("jump past the last does nothing") << "Jump to Section 9"
-                                                     << "Inbox" << 0;
+    QTest::newRow("next") << "Next Section" << u"Work"_s << 1;
+    QTest::newRow("previous wraps to the last") << "Previous Section" << u"Later"_s << 1;
+    QTest::newRow("jump to 3") << "Jump to Section 3" << u"Later"_s << 1;
+    QTest::newRow("jump past the last does nothing") << "Jump to Section 9" << u"Inbox"_s << 0;
 }
 
 void AppCommandsTest::sectionSteps()

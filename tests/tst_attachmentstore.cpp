@@ -9,14 +9,14 @@
 // of its note.
 
 #include "OtherUser.h"
+#include "SmallFileSystem.h"
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
+#include "TestFiles.h"
 
 #include "attachments/AttachmentStore.h"
 #include "library/LibraryFile.h"
-#include "library/LibraryWriter.h"
 #include "platform/FileSystem.h"
-#include "shell/Preferences.h"
-#include "store/Store.h"
 
 #include <QDir>
 #include <QRandomGenerator>
@@ -26,11 +26,12 @@
 #include <future>
 
 #include <fcntl.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Vesko;
+using namespace Qt::StringLiterals;
+using namespace Vesko::Test;
 
 namespace {
 
@@ -42,67 +43,16 @@ QByteArray randomBytes(qsizetype size, quint32 seed)
     return bytes;
 }
 
-void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), bytes.size());
-}
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return file.readAll();
-}
-
-// Everything below \a folder, as relative paths.
-QStringList contentsOf(const QString &folder)
-{
-    QStringList entries;
-    QDir dir(folder);
-    for (const QFileInfo &entry :
-        dir.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot)) {
-        entries.append(entry.fileName());
-        if (entry.isDir() && !entry.isSymLink()) {
-            for (const QString &inner : contentsOf(entry.filePath()))
-                entries.append(entry.fileName() + u'/' + inner);
-        }
-    }
-    return entries;
-}
-
-unsigned modeOf(const QString &path)
-{
-    struct stat info;
-    if (::lstat(QFile::encodeName(path).constData(), &info) != 0)
-        return 0;
-    return info.st_mode & 07777;
-}
-
-// The peak resident memory of the process since the last reset, in bytes.
-qint64 residentPeak()
+//! A line of /proc/self/status in bytes: "VmHWM:" the peak resident memory
+//! since the last reset, "VmRSS:" the resident memory now.
+qint64 memoryStatus(const QByteArray &key)
 {
     QFile status(QStringLiteral("/proc/self/status"));
     if (!status.open(QIODevice::ReadOnly))
         return -1;
     for (const QByteArray &line : status.readAll().split('\n')) {
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').first().toLongLong() * 1024;
-    }
-    return -1;
-}
-
-qint64 residentNow()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &line : status.readAll().split('\n')) {
-        if (line.startsWith("VmRSS:"))
-            return line.mid(6).trimmed().split(' ').first().toLongLong() * 1024;
+        if (line.startsWith(key))
+            return line.mid(key.size()).trimmed().split(' ').first().toLongLong() * 1024;
     }
     return -1;
 }
@@ -112,31 +62,6 @@ bool resetResidentPeak()
     QFile clear(QStringLiteral("/proc/self/clear_refs"));
     return clear.open(QIODevice::WriteOnly) && clear.write("5") == 1;
 }
-
-// A small tmpfs mounted for the life of the object: a disk that fills up.
-class SmallDisk
-{
-public:
-    explicit SmallDisk(const QString &path, const char *size)
-        : m_path(path)
-    {
-        QDir().mkpath(path);
-        const QByteArray options = QByteArray("size=") + size;
-        m_mounted
-            = ::mount("tmpfs", QFile::encodeName(path).constData(), "tmpfs", 0, options.constData())
-            == 0;
-    }
-    ~SmallDisk()
-    {
-        if (m_mounted)
-            ::umount2(QFile::encodeName(m_path).constData(), MNT_DETACH);
-    }
-    bool isMounted() const { return m_mounted; }
-
-private:
-    QString m_path;
-    bool m_mounted = false;
-};
 
 } // namespace
 
@@ -167,15 +92,13 @@ private Q_SLOTS:
     void importForDeletedNoteLeavesNoFiles();
 
 private:
-    std::unique_ptr<Store> makeStore();
+    Store *makeStore() { return &m_fixture->make(makeDefaultLibrary()); }
 
     std::unique_ptr<QTemporaryDir> m_scratch;
     QString m_sources;
     QString m_folder;
-    std::unique_ptr<Preferences> m_preferences;
-    std::unique_ptr<LibraryWriter> m_writer;
-    std::unique_ptr<AttachmentStore> m_attachments;
-    std::unique_ptr<SearchIndex> m_searchIndex;
+    std::unique_ptr<StoreFixture> m_fixture;
+    AttachmentStore *m_attachments = nullptr;
 };
 
 void AttachmentStoreTest::init()
@@ -185,26 +108,14 @@ void AttachmentStoreTest::init()
     m_sources = m_scratch->filePath(QStringLiteral("sources"));
     m_folder = m_scratch->filePath(QStringLiteral("Vesko/Attachments"));
     QDir().mkpath(m_sources);
-    Preferences::openSettings()->clear();
-    QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
-    m_preferences = std::make_unique<Preferences>();
-    m_writer = std::make_unique<LibraryWriter>();
-    m_attachments = std::make_unique<AttachmentStore>();
-    m_searchIndex = std::make_unique<SearchIndex>();
+    m_fixture = std::make_unique<StoreFixture>();
+    m_attachments = &m_fixture->attachments();
 }
 
 void AttachmentStoreTest::cleanup()
 {
-    m_attachments.reset();
-    m_writer.reset();
-    m_searchIndex.reset();
+    m_fixture.reset();
     m_scratch.reset();
-}
-
-std::unique_ptr<Store> AttachmentStoreTest::makeStore()
-{
-    return std::make_unique<Store>(makeDefaultLibrary(),
-        Store::Services {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
 }
 
 void AttachmentStoreTest::importKeepsNameTypeAndSize()
@@ -247,7 +158,7 @@ void AttachmentStoreTest::foldersAmongSourcesAreSkipped()
     QVERIFY(result.succeeded());
     QCOMPARE(result.attachments.size(), 1);
     QCOMPARE(result.attachments.first().fileName, QStringLiteral("a.txt"));
-    QCOMPARE(contentsOf(m_folder).size(), 2); // one folder with one file
+    QCOMPARE(fileTree(m_folder).size(), 2); // one folder with one file
 }
 
 void AttachmentStoreTest::importIsAllOrNothing_data()
@@ -266,15 +177,15 @@ void AttachmentStoreTest::importIsAllOrNothing()
     const QString first = m_sources + QStringLiteral("/first.bin");
     writeFile(first, randomBytes(100 * 1024, 2));
     QUrl second = QUrl::fromLocalFile(m_sources + QStringLiteral("/second.bin"));
-    std::unique_ptr<SmallDisk> disk;
+    std::optional<SmallFileSystem> disk;
     if (fault == u"dangling link") {
         QVERIFY(QFile::link(m_sources + QStringLiteral("/gone.bin"), second.toLocalFile()));
     } else if (fault == u"remote") {
         second = QUrl(QStringLiteral("https://example.org/second.bin"));
     } else if (fault == u"full disk") {
-        disk = std::make_unique<SmallDisk>(m_folder, "300k");
+        disk.emplace(m_folder, 300);
         if (!disk->isMounted())
-            QSKIP("mounting a tmpfs is not permitted here");
+            QSKIP(qPrintable(disk->failure()));
         writeFile(second.toLocalFile(), randomBytes(1024 * 1024, 3));
     } else if (fault == u"no permission") {
         // The file exists but its owner alone may read it; the import runs as
@@ -303,7 +214,7 @@ void AttachmentStoreTest::importIsAllOrNothing()
     QVERIFY(!result.error->isEmpty());
     QVERIFY(result.attachments.isEmpty());
     QVERIFY(QFileInfo(m_folder).isDir());
-    QCOMPARE(contentsOf(m_folder), QStringList());
+    QCOMPARE(fileTree(m_folder), QStringList());
 }
 
 void AttachmentStoreTest::sameNameTwiceGetsTwoFolders()
@@ -331,29 +242,18 @@ void AttachmentStoreTest::contentType_data()
     QTest::addColumn<QString>("type"); // empty: none
     QTest::addColumn<bool>("image");
 
-    QTest::newRow("png") << "shot.png"
-                         << "image/png" << true;
-    QTest::newRow("upper-case extension") << "SCAN.JPEG"
-                                          << "image/jpeg" << true;
-    QTest::newRow("svg is an image") << "logo.svg"
-                                     << "image/svg+xml" << true;
-    QTest::newRow("pdf") << "report.pdf"
-                         << "application/pdf" << false;
-    QTest::newRow("plain text") << "notes.txt"
-                                << "text/plain" << false;
+    QTest::newRow("png") << "shot.png" << u"image/png"_s << true;
+    QTest::newRow("upper-case extension") << "SCAN.JPEG" << u"image/jpeg"_s << true;
+    QTest::newRow("svg is an image") << "logo.svg" << u"image/svg+xml"_s << true;
+    QTest::newRow("pdf") << "report.pdf" << u"application/pdf"_s << false;
+    QTest::newRow("plain text") << "notes.txt" << u"text/plain"_s << false;
     // The type of the last extension alone, whatever the rest of the name.
-    QTest::newRow("double extension") << "backup.tar.gz"
-                                      << "application/gzip" << false;
-    QTest::newRow("a name with a type of its own") << "CMakeLists.txt"
-                                                   << "text/plain" << false;
-    QTest::newRow("no extension") << "README"
-                                  << "" << false;
-    QTest::newRow("hidden file without extension") << ".profile"
-                                                   << "" << false;
-    QTest::newRow("trailing dot") << "draft."
-                                  << "" << false;
-    QTest::newRow("unknown extension") << "data.qqzx"
-                                       << "" << false;
+    QTest::newRow("double extension") << "backup.tar.gz" << u"application/gzip"_s << false;
+    QTest::newRow("a name with a type of its own") << "CMakeLists.txt" << u"text/plain"_s << false;
+    QTest::newRow("no extension") << "README" << u""_s << false;
+    QTest::newRow("hidden file without extension") << ".profile" << u""_s << false;
+    QTest::newRow("trailing dot") << "draft." << u""_s << false;
+    QTest::newRow("unknown extension") << "data.qqzx" << u""_s << false;
 }
 
 void AttachmentStoreTest::contentType()
@@ -380,12 +280,12 @@ void AttachmentStoreTest::filesAndFoldersArePrivate()
     QVERIFY(imported.succeeded());
     QVERIFY(pasted.succeeded());
 
-    QCOMPARE(modeOf(m_folder), 0700u);
-    QCOMPARE(modeOf(QFileInfo(m_folder).absolutePath()), 0700u); // made on the way
+    QCOMPARE(fileMode(m_folder), 0700u);
+    QCOMPARE(fileMode(QFileInfo(m_folder).absolutePath()), 0700u); // made on the way
     for (const ImportResult *result : {&imported, &pasted}) {
         const QString file = m_folder + u'/' + result->attachments.first().storedFileName;
-        QCOMPARE(modeOf(file), 0600u);
-        QCOMPARE(modeOf(QFileInfo(file).absolutePath()), 0700u);
+        QCOMPARE(fileMode(file), 0600u);
+        QCOMPARE(fileMode(QFileInfo(file).absolutePath()), 0700u);
     }
 }
 
@@ -404,7 +304,7 @@ void AttachmentStoreTest::pastedImageIsWrittenWhole()
     QCOMPARE(attachment.byteCount, png.size());
     QCOMPARE(readFile(m_folder + u'/' + attachment.storedFileName), png);
     // Nothing but the image: no partial file is left beside it.
-    QCOMPARE(contentsOf(m_folder),
+    QCOMPARE(fileTree(m_folder),
         QStringList({folderName, folderName + QStringLiteral("/Pasted Image.png")}));
 
     // The same through the store's thread, answered on this one.
@@ -420,15 +320,15 @@ void AttachmentStoreTest::pastedImageIsWrittenWhole()
 
 void AttachmentStoreTest::failedPastedImageLeavesItsEmptyFolder()
 {
-    SmallDisk disk(m_folder, "300k");
+    SmallFileSystem disk(m_folder, 300);
     if (!disk.isMounted())
-        QSKIP("mounting a tmpfs is not permitted here");
+        QSKIP(qPrintable(disk.failure()));
     const ImportResult result
         = AttachmentStore::writePastedImageNow(randomBytes(1024 * 1024, 11), m_folder);
     QVERIFY(!result.succeeded());
     QVERIFY(result.attachments.isEmpty());
     // The folder made for the image stays, empty: nothing half written in it.
-    const QStringList left = contentsOf(m_folder);
+    const QStringList left = fileTree(m_folder);
     QCOMPARE(left.size(), 1);
     QVERIFY(!QUuid::fromString(left.first()).isNull());
     QVERIFY(QFileInfo(m_folder + u'/' + left.first()).isDir());
@@ -453,7 +353,7 @@ void AttachmentStoreTest::largeSparseFileIsCopiedInPieces()
 
     if (!resetResidentPeak())
         QSKIP("the peak resident memory cannot be reset here");
-    const qint64 before = residentNow();
+    const qint64 before = memoryStatus("VmRSS:");
     bool answered = false;
     ImportResult result;
     QObject context;
@@ -463,7 +363,7 @@ void AttachmentStoreTest::largeSparseFileIsCopiedInPieces()
             answered = true;
         });
     QVERIFY(QTest::qWaitFor([&] { return answered; }, 120000));
-    const qint64 growth = residentPeak() - before;
+    const qint64 growth = memoryStatus("VmHWM:") - before;
     QVERIFY2(result.succeeded(), qPrintable(result.error.value_or(QString())));
     QVERIFY2(growth < 64 * 1024 * 1024,
         qPrintable(QStringLiteral("resident memory grew by %1 bytes").arg(growth)));
@@ -550,7 +450,7 @@ void AttachmentStoreTest::cancelledImportLeavesNothing()
             QUrl::fromLocalFile(m_sources + QStringLiteral("/b.bin"))},
         m_folder, &cancelled);
     QVERIFY(!result.succeeded());
-    QCOMPARE(contentsOf(m_folder), QStringList());
+    QCOMPARE(fileTree(m_folder), QStringList());
 }
 
 void AttachmentStoreTest::stoppedImporterLeavesNothingHalfCopied()
@@ -568,10 +468,10 @@ void AttachmentStoreTest::stoppedImporterLeavesNothingHalfCopied()
     if (result->succeeded()) {
         // It was done before the stop came: whole, under its name.
         QCOMPARE(result->attachments.size(), 1);
-        QCOMPARE(contentsOf(m_folder).size(), 2);
+        QCOMPARE(fileTree(m_folder).size(), 2);
         QCOMPARE(readFile(m_folder + u'/' + result->attachments.first().storedFileName), bytes);
     } else {
-        QCOMPARE(contentsOf(m_folder), QStringList());
+        QCOMPARE(fileTree(m_folder), QStringList());
     }
 
     // Nothing is imported after the stop.
@@ -630,7 +530,7 @@ void AttachmentStoreTest::importForDeletedNoteLeavesNoFiles()
     QVERIFY(QTest::qWaitFor([&] { return answered; }, 10000));
     m_attachments->waitForIdle();
     const QString folder = attachmentsFolder(libraryURL());
-    QCOMPARE(contentsOf(folder), QStringList());
+    QCOMPARE(fileTree(folder), QStringList());
     QVERIFY(QFileInfo(folder).isDir());
 }
 

@@ -254,6 +254,10 @@ void CommandLineTest::refusedRequestsChangeNothing_data()
         << "true or false";
     QTest::newRow("unknown section")
         << QJsonObject {{"command", "list"}, {"section", "Nope"}} << "Nope";
+    QTest::newRow("list of an unknown project")
+        << QJsonObject {{"command", "list"}, {"project", "Nowhere"}} << "Nowhere";
+    QTest::newRow("search in an unknown project")
+        << QJsonObject {{"command", "search"}, {"query", "a"}, {"project", "Nowhere"}} << "Nowhere";
     QTest::newRow("blank query") << QJsonObject {{"command", "search"}, {"query", "  "}} << "blank";
     QTest::newRow("unknown action")
         << QJsonObject {{"command", "action"}, {"name", "explode"}} << "explode";
@@ -558,13 +562,5 @@ void CommandLineTest::mcpLinesAreBounded()
     QCOMPARE(answered, codes);
 }
 
-int main(int argc, char *argv[])
-{
-    IsolatedEnvironment environment;
-    QCoreApplication app(argc, argv);
-    CommandLineTest test;
-    QTEST_SET_MAIN_SOURCE_PATH
-    return QTest::qExec(&test, argc, argv);
-}
-
+VESKO_TEST_MAIN(CommandLineTest)
 #include "tst_commandline.moc"

@@ -7,6 +7,8 @@
 // instead of handed on; and the panel's commands going the same way.
 
 #include "TestEnvironment.h"
+#include "TestFiles.h"
+#include "WidgetTestMain.h"
 
 #include "library/LibraryFile.h"
 #include "panel/window/PanelCommands.h"
@@ -72,22 +74,17 @@ QString applicationsFolder()
 //! A desktop entry \a id taking \a types, as an installed application has.
 void installApplication(const QString &id, const QString &types)
 {
-    QDir().mkpath(applicationsFolder());
-    QFile file(applicationsFolder() + u'/' + id);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(QStringLiteral("[Desktop Entry]\nType=Application\nName=%1\nExec=true %%f\n"
-                              "MimeType=%2\n")
-                   .arg(id, types)
-                   .toUtf8());
+    Test::writeFile(applicationsFolder() + u'/' + id,
+        QStringLiteral("[Desktop Entry]\nType=Application\nName=%1\nExec=true %%f\nMimeType=%2\n")
+            .arg(id, types)
+            .toUtf8());
 }
 
 void writeUserList(const QString &contents)
 {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    QDir().mkpath(folder);
-    QFile file(folder + QStringLiteral("/mimeapps.list"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(contents.toUtf8());
+    Test::writeFile(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+            + QStringLiteral("/mimeapps.list"),
+        contents.toUtf8());
 }
 
 void uninstallApplications()
@@ -289,13 +286,6 @@ void DesktopFilesTest::panelCommandsSayWhenNothingTakesTheFile()
     QVERIFY(m_opened.urls.isEmpty());
 }
 
-int main(int argc, char *argv[])
-{
-    Vesko::Test::IsolatedEnvironment environment;
-    QApplication app(argc, argv);
-    DesktopFilesTest test;
-    QTEST_SET_MAIN_SOURCE_PATH
-    return QTest::qExec(&test, argc, argv);
-}
+VESKO_WIDGET_TEST_MAIN(DesktopFilesTest)
 
 #include "tst_desktopfiles.moc"

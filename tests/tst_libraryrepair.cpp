@@ -6,6 +6,7 @@
 // The active section is marked with "*" before its title.
 
 #include "TestEnvironment.h"
+#include "TestFiles.h"
 
 #include "attachments/AttachmentStore.h"
 #include "library/LibraryCoding.h"
@@ -97,55 +98,47 @@ void LibraryRepairTest::repair_data()
     QTest::addColumn<QString>("before");
     QTest::addColumn<QString>("after");
     QTest::addColumn<bool>("changed");
+    const auto row
+        = [](const char *name, int version, const char *before, const char *after, bool changed) {
+              QTest::newRow(name) << version << QString::fromUtf8(before)
+                                  << QString::fromUtf8(after) << changed;
+          };
 
-    QTest::newRow("sound version 3") << 3 << "*Inbox:a|Work:b"
-                                     << "*Inbox:a|Work:b" << false;
-    QTest::newRow("version 2 is rewritten") << 2 << "*Inbox:a"
-                                            << "*Inbox:a" << true;
-    QTest::newRow("version 9 is stamped down") << 9 << "*Inbox:a"
-                                               << "*Inbox:a" << true;
-    QTest::newRow("no sections gets an active Inbox") << 3 << ""
-                                                      << "*Inbox:" << true;
-    QTest::newRow("no active section picks Inbox in any case") << 3 << "Work:a|INBOX:b"
-                                                               << "Work:a|*INBOX:b" << true;
-    QTest::newRow("no active section, no Inbox, picks the first") << 3 << "Work:a|Home:b"
-                                                                  << "*Work:a|Home:b" << true;
-    QTest::newRow("shadow section folds into Inbox") << 3 << "*Inbox:x|Safari!:a@Safari|safari:b,c"
-                                                     << "*Inbox:x,b,c|Safari!:a@Safari" << true;
-    QTest::newRow("shadow section without Inbox makes one at the end")
-        << 3 << "*Safari!:a@Safari|safari:b|Work:c"
-        << "*Safari!:a@Safari|Work:c|Inbox:b" << true;
-    QTest::newRow("empty shadow section just goes") << 3 << "*Safari!:a@Safari|SAFARI:"
-                                                    << "*Safari!:a@Safari" << true;
-    QTest::newRow("shadow with a captured note stays")
-        << 3 << "*Safari!:a@Safari|safari:b,c@Mail"
-        << "*Safari!:a@Safari|safari:b,c@Mail" << false;
-    QTest::newRow("shadow that was active loses it to Inbox")
-        << 3 << "Inbox:|Safari!:a@Safari|*safari:b"
-        << "*Inbox:b|Safari!:a@Safari" << true;
-    QTest::newRow("legacy capture section becomes automatic")
-        << 2 << "*Inbox:|Mail — Sent:a@Mail/Sent,b@Mail/sent"
-        << "*Inbox:|Mail — Sent!:a@Mail/Sent,b@Mail/sent" << true;
-    QTest::newRow("legacy Inbox never becomes automatic") << 2 << "*Inbox:a@Inbox"
-                                                          << "*Inbox:a@Inbox" << true;
-    QTest::newRow("legacy mixed section stays ordinary") << 2 << "*Inbox:|Mail:a@Mail,typed"
-                                                         << "*Inbox:|Mail:a@Mail,typed" << true;
-    QTest::newRow("version 3 section of captures stays ordinary") << 3 << "*Inbox:|Mail:a@Mail"
-                                                                  << "*Inbox:|Mail:a@Mail" << false;
-    QTest::newRow("duplicate automatic sections join under the first")
-        << 3 << "*Inbox:|Mail!:a@Mail|x:|mail!:b@mail"
-        << "*Inbox:|Mail!:a@Mail,b@mail|x:" << true;
-    QTest::newRow("active duplicate hands over to the keeper")
-        << 3 << "Inbox:|Mail!:a@Mail|*mail!:b@Mail"
-        << "Inbox:|*Mail!:a@Mail,b@Mail" << true;
-    QTest::newRow("legacy stray captures move, typed notes stay")
-        << 2 << "*Inbox:|Mail!:a@Mail|Mail:b@Mail,typed@Notes"
-        << "*Inbox:|Mail!:a@Mail,b@Mail|Mail:typed@Notes" << true;
-    QTest::newRow("legacy section emptied of strays goes")
-        << 2 << "Inbox:|Mail!:a@Mail|*MAIL:b@Mail,c@Mail"
-        << "Inbox:|*Mail!:a@Mail,b@Mail,c@Mail" << true;
-    QTest::newRow("phase 1 feeds phase 2 in legacy files") << 2 << "*Inbox:|Mail:a@Mail|Mail:b@Mail"
-                                                           << "*Inbox:|Mail!:a@Mail,b@Mail" << true;
+    row("sound version 3", 3, "*Inbox:a|Work:b", "*Inbox:a|Work:b", false);
+    row("version 2 is rewritten", 2, "*Inbox:a", "*Inbox:a", true);
+    row("version 9 is stamped down", 9, "*Inbox:a", "*Inbox:a", true);
+    row("no sections gets an active Inbox", 3, "", "*Inbox:", true);
+    row("no active section picks Inbox in any case", 3, "Work:a|INBOX:b", "Work:a|*INBOX:b", true);
+    row("no active section, no Inbox, picks the first", 3, "Work:a|Home:b", "*Work:a|Home:b", true);
+    row("shadow section folds into Inbox", 3, "*Inbox:x|Safari!:a@Safari|safari:b,c",
+        "*Inbox:x,b,c|Safari!:a@Safari", true);
+    row("shadow section without Inbox makes one at the end", 3, "*Safari!:a@Safari|safari:b|Work:c",
+        "*Safari!:a@Safari|Work:c|Inbox:b", true);
+    row("empty shadow section just goes", 3, "*Safari!:a@Safari|SAFARI:", "*Safari!:a@Safari",
+        true);
+    row("shadow with a captured note stays", 3, "*Safari!:a@Safari|safari:b,c@Mail",
+        "*Safari!:a@Safari|safari:b,c@Mail", false);
+    row("shadow that was active loses it to Inbox", 3, "Inbox:|Safari!:a@Safari|*safari:b",
+        "*Inbox:b|Safari!:a@Safari", true);
+    row("legacy capture section becomes automatic", 2,
+        "*Inbox:|Mail — Sent:a@Mail/Sent,b@Mail/sent",
+        "*Inbox:|Mail — Sent!:a@Mail/Sent,b@Mail/sent", true);
+    row("legacy Inbox never becomes automatic", 2, "*Inbox:a@Inbox", "*Inbox:a@Inbox", true);
+    row("legacy mixed section stays ordinary", 2, "*Inbox:|Mail:a@Mail,typed",
+        "*Inbox:|Mail:a@Mail,typed", true);
+    row("version 3 section of captures stays ordinary", 3, "*Inbox:|Mail:a@Mail",
+        "*Inbox:|Mail:a@Mail", false);
+    row("duplicate automatic sections join under the first", 3,
+        "*Inbox:|Mail!:a@Mail|x:|mail!:b@mail", "*Inbox:|Mail!:a@Mail,b@mail|x:", true);
+    row("active duplicate hands over to the keeper", 3, "Inbox:|Mail!:a@Mail|*mail!:b@Mail",
+        "Inbox:|*Mail!:a@Mail,b@Mail", true);
+    row("legacy stray captures move, typed notes stay", 2,
+        "*Inbox:|Mail!:a@Mail|Mail:b@Mail,typed@Notes",
+        "*Inbox:|Mail!:a@Mail,b@Mail|Mail:typed@Notes", true);
+    row("legacy section emptied of strays goes", 2, "Inbox:|Mail!:a@Mail|*MAIL:b@Mail,c@Mail",
+        "Inbox:|*Mail!:a@Mail,b@Mail,c@Mail", true);
+    row("phase 1 feeds phase 2 in legacy files", 2, "*Inbox:|Mail:a@Mail|Mail:b@Mail",
+        "*Inbox:|Mail!:a@Mail,b@Mail", true);
 }
 
 void LibraryRepairTest::repair()
@@ -198,22 +191,17 @@ void LibraryRepairTest::notesAreNeverLostOrMade()
     library.projects = {
         makeProject(QStringLiteral("Mail:a@Mail,b@Mail|mail!:c@Mail|MAIL:d@Mail,e|Inbox:f|mail:g")),
         makeProject(QStringLiteral("Safari!:h@Safari|safari:i|Safari — Docs:j@Safari/Docs"))};
-    QMultiHash<QUuid, QString> before;
-    for (const Project &project : library.projects) {
-        for (const NoteSection &section : project.sections) {
-            for (const Note &note : section.notes)
-                before.insert(note.id, note.text);
-        }
-    }
+    const auto notes = [&library] {
+        QMultiHash<QUuid, QString> notes;
+        for (const Project &project : library.projects)
+            for (const NoteSection &section : project.sections)
+                for (const Note &note : section.notes)
+                    notes.insert(note.id, note.text);
+        return notes;
+    };
+    const QMultiHash<QUuid, QString> before = notes();
     repairLibrary(library);
-    QMultiHash<QUuid, QString> after;
-    for (const Project &project : library.projects) {
-        for (const NoteSection &section : project.sections) {
-            for (const Note &note : section.notes)
-                after.insert(note.id, note.text);
-        }
-    }
-    QCOMPARE(after, before);
+    QCOMPARE(notes(), before);
 }
 
 void LibraryRepairTest::handWrittenFilesAtStart_data()
@@ -241,14 +229,9 @@ void LibraryRepairTest::handWrittenFilesAtStart()
 
     Preferences::openSettings()->clear();
     QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
-    QFile fixture(QFINDTESTDATA(QStringLiteral("data/") + file));
-    QVERIFY(fixture.open(QIODevice::ReadOnly));
-    const QByteArray original = fixture.readAll();
-    QDir().mkpath(QFileInfo(libraryURL()).absolutePath());
-    QFile target(libraryURL());
-    QVERIFY(target.open(QIODevice::WriteOnly));
-    target.write(original);
-    target.close();
+    const QByteArray original = Test::readFile(QFINDTESTDATA(QStringLiteral("data/") + file));
+    QVERIFY(!original.isEmpty());
+    Test::writeFile(libraryURL(), original);
 
     Preferences preferences;
     LibraryWriter writer;
@@ -258,9 +241,7 @@ void LibraryRepairTest::handWrittenFilesAtStart()
     if (!expected.isEmpty())
         QCOMPARE(describe(store.library().projects[0]), expected);
 
-    QFile written(libraryURL());
-    QVERIFY(written.open(QIODevice::ReadOnly));
-    const QByteArray bytes = written.readAll();
+    const QByteArray bytes = Test::readFile(libraryURL());
     const QDir backups(backupsFolder(libraryURL()));
     if (rewritten) {
         QCOMPARE(decodeLibrary(bytes)->version, 3);
@@ -269,9 +250,7 @@ void LibraryRepairTest::handWrittenFilesAtStart()
         // The old form is kept as the one backup.
         const QStringList names = backups.entryList(QDir::Files);
         QCOMPARE(names.size(), 1);
-        QFile backup(backups.filePath(names.first()));
-        QVERIFY(backup.open(QIODevice::ReadOnly));
-        QCOMPARE(backup.readAll(), original);
+        QCOMPARE(Test::readFile(backups.filePath(names.first())), original);
     } else {
         QCOMPARE(bytes, original);
         QVERIFY(!backups.exists());

@@ -5,6 +5,7 @@
 // read-only autostart folder gives a failure with the entry as it was.
 
 #include "TestEnvironment.h"
+#include "TestFiles.h"
 
 #include "ReadOnlyFolder.h"
 #include "shell/LoginItem.h"
@@ -14,22 +15,10 @@
 #include <QTemporaryDir>
 
 using namespace Vesko;
+using namespace Qt::StringLiterals;
+using namespace Vesko::Test;
 
 namespace {
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
-}
 
 //! The value of \a key in the [Desktop Entry] group, as a plain reader of the format sees it.
 QString entryValue(const QByteArray &text, const QByteArray &key)
@@ -84,7 +73,8 @@ void LoginItemTest::turnsOnAndOff()
     QCOMPARE(entryValue(text, "Type"), QStringLiteral("Application"));
     QCOMPARE(entryValue(text, "Hidden"), QString());
     // No temporary file is left beside it.
-    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList {"com.vesko.Vesko.desktop"});
+    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden),
+        QStringList {"com.vesko.Vesko.desktop"});
 
     // Turning it on again changes nothing.
     QCOMPARE(item.setEnabled(true), std::nullopt);
@@ -100,16 +90,11 @@ void LoginItemTest::execLine_data()
 {
     QTest::addColumn<QString>("program");
     QTest::addColumn<QString>("exec");
-    QTest::newRow("plain") << "/usr/bin/vesko"
-                           << "/usr/bin/vesko";
-    QTest::newRow("space") << "/opt/My Apps/vesko"
-                           << "\"/opt/My Apps/vesko\"";
-    QTest::newRow("dollar") << "/opt/$HOME/vesko"
-                            << "\"/opt/\\\\$HOME/vesko\"";
-    QTest::newRow("percent") << "/opt/100%/vesko"
-                             << "/opt/100%%/vesko";
-    QTest::newRow("quote") << "/opt/a\"b/vesko"
-                           << "\"/opt/a\\\\\"b/vesko\"";
+    QTest::newRow("plain") << "/usr/bin/vesko" << u"/usr/bin/vesko"_s;
+    QTest::newRow("space") << "/opt/My Apps/vesko" << u"\"/opt/My Apps/vesko\""_s;
+    QTest::newRow("dollar") << "/opt/$HOME/vesko" << u"\"/opt/\\\\$HOME/vesko\""_s;
+    QTest::newRow("percent") << "/opt/100%/vesko" << u"/opt/100%%/vesko"_s;
+    QTest::newRow("quote") << "/opt/a\"b/vesko" << u"\"/opt/a\\\\\"b/vesko\""_s;
 }
 
 void LoginItemTest::execLine()

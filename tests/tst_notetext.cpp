@@ -3,19 +3,14 @@
 // Notes as text: plain copies and lists in panel order, list styles, the
 // Markdown export as golden text, and writing the export to a real file.
 
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
+#include "TestFiles.h"
 
-#include "attachments/AttachmentStore.h"
-#include "library/LibraryWriter.h"
-#include "search/SearchIndex.h"
 #include "store/NoteText.h"
-#include "store/Store.h"
-
-#include <QDir>
-
-#include <sys/stat.h>
 
 using namespace Vesko;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -52,8 +47,6 @@ private Q_SLOTS:
     void exportEdges_data();
     void exportEdges();
     void writeExport();
-    void exportIsPrivateAndLeavesOtherFilesAlone();
-    void messages();
 };
 
 void NoteTextTest::listItem_data()
@@ -89,13 +82,8 @@ void NoteTextTest::listItem()
 
 void NoteTextTest::copiesFollowThePanel()
 {
-    Preferences::openSettings()->clear();
-    Preferences preferences;
-    LibraryWriter writer;
-    AttachmentStore attachments;
-    SearchIndex searchIndex(
-        Test::IsolatedEnvironment::current().cacheHome() + QStringLiteral("/text.sqlite"));
-
+    Test::StoreFixture fixture;
+    Preferences &preferences = fixture.preferences();
     Library library = makeDefaultLibrary();
     QList<Note> notes;
     for (const char *text : {"one", "two", "*three*", "four", "five", "six", "seven"})
@@ -106,7 +94,7 @@ void NoteTextTest::copiesFollowThePanel()
     hidden.isCollapsed = true;
     hidden.notes = {noteWith(QStringLiteral("invisible"))};
     library.projects[0].sections.append(hidden);
-    Store store(library, {preferences, writer, attachments, searchIndex});
+    Store &store = fixture.make(library);
 
     // Notes 7 and 3, asked for in that order, and a hidden one: panel order, numbered from 1.
     const QList<QUuid> ids = {notes[6].id, notes[2].id, hidden.notes[0].id};
@@ -155,17 +143,13 @@ void NoteTextTest::exportEdges_data()
     QTest::addColumn<QString>(
         "shape"); // "empty", "no sections", "empty section", "file", "two projects"
     QTest::addColumn<QString>("expected");
-    QTest::newRow("no projects") << "empty"
-                                 << "";
-    QTest::newRow("project without sections") << "no sections"
-                                              << "# P\n";
-    QTest::newRow("empty section") << "empty section"
-                                   << "# P\n\n## S\n\n";
+    QTest::newRow("no projects") << "empty" << u""_s;
+    QTest::newRow("project without sections") << "no sections" << u"# P\n"_s;
+    QTest::newRow("empty section") << "empty section" << u"# P\n\n## S\n\n"_s;
     QTest::newRow("file link, raw text")
         << "file"
         << "# P\n\n## S\n\n- [ ] **raw** *text*\n      [a b.pdf](Attachments/X/a b.pdf)\n";
-    QTest::newRow("two projects") << "two projects"
-                                  << "# P\n\n## S\n\n\n# Q\n\n## T\n\n";
+    QTest::newRow("two projects") << "two projects" << u"# P\n\n## S\n\n\n# Q\n\n## T\n\n"_s;
 }
 
 void NoteTextTest::exportEdges()
@@ -205,65 +189,28 @@ void NoteTextTest::exportEdges()
 void NoteTextTest::writeExport()
 {
     const QString folder = Test::IsolatedEnvironment::current().root() + QStringLiteral("/export");
-    QDir().mkpath(folder);
     const QString path = folder + QStringLiteral("/Vesko Notes.md");
+    // Files whose names a fixed temporary name would take: they are not the export's.
+    const QStringList others
+        = {QStringLiteral(".Vesko Notes.md.export"), QStringLiteral(".Vesko Notes.md.tmp")};
+    for (const QString &name : others)
+        Test::writeFile(folder + u'/' + name, "not the export's");
+
     const QString text = QStringLiteral("# Ünïcode 🙂\n");
+    const mode_t previous = ::umask(022);
     QCOMPARE(writeMarkdownExport(text, path), std::nullopt);
     QCOMPARE(writeMarkdownExport(text + text, path), std::nullopt); // replaces
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(QString::fromUtf8(file.readAll()), text + text);
-    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden),
-        QStringList {QStringLiteral("Vesko Notes.md")});
+    ::umask(previous);
+    QCOMPARE(QString::fromUtf8(Test::readFile(path)), text + text);
+    QCOMPARE(Test::fileMode(path), 0600u);
+    QCOMPARE(Test::fileTree(folder), QStringList(others) << QStringLiteral("Vesko Notes.md"));
+    for (const QString &name : others)
+        QCOMPARE(Test::readFile(folder + u'/' + name), QByteArray("not the export's"));
 
     // A folder that cannot take the file gives a readable failure.
     const auto failure = writeMarkdownExport(text, folder + QStringLiteral("/missing/Notes.md"));
     QVERIFY(failure);
     QVERIFY2(failure->contains(QStringLiteral("missing")), qPrintable(*failure));
-}
-
-void NoteTextTest::exportIsPrivateAndLeavesOtherFilesAlone()
-{
-    const QString folder
-        = Test::IsolatedEnvironment::current().root() + QStringLiteral("/export-private");
-    QDir().mkpath(folder);
-    const QString path = folder + QStringLiteral("/Notes.md");
-    // Files whose names a fixed temporary name would take: they are not the export's.
-    const QStringList others
-        = {QStringLiteral(".Notes.md.export"), QStringLiteral(".Notes.md.tmp")};
-    for (const QString &name : others) {
-        QFile file(folder + u'/' + name);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("not the export's");
-    }
-
-    const mode_t previous = ::umask(022);
-    const auto failure = writeMarkdownExport(QStringLiteral("# Private\n"), path);
-    ::umask(previous);
-    QCOMPARE(failure, std::nullopt);
-
-    struct stat info;
-    QCOMPARE(::stat(QFile::encodeName(path).constData(), &info), 0);
-    QCOMPARE(info.st_mode & 07777, 0600u);
-    QStringList expected = others;
-    expected.append(QStringLiteral("Notes.md"));
-    expected.sort();
-    QStringList present = QDir(folder).entryList(QDir::Files | QDir::Hidden);
-    present.sort();
-    QCOMPARE(present, expected);
-    for (const QString &name : others) {
-        QFile file(folder + u'/' + name);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), QByteArray("not the export's"));
-    }
-}
-
-void NoteTextTest::messages()
-{
-    QCOMPARE(QString::fromUtf8(TextOutMessages::copiedAsList), QStringLiteral("Copied as List"));
-    QCOMPARE(QString::fromUtf8(TextOutMessages::copied), QStringLiteral("Copied"));
-    QCOMPARE(QString::fromUtf8(TextOutMessages::exported), QStringLiteral("Exported"));
-    QCOMPARE(QString::fromUtf8(TextOutMessages::exportFileName), QStringLiteral("Vesko Notes.md"));
 }
 
 VESKO_TEST_MAIN(NoteTextTest)

@@ -6,6 +6,7 @@
 
 #include "StoreFixture.h"
 #include "TestEnvironment.h"
+#include "TestFiles.h"
 
 #include "library/LibraryFile.h"
 
@@ -28,33 +29,24 @@ private Q_SLOTS:
     void removalStaysInsideTheAttachmentsFolder();
 
 private:
-    std::unique_ptr<Preferences> m_preferences;
-    std::unique_ptr<LibraryWriter> m_writer;
-    std::unique_ptr<AttachmentStore> m_attachments;
-    std::unique_ptr<SearchIndex> m_searchIndex = std::make_unique<SearchIndex>();
+    std::unique_ptr<Test::StoreFixture> m_fixture;
+    AttachmentStore *m_attachments = nullptr;
 };
 
 void OperationsTest::init()
 {
-    Preferences::openSettings()->clear();
-    QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
-    m_preferences = std::make_unique<Preferences>();
-    m_writer = std::make_unique<LibraryWriter>();
-    m_attachments = std::make_unique<AttachmentStore>();
+    m_fixture = std::make_unique<Test::StoreFixture>();
+    m_attachments = &m_fixture->attachments();
 }
 
 void OperationsTest::cleanup()
 {
-    m_attachments.reset();
-    m_writer.reset();
+    m_fixture.reset();
 }
 
 void OperationsTest::lateAnchorFollowsOnlyASelectedNote()
 {
-    Library library;
-    library.projects = {Test::describedProject(QStringLiteral("*Inbox:a"))};
-    library.activeProjectID = library.projects[0].id;
-    Store store(library, {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
     const std::optional<Note> note = store.addNote(
         QStringLiteral("b"), std::nullopt, std::nullopt, false, std::nullopt, {}, true);
     QVERIFY(note);
@@ -71,12 +63,7 @@ void OperationsTest::lateAnchorFollowsOnlyASelectedNote()
 void OperationsTest::attachmentFilesGoOnlyWhenUnreferenced()
 {
     const QString folder = attachmentsFolder(libraryURL());
-    auto makeFile = [&](const QString &stored) {
-        QDir().mkpath(QFileInfo(folder + u'/' + stored).absolutePath());
-        QFile file(folder + u'/' + stored);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("data");
-    };
+    auto makeFile = [&](const QString &stored) { Test::writeFile(folder + u'/' + stored, "data"); };
     makeFile(QStringLiteral("A/shared.png"));
     makeFile(QStringLiteral("B/own.pdf"));
 
@@ -93,7 +80,7 @@ void OperationsTest::attachmentFilesGoOnlyWhenUnreferenced()
     attach(library.projects[0].sections[0].notes[0], QStringLiteral("A/shared.png"));
     attach(library.projects[0].sections[0].notes[1], QStringLiteral("A/shared.png"));
     attach(library.projects[0].sections[0].notes[1], QStringLiteral("B/own.pdf"));
-    Store store(library, {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+    Store &store = m_fixture->make(library);
 
     store.deleteNotes({Test::idFor(QStringLiteral("b"))});
     m_attachments->waitForIdle();
@@ -143,9 +130,7 @@ void OperationsTest::removalStaysInsideTheAttachmentsFolder()
     QDir().mkpath(folder + QStringLiteral("/A"));
     const QString outsideFolder = root + QStringLiteral("/Vesko");
     QFile::link(outsideFolder, folder + QStringLiteral("/link"));
-    QFile outside(outsideFolder + QStringLiteral("/outside.txt"));
-    QVERIFY(outside.open(QIODevice::WriteOnly));
-    outside.close();
+    Test::writeFile(outsideFolder + QStringLiteral("/outside.txt"), {});
 
     NoteAttachment attachment;
     attachment.storedFileName = stored;

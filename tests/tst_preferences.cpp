@@ -20,6 +20,7 @@
 #include <QTimer>
 
 using namespace Vesko;
+using namespace Qt::StringLiterals;
 
 class PreferencesTest : public QObject
 {
@@ -105,20 +106,14 @@ void PreferencesTest::storedStringsOfEnumerations_data()
     QTest::addColumn<QString>("stored");
     QTest::addColumn<int>("expected");
 
-    QTest::newRow("edge left") << "panelEdge"
-                               << "left" << int(PanelEdge::Left);
-    QTest::newRow("edge unknown") << "panelEdge"
-                                  << "top" << int(PanelEdge::Right);
-    QTest::newRow("edge empty") << "panelEdge"
-                                << "" << int(PanelEdge::Right);
-    QTest::newRow("appearance light") << "appearance"
-                                      << "light" << int(AppAppearance::Light);
-    QTest::newRow("appearance other case") << "appearance"
-                                           << "Dark" << int(AppAppearance::System);
-    QTest::newRow("list style plain") << "listStyle"
-                                      << "plain" << int(ListStyle::Plain);
-    QTest::newRow("list style unknown") << "listStyle"
-                                        << "bullets" << int(ListStyle::Numbered);
+    QTest::newRow("edge left") << "panelEdge" << u"left"_s << int(PanelEdge::Left);
+    QTest::newRow("edge unknown") << "panelEdge" << u"top"_s << int(PanelEdge::Right);
+    QTest::newRow("edge empty") << "panelEdge" << u""_s << int(PanelEdge::Right);
+    QTest::newRow("appearance light") << "appearance" << u"light"_s << int(AppAppearance::Light);
+    QTest::newRow("appearance other case")
+        << "appearance" << u"Dark"_s << int(AppAppearance::System);
+    QTest::newRow("list style plain") << "listStyle" << u"plain"_s << int(ListStyle::Plain);
+    QTest::newRow("list style unknown") << "listStyle" << u"bullets"_s << int(ListStyle::Numbered);
 }
 
 void PreferencesTest::storedStringsOfEnumerations()

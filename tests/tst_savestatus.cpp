@@ -6,17 +6,16 @@
 // from the tray and from the panel's own menu alike; and the line that tells
 // of a library file that could not be read.
 
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
+#include "WidgetTestMain.h"
 
-#include "attachments/AttachmentStore.h"
-#include "library/LibraryWriter.h"
 #include "panel/window/PanelCommands.h"
 #include "panel/window/PanelController.h"
 #include "panel/window/PanelMenus.h"
 #include "panel/window/PanelState.h"
 #include "panel/window/SaveStatusView.h"
 #include "panel/window/UnreadableLibraryView.h"
-#include "search/SearchIndex.h"
 #include "shell/Preferences.h"
 #include "shell/QuitGuard.h"
 #include "shell/TrayIcon.h"
@@ -32,16 +31,6 @@
 using namespace Vesko;
 
 namespace {
-
-Library libraryWithOneNote()
-{
-    Library library = makeDefaultLibrary();
-    Note note;
-    note.id = makeID();
-    note.text = QStringLiteral("first");
-    library.projects[0].sections[0].notes.append(note);
-    return library;
-}
 
 QPushButton *buttonTitled(QMessageBox *box, const QString &title)
 {
@@ -88,35 +77,23 @@ private:
     void edit(const QString &text) { m_store->updateNote(m_noteID, text); }
     void blockSaves(bool blocked);
 
-    std::unique_ptr<Preferences> m_preferences;
-    std::unique_ptr<LibraryWriter> m_writer;
-    std::unique_ptr<AttachmentStore> m_attachments;
-    std::unique_ptr<SearchIndex> m_searchIndex;
-    std::unique_ptr<Store> m_store;
-    QUuid m_noteID;
+    std::unique_ptr<Test::StoreFixture> m_fixture;
+    Store *m_store = nullptr;
+    Preferences *m_preferences = nullptr;
+    const QUuid m_noteID = Test::idFor(QStringLiteral("a"));
 };
 
 void SaveStatusTest::init()
 {
-    Preferences::openSettings()->clear();
     blockSaves(false);
-    m_preferences = std::make_unique<Preferences>();
-    m_writer = std::make_unique<LibraryWriter>();
-    m_attachments = std::make_unique<AttachmentStore>();
-    m_searchIndex = std::make_unique<SearchIndex>();
-    const Library library = libraryWithOneNote();
-    m_noteID = library.projects[0].sections[0].notes[0].id;
-    m_store = std::make_unique<Store>(
-        library, Store::Services {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+    m_fixture = std::make_unique<Test::StoreFixture>();
+    m_store = &m_fixture->make({QStringLiteral("*Inbox:a")});
+    m_preferences = &m_fixture->preferences();
 }
 
 void SaveStatusTest::cleanup()
 {
-    m_store.reset();
-    m_writer.reset();
-    m_searchIndex.reset();
-    m_attachments.reset();
-    m_preferences.reset();
+    m_fixture.reset();
     blockSaves(false);
 }
 
@@ -273,13 +250,5 @@ void SaveStatusTest::unreadableLibraryLine()
     QCOMPARE(m_store->libraryRevision(), revision);
 }
 
-int main(int argc, char *argv[])
-{
-    Vesko::Test::IsolatedEnvironment environment;
-    QApplication app(argc, argv);
-    SaveStatusTest test;
-    QTEST_SET_MAIN_SOURCE_PATH
-    return QTest::qExec(&test, argc, argv);
-}
-
+VESKO_WIDGET_TEST_MAIN(SaveStatusTest)
 #include "tst_savestatus.moc"

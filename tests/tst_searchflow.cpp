@@ -3,13 +3,8 @@
 // The Store's side of search with a real index and real timers: debouncing,
 // clearing, the guards that drop stale answers, and searching under changes.
 
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
-
-#include "attachments/AttachmentStore.h"
-#include "library/LibraryWriter.h"
-#include "search/SearchIndex.h"
-#include "shell/Preferences.h"
-#include "store/Store.h"
 
 #include <QSignalSpy>
 
@@ -58,36 +53,19 @@ private Q_SLOTS:
     void blankSearchIsNoSearch();
 
 private:
-    std::unique_ptr<Store> makeStore(const Library &library);
+    Store *makeStore(const Library &library) { return &m_fixture->make(library); }
 
-    std::unique_ptr<Preferences> m_preferences;
-    std::unique_ptr<LibraryWriter> m_writer;
-    std::unique_ptr<AttachmentStore> m_attachments;
-    std::unique_ptr<SearchIndex> m_searchIndex;
+    std::unique_ptr<Test::StoreFixture> m_fixture;
 };
 
 void SearchFlowTest::init()
 {
-    static int counter = 0;
-    Preferences::openSettings()->clear();
-    m_preferences = std::make_unique<Preferences>();
-    m_writer = std::make_unique<LibraryWriter>();
-    m_attachments = std::make_unique<AttachmentStore>();
-    m_searchIndex = std::make_unique<SearchIndex>(Test::IsolatedEnvironment::current().cacheHome()
-        + QStringLiteral("/flow-%1.sqlite").arg(++counter));
+    m_fixture = std::make_unique<Test::StoreFixture>();
 }
 
 void SearchFlowTest::cleanup()
 {
-    m_searchIndex.reset();
-    m_attachments.reset();
-    m_writer.reset();
-}
-
-std::unique_ptr<Store> SearchFlowTest::makeStore(const Library &library)
-{
-    return std::make_unique<Store>(
-        library, Store::Services {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+    m_fixture.reset();
 }
 
 void SearchFlowTest::clearingRestoresRowsAtOnce()
@@ -110,9 +88,9 @@ void SearchFlowTest::clearingRestoresRowsAtOnce()
 void SearchFlowTest::onlyTheFinalTextOfQuickTypingIsSearched()
 {
     auto store = makeStore(libraryOf({QStringLiteral("alphabet soup"), QStringLiteral("alpine")}));
-    m_searchIndex->setPlan(SearchIndex::Plan::Index); // every search counted
-    QVERIFY(m_searchIndex->indexedRevision()); // the first synchronisation is done
-    const int before = m_searchIndex->sqlQueryCount();
+    m_fixture->searchIndex().setPlan(SearchIndex::Plan::Index); // every search counted
+    QVERIFY(m_fixture->searchIndex().indexedRevision()); // the first synchronisation is done
+    const int before = m_fixture->searchIndex().sqlQueryCount();
     // Keystrokes in one turn of the event loop: quicker than the debounce on
     // any machine.
     for (const QString &text :
@@ -121,7 +99,7 @@ void SearchFlowTest::onlyTheFinalTextOfQuickTypingIsSearched()
     QTRY_COMPARE_WITH_TIMEOUT(
         noteTexts(*store), QStringList {QStringLiteral("alphabet soup")}, Test::patience);
     QTest::qWait(150);
-    QCOMPARE(m_searchIndex->sqlQueryCount(), before + 1); // one search
+    QCOMPARE(m_fixture->searchIndex().sqlQueryCount(), before + 1); // one search
 }
 
 void SearchFlowTest::sameQueryInOtherDressKeepsTheRows()
@@ -131,14 +109,14 @@ void SearchFlowTest::sameQueryInOtherDressKeepsTheRows()
     QTRY_COMPARE_WITH_TIMEOUT(
         noteTexts(*store), QStringList {QStringLiteral("alpha")}, Test::patience);
 
-    QSignalSpy rows(store.get(), &Store::rowsChanged);
+    QSignalSpy rows(store, &Store::rowsChanged);
     store->setSearchText(QStringLiteral("Alpha "));
     QCOMPARE(noteTexts(*store), QStringList {QStringLiteral("alpha")}); // not emptied
     QTRY_COMPARE_WITH_TIMEOUT(
         rows.size(), 1, Test::patience); // the re-run answer, the same matches
     QCOMPARE(noteTexts(*store), QStringList {QStringLiteral("alpha")});
 
-    QSignalSpy text(store.get(), &Store::searchTextChanged);
+    QSignalSpy text(store, &Store::searchTextChanged);
     store->setSearchText(QStringLiteral("Alpha "));
     QCOMPARE(text.size(), 0);
 }

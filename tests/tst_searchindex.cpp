@@ -6,6 +6,7 @@
 
 #include "LibraryGenerator.h"
 #include "TestEnvironment.h"
+#include "TestFiles.h"
 
 #include "search/SearchIndex.h"
 
@@ -17,6 +18,7 @@
 #include <sys/stat.h>
 
 using namespace Vesko;
+using namespace Vesko::Test;
 
 namespace {
 
@@ -39,14 +41,6 @@ QStringList rows(const QString &path, const char *sql)
     sqlite3_finalize(statement);
     sqlite3_close(db);
     return out;
-}
-
-unsigned mode(const QString &path)
-{
-    struct stat info;
-    if (::stat(QFile::encodeName(path).constData(), &info) != 0)
-        return 0;
-    return info.st_mode & 07777;
 }
 
 QByteArray upperID(const QUuid &id)
@@ -138,15 +132,17 @@ void addAwkwardTexts(Project &project)
 {
     QStringList texts = {QStringLiteral("İstanbul ΣΊΣΥΦΟΣ Straße"),
         QStringLiteral("half <hi> pair and <lo> other half <hi>"),
-        QStringLiteral("emoji 🙂🙂 and <hi><lo> made of halves"), QStringLiteral("100% snake_case"),
-        QStringLiteral("a\n<rs>\nb across"), QStringLiteral("日本語のメモ 東京")};
+        QStringLiteral("emoji 🙂🙂 and <hi><lo> made of halves"),
+        QStringLiteral("100% snake_case"), QStringLiteral("a\n<rs>\nb across"),
+        QStringLiteral("日本語のメモ 東京")};
     for (qsizetype i = 0; i < texts.size(); ++i) {
         QString text = texts[i];
         text.replace(QStringLiteral("<hi>"), QChar(0xD83D));
         text.replace(QStringLiteral("<lo>"), QChar(0xDE42));
         text.replace(QStringLiteral("<rs>"), QChar(0x241E));
         NoteSection &section = project.sections[i % project.sections.size()];
-        section.notes.insert(std::min<qsizetype>(1, section.notes.size()), noteWith(text, {text.left(9)}));
+        section.notes.insert(
+            std::min<qsizetype>(1, section.notes.size()), noteWith(text, {text.left(9)}));
     }
 }
 
@@ -190,14 +186,9 @@ private Q_SLOTS:
     void incrementalSynchronisationStaysExact();
     void blankQueriesNeverOpenTheDatabase();
     void shortQueriesNeverRunSql();
-    void wildcardsMatchLiterally_data();
-    void wildcardsMatchLiterally();
-    void textAndAttachmentNamesMatchButNotAcrossThem_data();
-    void textAndAttachmentNamesMatchButNotAcrossThem();
-    void otherProjectsNeverAppear();
-    void sectionTitlesMatch();
+    void answers_data();
+    void answers();
     void movedNoteRowFollows();
-    void staleRevisionAnswersFromTheProject();
     void deletedNotesGoneAfterTheFirstSyncOfALaunch();
     void databaseDeletedWhileRunning();
     void unwritableCacheFolderFallsBackToScanning();
@@ -244,8 +235,8 @@ void SearchIndexTest::everyPathAgreesWithAPlainScan()
             index.synchronizeAndWait(library, revision);
         for (int i = 0; i < 1000; ++i) {
             const QString query = randomQuery(random, project);
-            QVERIFY2(index.searchAndWait(query, project, library, revision)
-                    == reference.matches(query),
+            QVERIFY2(
+                index.searchAndWait(query, project, library, revision) == reference.matches(query),
                 qPrintable(QStringLiteral("query “%1”").arg(query)));
         }
     }
@@ -368,78 +359,83 @@ void SearchIndexTest::shortQueriesNeverRunSql()
     QCOMPARE(index.sqlQueryCount(), before + 1);
 }
 
-void SearchIndexTest::wildcardsMatchLiterally_data()
+void SearchIndexTest::answers_data()
 {
+    // One note in the first project's only section, "alpha elsewhere" in the
+    // second project's; the query, synchronised to revision 5 or not, with
+    // what it finds ("note", "section" or nothing) and how many SQL queries
+    // it takes (-1: any number).
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("attachments");
+    QTest::addColumn<QString>("sectionTitle");
     QTest::addColumn<QString>("query");
-    QTest::addColumn<bool>("found");
-    QTest::newRow("percent") << "100%" << true;
-    QTest::newRow("percent as wildcard would") << "1%0" << false;
-    QTest::newRow("underscore") << "snake_case" << true;
-    QTest::newRow("underscore as wildcard would") << "snake_cas_" << false;
-    QTest::newRow("short underscore") << "_c" << true;
+    QTest::addColumn<bool>("synchronized");
+    QTest::addColumn<QString>("found");
+    QTest::addColumn<int>("sqlQueries");
+    const QString wild = QStringLiteral("done 100% of snake_case");
+    const QString inbox = QStringLiteral("Inbox");
+    // LIKE's wildcards are characters like any other.
+    QTest::newRow("percent") << wild << QStringList() << inbox << "100%" << true << "note" << 0;
+    QTest::newRow("percent as a wildcard would")
+        << wild << QStringList() << inbox << "1%0" << true << "" << 0;
+    QTest::newRow("underscore") << wild << QStringList() << inbox << "snake_case" << true << "note"
+                                << 0;
+    QTest::newRow("underscore as a wildcard would")
+        << wild << QStringList() << inbox << "snake_cas_" << true << "" << 0;
+    QTest::newRow("short underscore")
+        << wild << QStringList() << inbox << "_c" << true << "note" << 0;
+    // Served by SQL and confirmed in memory: never across two fields.
+    const QString report = QStringLiteral("Quarterly report");
+    const QStringList files = {QStringLiteral("Budget.xlsx"), QStringLiteral("chart.png")};
+    QTest::newRow("text") << report << files << inbox << "quarterly" << true << "note" << 1;
+    QTest::newRow("attachment name, other case")
+        << report << files << inbox << "BUDGET.XLS" << true << "note" << 1;
+    QTest::newRow("second attachment")
+        << report << files << inbox << "chart" << true << "note" << 1;
+    QTest::newRow("across text and name")
+        << report << files << inbox << QString::fromUtf8("report\n\u241E\nbudget") << true << ""
+        << 1;
+    QTest::newRow("across two names")
+        << report << files << inbox << QString::fromUtf8("xlsx\n\u241E\nchart") << true << "" << 1;
+    // Another project's note never appears.
+    for (const char *query : {"alpha", "al", "where"})
+        QTest::addRow("other project, %s", query)
+            << QStringLiteral("alpha here") << QStringList() << inbox << query << true
+            << (QByteArray(query) == "where" ? "" : "note") << -1;
+    QTest::newRow("section title")
+        << QStringLiteral("unrelated") << QStringList() << QStringLiteral("Groceries") << "ocer"
+        << true << "section" << -1;
+    // An older revision than the one indexed is answered from the project.
+    QTest::newRow("stale revision") << QStringLiteral("older text") << QStringList() << inbox
+                                    << "older" << false << "note" << 0;
 }
 
-void SearchIndexTest::wildcardsMatchLiterally()
+void SearchIndexTest::answers()
 {
+    QFETCH(QString, text);
+    QFETCH(QStringList, attachments);
+    QFETCH(QString, sectionTitle);
     QFETCH(QString, query);
-    QFETCH(bool, found);
+    QFETCH(bool, synchronized);
+    QFETCH(QString, found);
+    QFETCH(int, sqlQueries);
     SearchIndex index(m_path);
     index.setPlan(SearchIndex::Plan::Index);
-    const Library library = twoProjects({noteWith(QStringLiteral("done 100% of snake_case"))});
-    index.synchronizeAndWait(library, 1);
+    const Library library = twoProjects({noteWith(text, attachments)}, sectionTitle);
+    index.synchronizeAndWait(
+        synchronized ? library : twoProjects({noteWith(QStringLiteral("newer text"))}), 5);
     const int before = index.sqlQueryCount();
-    QCOMPARE(!index.searchAndWait(query, library.projects[0], library, 1).noteIDs.isEmpty(), found);
-    QCOMPARE(index.sqlQueryCount(), before);
-}
-
-void SearchIndexTest::textAndAttachmentNamesMatchButNotAcrossThem_data()
-{
-    QTest::addColumn<QString>("query");
-    QTest::addColumn<bool>("found");
-    QTest::newRow("text") << "quarterly" << true;
-    QTest::newRow("attachment name, other case") << "BUDGET.XLS" << true;
-    QTest::newRow("second attachment") << "chart" << true;
-    QTest::newRow("across text and name") << QString::fromUtf8("report\n\u241E\nbudget") << false;
-    QTest::newRow("across two names") << QString::fromUtf8("xlsx\n\u241E\nchart") << false;
-}
-
-void SearchIndexTest::textAndAttachmentNamesMatchButNotAcrossThem()
-{
-    QFETCH(QString, query);
-    QFETCH(bool, found);
-    SearchIndex index(m_path);
-    index.setPlan(SearchIndex::Plan::Index);
-    const Library library = twoProjects({noteWith(QStringLiteral("Quarterly report"),
-        {QStringLiteral("Budget.xlsx"), QStringLiteral("chart.png")})});
-    index.synchronizeAndWait(library, 1);
-    const int before = index.sqlQueryCount();
-    QCOMPARE(!index.searchAndWait(query, library.projects[0], library, 1).noteIDs.isEmpty(), found);
-    QCOMPARE(index.sqlQueryCount(), before + 1); // served by SQL, confirmed in memory
-}
-
-void SearchIndexTest::otherProjectsNeverAppear()
-{
-    SearchIndex index(m_path);
-    const Note here = noteWith(QStringLiteral("alpha here"));
-    const Library library = twoProjects({here});
-    for (const QString &query :
-        {QStringLiteral("alpha"), QStringLiteral("al"), QStringLiteral("where")}) {
-        const SearchMatches matches = index.searchAndWait(query, library.projects[0], library, 1);
-        QVERIFY(!matches.noteIDs.contains(library.projects[1].sections[0].notes[0].id));
-    }
-    QCOMPARE(index.searchAndWait(QStringLiteral("alpha"), library.projects[0], library, 1).noteIDs,
-        QSet<QUuid> {here.id});
-}
-
-void SearchIndexTest::sectionTitlesMatch()
-{
-    SearchIndex index(m_path);
-    const Library library
-        = twoProjects({noteWith(QStringLiteral("unrelated"))}, QStringLiteral("Groceries"));
-    const SearchMatches matches
-        = index.searchAndWait(QStringLiteral("ocer"), library.projects[0], library, 1);
-    QVERIFY(matches.noteIDs.isEmpty());
-    QCOMPARE(matches.sectionIDs, QSet<QUuid> {library.projects[0].sections[0].id});
+    const NoteSection &section = library.projects[0].sections[0];
+    SearchMatches expected;
+    if (found == u"note")
+        expected.noteIDs = {section.notes[0].id};
+    else if (found == u"section")
+        expected.sectionIDs = {section.id};
+    QCOMPARE(
+        index.searchAndWait(query, library.projects[0], library, synchronized ? 5 : 3), expected);
+    if (sqlQueries >= 0)
+        QCOMPARE(index.sqlQueryCount(), before + sqlQueries);
+    QCOMPARE(index.indexedRevision(), 5u);
 }
 
 void SearchIndexTest::movedNoteRowFollows()
@@ -460,20 +456,6 @@ void SearchIndexTest::movedNoteRowFollows()
     QCOMPARE(rows(m_path, query),
         QStringList {QString::fromLatin1(upperID(library.projects[0].sections[1].id))});
     QCOMPARE(rows(m_path, "SELECT count(*) FROM note_search;"), QStringList {QStringLiteral("2")});
-}
-
-void SearchIndexTest::staleRevisionAnswersFromTheProject()
-{
-    SearchIndex index(m_path);
-    const Library newer = twoProjects({noteWith(QStringLiteral("newer text"))});
-    index.synchronizeAndWait(newer, 5);
-    const Note old = noteWith(QStringLiteral("older text"));
-    const Library older = twoProjects({old});
-    const int before = index.sqlQueryCount();
-    QCOMPARE(index.searchAndWait(QStringLiteral("older"), older.projects[0], older, 3).noteIDs,
-        QSet<QUuid> {old.id});
-    QCOMPARE(index.sqlQueryCount(), before);
-    QCOMPARE(index.indexedRevision(), 5u); // not rolled back
 }
 
 void SearchIndexTest::deletedNotesGoneAfterTheFirstSyncOfALaunch()
@@ -613,7 +595,7 @@ void SearchIndexTest::databaseFilesArePrivate()
     for (const char *suffix : {"", "-wal", "-shm"}) {
         const QString path = m_path + QLatin1StringView(suffix);
         QVERIFY2(QFileInfo::exists(path), qPrintable(path));
-        QCOMPARE(mode(path), 0600u);
+        QCOMPARE(fileMode(path), 0600u);
     }
 }
 

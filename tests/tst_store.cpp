@@ -7,6 +7,7 @@
 #include "LibraryGenerator.h"
 #include "SmallFileSystem.h"
 #include "TestEnvironment.h"
+#include "TestFiles.h"
 
 #include "attachments/AttachmentStore.h"
 #include "library/LibraryCoding.h"
@@ -26,6 +27,7 @@
 #include <sys/stat.h>
 
 using namespace Vesko;
+using namespace Vesko::Test;
 
 namespace {
 
@@ -52,32 +54,6 @@ void renameFirstNote(Store &store, const QString &text)
     store.commit();
 }
 
-void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
-}
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-// Every entry below \a folder, links not followed, as relative paths.
-QStringList tree(const QString &folder)
-{
-    QStringList paths;
-    QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-        QDirIterator::Subdirectories);
-    while (it.hasNext())
-        paths.append(QDir(folder).relativeFilePath(it.next()));
-    paths.sort();
-    return paths;
-}
-
 // Moves the library and returns the move's failure text once it has ended.
 std::optional<QString> moveAndWait(Store &store, const QString &destination)
 {
@@ -87,15 +63,6 @@ std::optional<QString> moveAndWait(Store &store, const QString &destination)
         return QStringLiteral("The move did not end.");
     const QString failure = finished.first().first().toString();
     return failure.isEmpty() ? std::nullopt : std::optional<QString>(failure);
-}
-
-// Dates a file, to order backups without waiting.
-void setModified(const QString &path, qint64 secondsSinceEpoch)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(file.setFileTime(QDateTime::fromSecsSinceEpoch(secondsSinceEpoch, Qt::UTC),
-        QFileDevice::FileModificationTime));
 }
 
 QStringList noteTexts(const Library &library)
@@ -144,10 +111,8 @@ private Q_SLOTS:
 
     void undoLimitFollowsTheNoteCount_data();
     void undoLimitFollowsTheNoteCount();
-    void undoWithoutStepsChangesNothing();
 
     void equalAssignmentsStaySilent();
-    void repairAtConstructionWritesOnlyWhenNeeded();
     void fallbacksOfAnEmptyLibrary();
     void lookupsSpanAllProjects();
     void listPreferencesRefreshRows();
@@ -376,20 +341,6 @@ void StoreTest::undoLimitFollowsTheNoteCount()
     QCOMPARE(store.undoStepCount(), steps);
 }
 
-void StoreTest::undoWithoutStepsChangesNothing()
-{
-    Store store(libraryWithNotes(2), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-    QSignalSpy library(&store, &Store::libraryChanged);
-    QSignalSpy rows(&store, &Store::rowsChanged);
-    const quint64 revision = store.libraryRevision();
-    store.undo();
-    store.redo();
-    QCOMPARE(store.libraryRevision(), revision);
-    QCOMPARE(library.size(), 0);
-    QCOMPARE(rows.size(), 0);
-    QVERIFY(!store.hasPendingSave());
-}
-
 void StoreTest::equalAssignmentsStaySilent()
 {
     Store store(libraryWithNotes(2), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
@@ -404,7 +355,14 @@ void StoreTest::equalAssignmentsStaySilent()
     equal.projects[0].name = QStringLiteral("x");
     equal.projects[0].name = store.library().projects[0].name; // equal, detached
     store.setLibrary(equal);
+    // Undo and redo without steps change nothing either.
+    const quint64 revision = store.libraryRevision();
+    store.undo();
+    store.redo();
+    QCOMPARE(store.libraryRevision(), revision);
     QCOMPARE(library.size(), 0);
+    QCOMPARE(rows.size(), 0);
+    QVERIFY(!store.hasPendingSave());
 
     const QUuid id = store.library().projects[0].sections[0].notes[0].id;
     store.setSelection({id}, id);
@@ -419,28 +377,6 @@ void StoreTest::equalAssignmentsStaySilent()
     store.rebuildRows();
     store.rebuildRows();
     QCOMPARE(rows.size(), 2);
-}
-
-void StoreTest::repairAtConstructionWritesOnlyWhenNeeded()
-{
-    // A sound version 3 library is not written.
-    Library sound = libraryWithNotes(2);
-    QVERIFY(!writeLibrary(sound, libraryURL()));
-    const QDateTime written = QFileInfo(libraryURL()).lastModified();
-    {
-        Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-    }
-    QCOMPARE(backups().size(), 0);
-    QCOMPARE(QFileInfo(libraryURL()).lastModified(), written);
-
-    // A version 2 library is rewritten as version 3, its old form kept as a backup.
-    Library old = sound;
-    old.version = 2;
-    QVERIFY(!writeLibrary(old, libraryURL()));
-    QCOMPARE(backups().size(), 1);
-    Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-    QCOMPARE(fileLibrary()->version, 3);
-    QCOMPARE(backups().size(), 2);
 }
 
 void StoreTest::fallbacksOfAnEmptyLibrary()
@@ -753,7 +689,7 @@ void StoreTest::moveThroughALinkToTheSameFolderKeepsEverything()
     QCOMPARE(loadLibrary(current), before);
     QCOMPARE(store.library(), before);
     QCOMPARE(readFile(attachment), QByteArray("png"));
-    QCOMPARE(tree(attachmentsFolder(current)),
+    QCOMPARE(fileTree(attachmentsFolder(current)),
         (QStringList {QStringLiteral("A"), QStringLiteral("A/image.png")}));
 }
 
@@ -775,7 +711,7 @@ void StoreTest::moveIntoTheAttachmentsFolderIsRefused()
     writeFile(attachmentsFolder(current) + QStringLiteral("/A/image.png"), "png");
     QVERIFY(QFile::link(
         attachmentsFolder(current) + QStringLiteral("/A"), folder + QStringLiteral("/LinkToA")));
-    const QStringList attachmentsBefore = tree(attachmentsFolder(current));
+    const QStringList attachmentsBefore = fileTree(attachmentsFolder(current));
     const QByteArray fileBefore = readFile(current);
 
     Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
@@ -783,7 +719,7 @@ void StoreTest::moveIntoTheAttachmentsFolderIsRefused()
     m_attachments->waitForIdle();
     QVERIFY(failure);
     QVERIFY2(failure->contains(QStringLiteral("Attachments")), qPrintable(*failure));
-    QCOMPARE(tree(attachmentsFolder(current)), attachmentsBefore);
+    QCOMPARE(fileTree(attachmentsFolder(current)), attachmentsBefore);
     QCOMPARE(readFile(current), fileBefore);
     QCOMPARE(libraryURL(), current);
 }
@@ -897,7 +833,7 @@ void StoreTest::moveCutShortLeavesTheTargetAsItWas()
     for (int i = 0; i < fileCount; ++i)
         writeFile(
             attachments + QStringLiteral("/F%1/file.bin").arg(i, 2, 10, QChar(u'0')), content);
-    const QStringList attachmentTree = tree(attachments);
+    const QStringList attachmentTree = fileTree(attachments);
 
     AttachmentStore copies;
     Store store(loadLibrary(), {*m_preferences, *m_writer, copies, *m_searchIndex});
@@ -931,8 +867,8 @@ void StoreTest::moveCutShortLeavesTheTargetAsItWas()
     QCOMPARE(fileLibrary()->projects[0].sections[0].notes[0].text,
         QStringLiteral("changed before the quit"));
     // No part of the copy is left at the target; the attachments are whole where they were.
-    QCOMPARE(tree(target), QStringList());
-    QCOMPARE(tree(attachments), attachmentTree);
+    QCOMPARE(fileTree(target), QStringList());
+    QCOMPARE(fileTree(attachments), attachmentTree);
     QCOMPARE(readFile(attachments + QStringLiteral("/F63/file.bin")), content);
 }
 

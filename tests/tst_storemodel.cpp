@@ -124,50 +124,6 @@ MLibrary modelOf(const Library &library, bool inWholeSeconds = false)
     return model;
 }
 
-Library libraryOf(const MLibrary &model)
-{
-    Library library;
-    library.activeProjectID = model.activeProject;
-    for (const MProject &p : model.projects) {
-        Project project;
-        project.id = p.id;
-        project.name = p.name;
-        project.createdAt = QDateTime::fromSecsSinceEpoch(1700000000, Qt::UTC);
-        project.activeSectionID = p.activeSection;
-        for (const MSection &s : p.sections) {
-            NoteSection section;
-            section.id = s.id;
-            section.title = s.title;
-            section.isCollapsed = s.collapsed;
-            section.isAutomatic = s.automatic;
-            section.createdAt = project.createdAt;
-            for (const MNote &n : s.notes) {
-                Note note;
-                note.id = n.id;
-                note.text = n.text;
-                note.isDone = n.done;
-                note.createdAt = n.createdAt;
-                note.updatedAt = n.updatedAt;
-                note.completedAt = n.completedAt;
-                if (!n.source.isNull())
-                    note.source = NoteSource {n.source, std::nullopt, std::nullopt};
-                for (const MAttachment &a : n.attachments) {
-                    NoteAttachment attachment;
-                    attachment.id = a.id;
-                    attachment.fileName = a.fileName;
-                    attachment.storedFileName = a.storedFileName;
-                    attachment.createdAt = n.createdAt;
-                    note.attachments.append(attachment);
-                }
-                section.notes.append(note);
-            }
-            project.sections.append(section);
-        }
-        library.projects.append(project);
-    }
-    return library;
-}
-
 //! Every date of \a library cut to whole seconds, as the file keeps them.
 Library inWholeSeconds(Library library)
 {
@@ -330,6 +286,14 @@ public:
     }
     MNote *find(const QUuid &id) { return const_cast<MNote *>(std::as_const(*this).find(id)); }
 
+    MProject *findProject(const QUuid &id)
+    {
+        for (MProject &p : lib.projects)
+            if (p.id == id)
+                return &p;
+        return nullptr;
+    }
+
     MSection *findSection(const QUuid &id)
     {
         for (MProject &p : lib.projects)
@@ -458,15 +422,8 @@ public:
         for (qsizetype i = 0; sectionID && i < qsizetype(project.sections.size()); ++i)
             if (project.sections[i].id == *sectionID)
                 target = i;
-        if (target < 0 && title)
-            target = findOrCreate(project, *title, automatic, *this);
-        for (qsizetype i = 0; target < 0 && i < qsizetype(project.sections.size()); ++i)
-            if (project.activeSection == project.sections[i].id)
-                target = i;
-        if (target < 0) {
-            target = findOrCreate(project, QStringLiteral("Inbox"), false, *this);
-            project.activeSection = project.sections[target].id;
-        }
+        if (target < 0)
+            target = targetSection(project, title, automatic);
         project.sections[target].notes.push_back(note);
         if (reveal) {
             clearSearch();
@@ -480,15 +437,25 @@ public:
         return note.id;
     }
 
+    //! The section a new note goes to: by title, else the active one, else "Inbox".
+    qsizetype targetSection(MProject &project, std::optional<QString> title, bool automatic)
+    {
+        if (title)
+            return findOrCreate(project, *title, automatic, *this);
+        for (qsizetype i = 0; i < qsizetype(project.sections.size()); ++i)
+            if (project.activeSection == project.sections[i].id)
+                return i;
+        const qsizetype inbox = findOrCreate(project, QStringLiteral("Inbox"), false, *this);
+        project.activeSection = project.sections[inbox].id;
+        return inbox;
+    }
+
     void addNoteToProject(const QUuid &projectID, const QString &text, std::optional<QString> title)
     {
-        qsizetype index = -1;
-        for (qsizetype i = 0; i < qsizetype(lib.projects.size()); ++i)
-            if (lib.projects[i].id == projectID)
-                index = i;
-        if (index < 0)
+        MProject *project = findProject(projectID);
+        if (!project)
             return;
-        if (index == activeIndex()) {
+        if (project == active()) {
             addNote(text, std::nullopt, title, false, QString(), {}, false);
             return;
         }
@@ -496,16 +463,7 @@ public:
         if (cleaned.isEmpty())
             return;
         recordUndo();
-        MProject &project = lib.projects[index];
-        qsizetype target = title ? findOrCreate(project, *title, false, *this) : -1;
-        for (qsizetype i = 0; target < 0 && i < qsizetype(project.sections.size()); ++i)
-            if (project.activeSection == project.sections[i].id)
-                target = i;
-        if (target < 0) {
-            target = findOrCreate(project, QStringLiteral("Inbox"), false, *this);
-            project.activeSection = project.sections[target].id;
-        }
-        project.sections[target].notes.push_back(
+        project->sections[targetSection(*project, title, false)].notes.push_back(
             {fresh(), cleaned, false, std::nullopt, QString(), {}, {}, {}});
         commit();
     }
@@ -516,8 +474,7 @@ public:
         MNote *note = find(id);
         if (note && note->text == cleaned)
             return;
-        recordUndo();
-        note = find(id);
+        recordUndo(); // copies the library: pointers into it stay good
         if (cleaned.isEmpty() && (!note || note->attachments.empty())) {
             removeNotes({id});
             commit();
@@ -634,7 +591,7 @@ public:
                     if (pieces.size() < 2)
                         return;
                     recordUndo();
-                    MSection &section = *findSection(s.id);
+                    MSection &section = s;
                     section.notes.erase(section.notes.begin() + i);
                     QSet<QUuid> parts;
                     std::optional<QUuid> first;
@@ -660,9 +617,8 @@ public:
         const std::vector<MNote> notes = visibleAmong(ids);
         if (notes.empty())
             return;
-        auto project = std::find_if(lib.projects.begin(), lib.projects.end(),
-            [&](const MProject &p) { return p.id == projectID; });
-        if (project == lib.projects.end())
+        MProject *project = findProject(projectID);
+        if (!project)
             return;
         recordUndo();
         QSet<QUuid> moving;
@@ -706,7 +662,6 @@ public:
         if (!note || records.empty())
             return;
         recordUndo();
-        note = find(noteID);
         note->attachments.insert(note->attachments.end(), records.begin(), records.end());
         note->updatedAt = QDateTime();
         commit();
@@ -720,7 +675,6 @@ public:
                 [&](const MAttachment &a) { return a.id == attachmentID; }))
             return;
         recordUndo();
-        note = find(noteID);
         std::erase_if(
             note->attachments, [&](const MAttachment &a) { return a.id == attachmentID; });
         note->updatedAt = QDateTime();
@@ -756,8 +710,6 @@ public:
         if (section == project.sections.end() || project.activeSection == id)
             return;
         recordUndo();
-        section = std::find_if(active()->sections.begin(), active()->sections.end(),
-            [&](const MSection &s) { return s.id == id; });
         active()->activeSection = id;
         section->collapsed = false;
         setSelection({}, std::nullopt);
@@ -778,15 +730,10 @@ public:
     void renameProject(const QUuid &id, const QString &name)
     {
         const QString cleaned = trimmedText(name);
-        auto project = std::find_if(lib.projects.begin(), lib.projects.end(),
-            [&](const MProject &p) { return p.id == id; });
-        if (cleaned.isEmpty() || project == lib.projects.end())
+        if (cleaned.isEmpty() || !findProject(id))
             return;
         recordUndo();
-        std::find_if(
-            lib.projects.begin(), lib.projects.end(), [&](const MProject &p) { return p.id == id; })
-            ->name
-            = cleaned;
+        findProject(id)->name = cleaned;
         commit();
     }
 
@@ -872,9 +819,8 @@ public:
 
     void deleteProject(const QUuid &id)
     {
-        auto project = std::find_if(lib.projects.begin(), lib.projects.end(),
-            [&](const MProject &p) { return p.id == id; });
-        if (project == lib.projects.end())
+        const MProject *project = findProject(id);
+        if (!project)
             return;
         QSet<QUuid> noteIDs;
         for (const MSection &s : project->sections)
@@ -1144,53 +1090,55 @@ Op randomOp(QRandomGenerator &random)
     return op;
 }
 
-MLibrary randomLibrary(QRandomGenerator &random)
+Library randomLibrary(QRandomGenerator &random)
 {
-    MLibrary library;
+    Library library;
     int counter = 0;
     auto id = [&](const QString &what) {
         return QUuid::createUuidV5(QUuid(), what + QString::number(++counter));
     };
+    const QDateTime made = QDateTime::fromSecsSinceEpoch(1700000000, Qt::UTC);
     const QDateTime start = QDateTime::fromSecsSinceEpoch(1767225600, Qt::UTC);
     for (int p = 0, projects = 2 + random.bounded(2); p < projects; ++p) {
-        MProject project {
-            id(QStringLiteral("project")), QStringLiteral("Project %1").arg(p), {}, {}};
+        Project project {
+            id(QStringLiteral("project")), QStringLiteral("Project %1").arg(p), {}, made, {}};
         const QStringList ordinary
             = {QStringLiteral("Inbox"), QStringLiteral("Work"), QStringLiteral("Ideas")};
         const QStringList automatic = {QStringLiteral("Mail"), QStringLiteral("Mail — Budget")};
         for (int s = 0, sections = 1 + random.bounded(4); s < sections; ++s) {
             const bool isAutomatic = s > 0 && s <= automatic.size() && random.bounded(3) == 0;
-            MSection section {id(QStringLiteral("section")),
+            NoteSection section {id(QStringLiteral("section")),
                 isAutomatic
                     ? automatic[s - 1]
                     : ordinary[s % ordinary.size()] + (s >= 3 ? QStringLiteral(" 2") : QString()),
-                random.bounded(5) == 0, isAutomatic, {}};
+                {}, random.bounded(5) == 0, made, isAutomatic};
             for (int n = 0, notes = (isAutomatic ? 1 : 0) + 1 + random.bounded(8); n < notes; ++n) {
-                MNote note {id(QStringLiteral("note")), trimmedText(randomText(random)), false,
-                    std::nullopt,
-                    isAutomatic || random.bounded(4) == 0 ? QStringLiteral("Mail") : QString(), {},
-                    start.addSecs(++counter * 60), {}};
+                Note note {id(QStringLiteral("note")), trimmedText(randomText(random)), false,
+                    start.addSecs(++counter * 60), {}, std::nullopt, std::nullopt, {}};
+                if (isAutomatic || random.bounded(4) == 0)
+                    note.source = NoteSource {QStringLiteral("Mail"), std::nullopt, std::nullopt};
                 if (note.text.isEmpty())
                     note.text = QStringLiteral("gamma");
-                note.done = random.bounded(10) < 3;
+                note.isDone = random.bounded(10) < 3;
                 note.updatedAt = note.createdAt;
-                if (note.done)
+                if (note.isDone)
                     note.completedAt = note.createdAt.addSecs(60);
                 if (random.bounded(7) == 0)
-                    note.attachments.push_back({id(QStringLiteral("attachment")),
+                    note.attachments.append({id(QStringLiteral("attachment")),
                         QStringLiteral("Budget %1.pdf").arg(counter),
-                        QStringLiteral("A%1/Budget.pdf").arg(counter)});
-                section.notes.push_back(note);
+                        QStringLiteral("A%1/Budget.pdf").arg(counter), NoteAttachment::Kind::File,
+                        std::nullopt, std::nullopt, note.createdAt});
+                section.notes.append(note);
             }
-            project.sections.push_back(section);
+            project.sections.append(section);
         }
         // At times without an active section, as an older file may be.
         if (random.bounded(4) > 0)
-            project.activeSection
+            project.activeSectionID
                 = project.sections[random.bounded(int(project.sections.size()))].id;
-        library.projects.push_back(project);
+        library.projects.append(project);
     }
-    library.activeProject = library.projects[random.bounded(int(library.projects.size()))].id;
+    library.activeProjectID = library.projects[random.bounded(int(library.projects.size()))].id;
     return library;
 }
 
@@ -1273,24 +1221,24 @@ struct Failure
 class Run
 {
 public:
-    explicit Run(const MLibrary &initial)
-        : m_initial(initial)
+    explicit Run(const Library &initial)
+        : m_initial(modelOf(initial))
     {
         m_fixture.preferences().setLibraryPath(m_folder.filePath(QStringLiteral("Library.json")));
         m_fixture.preferences().setShowCompleted(true);
         m_fixture.preferences().setNewestFirst(false);
         m_fixture.preferences().setMoveDoneToBottom(false);
-        m_model.lib = initial;
+        m_model.lib = m_initial;
         for (const QUuid &id : m_model.allNoteIDs())
             m_known.insert(id);
-        for (const MProject &p : initial.projects) {
+        for (const MProject &p : m_initial.projects) {
             m_known.insert(p.id);
             for (const MSection &s : p.sections)
                 m_known.insert(s.id);
         }
         // Set after construction, so that the repair at load leaves it as made.
         m_store = &m_fixture.make(makeDefaultLibrary());
-        m_store->setLibrary(libraryOf(initial));
+        m_store->setLibrary(initial);
         m_store->refreshAfterMutation();
         m_baseRevision = m_store->libraryRevision();
         QCoreApplication::processEvents();
@@ -1884,7 +1832,7 @@ private:
 };
 
 //! The shortest sequence found that still fails, by removing runs of steps.
-std::vector<Op> shrink(const MLibrary &initial, std::vector<Op> ops, Failure &failure)
+std::vector<Op> shrink(const Library &initial, std::vector<Op> ops, Failure &failure)
 {
     int replays = 0;
     for (size_t chunk = std::max<size_t>(ops.size() / 2, 1); chunk >= 1 && replays < 400;
@@ -1939,7 +1887,7 @@ void StoreModelTest::storeFollowsTheModel()
     QFETCH(quint32, seed);
     QFETCH(int, steps);
     QRandomGenerator random(seed);
-    const MLibrary initial = randomLibrary(random);
+    const Library initial = randomLibrary(random);
     std::vector<Op> ops;
     for (int i = 0; i < steps; ++i)
         ops.push_back(randomOp(random));

@@ -76,14 +76,11 @@ try {
     listed = await client.callTool({ name: "list_notes", arguments: { section: "Agents", includeDone: true } });
     assert.match(text(listed), /- \[x\] Review the agent's plan/);
 
-    // Bad input is a tool error with a clear text, and changes nothing.
+    // Bad input is a tool error with a clear text, and changes nothing: refused
+    // by the running Vesko or by the server itself (every case: tst_commandline).
     await expectToolError(client, "set_done", { ids: ["not-an-id"], done: true }, /No note has the id “not-an-id”/);
-    await expectToolError(client, "set_done", { ids: [id] }, /“done”/);
-    await expectToolError(client, "add_note", { text: "   " }, /blank/);
     await expectToolError(client, "add_note", { text: "x", project: "Nowhere" }, /no project named “Nowhere”/);
     await expectToolError(client, "add_note", { text: 42 }, /“text” must be a string/);
-    await expectToolError(client, "add_note", { text: "x", path: "/etc/passwd" }, /Unknown argument “path”/);
-    await expectToolError(client, "list_notes", { section: "Nowhere" }, /no section titled “Nowhere”/);
     // An unknown tool is the protocol's error, not a tool's result.
     await assert.rejects(client.callTool({ name: "delete_everything", arguments: {} }),
         (error) => error.code === -32602 && /Unknown tool/.test(error.message));
