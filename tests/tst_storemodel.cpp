@@ -1777,6 +1777,21 @@ private:
         if (rows != m_model.rows())
             return QStringLiteral("the rows differ.\nexpected:\n%1\nactual:\n%2")
                 .arg(dump(m_model.rows()), dump(rows));
+        // The Store patches its rows from change to change; every field of
+        // every row must be what a whole derivation gives.
+        const Preferences &preferences = m_fixture.preferences();
+        const RowOptions options {preferences.showCompleted(), preferences.newestFirst(),
+            preferences.moveDoneToBottom(), store.isSearching()};
+        const QList<PanelRow> derived = derivePanelRows(activeProject(store.library()), options,
+            store.isSearching() ? std::optional(store.currentMatches()) : std::nullopt);
+        if (store.rows() != derived)
+            return QStringLiteral("the rows differ from a whole derivation:\n%1")
+                .arg(dump(rowsOf(derived)));
+        for (const PanelRow &row : derived) {
+            const qsizetype index = store.rowIndex(row.id());
+            if (index < 0 || store.rows().at(index).id() != row.id())
+                return QStringLiteral("the row index misplaces %1").arg(row.id().toString());
+        }
         if (store.selection() != m_model.selection)
             return QStringLiteral("the selections differ: %1 notes expected, %2 selected")
                 .arg(m_model.selection.size())

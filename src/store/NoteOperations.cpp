@@ -90,7 +90,7 @@ QList<Note> Store::visibleNotesAmong(const QList<QUuid> &ids) const
 {
     const QSet<QUuid> wanted = idSet(ids);
     QList<Note> notes;
-    for (const PanelRow &row : m_rows) {
+    for (const PanelRow &row : m_rows.rows()) {
         if (row.isNote() && wanted.contains(row.note().id))
             notes.append(row.note());
     }
@@ -163,7 +163,12 @@ std::optional<Note> Store::addNoteToProject(
 void Store::updateNote(const QUuid &id, const QString &text)
 {
     const QString cleaned = trimmed(text);
-    const std::optional<Note> existing = note(id);
+    // One look-up for the check and the change: at a million notes it is a
+    // walk over half the library.
+    const std::optional<LibraryPosition> at = locateNote(m_library, id);
+    const Note *existing = at
+        ? &m_library.projects.at(at->project).sections.at(at->section).notes.at(at->note)
+        : nullptr;
     if (existing && existing->text == cleaned)
         return;
 
@@ -174,9 +179,10 @@ void Store::updateNote(const QUuid &id, const QString &text)
         commit();
         return;
     }
-    if (Note *target = findNote(id)) {
-        target->text = cleaned;
-        target->updatedAt = currentDate();
+    if (at) {
+        Note &target = m_library.projects[at->project].sections[at->section].notes[at->note];
+        target.text = cleaned;
+        target.updatedAt = currentDate();
     }
     commit();
 }

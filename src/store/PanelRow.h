@@ -70,6 +70,8 @@ struct RowOptions
     bool moveDoneToBottom = false;
     //! The search text is not blank. Only with it do matches count.
     bool isSearching = false;
+
+    bool operator==(const RowOptions &) const = default;
 };
 
 //! The rows of \a project (none without one) for \a options and \a matches.
@@ -80,3 +82,7 @@ QList<PanelRow> derivePanelRows(
 QList<Note> visibleNotes(const QList<PanelRow> &rows);
 
 } // namespace Vesko
+
+// Rows hold Qt's implicitly shared values, std::optional and std::variant,
+// none of which points into itself: a splice of the rows moves their bytes.
+Q_DECLARE_TYPEINFO(Vesko::PanelRow, Q_RELOCATABLE_TYPE);

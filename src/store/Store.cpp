@@ -190,7 +190,7 @@ bool Store::isSearching() const
 
 QList<Note> Store::visibleNotes() const
 {
-    return Vesko::visibleNotes(m_rows);
+    return Vesko::visibleNotes(m_rows.rows());
 }
 
 // -- the road of a change ------------------------------------------------------
@@ -272,7 +272,7 @@ void Store::rebuildRows(const std::optional<SearchMatches> &matches)
     options.newestFirst = m_preferences.newestFirst();
     options.moveDoneToBottom = m_preferences.moveDoneToBottom();
     options.isSearching = isSearching();
-    m_rows = derivePanelRows(Vesko::activeProject(m_library), options, matches);
+    m_lastRowChange = m_rows.update(Vesko::activeProject(m_library), options, matches);
     Q_EMIT rowsChanged();
 }
 

@@ -15,6 +15,7 @@
 #include "search/SearchIndex.h"
 #include "search/SearchMatches.h"
 #include "store/PanelRow.h"
+#include "store/PanelRowList.h"
 
 #include <QObject>
 #include <QPointer>
@@ -86,7 +87,12 @@ public:
     //! The text of the search field; a change searches the active project
     //! after a short pause, and clearing it shows every row at once.
     void setSearchText(const QString &text);
-    const QList<PanelRow> &rows() const { return m_rows; }
+    const QList<PanelRow> &rows() const { return m_rows.rows(); }
+    //! The rows the last change of rows() replaced, for views that follow
+    //! them without taking in every row again.
+    PanelRowChange lastRowChange() const { return m_lastRowChange; }
+    //! The index in rows() of the row \a id, or -1.
+    qsizetype rowIndex(const QUuid &id) const { return m_rows.indexOf(id); }
     QSet<QUuid> selection() const { return m_selection; }
     std::optional<QUuid> selectionAnchor() const { return m_selectionAnchor; }
     std::optional<QUuid> editingNoteID() const { return m_editingNoteID; }
@@ -381,7 +387,8 @@ private:
 
     Library m_library;
     QString m_searchText;
-    QList<PanelRow> m_rows;
+    PanelRowList m_rows;
+    PanelRowChange m_lastRowChange;
     QSet<QUuid> m_selection;
     std::optional<QUuid> m_selectionAnchor;
     std::optional<QUuid> m_editingNoteID;

@@ -25,8 +25,8 @@ QList<QUuid> Store::visibleNoteIDs() const
 {
     // Read from the rows without copying a note.
     QList<QUuid> ids;
-    ids.reserve(m_rows.size());
-    for (const PanelRow &row : m_rows) {
+    ids.reserve(m_rows.rows().size());
+    for (const PanelRow &row : m_rows.rows()) {
         if (row.isNote())
             ids.append(row.note().id);
     }
