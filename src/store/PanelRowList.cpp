@@ -293,3 +293,17 @@ qsizetype PanelRowList::indexOf(const QUuid &id) const
 }
 
 } // namespace Vesko
+
+namespace Vesko {
+
+std::optional<std::pair<qsizetype, qsizetype>> PanelRowList::notePlace(const QUuid &id) const
+{
+    const qsizetype at = indexOf(id);
+    if (at < 0 || !m_rows.at(at).isNote())
+        return std::nullopt;
+    const Place place = m_index.value(id);
+    const Section &section = m_sections[size_t(place.section)];
+    return std::make_pair(place.section, section.order[size_t(place.offset - 1)]);
+}
+
+} // namespace Vesko

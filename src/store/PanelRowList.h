@@ -47,6 +47,11 @@ public:
     //! the sections' rows indexes them again.
     qsizetype indexOf(const QUuid &id) const;
 
+    //! Where the note of the row \a id stood in the project at the last
+    //! update: the index of its section and its index there; none when it
+    //! has no row. The caller checks that the place still holds it.
+    std::optional<std::pair<qsizetype, qsizetype>> notePlace(const QUuid &id) const;
+
 private:
     //! What the rows of one section were made from.
     struct Section

@@ -15,6 +15,7 @@
 #include "search/SearchIndex.h"
 #include "search/SearchMatches.h"
 #include "store/PanelRow.h"
+#include "store/LibraryPosition.h"
 #include "store/PanelRowList.h"
 
 #include <QObject>
@@ -364,6 +365,8 @@ private:
     void finishLibraryMove(const QString &failure);
     //! The ids of the note rows, in row order.
     QList<QUuid> visibleNoteIDs() const;
+    //! The index in the rows of the note row \a id, or -1.
+    qsizetype noteRowIndex(const QUuid &id) const;
     //! Ends a search without rebuilding the rows; for operations that commit next.
     void clearSearchText();
     //! The visible notes whose ids are among \a ids, in row order.
@@ -373,6 +376,9 @@ private:
     //! Removes notes from every section of every project, and nothing else;
     //! the attachment records of the removed notes go to \a removedAttachments.
     void stripNotes(const QSet<QUuid> &ids, QList<NoteAttachment> *removedAttachments = nullptr);
+    //! Where the note \a id lies: first where the rows last saw it, when it
+    //! is still there, else by a walk over the library. Note ids are unique.
+    std::optional<LibraryPosition> locateNote(const QUuid &id) const;
     NoteSection *findSection(const QUuid &id);
     Note *findNote(const QUuid &id);
     //! Undo and redo: the last state of \a from becomes the library, the present one goes to \a to.
