@@ -1290,6 +1290,21 @@ public:
         }
         // Set after construction, so that the repair at load leaves it as made.
         m_store = &m_fixture.make(makeDefaultLibrary());
+        // The list follows the rows through the span each change reports:
+        // the old rows with that span replaced must be the new rows.
+        m_lastRows = m_store->rows();
+        QObject::connect(m_store, &Store::rowsChanged, m_store, [this] {
+            const PanelRowChange change = m_store->lastRowChange();
+            QList<PanelRow> spliced = m_lastRows.mid(0, change.first);
+            spliced += m_store->rows().mid(change.first, change.inserted);
+            spliced += m_lastRows.mid(change.first + change.removed);
+            if (spliced != m_store->rows() && !m_spliceFailure)
+                m_spliceFailure = QStringLiteral("a change reported rows %1 + %2 for %3")
+                                      .arg(change.first)
+                                      .arg(change.inserted)
+                                      .arg(change.removed);
+            m_lastRows = m_store->rows();
+        });
         m_store->setLibrary(libraryOf(initial));
         m_store->refreshAfterMutation();
         m_baseRevision = m_store->libraryRevision();
@@ -1787,6 +1802,8 @@ private:
         if (store.rows() != derived)
             return QStringLiteral("the rows differ from a whole derivation:\n%1")
                 .arg(dump(rowsOf(derived)));
+        if (m_spliceFailure)
+            return *m_spliceFailure;
         for (const PanelRow &row : derived) {
             const qsizetype index = store.rowIndex(row.id());
             if (index < 0 || store.rows().at(index).id() != row.id())
@@ -1891,6 +1908,8 @@ private:
     MLibrary m_initial;
     Model m_model;
     Store *m_store = nullptr;
+    QList<PanelRow> m_lastRows;
+    std::optional<QString> m_spliceFailure;
     quint64 m_baseRevision = 0;
     QSet<QUuid> m_known;
     int m_attachmentCounter = 0;
