@@ -71,7 +71,8 @@ void BM_RebuildRows(benchmark::State &state)
     Store &store = panel().store;
     // The rows derived whole.
     for (auto _ : state)
-        benchmark::DoNotOptimize(derivePanelRows(Vesko::activeProject(store.library()), {}, std::nullopt));
+        benchmark::DoNotOptimize(
+            derivePanelRows(Vesko::activeProject(store.library()), {}, std::nullopt));
     state.counters["rows"] = double(store.rows().size());
 }
 

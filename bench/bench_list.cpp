@@ -114,7 +114,10 @@ void BM_RebuildRows(benchmark::State &state)
     // The Store's work alone: nobody hears of the new rows.
     Bench &b = bench();
     const QSignalBlocker quiet(&b.store);
-    measure(state, [&] { benchmark::DoNotOptimize(derivePanelRows(Vesko::activeProject(b.store.library()), {}, std::nullopt)); });
+    measure(state, [&] {
+        benchmark::DoNotOptimize(
+            derivePanelRows(Vesko::activeProject(b.store.library()), {}, std::nullopt));
+    });
 }
 
 void BM_RebuildRowsWithList(benchmark::State &state)

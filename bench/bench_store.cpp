@@ -128,7 +128,8 @@ void BM_RebuildRows(benchmark::State &state)
         {*fixture().preferences, *fixture().writer, *fixture().attachments,
             *fixture().searchIndex});
     for (auto _ : state)
-        benchmark::DoNotOptimize(derivePanelRows(Vesko::activeProject(store.library()), {}, std::nullopt));
+        benchmark::DoNotOptimize(
+            derivePanelRows(Vesko::activeProject(store.library()), {}, std::nullopt));
     state.counters["rows"] = double(store.rows().size());
 }
 
@@ -225,7 +226,8 @@ void BM_RebuildRowsLargeProject(benchmark::State &state)
             *fixture().largeSelectionIndex});
     // The rows derived whole, as every change derived them before they were patched.
     for (auto _ : state)
-        benchmark::DoNotOptimize(derivePanelRows(Vesko::activeProject(store.library()), {}, std::nullopt));
+        benchmark::DoNotOptimize(
+            derivePanelRows(Vesko::activeProject(store.library()), {}, std::nullopt));
     state.counters["rows"] = double(store.rows().size());
 }
 

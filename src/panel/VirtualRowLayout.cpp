@@ -22,7 +22,8 @@ void VirtualRowLayout::replaceHeights(int first, int removed, std::vector<int> h
     if (size_t(removed) > common)
         m_heights.erase(at + qsizetype(common), at + removed);
     else
-        m_heights.insert(at + qsizetype(common), heights.cbegin() + qsizetype(common), heights.cend());
+        m_heights.insert(
+            at + qsizetype(common), heights.cbegin() + qsizetype(common), heights.cend());
     m_tops.resize(m_heights.size() + 1);
     computeTopsFrom(size_t(first));
 }

@@ -162,7 +162,8 @@ PanelRowChange PanelRowList::rebuild(const Project *project)
     return {0, oldCount, m_rows.size()};
 }
 
-PanelRowChange PanelRowList::patchSection(Section &cached, const NoteSection &section, bool isActive)
+PanelRowChange PanelRowList::patchSection(
+    Section &cached, const NoteSection &section, bool isActive)
 {
     const bool notesSame = sameList(cached.source.notes, section.notes);
     if (notesSame && section.title == cached.source.title
@@ -173,7 +174,8 @@ PanelRowChange PanelRowList::patchSection(Section &cached, const NoteSection &se
 
     int remaining = cached.header.remainingCount;
     std::vector<qsizetype> order = notesSame ? cached.order : filteredOrder(section, &remaining);
-    const PanelSectionRow header {section.id, section.title, section.isCollapsed, remaining, isActive};
+    const PanelSectionRow header {
+        section.id, section.title, section.isCollapsed, remaining, isActive};
     const bool present = !(m_options.isSearching && order.empty());
     const bool shown = m_options.isSearching || !section.isCollapsed;
     const bool wasShown = m_options.isSearching || !cached.source.isCollapsed;

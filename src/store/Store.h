@@ -14,8 +14,8 @@
 #include "library/LibraryFile.h"
 #include "search/SearchIndex.h"
 #include "search/SearchMatches.h"
-#include "store/PanelRow.h"
 #include "store/LibraryPosition.h"
+#include "store/PanelRow.h"
 #include "store/PanelRowList.h"
 
 #include <QObject>
