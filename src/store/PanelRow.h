@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The flat list the panel shows: a header row for each section of the active
-// project and a row for each note shown under it. The list is derived whole
-// from the library, the search state and three preferences.
+// project and a row for each note shown under it, a function of the project,
+// the search state and three preferences. derivePanelRows() makes the list
+// whole; the Store keeps it up to date by patching (PanelRowList).
 
 #pragma once
 
