@@ -11,12 +11,12 @@
 #include "capture/CaptureEngine.h"
 #include "capture/KeyCombo.h"
 #include "library/Library.h"
-#include "panel/NoteWindowManager.h"
-#include "panel/PanelCommands.h"
-#include "panel/PanelController.h"
-#include "panel/PanelRootView.h"
-#include "panel/PanelState.h"
-#include "panel/ShortcutSheetView.h"
+#include "panel/layers/ShortcutSheetView.h"
+#include "panel/notewindow/NoteWindowManager.h"
+#include "panel/window/PanelCommands.h"
+#include "panel/window/PanelController.h"
+#include "panel/window/PanelRootView.h"
+#include "panel/window/PanelState.h"
 #include "platform/ExitHook.h"
 #include "platform/Logging.h"
 #include "platform/TerminationSignals.h"
@@ -273,6 +273,7 @@ int main(int argc, char *argv[])
         {QStringLiteral("copy-list"),
             [&capture] { capture.engine().handleHotKey(HotKeyAction::CopySelectionAsList); }},
         {QStringLiteral("shift"), [&capture] { capture.shiftTapped(); }},
+        {QStringLiteral("shift-press"), [&capture] { capture.shiftPressed(); }},
         {QStringLiteral("quit"), [&quitGuard] { quitGuard.requestQuit(); }},
     });
     instance.setRequestHandler([&requests](const QByteArray &line, auto answer) {

@@ -9,9 +9,9 @@
 #include "PanelBench.h"
 #include "TestEnvironment.h"
 
-#include "panel/ComposerView.h"
-#include "panel/NativeInlineTextField.h"
-#include "panel/PanelRootView.h"
+#include "panel/text/ComposerView.h"
+#include "panel/text/NativeInlineTextField.h"
+#include "panel/window/PanelRootView.h"
 #include "platform/SpellChecker.h"
 
 #include <QApplication>

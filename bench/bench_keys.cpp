@@ -14,7 +14,7 @@
 
 #include "PanelBench.h"
 
-#include "panel/PanelRootView.h"
+#include "panel/window/PanelRootView.h"
 
 #include <QApplication>
 #include <QSignalBlocker>

@@ -19,9 +19,9 @@
 #include "PanelBench.h"
 #include "SilentAttachmentActions.h"
 
-#include "panel/NativeInlineTextField.h"
-#include "panel/NoteRowView.h"
-#include "panel/SectionHeaderView.h"
+#include "panel/list/NoteRowView.h"
+#include "panel/list/SectionHeaderView.h"
+#include "panel/text/NativeInlineTextField.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -8,8 +8,8 @@
 #include "RatioReporter.h"
 #include "TestEnvironment.h"
 
-#include "panel/PanelController.h"
-#include "panel/PanelState.h"
+#include "panel/window/PanelController.h"
+#include "panel/window/PanelState.h"
 #include "shell/Preferences.h"
 #include "store/Store.h"
 

@@ -33,6 +33,9 @@ packages=(
     # a real headless Wayland compositor for the capture tests, with a
     # terminal as the front window, a virtual keyboard and the selections
     sway foot wtype wl-clipboard
+    # GNOME's compositor, run headless by the capture tests: no data control,
+    # the primary selection only for the client with the focus
+    mutter
     # a GTK application whose frame the accessibility bus names as the one in front
     gir1.2-gtk-3.0
     # desktop-file-validate checks the desktop entry in the tests

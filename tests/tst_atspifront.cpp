@@ -5,17 +5,23 @@
 // private X session (tests/x-session.sh, dbus-run-session): the desktop
 // entry that the program's start or its name finds, the frame's title; an
 // application that stopped answering costs a bounded wait, and the next
-// read still works.
+// read still works; a bus out of reach at first is found by a later capture;
+// the reader's end waits for no read under way.
 
 #include "TestEnvironment.h"
 
+#include "platform/SerialQueue.h"
 #include "platform/atspi/AtspiFrontApplication.h"
 #include "platform/atspi/ProcessLaunch.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QSemaphore>
 
+#include <atomic>
 #include <csignal>
 
 using namespace Vesko;
@@ -74,10 +80,12 @@ struct Answer
 
 //! The answer, waited for at most \a bound: well beyond the second a read
 //! may take, far below the default D-Bus time-out of 25 s.
-Answer ask(AtspiFrontApplication &accessibility, int bound = 10000)
+Answer ask(AtspiFrontApplication &accessibility, int bound = 10000,
+    void (AtspiFrontApplication::*read)(AtspiFrontApplication::Done)
+    = &AtspiFrontApplication::frontApplication)
 {
     auto answer = std::make_shared<Answer>();
-    accessibility.frontApplication([answer](std::optional<FrontApplication> front) {
+    (accessibility.*read)([answer](std::optional<FrontApplication> front) {
         answer->front = std::move(front);
         answer->answered = true;
     });
@@ -186,6 +194,55 @@ private Q_SLOTS:
         QVERIFY(answer.front);
         QCOMPARE(answer.front->name, QStringLiteral("Test Notes"));
         behind.signal(SIGCONT);
+    }
+
+    void busFoundAfterAnEarlyFailure()
+    {
+        const QDBusMessage reply = QDBusConnection::sessionBus().call(
+            QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"),
+                QStringLiteral("/org/a11y/bus"), QStringLiteral("org.a11y.Bus"),
+                QStringLiteral("GetAddress")));
+        const QString address = reply.arguments().value(0).toString();
+        QVERIFY(!address.isEmpty());
+        Frame frame(QStringLiteral("vesko-test-notes"), QStringLiteral("Found Later"));
+        QVERIFY(frame.isActive());
+        const auto forCapture = &AtspiFrontApplication::frontApplicationOrUnknown;
+
+        // Out of reach as Vesko starts: the capture goes on under "Unknown".
+        qputenv("AT_SPI_BUS_ADDRESS", "unix:path=/nonexistent/vesko-test-bus");
+        AtspiFrontApplication early;
+        const Answer unknown = ask(early, 10000, forCapture);
+        QVERIFY(unknown.answered && unknown.front);
+        QCOMPARE(unknown.front->name, QString());
+        QVERIFY(!early.isAvailable());
+
+        // Up by the next capture, which finds it.
+        qputenv("AT_SPI_BUS_ADDRESS", address.toUtf8());
+        const Answer found = ask(early, 10000, forCapture);
+        qunsetenv("AT_SPI_BUS_ADDRESS");
+        QVERIFY(found.answered && found.front);
+        QCOMPARE(found.front->windowTitle, QStringLiteral("Found Later"));
+        QVERIFY(early.isAvailable());
+    }
+
+    // The reader's thread is never waited for at the end: a job still
+    // waiting on an application runs on after its queue is gone.
+    void endWaitsForNoJob()
+    {
+        QSemaphore released;
+        std::atomic_bool releasedInTime = false;
+        std::atomic_bool ran = false;
+        {
+            SerialQueue queue(QStringLiteral("vesko-test-end"), QThread::InheritPriority,
+                SerialQueue::End::Detached);
+            queue.async([&] {
+                releasedInTime = released.tryAcquire(1, 20000);
+                ran = true;
+            });
+        }
+        released.release();
+        QTRY_VERIFY_WITH_TIMEOUT(ran, 30000);
+        QVERIFY(releasedInTime);
     }
 
     void unitNames_data()

@@ -174,6 +174,7 @@ QString AttachmentActionsTest::makeSource(const QString &name)
 
 void AttachmentActionsTest::toasts_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("entry"); // add, paste, drop
     QTest::addColumn<QString>("offered"); // file, missing, image, nothing
     QTest::addColumn<int>("attached");
@@ -181,28 +182,20 @@ void AttachmentActionsTest::toasts_data()
     QTest::addColumn<QString>("symbol");
 
     const QString warning = QStringLiteral("exclamationmark.triangle");
-    QTest::newRow("add: success is silent") << "add"
-                                            << "file" << 1 << ""
-                                            << "";
+    QTest::newRow("add: success is silent") << "add" << "file" << 1 << "" << "";
     QTest::newRow("add: failure") << "add"
                                   << "missing" << 0 << "Could Not Add Attachment" << warning;
-    QTest::newRow("paste a file") << "paste"
-                                  << "file" << 1 << ""
-                                  << "";
-    QTest::newRow("paste an image") << "paste"
-                                    << "image" << 1 << ""
-                                    << "";
-    QTest::newRow("paste a file that went")
-        << "paste"
+    QTest::newRow("paste a file") << "paste" << "file" << 1 << "" << "";
+    QTest::newRow("paste an image") << "paste" << "image" << 1 << "" << "";
+    QTest::newRow("paste a file that went") << "paste"
         << "missing" << 0 << "Could Not Paste Attachment" << warning;
     QTest::newRow("paste with nothing usable") << "paste"
                                                << "nothing" << 0 << "No Image or File to Paste"
                                                << "clipboard";
-    QTest::newRow("drop: success") << "drop"
-                                   << "file" << 1 << "Attachment Added"
-                                   << "paperclip";
+    QTest::newRow("drop: success") << "drop" << "file" << 1 << "Attachment Added" << "paperclip";
     QTest::newRow("drop: failure") << "drop"
                                    << "missing" << 0 << "Could Not Add Attachment" << warning;
+    // clang-format on
 }
 
 void AttachmentActionsTest::toasts()

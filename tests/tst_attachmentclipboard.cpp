@@ -5,17 +5,16 @@
 // several formats at once, takes the clipboard and never answers, or
 // answers late.
 
+#include "ProgramSession.h"
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
 
 #include "attachments/AttachmentActions.h"
 #include "library/LibraryFile.h"
-#include "library/LibraryWriter.h"
 #include "platform/DesktopFiles.h"
 #include "platform/FileChooser.h"
 #include "platform/qt/QtPasteboardReader.h"
 #include "platform/x11/X11ClipboardReader.h"
-#include "shell/Preferences.h"
-#include "store/Store.h"
 
 #include <QBuffer>
 #include <QClipboard>
@@ -327,17 +326,14 @@ void AttachmentClipboardTest::nothingUsable()
     QVERIFY(content->isEmpty());
 
     // What the user sees, through the actions on a real Store.
-    Preferences::openSettings()->clear();
-    Preferences preferences;
-    LibraryWriter writer;
-    AttachmentStore files;
-    SearchIndex searchIndex(m_scratch->filePath(QStringLiteral("index.sqlite")));
-    Store store(makeDefaultLibrary(), {preferences, writer, files, searchIndex});
+    Test::StoreFixture fixture;
+    Store &store = fixture.make(makeDefaultLibrary());
     const QUuid noteID = store.addNote(QStringLiteral("target"))->id;
     NoChooser chooser;
     NoDesktop desktop;
     RecordingFeedback feedback;
-    AttachmentActions actions({store, files, chooser, *m_reader, desktop, feedback});
+    AttachmentActions actions(
+        {store, fixture.attachments(), chooser, *m_reader, desktop, feedback});
     actions.pasteIntoNote(noteID);
     QVERIFY(QTest::qWaitFor([&] { return !feedback.toasts.isEmpty(); }, 20000));
     QCOMPARE(feedback.toasts, QStringList {QStringLiteral("No Image or File to Paste|clipboard")});
@@ -435,18 +431,14 @@ void AttachmentClipboardTest::pasteEndsOnDiskAndInTheLibrary()
             writeScratch(QStringLiteral("list"), QUrl::fromLocalFile(file).toEncoded() + "\r\n")));
     }
 
-    Preferences::openSettings()->clear();
-    QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
-    Preferences preferences;
-    LibraryWriter writer;
-    AttachmentStore files;
-    SearchIndex searchIndex(m_scratch->filePath(QStringLiteral("index.sqlite")));
-    Store store(makeDefaultLibrary(), {preferences, writer, files, searchIndex});
+    Test::StoreFixture fixture;
+    Store &store = fixture.make(makeDefaultLibrary());
     const QUuid noteID = store.addNote(QStringLiteral("target"))->id;
     NoChooser chooser;
     NoDesktop desktop;
     RecordingFeedback feedback;
-    AttachmentActions actions({store, files, chooser, *m_reader, desktop, feedback});
+    AttachmentActions actions(
+        {store, fixture.attachments(), chooser, *m_reader, desktop, feedback});
     actions.pasteIntoNote(noteID);
     QVERIFY(QTest::qWaitFor([&] { return !store.note(noteID)->attachments.isEmpty(); }, 20000));
     QVERIFY(feedback.toasts.isEmpty());
@@ -459,13 +451,11 @@ void AttachmentClipboardTest::pasteEndsOnDiskAndInTheLibrary()
 
     // And in the library file, once written.
     store.flushSave();
-    const Library library = loadLibrary(libraryURL());
     QList<NoteAttachment> saved;
-    for (const Project &project : library.projects)
-        for (const NoteSection &section : project.sections)
-            for (const Note &note : section.notes)
-                if (note.id == noteID)
-                    saved = note.attachments;
+    for (const Note &note : Test::allNotes(loadLibrary(libraryURL()))) {
+        if (note.id == noteID)
+            saved = note.attachments;
+    }
     // The file keeps dates to the second.
     NoteAttachment expected = attachment;
     expected.createdAt

@@ -6,6 +6,7 @@
 // acting on a real Store, the pending strip as a screen reader meets it, the
 // file dialog that blocks no window, and the composer's import with its toast.
 
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
 
 #include "attachments/AttachmentActions.h"
@@ -17,13 +18,10 @@
 #include "attachments/PendingAttachmentStrip.h"
 #include "attachments/ThumbnailCache.h"
 #include "library/LibraryFile.h"
-#include "library/LibraryWriter.h"
-#include "panel/PanelCommands.h"
+#include "panel/window/PanelCommands.h"
 #include "platform/DesktopFiles.h"
 #include "platform/Pasteboard.h"
-#include "shell/Preferences.h"
 #include "shell/Toast.h"
-#include "store/Store.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -129,11 +127,9 @@ private:
     QString writeBytes(const QString &storedFileName, const QByteArray &bytes);
 
     QString m_folder;
-    std::unique_ptr<Preferences> m_preferences;
-    std::unique_ptr<LibraryWriter> m_writer;
-    std::unique_ptr<AttachmentStore> m_files;
-    std::unique_ptr<SearchIndex> m_searchIndex;
-    std::unique_ptr<Store> m_store;
+    std::unique_ptr<Test::StoreFixture> m_fixture;
+    Store *m_store = nullptr;
+    AttachmentStore *m_files = nullptr;
     AttachmentFileDialog m_chooser;
     NoPasteboard m_pasteboard;
     RecordingDesktop m_desktop;
@@ -144,16 +140,11 @@ private:
 
 void AttachmentViewsTest::init()
 {
-    Preferences::openSettings()->clear();
-    QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
+    m_fixture = std::make_unique<Test::StoreFixture>();
+    m_store = &m_fixture->make(makeDefaultLibrary());
+    m_files = &m_fixture->attachments();
     m_folder = attachmentsFolder(libraryURL());
     QDir().mkpath(m_folder);
-    m_preferences = std::make_unique<Preferences>();
-    m_writer = std::make_unique<LibraryWriter>();
-    m_files = std::make_unique<AttachmentStore>();
-    m_searchIndex = std::make_unique<SearchIndex>();
-    m_store = std::make_unique<Store>(makeDefaultLibrary(),
-        Store::Services {*m_preferences, *m_writer, *m_files, *m_searchIndex});
     m_desktop = {};
     m_actions = std::make_unique<AttachmentActions>(AttachmentActions::Services {
         *m_store, *m_files, m_chooser, m_pasteboard, m_desktop, m_feedback});
@@ -164,10 +155,7 @@ void AttachmentViewsTest::cleanup()
 {
     m_cache.reset();
     m_actions.reset();
-    m_store.reset();
-    m_files.reset();
-    m_writer.reset();
-    m_searchIndex.reset();
+    m_fixture.reset();
 }
 
 QString AttachmentViewsTest::saveImage(

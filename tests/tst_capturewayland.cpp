@@ -3,10 +3,17 @@
 // Capture on Wayland from the outside, in a private headless sway
 // (tests/sway-session.sh): a foot window's primary selection becomes a note
 // labelled "Foot — TITLE", whether the capture comes from the command line,
-// a sway key binding or two Shift taps the compositor reports; a window
+// a sway key binding, or two Shift taps the compositor reports (through
+// `vesko shift`, or over the bus as KWin calls, where lone taps capture
+// nothing); a window
 // without a primary selection is read through a synthetic copy and the
 // clipboard is put back; a selection owner that never sends, or never stops
-// sending, ends in "Nothing Selected" and Vesko captures again afterwards.
+// sending, ends in "Nothing Selected" and Vesko captures again afterwards,
+// also with data control switched off (the selection then read as the panel
+// takes the focus). In a private headless mutter (tests/mutter-session.sh),
+// GNOME's compositor, without data control: the command line's capture
+// reads the selection as the panel takes the focus, and one over the cap
+// ends in "Nothing Selected".
 // Beside them, without sway: the pipe read those rest on, and data control
 // on a compositor of the test's own that withdraws its globals.
 
@@ -16,9 +23,15 @@
 #include "platform/wayland/WaylandDataControl.h"
 #include "platform/wayland/WaylandGlobals.h"
 #include "platform/wayland/WaylandPipeReader.h"
+#include "shell/CaptureStatus.h"
+#include "platform/wayland/WaylandPrimarySelection.h"
 
 #include "wlr-data-control-unstable-v1-server-protocol.h"
 
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -109,8 +122,9 @@ public:
         setEnvironmentVariable(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland"));
     }
 
-    //! Vesko with the panel kept hidden on capture, the front window staying in front.
-    QProcess *startVesko()
+    //! Vesko with the panel kept hidden on capture, the front window staying
+    //! in front; ready once \a ready holds of it (by default: its panel has sway's focus).
+    QProcess *startVesko(std::function<bool(QProcess *)> ready = {})
     {
         QDir().mkpath(QFileInfo(configPath()).path());
         QFile config(configPath());
@@ -119,7 +133,9 @@ public:
         config.close();
         // Its log is read: a toast is a popup, out of the compositor's tree.
         QProcess *vesko = start(QStringLiteral(VESKO_PATH), {}, QProcess::SeparateChannels);
-        if (!QTest::qWaitFor([] { return focusedWindowIs(QStringLiteral("Vesko")); }, 20000))
+        if (!ready)
+            ready = [](QProcess *) { return focusedWindowIs(QStringLiteral("Vesko")); };
+        if (!QTest::qWaitFor([&] { return ready(vesko); }, 20000))
             return nullptr;
         return vesko;
     }
@@ -153,6 +169,48 @@ public:
 
     QList<Note> notes() const { return Test::allNotes(Test::readLibraryFile(libraryPath())); }
 };
+
+bool ownedOnBus(const QString &name)
+{
+    return QDBusConnection::sessionBus().interface()->isServiceRegistered(name);
+}
+
+//! Gives mutter's seat a keyboard, for as long as this process runs: a
+//! headless mutter has no input device, and without a keyboard no client
+//! gets the focus. Its remote desktop service adds a virtual one.
+bool giveMutterAKeyboard()
+{
+    static bool given = false;
+    if (given)
+        return true;
+    const QString service = QStringLiteral("org.gnome.Mutter.RemoteDesktop");
+    if (!QTest::qWaitFor([&] { return ownedOnBus(service); }, 20000))
+        return false;
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    const QDBusMessage made = bus.call(
+        QDBusMessage::createMethodCall(service, QStringLiteral("/org/gnome/Mutter/RemoteDesktop"),
+            service, QStringLiteral("CreateSession")));
+    if (made.type() != QDBusMessage::ReplyMessage) {
+        qWarning("No remote desktop session: %s", qPrintable(made.errorMessage()));
+        return false;
+    }
+    const QString path = made.arguments().value(0).value<QDBusObjectPath>().path();
+    const auto call = [&](const QString &method, const QList<QVariant> &arguments) {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            service, path, QStringLiteral("org.gnome.Mutter.RemoteDesktop.Session"), method);
+        message.setArguments(arguments);
+        const QDBusMessage reply = bus.call(message);
+        if (reply.type() != QDBusMessage::ReplyMessage)
+            qWarning("%s: %s", qPrintable(method), qPrintable(reply.errorMessage()));
+        return reply.type() == QDBusMessage::ReplyMessage;
+    };
+    // The keyboard is made with its first key: a lone Shift, down and up.
+    const uint shift = 0xffe1;
+    given = call(QStringLiteral("Start"), {})
+        && call(QStringLiteral("NotifyKeyboardKeysym"), {shift, true})
+        && call(QStringLiteral("NotifyKeyboardKeysym"), {shift, false});
+    return given;
+}
 
 //! A compositor of the test's own, on a thread: a seat and data control
 //! (version 2), each withdrawn and offered again on request. Its data
@@ -299,21 +357,35 @@ private Q_SLOTS:
     void misbehavingOwner();
     void compositorWithdrawsGlobal_data();
     void compositorWithdrawsGlobal();
+    void captureOnPanelFocus_data();
+    void captureOnPanelFocus();
 
 private:
     //! Skips the test where there is no compositor, with the reason.
     bool needsSway();
+    bool needsMutter();
+    //! Skips unless the session's script started the compositor.
+    bool needsCompositor(const char *unavailable, bool running, const char *hint);
 };
+
+bool CaptureWaylandTest::needsMutter()
+{
+    return needsCompositor("VESKO_MUTTER_UNAVAILABLE", qEnvironmentVariable("VESKO_MUTTER") == u"1",
+        "Needs a mutter session: run through tests/mutter-session.sh");
+}
 
 bool CaptureWaylandTest::needsSway()
 {
-    const QString reason = qEnvironmentVariable("VESKO_SWAY_UNAVAILABLE");
-    if (!reason.isEmpty()) {
-        QTest::qSkip(qPrintable(reason), __FILE__, __LINE__);
-        return false;
-    }
-    if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") || qEnvironmentVariableIsEmpty("SWAYSOCK")) {
-        QTest::qSkip("Needs a sway session: run through tests/sway-session.sh", __FILE__, __LINE__);
+    return needsCompositor("VESKO_SWAY_UNAVAILABLE",
+        !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && !qEnvironmentVariableIsEmpty("SWAYSOCK"),
+        "Needs a sway session: run through tests/sway-session.sh");
+}
+
+bool CaptureWaylandTest::needsCompositor(const char *unavailable, bool running, const char *hint)
+{
+    const QString reason = qEnvironmentVariable(unavailable);
+    if (!reason.isEmpty() || !running) {
+        QTest::qSkip(reason.isEmpty() ? hint : qPrintable(reason), __FILE__, __LINE__);
         return false;
     }
     return true;
@@ -365,6 +437,7 @@ void CaptureWaylandTest::captureFromFoot_data()
     QTest::newRow("command line") << "command";
     QTest::newRow("sway key binding") << "binding";
     QTest::newRow("two Shift taps through sway") << "shift";
+    QTest::newRow("Shift taps over the bus, as KWin calls") << "bus";
 }
 
 void CaptureWaylandTest::captureFromFoot()
@@ -388,6 +461,28 @@ void CaptureWaylandTest::captureFromFoot()
                 QStringLiteral("alt"), QStringLiteral("-k"), QStringLiteral("c"),
                 QStringLiteral("-m"), QStringLiteral("alt"), QStringLiteral("-m"),
                 QStringLiteral("logo")});
+    } else if (trigger == u"bus") {
+        // The call the Capture tab has KWin make on each lone Shift release.
+        const QStringList call = kwinShiftCommands(QStringLiteral("6"))
+                                     .section(u'"', 1, 1)
+                                     .split(u',');
+        QCOMPARE(call.size(), 4);
+        const auto tap = [&call] {
+            QProcess gdbus;
+            gdbus.start(QStringLiteral("gdbus"),
+                {QStringLiteral("call"), QStringLiteral("--session"), QStringLiteral("-d"),
+                    call.at(0), QStringLiteral("-o"), call.at(1), QStringLiteral("-m"),
+                    call.at(2) + u'.' + call.at(3)});
+            return gdbus.waitForFinished(10000) && gdbus.exitCode() == 0;
+        };
+        // Lone taps further apart than the gesture's widest gap capture nothing.
+        for (int lone = 0; lone < 2; ++lone) {
+            QVERIFY(tap());
+            QTest::qWait(1500);
+        }
+        QVERIFY(session.notes().isEmpty());
+        QVERIFY(tap());
+        QVERIFY(tap());
     } else {
         swaymsg({QStringLiteral("bindsym --no-warn --release Shift_L ")
             + session.veskoCommand(QStringLiteral("shift"))});
@@ -436,8 +531,11 @@ void CaptureWaylandTest::copyFallback()
 void CaptureWaylandTest::misbehavingOwner_data()
 {
     QTest::addColumn<QString>("mode");
-    QTest::newRow("never sends") << "silent";
-    QTest::newRow("sends without end") << "flood";
+    QTest::addColumn<bool>("dataControl"); // off: read as the panel takes the focus
+    QTest::newRow("never sends") << "silent" << true;
+    QTest::newRow("sends without end") << "flood" << true;
+    QTest::newRow("never sends, read on the panel's focus") << "silent" << false;
+    QTest::newRow("sends without end, read on the panel's focus") << "flood" << false;
 }
 
 void CaptureWaylandTest::misbehavingOwner()
@@ -445,7 +543,11 @@ void CaptureWaylandTest::misbehavingOwner()
     if (!needsSway())
         return;
     QFETCH(QString, mode);
+    QFETCH(bool, dataControl);
     WaylandCapture session;
+    if (!dataControl)
+        session.setEnvironmentVariable(
+            QStringLiteral("VESKO_WAYLAND_DATA_CONTROL"), QStringLiteral("off"));
     QProcess *vesko = session.startVesko();
     QVERIFY(vesko);
     QVERIFY(session.startFoot(QStringLiteral("idle")));
@@ -510,6 +612,61 @@ void CaptureWaylandTest::compositorWithdrawsGlobal()
         QCOMPARE(wl_display_get_error(display), 0);
     }
     wl_display_disconnect(display);
+}
+
+void CaptureWaylandTest::captureOnPanelFocus_data()
+{
+    QTest::addColumn<QString>("owner");
+    QTest::newRow("selection read") << "sends";
+    QTest::newRow("owner sending more than the cap") << "flood";
+}
+
+void CaptureWaylandTest::captureOnPanelFocus()
+{
+    if (!needsMutter())
+        return;
+    QFETCH(QString, owner);
+    QVERIFY(giveMutterAKeyboard());
+    // The selection first: mutter gives wl-copy's window the focus it needs
+    // to set it while no other window has it. mutter reads the owner's
+    // selection itself and keeps it: an owner that never sends is tried
+    // under sway (misbehavingOwner). The row's selection is in place once
+    // one is offered again after the last row's was cleared.
+    const QString text = QStringLiteral("words selected in an editor");
+    client(QStringLiteral("wl-copy"), {QStringLiteral("--primary"), QStringLiteral("--clear")});
+    client(QStringLiteral("wl-copy"), {QStringLiteral("--primary")},
+        owner == u"flood" ? QByteArray(WaylandPrimarySelection::capBytes + 1, 'x') : text.toUtf8());
+    QTRY_VERIFY_WITH_TIMEOUT(!client(QStringLiteral("wl-paste"),
+                                 {QStringLiteral("--primary"), QStringLiteral("--list-types")})
+                                  .isEmpty(),
+        15000);
+
+    WaylandCapture session;
+    // Ready once capture has started (the log says so), not only the bus name.
+    QByteArray started;
+    QProcess *vesko = session.startVesko([&started](QProcess *vesko) {
+        return (started += vesko->readAllStandardError()).contains("listener started")
+            && ownedOnBus(QStringLiteral("com.vesko.Vesko"));
+    });
+    QVERIFY(vesko);
+
+    QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
+    if (owner == u"sends") {
+        QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 15000);
+        QCOMPARE(session.notes().first().text, text);
+        return;
+    }
+    QByteArray log;
+    QTRY_VERIFY2_WITH_TIMEOUT((log += vesko->readAllStandardError()).contains("Nothing selected"),
+        qPrintable(QString::fromUtf8(log).split(u'\n').filter(u"capture").join(u'\n')), 15000);
+    QCOMPARE(session.notes().size(), 0);
+
+    // Vesko answers, and the next capture takes the next selection.
+    const QString next = QStringLiteral("the next selection");
+    client(QStringLiteral("wl-copy"), {QStringLiteral("--primary")}, next.toUtf8());
+    QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 15000);
+    QCOMPARE(session.notes().first().text, next);
 }
 
 VESKO_TEST_MAIN(CaptureWaylandTest)

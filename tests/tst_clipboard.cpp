@@ -5,19 +5,12 @@
 // large image that comes piecewise (xclip); a slow owner (copy_target) is
 // read without holding the event loop, a silent one ends the snapshot within
 // its bound; an empty clipboard comes back empty, and copies from the Store
-// land as text. The primary selection read as a window takes the focus, as
-// where the compositor offers it to the focused client only: read once the
-// focus came, the window sent back only when it was not on screen before.
+// land as text.
 
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
 
-#include "attachments/AttachmentStore.h"
-#include "library/LibraryWriter.h"
-#include "platform/qt/FocusSelectionReader.h"
 #include "platform/x11/X11Clipboard.h"
-#include "search/SearchIndex.h"
-#include "shell/Preferences.h"
-#include "store/Store.h"
 
 #include <QBuffer>
 #include <QClipboard>
@@ -25,10 +18,8 @@
 #include <QImage>
 #include <QMimeData>
 #include <QProcess>
-#include <QScopeGuard>
 #include <QTemporaryFile>
 #include <QTimer>
-#include <QWindow>
 
 using namespace Vesko;
 
@@ -83,17 +74,6 @@ bool startClipboardOwner(QProcess &owner, const QString &text, int delay)
         && owner.readLine().trimmed() == "owned";
 }
 
-//! What another client reads from the primary selection; nothing without an owner.
-std::optional<QByteArray> primaryText()
-{
-    QProcess xclip;
-    xclip.start(QStringLiteral("xclip"),
-        {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("primary")});
-    if (!xclip.waitForFinished(10000) || xclip.exitCode() != 0)
-        return std::nullopt;
-    return xclip.readAllStandardOutput();
-}
-
 QByteArray pngBytes()
 {
     QImage image(4, 3, QImage::Format_ARGB32);
@@ -124,8 +104,6 @@ private Q_SLOTS:
     void largeImagePiecewise();
     void emptyClipboardRestoresEmpty();
     void storeCopiesLandAsText();
-    void selectionOnFocus_data();
-    void selectionOnFocus();
 };
 
 void ClipboardTest::initTestCase()
@@ -358,12 +336,7 @@ void ClipboardTest::emptyClipboardRestoresEmpty()
 
 void ClipboardTest::storeCopiesLandAsText()
 {
-    Preferences::openSettings()->clear();
-    Preferences preferences;
-    LibraryWriter writer;
-    AttachmentStore attachments;
-    SearchIndex searchIndex(
-        Test::IsolatedEnvironment::current().cacheHome() + QStringLiteral("/clip.sqlite"));
+    Test::StoreFixture fixture;
     Library library = makeDefaultLibrary();
     QList<QUuid> ids;
     for (const char *text : {"alpha", "**beta**\nline"}) {
@@ -373,13 +346,13 @@ void ClipboardTest::storeCopiesLandAsText()
         library.projects[0].sections[0].notes.append(note);
         ids.append(note.id);
     }
-    Store store(library, {preferences, writer, attachments, searchIndex});
+    Store &store = fixture.make(library);
     X11Clipboard clipboard;
 
     QVERIFY(store.copyAsList(ids, clipboard));
     QCOMPARE(
         readWithXclip(QStringLiteral("UTF8_STRING")), QByteArray("1. alpha\n2. **beta**\n   line"));
-    preferences.setCopyIncludesMarkdown(false);
+    fixture.preferences().setCopyIncludesMarkdown(false);
     QVERIFY(store.copyNotes(ids, clipboard));
     QCOMPARE(readWithXclip(QStringLiteral("UTF8_STRING")), QByteArray("alpha\n\nbeta\nline"));
 
@@ -387,70 +360,6 @@ void ClipboardTest::storeCopiesLandAsText()
     QVERIFY(!store.copyAsList({makeID()}, clipboard));
     QVERIFY(!store.copyNotes({}, clipboard));
     QCOMPARE(readWithXclip(QStringLiteral("UTF8_STRING")), QByteArray("alpha\n\nbeta\nline"));
-}
-
-void ClipboardTest::selectionOnFocus_data()
-{
-    QTest::addColumn<bool>("shownBefore");
-    QTest::addColumn<bool>("focusGiven");
-    QTest::addColumn<QString>("selection");
-    QTest::addColumn<QString>("expected"); // null: nothing
-
-    QTest::newRow("hidden window, sent back")
-        << false << true << QStringLiteral("picked words") << QStringLiteral("picked words");
-    QTest::newRow("window on screen stays")
-        << true << true << QStringLiteral("picked words") << QStringLiteral("picked words");
-    QTest::newRow("empty selection") << false << true << QString() << QString();
-    QTest::newRow("focus refused") << false << false << QStringLiteral("picked words") << QString();
-}
-
-void ClipboardTest::selectionOnFocus()
-{
-    QFETCH(bool, shownBefore);
-    QFETCH(bool, focusGiven);
-    QFETCH(QString, selection);
-    QFETCH(QString, expected);
-
-    QProcess owner;
-    owner.start(QStringLiteral("xclip"),
-        {QStringLiteral("-quiet"), QStringLiteral("-selection"), QStringLiteral("primary"),
-            QStringLiteral("-i")});
-    owner.write(selection.toUtf8());
-    owner.closeWriteChannel();
-    const auto stopOwner = qScopeGuard([&owner] {
-        owner.kill();
-        owner.waitForFinished();
-    });
-    QTRY_COMPARE_WITH_TIMEOUT(primaryText(), std::optional(selection.toUtf8()), 10000);
-
-    QWindow panel;
-    panel.resize(240, 120);
-    if (shownBefore) {
-        panel.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&panel));
-    }
-    QTRY_VERIFY(!QGuiApplication::focusWindow());
-
-    bool focusedAtRead = false;
-    FocusSelectionReader reader({[&panel] { return panel.isVisible(); },
-                                    [&panel, focusGiven] {
-                                        if (!focusGiven)
-                                            return;
-                                        panel.show();
-                                        panel.requestActivate();
-                                    },
-                                    [&panel] { panel.hide(); }},
-        [&focusedAtRead, &panel] {
-            focusedAtRead = QGuiApplication::focusWindow() == &panel;
-            return FocusSelectionReader::clipboardSelection();
-        });
-    std::optional<std::optional<QString>> text;
-    reader.read([&text](std::optional<QString> read) { text = std::move(read); });
-    QTRY_VERIFY_WITH_TIMEOUT(text.has_value(), 10000);
-    QCOMPARE(text->has_value(), !expected.isNull());
-    QCOMPARE(text->value_or(QString()), expected);
-    QCOMPARE(focusedAtRead, focusGiven);
-    QCOMPARE(panel.isVisible(), shownBefore);
 }
 
 int main(int argc, char *argv[])

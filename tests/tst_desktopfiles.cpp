@@ -9,7 +9,7 @@
 #include "TestEnvironment.h"
 
 #include "library/LibraryFile.h"
-#include "panel/PanelCommands.h"
+#include "panel/window/PanelCommands.h"
 #include "platform/qt/QtDesktopFiles.h"
 #include "shell/Toast.h"
 

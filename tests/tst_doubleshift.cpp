@@ -2,14 +2,16 @@
 //
 // The double-Shift state machine over recorded event sequences: gaps and
 // holds at their limits, the interval's clamps, spoiling keys and modifiers,
-// and a property: no sequence with another key between the first press and
-// the second release is ever recognised.
+// a property: no sequence with another key between the first press and the
+// second release is ever recognised; and the taps a compositor reports,
+// judged by the same limits.
 
 #include "TestEnvironment.h"
 
 #include "FakeKeyMonitor.h"
 
 #include "capture/DoubleShiftMonitor.h"
+#include "platform/ShiftTaps.h"
 
 #include <QRandomGenerator>
 
@@ -75,6 +77,8 @@ private Q_SLOTS:
     void stopForgetsAPendingTap();
     void noStartWithoutCapture();
     void anyOtherKeyBetweenTheTapsSpoils();
+    void compositorTaps_data();
+    void compositorTaps();
 };
 
 void DoubleShiftTest::limits_data()
@@ -223,6 +227,41 @@ void DoubleShiftTest::anyOtherKeyBetweenTheTapsSpoils()
         }
         QCOMPARE(count, 0);
     }
+}
+
+void DoubleShiftTest::compositorTaps_data()
+{
+    // "p@0" the compositor reports a Shift press at 0 s, "t@0.1" a lone Shift release.
+    QTest::addColumn<QString>("reports");
+    QTest::addColumn<int>("triggers");
+    QTest::newRow("releases alone") << "t@10 t@10.4" << 1;
+    QTest::newRow("first hold 0.65") << "p@10 t@10.65 p@10.7 t@10.8" << 1;
+    QTest::newRow("first hold 0.66") << "p@10 t@10.66 p@10.7 t@10.8" << 0;
+    QTest::newRow("second hold 0.66") << "t@10 p@10.1 t@10.76" << 0;
+    QTest::newRow("the gap ends at the press") << "t@10 p@10.41 t@10.5" << 0;
+    QTest::newRow("a press whose release never came")
+        << "p@10 p@12 t@12.1 p@12.2 t@12.3" << 1;
+}
+
+void DoubleShiftTest::compositorTaps()
+{
+    QFETCH(QString, reports);
+    QFETCH(int, triggers);
+    double now = 0;
+    ShiftTaps taps([&now] { return now; });
+    DoubleShiftMonitor monitor(
+        taps, [] { return 0.4; }, [] { return true; });
+    int count = 0;
+    monitor.onTrigger = [&count] { ++count; };
+    monitor.start();
+    for (const QString &report : reports.split(u' ')) {
+        now = report.section(u'@', 1).toDouble();
+        if (report.startsWith(u'p'))
+            taps.press();
+        else
+            taps.tap();
+    }
+    QCOMPARE(count, triggers);
 }
 
 VESKO_TEST_MAIN(DoubleShiftTest)

@@ -6,8 +6,8 @@
 
 #include "WidgetTestMain.h"
 
-#include "panel/NativeInlineTextField.h"
-#include "panel/SpellCheckHighlighter.h"
+#include "panel/text/NativeInlineTextField.h"
+#include "panel/text/SpellCheckHighlighter.h"
 #include "platform/SpellChecker.h"
 
 #include <QClipboard>
@@ -56,11 +56,6 @@ QStringList markedWords(NativeInlineTextField *field)
             words.append(block.text().mid(range.start, range.length));
     }
     return words;
-}
-
-QTextEdit *editorOf(NativeInlineTextField *field)
-{
-    return field->editor();
 }
 
 } // namespace
@@ -118,9 +113,9 @@ void InlineTextFieldTest::keys()
     QSignalSpy committed(window.field, &NativeInlineTextField::committed);
     QSignalSpy cancelled(window.field, &NativeInlineTextField::cancelled);
     QSignalSpy blurred(window.field, &NativeInlineTextField::blurred);
-    QTest::keyClick(editorOf(window.field), Qt::Key_A);
-    QTest::keyClick(editorOf(window.field), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
-    QTest::keyClick(editorOf(window.field), Qt::Key_B);
+    QTest::keyClick(window.field->editor(), Qt::Key_A);
+    QTest::keyClick(window.field->editor(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+    QTest::keyClick(window.field->editor(), Qt::Key_B);
     QCOMPARE(window.field->text(), text);
     QCOMPARE(committed.size(), commits);
     QCOMPARE(cancelled.size(), cancels);
@@ -151,7 +146,7 @@ void InlineTextFieldTest::blurOnlyWhenLeftOtherwise()
     Window window;
     window.field->setResignsOnCommit(resignsOnCommit);
     window.field->setFocus();
-    QVERIFY(editorOf(window.field)->hasFocus());
+    QVERIFY(window.field->editor()->hasFocus());
     QSignalSpy blurred(window.field, &NativeInlineTextField::blurred);
     QSignalSpy focus(window.field, &NativeInlineTextField::focusChanged);
 
@@ -159,9 +154,9 @@ void InlineTextFieldTest::blurOnlyWhenLeftOtherwise()
         QTest::mouseClick(window.other, Qt::LeftButton);
         window.other->setFocus(Qt::MouseFocusReason);
     } else if (how == QLatin1String("return")) {
-        QTest::keyClick(editorOf(window.field), Qt::Key_Return);
+        QTest::keyClick(window.field->editor(), Qt::Key_Return);
     } else if (how == QLatin1String("escape")) {
-        QTest::keyClick(editorOf(window.field), Qt::Key_Escape);
+        QTest::keyClick(window.field->editor(), Qt::Key_Escape);
     } else {
         QMenu menu;
         menu.addAction(QStringLiteral("Entry"));
@@ -170,7 +165,7 @@ void InlineTextFieldTest::blurOnlyWhenLeftOtherwise()
         QApplication::setActiveWindow(&window.widget);
     }
     QCOMPARE(blurred.size(), blurs);
-    QCOMPARE(editorOf(window.field)->hasFocus(), keepsFocus);
+    QCOMPARE(window.field->editor()->hasFocus(), keepsFocus);
     // Every end of the editing is reported as a focus change, a blur or not.
     if (!keepsFocus)
         QCOMPARE(focus.last().first().toBool(), false);
@@ -187,9 +182,9 @@ void InlineTextFieldTest::growsThenScrolls()
     QCOMPARE(window.field->height(), window.field->lineHeight());
 
     window.field->setFocus();
-    QTest::keyClick(editorOf(window.field), Qt::Key_A);
-    QTest::keyClick(editorOf(window.field), Qt::Key_Return, Qt::ShiftModifier);
-    QTest::keyClick(editorOf(window.field), Qt::Key_B);
+    QTest::keyClick(window.field->editor(), Qt::Key_A);
+    QTest::keyClick(window.field->editor(), Qt::Key_Return, Qt::ShiftModifier);
+    QTest::keyClick(window.field->editor(), Qt::Key_B);
     QTRY_COMPARE_WITH_TIMEOUT(heights.size(), 2, Test::patience);
     const qreal twoLines = heights.last().first().toReal();
     QVERIFY(twoLines > oneLine);
@@ -199,7 +194,7 @@ void InlineTextFieldTest::growsThenScrolls()
     QStringList lines;
     for (int i = 0; i < 40; ++i)
         lines.append(QStringLiteral("line %1").arg(i));
-    editorOf(window.field)->insertPlainText(lines.join(u'\n'));
+    window.field->editor()->insertPlainText(lines.join(u'\n'));
     QTRY_VERIFY_WITH_TIMEOUT(heights.last().first().toReal() > 112, Test::patience);
     QCOMPARE(window.field->height(), 112);
     QCOMPARE(window.field->text().count(u'\n'), 40);
@@ -227,7 +222,7 @@ void InlineTextFieldTest::textSetFromOutside()
     QSignalSpy changes(window.field, &NativeInlineTextField::textChanged);
     QTRY_COMPARE_WITH_TIMEOUT(heights.size(), 1, Test::patience);
     window.field->setText(QStringLiteral("one\ntwo\nthree"));
-    QCOMPARE(editorOf(window.field)->toPlainText(), QStringLiteral("one\ntwo\nthree"));
+    QCOMPARE(window.field->editor()->toPlainText(), QStringLiteral("one\ntwo\nthree"));
     QCOMPARE(changes.size(), 1);
     QTRY_COMPARE_WITH_TIMEOUT(heights.size(), 2, Test::patience);
     // The same text again changes nothing.
@@ -241,14 +236,14 @@ void InlineTextFieldTest::focusFollowsWantsFocus()
     window.other->setFocus();
     window.field->setWantsFocus(true);
     // Never taken during the update itself, but one turn of the event loop later.
-    QVERIFY(!editorOf(window.field)->hasFocus());
-    QTRY_VERIFY_WITH_TIMEOUT(editorOf(window.field)->hasFocus(), Test::patience);
+    QVERIFY(!window.field->editor()->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(window.field->editor()->hasFocus(), Test::patience);
 
     // Escape while the owner still wants the focus: the field keeps it.
     QSignalSpy cancelled(window.field, &NativeInlineTextField::cancelled);
-    QTest::keyClick(editorOf(window.field), Qt::Key_Escape);
+    QTest::keyClick(window.field->editor(), Qt::Key_Escape);
     QCOMPARE(cancelled.size(), 1);
-    QVERIFY(editorOf(window.field)->hasFocus());
+    QVERIFY(window.field->editor()->hasFocus());
 }
 
 void InlineTextFieldTest::singleLinePasteStaysOneLine()
@@ -259,7 +254,7 @@ void InlineTextFieldTest::singleLinePasteStaysOneLine()
     auto *data = new QMimeData;
     data->setText(QStringLiteral("first\nsecond\r\nthird"));
     QApplication::clipboard()->setMimeData(data);
-    editorOf(window.field)->paste();
+    window.field->editor()->paste();
     QCOMPARE(window.field->text(), QStringLiteral("first second third"));
 }
 
@@ -269,10 +264,10 @@ void InlineTextFieldTest::misspelledWordsAreMarked()
         QSKIP("No English dictionary on this desktop (hunspell-en-us)");
     Window window;
     window.field->setFocus();
-    QTest::keyClicks(editorOf(window.field), QStringLiteral("the quick browm fox jumsp"));
+    QTest::keyClicks(window.field->editor(), QStringLiteral("the quick browm fox jumsp"));
     // The word at the caret is still being typed.
     QCOMPARE(markedWords(window.field), QStringList {QStringLiteral("browm")});
-    QTest::keyClicks(editorOf(window.field), QStringLiteral(" "));
+    QTest::keyClicks(window.field->editor(), QStringLiteral(" "));
     QCOMPARE(markedWords(window.field), (QStringList {"browm", "jumsp"}));
     // Names with digits and single letters are not words to check.
     window.field->setText(QStringLiteral("x86 qwzx a"));

@@ -7,12 +7,13 @@
 // by "|": "-" for a rule, "~" after a disabled entry, ">" after a submenu,
 // "*" after a checked one.
 
+#include "MenuText.h"
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
 
-#include "panel/PanelCommands.h"
-#include "panel/PanelMenus.h"
-#include "panel/PanelState.h"
+#include "panel/window/PanelCommands.h"
+#include "panel/window/PanelMenus.h"
+#include "panel/window/PanelState.h"
 #include "shell/MenuBarDashboard.h"
 #include "shell/MenuBarMenu.h"
 
@@ -22,36 +23,14 @@
 
 using namespace Vesko;
 using Test::idFor;
+using Test::menuEntry;
+using Test::submenu;
 
 namespace {
 
 QString describeMenu(const QMenu &menu)
 {
-    QStringList entries;
-    for (const QAction *action : menu.actions()) {
-        if (action->isSeparator()) {
-            entries.append(QStringLiteral("-"));
-            continue;
-        }
-        QString entry = action->text();
-        if (action->menu())
-            entry += u'>';
-        if (!action->isEnabled())
-            entry += u'~';
-        if (action->isChecked())
-            entry += u'*';
-        entries.append(entry);
-    }
-    return entries.join(u'|');
-}
-
-QAction *entry(const QMenu &menu, const QString &title)
-{
-    for (QAction *action : menu.actions()) {
-        if (action->text() == title)
-            return action;
-    }
-    return nullptr;
+    return Test::describeMenu(menu, true);
 }
 
 //! The words a menu draws for \a action: "&&" is a plain "&", a single "&"
@@ -67,12 +46,6 @@ QString drawnText(const QAction *action)
         drawn += text.at(i);
     }
     return drawn;
-}
-
-QMenu *submenu(const QMenu &menu, const QString &title)
-{
-    QAction *action = entry(menu, title);
-    return action ? action->menu() : nullptr;
 }
 
 } // namespace
@@ -194,16 +167,19 @@ void MenuBarTest::entries()
         [](QAction *action) { return action->text().startsWith(QStringLiteral("Section: ")); });
     QVERIFY(sectionEntry != actions.end() && (*sectionEntry)->menu());
     QCOMPARE(describeMenu(*(*sectionEntry)->menu()), sections);
-    QCOMPARE(
-        entry(filled, QStringLiteral("Settings"))->shortcut().toString(QKeySequence::NativeText),
+    QCOMPARE(menuEntry(filled, QStringLiteral("Settings"))
+                 ->shortcut()
+                 .toString(QKeySequence::NativeText),
         QStringLiteral("Ctrl+,"));
-    QCOMPARE(
-        entry(filled, QStringLiteral("Quit Vesko"))->shortcut().toString(QKeySequence::NativeText),
+    QCOMPARE(menuEntry(filled, QStringLiteral("Quit Vesko"))
+                 ->shortcut()
+                 .toString(QKeySequence::NativeText),
         QStringLiteral("Ctrl+Q"));
 }
 
 void MenuBarTest::noteTitles_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("title");
 
@@ -211,8 +187,8 @@ void MenuBarTest::noteTitles_data()
     QTest::newRow("44 characters appear whole") << a44 << a44;
     QTest::newRow("45 characters appear as 44 and the ellipsis") << a44 + u'b' << a44 + u'…';
     QTest::newRow("Markdown removed, line feeds as spaces")
-        << "**Buy** milk\n[list](https://example.org)"
-        << "Buy milk list";
+        << "**Buy** milk\n[list](https://example.org)" << "Buy milk list";
+    // clang-format on
 }
 
 void MenuBarTest::noteTitles()
@@ -230,17 +206,15 @@ void MenuBarTest::noteTitles()
 
 void MenuBarTest::usersWordsShowAsTyped_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("words");
     QTest::addColumn<QString>("shown");
 
-    QTest::newRow("an ampersand between words") << "Tom & Jerry"
-                                                << "Tom & Jerry";
-    QTest::newRow("an ampersand before a letter") << "R&D budget"
-                                                  << "R&D budget";
-    QTest::newRow("two ampersands") << "a && b"
-                                    << "a && b";
-    QTest::newRow("a tab") << "name\tvalue"
-                           << "name value";
+    QTest::newRow("an ampersand between words") << "Tom & Jerry" << "Tom & Jerry";
+    QTest::newRow("an ampersand before a letter") << "R&D budget" << "R&D budget";
+    QTest::newRow("two ampersands") << "a && b" << "a && b";
+    QTest::newRow("a tab") << "name\tvalue" << "name value";
+    // clang-format on
 }
 
 void MenuBarTest::usersWordsShowAsTyped()
@@ -282,7 +256,7 @@ void MenuBarTest::choosingANoteMarksItDone()
     Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b,c")});
     QMenu filled;
     rebuild(filled);
-    entry(filled, QStringLiteral("b"))->trigger();
+    menuEntry(filled, QStringLiteral("b"))->trigger();
     QVERIFY(store.note(idFor(QStringLiteral("b")))->isDone);
     QVERIFY(!store.note(idFor(QStringLiteral("a")))->isDone);
     // The next opening lists the notes still open.
@@ -299,18 +273,18 @@ void MenuBarTest::sectionAndProjectChoices()
 
     QMenu *sections = submenu(filled, QStringLiteral("Section: Work"));
     QVERIFY(sections);
-    entry(*sections, QStringLiteral("Inbox"))->trigger();
+    menuEntry(*sections, QStringLiteral("Inbox"))->trigger();
     QCOMPARE(store.activeSection().title, QStringLiteral("Inbox"));
-    entry(*sections, QStringLiteral("Switch Section…"))->trigger();
+    menuEntry(*sections, QStringLiteral("Switch Section…"))->trigger();
     QCOMPARE(m_state->frontLayer(), PanelLayer::SectionSwitcher);
     m_state->setShowing(PanelLayer::SectionSwitcher, false);
 
     QMenu *projects = submenu(filled, QStringLiteral("Project"));
     QVERIFY(projects);
     QCOMPARE(describeMenu(*projects), QStringLiteral("P*|Q|R|-|Switch Project…"));
-    entry(*projects, QStringLiteral("R"))->trigger();
+    menuEntry(*projects, QStringLiteral("R"))->trigger();
     QCOMPARE(store.activeProject().name, QStringLiteral("R"));
-    entry(*projects, QStringLiteral("Switch Project…"))->trigger();
+    menuEntry(*projects, QStringLiteral("Switch Project…"))->trigger();
     QCOMPARE(m_state->frontLayer(), PanelLayer::ProjectSwitcher);
     // Each choice brought the panel forward first, without the composer.
     QCOMPARE(m_calls, QStringList(4, QStringLiteral("show")));
@@ -327,7 +301,7 @@ void MenuBarTest::copyAllAsList()
     m_fixture->preferences().setListStyle(ListStyle::Numbered);
     QMenu filled;
     rebuild(filled);
-    entry(filled, QStringLiteral("Copy All as List"))->trigger();
+    menuEntry(filled, QStringLiteral("Copy All as List"))->trigger();
     // What the panel shows, done notes included: "b" is visible while completed notes show.
     QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. a\n2. b\n3. two\n   lines"));
 }
@@ -349,22 +323,18 @@ void MenuBarTest::rebuiltAtEachOpening()
 
 void MenuBarTest::toolTipCountsOpenNotes_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("project");
     QTest::addColumn<QString>("failure");
     QTest::addColumn<QString>("toolTip");
 
-    QTest::newRow("none") << "*Inbox:A"
-                          << ""
-                          << "Vesko: no open notes in P";
-    QTest::newRow("one") << "Inbox:A,b"
-                         << ""
-                         << "Vesko: 1 open note in P";
-    QTest::newRow("seven, over sections") << "Inbox:a,b,C|*Later:d,e,f,g,h"
-                                          << ""
+    QTest::newRow("none") << "*Inbox:A" << "" << "Vesko: no open notes in P";
+    QTest::newRow("one") << "Inbox:A,b" << "" << "Vesko: 1 open note in P";
+    QTest::newRow("seven, over sections") << "Inbox:a,b,C|*Later:d,e,f,g,h" << ""
                                           << "Vesko: 7 open notes in P";
-    QTest::newRow("a failed save") << "Inbox:a"
-                                   << "No space left on device"
+    QTest::newRow("a failed save") << "Inbox:a" << "No space left on device"
                                    << "Vesko: 1 open note in P\nNot saved: No space left on device";
+    // clang-format on
 }
 
 void MenuBarTest::toolTipCountsOpenNotes()
@@ -401,7 +371,7 @@ void MenuBarTest::moreOptionsOffersTheSameMenu()
     store.setDone({idFor(QStringLiteral("a"))}, true);
     Q_EMIT dashboard->aboutToShow();
     QVERIFY(describeMenu(*dashboard).contains(QStringLiteral("|-|b|Copy All as List|")));
-    entry(*dashboard, QStringLiteral("b"))->trigger();
+    menuEntry(*dashboard, QStringLiteral("b"))->trigger();
     QVERIFY(store.note(idFor(QStringLiteral("b")))->isDone);
 }
 

@@ -13,11 +13,11 @@
 #include "attachments/AttachmentListView.h"
 #include "attachments/AttachmentTile.h"
 #include "library/LibraryFile.h"
-#include "panel/NoteEditorView.h"
-#include "panel/NoteWindow.h"
-#include "panel/NoteWindowManager.h"
+#include "panel/notewindow/NoteEditorView.h"
+#include "panel/notewindow/NoteWindow.h"
+#include "panel/notewindow/NoteWindowManager.h"
 #include "platform/SettingsFile.h"
-#include "panel/PanelCommands.h"
+#include "panel/window/PanelCommands.h"
 #include "platform/Clipboard.h"
 #include "platform/DesktopFiles.h"
 #include "platform/FileChooser.h"
@@ -112,7 +112,6 @@ private Q_SLOTS:
     void clearingTheText_data();
     void clearingTheText();
     void deletedNoteLeavesAHarmlessWindow();
-    void previewListsAttachmentsWhileTheNoteExists();
     void previewRendersInlineMarkdown();
     void doneToggleFollowsTheNote();
     void copyPutsTheNoteOnTheClipboard();
@@ -163,15 +162,14 @@ NoteWindow *NoteWindowTest::openNote(const QString &letter)
 
 void NoteWindowTest::titles_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("title");
 
     const QString a44 = repeated(u'a', 44);
     const QString a45 = repeated(u'a', 45);
-    QTest::newRow("strong emphasis markers go") << "**Plan** the _week_"
-                                                << "Plan the week";
-    QTest::newRow("a heading marker stays") << "# Heading"
-                                            << "# Heading";
+    QTest::newRow("strong emphasis markers go") << "**Plan** the _week_" << "Plan the week";
+    QTest::newRow("a heading marker stays") << "# Heading" << "# Heading";
     QTest::newRow("two lines joined by a space") << "first line\nsecond line"
                                                  << "first line second line";
     QTest::newRow("45 characters stay whole") << a45 << a45;
@@ -183,6 +181,7 @@ void NoteWindowTest::titles_data()
     // 👍🏽 is one character of four code units; a cut by code units would split it.
     QTest::newRow("characters as the reader counts them") << a44 + QStringLiteral("👍🏽")
             + QStringLiteral("tail") << a44 + QStringLiteral("👍🏽") + ellipsis;
+    // clang-format on
 }
 
 void NoteWindowTest::titles()
@@ -305,14 +304,25 @@ void NoteWindowTest::clearingTheText()
 
 void NoteWindowTest::deletedNoteLeavesAHarmlessWindow()
 {
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
+    Library library;
+    library.projects.append(Test::describedProject(QStringLiteral("*Inbox:a,b")));
+    library.activeProjectID = library.projects.first().id;
+    library.projects[0].sections[0].notes[0].attachments = {
+        attachmentRecord(QStringLiteral("plan.pdf")), attachmentRecord(QStringLiteral("map.png"))};
+    Store &store = m_fixture->make(library);
     store.updateNote(idFor(QStringLiteral("a")), QStringLiteral("kept on screen"));
     NoteWindow *window = openNote(QStringLiteral("a"));
+    NoteEditorView *view = window->editor();
+    view->setShowsPreview(true);
+    QCOMPARE(view->attachmentList()->tiles().size(), 2);
+    QVERIFY(view->attachmentList()->isVisibleTo(view));
     store.deleteNotes({idFor(QStringLiteral("a"))});
 
+    // The tiles go with the note, the text stays and can be typed into.
+    QCOMPARE(view->attachmentList()->tiles().size(), 0);
+    QVERIFY(!view->attachmentList()->isVisibleTo(view));
     const Library before = store.library();
     const qsizetype undoSteps = store.undoStepCount();
-    NoteEditorView *view = window->editor();
     QVERIFY(window->isVisible());
     QCOMPARE(view->text(), QStringLiteral("kept on screen"));
     QTest::keyClicks(view->editor(), QStringLiteral(" and typed"));
@@ -323,36 +333,13 @@ void NoteWindowTest::deletedNoteLeavesAHarmlessWindow()
     QCOMPARE(store.library(), before);
     QCOMPARE(store.undoStepCount(), undoSteps);
 
-    // Undo brings the note back, and with it a window that edits it again.
+    // Undo brings the note back, its tiles, and a window that edits it again.
     store.undo();
     QCOMPARE(noteText(store, QStringLiteral("a")), QStringLiteral("kept on screen"));
+    QCOMPARE(view->attachmentList()->tiles().size(), 2);
     QVERIFY(view->doneButton()->isEnabled());
     QTest::keyClick(view->editor(), u'!');
     QCOMPARE(noteText(store, QStringLiteral("a")), QStringLiteral("kept on screen and typed!"));
-}
-
-void NoteWindowTest::previewListsAttachmentsWhileTheNoteExists()
-{
-    Library library;
-    library.projects.append(Test::describedProject(QStringLiteral("*Inbox:a,b")));
-    library.activeProjectID = library.projects.first().id;
-    library.projects[0].sections[0].notes[0].attachments = {
-        attachmentRecord(QStringLiteral("plan.pdf")), attachmentRecord(QStringLiteral("map.png"))};
-    Store &store = m_fixture->make(library);
-    NoteEditorView *view = openNote(QStringLiteral("a"))->editor();
-    view->setShowsPreview(true);
-    QCOMPARE(view->attachmentList()->tiles().size(), 2);
-    QVERIFY(view->attachmentList()->isVisibleTo(view));
-
-    // Deleted elsewhere: the tiles go with the note, the text stays.
-    store.deleteNotes({idFor(QStringLiteral("a"))});
-    QCOMPARE(view->attachmentList()->tiles().size(), 0);
-    QVERIFY(!view->attachmentList()->isVisibleTo(view));
-    QCOMPARE(view->text(), QStringLiteral("a"));
-
-    // An undo brings the note back, and its tiles with it.
-    store.undo();
-    QCOMPARE(view->attachmentList()->tiles().size(), 2);
 }
 
 void NoteWindowTest::previewRendersInlineMarkdown()

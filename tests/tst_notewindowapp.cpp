@@ -121,6 +121,13 @@ QString activeWindow()
     return xdotool({QStringLiteral("getactivewindow")});
 }
 
+//! Gives \a window the keyboard through the window manager; true once it has it.
+bool activate(const QString &window)
+{
+    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
+    return QTest::qWaitFor([&window] { return activeWindow() == window; }, Test::patience);
+}
+
 //! Presses \a key (an xdotool name) and waits for a window of \a pid to
 //! appear that was not there before; returns it, or empty.
 QString keyOpensWindow(qint64 pid, const QString &key)
@@ -228,8 +235,7 @@ void NoteWindowAppTest::noteWindowEditsTheNote()
     QCOMPARE(session.notes().value(1).text, QStringLiteral("second"));
 
     // A second open brings the same window forward, with its text as typed.
-    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), panel});
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, Test::patience);
+    QVERIFY(activate(panel));
     openFromTheRowMenu();
     QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, Test::patience);
     QCOMPARE(windowsNamed(title), QStringList {window});
@@ -334,8 +340,7 @@ void NoteWindowAppTest::editInPlaceIsSavedWhenThePanelComesBack()
     QTRY_COMPARE_WITH_TIMEOUT(
         windowsNamed(QStringLiteral("Copy Target")).size(), 1, Test::patience);
     const QString target = windowsNamed(QStringLiteral("Copy Target")).first();
-    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), target});
-    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), target, Test::patience);
+    QVERIFY(activate(target));
 
     // Starting vesko again brings the panel forward with the composer ready:
     // the edit ends there, saved.
@@ -406,8 +411,7 @@ void NoteWindowAppTest::windowsCloseFromTheKeyboard()
 
     // A note window closes with Ctrl+W, and with Escape; the panel stays.
     for (const char *close : {"ctrl+w", "Escape"}) {
-        xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), panel});
-        QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, Test::patience);
+        QVERIFY(activate(panel));
         pressKeys(QStringLiteral("ctrl+Return"), 1);
         QTRY_COMPARE_WITH_TIMEOUT(windowsNamed(QStringLiteral("alpha")).size(), 1, Test::patience);
         const QString window = windowsNamed(QStringLiteral("alpha")).first();
@@ -423,8 +427,7 @@ void NoteWindowAppTest::windowsCloseFromTheKeyboard()
     // Alt+F4 asks for it), it opens again; Escape and Ctrl+W close it too.
     const QString settingsTitle = QStringLiteral("Vesko Settings");
     for (const char *close : {"alt+F4", "Escape", "ctrl+w"}) {
-        xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), panel});
-        QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, Test::patience);
+        QVERIFY(activate(panel));
         pressKeys(QStringLiteral("ctrl+comma"), 1);
         QTRY_VERIFY2_WITH_TIMEOUT(windowsNamed(settingsTitle).size() == 1, close, Test::patience);
         const QString settings = windowsNamed(settingsTitle).first();
@@ -434,8 +437,7 @@ void NoteWindowAppTest::windowsCloseFromTheKeyboard()
     }
 
     // Ctrl+Q in the panel quits, as its menu entry says.
-    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), panel});
-    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, Test::patience);
+    QVERIFY(activate(panel));
     pressKeys(QStringLiteral("ctrl+q"), 1);
     QVERIFY(vesko->waitForFinished(Test::patience));
     QCOMPARE(vesko->exitStatus(), QProcess::NormalExit);

@@ -66,6 +66,14 @@ void click(const QPoint &point, int button = 1)
     xdotool({QStringLiteral("click"), QString::number(button)});
 }
 
+//! Whether the text field named \a name is on screen and has the keyboard.
+bool focusedField(const QString &name)
+{
+    const AccessibleTree now = tree();
+    const AccessibleNode *field = now.find(QStringLiteral("text"), name);
+    return field && field->hasState(QStringLiteral("focused"));
+}
+
 //! The names of the rows on screen: list items (the notes and section headers).
 QStringList rowNames(const AccessibleTree &tree)
 {
@@ -167,14 +175,7 @@ void PanelAccessTest::throughTheScreenReader()
         !Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), Test::patience);
 
     // The composer has the keyboard, and a screen reader hears where a note goes.
-    QTRY_VERIFY_WITH_TIMEOUT(
-        [] {
-            const AccessibleTree now = tree();
-            const AccessibleNode *composer
-                = now.find(QStringLiteral("text"), QStringLiteral("Add to Inbox"));
-            return composer && composer->hasState(QStringLiteral("focused"));
-        }(),
-        Test::patience);
+    QTRY_VERIFY_WITH_TIMEOUT(focusedField(QStringLiteral("Add to Inbox")), Test::patience);
     {
         const AccessibleTree now = tree();
         QVERIFY(now.find(QStringLiteral("push button"), QStringLiteral("More options")));
@@ -261,13 +262,7 @@ void PanelAccessTest::throughTheScreenReader()
     click(newSection->center());
 
     // The prompt takes the keyboard; its name is said.
-    QTRY_VERIFY_WITH_TIMEOUT(
-        [] {
-            const std::optional<AccessibleNode> field
-                = found(QStringLiteral("text"), QStringLiteral("Section name"));
-            return field && field->hasState(QStringLiteral("focused"));
-        }(),
-        Test::patience);
+    QTRY_VERIFY_WITH_TIMEOUT(focusedField(QStringLiteral("Section name")), Test::patience);
     QVERIFY(tree().find(QStringLiteral("push button"), QStringLiteral("Add")));
     type(QStringLiteral("Errands"));
     key(QStringLiteral("Return"));
@@ -278,11 +273,7 @@ void PanelAccessTest::throughTheScreenReader()
 
     // The context menu of a note, opened with the right button.
     const AccessibleTree rows = tree();
-    const AccessibleNode *milk = nullptr;
-    for (const AccessibleNode *node : rows.all()) {
-        if (node->role == QLatin1String("list item") && node->name == QLatin1String("Buy oat milk"))
-            milk = node;
-    }
+    const AccessibleNode *milk = row(rows, QStringLiteral("Buy oat milk"));
     QVERIFY(milk);
     click(milk->center(), 3);
     AccessibleTree noteMenu;
@@ -296,42 +287,29 @@ void PanelAccessTest::throughTheScreenReader()
     QTest::qWait(300);
 
     // The done control of a row, found inside the row and clicked.
-    const AccessibleNode *control = nullptr;
     {
         const AccessibleTree now = tree();
-        for (const AccessibleNode *node : now.all()) {
-            if (node->role == QLatin1String("list item")
-                && node->name == QLatin1String("Buy oat milk")) {
-                QCOMPARE(node->description, QStringLiteral("Not done"));
-                for (const AccessibleNode &child : node->children) {
-                    if (child.role == QLatin1String("push button"))
-                        control = &child;
-                }
-                QVERIFY(control);
-                QCOMPARE(control->name, QStringLiteral("Mark as done"));
-                click(control->center());
-            }
-        }
+        const AccessibleNode *listed = row(now, QStringLiteral("Buy oat milk"));
+        QVERIFY(listed);
+        QCOMPARE(listed->description, QStringLiteral("Not done"));
+        const auto control = std::find_if(listed->children.cbegin(), listed->children.cend(),
+            [](const AccessibleNode &child) { return child.role == u"push button"; });
+        QVERIFY(control != listed->children.cend());
+        QCOMPARE(control->name, QStringLiteral("Mark as done"));
+        click(control->center());
     }
     QTRY_VERIFY_WITH_TIMEOUT(
         [] {
             const AccessibleTree now = tree();
-            const QList<const AccessibleNode *> rows = now.all([](const AccessibleNode &node) {
-                return node.role == QLatin1String("list item")
-                    && node.name == QLatin1String("Buy oat milk");
-            });
-            return !rows.isEmpty() && rows.first()->description == QLatin1String("Done");
+            const AccessibleNode *done = row(now, QStringLiteral("Buy oat milk"));
+            return done && done->description == QLatin1String("Done");
         }(),
         Test::patience);
 
     // A note edited in place: a double click opens its editor with the text.
-    const AccessibleNode *plumber = nullptr;
     const AccessibleTree beforeEdit = tree();
-    for (const AccessibleNode *node : beforeEdit.all()) {
-        if (node->role == QLatin1String("list item")
-            && node->name == QLatin1String("Call the plumber\nabout the sink"))
-            plumber = node;
-    }
+    const AccessibleNode *plumber
+        = row(beforeEdit, QStringLiteral("Call the plumber\nabout the sink"));
     QVERIFY(plumber);
     const QPoint onText = plumber->extents.topLeft() + QPoint(plumber->extents.width() / 2, 14);
     xdotool(
@@ -411,15 +389,14 @@ void PanelAccessTest::unreadableLibraryIsToldOfAndRestored()
     const QRegularExpression told(QStringLiteral("^Your notes file could not be read\\. It was set "
                                                  "aside as “(Library-unreadable-.+\\.json)”\\.$"));
     QString setAside;
-    QTRY_VERIFY_WITH_TIMEOUT(
-        [&] {
-            for (const QString &name : tree().names(QStringLiteral("label"))) {
-                if (const QRegularExpressionMatch match = told.match(name); match.hasMatch())
-                    setAside = match.captured(1);
-            }
-            return !setAside.isEmpty();
-        }(),
-        Test::patience);
+    const auto toldOf = [&] {
+        for (const QString &name : tree().names(QStringLiteral("label"))) {
+            if (const QRegularExpressionMatch match = told.match(name); match.hasMatch())
+                setAside = match.captured(1);
+        }
+        return !setAside.isEmpty();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(toldOf(), Test::patience);
     QVERIFY(QFileInfo::exists(session.libraryFolder() + u'/' + setAside));
     {
         const AccessibleTree now = tree();
@@ -453,24 +430,9 @@ void PanelAccessTest::unreadableLibraryIsToldOfAndRestored()
     QTRY_VERIFY_WITH_TIMEOUT(
         !Test::visibleWindow(QStringLiteral("^Vesko$")).isEmpty(), Test::patience);
     const QString firstSetAside = std::exchange(setAside, QString());
-    QTRY_VERIFY_WITH_TIMEOUT(
-        [&] {
-            for (const QString &name : tree().names(QStringLiteral("label"))) {
-                if (const QRegularExpressionMatch match = told.match(name); match.hasMatch())
-                    setAside = match.captured(1);
-            }
-            return !setAside.isEmpty();
-        }(),
-        Test::patience);
+    QTRY_VERIFY_WITH_TIMEOUT(toldOf(), Test::patience);
     QCOMPARE(setAside, firstSetAside);
-    QTRY_VERIFY_WITH_TIMEOUT(
-        [] {
-            const AccessibleTree now = tree();
-            const AccessibleNode *composer
-                = now.find(QStringLiteral("text"), QStringLiteral("Add to Inbox"));
-            return composer && composer->hasState(QStringLiteral("focused"));
-        }(),
-        Test::patience);
+    QTRY_VERIFY_WITH_TIMEOUT(focusedField(QStringLiteral("Add to Inbox")), Test::patience);
     typeNotes(5, 8);
     QVERIFY(QFileInfo::exists(backup));
 
@@ -521,14 +483,7 @@ void PanelAccessTest::inGerman()
 
     // The panel's controls; the names of the project and section it made
     // are the user's data and stay as they are.
-    QTRY_VERIFY_WITH_TIMEOUT(
-        [] {
-            const AccessibleTree now = tree();
-            const AccessibleNode *composer
-                = now.find(QStringLiteral("text"), QStringLiteral("Zu Inbox hinzufügen"));
-            return composer && composer->hasState(QStringLiteral("focused"));
-        }(),
-        20000);
+    QTRY_VERIFY_WITH_TIMEOUT(focusedField(QStringLiteral("Zu Inbox hinzufügen")), 20000);
     {
         const AccessibleTree now = tree();
         QVERIFY(now.find(QStringLiteral("push button"), QStringLiteral("Weitere Optionen")));

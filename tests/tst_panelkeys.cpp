@@ -8,18 +8,18 @@
 // Shift+F10 and Ctrl+Q; an edit in place left open behind another window,
 // saved when the panel is brought forward or hidden.
 
-#include "StoreFixture.h"
+#include "PanelTestRig.h"
 #include "WidgetTestMain.h"
 
-#include "panel/ComposerView.h"
-#include "panel/NativeInlineTextField.h"
-#include "panel/PanelCommands.h"
-#include "panel/PanelController.h"
-#include "panel/PanelKeyHandler.h"
-#include "panel/PanelListView.h"
-#include "panel/PanelRootView.h"
-#include "panel/PanelWindow.h"
-#include "panel/SearchFieldView.h"
+#include "panel/list/PanelListView.h"
+#include "panel/text/ComposerView.h"
+#include "panel/text/NativeInlineTextField.h"
+#include "panel/text/SearchFieldView.h"
+#include "panel/window/PanelCommands.h"
+#include "panel/window/PanelController.h"
+#include "panel/window/PanelKeyHandler.h"
+#include "panel/window/PanelRootView.h"
+#include "panel/window/PanelWindow.h"
 #include "shell/Toast.h"
 
 #include <QClipboard>
@@ -31,25 +31,13 @@
 
 using namespace Vesko;
 using Test::idFor;
+using Test::namesOf;
 
 namespace {
 
 constexpr int ctrl = int(Qt::ControlModifier);
 constexpr int shift = int(Qt::ShiftModifier);
 constexpr int alt = int(Qt::AltModifier);
-
-QString namesOf(const QList<QUuid> &ids)
-{
-    QStringList names;
-    for (const QUuid &id : ids) {
-        for (const char *letter : {"a", "b", "c", "d", "e", "f"}) {
-            if (idFor(letter) == id)
-                names.append(letter);
-        }
-    }
-    names.sort();
-    return names.join(u',');
-}
 
 //! Everything a shortcut can change, as one text, to tell "nothing changed".
 QString snapshot(const Store &store, const PanelState &state)
@@ -85,8 +73,6 @@ private Q_SLOTS:
     void keysInContext();
     void textFilter_data();
     void textFilter();
-    void toggleDoneGoesToDoneFirst_data();
-    void toggleDoneGoesToDoneFirst();
     void escapeLadder();
     void blankSearchIsNotASearchForEscape();
     void copyWithoutSelectionCopiesWhatTheSearchShows();
@@ -430,50 +416,6 @@ void PanelKeysTest::textFilter()
     QFETCH(bool, passes);
     QCOMPARE(
         PanelKeyHandler::passesTextFilter(key, Qt::KeyboardModifiers::fromInt(modifiers)), passes);
-}
-
-void PanelKeysTest::toggleDoneGoesToDoneFirst_data()
-{
-    QTest::addColumn<QString>("library");
-    QTest::addColumn<QString>("selected");
-    QTest::addColumn<QString>("doneAfter");
-
-    QTest::newRow("open note") << "*Inbox:a,B"
-                               << "a"
-                               << "a,b";
-    QTest::newRow("done note") << "*Inbox:a,B"
-                               << "b"
-                               << "";
-    QTest::newRow("mixed goes to done") << "*Inbox:a,B"
-                                        << "a,b"
-                                        << "a,b";
-    QTest::newRow("mixed, done one first") << "*Inbox:B,a"
-                                           << "a,b"
-                                           << "a,b";
-    QTest::newRow("all done goes back") << "*Inbox:A,B,c"
-                                        << "a,b"
-                                        << "";
-}
-
-void PanelKeysTest::toggleDoneGoesToDoneFirst()
-{
-    QFETCH(QString, library);
-    QFETCH(QString, selected);
-    QFETCH(QString, doneAfter);
-
-    showRoot({library});
-    Store &store = m_fixture->store();
-    const QList<QUuid> ids = Test::noteIDs(selected);
-    store.setSelection(QSet<QUuid>(ids.begin(), ids.end()), ids.first());
-    m_root->setFocusTarget(PanelFocusTarget::List);
-    press(Qt::Key_Space, 0);
-
-    QList<QUuid> done;
-    for (const Note &note : store.activeSection().notes) {
-        if (note.isDone)
-            done.append(note.id);
-    }
-    QCOMPARE(namesOf(done), doneAfter);
 }
 
 void PanelKeysTest::escapeLadder()

@@ -7,18 +7,14 @@
 // has its top edge at the top of the area between the bars.
 
 #include "PanelTestRig.h"
+#include "SilentAttachmentActions.h"
 #include "WidgetTestMain.h"
 
-#include "attachments/AttachmentActions.h"
-#include "attachments/AttachmentFileDialog.h"
 #include "attachments/AttachmentListView.h"
-#include "attachments/ThumbnailCache.h"
-#include "panel/NativeInlineTextField.h"
-#include "panel/NoteRowView.h"
-#include "panel/PanelListView.h"
-#include "panel/SectionHeaderView.h"
-#include "platform/DesktopFiles.h"
-#include "platform/Pasteboard.h"
+#include "panel/list/NoteRowView.h"
+#include "panel/list/PanelListView.h"
+#include "panel/list/SectionHeaderView.h"
+#include "panel/text/NativeInlineTextField.h"
 #include "shell/Theme.h"
 
 #include <QAccessible>
@@ -79,30 +75,11 @@ public:
     QList<QUrl> urls;
 };
 
-//! The attachment actions of a list under test: the real import and dialog,
-//! nothing from the clipboard or the file manager, the toasts recorded.
-struct Attachments : AttachmentFeedback, PasteboardReader, DesktopFiles
-{
-    explicit Attachments(PanelTestRig &rig)
-        : actions({rig.store(), rig.attachments(), chooser, *this, *this, *this})
-    { }
-
-    void toast(const QString &message, const QString &) override { toasts.append(message); }
-    void readPasteboard(std::function<void(const PasteboardContent &)> done) override { done({}); }
-    void open(const QString &, Unhandled) override { }
-    void reveal(const QString &, Unhandled) override { }
-
-    AttachmentFileDialog chooser;
-    AttachmentActions actions;
-    ThumbnailCache thumbnails;
-    QStringList toasts;
-};
-
 //! The list in a window of the panel's size, with a field to take the focus away.
 struct ListWindow
 {
     explicit ListWindow(PanelTestRig &rig)
-        : attachments(rig)
+        : attachments(rig.store(), rig.attachments())
     {
         auto *layout = new QVBoxLayout(&window);
         list = new PanelListView(rig.store(), rig.state(), &window);
@@ -139,7 +116,7 @@ struct ListWindow
         return list->rowRect(idFor(name)).center().y() - list->clearArea().center().y();
     }
 
-    Attachments attachments;
+    SilentAttachmentActions attachments;
     QWidget window;
     PanelListView *list = nullptr;
     QLineEdit *other = nullptr;
@@ -177,8 +154,6 @@ private Q_SLOTS:
     void clicks();
     void doneControlActsOnTheMenuTarget_data();
     void doneControlActsOnTheMenuTarget();
-    void fills_data();
-    void fills();
     void fillFollowsTheNote_data();
     void fillFollowsTheNote();
     void clickOnALinkSelects_data();
@@ -186,9 +161,8 @@ private Q_SLOTS:
     void hoverFollowsThePointer_data();
     void hoverFollowsThePointer();
 
-    void returnCommitsAnEdit();
-    void leavingTheFieldCommits();
-    void escapeCancels();
+    void editInPlace_data();
+    void editInPlace();
     void anEditSurvivesScrollingAway();
 
     void noteWithOnlyAttachments();
@@ -263,31 +237,19 @@ void PanelListTest::everyRowIsReachable()
 
 void PanelListTest::clicks_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("clicks"); // a name each, "^" before it for Ctrl, "+" for Shift
     QTest::addColumn<QString>("selection");
     QTest::addColumn<QString>("anchor");
 
-    QTest::newRow("a click") << "b"
-                             << "b"
-                             << "b";
-    QTest::newRow("another click replaces") << "b,d"
-                                            << "d"
-                                            << "d";
-    QTest::newRow("ctrl adds") << "b,^d"
-                               << "b,d"
-                               << "d";
-    QTest::newRow("ctrl removes, the anchor stays") << "b,^b"
-                                                    << ""
-                                                    << "b";
-    QTest::newRow("shift extends from the anchor") << "b,+e"
-                                                   << "b,c,d,e"
-                                                   << "b";
-    QTest::newRow("shift upwards") << "e,+b"
-                                   << "b,c,d,e"
-                                   << "e";
-    QTest::newRow("shift without an anchor") << "+c"
-                                             << "c"
-                                             << "c";
+    QTest::newRow("a click") << "b" << "b" << "b";
+    QTest::newRow("another click replaces") << "b,d" << "d" << "d";
+    QTest::newRow("ctrl adds") << "b,^d" << "b,d" << "d";
+    QTest::newRow("ctrl removes, the anchor stays") << "b,^b" << "" << "b";
+    QTest::newRow("shift extends from the anchor") << "b,+e" << "b,c,d,e" << "b";
+    QTest::newRow("shift upwards") << "e,+b" << "b,c,d,e" << "e";
+    QTest::newRow("shift without an anchor") << "+c" << "c" << "c";
+    // clang-format on
 }
 
 void PanelListTest::clicks()
@@ -317,19 +279,15 @@ void PanelListTest::clicks()
 
 void PanelListTest::doneControlActsOnTheMenuTarget_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("selection");
     QTest::addColumn<QString>("pressed");
     QTest::addColumn<QString>("after");
 
-    QTest::newRow("on the selection") << "a,b"
-                                      << "b"
-                                      << "*S1:A,B,c,D";
-    QTest::newRow("outside the selection") << "a,b"
-                                           << "c"
-                                           << "*S1:a,b,C,D";
-    QTest::newRow("on a done note") << ""
-                                    << "d"
-                                    << "*S1:a,b,c,d";
+    QTest::newRow("on the selection") << "a,b" << "b" << "*S1:A,B,c,D";
+    QTest::newRow("outside the selection") << "a,b" << "c" << "*S1:a,b,C,D";
+    QTest::newRow("on a done note") << "" << "d" << "*S1:a,b,c,d";
+    // clang-format on
 }
 
 void PanelListTest::doneControlActsOnTheMenuTarget()
@@ -347,70 +305,25 @@ void PanelListTest::doneControlActsOnTheMenuTarget()
     QCOMPARE(namesOf(rig.store().selection().values()), selection);
 }
 
-void PanelListTest::fills_data()
-{
-    QTest::addColumn<bool>("done");
-    QTest::addColumn<bool>("selected");
-    QTest::addColumn<bool>("hovered");
-    QTest::addColumn<int>("fill");
-
-    const int doneFill = int(NoteRowView::Fill::Done);
-    const int selectedFill = int(NoteRowView::Fill::Selected);
-    const int plainFill = int(NoteRowView::Fill::Plain);
-    QTest::newRow("plain") << false << false << false << plainFill;
-    QTest::newRow("selected") << false << true << false << selectedFill;
-    QTest::newRow("hovered") << false << false << true << selectedFill;
-    QTest::newRow("done wins over selected") << true << true << false << doneFill;
-    QTest::newRow("done wins over hovered") << true << false << true << doneFill;
-    QTest::newRow("done") << true << false << false << doneFill;
-}
-
-void PanelListTest::fills()
-{
-    QFETCH(bool, done);
-    QFETCH(bool, selected);
-    QFETCH(bool, hovered);
-    QFETCH(int, fill);
-    PanelTestRig rig(done ? QStringLiteral("S1:A,b") : QStringLiteral("S1:a,b"));
-    ListWindow w(rig);
-    if (selected)
-        rig.store().setSelection({idFor("a")}, idFor("a"));
-    NoteRowView *row = w.note(QStringLiteral("a"));
-    if (hovered) {
-        QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), row->mapToGlobal(QPointF(5, 5)));
-        QCoreApplication::sendEvent(row, &enter);
-    }
-    QCOMPARE(int(row->fill()), fill);
-}
-
 void PanelListTest::fillFollowsTheNote_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("notes");
     QTest::addColumn<QString>("change");
     QTest::addColumn<QString>("fill"); // the theme's colour the card ends in
 
-    QTest::newRow("marked done") << "S1:a,b"
-                                 << "done"
-                                 << "done";
-    QTest::newRow("marked not done") << "S1:A,b"
-                                     << "undone"
-                                     << "plain";
-    QTest::newRow("its done control pressed") << "S1:a,b"
-                                              << "control"
-                                              << "done";
-    QTest::newRow("selected") << "S1:a,b"
-                              << "select"
-                              << "selected";
+    QTest::newRow("marked done") << "S1:a,b" << "done" << "done";
+    QTest::newRow("marked not done") << "S1:A,b" << "undone" << "plain";
+    QTest::newRow("its done control pressed") << "S1:a,b" << "control" << "done";
+    QTest::newRow("selected") << "S1:a,b" << "select" << "selected";
+    QTest::newRow("hovered") << "S1:a,b" << "hover" << "selected";
+    QTest::newRow("done wins over selected") << "S1:A,b" << "select" << "done";
+    QTest::newRow("done wins over hovered") << "S1:A,b" << "hover" << "done";
     // Being edited is not being selected: the card is a box to write in.
-    QTest::newRow("edited") << "S1:a,b"
-                            << "edit"
-                            << "editing";
-    QTest::newRow("a done note edited") << "S1:A,b"
-                                        << "edit"
-                                        << "editing";
-    QTest::newRow("the edit ends") << "S1:a,b"
-                                   << "edit,escape"
-                                   << "selected";
+    QTest::newRow("edited") << "S1:a,b" << "edit" << "editing";
+    QTest::newRow("a done note edited") << "S1:A,b" << "edit" << "editing";
+    QTest::newRow("the edit ends") << "S1:a,b" << "edit,escape" << "selected";
+    // clang-format on
 }
 
 void PanelListTest::fillFollowsTheNote()
@@ -429,6 +342,9 @@ void PanelListTest::fillFollowsTheNote()
             QTest::mouseClick(row->doneControl(), Qt::LeftButton);
         } else if (step == u"select") {
             rig.store().setSelection({idFor("a")}, idFor("a"));
+        } else if (step == u"hover") {
+            QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), row->mapToGlobal(QPointF(5, 5)));
+            QCoreApplication::sendEvent(row, &enter);
         } else if (step == u"edit") {
             QTest::mouseDClick(row, Qt::LeftButton, {}, inText(row));
             QVERIFY(QTest::qWaitFor([row] { return row->isEditing(); }));
@@ -463,7 +379,8 @@ void PanelListTest::clickOnALinkSelects()
     QFETCH(QString, selection);
     PanelTestRig rig(QStringLiteral("S1:a,b,c"));
     rig.store().updateNote(idFor("b"),
-        QStringLiteral("[the quarterly report for the board and its members](https://example.org/r)"));
+        QStringLiteral(
+            "[the quarterly report for the board and its members](https://example.org/r)"));
     ListWindow w(rig);
     OpenedUrls opened;
     QDesktopServices::setUrlHandler(QStringLiteral("https"), &opened, "open");
@@ -472,7 +389,8 @@ void PanelListTest::clickOnALinkSelects()
     NoteRowView *row = w.note(QStringLiteral("b"));
     QVERIFY(row);
     // On the first words of the text, which are the link's.
-    const QPoint onLink(NoteRowView::cardPaddingH + DoneControl::diameter + NoteRowView::spacing + 6,
+    const QPoint onLink(
+        NoteRowView::cardPaddingH + DoneControl::diameter + NoteRowView::spacing + 6,
         NoteRowView::rowPadding + NoteRowView::cardPaddingV + 6);
     QTest::mouseClick(row, Qt::LeftButton, Qt::KeyboardModifiers(modifiers), onLink);
     QCoreApplication::processEvents();
@@ -527,8 +445,24 @@ void PanelListTest::hoverFollowsThePointer()
     }
 }
 
-void PanelListTest::returnCommitsAnEdit()
+void PanelListTest::editInPlace_data()
 {
+    // clang-format off
+    QTest::addColumn<QString>("ending"); // how the edit ends
+    QTest::addColumn<QString>("text"); // the note's text afterwards
+
+    // Shift+Return adds a line; Return commits.
+    QTest::newRow("Return commits") << "return" << "bee\ntwo";
+    QTest::newRow("leaving the field commits") << "leave" << "bee\ntwo";
+    // Leaving afterwards saves nothing either.
+    QTest::newRow("Escape cancels") << "escape" << "b";
+    // clang-format on
+}
+
+void PanelListTest::editInPlace()
+{
+    QFETCH(QString, ending);
+    QFETCH(QString, text);
     PanelTestRig rig(QStringLiteral("S1:a,b,c"));
     ListWindow w(rig);
     NoteRowView *row = w.note(QStringLiteral("b"));
@@ -542,46 +476,20 @@ void PanelListTest::returnCommitsAnEdit()
     QCOMPARE(editor->toPlainText(), QStringLiteral("b"));
 
     QTest::keyClicks(editor, QStringLiteral("ee"));
-    // Shift+Return adds a line; Return commits.
     QTest::keyClick(editor, Qt::Key_Return, Qt::ShiftModifier);
     QTest::keyClicks(editor, QStringLiteral("two"));
-    QTest::keyClick(editor, Qt::Key_Return);
-    QCOMPARE(rig.store().note(idFor("b"))->text, QStringLiteral("bee\ntwo"));
+    if (ending == u"return") {
+        QTest::keyClick(editor, Qt::Key_Return);
+        QCOMPARE(rig.state().focusTarget(), PanelFocusTarget::List);
+    } else if (ending == u"escape") {
+        QTest::keyClick(editor, Qt::Key_Escape);
+        QVERIFY(!rig.store().canUndo());
+    }
+    w.other->setFocus(Qt::MouseFocusReason);
+    QCoreApplication::processEvents();
+    QCOMPARE(rig.store().note(idFor("b"))->text, text);
     QVERIFY(!rig.store().editingNoteID());
     QVERIFY(!row->isEditing());
-    QCOMPARE(rig.state().focusTarget(), PanelFocusTarget::List);
-}
-
-void PanelListTest::leavingTheFieldCommits()
-{
-    PanelTestRig rig(QStringLiteral("S1:a,b"));
-    ListWindow w(rig);
-    NoteRowView *row = w.note(QStringLiteral("a"));
-    QTest::mouseDClick(row, Qt::LeftButton, {}, inText(row));
-    QCoreApplication::processEvents();
-    QTest::keyClicks(row->editor()->editor(), QStringLiteral("nt"));
-    w.other->setFocus(Qt::MouseFocusReason);
-    QCoreApplication::processEvents();
-    QCOMPARE(rig.store().note(idFor("a"))->text, QStringLiteral("ant"));
-    QVERIFY(!rig.store().editingNoteID());
-}
-
-void PanelListTest::escapeCancels()
-{
-    PanelTestRig rig(QStringLiteral("S1:a,b"));
-    ListWindow w(rig);
-    NoteRowView *row = w.note(QStringLiteral("a"));
-    QTest::mouseDClick(row, Qt::LeftButton, {}, inText(row));
-    QCoreApplication::processEvents();
-    QTest::keyClicks(row->editor()->editor(), QStringLiteral("xyz"));
-    QTest::keyClick(row->editor()->editor(), Qt::Key_Escape);
-    QCOMPARE(rig.store().note(idFor("a"))->text, QStringLiteral("a"));
-    QVERIFY(!rig.store().editingNoteID());
-    QVERIFY(!rig.store().canUndo());
-    // Leaving afterwards saves nothing either.
-    w.other->setFocus(Qt::MouseFocusReason);
-    QCoreApplication::processEvents();
-    QCOMPARE(rig.store().note(idFor("a"))->text, QStringLiteral("a"));
 }
 
 void PanelListTest::anEditSurvivesScrollingAway()
@@ -848,26 +756,18 @@ void PanelListTest::headerRenamesInPlace()
 
 void PanelListTest::reveal_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("scrolledTo"); // the row at the top before, or none
     QTest::addColumn<QString>("anchor");
     QTest::addColumn<QString>("atTop"); // the row expected at the top; empty for centred
 
     // Near or far, the list glides until the row stands in the middle.
-    QTest::newRow("out of view below") << ""
-                                       << "n150"
-                                       << "";
-    QTest::newRow("out of view above") << "n150"
-                                       << "n20"
-                                       << "";
-    QTest::newRow("near the start the first row stays on top") << "n150"
-                                                               << "n1"
-                                                               << "S1";
-    QTest::newRow("in view") << "n100"
-                             << "n103"
-                             << "";
-    QTest::newRow("in view, partly under the composer") << "n100"
-                                                        << "straddling"
-                                                        << "";
+    QTest::newRow("out of view below") << "" << "n150" << "";
+    QTest::newRow("out of view above") << "n150" << "n20" << "";
+    QTest::newRow("near the start the first row stays on top") << "n150" << "n1" << "S1";
+    QTest::newRow("in view") << "n100" << "n103" << "";
+    QTest::newRow("in view, partly under the composer") << "n100" << "straddling" << "";
+    // clang-format on
 }
 
 void PanelListTest::reveal()
@@ -906,20 +806,16 @@ void PanelListTest::reveal()
 
 void PanelListTest::jump_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("scrolledTo");
     QTest::addColumn<QString>("section");
     QTest::addColumn<QString>("atTop"); // empty for centred
 
     // Sections of 30 notes: S3 is row 62, after note n59.
-    QTest::newRow("out of view") << ""
-                                 << "S6"
-                                 << "";
-    QTest::newRow("back to the first section") << "n200"
-                                               << "S1"
-                                               << "S1";
-    QTest::newRow("in view") << "n57"
-                             << "S3"
-                             << "";
+    QTest::newRow("out of view") << "" << "S6" << "";
+    QTest::newRow("back to the first section") << "n200" << "S1" << "S1";
+    QTest::newRow("in view") << "n57" << "S3" << "";
+    // clang-format on
 }
 
 void PanelListTest::jump()
@@ -950,20 +846,17 @@ void PanelListTest::jump()
 
 void PanelListTest::resetsScrollToTheTop_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("change");
     QTest::addColumn<QString>("atTop"); // empty for the top of the list
 
-    QTest::newRow("a collapse") << "collapse"
-                                << "";
-    QTest::newRow("a search") << "search"
-                              << "";
+    QTest::newRow("a collapse") << "collapse" << "";
+    QTest::newRow("a search") << "search" << "";
     // The rows shrink, and the next note, now anchored, is revealed.
-    QTest::newRow("a deletion") << "delete"
-                                << "anchor";
-    QTest::newRow("more rows") << "add"
-                               << "n120";
-    QTest::newRow("an edit") << "edit"
-                             << "n120";
+    QTest::newRow("a deletion") << "delete" << "anchor";
+    QTest::newRow("more rows") << "add" << "n120";
+    QTest::newRow("an edit") << "edit" << "n120";
+    // clang-format on
 }
 
 void PanelListTest::resetsScrollToTheTop()
@@ -999,30 +892,21 @@ void PanelListTest::resetsScrollToTheTop()
 
 void PanelListTest::drops_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("dragging");
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("target");
     QTest::addColumn<bool>("accepted");
     QTest::addColumn<QString>("after");
 
-    QTest::newRow("text on a row") << ""
-                                   << "from elsewhere"
+    QTest::newRow("text on a row") << "" << "from elsewhere"
                                    << "d" << true << "*S1:a,b,c|S2:d,e,from elsewhere";
-    QTest::newRow("text on a header") << ""
-                                      << "x"
-                                      << "S1" << true << "*S1:a,b,c,x|S2:d,e";
-    QTest::newRow("blank text") << ""
-                                << " \n "
-                                << "d" << false << "*S1:a,b,c|S2:d,e";
-    QTest::newRow("notes on a row") << "a,b"
-                                    << "a\n\nb"
-                                    << "e" << true << "*S1:c|S2:d,a,b,e";
-    QTest::newRow("notes on their own header") << "a"
-                                               << "a"
-                                               << "S1" << true << "*S1:b,c,a|S2:d,e";
-    QTest::newRow("text behind the rows") << ""
-                                          << "y"
-                                          << "list" << true << "*S1:a,b,c,y|S2:d,e";
+    QTest::newRow("text on a header") << "" << "x" << "S1" << true << "*S1:a,b,c,x|S2:d,e";
+    QTest::newRow("blank text") << "" << " \n " << "d" << false << "*S1:a,b,c|S2:d,e";
+    QTest::newRow("notes on a row") << "a,b" << "a\n\nb" << "e" << true << "*S1:c|S2:d,a,b,e";
+    QTest::newRow("notes on their own header") << "a" << "a" << "S1" << true << "*S1:b,c,a|S2:d,e";
+    QTest::newRow("text behind the rows") << "" << "y" << "list" << true << "*S1:a,b,c,y|S2:d,e";
+    // clang-format on
 }
 
 void PanelListTest::drops()

@@ -8,12 +8,12 @@
 #include "PanelTestRig.h"
 #include "TestEnvironment.h"
 
-#include "panel/HighlightedText.h"
-#include "panel/NoteRowActions.h"
-#include "panel/PanelDrop.h"
-#include "panel/RowAccessibility.h"
-#include "panel/SectionReorder.h"
-#include "panel/VirtualRowLayout.h"
+#include "panel/list/HighlightedText.h"
+#include "panel/list/NoteRowActions.h"
+#include "panel/list/PanelDrop.h"
+#include "panel/list/RowAccessibility.h"
+#include "panel/list/SectionReorder.h"
+#include "panel/list/VirtualRowLayout.h"
 
 #include <QMimeData>
 #include <QRandomGenerator>
@@ -104,49 +104,29 @@ private Q_SLOTS:
 
 void PanelLogicTest::highlightedText_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("query");
     QTest::addColumn<QString>("rendered");
 
-    QTest::newRow("no query keeps the parse") << "plain **b**"
-                                              << ""
-                                              << "plain {S:b}";
-    QTest::newRow("blank query keeps the parse") << "plain *e*"
-                                                 << " \t "
-                                                 << "plain {E:e}";
-    QTest::newRow("every occurrence, any case") << "Hello hello HELLO"
-                                                << "hello"
+    QTest::newRow("no query keeps the parse") << "plain **b**" << "" << "plain {S:b}";
+    QTest::newRow("blank query keeps the parse") << "plain *e*" << " \t " << "plain {E:e}";
+    QTest::newRow("every occurrence, any case") << "Hello hello HELLO" << "hello"
                                                 << "{SH:Hello} {SH:hello} {SH:HELLO}";
-    QTest::newRow("query in capitals marks lower case") << "a word here"
-                                                        << "WORD"
+    QTest::newRow("query in capitals marks lower case") << "a word here" << "WORD"
                                                         << "a {SH:word} here";
-    QTest::newRow("query trimmed") << "a word here"
-                                   << "  word "
-                                   << "a {SH:word} here";
-    QTest::newRow("no overlaps") << "aaa"
-                                 << "aa"
-                                 << "{SH:aa}a";
-    QTest::newRow("across a run's edge") << "x **ab**cd"
-                                         << "bc"
-                                         << "x {S:a}{SH:bc}d";
-    QTest::newRow("on the rendered characters") << "**bo**ld"
-                                                << "bold"
-                                                << "{SH:bold}";
-    QTest::newRow("markers are not matched") << "**x**"
-                                             << "**"
-                                             << "{S:x}";
-    QTest::newRow("inside a link") << "[docs](https://example.org) here"
-                                   << "doc"
+    QTest::newRow("query trimmed") << "a word here" << "  word " << "a {SH:word} here";
+    QTest::newRow("no overlaps") << "aaa" << "aa" << "{SH:aa}a";
+    QTest::newRow("across a run's edge") << "x **ab**cd" << "bc" << "x {S:a}{SH:bc}d";
+    QTest::newRow("on the rendered characters") << "**bo**ld" << "bold" << "{SH:bold}";
+    QTest::newRow("markers are not matched") << "**x**" << "**" << "{S:x}";
+    QTest::newRow("inside a link") << "[docs](https://example.org) here" << "doc"
                                    << "{SLH:doc}{L:s} here";
-    QTest::newRow("code keeps its attribute") << "run `a+b` now"
-                                              << "A+B"
-                                              << "run {SCH:a+b} now";
-    QTest::newRow("struck and emphasised") << "~~old~~ *new*"
-                                           << "ld n"
+    QTest::newRow("code keeps its attribute") << "run `a+b` now" << "A+B" << "run {SCH:a+b} now";
+    QTest::newRow("struck and emphasised") << "~~old~~ *new*" << "ld n"
                                            << "{X:o}{SXH:ld}{SH: }{ESH:n}{E:ew}";
-    QTest::newRow("no occurrence") << "**bold** text"
-                                   << "zzz"
-                                   << "{S:bold} text";
+    QTest::newRow("no occurrence") << "**bold** text" << "zzz" << "{S:bold} text";
+    // clang-format on
 }
 
 void PanelLogicTest::highlightedText()
@@ -254,6 +234,7 @@ void PanelLogicTest::editing()
 
 void PanelLogicTest::drop_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("dragging");
     QTest::addColumn<QStringList>("items");
     QTest::addColumn<QString>("section");
@@ -276,8 +257,7 @@ void PanelLogicTest::drop_data()
     QTest::newRow("a note before a row of another section") << "a" << QStringList {"a"} << "S2"
                                                             << "e" << moved << "*S1:b,c|S2:d,a,e";
     QTest::newRow("notes on their own header go to its end")
-        << "a,b" << QStringList {"a\n\nb"} << "S1"
-        << "" << moved << "*S1:c,a,b|S2:d,e";
+        << "a,b" << QStringList {"a\n\nb"} << "S1" << "" << moved << "*S1:c,a,b|S2:d,e";
     QTest::newRow("notes on a row of the drag") << "a,b" << QStringList() << "S1"
                                                 << "b" << moved << "*S1:a,b,c|S2:d,e";
     QTest::newRow("notes just after themselves") << "a,b" << QStringList() << "S1"
@@ -288,6 +268,7 @@ void PanelLogicTest::drop_data()
                                                 << "" << moved << "*S1:a,b,c|S2:d,e";
     QTest::newRow("dragged text from the panel is not added") << "d" << QStringList {"d"} << "S1"
                                                               << "" << moved << "*S1:a,b,c,d|S2:e";
+    // clang-format on
 }
 
 void PanelLogicTest::drop()
@@ -346,6 +327,7 @@ void PanelLogicTest::textOfADrag()
 
 void PanelLogicTest::reorderTarget_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("frames");
     QTest::addColumn<QString>("order");
     QTest::addColumn<QString>("dragged");
@@ -360,16 +342,13 @@ void PanelLogicTest::reorderTarget_data()
     QTest::newRow("to the top") << four << order << "S4" << -10.0 << "S1";
     QTest::newRow("on a middle goes below it") << four << order << "S4" << 42.0 << "S3";
     QTest::newRow("past the last") << four << order << "S2" << 200.0 << "";
-    QTest::newRow("past the last listed reaches the next section") << "S1@0,S2@30"
-                                                                   << "S1,S2,S3"
+    QTest::newRow("past the last listed reaches the next section") << "S1@0,S2@30" << "S1,S2,S3"
                                                                    << "S1" << 200.0 << "S3";
-    QTest::newRow("which may be the dragged one") << "S1@0,S2@30"
-                                                  << "S1,S2,S3"
+    QTest::newRow("which may be the dragged one") << "S1@0,S2@30" << "S1,S2,S3"
                                                   << "S3" << 200.0 << "S3";
-    QTest::newRow("no other headers") << "S1@0"
-                                      << "S1,S2"
-                                      << "S1" << 50.0 << "";
+    QTest::newRow("no other headers") << "S1@0" << "S1,S2" << "S1" << 50.0 << "";
     QTest::newRow("unsorted frames") << "S3@60,S1@0,S4@90,S2@30" << order << "S4" << 20.0 << "S2";
+    // clang-format on
 }
 
 void PanelLogicTest::reorderTarget()
@@ -385,6 +364,7 @@ void PanelLogicTest::reorderTarget()
 
 void PanelLogicTest::reorderMovesTheSection_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("frames");
     QTest::addColumn<QString>("dragged");
     QTest::addColumn<QList<double>>("translations");
@@ -396,9 +376,9 @@ void PanelLogicTest::reorderMovesTheSection_data()
     QTest::newRow("up to the top") << three << "S3" << QList<double> {-70} << "S3+:c|S1+:a|S2+:b";
     QTest::newRow("back where it was")
         << three << "S2" << QList<double> {40, 0} << "S1+:a|S2+:b|S3+:c";
-    QTest::newRow("without a frame it goes to the end")
-        << "S2@30,S3@60"
+    QTest::newRow("without a frame it goes to the end") << "S2@30,S3@60"
         << "S1" << QList<double> {-100} << "S2+:b|S3+:c|S1+:a";
+    // clang-format on
 }
 
 void PanelLogicTest::reorderMovesTheSection()

@@ -5,12 +5,13 @@
 // entry does. A menu is written as its entries joined by "|": "-" for a
 // rule, "~" after a disabled entry, ">" after a submenu, "#" before a heading.
 
-#include "StoreFixture.h"
+#include "MenuText.h"
+#include "PanelTestRig.h"
 #include "WidgetTestMain.h"
 
-#include "panel/PanelCommands.h"
-#include "panel/PanelMenus.h"
-#include "panel/PanelState.h"
+#include "panel/window/PanelCommands.h"
+#include "panel/window/PanelMenus.h"
+#include "panel/window/PanelState.h"
 #include "platform/Clipboard.h"
 #include "shell/Toast.h"
 
@@ -23,68 +24,20 @@
 #include <QSignalSpy>
 
 using namespace Vesko;
+using Test::describeMenu;
 using Test::idFor;
+using Test::menuEntry;
 using Test::noteIDs;
+using Test::notesOfSection;
+using Test::sectionTitles;
+using Test::submenu;
 
 namespace {
-
-QString describeMenu(const QMenu &menu)
-{
-    QStringList entries;
-    for (const QAction *action : menu.actions()) {
-        if (action->isSeparator()) {
-            entries.append(action->text().isEmpty() ? QStringLiteral("-") : u'#' + action->text());
-            continue;
-        }
-        QString entry = action->text();
-        if (action->menu())
-            entry += u'>';
-        if (!action->isEnabled())
-            entry += u'~';
-        entries.append(entry);
-    }
-    return entries.join(u'|');
-}
 
 QSet<QUuid> idSet(const QString &letters)
 {
     const QList<QUuid> ids = noteIDs(letters);
     return QSet<QUuid>(ids.begin(), ids.end());
-}
-
-QAction *entry(const QMenu &menu, const QString &title)
-{
-    for (QAction *action : menu.actions()) {
-        if (action->text() == title)
-            return action;
-    }
-    return nullptr;
-}
-
-QMenu *submenu(const QMenu &menu, const QString &title)
-{
-    QAction *action = entry(menu, title);
-    return action ? action->menu() : nullptr;
-}
-
-QStringList sectionTitles(const Store &store)
-{
-    QStringList titles;
-    for (const NoteSection &section : store.activeProject().sections)
-        titles.append(section.title);
-    return titles;
-}
-
-QStringList notesOfSection(const Store &store, const QString &title)
-{
-    QStringList letters;
-    for (const NoteSection &section : store.activeProject().sections) {
-        if (section.title != title)
-            continue;
-        for (const Note &note : section.notes)
-            letters.append(note.isDone ? note.text.toUpper() : note.text);
-    }
-    return letters;
 }
 
 } // namespace
@@ -142,89 +95,48 @@ void PanelMenusTest::cleanup()
 
 void PanelMenusTest::noteMenuEntries_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("project");
     QTest::addColumn<QString>("texts"); // letter=text pairs separated by ";"
     QTest::addColumn<QString>("target");
     QTest::addColumn<QString>("expanded");
     QTest::addColumn<QString>("expected");
 
-    const QString tail = QStringLiteral("|-|Add Attachment…|Paste Image or File|Move to>|-|Delete");
-    const QString tailDisabled
-        = QStringLiteral("|-|Add Attachment…~|Paste Image or File~|Move to>|-|Delete");
-    QTest::newRow("one short note") << "*Inbox:a,b"
-                                    << ""
-                                    << "a"
-                                    << ""
-                                    << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit|Edit in "
-                                       "New Window|Merge Notes~|Split into Notes~"
-            + tail;
-    QTest::newRow("three notes, one done")
-        << "*Inbox:a,B,c"
-        << ""
-        << "a,B,c"
-        << ""
-        << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit~|Edit in New Window~|Merge Notes|Split "
-           "into Notes~"
-            + tailDisabled;
-    QTest::newRow("all done") << "*Inbox:A,B"
-                              << ""
-                              << "a,b"
-                              << ""
-                              << "Copy|Copy as List|-|Mark as Not Done|Expand~|-|Edit~|Edit in New "
-                                 "Window~|Merge Notes|Split into Notes~"
-            + tailDisabled;
+    // The entries after "Copy as List" and before the attachments' entries,
+    // which are enabled for one note only.
+    const auto menu = [](bool one, const char *middle) {
+        return QStringLiteral("Copy|Copy as List|-|") + QString::fromUtf8(middle)
+            + (one ? QStringLiteral("|-|Add Attachment…|Paste Image or File|Move to>|-|Delete")
+                   : QStringLiteral("|-|Add Attachment…~|Paste Image or File~|Move to>|-|Delete"));
+    };
+    QTest::newRow("one short note") << "*Inbox:a,b" << "" << "a" << "" << menu(true,
+        "Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split into Notes~");
+    QTest::newRow("three notes, one done") << "*Inbox:a,B,c" << "" << "a,B,c" << "" << menu(false,
+        "Mark as Done|Expand~|-|Edit~|Edit in New Window~|Merge Notes|Split into Notes~");
+    QTest::newRow("all done") << "*Inbox:A,B" << "" << "a,b" << "" << menu(false,
+        "Mark as Not Done|Expand~|-|Edit~|Edit in New Window~|Merge Notes|Split into Notes~");
     QTest::newRow("three short lines are not long")
-        << "*Inbox:a"
-        << "a=one\ntwo\nthree"
-        << "a"
-        << ""
-        << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split "
-           "into Notes"
-            + tail;
-    QTest::newRow("four lines are long") << "*Inbox:a"
-                                         << "a=1\n2\n3\n4"
-                                         << "a"
-                                         << ""
-                                         << "Copy|Copy as List|-|Mark as Done|Expand|-|Edit|Edit "
-                                            "in New Window|Merge Notes~|Split into Notes"
-            + tail;
+        << "*Inbox:a" << "a=one\ntwo\nthree" << "a" << "" << menu(true,
+        "Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split into Notes");
+    QTest::newRow("four lines are long") << "*Inbox:a" << "a=1\n2\n3\n4" << "a" << "" << menu(true,
+        "Mark as Done|Expand|-|Edit|Edit in New Window|Merge Notes~|Split into Notes");
     QTest::newRow("121 characters are long")
-        << "*Inbox:a"
-        << "a=" + QString(121, u'x') << "a"
-        << ""
-        << "Copy|Copy as List|-|Mark as Done|Expand|-|Edit|Edit in New Window|Merge Notes~|Split "
-           "into Notes~"
-            + tail;
+        << "*Inbox:a" << "a=" + QString(121, u'x') << "a" << "" << menu(true,
+        "Mark as Done|Expand|-|Edit|Edit in New Window|Merge Notes~|Split into Notes~");
     QTest::newRow("120 accented characters are not long")
-        << "*Inbox:a"
-        << "a=" + QString(120, u'e') + QString(120, QChar(0x0301)) << "a"
-        << ""
-        << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split "
-           "into Notes~"
-            + tail;
+        << "*Inbox:a" << "a=" + QString(120, u'e') + QString(120, QChar(0x0301)) << "a" << ""
+        << menu(true,
+        "Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split into Notes~");
     QTest::newRow("one long note among two")
-        << "*Inbox:a,b"
-        << "b=" + QString(130, u'y') << "a,b"
-        << ""
-        << "Copy|Copy as List|-|Mark as Done|Expand|-|Edit~|Edit in New Window~|Merge Notes|Split "
-           "into Notes~"
-            + tailDisabled;
+        << "*Inbox:a,b" << "b=" + QString(130, u'y') << "a,b" << "" << menu(false,
+        "Mark as Done|Expand|-|Edit~|Edit in New Window~|Merge Notes|Split into Notes~");
     QTest::newRow("one expanded note reads Collapse")
-        << "*Inbox:a,b"
-        << ""
-        << "a,b"
-        << "b"
-        << "Copy|Copy as List|-|Mark as Done|Collapse~|-|Edit~|Edit in New Window~|Merge "
-           "Notes|Split into Notes~"
-            + tailDisabled;
+        << "*Inbox:a,b" << "" << "a,b" << "b" << menu(false,
+        "Mark as Done|Collapse~|-|Edit~|Edit in New Window~|Merge Notes|Split into Notes~");
     QTest::newRow("a missing note counts for nothing")
-        << "*Inbox:a"
-        << ""
-        << "a,zz"
-        << ""
-        << "Copy|Copy as List|-|Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split "
-           "into Notes~"
-            + tail;
+        << "*Inbox:a" << "" << "a,zz" << "" << menu(true,
+        "Mark as Done|Expand~|-|Edit|Edit in New Window|Merge Notes~|Split into Notes~");
+    // clang-format on
 }
 
 void PanelMenusTest::noteMenuEntries()
@@ -248,19 +160,16 @@ void PanelMenusTest::noteMenuEntries()
 
 void PanelMenusTest::markingFollowsTheToggleRule_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("project");
     QTest::addColumn<QString>("target");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("mixed becomes done") << "*Inbox:a,B,c"
-                                        << "a,b,c"
-                                        << "A,B,C";
-    QTest::newRow("all done becomes open") << "*Inbox:A,B,c"
-                                           << "a,b"
-                                           << "a,b,c";
-    QTest::newRow("a missing note counts as open") << "*Inbox:A"
-                                                   << "a,zz"
-                                                   << "A";
+    QTest::newRow("mixed becomes done") << "*Inbox:a,B,c" << "a,b,c" << "A,B,C";
+    QTest::newRow("mixed, the done one first") << "*Inbox:B,a" << "a,b" << "B,A";
+    QTest::newRow("all done becomes open") << "*Inbox:A,B,c" << "a,b" << "a,b,c";
+    QTest::newRow("a missing note counts as open") << "*Inbox:A" << "a,zz" << "A";
+    // clang-format on
 }
 
 void PanelMenusTest::markingFollowsTheToggleRule()
@@ -284,7 +193,7 @@ void PanelMenusTest::expandTogglesEachNote()
     store.toggleExpanded(idFor(QStringLiteral("b")));
     QMenu menu;
     fillNoteMenu(menu, store, *m_state, noteIDs(QStringLiteral("a,b")));
-    entry(menu, QStringLiteral("Collapse"))->trigger();
+    menuEntry(menu, QStringLiteral("Collapse"))->trigger();
     // Each note swaps: the collapsed one opens, the open one closes.
     QCOMPARE(store.expandedNoteIDs(), QSet<QUuid> {idFor(QStringLiteral("a"))});
 }
@@ -295,7 +204,7 @@ void PanelMenusTest::editSelectsThenEdits()
     store.setSelection({idFor(QStringLiteral("b"))}, idFor(QStringLiteral("b")));
     QMenu menu;
     fillNoteMenu(menu, store, *m_state, noteIDs(QStringLiteral("a")));
-    entry(menu, QStringLiteral("Edit"))->trigger();
+    menuEntry(menu, QStringLiteral("Edit"))->trigger();
     QCOMPARE(store.selection(), QSet<QUuid> {idFor(QStringLiteral("a"))});
     QCOMPARE(store.selectionAnchor(), idFor(QStringLiteral("a")));
     // The editor opens one turn of the event loop later, once the menu is gone.
@@ -309,14 +218,14 @@ void PanelMenusTest::deleteAndMergeAct()
     {
         QMenu menu;
         fillNoteMenu(menu, store, *m_state, noteIDs(QStringLiteral("c,a")));
-        entry(menu, QStringLiteral("Merge Notes"))->trigger();
+        menuEntry(menu, QStringLiteral("Merge Notes"))->trigger();
     }
     QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), (QStringList {"a\n\nc", "b"}));
     const qsizetype steps = store.undoStepCount();
     {
         QMenu menu;
         fillNoteMenu(menu, store, *m_state, noteIDs(QStringLiteral("b")));
-        entry(menu, QStringLiteral("Delete"))->trigger();
+        menuEntry(menu, QStringLiteral("Delete"))->trigger();
     }
     QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), QStringList {"a\n\nc"});
     QCOMPARE(store.undoStepCount(), steps + 1);
@@ -343,7 +252,7 @@ void PanelMenusTest::attachmentsSubmenu()
     QCOMPARE(describeMenu(*attachments), QStringLiteral("Pasted Image.png>"));
     QMenu *file = submenu(*attachments, QStringLiteral("Pasted Image.png"));
     QCOMPARE(describeMenu(*file), QStringLiteral("Open|Show in Files|-|Remove"));
-    entry(*file, QStringLiteral("Remove"))->trigger();
+    menuEntry(*file, QStringLiteral("Remove"))->trigger();
     QVERIFY(store.note(idFor(QStringLiteral("a")))->attachments.isEmpty());
 
     // Without attachments, or on two notes, there is no such submenu.
@@ -354,25 +263,19 @@ void PanelMenusTest::attachmentsSubmenu()
 
 void PanelMenusTest::moveToMenu_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("target");
     QTest::addColumn<QString>("expected");
     QTest::addColumn<QString>("choose");
     QTest::addColumn<QString>("after");
 
-    QTest::newRow("one note: its own section is disabled")
-        << "a"
-        << "Inbox~|Work|-|New Section…|-|Project>"
-        << "Work"
-        << "Inbox:b|Work:c,a";
-    QTest::newRow("two notes of one section: enabled, to its end")
-        << "a,b"
-        << "Inbox|Work|-|New Section…|-|Project>"
-        << "Inbox"
-        << "Inbox:a,b|Work:c";
-    QTest::newRow("notes of two sections") << "a,c"
-                                           << "Inbox|Work|-|New Section…|-|Project>"
-                                           << "Inbox"
-                                           << "Inbox:b,a,c|Work:";
+    QTest::newRow("one note: its own section is disabled") << "a"
+        << "Inbox~|Work|-|New Section…|-|Project>" << "Work" << "Inbox:b|Work:c,a";
+    QTest::newRow("two notes of one section: enabled, to its end") << "a,b"
+        << "Inbox|Work|-|New Section…|-|Project>" << "Inbox" << "Inbox:a,b|Work:c";
+    QTest::newRow("notes of two sections") << "a,c" << "Inbox|Work|-|New Section…|-|Project>"
+                                           << "Inbox" << "Inbox:b,a,c|Work:";
+    // clang-format on
 }
 
 void PanelMenusTest::moveToMenu()
@@ -391,7 +294,7 @@ void PanelMenusTest::moveToMenu()
     // The library's projects, the active one disabled.
     QCOMPARE(describeMenu(*submenu(*moveTo, QStringLiteral("Project"))), QStringLiteral("P~|Q"));
 
-    entry(*moveTo, choose)->trigger();
+    menuEntry(*moveTo, choose)->trigger();
     QStringList sections;
     for (const QString &title : sectionTitles(store))
         sections.append(title + u':' + notesOfSection(store, title).join(u','));
@@ -405,7 +308,7 @@ void PanelMenusTest::moveToNewSectionWaitsForThePrompt()
     QMenu menu;
     fillNoteMenu(menu, store, *m_state, noteIDs(QStringLiteral("a,c")));
     QMenu *moveTo = submenu(menu, QStringLiteral("Move to"));
-    entry(*moveTo, QStringLiteral("New Section…"))->trigger();
+    menuEntry(*moveTo, QStringLiteral("New Section…"))->trigger();
     QVERIFY(m_state->isShowing(PanelLayer::NewSection));
     QCOMPARE(m_state->pendingMoveIDs(), noteIDs(QStringLiteral("a,c")));
     // Nothing moves before the prompt commits.
@@ -414,7 +317,7 @@ void PanelMenusTest::moveToNewSectionWaitsForThePrompt()
     // To another project: into its Inbox, and the selection goes.
     QMenu again;
     fillNoteMenu(again, store, *m_state, noteIDs(QStringLiteral("b")));
-    entry(*submenu(*submenu(again, QStringLiteral("Move to")), QStringLiteral("Project")),
+    menuEntry(*submenu(*submenu(again, QStringLiteral("Move to")), QStringLiteral("Project")),
         QStringLiteral("Q"))
         ->trigger();
     QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), QStringList {"a"});
@@ -426,34 +329,28 @@ void PanelMenusTest::moveToNewSectionWaitsForThePrompt()
 
 void PanelMenusTest::sectionMenuEntries_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("project");
     QTest::addColumn<QString>("section");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("the active, first section")
-        << "*Inbox:a|Work:b|Later:"
-        << "Inbox"
+    QTest::newRow("the active, first section") << "*Inbox:a|Work:b|Later:" << "Inbox"
         << "Use as Active Section~|-|Rename Section|Collapse Section|Select All in Section|Copy "
            "Section as List|-|Move Up~|Move Down|Move to Top~|Move to Bottom|-|New Section…|Delete "
            "Section";
-    QTest::newRow("a middle section")
-        << "*Inbox:a|Work:b|Later:"
-        << "Work"
+    QTest::newRow("a middle section") << "*Inbox:a|Work:b|Later:" << "Work"
         << "Use as Active Section|-|Rename Section|Collapse Section|Select All in Section|Copy "
            "Section as List|-|Move Up|Move Down|Move to Top|Move to Bottom|-|New Section…|Delete "
            "Section";
-    QTest::newRow("the last, collapsed section")
-        << "*Inbox:a|Work:b|Later+:"
-        << "Later"
+    QTest::newRow("the last, collapsed section") << "*Inbox:a|Work:b|Later+:" << "Later"
         << "Use as Active Section|-|Rename Section|Expand Section|Select All in Section|Copy "
            "Section as List|-|Move Up|Move Down~|Move to Top|Move to Bottom~|-|New Section…|Delete "
            "Section";
-    QTest::newRow("the only section")
-        << "*Inbox:a"
-        << "Inbox"
+    QTest::newRow("the only section") << "*Inbox:a" << "Inbox"
         << "Use as Active Section~|-|Rename Section|Collapse Section|Select All in Section|Copy "
            "Section as List|-|Move Up~|Move Down~|Move to Top~|Move to Bottom~|-|New "
            "Section…|Delete Section~";
+    // clang-format on
 }
 
 void PanelMenusTest::sectionMenuEntries()
@@ -475,7 +372,7 @@ void PanelMenusTest::sectionMenuActs()
     auto choose = [&](const QString &title) {
         QMenu menu;
         fillSectionMenu(menu, store, *m_state, work);
-        QAction *action = entry(menu, title);
+        QAction *action = menuEntry(menu, title);
         QVERIFY2(action, qPrintable(title));
         action->trigger();
     };
@@ -520,21 +417,21 @@ void PanelMenusTest::overflowMenuEntries()
             "|#View|Show Completed|Completed at Bottom|Newest First"
             "|-|Copy All as List|Clear Completed|Export as Markdown…|Show Notes File in Files"
             "|-|Reset Window Position|Reset Window Size|Keyboard Shortcuts…|Settings…|Quit Vesko"));
-    QVERIFY(entry(menu, QStringLiteral("P"))->isChecked());
-    QVERIFY(!entry(menu, QStringLiteral("Inbox"))->isChecked());
-    QVERIFY(entry(menu, QStringLiteral("Work"))->isChecked());
+    QVERIFY(menuEntry(menu, QStringLiteral("P"))->isChecked());
+    QVERIFY(!menuEntry(menu, QStringLiteral("Inbox"))->isChecked());
+    QVERIFY(menuEntry(menu, QStringLiteral("Work"))->isChecked());
     // The view toggles show the preferences as they stand (defaults of a new user).
-    QCOMPARE(entry(menu, QStringLiteral("Show Completed"))->isChecked(),
+    QCOMPARE(menuEntry(menu, QStringLiteral("Show Completed"))->isChecked(),
         m_fixture->preferences().showCompleted());
-    QCOMPARE(entry(menu, QStringLiteral("Newest First"))->isChecked(),
+    QCOMPARE(menuEntry(menu, QStringLiteral("Newest First"))->isChecked(),
         m_fixture->preferences().newestFirst());
 
     // With two projects, the active one can go.
     Store &two = m_fixture->make({QStringLiteral("*Inbox:a"), QStringLiteral("Inbox:b")});
     QMenu second;
     fillOverflowMenu(second, two, *m_state, m_fixture->preferences());
-    QVERIFY(entry(second, QStringLiteral("Delete Project"))->isEnabled());
-    entry(second, QStringLiteral("Delete Project"))->trigger();
+    QVERIFY(menuEntry(second, QStringLiteral("Delete Project"))->isEnabled());
+    menuEntry(second, QStringLiteral("Delete Project"))->trigger();
     QCOMPARE(two.library().projects.size(), 1);
     QCOMPARE(two.activeProject().name, QStringLiteral("Q"));
 }
@@ -546,7 +443,7 @@ void PanelMenusTest::overflowMenuActs()
     auto choose = [&](const QString &title) {
         QMenu menu;
         fillOverflowMenu(menu, store, *m_state, m_fixture->preferences());
-        QAction *action = entry(menu, title);
+        QAction *action = menuEntry(menu, title);
         QVERIFY2(action, qPrintable(title));
         action->trigger();
     };
@@ -586,52 +483,26 @@ void PanelMenusTest::overflowMenuActs()
 
 void PanelMenusTest::keysInTheDesktopConvention_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("menu");
     QTest::addColumn<QString>("title");
     QTest::addColumn<QString>("keys");
 
-    QTest::newRow("copy") << "note"
-                          << "Copy"
-                          << "Ctrl+C";
-    QTest::newRow("copy as list") << "note"
-                                  << "Copy as List"
-                                  << "Ctrl+Shift+C";
-    QTest::newRow("mark") << "note"
-                          << "Mark as Done"
-                          << "Space";
-    QTest::newRow("edit") << "note"
-                          << "Edit"
-                          << "Return";
-    QTest::newRow("edit in new window") << "note"
-                                        << "Edit in New Window"
-                                        << "Ctrl+Return";
-    QTest::newRow("merge") << "note"
-                           << "Merge Notes"
-                           << "Ctrl+Shift+M";
-    QTest::newRow("delete") << "note"
-                            << "Delete"
-                            << "Ctrl+Backspace";
-    QTest::newRow("split has none") << "note"
-                                    << "Split into Notes"
-                                    << "";
-    QTest::newRow("new project") << "overflow"
-                                 << "New Project…"
-                                 << "Ctrl+Alt+N";
-    QTest::newRow("switch section") << "overflow"
-                                    << "Switch Section…"
-                                    << "Ctrl+K";
-    QTest::newRow("new section") << "overflow"
-                                 << "New Section…"
-                                 << "Ctrl+Shift+N";
-    QTest::newRow("shortcuts") << "overflow"
-                               << "Keyboard Shortcuts…"
-                               << "Ctrl+/";
-    QTest::newRow("settings") << "overflow"
-                              << "Settings…"
-                              << "Ctrl+,";
-    QTest::newRow("quit") << "overflow"
-                          << "Quit Vesko"
-                          << "Ctrl+Q";
+    QTest::newRow("copy") << "note" << "Copy" << "Ctrl+C";
+    QTest::newRow("copy as list") << "note" << "Copy as List" << "Ctrl+Shift+C";
+    QTest::newRow("mark") << "note" << "Mark as Done" << "Space";
+    QTest::newRow("edit") << "note" << "Edit" << "Return";
+    QTest::newRow("edit in new window") << "note" << "Edit in New Window" << "Ctrl+Return";
+    QTest::newRow("merge") << "note" << "Merge Notes" << "Ctrl+Shift+M";
+    QTest::newRow("delete") << "note" << "Delete" << "Ctrl+Backspace";
+    QTest::newRow("split has none") << "note" << "Split into Notes" << "";
+    QTest::newRow("new project") << "overflow" << "New Project…" << "Ctrl+Alt+N";
+    QTest::newRow("switch section") << "overflow" << "Switch Section…" << "Ctrl+K";
+    QTest::newRow("new section") << "overflow" << "New Section…" << "Ctrl+Shift+N";
+    QTest::newRow("shortcuts") << "overflow" << "Keyboard Shortcuts…" << "Ctrl+/";
+    QTest::newRow("settings") << "overflow" << "Settings…" << "Ctrl+,";
+    QTest::newRow("quit") << "overflow" << "Quit Vesko" << "Ctrl+Q";
+    // clang-format on
 }
 
 void PanelMenusTest::keysInTheDesktopConvention()
@@ -646,7 +517,7 @@ void PanelMenusTest::keysInTheDesktopConvention()
         fillNoteMenu(filled, store, *m_state, noteIDs(QStringLiteral("a")));
     else
         fillOverflowMenu(filled, store, *m_state, m_fixture->preferences());
-    QAction *action = entry(filled, title);
+    QAction *action = menuEntry(filled, title);
     QVERIFY(action);
     QCOMPARE(action->shortcut().toString(QKeySequence::NativeText), keys);
 }
@@ -672,13 +543,13 @@ void PanelMenusTest::hooksReachTheProgram()
     fillNoteMenu(note, store, *m_state, noteIDs(QStringLiteral("a")));
     for (const QString &title : {QStringLiteral("Edit in New Window"),
              QStringLiteral("Add Attachment…"), QStringLiteral("Paste Image or File")})
-        entry(note, title)->trigger();
+        menuEntry(note, title)->trigger();
     QMenu overflow;
     fillOverflowMenu(overflow, store, *m_state, m_fixture->preferences());
     for (const QString &title :
         {QStringLiteral("Reset Window Position"), QStringLiteral("Reset Window Size"),
             QStringLiteral("Settings…"), QStringLiteral("Quit Vesko")})
-        entry(overflow, title)->trigger();
+        menuEntry(overflow, title)->trigger();
     QCOMPARE(calls,
         (QStringList {"window a", "add a", "paste a", "position", "size", "settings", "quit"}));
     PanelCommands::shared().setHooks({});
@@ -689,20 +560,20 @@ void PanelMenusTest::copyEntries()
     Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b|Work+:c")});
     QMenu note;
     fillNoteMenu(note, store, *m_state, noteIDs(QStringLiteral("b,a")));
-    entry(note, QStringLiteral("Copy as List"))->trigger();
+    menuEntry(note, QStringLiteral("Copy as List"))->trigger();
     // In the panel's order, numbered from 1 (the style a new user has).
     QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. a\n2. b"));
-    entry(note, QStringLiteral("Copy"))->trigger();
+    menuEntry(note, QStringLiteral("Copy"))->trigger();
     QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("a\n\nb"));
 
     // A collapsed section's notes are not in the rows: nothing is copied.
     QMenu section;
     fillSectionMenu(section, store, *m_state, idFor(QStringLiteral("P/Work")));
-    entry(section, QStringLiteral("Copy Section as List"))->trigger();
+    menuEntry(section, QStringLiteral("Copy Section as List"))->trigger();
     QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("a\n\nb"));
     QMenu overflow;
     fillOverflowMenu(overflow, store, *m_state, m_fixture->preferences());
-    entry(overflow, QStringLiteral("Copy All as List"))->trigger();
+    menuEntry(overflow, QStringLiteral("Copy All as List"))->trigger();
     QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. a\n2. b"));
 }
 
@@ -712,7 +583,7 @@ void PanelMenusTest::exportWritesTheFileAndSaysSo()
     QWidget owner;
     QMenu overflow(&owner);
     fillOverflowMenu(overflow, store, *m_state, m_fixture->preferences());
-    entry(overflow, QStringLiteral("Export as Markdown…"))->trigger();
+    menuEntry(overflow, QStringLiteral("Export as Markdown…"))->trigger();
 
     // The save dialog is open without blocking, with the name to suggest.
     auto *dialog = qobject_cast<QFileDialog *>(PanelCommands::shared().exportDialog());
@@ -763,22 +634,16 @@ void PanelMenusTest::failedExportSaysWhy()
 
 void PanelMenusTest::menuTargetFollowsTheSelection_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("selection");
     QTest::addColumn<QString>("row");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("outside the selection") << "a,b"
-                                           << "c"
-                                           << "c";
-    QTest::newRow("the only selected note") << "b"
-                                            << "b"
-                                            << "b";
-    QTest::newRow("one of several, in row order") << "c,a"
-                                                  << "c"
-                                                  << "a,c";
-    QTest::newRow("nothing selected") << ""
-                                      << "a"
-                                      << "a";
+    QTest::newRow("outside the selection") << "a,b" << "c" << "c";
+    QTest::newRow("the only selected note") << "b" << "b" << "b";
+    QTest::newRow("one of several, in row order") << "c,a" << "c" << "a,c";
+    QTest::newRow("nothing selected") << "" << "a" << "a";
+    // clang-format on
 }
 
 void PanelMenusTest::menuTargetFollowsTheSelection()

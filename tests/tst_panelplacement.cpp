@@ -6,7 +6,7 @@
 
 #include "TestEnvironment.h"
 
-#include "panel/PanelPlacement.h"
+#include "panel/window/PanelPlacement.h"
 
 using namespace Vesko;
 

@@ -6,7 +6,7 @@
 
 #include "TestEnvironment.h"
 
-#include "panel/PanelState.h"
+#include "panel/window/PanelState.h"
 
 #include <QSignalSpy>
 

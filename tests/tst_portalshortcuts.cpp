@@ -4,7 +4,8 @@
 // with a backend of the test's own (helpers/portal_backend) playing the
 // desktop: the hot-key center offers its four combinations in the portal's
 // trigger form and shows the triggers the desktop reports; a press reaches
-// its action once, the keys' release is told; a refusal and a session the
+// its action once, the keys' release is told, and a release never told
+// lapses; a refusal and a session the
 // desktop ends, or a desktop that never answers, come to a state the Capture
 // tab words, never a wait.
 
@@ -146,7 +147,11 @@ void PortalShortcutsTest::session()
         });
         HotKeyCenter hotKeys(portal);
         QList<HotKeyAction> pressed;
-        hotKeys.setHandler([&pressed](HotKeyAction action) { pressed.append(action); });
+        QString tokenAtPress; // the panel asks for the focus with it
+        hotKeys.setHandler([&pressed, &tokenAtPress](HotKeyAction action) {
+            pressed.append(action);
+            tokenAtPress = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
+        });
         hotKeys.installEventHandler();
         portal.start();
         hotKeys.registerAll();
@@ -167,15 +172,18 @@ void PortalShortcutsTest::session()
             for (const auto &[action, trigger] : triggers)
                 QCOMPARE(hotKeys.desktopTrigger(action), QString::fromLatin1(trigger));
 
-            // One press per activation, however long the keys stay down;
-            // their release is told.
+            // One press per activation, however long the keys stay down,
+            // with the desktop's activation token; their release is told.
+            qunsetenv("XDG_ACTIVATION_TOKEN");
             QSignalSpy released(&portal, &PortalGlobalShortcuts::keysReleased);
-            order(QStringLiteral("Activate"), {QStringLiteral("captureSelection")});
+            order(QStringLiteral("Activate"),
+                {QStringLiteral("captureSelection"), QStringLiteral("token-of-the-press")});
             order(QStringLiteral("Activate"), {QStringLiteral("captureSelection")});
             QTRY_VERIFY_WITH_TIMEOUT(portal.areKeysHeld(), 10000);
             order(QStringLiteral("Deactivate"), {QStringLiteral("captureSelection")});
             QTRY_COMPARE_WITH_TIMEOUT(released.count(), 1, 10000);
             QCOMPARE(pressed, QList<HotKeyAction> {HotKeyAction::CaptureSelection});
+            QCOMPARE(tokenAtPress, QStringLiteral("token-of-the-press"));
 
             // The user gives a shortcut other keys in the desktop's settings.
             QSignalSpy changed(&hotKeys, &HotKeyCenter::registrationsChanged);
@@ -184,10 +192,24 @@ void PortalShortcutsTest::session()
             QTRY_COMPARE_WITH_TIMEOUT(hotKeys.desktopTrigger(HotKeyAction::QuickAdd),
                 QStringLiteral("Ctrl+Alt+Q"), 10000);
             QVERIFY(changed.count() >= 1);
+
+            // A release the desktop never tells holds the keys only for a
+            // while: the next press of the shortcut counts again.
+            order(QStringLiteral("Activate"), {QStringLiteral("quickAdd")});
+            QTRY_COMPARE_WITH_TIMEOUT(pressed.count(HotKeyAction::QuickAdd), 1, 10000);
+            QVERIFY(portal.areKeysHeld());
+            QTRY_VERIFY_WITH_TIMEOUT(!portal.areKeysHeld(), 10000);
+            order(QStringLiteral("Activate"), {QStringLiteral("quickAdd")});
+            QTRY_COMPARE_WITH_TIMEOUT(pressed.count(HotKeyAction::QuickAdd), 2, 10000);
         }
         if (desktopCloses) {
+            // Keys down as the session ends are up for whoever waits on them.
+            QSignalSpy released(&portal, &PortalGlobalShortcuts::keysReleased);
+            order(QStringLiteral("Activate"), {QStringLiteral("copySelectionAsList")});
+            QTRY_VERIFY_WITH_TIMEOUT(portal.areKeysHeld(), 10000);
             order(QStringLiteral("CloseSessions"));
             QTRY_COMPARE_WITH_TIMEOUT(int(portal.state()), int(State::Closed), 10000);
+            QCOMPARE(released.count(), 1);
             // A press after the end reaches no action.
             order(QStringLiteral("Activate"), {QStringLiteral("togglePanel")});
         }

@@ -6,7 +6,8 @@
 // tab says why capture is unavailable, the interval slider keeps its bounds,
 // the library moves to another folder and back through the Storage tab's
 // dialog with its attachments, a move to a read-only folder shows its
-// failure, and the window is made once and keeps its place.
+// failure (of the attachments' copy or of the notes file's write), and the
+// window is made once and keeps its place.
 
 #include "TestEnvironment.h"
 
@@ -16,6 +17,7 @@
 #include "shell/CaptureSettingsView.h"
 #include "shell/CaptureStatus.h"
 #include "shell/GeneralSettingsView.h"
+#include "shell/SessionCapabilities.h"
 #include "shell/SettingsWindowController.h"
 #include "shell/ShortcutRecorderView.h"
 #include "shell/UpdateController.h"
@@ -39,6 +41,7 @@
 using namespace Vesko;
 
 Q_DECLARE_METATYPE(Vesko::CaptureCapabilities)
+Q_DECLARE_METATYPE(Vesko::SessionFindings)
 
 namespace {
 
@@ -79,8 +82,9 @@ QString dataFolder()
     return Test::IsolatedEnvironment::current().dataHome() + QStringLiteral("/Vesko");
 }
 
-//! A library of one note that has one attachment, written with its file at \a libraryPath.
-void writeLibraryWithAttachment(const QString &libraryPath)
+//! A library of one note, written at \a libraryPath, with one attachment and its
+//! file unless \a attached is false.
+void writeLibraryWithAttachment(const QString &libraryPath, bool attached = true)
 {
     Library library = makeDefaultLibrary();
     Note note;
@@ -94,9 +98,12 @@ void writeLibraryWithAttachment(const QString &libraryPath)
         = attachment.id.toString(QUuid::WithoutBraces) + QStringLiteral("/picture.png");
     attachment.kind = NoteAttachment::Kind::Image;
     attachment.createdAt = note.createdAt;
-    note.attachments.append(attachment);
+    if (attached)
+        note.attachments.append(attachment);
     library.projects[0].sections[0].notes.append(note);
     QVERIFY(!writeLibrary(library, libraryPath));
+    if (!attached)
+        return;
     const QString file = attachmentsFolder(libraryPath) + u'/' + attachment.storedFileName;
     QDir().mkpath(QFileInfo(file).absolutePath());
     QFile out(file);
@@ -175,11 +182,12 @@ private Q_SLOTS:
     void captureTabSaysWhy();
     void captureTabWordsEachCapability_data();
     void captureTabWordsEachCapability();
+    void kwinrcTurnsOnShiftTaps_data();
+    void kwinrcTurnsOnShiftTaps();
     void shortcutSettingsOfTheDesktop_data();
     void shortcutSettingsOfTheDesktop();
     void intervalSliderKeepsItsBounds();
     void moveThereAndBackThroughTheDialog();
-    void moveToReadOnlyFolderShowsTheFailure();
     void housekeepingCounts();
     void windowIsMadeOnceAndKeepsItsPlace();
     void appearanceRebuildsTheWindowOnItsTab();
@@ -190,7 +198,6 @@ private Q_SLOTS:
     void doubleShiftToggleStartsAndStopsTheListener_data();
     void doubleShiftToggleStartsAndStopsTheListener();
     void exportAllWritesTheFile();
-    void aboutTabTexts_data();
     void aboutTabTexts();
     void updateControllerStaysStoppedAndInstallsAStagedUpdate();
 
@@ -223,24 +230,22 @@ void SettingsViewsTest::cleanup()
 
 void SettingsViewsTest::togglesWriteTheSettingsFile_data()
 {
+    // clang-format off
     QTest::addColumn<int>("tab");
     QTest::addColumn<QString>("label");
     QTest::addColumn<QString>("key");
     QTest::addColumn<bool>("before");
-    QTest::newRow("all workspaces") << 0 << "Show on all workspaces"
-                                    << "joinsAllSpaces" << true;
-    QTest::newRow("on top") << 0 << "Always on top"
-                            << "pinOnTop" << false;
-    QTest::newRow("tray") << 0 << "Show in the system tray"
-                          << "showsInMenuBar" << true;
-    QTest::newRow("taskbar") << 0 << "Show in the taskbar"
-                             << "showsInDock" << false;
+    QTest::newRow("all workspaces") << 0 << "Show on all workspaces" << "joinsAllSpaces" << true;
+    QTest::newRow("on top") << 0 << "Always on top" << "pinOnTop" << false;
+    QTest::newRow("tray") << 0 << "Show in the system tray" << "showsInMenuBar" << true;
+    QTest::newRow("taskbar") << 0 << "Show in the taskbar" << "showsInDock" << false;
     QTest::newRow("markdown") << 0 << "Keep Markdown when copying"
                               << "copyIncludesMarkdown" << true;
     QTest::newRow("double shift") << 1 << "Capture with Shift pressed twice"
                                   << "doubleShiftEnabled" << true;
     QTest::newRow("panel on capture") << 1 << "Bring the panel forward on capture"
                                       << "showPanelOnCapture" << true;
+    // clang-format on
 }
 
 void SettingsViewsTest::togglesWriteTheSettingsFile()
@@ -262,26 +267,16 @@ void SettingsViewsTest::togglesWriteTheSettingsFile()
 
 void SettingsViewsTest::pickersWriteTheSettingsFile_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("label");
     QTest::addColumn<QString>("choice");
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("stored");
-    QTest::newRow("appearance") << "Appearance"
-                                << "Dark"
-                                << "appearance"
-                                << "dark";
-    QTest::newRow("window position") << "Window position"
-                                     << "Left"
-                                     << "panelEdge"
-                                     << "left";
-    QTest::newRow("list style") << "Copy as List uses"
-                                << "- - -"
-                                << "listStyle"
-                                << "dash";
-    QTest::newRow("no marker") << "Copy as List uses"
-                               << "No marker"
-                               << "listStyle"
-                               << "plain";
+    QTest::newRow("appearance") << "Appearance" << "Dark" << "appearance" << "dark";
+    QTest::newRow("window position") << "Window position" << "Left" << "panelEdge" << "left";
+    QTest::newRow("list style") << "Copy as List uses" << "- - -" << "listStyle" << "dash";
+    QTest::newRow("no marker") << "Copy as List uses" << "No marker" << "listStyle" << "plain";
+    // clang-format on
 }
 
 void SettingsViewsTest::pickersWriteTheSettingsFile()
@@ -446,13 +441,17 @@ void SettingsViewsTest::captureTabSaysWhy()
 void SettingsViewsTest::captureTabWordsEachCapability_data()
 {
     using C = CaptureCapabilities;
+    using W = SessionFindings::Windowing;
+    // What each kind of session offers, what capture then can do there, and
+    // how the tab says it.
+    QTest::addColumn<SessionFindings>("findings");
     QTest::addColumn<CaptureCapabilities>("capabilities");
     QTest::addColumn<QString>("desktop");
-    QTest::addColumn<int>("portalState"); // -1: no portal asked
     QTest::addColumn<QStringList>("shown");
     QTest::addColumn<QStringList>("hidden");
     QTest::addColumn<QString>("recorderText"); // empty: the recorders are hidden
     QTest::addColumn<QString>("swayLines");
+    QTest::addColumn<QString>("kwinLines");
     QTest::addColumn<bool>("canCapture");
 
     const QString portalShortcuts = QStringLiteral(
@@ -463,95 +462,183 @@ void SettingsViewsTest::captureTabWordsEachCapability_data()
     const QString gnomeAdvice = QStringLiteral(
         "In Settings > Keyboard > Custom Shortcuts (under “View and Customize Shortcuts”), add "
         "a shortcut for each command: a name, the command, and the keys.");
+    const QString kdeAdvice
+        = QStringLiteral("In System Settings > Keyboard > Shortcuts, choose “Add New” > "
+                         "“Command or Script” for each command and give it keys.");
     const QString unknownSource = QStringLiteral(
         "Source: This desktop does not tell which application is in front, so captured notes "
         "are filed under “Unknown”.");
+    const QString accessibleSource
+        = QStringLiteral("Source: The application and window in front are read through the "
+                         "accessibility bus, and captured notes are filed under them.");
+    const QString readsSelection
+        = QStringLiteral("Selected text: Read from the application in front when you capture.");
+    const QString noCopy = QStringLiteral(
+        "Copy: Vesko cannot press Ctrl+Insert here: select the text before you capture.");
+    const QString compositorShift
+        = QStringLiteral("Double Shift: Your desktop passes each Shift release to Vesko.");
+    const QString noShift = QStringLiteral(
+        "Double Shift: Not available on this desktop; use the capture shortcut instead.");
+    const QString kwinShiftOff
+        = QStringLiteral("Double Shift: Run the two commands under Double Shift once to have "
+                         "KWin pass each lone Shift release to Vesko.");
     const QString refused = QStringLiteral("The desktop refused Vesko's shortcuts. Bind the "
                                            "commands below in its keyboard settings instead.");
     const QStringList commands {QStringLiteral("vesko toggle"), QStringLiteral("vesko capture"),
         QStringLiteral("vesko quick-add"), QStringLiteral("vesko copy-list")};
+    const QString kwinLines = QStringLiteral(
+        "kwriteconfig6 --file kwinrc --group ModifierOnlyShortcuts --key Shift "
+        "\"com.vesko.Vesko,/com/vesko/Vesko,com.vesko.Vesko.Notes,ShiftTapped\"\n"
+        "dbus-send --session --type=method_call --dest=org.kde.KWin /KWin "
+        "org.kde.KWin.reconfigure\n");
 
+    const auto session = [](W windowing, bool x11CaptureAvailable = false) {
+        SessionFindings found;
+        found.windowing = windowing;
+        found.x11CaptureAvailable = x11CaptureAvailable;
+        return found;
+    };
+    const SessionFindings x11 = session(W::X11, true);
     QTest::newRow("X11")
+        << x11
         << C {C::HotKeys::KeyGrab, C::Selection::PrimarySelection, C::Source::WindowProperties,
                C::Copy::SyntheticKeys, C::DoubleShift::KeyMonitor}
-        << "GNOME" << -1
+        << "GNOME"
         << QStringList {QStringLiteral("Shortcuts: Vesko holds its shortcuts itself."),
                QStringLiteral("Copy: When an application keeps no selection, Vesko presses "
                               "Ctrl+Insert for you.")}
-        << (QStringList(commands) << gnomeAdvice) << "Super+Alt+Space" << QString() << true;
-    QTest::newRow("GNOME, the portal's shortcuts")
-        << C {C::HotKeys::Portal, C::Selection::OnPanelFocus, C::Source::Accessibility,
-               C::Copy::None, C::DoubleShift::None}
-        << "GNOME" << int(PortalShortcutsState::Bound)
-        << QStringList {portalShortcuts,
-               QStringLiteral("Selected text: Read as the panel comes forward, so capture with "
-                              "a shortcut that runs “vesko capture”."),
-               QStringLiteral("Double Shift: Not available on this desktop; use the capture "
-                              "shortcut instead.")}
-        << (QStringList(commands) << gnomeAdvice << refused) << "Alt+F12" << QString() << true;
-    QTest::newRow("GNOME without the portal")
-        << C {C::HotKeys::None, C::Selection::OnPanelFocus, C::Source::None, C::Copy::None,
-               C::DoubleShift::None}
-        << "ubuntu:GNOME" << int(PortalShortcutsState::Absent)
-        << (QStringList {noShortcuts, gnomeAdvice, unknownSource} << commands)
-        << QStringList {portalShortcuts} << QString() << QString() << true;
-    QTest::newRow("KDE, the portal refused")
-        << C {C::HotKeys::None, C::Selection::PrimarySelection, C::Source::Accessibility,
-               C::Copy::None, C::DoubleShift::None}
-        << "KDE" << int(PortalShortcutsState::Refused)
-        << (QStringList {refused,
-                QStringLiteral("In System Settings > Keyboard > Shortcuts, choose “Add New” > "
-                               "“Command or Script” for each command and give it keys.")}
-               << commands)
-        << QStringList {gnomeAdvice} << QString() << QString() << true;
-    QTest::newRow("sway")
-        << C {C::HotKeys::None, C::Selection::PrimarySelection, C::Source::ForeignToplevel,
-               C::Copy::SyntheticKeys, C::DoubleShift::CompositorBinding}
-        << "sway" << int(PortalShortcutsState::Absent)
+        << (QStringList(commands) << gnomeAdvice) << "Super+Alt+Space" << QString() << QString()
+        << true;
+    QTest::newRow("X11 without its extensions")
+        << session(W::X11) << C {} << "XFCE"
         << QStringList {noShortcuts,
+               QStringLiteral("Selected text: This desktop does not let Vesko read it. Paste "
+                              "text into the composer instead."),
+               noShift}
+        << QStringList {} << QString() << QString() << QString() << false;
+
+    // sway: data control, foreign toplevel, virtual keyboard, bindsym --release.
+    SessionFindings sway = session(W::Wayland);
+    sway.compositor = {C::HotKeys::None, C::Selection::PrimarySelection,
+        C::Source::ForeignToplevel, C::Copy::SyntheticKeys, C::DoubleShift::CompositorBinding};
+    sway.dataControl = true;
+    sway.accessibilityBus = true; // the compositor's word comes first
+    sway.portal = PortalShortcutsState::Absent;
+    QTest::newRow("sway")
+        << sway << sway.compositor << "sway"
+        << QStringList {noShortcuts, readsSelection,
                QStringLiteral("Add these lines to your sway configuration "
                               "(~/.config/sway/config), then reload sway:"),
-               QStringLiteral("Double Shift: Your desktop passes each Shift release to Vesko.")}
-        << commands << "Super+Alt+Space"
+               compositorShift}
+        << (QStringList(commands) << accessibleSource) << "Super+Alt+Space"
         << "bindsym Mod4+Mod1+space exec vesko toggle\n"
            "bindsym Mod4+Mod1+c exec vesko capture\n"
            "bindsym Mod4+Mod1+n exec vesko quick-add\n"
            "bindsym Mod4+Mod1+l exec vesko copy-list\n"
            "bindsym --release Shift_L exec vesko shift\n"
-        << true;
-    QTest::newRow("nothing to read the selection with")
-        << C {C::HotKeys::Portal, C::Selection::None, C::Source::None, C::Copy::None,
+        << QString() << true;
+    SessionFindings swayWithPortal = sway;
+    swayWithPortal.portal = PortalShortcutsState::Bound;
+    C swayWithPortalCapabilities = sway.compositor;
+    swayWithPortalCapabilities.hotKeys = C::HotKeys::Portal;
+    QTest::newRow("sway with a shortcuts portal")
+        << swayWithPortal << swayWithPortalCapabilities << "sway"
+        << QStringList {portalShortcuts, compositorShift} << (QStringList(commands) << noShortcuts)
+        << "Alt+F12" << QString() << QString() << true;
+
+    // GNOME: no data control, the selection read as the panel comes forward, AT-SPI.
+    SessionFindings gnome = session(W::Wayland);
+    gnome.accessibilityBus = true;
+    gnome.readsOnPanelFocus = true;
+    gnome.portal = PortalShortcutsState::Bound;
+    QTest::newRow("GNOME, the portal's shortcuts")
+        << gnome
+        << C {C::HotKeys::Portal, C::Selection::OnPanelFocus, C::Source::Accessibility,
+               C::Copy::None, C::DoubleShift::None}
+        << "GNOME"
+        << QStringList {portalShortcuts,
+               QStringLiteral("Selected text: Read as the panel comes forward, so capture with "
+                              "a shortcut that runs “vesko capture”."),
+               accessibleSource, noCopy, noShift}
+        << (QStringList(commands) << gnomeAdvice << refused) << "Alt+F12" << QString()
+        << QString() << true;
+    SessionFindings gnomeBare = gnome;
+    gnomeBare.accessibilityBus = false;
+    gnomeBare.portal = PortalShortcutsState::Absent;
+    QTest::newRow("GNOME without the portal or the accessibility bus")
+        << gnomeBare
+        << C {C::HotKeys::None, C::Selection::OnPanelFocus, C::Source::None, C::Copy::None,
                C::DoubleShift::None}
-        << "" << int(PortalShortcutsState::Connecting)
+        << "ubuntu:GNOME" << (QStringList {noShortcuts, gnomeAdvice, unknownSource} << commands)
+        << QStringList {portalShortcuts} << QString() << QString() << QString() << true;
+
+    // KDE Plasma: data control, AT-SPI, the portal; KWin's Shift taps by kwinrc.
+    SessionFindings kde = session(W::Wayland);
+    kde.compositor.selection = C::Selection::PrimarySelection;
+    kde.dataControl = true;
+    kde.accessibilityBus = true;
+    kde.portal = PortalShortcutsState::Bound;
+    const C kdeCapabilities {C::HotKeys::Portal, C::Selection::PrimarySelection,
+        C::Source::Accessibility, C::Copy::None, C::DoubleShift::None};
+    QTest::newRow("KDE, KWin's Shift taps off")
+        << kde << kdeCapabilities << "KDE"
+        << QStringList {portalShortcuts, readsSelection, accessibleSource, noCopy, kwinShiftOff}
+        << QStringList {noShift, compositorShift} << "Alt+F12" << QString() << kwinLines << true;
+    SessionFindings kdeShift = kde;
+    kdeShift.kwinPassesShiftTaps = true;
+    C kdeShiftCapabilities = kdeCapabilities;
+    kdeShiftCapabilities.doubleShift = C::DoubleShift::CompositorBinding;
+    QTest::newRow("KDE, KWin passes Shift taps")
+        << kdeShift << kdeShiftCapabilities << "KDE" << QStringList {compositorShift}
+        << QStringList {kwinShiftOff} << "Alt+F12" << QString() << QString() << true;
+    SessionFindings kdeRefused = kde;
+    kdeRefused.portal = PortalShortcutsState::Refused;
+    C kdeRefusedCapabilities = kdeCapabilities;
+    kdeRefusedCapabilities.hotKeys = C::HotKeys::None;
+    QTest::newRow("KDE, the portal refused")
+        << kdeRefused << kdeRefusedCapabilities << "KDE"
+        << (QStringList {refused, kdeAdvice, kwinShiftOff} << commands)
+        << QStringList {gnomeAdvice} << QString() << QString() << kwinLines << true;
+
+    // Qt on XWayland: no other client is reached; only the desktop's shortcuts.
+    SessionFindings xwayland = session(W::XWayland);
+    xwayland.kwinPassesShiftTaps = true; // no Shift taps reach an X11 client
+    xwayland.portal = PortalShortcutsState::Connecting;
+    QTest::newRow("XWayland")
+        << xwayland << C {C::HotKeys::Portal} << ""
         << QStringList {portalShortcuts,
                QStringLiteral("Selected text: This desktop does not let Vesko read it. Paste "
-                              "text into the composer instead.")}
-        << commands << "Not set" << QString() << false;
+                              "text into the composer instead."),
+               noShift}
+        << commands << "Not set" << QString() << QString() << false;
 }
 
 void SettingsViewsTest::captureTabWordsEachCapability()
 {
+    QFETCH(SessionFindings, findings);
     QFETCH(CaptureCapabilities, capabilities);
     QFETCH(QString, desktop);
-    QFETCH(int, portalState);
     QFETCH(QStringList, shown);
     QFETCH(QStringList, hidden);
     QFETCH(QString, recorderText);
     QFETCH(QString, swayLines);
+    QFETCH(QString, kwinLines);
     QFETCH(bool, canCapture);
+    QVERIFY(sessionCapabilities(findings) == capabilities);
     QCOMPARE(canCaptureAtAll(capabilities), canCapture);
 
     // The desktop's keys for the toggle, once it has bound them.
     if (capabilities.hotKeys == CaptureCapabilities::HotKeys::Portal) {
-        const bool bound = portalState == int(PortalShortcutsState::Bound);
+        const bool bound = findings.portal == PortalShortcutsState::Bound;
         m_rig->registrar.desktopTriggers.insert(
             hotKeyID(HotKeyAction::TogglePanel), bound ? QStringLiteral("Alt+F12") : QString());
     }
     SettingsView::Services services = m_rig->services(loginItem());
-    services.capture.capabilities = [capabilities] { return capabilities; };
-    if (portalState >= 0)
-        services.capture.portalState = [portalState] { return PortalShortcutsState(portalState); };
+    services.capture.capabilities = [findings] { return sessionCapabilities(findings); };
+    if (findings.portal)
+        services.capture.portalState = [findings] { return findings.portal; };
     services.capture.currentDesktop = desktop;
+    services.capture.plasmaVersion = QStringLiteral("6");
     int settingsOpened = 0;
     services.capture.openShortcutSettings = [&settingsOpened] { ++settingsOpened; };
     SettingsView view(services);
@@ -574,13 +661,48 @@ void SettingsViewsTest::captureTabWordsEachCapability()
         QVERIFY(!toggle->isRecording());
     }
 
+    // The lines to paste, each with its Copy button.
     QCOMPARE(view.capture()->swayLines(), swayLines);
-    QPushButton *copy = findByText<QPushButton>(&view, QStringLiteral("Copy"));
-    QCOMPARE(copy->isVisibleTo(&view), !swayLines.isEmpty());
-    if (!swayLines.isEmpty()) {
-        copy->click();
-        QCOMPARE(QGuiApplication::clipboard()->text(), swayLines);
+    QCOMPARE(view.capture()->kwinLines(), kwinLines);
+    QStringList offered;
+    for (QPushButton *copy : view.findChildren<QPushButton *>()) {
+        if (copy->text() == u"Copy" && copy->isVisibleTo(&view)) {
+            copy->click();
+            offered.append(QGuiApplication::clipboard()->text());
+        }
     }
+    QStringList expected {kwinLines, swayLines};
+    expected.removeAll(QString());
+    QCOMPARE(offered, expected);
+}
+
+void SettingsViewsTest::kwinrcTurnsOnShiftTaps_data()
+{
+    QTest::addColumn<QString>("kwinrc");
+    QTest::addColumn<bool>("passes");
+    // What the tab's command writes, as kwriteconfig writes it.
+    const QString command = kwinShiftCommands(QStringLiteral("5")).section(u'\n', 0, 0);
+    const QString group = command.section(QStringLiteral("--group "), 1).section(u' ', 0, 0);
+    const QString key = command.section(QStringLiteral("--key "), 1).section(u' ', 0, 0);
+    const QString value = command.section(u'"', 1, 1);
+    QVERIFY(command.startsWith(u"kwriteconfig5 --file kwinrc "));
+    const QString written = QStringLiteral("[%1]\n%2=%3\n").arg(group, key, value);
+    QTest::newRow("as the command writes it") << written << true;
+    QTest::newRow("among other groups")
+        << "[Windows]\nShift=x\n\n[ModifierOnlyShortcuts]\nMeta=org.kde.plasmashell,/PlasmaShell,"
+           "org.kde.PlasmaShell,activateLauncherMenu\n"
+               + written.section(u'\n', 1) + "[Plugins]\n"
+        << true;
+    QTest::newRow("Shift for another program")
+        << "[ModifierOnlyShortcuts]\nShift=org.kde.krunner,/App,,display\n" << false;
+    QTest::newRow("no kwinrc") << QString() << false;
+}
+
+void SettingsViewsTest::kwinrcTurnsOnShiftTaps()
+{
+    QFETCH(QString, kwinrc);
+    QFETCH(bool, passes);
+    QCOMPARE(kwinPassesShiftTaps(kwinrc), passes);
 }
 
 void SettingsViewsTest::shortcutSettingsOfTheDesktop_data()
@@ -682,28 +804,6 @@ void SettingsViewsTest::moveThereAndBackThroughTheDialog()
     QVERIFY(!useDefault->isVisibleTo(&view));
 }
 
-void SettingsViewsTest::moveToReadOnlyFolderShowsTheFailure()
-{
-    const QString target = Test::IsolatedEnvironment::current().root() + QStringLiteral("/ro");
-    Test::ReadOnlyFolder readOnly(target);
-    if (!readOnly.isMounted())
-        QSKIP("Mounting a read-only tmpfs is not permitted here");
-    m_rig->store.addNote(QStringLiteral("stays home"));
-    m_rig->store.flushSave();
-    const QString home = m_rig->preferences.libraryPath();
-    m_view->showTab(SettingsTab::Storage);
-    StorageSettingsView *storage = m_view->storage();
-    storage->moveLibrary(target);
-    QTRY_VERIFY_WITH_TIMEOUT(!storage->isMoving(), Test::patience);
-    QVERIFY2(storage->error().contains(QStringLiteral("Read-only file system")),
-        qPrintable(storage->error()));
-    QVERIFY(visibleLabel(m_view.get(), storage->error()));
-    QCOMPARE(m_rig->preferences.libraryPath(), home);
-    QCOMPARE(noteTexts(home), QStringList {QStringLiteral("stays home")});
-    QVERIFY(!findByText<QPushButton>(m_view.get(), QStringLiteral("Use Default Location"))
-                 ->isVisibleTo(m_view.get()));
-}
-
 void SettingsViewsTest::housekeepingCounts()
 {
     m_view->showTab(SettingsTab::Storage);
@@ -778,17 +878,22 @@ void SettingsViewsTest::appearanceRebuildsTheWindowOnItsTab()
 void SettingsViewsTest::rebuiltStorageTabFollowsTheMove_data()
 {
     QTest::addColumn<bool>("readOnlyTarget");
-    QTest::newRow("moved") << false;
-    QTest::newRow("refused by the target") << true;
+    QTest::addColumn<bool>("attached");
+    QTest::newRow("moved") << false << true;
+    // The copy of the attachments fails first.
+    QTest::newRow("refused by the target") << true << true;
+    // The notes file alone: its own write fails.
+    QTest::newRow("refused, without attachments") << true << false;
 }
 
 void SettingsViewsTest::rebuiltStorageTabFollowsTheMove()
 {
     QFETCH(bool, readOnlyTarget);
+    QFETCH(bool, attached);
     m_view.reset();
     m_rig.reset();
     const QString home = dataFolder() + QStringLiteral("/Library.json");
-    writeLibraryWithAttachment(home);
+    writeLibraryWithAttachment(home, attached);
     m_rig = std::make_unique<Test::SettingsRig>();
     const QString target = Test::IsolatedEnvironment::current().root()
         + (readOnlyTarget ? QStringLiteral("/ro") : QStringLiteral("/Elsewhere"));
@@ -815,7 +920,9 @@ void SettingsViewsTest::rebuiltStorageTabFollowsTheMove()
         if (button->text() == u"Move…")
             QVERIFY(!button->isEnabled());
     }
-    // Once the size is known, the line tells the share copied.
+    // Once the size is known, and only then, the line tells the share copied.
+    Q_EMIT m_rig->store.libraryMoveProgress(0, 0);
+    QCOMPARE(storage->progressText(), QStringLiteral("Moving your notes…"));
     Q_EMIT m_rig->store.libraryMoveProgress(4096, 16384);
     QCOMPARE(storage->progressText(), QStringLiteral("Moving your notes… 25%"));
 
@@ -827,6 +934,10 @@ void SettingsViewsTest::rebuiltStorageTabFollowsTheMove()
             qPrintable(storage->error()));
         QVERIFY(visibleLabel(storage, storage->error()));
         QVERIFY(showsPath(storage, home));
+        QCOMPARE(m_rig->preferences.libraryPath(), home);
+        QCOMPARE(noteTexts(home), QStringList {QStringLiteral("with a picture")});
+        QVERIFY(!findByText<QPushButton>(storage, QStringLiteral("Use Default Location"))
+                     ->isVisibleTo(storage));
     } else {
         QCOMPARE(storage->error(), QString());
         QVERIFY(showsPath(storage, moved));
@@ -935,23 +1046,15 @@ void SettingsViewsTest::exportAllWritesTheFile()
         QStringLiteral("# Notes\n\n## Inbox\n\n- [ ] first line\n      second line\n"));
 }
 
-void SettingsViewsTest::aboutTabTexts_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::newRow("name") << "Vesko";
-    QTest::newRow("version") << "Version 1.2.3";
-    QTest::newRow("tagline") << "A to-do list, a clipboard, and a scratchpad in one panel. Built "
-                                "for working alongside AI tools.";
-    QTest::newRow("local file") << "Notes stay in a local file";
-    QTest::newRow("no tracking") << "No tracking, no telemetry";
-    QTest::newRow("no account") << "No account, no sync";
-}
-
 void SettingsViewsTest::aboutTabTexts()
 {
-    QFETCH(QString, text);
     m_view->showTab(SettingsTab::About);
-    QVERIFY2(visibleLabel(m_view->currentWidget(), text), qPrintable(text));
+    for (const QString &text : {QStringLiteral("Vesko"), QStringLiteral("Version 1.2.3"),
+             QStringLiteral("A to-do list, a clipboard, and a scratchpad in one panel. Built for "
+                            "working alongside AI tools."),
+             QStringLiteral("Notes stay in a local file"),
+             QStringLiteral("No tracking, no telemetry"), QStringLiteral("No account, no sync")})
+        QVERIFY2(visibleLabel(m_view->currentWidget(), text), qPrintable(text));
 }
 
 void SettingsViewsTest::updateControllerStaysStoppedAndInstallsAStagedUpdate()

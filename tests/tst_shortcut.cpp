@@ -6,7 +6,7 @@
 
 #include "WidgetTestMain.h"
 
-#include "panel/Shortcut.h"
+#include "panel/window/Shortcut.h"
 
 #include <QTest>
 

@@ -98,6 +98,7 @@ void ShortcutRecorderTest::initTestCase()
 
 void ShortcutRecorderTest::recordsRealKeys_data()
 {
+    // clang-format off
     QTest::addColumn<HotKeyAction>("action");
     QTest::addColumn<QString>("keys");
     QTest::addColumn<std::optional<KeyCombo>>("combo");
@@ -113,11 +114,9 @@ void ShortcutRecorderTest::recordsRealKeys_data()
         << HotKeyAction::QuickAdd << "ctrl+BackSpace" << std::optional<KeyCombo>() << "None"
         << "" << false;
     QTest::newRow("delete clears")
-        << HotKeyAction::QuickAdd << "Delete" << std::optional<KeyCombo>() << "None"
-        << "" << false;
+        << HotKeyAction::QuickAdd << "Delete" << std::optional<KeyCombo>() << "None" << "" << false;
     QTest::newRow("no modifier") << HotKeyAction::QuickAdd << "k" << std::optional(quickAdd)
-                                 << "Super+Alt+N"
-                                 << "Add a modifier like Ctrl or Alt." << false;
+                                 << "Super+Alt+N" << "Add a modifier like Ctrl or Alt." << false;
     QTest::newRow("shift alone is a modifier")
         << HotKeyAction::QuickAdd << "shift+k" << std::optional(KeyCombo {keyK, Shift}) << "Shift+K"
         << "" << false;
@@ -127,14 +126,11 @@ void ShortcutRecorderTest::recordsRealKeys_data()
     QTest::newRow("its own combination")
         << HotKeyAction::QuickAdd << "super+alt+n" << std::optional(quickAdd) << "Super+Alt+N"
         << "" << false;
-    QTest::newRow("a new combination")
-        << HotKeyAction::CopySelectionAsList << "ctrl+shift+k"
-        << std::optional(KeyCombo {keyK, Command | Shift}) << "Ctrl+Shift+K"
-        << "" << false;
-    QTest::newRow("taken by another application")
-        << HotKeyAction::TogglePanel << "ctrl+alt+k"
-        << std::optional(KeyCombo {keyK, Command | Option}) << "Ctrl+Alt+K"
-        << "" << true;
+    QTest::newRow("a new combination") << HotKeyAction::CopySelectionAsList << "ctrl+shift+k"
+        << std::optional(KeyCombo {keyK, Command | Shift}) << "Ctrl+Shift+K" << "" << false;
+    QTest::newRow("taken by another application") << HotKeyAction::TogglePanel << "ctrl+alt+k"
+        << std::optional(KeyCombo {keyK, Command | Option}) << "Ctrl+Alt+K" << "" << true;
+    // clang-format on
 }
 
 void ShortcutRecorderTest::recordsRealKeys()

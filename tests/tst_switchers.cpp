@@ -7,10 +7,11 @@
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
 
-#include "panel/PanelRootView.h"
-#include "panel/ShortcutSheetView.h"
-#include "panel/SwitcherList.h"
-#include "panel/SwitcherView.h"
+#include "panel/layers/ProjectSwitcherView.h"
+#include "panel/layers/SectionSwitcherView.h"
+#include "panel/layers/ShortcutSheetView.h"
+#include "panel/layers/SwitcherList.h"
+#include "panel/window/PanelRootView.h"
 #include "shell/Toast.h"
 
 #include <QLineEdit>
@@ -61,8 +62,6 @@ private Q_SLOTS:
     void arrowsWrap_data();
     void arrowsWrap();
     void queryKeepsAListedSelection();
-    void commitTargets_data();
-    void commitTargets();
 
     void sectionSwitcherByKeys_data();
     void sectionSwitcherByKeys();
@@ -121,26 +120,22 @@ template<typename View> View *SwitchersTest::openedLayer()
 
 void SwitchersTest::filtering_data()
 {
+    // clang-format off
     QTest::addColumn<QStringList>("titles");
     QTest::addColumn<QString>("query");
     QTest::addColumn<QString>("rows"); // selection starts at the first row
 
-    QTest::newRow("empty query lists all") << QStringList {"Inbox", "Work"} << ""
-                                           << "*Inbox Work";
+    QTest::newRow("empty query lists all") << QStringList {"Inbox", "Work"} << "" << "*Inbox Work";
     QTest::newRow("equal title, any case: no create row")
-        << QStringList {"Inbox", "Work"} << "inbox"
-        << "*Inbox";
+        << QStringList {"Inbox", "Work"} << "inbox" << "*Inbox";
     QTest::newRow("blanks around do not count") << QStringList {"Inbox", "Work"} << "  inb  "
                                                 << "*Inbox +";
     QTest::newRow("two matches in order, create third")
-        << QStringList {"Inbox", "Work", "Links"} << "in"
-        << "*Inbox Links +";
-    QTest::newRow("no match: create alone") << QStringList {"Inbox"} << "zz"
-                                            << "*+";
-    QTest::newRow("no ranking by prefix") << QStringList {"Pin", "In"} << "in"
-                                          << "*Pin In";
-    QTest::newRow("blanks only is an empty query") << QStringList {"Inbox"} << "   "
-                                                   << "*Inbox";
+        << QStringList {"Inbox", "Work", "Links"} << "in" << "*Inbox Links +";
+    QTest::newRow("no match: create alone") << QStringList {"Inbox"} << "zz" << "*+";
+    QTest::newRow("no ranking by prefix") << QStringList {"Pin", "In"} << "in" << "*Pin In";
+    QTest::newRow("blanks only is an empty query") << QStringList {"Inbox"} << "   " << "*Inbox";
+    // clang-format on
 }
 
 void SwitchersTest::filtering()
@@ -193,40 +188,6 @@ void SwitchersTest::queryKeepsAListedSelection()
     SwitcherList empty({}, true);
     empty.move(1);
     QVERIFY(!empty.selection());
-}
-
-void SwitchersTest::commitTargets_data()
-{
-    QTest::addColumn<bool>("sections");
-    QTest::addColumn<QString>("query");
-    QTest::addColumn<int>("moves");
-    QTest::addColumn<QString>("target"); // a title, "+" for create, "" for nothing
-
-    QTest::newRow("sections, initial") << true << "" << 0 << "Inbox";
-    QTest::newRow("sections, create selected") << true << "new" << 0 << "+";
-    QTest::newRow("sections, up wraps to the last") << true << "" << -1 << "Work";
-    QTest::newRow("projects, no match: nothing") << false << "zz" << 0 << "";
-    QTest::newRow("projects, second") << false << "" << 1 << "Work";
-}
-
-void SwitchersTest::commitTargets()
-{
-    QFETCH(bool, sections);
-    QFETCH(QString, query);
-    QFETCH(int, moves);
-    QFETCH(QString, target);
-    SwitcherList list(items({"Inbox", "Work"}), sections);
-    list.selectInitial(std::nullopt);
-    list.setQuery(query);
-    for (int i = 0; i < std::abs(moves); ++i)
-        list.move(moves < 0 ? -1 : 1);
-    const std::optional<SwitcherSelection> found = list.commitTarget();
-    QString title;
-    if (found && found->isCreate)
-        title = "+";
-    else if (found)
-        title = found->id == idFor("Inbox") ? "Inbox" : "Work";
-    QCOMPARE(title, target);
 }
 
 void SwitchersTest::sectionSwitcherByKeys_data()

@@ -7,7 +7,7 @@
 
 #include "WidgetTestMain.h"
 
-#include "panel/Shortcut.h"
+#include "panel/window/Shortcut.h"
 #include "shell/SymbolIcon.h"
 
 #include <QDir>

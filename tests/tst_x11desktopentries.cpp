@@ -4,7 +4,8 @@
 // window's ids and class find, in which order the folders and the
 // candidates count, and a first lookup that is answered once the folders
 // are read, while the event loop goes on, or without an entry when they
-// take too long.
+// take too long; and the name a front application is given from its entry,
+// else from its window's own names.
 
 #include "TestEnvironment.h"
 
@@ -40,6 +41,8 @@ private Q_SLOTS:
     void find();
     void firstLookupIsAnsweredOnTheEventLoop();
     void lookupGivesUpOnFoldersThatDoNotAnswer();
+    void frontApplicationName_data();
+    void frontApplicationName();
 
 private:
     QTemporaryDir m_dir;
@@ -175,6 +178,53 @@ void X11DesktopEntriesTest::lookupGivesUpOnFoldersThatDoNotAnswer()
     QTRY_VERIFY_WITH_TIMEOUT(next.has_value(), Test::patience);
     QVERIFY(next->has_value());
     QCOMPARE(answers, 1);
+}
+
+
+void X11DesktopEntriesTest::frontApplicationName_data()
+{
+    QTest::addColumn<QStringList>("entry"); // id, Name, "terminal"; empty: none found
+    QTest::addColumn<QString>("windowClass");
+    QTest::addColumn<QString>("instance");
+    QTest::addColumn<bool>("ownProcess");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("identifier"); // "-": none
+    QTest::addColumn<bool>("terminal");
+    QTest::newRow("the entry names it")
+        << QStringList {"org.example.Editor", "My Editor"} << "EditorMain"
+        << "editor" << false << "My Editor" << "org.example.Editor" << false;
+    QTest::newRow("a terminal by its entry")
+        << QStringList {"org.gnome.Terminal", "Terminal", "terminal"} << "Gnome-terminal" << ""
+        << false << "Terminal" << "org.gnome.Terminal" << true;
+    QTest::newRow("no entry: the class and the instance")
+        << QStringList {} << "Gimp" << "gimp-2.10" << false << "Gimp" << "gimp-2.10" << false;
+    QTest::newRow("a terminal by its instance")
+        << QStringList {} << "XTerm" << "xterm" << false << "XTerm" << "xterm" << true;
+    QTest::newRow("a terminal by its app_id")
+        << QStringList {} << "foot" << "" << false << "foot" << "foot" << true;
+    QTest::newRow("nothing but a process")
+        << QStringList {} << "" << "" << true << "tst_x11desktope" << "-" << false;
+}
+
+void X11DesktopEntriesTest::frontApplicationName()
+{
+    QFETCH(QStringList, entry);
+    QFETCH(QString, windowClass);
+    QFETCH(QString, instance);
+    QFETCH(bool, ownProcess);
+    QFETCH(QString, name);
+    QFETCH(QString, identifier);
+    QFETCH(bool, terminal);
+    std::optional<DesktopEntry> found;
+    if (!entry.isEmpty())
+        found = DesktopEntry {entry.at(0), entry.at(1), entry.size() > 2};
+    FrontApplication front;
+    if (ownProcess)
+        front.processID = QCoreApplication::applicationPid(); // the kernel names it
+    nameFrontApplication(front, found, windowClass, instance);
+    QCOMPARE(front.name, name);
+    QCOMPARE(front.identifier.value_or(QStringLiteral("-")), identifier);
+    QCOMPARE(front.isTerminal, terminal);
 }
 
 VESKO_TEST_MAIN(X11DesktopEntriesTest)

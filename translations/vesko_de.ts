@@ -139,6 +139,10 @@
         <source>In your desktop&apos;s keyboard settings, bind keys to each command.</source>
         <translation>Weisen Sie in den Tastatureinstellungen Ihrer Arbeitsumgebung jedem Befehl Tasten zu.</translation>
     </message>
+    <message>
+        <source>Run the two commands under Double Shift once to have KWin pass each lone Shift release to Vesko.</source>
+        <translation>Führen Sie die beiden Befehle unter „Doppeltes Umschalt“ einmal aus, damit KWin jedes einzelne Loslassen von Umschalt an Vesko weitergibt.</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -288,6 +292,8 @@
   shift         one tap of a lone Shift key, for double Shift where the
                 desktop runs a command on a Shift release (sway: bindsym
                 --release Shift_L exec vesko shift)
+  shift-press   a Shift press, where the desktop reports presses too: a
+                Shift held too long is then no tap
   quit          quit Vesko
   add TEXT...   add a note (&quot;-&quot; reads it from standard input)
   list          print the notes of the active project
@@ -306,6 +312,8 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
   shift         ein einzelnes Antippen der Umschalttaste, für doppeltes Umschalt, wo
                 die Arbeitsumgebung beim Loslassen von Umschalt einen Befehl
                 ausführt (sway: bindsym --release Shift_L exec vesko shift)
+  shift-press   ein Drücken der Umschalttaste, wo die Arbeitsumgebung auch das
+                Drücken meldet: zu lang gehaltenes Umschalt zählt dann nicht
   quit          Vesko beenden
   add TEXT...   eine Notiz hinzufügen („-“ liest sie aus der Standardeingabe)
   list          die Notizen des aktiven Projekts ausgeben
@@ -1599,6 +1607,10 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     <message>
         <source>%1: %2</source>
         <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>Commands that turn on double Shift in KWin</source>
+        <translation>Befehle, die doppeltes Umschalt in KWin einschalten</translation>
     </message>
 </context>
 <context>

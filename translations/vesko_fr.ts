@@ -139,6 +139,10 @@
         <source>In your desktop&apos;s keyboard settings, bind keys to each command.</source>
         <translation>Dans les paramètres du clavier de votre bureau, associez des touches à chaque commande.</translation>
     </message>
+    <message>
+        <source>Run the two commands under Double Shift once to have KWin pass each lone Shift release to Vesko.</source>
+        <translation>Exécutez une fois les deux commandes sous «&#xa0;Double Maj&#xa0;» pour que KWin transmette à Vesko chaque relâchement isolé de Maj.</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -288,6 +292,8 @@
   shift         one tap of a lone Shift key, for double Shift where the
                 desktop runs a command on a Shift release (sway: bindsym
                 --release Shift_L exec vesko shift)
+  shift-press   a Shift press, where the desktop reports presses too: a
+                Shift held too long is then no tap
   quit          quit Vesko
   add TEXT...   add a note (&quot;-&quot; reads it from standard input)
   list          print the notes of the active project
@@ -306,6 +312,8 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
   shift         un appui isolé sur Maj, pour le double Maj là où le bureau
                 lance une commande au relâchement de Maj (sway&#xa0;: bindsym
                 --release Shift_L exec vesko shift)
+  shift-press   un appui sur Maj, là où le bureau signale aussi les appuis&#xa0;:
+                un Maj tenu trop longtemps ne compte alors pas
   quit          quitter Vesko
   add TEXTE...  ajouter une note («&#xa0;-&#xa0;» la lit sur l&apos;entrée standard)
   list          afficher les notes du projet actif
@@ -1599,6 +1607,10 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     <message>
         <source>%1: %2</source>
         <translation>%1&#xa0;: %2</translation>
+    </message>
+    <message>
+        <source>Commands that turn on double Shift in KWin</source>
+        <translation>Commandes qui activent le double Maj dans KWin</translation>
     </message>
 </context>
 <context>

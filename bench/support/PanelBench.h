@@ -13,8 +13,8 @@
 
 #include "attachments/AttachmentStore.h"
 #include "library/LibraryWriter.h"
-#include "panel/PanelListView.h"
-#include "panel/PanelState.h"
+#include "panel/list/PanelListView.h"
+#include "panel/window/PanelState.h"
 #include "search/SearchIndex.h"
 #include "shell/Preferences.h"
 #include "store/Store.h"

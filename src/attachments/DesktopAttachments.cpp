@@ -5,7 +5,7 @@
 #include "attachments/AttachmentActions.h"
 #include "attachments/AttachmentFileDialog.h"
 #include "library/LibraryFile.h"
-#include "panel/PanelCommands.h"
+#include "panel/window/PanelCommands.h"
 #include "platform/qt/QtDesktopFiles.h"
 #include "platform/qt/QtPasteboardReader.h"
 #include "shell/Toast.h"

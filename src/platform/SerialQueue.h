@@ -18,10 +18,23 @@ namespace Vesko {
 class SerialQueue
 {
 public:
+    //! What the queue's end waits for.
+    enum class End {
+        //! The jobs already submitted.
+        AfterJobs,
+        //! A moment (detachedWaitMilliseconds) at most: the jobs still to
+        //! run then run after the queue is gone, and the thread goes once
+        //! they are done. For jobs that may wait on other processes, which
+        //! the queue's owner must never wait for.
+        Detached,
+    };
+    static constexpr int detachedWaitMilliseconds = 100;
+
     //! Starts the thread, named \a label so that it shows in debuggers and ps.
-    explicit SerialQueue(
-        const QString &label, QThread::Priority priority = QThread::InheritPriority);
-    //! Waits for the jobs already submitted, then stops the thread.
+    explicit SerialQueue(const QString &label,
+        QThread::Priority priority = QThread::InheritPriority, End end = End::AfterJobs);
+    //! Stops the thread after the jobs already submitted; waits for them
+    //! unless the queue's end is End::Detached.
     ~SerialQueue();
 
     SerialQueue(const SerialQueue &) = delete;
@@ -46,8 +59,9 @@ public:
     }
 
 private:
-    QThread m_thread;
+    QThread *m_thread;
     QObject *m_context;
+    End m_end;
 };
 
 } // namespace Vesko

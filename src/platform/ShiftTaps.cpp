@@ -26,18 +26,35 @@ ShiftTaps::ShiftTaps(std::function<double()> clock)
 bool ShiftTaps::start(std::function<void(const KeyEvent &)> receiver)
 {
     m_receiver = std::move(receiver);
+    m_pressTime = 0;
     return true;
+}
+
+void ShiftTaps::stop()
+{
+    m_receiver = nullptr;
+    m_pressTime = 0;
+}
+
+void ShiftTaps::press()
+{
+    // A press whose release never came is replaced: only a lone release
+    // ends a tap, and the gesture judges its hold.
+    if (m_receiver)
+        m_pressTime = m_clock();
 }
 
 void ShiftTaps::tap()
 {
     if (!m_receiver)
         return;
-    // The release is what the compositor reports; the press is taken as
-    // just before it, so a tap is always short enough.
+    // The release is what the compositor reports; without a reported press
+    // it is taken as just before, so the tap is short enough.
     const double now = m_clock();
+    const double pressed = m_pressTime > 0 && m_pressTime <= now ? m_pressTime : now;
+    m_pressTime = 0;
     const auto receiver = m_receiver; // a trigger may stop the monitor
-    receiver({KeyEvent::FlagsChanged, shiftKeyCode, ModifierFlag::Shift, now});
+    receiver({KeyEvent::FlagsChanged, shiftKeyCode, ModifierFlag::Shift, pressed});
     receiver({KeyEvent::FlagsChanged, shiftKeyCode, 0, now});
 }
 

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The key monitor of a session where Vesko hears no keys: the compositor
-// runs `vesko shift` on each lone Shift release (sway's `bindsym --release`),
-// and each such tap arrives here as a Shift press and release at the time it
-// came in. The double-Shift logic reads them as it reads a real monitor's.
+// runs `vesko shift` on each lone Shift release (sway's `bindsym --release`,
+// or KWin calling ShiftTapped on the bus), and each such tap arrives here as
+// a Shift press and release at the time it came in. Where the compositor
+// reports the press too (`vesko shift-press`), the tap's press is that one,
+// so that a Shift held too long is no tap. The double-Shift logic reads them
+// as it reads a real monitor's, with the same limits.
 
 #pragma once
 
@@ -18,14 +21,19 @@ public:
     explicit ShiftTaps(std::function<double()> clock = {});
 
     bool start(std::function<void(const KeyEvent &)> receiver) override;
-    void stop() override { m_receiver = nullptr; }
+    void stop() override;
     bool isRunning() const override { return bool(m_receiver); }
 
-    //! One lone Shift tap, released now; dropped while not running.
+    //! Shift went down now; dropped while not running.
+    void press();
+    //! One lone Shift tap, released now: pressed when press() said, else
+    //! just before. Dropped while not running.
     void tap();
 
 private:
     std::function<double()> m_clock;
+    //! The reported press of the tap under way; 0: none.
+    double m_pressTime = 0;
     std::function<void(const KeyEvent &)> m_receiver;
 };
 

@@ -2,10 +2,10 @@
 
 #include "shell/AppCommands.h"
 
-#include "panel/PanelCommands.h"
-#include "panel/PanelState.h"
-#include "panel/Shortcut.h"
-#include "panel/TextEditing.h"
+#include "panel/window/PanelCommands.h"
+#include "panel/window/PanelState.h"
+#include "panel/window/Shortcut.h"
+#include "panel/window/TextEditing.h"
 #include "store/Store.h"
 
 #include <QAbstractButton>

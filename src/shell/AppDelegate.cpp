@@ -2,7 +2,7 @@
 
 #include "shell/AppDelegate.h"
 
-#include "panel/PanelController.h"
+#include "panel/window/PanelController.h"
 #include "shell/Preferences.h"
 #include "shell/Theme.h"
 #include "shell/UpdateController.h"

@@ -2,6 +2,7 @@
 
 #include "shell/ApplicationBus.h"
 
+#include "platform/ActivationToken.h"
 #include "shell/NoteRequests.h"
 
 #include <QDBusAbstractAdaptor>
@@ -82,6 +83,24 @@ public Q_SLOTS:
     //! The name of the library's instance that this process serves.
     QString Instance() { return m_bus->instanceName(); }
 
+    //! One lone Shift tap, as `vesko shift` reports it, for a desktop that
+    //! calls a method without arguments on a modifier's release (KWin's
+    //! modifier-only shortcuts).
+    void ShiftTapped() { action(QStringLiteral("shift")); }
+    //! A Shift press, where the desktop reports presses too.
+    void ShiftPressed() { action(QStringLiteral("shift-press")); }
+
+private:
+    void action(const QString &name)
+    {
+        m_bus->requests().handle(
+            {{QStringLiteral("command"), QStringLiteral("action")},
+                {QStringLiteral("name"), name}},
+            [](const QJsonObject &) {});
+    }
+
+public Q_SLOTS:
+
     QString Request(const QString &request)
     {
         QJsonParseError error;
@@ -134,14 +153,11 @@ std::optional<QString> ApplicationBus::registerOn(QDBusConnection bus)
 
 void ApplicationBus::takeActivationToken(const QVariantMap &platformData)
 {
-    // Qt's Wayland client hands this to xdg-activation when the panel asks
-    // for the focus, and forgets it. (On X11 the panel asks the window
-    // manager for the focus itself.) GLib sends the same token under both names.
+    // GLib sends the same token under both names.
     QString token = platformData.value(QStringLiteral("activation-token")).toString();
     if (token.isEmpty())
         token = platformData.value(QStringLiteral("desktop-startup-id")).toString();
-    if (!token.isEmpty())
-        qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+    keepActivationToken(token);
 }
 
 } // namespace Vesko

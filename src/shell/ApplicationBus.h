@@ -3,8 +3,9 @@
 // The running Vesko on the session bus: owns the name com.vesko.Vesko and
 // exports, at /com/vesko/Vesko, the desktop's org.freedesktop.Application
 // (Activate shows the panel, ActivateAction runs an action) and Vesko's own
-// com.vesko.Vesko.Notes, which carries NoteRequests' JSON requests. This is
-// how desktop launchers, key bindings and a second "vesko" reach the first.
+// com.vesko.Vesko.Notes, which carries NoteRequests' JSON requests and the
+// Shift taps a compositor reports (ShiftTapped). This is how desktop
+// launchers, key bindings and a second "vesko" reach the first.
 
 #pragma once
 

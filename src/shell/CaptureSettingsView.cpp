@@ -63,6 +63,8 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
     , m_copySwayLines(new QPushButton(tr("Copy")))
     , m_doubleShift(new QCheckBox(tr("Capture with Shift pressed twice")))
     , m_listener(new QLabel)
+    , m_kwinLines(new QPlainTextEdit)
+    , m_copyKwinLines(new QPushButton(tr("Copy")))
     , m_interval(new QSlider(Qt::Horizontal))
     , m_intervalValue(new QLabel)
     , m_showPanel(new QCheckBox(tr("Bring the panel forward on capture")))
@@ -119,13 +121,22 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
     intervalLayout->addWidget(m_interval, 1);
     intervalLayout->addWidget(m_intervalValue);
     doubleShift->addRow(tr("Time between presses"), intervalRow);
+    QFont mono = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    // KDE Plasma: the commands that have KWin pass each lone Shift release.
+    m_kwinLines->setReadOnly(true);
+    m_kwinLines->setFont(mono);
+    m_kwinLines->setLineWrapMode(QPlainTextEdit::NoWrap);
+    m_kwinLines->setAccessibleName(tr("Commands that turn on double Shift in KWin"));
+    m_kwinLines->setFixedHeight(
+        m_kwinLines->fontMetrics().lineSpacing() * 3 + 2 * m_kwinLines->frameWidth() + 8);
+    doubleShift->addRow(m_kwinLines);
+    doubleShift->addButtons({m_copyKwinLines});
     layout->addWidget(doubleShift);
 
     auto *shortcuts = new SettingsGroup(tr("Shortcuts"), this);
     m_portalMessage->setForegroundRole(QPalette::WindowText);
     shortcuts->addRow(m_portalMessage);
     shortcuts->addRow(m_bindingAdvice);
-    QFont mono = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     for (HotKeyAction action : allHotKeyActions) {
         auto *row = new QWidget;
         auto *rowLayout = new QGridLayout(row);
@@ -185,6 +196,8 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
         &CaptureSettingsView::refreshPermission);
     connect(m_copySwayLines, &QPushButton::clicked, this,
         [this] { QGuiApplication::clipboard()->setText(m_swayLines->toPlainText()); });
+    connect(m_copyKwinLines, &QPushButton::clicked, this,
+        [this] { QGuiApplication::clipboard()->setText(m_kwinLines->toPlainText()); });
     connect(m_doubleShift, &QCheckBox::toggled, this, [this](bool enabled) {
         m_services.preferences.setDoubleShiftEnabled(enabled);
         m_services.engine.refreshDoubleShift();
@@ -246,6 +259,11 @@ QString CaptureSettingsView::swayLines() const
     return m_swayLines->isVisibleTo(this) ? m_swayLines->toPlainText() : QString();
 }
 
+QString CaptureSettingsView::kwinLines() const
+{
+    return m_kwinLines->isVisibleTo(this) ? m_kwinLines->toPlainText() : QString();
+}
+
 void CaptureSettingsView::refreshPermission()
 {
     const bool available = m_services.permission.isTrusted();
@@ -262,7 +280,8 @@ void CaptureSettingsView::refreshPermission()
     m_permissionTitle->setText(available ? tr("Capture works in this session")
                                          : tr("Capture is not set up in this session"));
     const CaptureCapabilities found = capabilities();
-    const QList<CapabilityLine> lines = capabilityLines(found);
+    const ShortcutDesktop desktop = shortcutDesktop(m_services.currentDesktop);
+    const QList<CapabilityLine> lines = capabilityLines(found, desktop);
     for (qsizetype i = 0; i < m_capabilityTexts.size() && i < lines.size(); ++i) {
         const CapabilityLine &line = lines.at(i);
         m_capabilityIcons.at(i)->setPixmap(
@@ -287,7 +306,6 @@ void CaptureSettingsView::refreshPermission()
     m_portalMessage->setText(portalMessage);
     m_portalMessage->setVisible(!portalMessage.isEmpty());
     const bool byHand = found.hotKeys == CaptureCapabilities::HotKeys::None;
-    const ShortcutDesktop desktop = shortcutDesktop(m_services.currentDesktop);
     const bool sway = byHand && desktop == ShortcutDesktop::Sway;
     m_bindingAdvice->setText(byHand ? commandBindingAdvice(desktop) : QString());
     m_bindingAdvice->setVisible(byHand);
@@ -310,6 +328,13 @@ void CaptureSettingsView::refreshPermission()
     }
     m_swayLines->setVisible(sway);
     m_copySwayLines->setVisible(sway);
+    // Where KWin does not pass Shift taps yet, and Vesko hears no keys itself.
+    const bool kwinOff = desktop == ShortcutDesktop::Kde
+        && found.doubleShift == CaptureCapabilities::DoubleShift::None;
+    if (kwinOff)
+        m_kwinLines->setPlainText(kwinShiftCommands(m_services.plasmaVersion));
+    m_kwinLines->setVisible(kwinOff);
+    m_copyKwinLines->setVisible(kwinOff);
 }
 
 void CaptureSettingsView::refreshDoubleShift()

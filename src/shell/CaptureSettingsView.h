@@ -5,8 +5,9 @@
 // Shift) and, for what does not work, why and what to do instead; the
 // double-Shift gesture and its interval; the four system-wide shortcuts, or
 // where the desktop gives none, the command of each and how to bind it to
-// keys there (sway's lines ready to copy); and whether a capture brings the
-// panel forward.
+// keys there (sway's lines ready to copy; on KDE Plasma the two commands
+// that have KWin pass Shift taps); and whether a capture brings the panel
+// forward.
 
 #pragma once
 
@@ -62,6 +63,8 @@ public:
         std::function<std::optional<PortalShortcutsState>()> portalState = {};
         //! XDG_CURRENT_DESKTOP: how commands are bound to keys there.
         QString currentDesktop = currentDesktopNames();
+        //! KDE_SESSION_VERSION: which Plasma's tools the commands name.
+        QString plasmaVersion = qEnvironmentVariable("KDE_SESSION_VERSION");
     };
 
     //! The interval slider's bounds and step, in milliseconds.
@@ -74,6 +77,9 @@ public:
     ShortcutRecorderView *recorder(HotKeyAction action) const;
     //! The sway lines offered for copying; empty off sway.
     QString swayLines() const;
+    //! The commands that turn on KWin's Shift taps; empty but on a KDE
+    //! Plasma where they are off.
+    QString kwinLines() const;
     //! The interval as the tab shows it: "400 ms".
     static QString intervalText(double seconds);
 
@@ -101,6 +107,8 @@ private:
     QList<QLabel *> m_commands;
     QCheckBox *m_doubleShift;
     QLabel *m_listener;
+    QPlainTextEdit *m_kwinLines;
+    QPushButton *m_copyKwinLines;
     QSlider *m_interval;
     QLabel *m_intervalValue;
     QList<ShortcutRecorderView *> m_recorders;

@@ -83,7 +83,8 @@ QStringList keyboardShortcutSettingsCommand(const QString &currentDesktop)
     return {};
 }
 
-QList<CapabilityLine> capabilityLines(const CaptureCapabilities &capabilities)
+QList<CapabilityLine> capabilityLines(
+    const CaptureCapabilities &capabilities, ShortcutDesktop desktop)
 {
     using C = CaptureCapabilities;
     QList<CapabilityLine> lines;
@@ -154,8 +155,12 @@ QList<CapabilityLine> capabilityLines(const CaptureCapabilities &capabilities)
             {Texts::tr("Double Shift"), true, Texts::tr("Your desktop passes each Shift release to Vesko.")});
         break;
     case C::DoubleShift::None:
+        // KWin calls Vesko on a lone Shift release once told to.
         lines.append({Texts::tr("Double Shift"), false,
-            Texts::tr("Not available on this desktop; use the capture shortcut instead.")});
+            desktop == ShortcutDesktop::Kde
+                ? Texts::tr("Run the two commands under Double Shift once to have KWin pass each "
+                            "lone Shift release to Vesko.")
+                : Texts::tr("Not available on this desktop; use the capture shortcut instead.")});
         break;
     }
     return lines;
@@ -256,6 +261,44 @@ QString swayBindings(const std::function<QString(HotKeyAction)> &keys)
     // Each release of a lone Shift is a tap of the double-Shift gesture.
     lines.append(QStringLiteral("bindsym --release Shift_L exec vesko shift"));
     return lines.join(u'\n') + u'\n';
+}
+
+namespace {
+
+//! kwinrc's value that has KWin call ShiftTapped on the running Vesko
+//! (ApplicationBus): service, object, interface and method.
+QString kwinShiftCall()
+{
+    return QStringLiteral("com.vesko.Vesko,/com/vesko/Vesko,com.vesko.Vesko.Notes,ShiftTapped");
+}
+
+} // namespace
+
+QString kwinShiftCommands(const QString &plasmaVersion)
+{
+    // Plasma 6 names its tools after itself; Plasma 5 sets no version at all on X11.
+    const QString version = plasmaVersion.toInt() >= 6 ? plasmaVersion : QStringLiteral("5");
+    return QStringLiteral("kwriteconfig%1 --file kwinrc --group ModifierOnlyShortcuts --key Shift "
+                          "\"%2\"\n"
+                          "dbus-send --session --type=method_call --dest=org.kde.KWin /KWin "
+                          "org.kde.KWin.reconfigure\n")
+        .arg(version, kwinShiftCall());
+}
+
+bool kwinPassesShiftTaps(QStringView kwinrc)
+{
+    bool inGroup = false;
+    for (QStringView line : kwinrc.split(u'\n')) {
+        line = line.trimmed();
+        if (line.startsWith(u'[')) {
+            inGroup = line == u"[ModifierOnlyShortcuts]";
+            continue;
+        }
+        const qsizetype equals = line.indexOf(u'=');
+        if (inGroup && equals > 0 && line.first(equals).trimmed() == u"Shift")
+            return line.sliced(equals + 1).trimmed() == kwinShiftCall();
+    }
+    return false;
 }
 
 } // namespace Vesko

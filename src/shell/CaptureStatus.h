@@ -37,8 +37,6 @@ struct CapabilityLine
     bool works = false;
     QString text;
 };
-//! Shortcuts, selected text, source, copy and double Shift, in that order.
-QList<CapabilityLine> capabilityLines(const CaptureCapabilities &capabilities);
 //! Capture works at all once it can read the selected text; all the rest
 //! only needs setting up, so Settings opens by itself only without it.
 bool canCaptureAtAll(const CaptureCapabilities &capabilities);
@@ -51,6 +49,10 @@ QString portalShortcutsMessage(PortalShortcutsState state);
 enum class ShortcutDesktop { Gnome, Kde, Sway, Other };
 //! From XDG_CURRENT_DESKTOP (a list separated by colons).
 ShortcutDesktop shortcutDesktop(const QString &currentDesktop);
+//! Shortcuts, selected text, source, copy and double Shift, in that order;
+//! on \a desktop, what to do about what does not work there.
+QList<CapabilityLine> capabilityLines(
+    const CaptureCapabilities &capabilities, ShortcutDesktop desktop);
 //! The desktop's names as XDG_CURRENT_DESKTOP gives them; "sway" where only
 //! sway's socket tells.
 QString currentDesktopNames();
@@ -62,5 +64,12 @@ QString commandBindingAdvice(ShortcutDesktop desktop);
 //! action, with \a keys of the action in sway's words (commented out for an
 //! action without keys), and the Shift release that feeds double Shift.
 QString swayBindings(const std::function<QString(HotKeyAction)> &keys);
+//! The two commands that have KWin call Vesko on each lone Shift release:
+//! the entry in kwinrc, then KWin reading its configuration again. For the
+//! Plasma of \a plasmaVersion (KDE_SESSION_VERSION), whose tools carry it.
+QString kwinShiftCommands(const QString &plasmaVersion);
+//! Whether \a kwinrc, the text of KWin's configuration file, has KWin call
+//! Vesko on each lone Shift release.
+bool kwinPassesShiftTaps(QStringView kwinrc);
 
 } // namespace Vesko

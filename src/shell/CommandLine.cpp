@@ -28,6 +28,8 @@ QString commandsText()
               "  shift         one tap of a lone Shift key, for double Shift where the\n"
               "                desktop runs a command on a Shift release (sway: bindsym\n"
               "                --release Shift_L exec vesko shift)\n"
+              "  shift-press   a Shift press, where the desktop reports presses too: a\n"
+              "                Shift held too long is then no tap\n"
               "  quit          quit Vesko\n"
               "  add TEXT...   add a note (\"-\" reads it from standard input)\n"
               "  list          print the notes of the active project\n"
@@ -128,7 +130,7 @@ QStringList CommandLine::actionNames()
 {
     return {QStringLiteral("toggle"), QStringLiteral("show"), QStringLiteral("hide"),
         QStringLiteral("capture"), QStringLiteral("quick-add"), QStringLiteral("copy-list"),
-        QStringLiteral("shift"), QStringLiteral("quit")};
+        QStringLiteral("shift"), QStringLiteral("shift-press"), QStringLiteral("quit")};
 }
 
 CommandLineRequest CommandLine::parse(const QStringList &arguments)

@@ -7,17 +7,17 @@
 #include "capture/DoubleShiftMonitor.h"
 #include "capture/HotKeyCenter.h"
 #include "capture/SelectionReader.h"
-#include "panel/PanelController.h"
+#include "panel/window/PanelController.h"
 #include "platform/HotKeyRegistrar.h"
 #include "platform/Logging.h"
 #include "platform/SessionType.h"
-#include "platform/atspi/AtspiFrontApplication.h"
 #include "platform/ShiftTaps.h"
+#include "platform/atspi/AtspiFrontApplication.h"
 #include "platform/portal/PortalGlobalShortcuts.h"
 #include "platform/portal/ShortcutTrigger.h"
-#include "platform/qt/FocusSelectionReader.h"
-#include "platform/qt/FocusSelectionSession.h"
 #include "platform/qt/QtClipboard.h"
+#include "platform/wayland/FocusSelectionReader.h"
+#include "platform/wayland/FocusSelectionSession.h"
 #include "platform/wayland/WaylandClipboard.h"
 #include "platform/wayland/WaylandDataControl.h"
 #include "platform/wayland/WaylandGlobals.h"
@@ -29,18 +29,28 @@
 #include "platform/x11/X11Session.h"
 #include "shell/CaptureStatus.h"
 #include "shell/Preferences.h"
+#include "shell/SessionCapabilities.h"
 #include "shell/Toast.h"
 
 #include <QDBusConnection>
+#include <QFile>
 #include <QGuiApplication>
+#include <QStandardPaths>
 #include <QTimer>
 
 namespace Vesko {
 
 namespace {
 
-// The longest wait for the portal's word that the shortcut's keys are up.
-constexpr int portalKeyReleaseBoundMilliseconds = 1000;
+//! KWin's configuration file, small: read whole, at once.
+QString kwinConfiguration()
+{
+    QFile file(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+        + QStringLiteral("/kwinrc"));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(file.read(1 << 20));
+}
 
 // Under Xwayland an X key grab fires only for X11 windows: a Wayland
 // session is one whatever platform Qt runs on.
@@ -127,19 +137,14 @@ void DesktopCapture::makeWaylandSession()
     AtspiFrontApplication *accessibleFront = m_accessibleFront.get();
     auto session = std::make_unique<WaylandSession>(
         *m_wayland, *m_dataControl, [accessibleFront](auto done) {
-            if (accessibleFront->isAvailable())
-                // No active frame on the bus (an application that keeps off
-                // it) still captures, under "Unknown".
-                accessibleFront->frontApplication(
-                    [done = std::move(done)](std::optional<FrontApplication> front) {
-                        done(front ? std::move(front) : FrontApplication {});
-                    });
-            else
-                done(FrontApplication {}); // "Unknown", and the selection still read
+            // No active frame on the bus (an application that keeps off it,
+            // or no bus) still captures, under "Unknown".
+            accessibleFront->frontApplicationOrUnknown(std::move(done));
         });
     if (PortalGlobalShortcuts *portal = m_portal) {
         // With the desktop's shortcuts the portal says when their keys are
-        // up; a capture asked for otherwise keeps the session's fixed wait.
+        // up, sooner than the session's fixed wait; never later, since its
+        // word may not come.
         session->setKeyReleaseWait([portal](std::function<void()> then) {
             if (portal->state() != PortalShortcutsState::Bound) {
                 QTimer::singleShot(
@@ -158,7 +163,7 @@ void DesktopCapture::makeWaylandSession()
                     std::exchange(*pending, nullptr)();
             };
             *connection = QObject::connect(portal, &PortalGlobalShortcuts::keysReleased, portal, finish);
-            QTimer::singleShot(portalKeyReleaseBoundMilliseconds, portal, finish);
+            QTimer::singleShot(WaylandSession::keyReleaseWaitMilliseconds, portal, finish);
         });
     }
     m_waylandSession = std::move(session);
@@ -169,7 +174,8 @@ void DesktopCapture::makeWaylandSession()
     PanelController *panel = &m_panel;
     m_focusSelection = std::make_unique<FocusSelectionReader>(
         FocusSelectionReader::Panel {[panel] { return panel->isPanelShown(); },
-            [panel] { panel->show(true, false); }, [panel] { panel->hide(); }});
+            [panel] { panel->show(true, false); }, [panel] { panel->hide(); }},
+        *m_wayland);
     WaylandSession *front = m_waylandSession.get();
     m_session = std::make_unique<FocusSelectionSession>(
         [front](auto done) { front->frontApplication(std::move(done)); }, *m_focusSelection);
@@ -208,31 +214,23 @@ CaptureEngine &DesktopCapture::engine()
 
 CaptureCapabilities DesktopCapture::capabilities() const
 {
-    using C = CaptureCapabilities;
-    C found;
+    using W = SessionFindings::Windowing;
+    SessionFindings found;
     if (m_waylandSession) {
-        found = m_waylandSession->capabilities();
-        if (found.source == C::Source::None && m_accessibleFront->isAvailable())
-            found.source = C::Source::Accessibility;
-        if (m_focusSelection) {
-            found.selection = FocusSelectionReader::isAvailable() ? C::Selection::OnPanelFocus
-                                                                  : C::Selection::None;
-            found.copy = C::Copy::None;
-        }
-    } else if (!onWayland()) {
-        if (!X11Session::isCaptureAvailable())
-            return {};
-        return {C::HotKeys::KeyGrab, C::Selection::PrimarySelection, C::Source::WindowProperties,
-            C::Copy::SyntheticKeys, C::DoubleShift::KeyMonitor};
+        found.windowing = W::Wayland;
+        found.compositor = m_waylandSession->capabilities();
+        found.accessibilityBus = m_accessibleFront->isAvailable();
+        found.dataControl = m_dataControl->isAvailable();
+        found.readsOnPanelFocus = m_focusSelection && m_focusSelection->isAvailable();
+        found.kwinPassesShiftTaps = shortcutDesktop(currentDesktopNames()) == ShortcutDesktop::Kde
+            && kwinPassesShiftTaps(kwinConfiguration());
+    } else if (onWayland()) {
+        found.windowing = W::XWayland;
+    } else {
+        found.x11CaptureAvailable = X11Session::isCaptureAvailable();
     }
-    // X11 clients under XWayland reach no other client: only the desktop's
-    // shortcuts are left.
-    if (m_portal) {
-        const PortalShortcutsState state = m_portal->state();
-        if (state == PortalShortcutsState::Connecting || state == PortalShortcutsState::Bound)
-            found.hotKeys = C::HotKeys::Portal;
-    }
-    return found;
+    found.portal = portalState();
+    return sessionCapabilities(found);
 }
 
 std::optional<PortalShortcutsState> DesktopCapture::portalState() const
@@ -249,6 +247,12 @@ void DesktopCapture::shiftTapped()
     else
         qCInfo(lcDoubleShift,
             "A Shift tap from the command line, where the keys are heard directly: ignored");
+}
+
+void DesktopCapture::shiftPressed()
+{
+    if (m_shiftTaps)
+        m_shiftTaps->press();
 }
 
 const KeyLayout *DesktopCapture::keyLayout()

@@ -67,9 +67,13 @@ public:
     //! Made on first use, at launch.
     CaptureEngine &engine();
 
-    //! One lone Shift tap the compositor reported (`vesko shift`): fed to
-    //! the double-Shift gesture where no key monitor runs; ignored elsewhere.
+    //! One lone Shift tap the compositor reported (`vesko shift`, or KWin
+    //! calling ShiftTapped on the bus): fed to the double-Shift gesture
+    //! where no key monitor runs; ignored elsewhere.
     void shiftTapped();
+    //! A Shift press the compositor reported (`vesko shift-press`), so that
+    //! the next tap's hold is known.
+    void shiftPressed();
 
     //! The launch and termination steps that belong to capture.
     AppDelegate::Hooks launchHooks();

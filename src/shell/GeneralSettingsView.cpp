@@ -2,7 +2,7 @@
 
 #include "shell/GeneralSettingsView.h"
 
-#include "panel/PanelController.h"
+#include "panel/window/PanelController.h"
 #include "shell/Preferences.h"
 #include "shell/SettingsForm.h"
 

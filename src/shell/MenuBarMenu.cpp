@@ -2,9 +2,9 @@
 
 #include "shell/MenuBarMenu.h"
 
-#include "panel/PanelCommands.h"
-#include "panel/PanelMenus.h"
-#include "panel/PanelState.h"
+#include "panel/window/PanelCommands.h"
+#include "panel/window/PanelMenus.h"
+#include "panel/window/PanelState.h"
 #include "shell/MenuBarDashboard.h"
 #include "store/Store.h"
 

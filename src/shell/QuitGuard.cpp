@@ -2,7 +2,7 @@
 
 #include "shell/QuitGuard.h"
 
-#include "panel/PanelCommands.h"
+#include "panel/window/PanelCommands.h"
 #include "store/Store.h"
 
 #include <QMessageBox>

@@ -3,7 +3,7 @@
 #include "shell/StorageSettingsView.h"
 
 #include "library/LibraryFile.h"
-#include "panel/PanelCommands.h"
+#include "panel/window/PanelCommands.h"
 #include "shell/LibraryLocation.h"
 #include "shell/Preferences.h"
 #include "shell/SettingsForm.h"

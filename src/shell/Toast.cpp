@@ -2,7 +2,7 @@
 
 #include "shell/Toast.h"
 
-#include "panel/PanelPlacement.h"
+#include "panel/window/PanelPlacement.h"
 #include "platform/qt/DesktopScreens.h"
 #include "platform/x11/X11Window.h"
 #include "shell/Theme.h"

@@ -2,8 +2,8 @@
 
 #include "shell/TrayIcon.h"
 
-#include "panel/PanelController.h"
-#include "panel/PanelState.h"
+#include "panel/window/PanelController.h"
+#include "panel/window/PanelState.h"
 #include "shell/MenuBarDashboard.h"
 #include "shell/MenuBarMenu.h"
 #include "shell/Preferences.h"

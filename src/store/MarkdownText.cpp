@@ -4,15 +4,17 @@
 // one pass from left to right builds a list of nodes (text, and the markers
 // where an attribute begins or ends) with a stack of delimiter runs and a
 // stack of brackets; emphasis is resolved with the "openers bottom" rule,
-// which keeps the whole linear.
+// which keeps the whole linear. Escapes and character references are read
+// in MarkdownCharacters.
 
 #include "store/MarkdownText.h"
+
+#include "store/MarkdownCharacters.h"
 
 #include <QStringView>
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <map>
 #include <vector>
 
@@ -20,41 +22,7 @@ namespace Vesko {
 
 namespace {
 
-#include "store/HtmlEntities.inc"
-
-bool isAsciiPunctuation(char32_t c)
-{
-    return (c >= 0x21 && c <= 0x2F) || (c >= 0x3A && c <= 0x40) || (c >= 0x5B && c <= 0x60)
-        || (c >= 0x7B && c <= 0x7E);
-}
-
-bool isUnicodeWhitespace(char32_t c)
-{
-    return c == 0 || c == '\t' || c == '\n' || c == '\f' || c == '\r'
-        || QChar::category(c) == QChar::Separator_Space;
-}
-
-bool isUnicodePunctuation(char32_t c)
-{
-    if (c < 0x80)
-        return isAsciiPunctuation(c);
-    switch (QChar::category(c)) {
-    case QChar::Punctuation_Connector:
-    case QChar::Punctuation_Dash:
-    case QChar::Punctuation_Open:
-    case QChar::Punctuation_Close:
-    case QChar::Punctuation_InitialQuote:
-    case QChar::Punctuation_FinalQuote:
-    case QChar::Punctuation_Other:
-    case QChar::Symbol_Math:
-    case QChar::Symbol_Currency:
-    case QChar::Symbol_Modifier:
-    case QChar::Symbol_Other:
-        return true;
-    default:
-        return false;
-    }
-}
+using namespace MarkdownCharacters;
 
 class Parser
 {
@@ -234,23 +202,7 @@ private:
 
     // -- inline elements ------------------------------------------------------------
 
-    qsizetype backslash(qsizetype i)
-    {
-        if (i + 1 < m_size) {
-            const QChar next = m_source.at(i + 1);
-            if (next.unicode() < 0x80 && isAsciiPunctuation(next.unicode())) {
-                m_pending += next;
-                return i + 2;
-            }
-            if (next == u'\n') {
-                // A hard line break: the line break stays, the backslash goes.
-                m_pending += next;
-                return i + 2;
-            }
-        }
-        m_pending += u'\\';
-        return i + 1;
-    }
+    qsizetype backslash(qsizetype i) { return readEscape(m_source, i, m_pending); }
 
     void indexBacktickRuns()
     {
@@ -301,51 +253,7 @@ private:
         return closer + length;
     }
 
-    qsizetype entity(qsizetype i)
-    {
-        qsizetype j = i + 1;
-        auto isHex = [](QChar c) {
-            return c.isDigit() || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
-        };
-        if (j < m_size && m_source.at(j) == u'#') {
-            ++j;
-            const bool hex = j < m_size && (m_source.at(j) == u'x' || m_source.at(j) == u'X');
-            if (hex)
-                ++j;
-            const qsizetype digitsStart = j;
-            while (j < m_size && j - digitsStart < 8
-                && (hex ? isHex(m_source.at(j)) : m_source.at(j).isDigit()))
-                ++j;
-            const qsizetype digits = j - digitsStart;
-            if (digits >= 1 && digits <= (hex ? 6 : 7) && j < m_size && m_source.at(j) == u';') {
-                bool ok = false;
-                uint value = m_source.sliced(digitsStart, digits).toUInt(&ok, hex ? 16 : 10);
-                if (!ok || value == 0 || value > 0x10FFFF || (value >= 0xD800 && value <= 0xDFFF))
-                    value = 0xFFFD;
-                m_pending += QString::fromUcs4(reinterpret_cast<const char32_t *>(&value), 1);
-                return j + 1;
-            }
-        } else {
-            const qsizetype nameStart = j;
-            while (j < m_size && j - nameStart < 32 && m_source.at(j).unicode() < 0x80
-                && m_source.at(j).isLetterOrNumber())
-                ++j;
-            if (j > nameStart && j < m_size && m_source.at(j) == u';') {
-                const QByteArray name = m_source.sliced(nameStart, j - nameStart).toLatin1();
-                const auto found
-                    = std::lower_bound(std::begin(htmlEntities), std::end(htmlEntities), name,
-                        [](const HtmlEntity &entry, const QByteArray &key) {
-                            return std::strcmp(entry.name, key.constData()) < 0;
-                        });
-                if (found != std::end(htmlEntities) && name == found->name) {
-                    m_pending += QString::fromUtf8(found->utf8);
-                    return j + 1;
-                }
-            }
-        }
-        m_pending += u'&';
-        return i + 1;
-    }
+    qsizetype entity(qsizetype i) { return readReference(m_source, i, m_pending); }
 
     qsizetype autolink(qsizetype i)
     {
@@ -639,28 +547,6 @@ private:
             }
         }
         return j;
-    }
-
-    // Unescapes backslash escapes and character references of a destination or title.
-    static QString unescaped(QStringView text)
-    {
-        if (!text.contains(u'\\') && !text.contains(u'&'))
-            return text.toString();
-        return Parser(text.toString()).plainText();
-    }
-
-    // The plain text of a parse in which only escapes and references count.
-    QString plainText()
-    {
-        for (qsizetype i = 0; i < m_size;) {
-            if (m_source.at(i) == u'\\')
-                i = backslash(i);
-            else if (m_source.at(i) == u'&')
-                i = entity(i);
-            else
-                m_pending += m_source.at(i++);
-        }
-        return m_pending;
     }
 
     // Parses "(destination "title")" at \a j; returns the position after it, or -1.

@@ -4,21 +4,14 @@
 // surface, collapsed and expanded tiles with real thumbnails and the pending
 // strip, saved as a PNG for the documentation.
 
+#include "SilentAttachmentActions.h"
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
 
-#include "attachments/AttachmentActions.h"
 #include "attachments/AttachmentListView.h"
-#include "attachments/AttachmentStore.h"
 #include "attachments/PendingAttachmentStrip.h"
-#include "attachments/ThumbnailCache.h"
 #include "library/LibraryFile.h"
-#include "library/LibraryWriter.h"
-#include "platform/DesktopFiles.h"
-#include "platform/FileChooser.h"
-#include "platform/Pasteboard.h"
-#include "shell/Preferences.h"
 #include "shell/Theme.h"
-#include "store/Store.h"
 
 #include <QApplication>
 #include <QDir>
@@ -30,19 +23,6 @@
 using namespace Vesko;
 
 namespace {
-
-class Nothing : public AttachmentFeedback,
-                public FileChooser,
-                public PasteboardReader,
-                public DesktopFiles
-{
-public:
-    void toast(const QString &, const QString &) override { }
-    void chooseFiles(std::function<void(const QList<QUrl> &)> done) override { done({}); }
-    void readPasteboard(std::function<void(const PasteboardContent &)> done) override { done({}); }
-    void open(const QString &, Unhandled) override { }
-    void reveal(const QString &, Unhandled) override { }
-};
 
 class Surface : public QWidget
 {
@@ -104,14 +84,11 @@ int main(int argc, char *argv[])
     Theme::applyAppearance(
         arguments.value(2) == u"dark" ? AppAppearance::Dark : AppAppearance::Light);
 
-    Preferences preferences;
-    LibraryWriter writer;
-    AttachmentStore files;
-    SearchIndex index(environment.cacheHome() + QStringLiteral("/index.sqlite"));
-    Store store(makeDefaultLibrary(), {preferences, writer, files, index});
-    Nothing nothing;
-    AttachmentActions actions({store, files, nothing, nothing, nothing, nothing});
-    ThumbnailCache cache;
+    Test::StoreFixture fixture;
+    Test::SilentAttachmentActions attachmentActions(
+        fixture.make(makeDefaultLibrary()), fixture.attachments());
+    AttachmentActions &actions = attachmentActions.actions;
+    ThumbnailCache &cache = attachmentActions.thumbnails;
 
     const QString folder = attachmentsFolder(libraryURL());
     QList<NoteAttachment> attachments;

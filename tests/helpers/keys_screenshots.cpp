@@ -12,9 +12,9 @@
 
 #include "attachments/AttachmentStore.h"
 #include "library/LibraryWriter.h"
-#include "panel/PanelRootView.h"
-#include "panel/PanelState.h"
-#include "panel/SwitcherView.h"
+#include "panel/layers/SectionSwitcherView.h"
+#include "panel/window/PanelRootView.h"
+#include "panel/window/PanelState.h"
 #include "search/SearchIndex.h"
 #include "shell/Preferences.h"
 #include "store/Store.h"

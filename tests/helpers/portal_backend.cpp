@@ -7,7 +7,8 @@
 // com.vesko.TestPortal.Control:
 //   SetResponse(s step, u response)  the answer to "session" or "bind" (0 = yes,
 //                                    99 = no answer at all)
-//   Activate(s id), Deactivate(s id) a shortcut's keys going down and up
+//   Activate(s id [, s token]),      a shortcut's keys going down (with an
+//   Deactivate(s id)                 activation token) and up
 //   ChangeTrigger(s id, s text)      the user gave the shortcut other keys
 //   CloseSessions()                  the desktop ends every session
 // A bound shortcut's trigger is described as "Desktop " and the preferred trigger.
@@ -154,12 +155,15 @@ private:
             (in.value(0).toString() == u"session" ? m_sessionResponse : m_bindResponse)
                 = in.value(1).toUInt();
         } else if (member == u"Activate" || member == u"Deactivate") {
+            QVariantMap options;
+            if (!in.value(1).toString().isEmpty())
+                options.insert(QStringLiteral("activation_token"), in.value(1).toString());
             for (const QString &session : std::as_const(m_sessions)) {
                 QDBusMessage signal = QDBusMessage::createSignal(rootPath, implInterface,
                     member == u"Activate" ? QStringLiteral("Activated")
                                           : QStringLiteral("Deactivated"));
                 signal << QVariant::fromValue(QDBusObjectPath(session)) << in.value(0).toString()
-                       << quint64(QDateTime::currentMSecsSinceEpoch()) * 1000 << QVariantMap();
+                       << quint64(QDateTime::currentMSecsSinceEpoch()) * 1000 << options;
                 bus.send(signal);
             }
         } else if (member == u"ChangeTrigger") {

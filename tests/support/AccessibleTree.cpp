@@ -28,18 +28,10 @@ AccessibleNode parse(const QJsonObject &object)
         node.states.append(state.toString());
     if (object.contains(QLatin1String("text")))
         node.text = object.value(QLatin1String("text")).toString();
-    if (object.contains(QLatin1String("value")))
-        node.value = object.value(QLatin1String("value")).toDouble();
-    for (const QJsonValue &action : object.value(QLatin1String("actions")).toArray())
-        node.actions.append(action.toString());
     const QJsonArray extents = object.value(QLatin1String("extents")).toArray();
     if (extents.size() == 4)
         node.extents
             = QRect(extents[0].toInt(), extents[1].toInt(), extents[2].toInt(), extents[3].toInt());
-    for (const QJsonValue &run : object.value(QLatin1String("runs")).toArray()) {
-        const QJsonArray parts = run.toArray();
-        node.runs.append({parts[0].toInt(), parts[1].toInt(), parts[2].toObject()});
-    }
     for (const QJsonValue &child : object.value(QLatin1String("children")).toArray())
         node.children.append(parse(child.toObject()));
     return node;
@@ -75,17 +67,6 @@ AccessibleTree AccessibleTree::run(const QStringList &arguments)
     if (document.isObject())
         tree.m_root = parse(document.object());
     return tree;
-}
-
-bool AccessibleTree::perform(
-    const QString &application, const QString &role, const QString &name, const QString &action)
-{
-    QProcess reader;
-    QStringList arguments = {readerPath(), QStringLiteral("do"), application, role, name};
-    if (!action.isEmpty())
-        arguments.append(action);
-    reader.start(python, arguments);
-    return reader.waitForFinished(30000) && reader.exitCode() == 0;
 }
 
 QList<const AccessibleNode *> AccessibleTree::all() const

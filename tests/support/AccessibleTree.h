@@ -2,7 +2,7 @@
 //
 // A running program as a screen reader sees it: its accessible tree read
 // over AT-SPI (through tests/helpers/atspi_reader.py and pyatspi), with the
-// roles, names, states, texts, values and places on the screen of its
+// roles, names, descriptions, states, texts and places on the screen of its
 // objects. Needs a session bus (dbus-run-session) and the program started
 // with accessibility on (QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1).
 
@@ -26,12 +26,8 @@ struct AccessibleNode
     QString description;
     QStringList states;
     std::optional<QString> text;
-    std::optional<double> value;
-    QStringList actions;
     //! Where it is on the screen; empty when it has no place.
     QRect extents;
-    //! Attribute runs of its text: start, end and the attributes.
-    QList<std::tuple<int, int, QJsonObject>> runs;
     QList<AccessibleNode> children;
 
     bool hasState(const QString &state) const { return states.contains(state); }
@@ -52,9 +48,6 @@ public:
     //! application, so read() does not see it.
     static AccessibleTree popup(
         const QString &application, const QString &key = QStringLiteral("Down"));
-    //! Asks AT-SPI to perform \a action on the first object of \a role and \a name.
-    static bool perform(const QString &application, const QString &role, const QString &name,
-        const QString &action = QString());
 
     bool isEmpty() const { return !m_root; }
     const AccessibleNode &root() const { return *m_root; }

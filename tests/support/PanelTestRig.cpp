@@ -90,6 +90,26 @@ QString namesOf(const QList<QUuid> &ids)
     return names.join(u',');
 }
 
+QStringList sectionTitles(const Store &store)
+{
+    QStringList titles;
+    for (const NoteSection &section : store.activeProject().sections)
+        titles.append(section.title);
+    return titles;
+}
+
+QStringList notesOfSection(const Store &store, const QString &title)
+{
+    QStringList notes;
+    for (const NoteSection &section : store.activeProject().sections) {
+        if (section.title == title) {
+            for (const Note &note : section.notes)
+                notes.append(note.isDone ? note.text.toUpper() : note.text);
+        }
+    }
+    return notes;
+}
+
 PanelTestRig::PanelTestRig(const QString &description)
     : PanelTestRig([&] {
         Library library;

@@ -10,7 +10,7 @@
 
 #include "StoreFixture.h"
 
-#include "panel/PanelState.h"
+#include "panel/window/PanelState.h"
 
 namespace Vesko::Test {
 
@@ -22,6 +22,10 @@ QString describeProject(const Project &project);
 //! Names of \a ids in alphabetical order, separated by commas.
 QString namesOf(const QList<QUuid> &ids);
 QString nameOf(const std::optional<QUuid> &id);
+//! The titles of the active project's sections, in order.
+QStringList sectionTitles(const Store &store);
+//! The notes of the active project's section \a title, upper case for done ones.
+QStringList notesOfSection(const Store &store, const QString &title);
 
 class PanelTestRig
 {

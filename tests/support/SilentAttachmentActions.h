@@ -2,8 +2,8 @@
 //
 // The attachment actions of the program over a given Store, with the
 // desktop's own file dialog, clipboard and file manager; the toasts they
-// would show go nowhere. For programs that draw or measure the list with
-// attachments (link vesko_widgets).
+// would show are only kept in toasts. For programs that draw or measure the
+// list with attachments and for the list's tests (link vesko_widgets).
 
 #pragma once
 
@@ -21,13 +21,14 @@ struct SilentAttachmentActions : AttachmentFeedback
     SilentAttachmentActions(Store &store, AttachmentStore &files)
         : actions({store, files, chooser, pasteboard, desktop, *this})
     { }
-    void toast(const QString &, const QString &) override { }
+    void toast(const QString &message, const QString &) override { toasts.append(message); }
 
     AttachmentFileDialog chooser;
     QtPasteboardReader pasteboard;
     QtDesktopFiles desktop;
     AttachmentActions actions;
     ThumbnailCache thumbnails;
+    QStringList toasts;
 };
 
 } // namespace Vesko::Test

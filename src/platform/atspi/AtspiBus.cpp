@@ -149,21 +149,24 @@ bool AtspiBus::connect()
     if (m_bus && m_bus->isConnected())
         return true;
     disconnect();
-    QDBusConnection session = QDBusConnection::sessionBus();
-    if (!session.isConnected())
-        return false;
-    const QDBusMessage reply
-        = session.call(QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"),
-                           QStringLiteral("/org/a11y/bus"), QStringLiteral("org.a11y.Bus"),
-                           QStringLiteral("GetAddress")),
-            QDBus::Block, addressTimeoutMilliseconds);
-    const QString address
-        = reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty()
-        ? reply.arguments().constFirst().toString()
-        : QString();
+    // The address the session gives, as the accessibility library itself
+    // reads it, else the one the session bus's launcher hands out.
+    QString address = qEnvironmentVariable("AT_SPI_BUS_ADDRESS");
     if (address.isEmpty()) {
-        qCInfo(lcCapture, "No accessibility bus: %s", qUtf8Printable(reply.errorMessage()));
-        return false;
+        QDBusConnection session = QDBusConnection::sessionBus();
+        if (!session.isConnected())
+            return false;
+        const QDBusMessage reply
+            = session.call(QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"),
+                               QStringLiteral("/org/a11y/bus"), QStringLiteral("org.a11y.Bus"),
+                               QStringLiteral("GetAddress")),
+                QDBus::Block, addressTimeoutMilliseconds);
+        if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty())
+            address = reply.arguments().constFirst().toString();
+        if (address.isEmpty()) {
+            qCInfo(lcCapture, "No accessibility bus: %s", qUtf8Printable(reply.errorMessage()));
+            return false;
+        }
     }
     QDBusConnection bus = QDBusConnection::connectToBus(address, m_connectionName);
     if (!bus.isConnected()) {

@@ -2,12 +2,12 @@
 
 #include "platform/atspi/AtspiFrontApplication.h"
 
+#include "platform/FrontApplicationNames.h"
 #include "platform/SerialQueue.h"
 #include "platform/atspi/AtspiBus.h"
 #include "platform/atspi/ProcessLaunch.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QPointer>
 
 #include <atomic>
@@ -39,7 +39,10 @@ struct AtspiFrontApplication::Found
 AtspiFrontApplication::AtspiFrontApplication(QObject *parent)
     : QObject(parent)
     , m_worker(std::make_shared<Worker>())
-    , m_queue(std::make_unique<SerialQueue>(QStringLiteral("com.vesko.vesko.accessibility")))
+    // Never waited for: an application that does not answer keeps the read
+    // under way for its bounds, and Vesko's end waits for no application.
+    , m_queue(std::make_unique<SerialQueue>(QStringLiteral("com.vesko.vesko.accessibility"),
+          QThread::InheritPriority, SerialQueue::End::Detached))
 {
     QPointer<AtspiFrontApplication> self(this);
     std::shared_ptr<Worker> worker = m_worker;
@@ -61,8 +64,8 @@ AtspiFrontApplication::~AtspiFrontApplication()
 {
     m_worker->stopping = true;
     std::shared_ptr<Worker> worker = m_worker;
-    // The bus goes on the thread that made it; the read under way, if any,
-    // ends within its bounds first.
+    // The bus goes on the thread that made it, after the read under way, if
+    // any, has ended within its bounds; nothing here waits for either.
     m_queue->async([worker] { worker->bus.reset(); });
     m_queue.reset();
 }
@@ -99,6 +102,13 @@ void AtspiFrontApplication::frontApplication(Done done)
     });
 }
 
+void AtspiFrontApplication::frontApplicationOrUnknown(Done done)
+{
+    frontApplication([done = std::move(done)](std::optional<FrontApplication> front) {
+        done(front ? std::move(front) : FrontApplication {});
+    });
+}
+
 void AtspiFrontApplication::answer(const std::optional<Found> &found, Done done)
 {
     if (!found) {
@@ -119,21 +129,7 @@ void AtspiFrontApplication::answer(const std::optional<Found> &found, Done done)
     m_entries.find(candidates, applicationName,
         [front, applicationName, done = std::move(done)](
             std::optional<X11DesktopEntries::Entry> entry) mutable {
-            if (entry && !entry->name.isEmpty())
-                front.name = entry->name;
-            else if (!applicationName.isEmpty())
-                front.name = applicationName;
-            else if (front.processID > 0) {
-                // A file of the kernel's, read at once.
-                QFile comm(QStringLiteral("/proc/%1/comm").arg(front.processID));
-                if (comm.open(QIODevice::ReadOnly))
-                    front.name = QString::fromLocal8Bit(comm.readAll()).trimmed();
-            }
-            if (entry)
-                front.identifier = entry->id;
-            else if (!applicationName.isEmpty())
-                front.identifier = applicationName;
-            front.isTerminal = entry && entry->isTerminal;
+            nameFrontApplication(front, entry, applicationName);
             done(front);
         });
 }

@@ -40,6 +40,10 @@ public:
     //! active, or nothing when none is (or the bus is out of reach). Within
     //! about a second even when an application does not answer.
     void frontApplication(Done done);
+    //! For a capture: as above, but an empty application ("Unknown") where
+    //! no frame is active or the bus is out of reach. The bus is asked each
+    //! time, so one that was not up yet at first is found later.
+    void frontApplicationOrUnknown(Done done);
 
 Q_SIGNALS:
     void availableChanged();

@@ -2,6 +2,7 @@
 
 #include "platform/portal/PortalGlobalShortcuts.h"
 
+#include "platform/ActivationToken.h"
 #include "platform/Logging.h"
 #include "platform/portal/ShortcutTrigger.h"
 
@@ -13,6 +14,8 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QRandomGenerator>
+
+#include <algorithm>
 
 namespace {
 
@@ -394,10 +397,22 @@ void PortalGlobalShortcuts::handleActivated(const QDBusMessage &message)
     if (arguments.size() < 2 || objectPathText(arguments.at(0)) != m_session || m_session.isEmpty())
         return;
     const std::optional<int> id = identityOf(arguments.at(1).toString());
-    // A key held down reports one press.
-    if (!id || !m_wanted.contains(*id) || m_held.contains(*id))
+    if (!id || !m_wanted.contains(*id))
         return;
-    m_held.insert(*id);
+    // A key held down reports one press; a press whose release never came
+    // is over once its hold lapsed.
+    const auto held = m_held.find(*id);
+    const bool repeated = held != m_held.end() && !held->hasExpired();
+    m_held.insert(*id, QDeadlineTimer(heldLimitMilliseconds));
+    if (repeated)
+        return;
+    // The desktop may let the press's window take the focus (GNOME and KDE
+    // give the panel none without it).
+    if (arguments.size() >= 4) {
+        keepActivationToken(qdbus_cast<QVariantMap>(arguments.at(3))
+                                .value(QStringLiteral("activation_token"))
+                                .toString());
+    }
     if (m_handler)
         m_handler(*id);
 }
@@ -410,8 +425,14 @@ void PortalGlobalShortcuts::handleDeactivated(const QDBusMessage &message)
     const std::optional<int> id = identityOf(arguments.at(1).toString());
     if (!id || !m_held.remove(*id))
         return;
-    if (m_held.isEmpty())
+    if (!areKeysHeld())
         Q_EMIT keysReleased();
+}
+
+bool PortalGlobalShortcuts::areKeysHeld() const
+{
+    return std::any_of(m_held.cbegin(), m_held.cend(),
+        [](const QDeadlineTimer &until) { return !until.hasExpired(); });
 }
 
 void PortalGlobalShortcuts::handleShortcutsChanged(const QDBusMessage &message)
@@ -431,10 +452,14 @@ void PortalGlobalShortcuts::handleSessionClosed(const QDBusMessage &message)
         SLOT(handleSessionClosed(QDBusMessage)));
     m_session.clear();
     m_bound.clear();
+    const bool wereHeld = areKeysHeld();
     m_held.clear();
     m_step = Step::None;
     m_requestTimer.stop();
     setState(State::Closed);
+    // No Deactivated comes from a closed session.
+    if (wereHeld)
+        Q_EMIT keysReleased();
 }
 
 void PortalGlobalShortcuts::closeSession()

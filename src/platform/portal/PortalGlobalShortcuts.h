@@ -5,7 +5,8 @@
 // without ever waiting on the portal: the application id is registered with
 // the host portal registry where the desktop has one, one session is made,
 // the wanted shortcuts are bound in one call with their preferred triggers,
-// and each Activated signal is a press. The desktop owns the combinations:
+// and each Activated signal is a press, its activation token kept for the
+// panel. The desktop owns the combinations:
 // what it reports (BindShortcuts' results, ShortcutsChanged) is what the
 // shortcut recorder shows. A refusal, a closed session or a portal that does
 // not answer ends in a log line and a state the Capture tab words.
@@ -16,9 +17,9 @@
 #include "platform/portal/PortalShortcutsState.h"
 
 #include <QDBusConnection>
+#include <QDeadlineTimer>
 #include <QHash>
 #include <QObject>
-#include <QSet>
 #include <QTimer>
 
 #include <functional>
@@ -62,8 +63,12 @@ public:
     State state() const { return m_state; }
     //! The combination the desktop reports for \a id, in its own words.
     QString trigger(int id) const { return m_triggers.value(id); }
-    //! A shortcut's keys went down and have not come up yet.
-    bool areKeysHeld() const { return !m_held.isEmpty(); }
+    //! How long a shortcut's keys count as down after the desktop last said
+    //! so: a Deactivated that never comes holds nothing for longer.
+    static constexpr int heldLimitMilliseconds = 1000;
+
+    //! A shortcut's keys went down, within the limit above, and have not come up yet.
+    bool areKeysHeld() const;
 
     // HotKeyRegistrar. A registration is an offer: the desktop binds all of
     // them at once, on the next turn of the event loop, and decides.
@@ -121,7 +126,8 @@ private:
     //! What the current session bound.
     QHash<int, QString> m_bound;
     QHash<int, QString> m_triggers;
-    QSet<int> m_held;
+    //! Each shortcut whose keys are down, until when they count as down.
+    QHash<int, QDeadlineTimer> m_held;
     QString m_session;
     Step m_step = Step::None;
     QString m_requestPath;

@@ -149,6 +149,12 @@ void WaylandDataControl::bindManager()
     release();
     if (!m_globals.seat())
         return;
+    // A diagnostic switch: capture as where the compositor has no data
+    // control (GNOME), reading the selection as the panel takes the focus.
+    if (qEnvironmentVariable("VESKO_WAYLAND_DATA_CONTROL") == u"off") {
+        qCInfo(lcCapture, "Data control is switched off (VESKO_WAYLAND_DATA_CONTROL=off)");
+        return;
+    }
     // The stable form first.
     m_interfaces = extInterfaces;
     m_manager = m_globals.bind(&ext_data_control_manager_v1_interface, 1, &m_managerName);

@@ -2,6 +2,7 @@
 
 #include "platform/wayland/WaylandSession.h"
 
+#include "platform/FrontApplicationNames.h"
 #include "platform/Logging.h"
 #include "platform/wayland/WaylandDataControl.h"
 #include "platform/wayland/WaylandToplevels.h"
@@ -87,13 +88,7 @@ void WaylandSession::frontApplication(std::function<void(std::optional<FrontAppl
     m_entries.find(candidates, appID,
         [front, appID, done = std::move(done)](
             std::optional<X11DesktopEntries::Entry> entry) mutable {
-            front.name = entry && !entry->name.isEmpty() ? entry->name : appID;
-            if (entry)
-                front.identifier = entry->id;
-            else if (!appID.isEmpty())
-                front.identifier = appID;
-            front.isTerminal
-                = (entry && entry->isTerminal) || X11DesktopEntries::isTerminalClass(appID);
+            nameFrontApplication(front, entry, appID);
             done(front);
         });
 }

@@ -20,18 +20,6 @@ namespace Vesko {
 
 namespace {
 
-//! Terminal emulators by window class (X11) or app_id (Wayland), in lower case.
-const QStringList terminalClasses = {QStringLiteral("xterm"), QStringLiteral("uxterm"),
-    QStringLiteral("urxvt"), QStringLiteral("rxvt"), QStringLiteral("gnome-terminal-server"),
-    QStringLiteral("gnome-terminal"), QStringLiteral("konsole"), QStringLiteral("alacritty"),
-    QStringLiteral("kitty"), QStringLiteral("terminator"), QStringLiteral("tilix"),
-    QStringLiteral("xfce4-terminal"), QStringLiteral("lxterminal"), QStringLiteral("mate-terminal"),
-    QStringLiteral("st-256color"), QStringLiteral("wezterm"), QStringLiteral("foot"),
-    QStringLiteral("org.wezfurlong.wezterm"), QStringLiteral("org.gnome.console"),
-    QStringLiteral("kgx"), QStringLiteral("qterminal"), QStringLiteral("sakura"),
-    QStringLiteral("terminology"), QStringLiteral("guake"), QStringLiteral("tilda"),
-    QStringLiteral("cool-retro-term")};
-
 //! The keys of a desktop file's [Desktop Entry] group.
 struct DesktopFile
 {
@@ -177,7 +165,7 @@ void X11DesktopEntries::find(const QStringList &candidates, const QString &windo
 
 bool X11DesktopEntries::isTerminalClass(const QString &windowClass)
 {
-    return !windowClass.isEmpty() && terminalClasses.contains(windowClass.toLower());
+    return Vesko::isTerminalClass(windowClass);
 }
 
 } // namespace Vesko

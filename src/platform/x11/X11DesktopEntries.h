@@ -9,6 +9,8 @@
 
 #pragma once
 
+#include "platform/FrontApplicationNames.h"
+
 #include <QHash>
 #include <QList>
 #include <QObject>
@@ -24,13 +26,7 @@ namespace Vesko {
 class X11DesktopEntries
 {
 public:
-    struct Entry
-    {
-        //! The file name without ".desktop", such as "org.gnome.Terminal".
-        QString id;
-        QString name;
-        bool isTerminal = false;
-    };
+    using Entry = DesktopEntry;
 
     //! The entries of a set of applications folders.
     struct Index

@@ -2,9 +2,8 @@
 
 #include "platform/x11/X11FrontWindow.h"
 
+#include "platform/FrontApplicationNames.h"
 #include "platform/x11/X11Connection.h"
-
-#include <QFile>
 
 #include <cstdlib>
 #include <cstring>
@@ -107,23 +106,7 @@ void X11FrontWindow::frontApplication(std::function<void(std::optional<FrontAppl
     m_entries.find(candidates, windowClass,
         [front, instance, windowClass, done = std::move(done)](
             std::optional<X11DesktopEntries::Entry> entry) mutable {
-            if (entry && !entry->name.isEmpty())
-                front.name = entry->name;
-            else if (!windowClass.isEmpty())
-                front.name = windowClass;
-            else if (front.processID > 0) {
-                // A file of the kernel's, read at once.
-                QFile comm(QStringLiteral("/proc/%1/comm").arg(front.processID));
-                if (comm.open(QIODevice::ReadOnly))
-                    front.name = QString::fromLocal8Bit(comm.readAll()).trimmed();
-            }
-            if (entry)
-                front.identifier = entry->id;
-            else if (!instance.isEmpty())
-                front.identifier = instance;
-            front.isTerminal = (entry && entry->isTerminal)
-                || X11DesktopEntries::isTerminalClass(windowClass)
-                || X11DesktopEntries::isTerminalClass(instance);
+            nameFrontApplication(front, entry, windowClass, instance);
             done(front);
         });
 }
