@@ -1238,6 +1238,21 @@ public:
         }
         // Set after construction, so that the repair at load leaves it as made.
         m_store = &m_fixture.make(makeDefaultLibrary());
+        // The list follows the rows through the span each change reports:
+        // the old rows with that span replaced must be the new rows.
+        m_lastRows = m_store->rows();
+        QObject::connect(m_store, &Store::rowsChanged, m_store, [this] {
+            const PanelRowChange change = m_store->lastRowChange();
+            QList<PanelRow> spliced = m_lastRows.mid(0, change.first);
+            spliced += m_store->rows().mid(change.first, change.inserted);
+            spliced += m_lastRows.mid(change.first + change.removed);
+            if (spliced != m_store->rows() && !m_spliceFailure)
+                m_spliceFailure = QStringLiteral("a change reported rows %1 + %2 for %3")
+                                      .arg(change.first)
+                                      .arg(change.inserted)
+                                      .arg(change.removed);
+            m_lastRows = m_store->rows();
+        });
         m_store->setLibrary(initial);
         m_store->refreshAfterMutation();
         m_baseRevision = m_store->libraryRevision();
@@ -1725,6 +1740,23 @@ private:
         if (rows != m_model.rows())
             return QStringLiteral("the rows differ.\nexpected:\n%1\nactual:\n%2")
                 .arg(dump(m_model.rows()), dump(rows));
+        // The Store patches its rows from change to change; every field of
+        // every row must be what a whole derivation gives.
+        const Preferences &preferences = m_fixture.preferences();
+        const RowOptions options {preferences.showCompleted(), preferences.newestFirst(),
+            preferences.moveDoneToBottom(), store.isSearching()};
+        const QList<PanelRow> derived = derivePanelRows(activeProject(store.library()), options,
+            store.isSearching() ? std::optional(store.currentMatches()) : std::nullopt);
+        if (store.rows() != derived)
+            return QStringLiteral("the rows differ from a whole derivation:\n%1")
+                .arg(dump(rowsOf(derived)));
+        if (m_spliceFailure)
+            return *m_spliceFailure;
+        for (const PanelRow &row : derived) {
+            const qsizetype index = store.rowIndex(row.id());
+            if (index < 0 || store.rows().at(index).id() != row.id())
+                return QStringLiteral("the row index misplaces %1").arg(row.id().toString());
+        }
         if (store.selection() != m_model.selection)
             return QStringLiteral("the selections differ: %1 notes expected, %2 selected")
                 .arg(m_model.selection.size())
@@ -1824,6 +1856,8 @@ private:
     MLibrary m_initial;
     Model m_model;
     Store *m_store = nullptr;
+    QList<PanelRow> m_lastRows;
+    std::optional<QString> m_spliceFailure;
     quint64 m_baseRevision = 0;
     QSet<QUuid> m_known;
     int m_attachmentCounter = 0;

@@ -82,7 +82,7 @@ NoteSection *Store::findSection(const QUuid &id)
 
 Note *Store::findNote(const QUuid &id)
 {
-    const std::optional<LibraryPosition> at = locateNote(m_library, id);
+    const std::optional<LibraryPosition> at = locateNote(id);
     return at ? &m_library.projects[at->project].sections[at->section].notes[at->note] : nullptr;
 }
 
@@ -90,7 +90,7 @@ QList<Note> Store::visibleNotesAmong(const QList<QUuid> &ids) const
 {
     const QSet<QUuid> wanted = idSet(ids);
     QList<Note> notes;
-    for (const PanelRow &row : m_rows) {
+    for (const PanelRow &row : m_rows.rows()) {
         if (row.isNote() && wanted.contains(row.note().id))
             notes.append(row.note());
     }
@@ -163,7 +163,10 @@ std::optional<Note> Store::addNoteToProject(
 void Store::updateNote(const QUuid &id, const QString &text)
 {
     const QString cleaned = trimmed(text);
-    const std::optional<Note> existing = note(id);
+    const std::optional<LibraryPosition> at = locateNote(id);
+    const Note *existing = at
+        ? &m_library.projects.at(at->project).sections.at(at->section).notes.at(at->note)
+        : nullptr;
     if (existing && existing->text == cleaned)
         return;
 
@@ -174,9 +177,10 @@ void Store::updateNote(const QUuid &id, const QString &text)
         commit();
         return;
     }
-    if (Note *target = findNote(id)) {
-        target->text = cleaned;
-        target->updatedAt = currentDate();
+    if (at) {
+        Note &target = m_library.projects[at->project].sections[at->section].notes[at->note];
+        target.text = cleaned;
+        target.updatedAt = currentDate();
     }
     commit();
 }
@@ -353,7 +357,7 @@ void Store::mergeNotes(const QList<QUuid> &ids)
     const QList<Note> notes = visibleNotesAmong(ids);
     if (notes.size() < 2)
         return;
-    const std::optional<LibraryPosition> first = locateNote(m_library, notes.first().id);
+    const std::optional<LibraryPosition> first = locateNote(notes.first().id);
     if (!first)
         return;
 
@@ -397,7 +401,7 @@ void Store::mergeNotes(const QList<QUuid> &ids)
 
 void Store::splitNote(const QUuid &id)
 {
-    const std::optional<LibraryPosition> at = locateNote(m_library, id);
+    const std::optional<LibraryPosition> at = locateNote(id);
     if (!at)
         return;
     const Note old = m_library.projects.at(at->project).sections.at(at->section).notes.at(at->note);
@@ -498,7 +502,7 @@ void Store::toggleExpanded(const QUuid &id)
 
 void Store::addAttachments(const QList<NoteAttachment> &attachments, const QUuid &noteID)
 {
-    if (!locateNote(m_library, noteID)) {
+    if (!locateNote(noteID)) {
         // The note went while its files were imported: they must not stay behind.
         m_attachments.removeFiles(attachments, attachmentsFolder(libraryFile()));
         return;

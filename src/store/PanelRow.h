@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The flat list the panel shows: a header row for each section of the active
-// project and a row for each note shown under it. The list is derived whole
-// from the library, the search state and three preferences.
+// project and a row for each note shown under it, a function of the project,
+// the search state and three preferences. derivePanelRows() makes the list
+// whole; the Store keeps it up to date by patching (PanelRowList).
 
 #pragma once
 
@@ -70,6 +71,8 @@ struct RowOptions
     bool moveDoneToBottom = false;
     //! The search text is not blank. Only with it do matches count.
     bool isSearching = false;
+
+    bool operator==(const RowOptions &) const = default;
 };
 
 //! The rows of \a project (none without one) for \a options and \a matches.
@@ -80,3 +83,7 @@ QList<PanelRow> derivePanelRows(
 QList<Note> visibleNotes(const QList<PanelRow> &rows);
 
 } // namespace Vesko
+
+// Rows hold Qt's implicitly shared values, std::optional and std::variant,
+// none of which points into itself: a splice of the rows moves their bytes.
+Q_DECLARE_TYPEINFO(Vesko::PanelRow, Q_RELOCATABLE_TYPE);

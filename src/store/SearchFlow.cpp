@@ -34,7 +34,7 @@ void Store::runSearch()
     if (q != m_appliedSearchQuery) {
         // A new query shows nothing until its own answer comes, never the
         // rows of an older query.
-        m_rows.clear();
+        m_lastRowChange = m_rows.clear();
         Q_EMIT rowsChanged();
     }
     m_pendingSearch = {q, activeProject(), m_library, m_libraryRevision};

@@ -2,8 +2,6 @@
 
 #include "store/Store.h"
 
-#include "store/LibraryPosition.h"
-
 #include "attachments/AttachmentStore.h"
 #include "library/LibraryFile.h"
 #include "library/LibraryRepair.h"
@@ -158,9 +156,26 @@ NoteSection Store::activeSection() const
     return makeInboxSection();
 }
 
+std::optional<LibraryPosition> Store::locateNote(const QUuid &id) const
+{
+    // Edits and the selection mostly concern notes in view, whose places the
+    // rows know; a walk over a million notes costs milliseconds.
+    if (const auto place = m_rows.notePlace(id)) {
+        const qsizetype p = activeProjectIndex(m_library);
+        const QList<NoteSection> &sections
+            = p >= 0 ? m_library.projects.at(p).sections : QList<NoteSection>();
+        if (place->first < sections.size()) {
+            const QList<Note> &notes = sections.at(place->first).notes;
+            if (place->second < notes.size() && notes.at(place->second).id == id)
+                return LibraryPosition {p, place->first, place->second};
+        }
+    }
+    return Vesko::locateNote(m_library, id);
+}
+
 std::optional<NoteAddress> Store::addressOfNote(const QUuid &id) const
 {
-    const std::optional<LibraryPosition> at = locateNote(m_library, id);
+    const std::optional<LibraryPosition> at = locateNote(id);
     if (!at)
         return std::nullopt;
     const Project &project = m_library.projects.at(at->project);
@@ -169,7 +184,7 @@ std::optional<NoteAddress> Store::addressOfNote(const QUuid &id) const
 
 std::optional<Note> Store::note(const QUuid &id) const
 {
-    const std::optional<LibraryPosition> at = locateNote(m_library, id);
+    const std::optional<LibraryPosition> at = locateNote(id);
     if (!at)
         return std::nullopt;
     return m_library.projects.at(at->project).sections.at(at->section).notes.at(at->note);
@@ -190,7 +205,7 @@ bool Store::isSearching() const
 
 QList<Note> Store::visibleNotes() const
 {
-    return Vesko::visibleNotes(m_rows);
+    return Vesko::visibleNotes(m_rows.rows());
 }
 
 // -- the road of a change ------------------------------------------------------
@@ -272,7 +287,7 @@ void Store::rebuildRows(const std::optional<SearchMatches> &matches)
     options.newestFirst = m_preferences.newestFirst();
     options.moveDoneToBottom = m_preferences.moveDoneToBottom();
     options.isSearching = isSearching();
-    m_rows = derivePanelRows(Vesko::activeProject(m_library), options, matches);
+    m_lastRowChange = m_rows.update(Vesko::activeProject(m_library), options, matches);
     Q_EMIT rowsChanged();
 }
 

@@ -14,7 +14,9 @@
 #include "library/LibraryFile.h"
 #include "search/SearchIndex.h"
 #include "search/SearchMatches.h"
+#include "store/LibraryPosition.h"
 #include "store/PanelRow.h"
+#include "store/PanelRowList.h"
 
 #include <QObject>
 #include <QPointer>
@@ -86,7 +88,12 @@ public:
     //! The text of the search field; a change searches the active project
     //! after a short pause, and clearing it shows every row at once.
     void setSearchText(const QString &text);
-    const QList<PanelRow> &rows() const { return m_rows; }
+    const QList<PanelRow> &rows() const { return m_rows.rows(); }
+    //! The rows the last change of rows() replaced, for views that follow
+    //! them without taking in every row again.
+    PanelRowChange lastRowChange() const { return m_lastRowChange; }
+    //! The index in rows() of the row \a id, or -1.
+    qsizetype rowIndex(const QUuid &id) const { return m_rows.indexOf(id); }
     QSet<QUuid> selection() const { return m_selection; }
     std::optional<QUuid> selectionAnchor() const { return m_selectionAnchor; }
     std::optional<QUuid> editingNoteID() const { return m_editingNoteID; }
@@ -358,6 +365,8 @@ private:
     void finishLibraryMove(const QString &failure);
     //! The ids of the note rows, in row order.
     QList<QUuid> visibleNoteIDs() const;
+    //! The index in the rows of the note row \a id, or -1.
+    qsizetype noteRowIndex(const QUuid &id) const;
     //! Ends a search without rebuilding the rows; for operations that commit next.
     void clearSearchText();
     //! The visible notes whose ids are among \a ids, in row order.
@@ -367,6 +376,9 @@ private:
     //! Removes notes from every section of every project, and nothing else;
     //! the attachment records of the removed notes go to \a removedAttachments.
     void stripNotes(const QSet<QUuid> &ids, QList<NoteAttachment> *removedAttachments = nullptr);
+    //! Where the note \a id lies: first where the rows last saw it, when it
+    //! is still there, else by a walk over the library. Note ids are unique.
+    std::optional<LibraryPosition> locateNote(const QUuid &id) const;
     NoteSection *findSection(const QUuid &id);
     Note *findNote(const QUuid &id);
     //! Undo and redo: the last state of \a from becomes the library, the present one goes to \a to.
@@ -381,7 +393,8 @@ private:
 
     Library m_library;
     QString m_searchText;
-    QList<PanelRow> m_rows;
+    PanelRowList m_rows;
+    PanelRowChange m_lastRowChange;
     QSet<QUuid> m_selection;
     std::optional<QUuid> m_selectionAnchor;
     std::optional<QUuid> m_editingNoteID;

@@ -25,8 +25,8 @@ QList<QUuid> Store::visibleNoteIDs() const
 {
     // Read from the rows without copying a note.
     QList<QUuid> ids;
-    ids.reserve(m_rows.size());
-    for (const PanelRow &row : m_rows) {
+    ids.reserve(m_rows.rows().size());
+    for (const PanelRow &row : m_rows.rows()) {
         if (row.isNote())
             ids.append(row.note().id);
     }
@@ -47,12 +47,16 @@ void Store::select(const QUuid &id, bool extending, bool toggling)
     }
 
     if (extending && m_selectionAnchor) {
-        const QList<QUuid> ids = visibleNoteIDs();
-        const qsizetype anchor = ids.indexOf(*m_selectionAnchor);
-        const qsizetype target = ids.indexOf(id);
+        const qsizetype anchor = noteRowIndex(*m_selectionAnchor);
+        const qsizetype target = noteRowIndex(id);
         if (anchor >= 0 && target >= 0) {
             const auto [low, high] = std::minmax(anchor, target);
-            setSelectionSet(QSet<QUuid>(ids.cbegin() + low, ids.cbegin() + high + 1));
+            QSet<QUuid> range;
+            for (qsizetype i = low; i <= high; ++i) {
+                if (m_rows.rows().at(i).isNote())
+                    range.insert(m_rows.rows().at(i).id());
+            }
+            setSelectionSet(range);
             return;
         }
     }
@@ -60,19 +64,43 @@ void Store::select(const QUuid &id, bool extending, bool toggling)
     setSelection({id}, id);
 }
 
+qsizetype Store::noteRowIndex(const QUuid &id) const
+{
+    const qsizetype index = m_rows.indexOf(id);
+    return index >= 0 && m_rows.rows().at(index).isNote() ? index : -1;
+}
+
 std::optional<QUuid> Store::moveSelection(int offset, bool extending)
 {
-    const QList<QUuid> ids = visibleNoteIDs();
-    if (ids.isEmpty())
+    // Steps over the rows from the start's row, through the row index: a
+    // step costs the same in a list of any length.
+    const QList<PanelRow> &rows = m_rows.rows();
+    auto nextNoteRow = [&](qsizetype from, qsizetype step) {
+        for (qsizetype i = from + step; i >= 0 && i < rows.size(); i += step) {
+            if (rows.at(i).isNote())
+                return i;
+        }
+        return qsizetype(-1);
+    };
+    const qsizetype firstNote = nextNoteRow(-1, 1);
+    if (firstNote < 0)
         return std::nullopt;
 
     std::optional<QUuid> start = m_selectionAnchor;
     if (!start && !m_selection.isEmpty())
         start = *m_selection.cbegin();
 
-    const qsizetype position = start ? ids.indexOf(*start) : -1;
+    const qsizetype position = start ? noteRowIndex(*start) : -1;
     if (position >= 0) {
-        const QUuid target = ids.at(std::clamp<qsizetype>(position + offset, 0, ids.size() - 1));
+        qsizetype reached = position;
+        const qsizetype step = offset < 0 ? -1 : 1;
+        for (int left = std::abs(offset); left > 0; --left) {
+            const qsizetype next = nextNoteRow(reached, step);
+            if (next < 0)
+                break;
+            reached = next;
+        }
+        const QUuid target = rows.at(reached).id();
         if (extending)
             select(target, true, false);
         else
@@ -80,7 +108,7 @@ std::optional<QUuid> Store::moveSelection(int offset, bool extending)
         return target;
     }
 
-    const QUuid target = offset < 1 ? ids.last() : ids.first();
+    const QUuid target = rows.at(offset < 1 ? nextNoteRow(rows.size(), -1) : firstNote).id();
     setSelection({target}, target);
     return target;
 }

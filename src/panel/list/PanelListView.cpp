@@ -49,6 +49,7 @@ PanelListView::PanelListView(Store &store, PanelState &state, QWidget *parent)
     , m_layout(std::make_unique<VirtualRowLayout>())
     , m_reorder(std::make_unique<SectionReorder>())
     , m_scrollAnimation(new QVariantAnimation(this))
+    , m_rows(store.rows())
 {
     installRowAccessibility();
     setObjectName(QStringLiteral("VeskoNoteList"));
@@ -116,7 +117,6 @@ PanelListView::PanelListView(Store &store, PanelState &state, QWidget *parent)
     });
     connect(this, &PanelListView::dropIndicatorsChanged, this, &PanelListView::updateDropLines);
 
-    m_rows = m_store.rows();
     m_knownProjectID = m_store.activeProject().id;
     relayout();
 }
@@ -169,12 +169,9 @@ int PanelListView::rowCount() const
 
 int PanelListView::indexOfRow(const QUuid &id) const
 {
-    if (m_rowIndex.isEmpty() && !m_rows.isEmpty()) {
-        m_rowIndex.reserve(m_rows.size());
-        for (qsizetype i = 0; i < m_rows.size(); ++i)
-            m_rowIndex.insert(m_rows.at(i).id(), int(i));
-    }
-    return m_rowIndex.value(id, -1);
+    // The layout may still count the rows before a change it has not taken yet.
+    const qsizetype index = m_store.rowIndex(id);
+    return index < m_layout->count() ? int(index) : -1;
 }
 
 QRect PanelListView::rowRect(const QUuid &id) const
@@ -276,13 +273,11 @@ void PanelListView::scrollToRow(const QUuid &id, ScrollAnchor anchor, bool anima
 
 void PanelListView::rowsChanged()
 {
-    const qsizetype oldCount = m_rows.size();
-    m_rows = m_store.rows();
-    m_rowIndex.clear();
+    const qsizetype oldCount = m_layout->count();
     const QUuid projectID = m_store.activeProject().id;
     const bool projectChanged = projectID != m_knownProjectID;
     m_knownProjectID = projectID;
-    relayout();
+    relayout(projectChanged ? std::nullopt : std::optional(m_store.lastRowChange()));
     if (projectChanged)
         scrollTo(0);
     if (m_rows.size() < oldCount) {
@@ -389,7 +384,7 @@ int PanelListView::rowHeight(int index)
     return height;
 }
 
-void PanelListView::relayout()
+void PanelListView::relayout(const std::optional<PanelRowChange> &change)
 {
     // A list that is not shown has no width of its own yet, and nobody sees
     // its rows: each stands at one height, and the rows are measured when
@@ -404,7 +399,8 @@ void PanelListView::relayout()
     }
     m_layoutIsProvisional = false;
     const int width = viewport()->width();
-    if (width != m_metrics.width) {
+    const bool widthChanged = width != m_metrics.width;
+    if (widthChanged) {
         m_metrics = NoteRowView::metricsFor(width);
         m_measured.clear();
     }
@@ -421,13 +417,33 @@ void PanelListView::relayout()
     }
 
     m_expandedIDs = m_store.expandedNoteIDs();
-    std::vector<int> heights(size_t(m_rows.size()));
-    for (qsizetype i = 0; i < m_rows.size(); ++i)
-        heights[size_t(i)] = rowHeight(int(i));
-    m_layout->setHeights(std::move(heights));
-    m_previousRowIDs.resize(m_rows.size());
-    for (qsizetype i = 0; i < m_rows.size(); ++i)
-        m_previousRowIDs[i] = m_rows.at(i).id();
+    const qsizetype laidOut = m_layout->count();
+    if (change && !widthChanged && m_previousRowIDs.size() == laidOut
+        && change->first + change->removed <= laidOut
+        && laidOut - change->removed + change->inserted == m_rows.size()) {
+        // Only the rows the change replaced are measured again.
+        std::vector<int> heights(size_t(change->inserted));
+        for (qsizetype i = 0; i < change->inserted; ++i)
+            heights[size_t(i)] = rowHeight(int(change->first + i));
+        m_layout->replaceHeights(int(change->first), int(change->removed), std::move(heights));
+        const qsizetype common = std::min(change->removed, change->inserted);
+        for (qsizetype i = 0; i < common; ++i)
+            m_previousRowIDs[change->first + i] = m_rows.at(change->first + i).id();
+        if (change->removed > common)
+            m_previousRowIDs.remove(change->first + common, change->removed - common);
+        else if (change->inserted > common)
+            m_previousRowIDs.insert(change->first + common, change->inserted - common, QUuid());
+        for (qsizetype i = common; i < change->inserted; ++i)
+            m_previousRowIDs[change->first + i] = m_rows.at(change->first + i).id();
+    } else {
+        std::vector<int> heights(size_t(m_rows.size()));
+        for (qsizetype i = 0; i < m_rows.size(); ++i)
+            heights[size_t(i)] = rowHeight(int(i));
+        m_layout->setHeights(std::move(heights));
+        m_previousRowIDs.resize(m_rows.size());
+        for (qsizetype i = 0; i < m_rows.size(); ++i)
+            m_previousRowIDs[i] = m_rows.at(i).id();
+    }
 
     updateScrollRange();
     if (anchorID && scroll > 0) {

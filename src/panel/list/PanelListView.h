@@ -12,7 +12,7 @@
 
 #include "panel/list/NoteRowView.h"
 #include "panel/window/PanelState.h"
-#include "store/PanelRow.h"
+#include "store/PanelRowList.h"
 
 #include <QAbstractScrollArea>
 #include <QHash>
@@ -173,7 +173,9 @@ private:
 
     //! Takes the heights of all rows again (measured or estimated), keeping
     //! the first row in view where it was, and places the rows.
-    void relayout();
+    //! With \a change, the rows that the Store's last change replaced, only
+    //! those are taken again, when the rows laid out are those it started from.
+    void relayout(const std::optional<PanelRowChange> &change = std::nullopt);
     //! Puts row widgets on the rows in view, measures them, and takes them
     //! off the rows out of view.
     void placeRows();
@@ -206,13 +208,10 @@ private:
     AttachmentActions *m_attachmentActions = nullptr;
     ThumbnailCache *m_thumbnails = nullptr;
 
-    //! The Store's rows as last laid out, and their ids for keeping the
-    //! first row in view in place across a rebuild.
-    QList<PanelRow> m_rows;
-    //! Where each row's id stands in m_rows; built on the first look-up
-    //! after the rows change, so a rebuild that nobody looks into costs
-    //! nothing more.
-    mutable QHash<QUuid, int> m_rowIndex;
+    //! The Store's rows, read in place: a copy held here would make the
+    //! Store copy every row at its next change. The ids as last laid out
+    //! keep the first row in view in place across a change.
+    const QList<PanelRow> &m_rows;
     QList<QUuid> m_previousRowIDs;
     QSet<QUuid> m_expandedIDs;
     //! Heights of note rows, measured or estimated, with what they depend on.

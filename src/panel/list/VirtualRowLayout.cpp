@@ -14,6 +14,20 @@ void VirtualRowLayout::setHeights(std::vector<int> heights)
     computeTopsFrom(0);
 }
 
+void VirtualRowLayout::replaceHeights(int first, int removed, std::vector<int> heights)
+{
+    const auto at = m_heights.begin() + first;
+    const size_t common = std::min(size_t(removed), heights.size());
+    std::copy_n(heights.cbegin(), common, at);
+    if (size_t(removed) > common)
+        m_heights.erase(at + qsizetype(common), at + removed);
+    else
+        m_heights.insert(
+            at + qsizetype(common), heights.cbegin() + qsizetype(common), heights.cend());
+    m_tops.resize(m_heights.size() + 1);
+    computeTopsFrom(size_t(first));
+}
+
 bool VirtualRowLayout::setHeight(int index, int height)
 {
     if (index < 0 || index >= count() || m_heights[size_t(index)] == height)

@@ -17,6 +17,8 @@ class VirtualRowLayout
 public:
     //! Replaces all rows by rows of \a heights.
     void setHeights(std::vector<int> heights);
+    //! Replaces \a removed rows from \a first by rows of \a heights.
+    void replaceHeights(int first, int removed, std::vector<int> heights);
     //! Changes one row's height; returns whether it differed.
     bool setHeight(int index, int height);
 
