@@ -2,6 +2,7 @@
 
 #include "panel/list/DropIndicatorOverlay.h"
 
+#include "panel/list/EaseOut.h"
 #include "shell/Theme.h"
 
 #include <QPainter>
@@ -14,13 +15,6 @@ namespace {
 
 constexpr int dropIndicatorMilliseconds = 100;
 constexpr int dropIndicatorPadding = 6;
-
-QEasingCurve easeOut()
-{
-    QEasingCurve curve(QEasingCurve::BezierSpline);
-    curve.addCubicBezierSegment(QPointF(0, 0), QPointF(0.58, 1), QPointF(1, 1));
-    return curve;
-}
 
 } // namespace
 

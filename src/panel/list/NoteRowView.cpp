@@ -6,6 +6,7 @@
 #include "panel/list/NoteRowView.h"
 
 #include "attachments/AttachmentListView.h"
+#include "panel/list/EaseOut.h"
 #include "panel/list/HighlightedText.h"
 #include "panel/list/NoteRowActions.h"
 #include "panel/list/PanelListView.h"
@@ -30,13 +31,6 @@
 namespace Vesko {
 
 namespace {
-
-QEasingCurve easeOut()
-{
-    QEasingCurve curve(QEasingCurve::BezierSpline);
-    curve.addCubicBezierSegment(QPointF(0, 0), QPointF(0.58, 1), QPointF(1, 1));
-    return curve;
-}
 
 //! The locale's short time, without seconds.
 QString shortTimeFormat(const QLocale &locale)

@@ -10,6 +10,7 @@
 #include "attachments/AttachmentListView.h"
 #include "attachments/DesktopAttachments.h"
 #include "panel/list/DropIndicatorOverlay.h"
+#include "panel/list/EaseOut.h"
 #include "panel/list/NoteRowActions.h"
 #include "panel/list/NoteRowView.h"
 #include "panel/list/RowAccessibles.h"
@@ -32,13 +33,6 @@ namespace {
 //! Rows laid out beyond each edge of the view, so that a small scroll shows
 //! rows that are ready.
 constexpr int overscan = 120;
-
-QEasingCurve easeOut()
-{
-    QEasingCurve curve(QEasingCurve::BezierSpline);
-    curve.addCubicBezierSegment(QPointF(0, 0), QPointF(0.58, 1), QPointF(1, 1));
-    return curve;
-}
 
 } // namespace
 

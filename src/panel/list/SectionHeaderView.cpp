@@ -2,6 +2,7 @@
 
 #include "panel/list/SectionHeaderView.h"
 
+#include "panel/list/EaseOut.h"
 #include "panel/list/NoteRowActions.h"
 #include "panel/list/PanelDrop.h"
 #include "panel/list/PanelListView.h"
@@ -29,13 +30,6 @@ namespace {
 constexpr int chevronSize = 7;
 constexpr int activeMarkSize = 9;
 constexpr int gripSize = 8;
-
-QEasingCurve easeOut()
-{
-    QEasingCurve curve(QEasingCurve::BezierSpline);
-    curve.addCubicBezierSegment(QPointF(0, 0), QPointF(0.58, 1), QPointF(1, 1));
-    return curve;
-}
 
 QVariantAnimation *makeAnimation(
     QObject *parent, int milliseconds, std::function<void(qreal)> apply)
