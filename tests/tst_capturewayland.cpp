@@ -140,13 +140,46 @@ public:
         return vesko;
     }
 
-    //! A foot window titled \a title, in front.
-    bool startFoot(const QString &title)
+    //! A foot window titled \a title, in front, showing \a shown.
+    bool startFoot(const QString &title, const QString &shown = QStringLiteral("ready"))
     {
         start(QStringLiteral("foot"),
             {QStringLiteral("--title"), title, QStringLiteral("sh"), QStringLiteral("-c"),
-                QStringLiteral("echo ready; sleep 600")});
+                QStringLiteral("echo '%1'; sleep 600").arg(shown)});
         return QTest::qWaitFor([&] { return focusedWindowIs(title); }, 15000);
+    }
+
+    //! Selects \a text in the foot window in front as its user would from
+    //! the keyboard: foot's scrollback search, whose commit makes the match
+    //! foot's own primary selection.
+    static bool selectInFoot(const QString &text)
+    {
+        // A terminal just started may not have read its keymap or drawn
+        // its text when the first keys come: the search is then started
+        // again, within a generous bound.
+        for (int attempt = 0; attempt < 10; ++attempt) {
+            // One wtype, one virtual keyboard: a keyboard made anew for each
+            // step loses the first key that follows it.
+            client(QStringLiteral("wtype"),
+                {QStringLiteral("-k"), QStringLiteral("Escape"), QStringLiteral("-M"),
+                    QStringLiteral("ctrl"), QStringLiteral("-M"), QStringLiteral("shift"),
+                    QStringLiteral("-k"), QStringLiteral("r"), QStringLiteral("-m"),
+                    QStringLiteral("shift"), QStringLiteral("-m"), QStringLiteral("ctrl"),
+                    QStringLiteral("-s"), QStringLiteral("300"), text, QStringLiteral("-s"),
+                    QStringLiteral("100"), QStringLiteral("-k"), QStringLiteral("Return")});
+            const bool selected = QTest::qWaitFor(
+                [&] {
+                    return client(QStringLiteral("wl-paste"),
+                               {QStringLiteral("--primary"), QStringLiteral("--no-newline")})
+                        == text;
+                },
+                3000);
+            if (selected)
+                return true;
+            qWarning("foot's primary selection: \"%s\"",
+                qPrintable(client(QStringLiteral("wl-paste"), {QStringLiteral("--primary")})));
+        }
+        return false;
     }
 
     //! The `vesko` command line with this session's folders, as a sway binding runs it.
@@ -447,9 +480,9 @@ void CaptureWaylandTest::captureFromFoot()
     QFETCH(QString, trigger);
     WaylandCapture session;
     QVERIFY(session.startVesko());
-    QVERIFY(session.startFoot(QStringLiteral("build log")));
     const QString text = QStringLiteral("words selected in the terminal");
-    client(QStringLiteral("wl-copy"), {QStringLiteral("--primary")}, text.toUtf8());
+    QVERIFY(session.startFoot(QStringLiteral("build log"), text));
+    QVERIFY(WaylandCapture::selectInFoot(text));
 
     if (trigger == u"command") {
         QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
