@@ -89,7 +89,7 @@ std::optional<QByteArray> primaryText()
     QProcess xclip;
     xclip.start(QStringLiteral("xclip"),
         {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("primary")});
-    if (!xclip.waitForFinished(10000) || xclip.exitCode() != 0)
+    if (!xclip.waitForFinished(Test::patience) || xclip.exitCode() != 0)
         return std::nullopt;
     return xclip.readAllStandardOutput();
 }
@@ -234,7 +234,7 @@ void ClipboardTest::silentOwnerEndsTheSnapshot()
         {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard")});
     xclip.write("the next owner's");
     xclip.closeWriteChannel();
-    xclip.waitForFinished(5000);
+    xclip.waitForFinished(Test::patience);
     QTRY_COMPARE_WITH_TIMEOUT(snapshotOf(clipboard)
                                   .value_or(Clipboard::Snapshot {})
                                   .value(0)
