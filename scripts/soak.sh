@@ -33,6 +33,12 @@ pid=$!
 sleep 3 # the first start makes its folders and registers on the bus
 xterm -geometry 80x10+0+0 -e "sleep 100000" &
 xterm_pid=$!
+# The terminal takes the focus as it appears: the session starts after that,
+# so that its first keys do not go to the terminal.
+for _ in $(seq 1 200); do
+    xdotool search --onlyvisible --pid "$xterm_pid" >/dev/null 2>&1 && break
+    sleep 0.05
+done
 
 # Waits, within a generous bound, until the program's window has the focus.
 focused() {
@@ -88,6 +94,7 @@ remove() {
     done
     if [ "$after" = "$before" ]; then
         echo "unchanged-$how" >>"$log"
+        stuck=1
         return 0
     fi
     if [ "$after" != "$expected" ]; then
@@ -111,14 +118,19 @@ end=$((SECONDS + minutes * 60))
 warmup=$((SECONDS + (minutes * 60 / 5 < 300 ? minutes * 60 / 5 : 300)))
 base=
 kept=
+stuck=
 n=0
 while [ "$SECONDS" -lt "$end" ]; do
     kill -0 "$pid" || { echo "soak: vesko ended during the session"; exit 1; }
     n=$((n + 1))
     text="soak $n $(word) $(word)"
     action=$((RANDOM % 8))
-    # After the warm-up the library keeps the size it had then.
-    if [ -n "$kept" ] && [ "$(texts | wc -l)" -gt "$kept" ]; then action=$((6 + RANDOM % 2)); fi
+    # After the warm-up the library keeps the size it had then. After keys
+    # that removed nothing, the next removal waits for a note to be added.
+    if [ -n "$kept" ] && [ -z "$stuck" ] && [ "$(texts | wc -l)" -gt "$kept" ]; then
+        action=$((6 + RANDOM % 2))
+    fi
+    case $action in 0 | 1 | 2) stuck= ;; esac
     case $action in
     0 | 1) # typed into the composer of the shown panel
         "$vesko" show
