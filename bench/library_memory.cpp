@@ -15,10 +15,21 @@
 //
 // Only writes the generated library of that many notes to \a path, for
 // measuring the program itself over it.
+//
+//   library_memory --undo <notes>...
+//
+// For each size, the heap that a full undo history holds for a section of
+// that many notes: notes are added to it one at a time, each an undo step,
+// until the history is as long as the Store keeps it, and the heap's growth
+// is divided by the note copies the steps hold (steps × notes).
 
 #include "LibraryGenerator.h"
 
+#include "StoreFixture.h"
+#include "TestEnvironment.h"
+
 #include "library/LibraryFile.h"
+#include "store/Store.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -30,6 +41,7 @@
 #include <simdjson.h>
 
 #include <cstdio>
+#include <malloc.h>
 
 using namespace Vesko;
 
@@ -85,6 +97,43 @@ int measure(const QString &path)
     return 0;
 }
 
+// The bytes of the heap in use.
+qint64 heapInUse()
+{
+    return qint64(mallinfo2().uordblks);
+}
+
+int measureUndo(const QList<qsizetype> &sizes)
+{
+    const Test::IsolatedEnvironment environment; // the Store's settings and files
+    for (qsizetype notes : sizes) {
+        Library library = makeDefaultLibrary();
+        QList<Note> &inbox = library.projects[0].sections[0].notes;
+        const QDateTime now = QDateTime::currentDateTimeUtc();
+        for (qsizetype i = 0; i < notes; ++i)
+            inbox.append(Note {QUuid::createUuid(), QStringLiteral("note %1 of a soak").arg(i),
+                false, now, now, std::nullopt, std::nullopt, {}});
+        Test::StoreFixture fixture;
+        Store &store = fixture.make(library);
+        const qint64 before = heapInUse();
+        int steps = 0;
+        while (store.undoStepCount() < Store::maximumUndoSteps) {
+            const qsizetype held = store.undoStepCount();
+            store.addNote(QStringLiteral("added %1").arg(steps++));
+            if (store.undoStepCount() == held)
+                break; // the limit for this many notes is reached
+        }
+        const qint64 grown = heapInUse() - before;
+        const double copies = double(store.undoStepCount()) * double(notes);
+        std::printf("notes %lld, %lld undo steps, heap %+.1f MiB, %.0f bytes a note copy, "
+                    "%.1f KiB a note of the section\n",
+            qlonglong(notes), qlonglong(store.undoStepCount()), double(grown) / 1048576.0,
+            double(grown) / copies, double(grown) / 1024.0 / double(notes));
+        std::fflush(stdout);
+    }
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -104,9 +153,12 @@ int main(int argc, char *argv[])
         return 0;
     }
 
+    const bool undo = arguments.size() > 1 && arguments.at(1) == u"--undo";
     QList<qsizetype> sizes;
-    for (qsizetype i = 1; i < arguments.size(); ++i)
+    for (qsizetype i = undo ? 2 : 1; i < arguments.size(); ++i)
         sizes.append(arguments.at(i).toLongLong());
+    if (undo)
+        return measureUndo(sizes);
     if (sizes.isEmpty())
         sizes.append(100000);
     for (qsizetype notes : sizes) {

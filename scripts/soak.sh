@@ -4,10 +4,15 @@
 # in a private X server (Xvfb + openbox) and session bus, for MINUTES minutes
 # (2 by default). Notes are typed into the panel with xdotool, added with
 # "vesko add" and captured from xterm's selection with "vesko capture"; the
-# panel is searched, hidden and shown. Every text sent is logged. At the end:
-# the program still runs, the library file is valid JSON that holds every
-# note the session added, and its resident memory grew by less than 10 %
-# from the end of the first fifth of the session (five minutes at most) to the end.
+# panel is searched, hidden and shown; the last note of the list is deleted,
+# or the last two merged, from the keyboard. After the warm-up (the first
+# fifth of the session, five minutes at most) a note is removed whenever the
+# list holds more notes than it did then, so the library keeps its size and
+# memory that grows is the program's, not the notes'. Every note sent and
+# removed is logged. At the end: the program still runs, the library file is
+# valid JSON that holds exactly the notes the session left (captures aside,
+# which may or may not land), and resident memory grew by less than 10 % from
+# the end of the warm-up to the end.
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
 if [ "${1:-}" != "--inside" ]; then
@@ -28,6 +33,12 @@ pid=$!
 sleep 3 # the first start makes its folders and registers on the bus
 xterm -geometry 80x10+0+0 -e "sleep 100000" &
 xterm_pid=$!
+# The terminal takes the focus as it appears: the session starts after that,
+# so that its first keys do not go to the terminal.
+for _ in $(seq 1 200); do
+    xdotool search --onlyvisible --pid "$xterm_pid" >/dev/null 2>&1 && break
+    sleep 0.05
+done
 
 # Waits, within a generous bound, until the program's window has the focus.
 focused() {
@@ -39,6 +50,64 @@ focused() {
     return 1
 }
 rss() { awk '/^VmRSS/ { print $2 }' "/proc/$pid/status"; }
+# The active project's notes as "vesko list" prints them, a text a line.
+texts() { "$vesko" list | cut -f4-; }
+# Removes the last note of the list (delete), or merges the last two (merge),
+# from the keyboard, and checks that exactly that happened.
+remove() {
+    local how=$1 before after expected attempt _
+    before=$(texts)
+    if [ "$how" = merge ] && [ "$(printf '%s\n' "$before" | grep -c .)" -lt 2 ]; then how=delete; fi
+    [ -n "$before" ] || return 0
+    if [ "$how" = delete ]; then
+        expected=$(printf '%s\n' "$before" | sed '$d')
+    else
+        expected=$(printf '%s\n' "$before" | sed '$d' | sed '$d')
+        expected+="${expected:+$'\n'}$(printf '%s\n' "$before" | tail -n 2 | paste -sd '\t' | sed 's/\t/\\n\\n/')"
+    fi
+    # Keys that arrive before the list has the keyboard do nothing; then the
+    # list stays as it was and the keys are sent again, up to three times. A
+    # list still unchanged is logged; a list changed otherwise is a fault.
+    after=$before
+    for attempt in 1 2 3; do
+        "$vesko" show
+        if ! focused; then
+            echo "unfocused-$how" >>"$log"
+            return 0
+        fi
+        xdotool key Escape # from the empty composer to the list
+        sleep 0.1
+        xdotool key ctrl+Down
+        sleep 0.1
+        if [ "$how" = delete ]; then
+            xdotool key ctrl+BackSpace
+        else
+            xdotool key shift+Up
+            sleep 0.1
+            xdotool key ctrl+shift+m
+        fi
+        for _ in $(seq 1 40); do
+            after=$(texts)
+            [ "$after" != "$before" ] && break 2
+            sleep 0.05
+        done
+    done
+    if [ "$after" = "$before" ]; then
+        echo "unchanged-$how" >>"$log"
+        stuck=1
+        return 0
+    fi
+    if [ "$after" != "$expected" ]; then
+        echo "soak: the $how of the last notes left another list"
+        diff <(printf '%s\n' "$expected") <(printf '%s\n' "$after") || true
+        exit 1
+    fi
+    if [ "$how" = delete ]; then
+        echo "deleted $(printf '%s\n' "$before" | tail -n 1)" >>"$log"
+    else
+        echo "merged $(printf '%s\n' "$before" | tail -n 2 | paste -sd '\t')" >>"$log"
+    fi
+}
 word() {
     local letters=abcdefghijklmnopqrstuvwxyz w= i
     for ((i = 0; i < 3 + RANDOM % 8; i++)); do w+=${letters:RANDOM % 26:1}; done
@@ -48,12 +117,21 @@ word() {
 end=$((SECONDS + minutes * 60))
 warmup=$((SECONDS + (minutes * 60 / 5 < 300 ? minutes * 60 / 5 : 300)))
 base=
+kept=
+stuck=
 n=0
 while [ "$SECONDS" -lt "$end" ]; do
     kill -0 "$pid" || { echo "soak: vesko ended during the session"; exit 1; }
     n=$((n + 1))
     text="soak $n $(word) $(word)"
-    case $((RANDOM % 6)) in
+    action=$((RANDOM % 8))
+    # After the warm-up the library keeps the size it had then. After keys
+    # that removed nothing, the next removal waits for a note to be added.
+    if [ -n "$kept" ] && [ -z "$stuck" ] && [ "$(texts | wc -l)" -gt "$kept" ]; then
+        action=$((6 + RANDOM % 2))
+    fi
+    case $action in 0 | 1 | 2) stuck= ;; esac
+    case $action in
     0 | 1) # typed into the composer of the shown panel
         "$vesko" show
         if focused; then
@@ -88,25 +166,66 @@ while [ "$SECONDS" -lt "$end" ]; do
         "$vesko" toggle
         echo "toggled" >>"$log"
         ;;
+    6) remove delete ;;
+    7) remove merge ;;
     esac
     sleep 0.$((RANDOM % 5))
-    if [ -z "$base" ] && [ "$SECONDS" -ge "$warmup" ]; then base=$(rss); fi
+    if [ -z "$base" ] && [ "$SECONDS" -ge "$warmup" ]; then
+        base=$(rss)
+        kept=$(texts | wc -l)
+    fi
 done
 final=$(rss)
+left=$(texts | wc -l)
 "$vesko" quit || true
 for _ in $(seq 1 100); do kill -0 "$pid" 2>/dev/null || break; sleep 0.1; done
 
-missing=0
-while read -r how text; do
-    [ "$how" = typed ] || [ "$how" = added ] || continue
-    grep -qF "\"$text\"" "$library" || { echo "soak: missing note: $text ($how)"; missing=$((missing + 1)); }
-done <"$log"
-python3 -c 'import json, sys; json.load(open(sys.argv[1]))' "$library" || { echo "soak: the library is not valid JSON"; exit 1; }
+# The library must hold what the log says the session left: every note typed
+# or added and not removed, each merge's text, and nothing else but captures.
+python3 - "$library" "$log" <<'EOF' || exit 1
+import collections, json, sys
+try:
+    library = json.load(open(sys.argv[1]))
+except ValueError as error:
+    print(f"soak: the library is not valid JSON: {error}")
+    sys.exit(1)
+held = collections.Counter(note["text"] for project in library["projects"]
+                           for section in project["sections"] for note in section["notes"])
+expected, captures = collections.Counter(), collections.Counter()
+def take(text):
+    for pool in (expected, captures):
+        if pool[text] > 0:
+            pool[text] -= 1
+            return
+    print(f"soak: the session removed a note it never sent: {text}")
+    sys.exit(1)
+for line in open(sys.argv[2]):
+    how, _, rest = line.rstrip("\n").partition(" ")
+    if how in ("typed", "added"):
+        expected[rest] += 1
+    elif how == "captured-maybe":
+        captures[rest] += 1
+    elif how == "deleted":
+        take(rest.replace("\\n", "\n"))
+    elif how == "merged":
+        first, last = (t.replace("\\n", "\n") for t in rest.split("\t"))
+        take(first)
+        take(last)
+        expected[first + "\n\n" + last] += 1
+missing = expected - held
+extra = held - expected - captures
+for text in missing.elements():
+    print(f"soak: missing note: {text!r}")
+for text in extra.elements():
+    print(f"soak: note the session never left: {text!r}")
+sys.exit(1 if missing or extra else 0)
+EOF
 actions=$(wc -l <"$log")
 notes=$(grep -cE '^(typed|added) ' "$log" || true)
+removed=$(grep -cE '^(deleted|merged) ' "$log" || true)
 unfocused=$(grep -c '^unfocused ' "$log" || true)
-echo "soak: $minutes min, $actions actions, $notes notes sent, $missing missing, $unfocused not typed (no focus); VmRSS ${base} kB after warm-up, ${final} kB at the end"
-[ "$missing" -eq 0 ] || exit 1
+unchanged=$(grep -cE '^un(changed|focused)-' "$log" || true)
+echo "soak: $minutes min, $actions actions, $notes notes sent, $removed deleted or merged ($unchanged tries left the list as it was), none missing, $unfocused not typed (no focus); ${kept:-?} notes in the list after warm-up, $left at the end; VmRSS ${base} kB after warm-up, ${final} kB at the end"
 # Growth is judged over sessions of ten minutes or more: a shorter one (the
 # test suite's, also under AddressSanitizer, whose quarantine holds freed
 # memory) has no settled baseline to compare with.

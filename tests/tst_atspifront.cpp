@@ -54,7 +54,7 @@ public:
                 self + QStringLiteral("exec /usr/bin/python3 \"$0\" \"$1\" \"$2\""), frameHelper,
                 program, title});
         m_active = m_process.waitForStarted()
-            && QTest::qWaitFor([this] { return m_process.canReadLine(); }, 20000)
+            && QTest::qWaitFor([this] { return m_process.canReadLine(); }, Test::patience)
             && m_process.readLine().trimmed() == "active";
     }
     ~Frame()
@@ -118,7 +118,7 @@ private Q_SLOTS:
         writeEntry(QStringLiteral("com.example.Launched"), "Name=Launched Editor\n");
         // Made after the entries: it reads them as it is made.
         m_accessibility = std::make_unique<AtspiFrontApplication>();
-        QTRY_VERIFY_WITH_TIMEOUT(m_accessibility->isAvailable(), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(m_accessibility->isAvailable(), Test::patience);
     }
 
     void cleanupTestCase() { m_accessibility.reset(); }

@@ -286,7 +286,7 @@ void AttachmentActionsTest::nothingToHandTheFileTo()
 void AttachmentActionsTest::cancelledDialogDoesNothing()
 {
     m_actions->addChosenFiles(m_noteID);
-    QVERIFY(QTest::qWaitFor([&] { return m_chooser.opened == 1; }, 1000));
+    QVERIFY(QTest::qWaitFor([&] { return m_chooser.opened == 1; }, Test::patience));
     m_files->waitForIdle();
     QCoreApplication::processEvents();
     QVERIFY(m_feedback.toasts.isEmpty());

@@ -176,7 +176,7 @@ bool AttachmentClipboardTest::offerWithXclip(const QString &type, const QString 
             check.start(QStringLiteral("xclip"),
                 {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
                     QStringLiteral("-t"), QStringLiteral("TARGETS")});
-            check.waitForFinished(5000);
+            check.waitForFinished(Test::patience);
             return check.readAllStandardOutput().contains(type.toLatin1());
         },
         10000);

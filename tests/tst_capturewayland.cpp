@@ -63,7 +63,7 @@ QString client(const QString &program, const QStringList &arguments, const QByte
         process.closeWriteChannel();
     }
     // wl-copy serves the selection from a child of its own; the parent returns.
-    if (!process.waitForFinished(10000))
+    if (!process.waitForFinished(Test::patience))
         process.kill();
     return QString::fromUtf8(process.readAllStandardOutput());
 }
@@ -458,7 +458,7 @@ void CaptureWaylandTest::pipeRead()
         answer = std::move(bytes);
     });
     QVERIFY(!answered); // never at once: the reader waits on the event loop
-    QTRY_VERIFY_WITH_TIMEOUT(answered, 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(answered, Test::patience);
     QCOMPARE(answer, expected);
     if (!closed)
         ::close(fds[1]);
@@ -523,7 +523,7 @@ void CaptureWaylandTest::captureFromFoot()
             {QStringLiteral("-k"), QStringLiteral("Shift_L"), QStringLiteral("-s"),
                 QStringLiteral("150"), QStringLiteral("-k"), QStringLiteral("Shift_L")});
     }
-    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 15000);
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, Test::patience);
     const Library library = Test::readLibraryFile(session.libraryPath());
     const Note note = Test::allNotes(library).first();
     QCOMPARE(note.text, text);
@@ -549,7 +549,7 @@ void CaptureWaylandTest::copyFallback()
     const QString text = QStringLiteral("text from the copy target");
     QProcess *target
         = session.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("100")});
-    QTRY_VERIFY_WITH_TIMEOUT(focusedWindowIs(QStringLiteral("Copy Target")), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(focusedWindowIs(QStringLiteral("Copy Target")), Test::patience);
 
     QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
     QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 15000);

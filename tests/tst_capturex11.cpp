@@ -30,7 +30,7 @@ QString xclip(const QStringList &arguments, const QByteArray &input = {})
         process.closeWriteChannel();
     }
     // xclip -i stays in the background to serve the selection; its parent returns.
-    process.waitForFinished(5000);
+    process.waitForFinished(Test::patience);
     return QString::fromUtf8(process.readAllStandardOutput());
 }
 

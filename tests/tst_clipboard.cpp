@@ -212,7 +212,7 @@ void ClipboardTest::silentOwnerEndsTheSnapshot()
         {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard")});
     xclip.write("the next owner's");
     xclip.closeWriteChannel();
-    xclip.waitForFinished(5000);
+    xclip.waitForFinished(Test::patience);
     QTRY_COMPARE_WITH_TIMEOUT(snapshotOf(clipboard)
                                   .value_or(Clipboard::Snapshot {})
                                   .value(0)

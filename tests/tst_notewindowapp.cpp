@@ -169,7 +169,7 @@ QString clipboardText()
     QProcess xclip;
     xclip.start(QStringLiteral("xclip"),
         {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard")});
-    xclip.waitForFinished(10000);
+    xclip.waitForFinished(Test::patience);
     return QString::fromUtf8(xclip.readAllStandardOutput());
 }
 

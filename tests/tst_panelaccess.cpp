@@ -119,7 +119,7 @@ int bluishPixels(const QRect &area)
     grab.start(QStringLiteral(SCREEN_GRAB_PATH),
         {file, QString::number(area.x()), QString::number(area.y()), QString::number(area.width()),
             QString::number(area.height())});
-    if (!grab.waitForFinished(10000) || grab.exitCode() != 0)
+    if (!grab.waitForFinished(Test::patience) || grab.exitCode() != 0)
         return -1;
     const QImage image(file);
     int count = 0;
@@ -505,14 +505,14 @@ void PanelAccessTest::inGerman()
                             && child.name == QLatin1String("Als erledigt markieren");
                     });
         }(),
-        10000);
+        Test::patience);
 
     const std::optional<AccessibleNode> more
         = found(QStringLiteral("push button"), QStringLiteral("Weitere Optionen"));
     QVERIFY(more);
     click(more->center());
     AccessibleTree overflow;
-    QTRY_VERIFY_WITH_TIMEOUT(!(overflow = AccessibleTree::popup(application)).isEmpty(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(!(overflow = AccessibleTree::popup(application)).isEmpty(), Test::patience);
     QCOMPARE(menuEntries(overflow),
         (QStringList {"#Projekt", "Notes", "Neues Projekt …", "Projekt umbenennen …",
             "Projekt löschen~", "#Aktiver Abschnitt", "Inbox", "Abschnitt wechseln …", "-",

@@ -64,7 +64,7 @@ QString windowState(const QString &window)
     QProcess xprop;
     xprop.start(
         QStringLiteral("xprop"), {QStringLiteral("-id"), window, QStringLiteral("_NET_WM_STATE")});
-    xprop.waitForFinished(10000);
+    xprop.waitForFinished(Test::patience);
     return QString::fromUtf8(xprop.readAllStandardOutput());
 }
 

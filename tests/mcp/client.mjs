@@ -93,7 +93,7 @@ try {
 
 // The changes are the running Vesko's: saved by it, in the library file.
 let library = null;
-for (let attempt = 0; attempt < 200; ++attempt) {
+for (let attempt = 0; attempt < 600; ++attempt) {
     try {
         library = JSON.parse(readFileSync(libraryPath, "utf8"));
         if (JSON.stringify(library).includes("agent's plan"))

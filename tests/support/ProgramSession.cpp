@@ -2,6 +2,8 @@
 
 #include "ProgramSession.h"
 
+#include "TestEnvironment.h"
+
 #include "library/LibraryCoding.h"
 
 #include <QDir>
@@ -111,7 +113,7 @@ QString xdotool(const QStringList &arguments)
 {
     QProcess process;
     process.start(QStringLiteral("xdotool"), arguments);
-    process.waitForFinished(10000);
+    process.waitForFinished(patience);
     return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
 }
 
@@ -119,7 +121,7 @@ bool setxkbmap(const QStringList &arguments)
 {
     QProcess process;
     process.start(QStringLiteral("setxkbmap"), arguments);
-    return process.waitForFinished(10000) && process.exitStatus() == QProcess::NormalExit
+    return process.waitForFinished(patience) && process.exitStatus() == QProcess::NormalExit
         && process.exitCode() == 0;
 }
 
