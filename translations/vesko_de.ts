@@ -143,6 +143,10 @@
         <source>Run the two commands under Double Shift once to have KWin pass each lone Shift release to Vesko.</source>
         <translation>Führen Sie die beiden Befehle unter „Doppeltes Umschalt“ einmal aus, damit KWin jedes einzelne Loslassen von Umschalt an Vesko weitergibt.</translation>
     </message>
+    <message>
+        <source>Add “bindsym --release Shift_L exec %1” to your sway configuration to have sway pass each lone Shift release to Vesko.</source>
+        <translation>Fügen Sie „bindsym --release Shift_L exec %1“ zu Ihrer sway-Konfiguration hinzu, damit sway Vesko jedes einzelne Loslassen der Umschalttaste meldet.</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>

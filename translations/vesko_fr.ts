@@ -143,6 +143,10 @@
         <source>Run the two commands under Double Shift once to have KWin pass each lone Shift release to Vesko.</source>
         <translation>Exécutez une fois les deux commandes sous «&#xa0;Double Maj&#xa0;» pour que KWin transmette à Vesko chaque relâchement isolé de Maj.</translation>
     </message>
+    <message>
+        <source>Add “bindsym --release Shift_L exec %1” to your sway configuration to have sway pass each lone Shift release to Vesko.</source>
+        <translation>Ajoutez « bindsym --release Shift_L exec %1 » à votre configuration de sway pour que sway transmette à Vesko chaque relâchement isolé de Maj.</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>

@@ -154,6 +154,12 @@ QList<CapabilityLine> capabilityLines(
         lines.append(
             {Texts::tr("Double Shift"), true, Texts::tr("Your desktop passes each Shift release to Vesko.")});
         break;
+    case C::DoubleShift::CompositorCanBind:
+        lines.append({Texts::tr("Double Shift"), false,
+            Texts::tr("Add “bindsym --release Shift_L exec %1” to your sway configuration to have "
+                      "sway pass each lone Shift release to Vesko.")
+                .arg(QStringLiteral("vesko shift"))});
+        break;
     case C::DoubleShift::None:
         // KWin calls Vesko on a lone Shift release once told to.
         lines.append({Texts::tr("Double Shift"), false,

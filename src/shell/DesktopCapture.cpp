@@ -192,7 +192,11 @@ CaptureEngine &DesktopCapture::engine()
 {
     if (!m_engine) {
         if (m_wayland) {
-            auto taps = std::make_unique<ShiftTaps>();
+            // Listening only where the compositor can pass Shift taps at all.
+            auto taps = std::make_unique<ShiftTaps>(std::function<double()> {}, [this] {
+                return m_shiftTapArrived
+                    || capabilities().doubleShift != CaptureCapabilities::DoubleShift::None;
+            });
             m_shiftTaps = taps.get();
             m_keys = std::move(taps);
         } else {
@@ -224,6 +228,7 @@ CaptureCapabilities DesktopCapture::capabilities() const
         found.readsOnPanelFocus = m_focusSelection && m_focusSelection->isAvailable();
         found.kwinPassesShiftTaps = shortcutDesktop(currentDesktopNames()) == ShortcutDesktop::Kde
             && kwinPassesShiftTaps(kwinConfiguration());
+        found.shiftTapArrived = m_shiftTapArrived;
     } else if (onWayland()) {
         found.windowing = W::XWayland;
     } else {
@@ -242,8 +247,10 @@ std::optional<PortalShortcutsState> DesktopCapture::portalState() const
 
 void DesktopCapture::shiftTapped()
 {
-    if (m_shiftTaps)
+    if (m_shiftTaps) {
+        noteShiftTap();
         m_shiftTaps->tap();
+    }
     else
         qCInfo(lcDoubleShift,
             "A Shift tap from the command line, where the keys are heard directly: ignored");
@@ -251,8 +258,19 @@ void DesktopCapture::shiftTapped()
 
 void DesktopCapture::shiftPressed()
 {
-    if (m_shiftTaps)
+    if (m_shiftTaps) {
+        noteShiftTap();
         m_shiftTaps->press();
+    }
+}
+
+void DesktopCapture::noteShiftTap()
+{
+    // The compositor passes Shift taps after all (its configuration changed
+    // since the listener was last asked to start): listen from this tap on.
+    m_shiftTapArrived = true;
+    if (m_engine && !m_shiftTaps->isRunning())
+        m_engine->refreshDoubleShift();
 }
 
 const KeyLayout *DesktopCapture::keyLayout()
