@@ -362,6 +362,12 @@ void SettingsViewsTest::captureTabSaysWhy_data()
                              << true;
     QTest::newRow("wayland, no shortcut settings")
         << int(CaptureObstacle::WaylandSession) << wayland << QString() << false;
+    // Qt on XWayland: the fix is Vesko's own platform, not the desktop.
+    QTest::newRow("xwayland") << int(CaptureObstacle::XWayland)
+                              << "Start Vesko on Qt's Wayland platform, with "
+                                 "QT_QPA_PLATFORM=wayland in its environment, to capture on "
+                                 "this desktop."
+                              << "Grant Access…" << true;
     QTest::newRow("xtest") << int(CaptureObstacle::NoXTest)
                            << "The X server lacks XTEST, which Vesko uses to copy the selected "
                               "text."
