@@ -19,10 +19,16 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QSemaphore>
+#include <QTemporaryDir>
 
 #include <atomic>
 #include <csignal>
+#include <cstring>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 using namespace Vesko;
 
@@ -223,6 +229,29 @@ private Q_SLOTS:
         QVERIFY(found.answered && found.front);
         QCOMPARE(found.front->windowTitle, QStringLiteral("Found Later"));
         QVERIFY(early.isAvailable());
+    }
+
+    // Last: a hung bus holds the process's D-Bus thread for libdbus's 25 s.
+    void hungBusLeavesTheSourceUnknown()
+    {
+        // A bus that takes the connection and never says a word.
+        QTemporaryDir folder;
+        const QByteArray path = QFile::encodeName(folder.filePath(QStringLiteral("bus")));
+        const int silent = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        QVERIFY(silent >= 0);
+        const auto close = qScopeGuard([silent] { ::close(silent); });
+        sockaddr_un address {};
+        address.sun_family = AF_UNIX;
+        std::strncpy(address.sun_path, path.constData(), sizeof address.sun_path - 1);
+        QVERIFY(::bind(silent, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0);
+        QVERIFY(::listen(silent, 4) == 0);
+        qputenv("AT_SPI_BUS_ADDRESS", "unix:path=" + path);
+        const auto unset = qScopeGuard([] { qunsetenv("AT_SPI_BUS_ADDRESS"); });
+        AtspiFrontApplication hung;
+        const Answer answer = ask(hung, 10000, &AtspiFrontApplication::frontApplicationOrUnknown);
+        QVERIFY(answer.answered && answer.front);
+        QCOMPARE(answer.front->name, QString());
+        QVERIFY(!answer.front->windowTitle);
     }
 
     // The reader's thread is never waited for at the end: a job still

@@ -20,6 +20,7 @@
 #include "TestEnvironment.h"
 
 #include "ProgramSession.h"
+#include "platform/wayland/WaylandClipboard.h"
 #include "platform/wayland/WaylandDataControl.h"
 #include "platform/wayland/WaylandGlobals.h"
 #include "platform/wayland/WaylandPipeReader.h"
@@ -37,6 +38,7 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QScopeGuard>
+#include <QSocketNotifier>
 #include <QTemporaryDir>
 
 #include <wayland-client.h>
@@ -390,6 +392,8 @@ private Q_SLOTS:
     void misbehavingOwner();
     void compositorWithdrawsGlobal_data();
     void compositorWithdrawsGlobal();
+    void clipboardSnapshotBounds_data();
+    void clipboardSnapshotBounds();
     void captureOnPanelFocus_data();
     void captureOnPanelFocus();
 
@@ -647,6 +651,59 @@ void CaptureWaylandTest::compositorWithdrawsGlobal()
     wl_display_disconnect(display);
 }
 
+void CaptureWaylandTest::clipboardSnapshotBounds_data()
+{
+    QTest::addColumn<int>("formats");
+    QTest::addColumn<int>("bytesEach");
+    QTest::addColumn<bool>("whole");
+    QTest::newRow("a few formats") << 3 << 1000 << true;
+    QTest::newRow("hundreds of formats") << 300 << 10 << false;
+    // Each under the bound of one format, 300 MiB in all.
+    QTest::newRow("heavy in all") << 10 << 30 * 1024 * 1024 << false;
+}
+
+void CaptureWaylandTest::clipboardSnapshotBounds()
+{
+    if (!needsSway())
+        return;
+    QFETCH(int, formats);
+    QFETCH(int, bytesEach);
+    QFETCH(bool, whole);
+    WaylandCapture session;
+    QProcess *owner = session.start(QStringLiteral(STUCK_SELECTION_PATH),
+        {QStringLiteral("clipboard"), QString::number(formats), QString::number(bytesEach)});
+    QByteArray said;
+    QTRY_VERIFY_WITH_TIMEOUT((said += owner->readAllStandardOutput()).contains("owned"), 10000);
+
+    wl_display *display = wl_display_connect(nullptr);
+    QVERIFY(display);
+    const auto disconnect = qScopeGuard([display] { wl_display_disconnect(display); });
+    QSocketNotifier events(wl_display_get_fd(display), QSocketNotifier::Read);
+    connect(&events, &QSocketNotifier::activated, this, [display] {
+        wl_display_dispatch(display);
+        wl_display_flush(display);
+    });
+    WaylandGlobals globals(display);
+    WaylandDataControl dataControl(globals);
+    WaylandClipboard clipboard(dataControl);
+    QVERIFY(wl_display_roundtrip(display) >= 0);
+    QVERIFY(wl_display_roundtrip(display) >= 0);
+    QCOMPARE(dataControl.formats(WaylandDataControl::Selection::Clipboard).size(), formats);
+
+    bool answered = false;
+    std::optional<Clipboard::Snapshot> snapshot;
+    clipboard.requestSnapshot([&](std::optional<Clipboard::Snapshot> taken) {
+        answered = true;
+        snapshot = std::move(taken);
+    });
+    QTRY_VERIFY_WITH_TIMEOUT(answered, 30000);
+    QCOMPARE(snapshot.has_value(), whole);
+    if (whole) {
+        QCOMPARE(snapshot->value(0).size(), formats);
+        QCOMPARE(snapshot->value(0).first(), QByteArray(bytesEach, 'x'));
+    }
+}
+
 void CaptureWaylandTest::captureOnPanelFocus_data()
 {
     QTest::addColumn<QString>("owner");
@@ -675,10 +732,11 @@ void CaptureWaylandTest::captureOnPanelFocus()
         15000);
 
     WaylandCapture session;
-    // Ready once capture has started (the log says so), not only the bus name.
+    // Ready once capture has started (the log says so), not only the bus name;
+    // GNOME passes no Shift taps, so no double-Shift listener starts here.
     QByteArray started;
     QProcess *vesko = session.startVesko([&started](QProcess *vesko) {
-        return (started += vesko->readAllStandardError()).contains("listener started")
+        return (started += vesko->readAllStandardError()).contains("Capture started")
             && ownedOnBus(QStringLiteral("com.vesko.Vesko"));
     });
     QVERIFY(vesko);

@@ -143,6 +143,18 @@
         <source>Run the two commands under Double Shift once to have KWin pass each lone Shift release to Vesko.</source>
         <translation>Führen Sie die beiden Befehle unter „Doppeltes Umschalt“ einmal aus, damit KWin jedes einzelne Loslassen von Umschalt an Vesko weitergibt.</translation>
     </message>
+    <message>
+        <source>Add “bindsym --release Shift_L exec %1” to your sway configuration to have sway pass each lone Shift release to Vesko.</source>
+        <translation>Fügen Sie „bindsym --release Shift_L exec %1“ zu Ihrer sway-Konfiguration hinzu, damit sway Vesko jedes einzelne Loslassen der Umschalttaste meldet.</translation>
+    </message>
+    <message>
+        <source>Vesko runs here as an X11 program (XWayland), which cannot read the text selected in other applications.</source>
+        <translation>Vesko läuft hier als X11-Programm (XWayland) und kann den in anderen Anwendungen ausgewählten Text nicht lesen.</translation>
+    </message>
+    <message>
+        <source>Start Vesko on Qt&apos;s Wayland platform, with %1 in its environment, to capture on this desktop.</source>
+        <translation>Starten Sie Vesko auf der Wayland-Plattform von Qt, mit %1 in seiner Umgebung, um auf dieser Arbeitsumgebung zu erfassen.</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>

@@ -143,6 +143,18 @@
         <source>Run the two commands under Double Shift once to have KWin pass each lone Shift release to Vesko.</source>
         <translation>Exécutez une fois les deux commandes sous «&#xa0;Double Maj&#xa0;» pour que KWin transmette à Vesko chaque relâchement isolé de Maj.</translation>
     </message>
+    <message>
+        <source>Add “bindsym --release Shift_L exec %1” to your sway configuration to have sway pass each lone Shift release to Vesko.</source>
+        <translation>Ajoutez « bindsym --release Shift_L exec %1 » à votre configuration de sway pour que sway transmette à Vesko chaque relâchement isolé de Maj.</translation>
+    </message>
+    <message>
+        <source>Vesko runs here as an X11 program (XWayland), which cannot read the text selected in other applications.</source>
+        <translation>Vesko s&apos;exécute ici comme programme X11 (XWayland) et ne peut pas lire le texte sélectionné dans les autres applications.</translation>
+    </message>
+    <message>
+        <source>Start Vesko on Qt&apos;s Wayland platform, with %1 in its environment, to capture on this desktop.</source>
+        <translation>Lancez Vesko sur la plateforme Wayland de Qt, avec %1 dans son environnement, pour capturer sur ce bureau.</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>

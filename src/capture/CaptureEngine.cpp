@@ -47,6 +47,7 @@ void CaptureEngine::start()
         });
     };
     refreshDoubleShift();
+    qCInfo(lcCapture, "Capture started");
 }
 
 void CaptureEngine::refreshDoubleShift()

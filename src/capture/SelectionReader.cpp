@@ -85,6 +85,13 @@ void SelectionReader::readThroughCopy()
     m_clipboard.requestSnapshot([self](std::optional<Clipboard::Snapshot> snapshot) {
         if (!self)
             return;
+        if (!snapshot) {
+            // What the copy would replace could not be kept whole: no key
+            // goes out, and the user's clipboard stays as it is.
+            qCInfo(lcCapture, "The clipboard could not be read whole: no copy is made");
+            self->finish(std::nullopt);
+            return;
+        }
         self->m_snapshot = std::move(snapshot);
         self->m_baseline = self->m_clipboard.changeCount(); // once, not per attempt
         self->m_attempt = 0;
@@ -127,12 +134,7 @@ void SelectionReader::poll()
                 self->startAttempt();
                 return;
             }
-            // A partial snapshot would lose the formats it lacks: the copy
-            // stays on the clipboard rather than half of what was there.
-            if (self->m_snapshot)
-                self->m_clipboard.restore(*self->m_snapshot);
-            else
-                qCInfo(lcCapture, "The clipboard was not read whole: the copy stays on it");
+            self->m_clipboard.restore(*self->m_snapshot);
             self->finish(*text);
         });
         return;

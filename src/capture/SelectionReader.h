@@ -67,7 +67,7 @@ private:
     quint64 m_baseline = 0;
     int m_attempt = 0;
     int m_polls = 0;
-    //! Nothing when the clipboard could not be read whole: then it is not put back.
+    //! What the clipboard held before the copy; always whole.
     std::optional<Clipboard::Snapshot> m_snapshot;
 };
 

@@ -10,7 +10,9 @@ struct CaptureCapabilities
     enum class Selection { None, PrimarySelection, OnPanelFocus }; // data control / X11, or GNOME's focus read
     enum class Source { None, WindowProperties, ForeignToplevel, Accessibility };
     enum class Copy { None, SyntheticKeys };                      // XTEST or zwp_virtual_keyboard_v1
-    enum class DoubleShift { None, KeyMonitor, CompositorBinding };
+    // CompositorCanBind: the compositor runs a command on a lone Shift release
+    // once told to (sway); CompositorBinding: it does (a tap has come, or kwinrc says so).
+    enum class DoubleShift { None, KeyMonitor, CompositorBinding, CompositorCanBind };
     HotKeys hotKeys = HotKeys::None;
     Selection selection = Selection::None;
     Source source = Source::None;

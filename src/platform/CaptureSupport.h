@@ -11,6 +11,8 @@ enum class CaptureObstacle {
     None,
     //! A Wayland session, where other clients' keys and selections are out of reach.
     WaylandSession,
+    //! A Wayland session with Qt on XWayland, which reaches no other client.
+    XWayland,
     //! Not on an X server at all (another windowing system, or none).
     NoXServer,
     NoXInput2,

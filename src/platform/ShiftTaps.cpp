@@ -19,12 +19,16 @@ double steadySeconds()
 
 } // namespace
 
-ShiftTaps::ShiftTaps(std::function<double()> clock)
+ShiftTaps::ShiftTaps(std::function<double()> clock, std::function<bool()> passed)
     : m_clock(clock ? std::move(clock) : &steadySeconds)
+    , m_passed(std::move(passed))
 { }
 
 bool ShiftTaps::start(std::function<void(const KeyEvent &)> receiver)
 {
+    // Nothing would ever come: not listening, as the Capture tab then says.
+    if (m_passed && !m_passed())
+        return false;
     m_receiver = std::move(receiver);
     m_pressTime = 0;
     return true;

@@ -18,7 +18,9 @@ class ShiftTaps : public KeyMonitor
 {
 public:
     //! \a clock gives the time in seconds; a steady clock when none.
-    explicit ShiftTaps(std::function<double()> clock = {});
+    //! \a passed tells whether the compositor can pass Shift taps at all:
+    //! where it cannot, the monitor does not start. Always, when none.
+    explicit ShiftTaps(std::function<double()> clock = {}, std::function<bool()> passed = {});
 
     bool start(std::function<void(const KeyEvent &)> receiver) override;
     void stop() override;
@@ -32,6 +34,7 @@ public:
 
 private:
     std::function<double()> m_clock;
+    std::function<bool()> m_passed;
     //! The reported press of the tap under way; 0: none.
     double m_pressTime = 0;
     std::function<void(const KeyEvent &)> m_receiver;

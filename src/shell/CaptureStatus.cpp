@@ -24,6 +24,9 @@ QString captureObstacleReason(CaptureObstacle obstacle)
     case CaptureObstacle::WaylandSession:
         return Texts::tr("This Wayland desktop does not let Vesko read the text selected in other "
                   "applications.");
+    case CaptureObstacle::XWayland:
+        return Texts::tr("Vesko runs here as an X11 program (XWayland), which cannot read the text "
+                         "selected in other applications.");
     case CaptureObstacle::NoXServer:
         return Texts::tr(
             "Vesko is not running on an X server, so it cannot see other applications' "
@@ -49,6 +52,10 @@ QString captureObstacleAdvice(CaptureObstacle obstacle)
         return Texts::tr("Here you can still bind Vesko's commands to keys, paste text into the "
                   "composer and drop files on notes. In an X11 (Xorg) session capture works "
                   "in full.");
+    case CaptureObstacle::XWayland:
+        return Texts::tr("Start Vesko on Qt's Wayland platform, with %1 in its environment, to "
+                         "capture on this desktop.")
+            .arg(QStringLiteral("QT_QPA_PLATFORM=wayland"));
     case CaptureObstacle::NoXServer:
         return Texts::tr("To capture with double Shift and the shortcuts, log in to an X11 (Xorg) "
                          "session. Here you can still open the panel from the system tray, paste "
@@ -153,6 +160,12 @@ QList<CapabilityLine> capabilityLines(
     case C::DoubleShift::CompositorBinding:
         lines.append(
             {Texts::tr("Double Shift"), true, Texts::tr("Your desktop passes each Shift release to Vesko.")});
+        break;
+    case C::DoubleShift::CompositorCanBind:
+        lines.append({Texts::tr("Double Shift"), false,
+            Texts::tr("Add “bindsym --release Shift_L exec %1” to your sway configuration to have "
+                      "sway pass each lone Shift release to Vesko.")
+                .arg(QStringLiteral("vesko shift"))});
         break;
     case C::DoubleShift::None:
         // KWin calls Vesko on a lone Shift release once told to.

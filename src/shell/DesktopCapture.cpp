@@ -42,6 +42,23 @@ namespace Vesko {
 
 namespace {
 
+//! The session of Qt on XWayland: an X11 client there reaches no other
+//! client, so nothing is read and no key is sent.
+class UnreachableSession : public DesktopSession
+{
+public:
+    void frontApplication(std::function<void(std::optional<FrontApplication>)> done) override
+    {
+        done(FrontApplication {});
+    }
+    void readPrimarySelection(qint64, std::function<void(std::optional<QString>)> done) override
+    {
+        done(std::nullopt);
+    }
+    void sendCopy(int, std::function<void(bool)> done) override { done(false); }
+    bool sendsCopy() const override { return false; }
+};
+
 //! KWin's configuration file, small: read whole, at once.
 QString kwinConfiguration()
 {
@@ -115,6 +132,9 @@ DesktopCapture::DesktopCapture(Store &store, Preferences &preferences, PanelCont
             m_clipboard = std::make_unique<WaylandClipboard>(*m_dataControl);
         else
             m_clipboard = std::make_unique<QtClipboard>();
+    } else if (onWayland()) {
+        // Qt on XWayland: the X11 code is never asked for in a Wayland session.
+        m_clipboard = std::make_unique<QtClipboard>();
     } else {
         m_clipboard = std::make_unique<X11Clipboard>();
     }
@@ -191,10 +211,16 @@ DesktopSession &DesktopCapture::session()
 CaptureEngine &DesktopCapture::engine()
 {
     if (!m_engine) {
-        if (m_wayland) {
-            auto taps = std::make_unique<ShiftTaps>();
+        if (onWayland()) {
+            // Listening only where the compositor can pass Shift taps at all.
+            auto taps = std::make_unique<ShiftTaps>(std::function<double()> {}, [this] {
+                return m_shiftTapArrived
+                    || capabilities().doubleShift != CaptureCapabilities::DoubleShift::None;
+            });
             m_shiftTaps = taps.get();
             m_keys = std::move(taps);
+            if (!m_wayland)
+                m_session = std::make_unique<UnreachableSession>();
         } else {
             m_keys = std::make_unique<X11KeyMonitor>();
             m_session = std::make_unique<X11Session>();
@@ -224,6 +250,7 @@ CaptureCapabilities DesktopCapture::capabilities() const
         found.readsOnPanelFocus = m_focusSelection && m_focusSelection->isAvailable();
         found.kwinPassesShiftTaps = shortcutDesktop(currentDesktopNames()) == ShortcutDesktop::Kde
             && kwinPassesShiftTaps(kwinConfiguration());
+        found.shiftTapArrived = m_shiftTapArrived;
     } else if (onWayland()) {
         found.windowing = W::XWayland;
     } else {
@@ -242,8 +269,10 @@ std::optional<PortalShortcutsState> DesktopCapture::portalState() const
 
 void DesktopCapture::shiftTapped()
 {
-    if (m_shiftTaps)
+    if (m_shiftTaps) {
+        noteShiftTap();
         m_shiftTaps->tap();
+    }
     else
         qCInfo(lcDoubleShift,
             "A Shift tap from the command line, where the keys are heard directly: ignored");
@@ -251,13 +280,24 @@ void DesktopCapture::shiftTapped()
 
 void DesktopCapture::shiftPressed()
 {
-    if (m_shiftTaps)
+    if (m_shiftTaps) {
+        noteShiftTap();
         m_shiftTaps->press();
+    }
+}
+
+void DesktopCapture::noteShiftTap()
+{
+    // The compositor passes Shift taps after all (its configuration changed
+    // since the listener was last asked to start): listen from this tap on.
+    m_shiftTapArrived = true;
+    if (m_engine && !m_shiftTaps->isRunning())
+        m_engine->refreshDoubleShift();
 }
 
 const KeyLayout *DesktopCapture::keyLayout()
 {
-    if (!m_keyLayout && QGuiApplication::platformName() == QLatin1String("xcb")) {
+    if (!m_keyLayout && QGuiApplication::platformName() == QLatin1String("xcb") && !onWayland()) {
         auto layout = std::make_unique<X11KeyLayout>();
         if (layout->isValid())
             m_keyLayout = std::move(layout);
@@ -273,7 +313,11 @@ AppDelegate::Hooks DesktopCapture::launchHooks()
     hooks.refreshTrust = [this] { m_permission->refresh(); };
     hooks.isTrusted = [this] { return m_permission->isTrusted(); };
     hooks.requestAccess = [this] {
-        if (onWayland())
+        if (onWayland() && !m_wayland)
+            qCInfo(lcCapture,
+                "Capture is not available: Vesko runs on XWayland, which reaches no other "
+                "application; start it with QT_QPA_PLATFORM=wayland");
+        else if (onWayland())
             qCInfo(lcCapture,
                 "Capture is not available: this desktop does not let Vesko read "
                 "the selected text");

@@ -81,6 +81,9 @@ public:
 private:
     class Feedback;
 
+    //! A tap or press came from the compositor: it passes them.
+    void noteShiftTap();
+
     void makeWaylandSession();
     //! The session capture reads from: X11's, the compositor's, or the
     //! panel's focus over the compositor's.
@@ -108,6 +111,8 @@ private:
     std::unique_ptr<AccessibilityPermission> m_permission;
     std::unique_ptr<KeyMonitor> m_keys;
     ShiftTaps *m_shiftTaps = nullptr; //!< m_keys on Wayland
+    //! A Shift tap or press came from the compositor in this session.
+    bool m_shiftTapArrived = false;
     std::unique_ptr<DoubleShiftMonitor> m_doubleShift;
     std::unique_ptr<SelectionReader> m_reader;
     std::unique_ptr<Feedback> m_feedback;

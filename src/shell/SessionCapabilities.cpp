@@ -28,6 +28,8 @@ CaptureCapabilities sessionCapabilities(const SessionFindings &found)
         }
         if (capabilities.doubleShift == C::DoubleShift::None && found.kwinPassesShiftTaps)
             capabilities.doubleShift = C::DoubleShift::CompositorBinding;
+        if (capabilities.doubleShift == C::DoubleShift::CompositorCanBind && found.shiftTapArrived)
+            capabilities.doubleShift = C::DoubleShift::CompositorBinding;
     }
     // X11 clients under XWayland reach no other client: only the desktop's
     // shortcuts are left.

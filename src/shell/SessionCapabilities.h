@@ -39,6 +39,8 @@ struct SessionFindings
     std::optional<PortalShortcutsState> portal;
     //! KWin calls Vesko on each lone Shift release (kwinrc).
     bool kwinPassesShiftTaps = false;
+    //! A Shift tap from the compositor has come in this session.
+    bool shiftTapArrived = false;
 };
 
 CaptureCapabilities sessionCapabilities(const SessionFindings &found);

@@ -3,14 +3,17 @@
 #include "platform/atspi/AtspiFrontApplication.h"
 
 #include "platform/FrontApplicationNames.h"
+#include "platform/Logging.h"
 #include "platform/SerialQueue.h"
 #include "platform/atspi/AtspiBus.h"
 #include "platform/atspi/ProcessLaunch.h"
 
 #include <QCoreApplication>
 #include <QPointer>
+#include <QTimer>
 
 #include <atomic>
+#include <utility>
 
 namespace Vesko {
 
@@ -104,8 +107,20 @@ void AtspiFrontApplication::frontApplication(Done done)
 
 void AtspiFrontApplication::frontApplicationOrUnknown(Done done)
 {
-    frontApplication([done = std::move(done)](std::optional<FrontApplication> front) {
-        done(front ? std::move(front) : FrontApplication {});
+    // Whichever comes first answers: the bus, or the deadline with
+    // "Unknown" (a bus that hangs holds its thread far longer). The other
+    // finds the answer given and is dropped.
+    auto pending = std::make_shared<Done>(std::move(done));
+    QTimer::singleShot(captureDeadlineMilliseconds, this, [pending] {
+        if (!*pending)
+            return;
+        qCInfo(lcCapture, "The accessibility bus did not answer within %d ms: the source is unknown",
+            captureDeadlineMilliseconds);
+        std::exchange(*pending, nullptr)(FrontApplication {});
+    });
+    frontApplication([pending](std::optional<FrontApplication> front) {
+        if (*pending)
+            std::exchange(*pending, nullptr)(front ? std::move(front) : FrontApplication {});
     });
 }
 

@@ -28,6 +28,9 @@ class AtspiFrontApplication : public QObject
 public:
     using Done = std::function<void(std::optional<FrontApplication>)>;
 
+    //! How long a capture waits for the bus before it goes on under "Unknown".
+    static constexpr int captureDeadlineMilliseconds = 1500;
+
     //! Starts looking for the accessibility bus at once, off the main thread.
     explicit AtspiFrontApplication(QObject *parent = nullptr);
     ~AtspiFrontApplication() override;
@@ -41,8 +44,9 @@ public:
     //! about a second even when an application does not answer.
     void frontApplication(Done done);
     //! For a capture: as above, but an empty application ("Unknown") where
-    //! no frame is active or the bus is out of reach. The bus is asked each
-    //! time, so one that was not up yet at first is found later.
+    //! no frame is active, the bus is out of reach, or it has not answered
+    //! within captureDeadlineMilliseconds (a later answer is dropped). The
+    //! bus is asked each time, so one that was not up yet at first is found later.
     void frontApplicationOrUnknown(Done done);
 
 Q_SIGNALS:

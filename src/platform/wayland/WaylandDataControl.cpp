@@ -234,7 +234,8 @@ QString WaylandDataControl::textFormat(const QStringList &formats)
     return {};
 }
 
-void WaylandDataControl::read(Selection selection, const QString &format, Read done)
+void WaylandDataControl::read(
+    Selection selection, const QString &format, Read done, qsizetype cap, int timeoutMilliseconds)
 {
     wl_proxy *offer = selection == Selection::Clipboard ? m_clipboard : m_primary;
     int fds[2];
@@ -246,7 +247,7 @@ void WaylandDataControl::read(Selection selection, const QString &format, Read d
         wl_proxy_get_version(offer), 0, format.toUtf8().constData(), fds[1]);
     m_globals.flush();
     ::close(fds[1]); // the owner holds its own copy now
-    WaylandPipeReader::read(fds[0], capBytes, readTimeoutMilliseconds, std::move(done), this);
+    WaylandPipeReader::read(fds[0], cap, timeoutMilliseconds, std::move(done), this);
 }
 
 void WaylandDataControl::setClipboard(const QMap<QString, QByteArray> &formats)

@@ -55,9 +55,10 @@ public:
 
     using Read = std::function<void(std::optional<QByteArray>)>;
     //! Hands \a done the bytes of \a format, later on the event loop; nothing
-    //! when the selection is empty or its owner does not send the format whole
-    //! within readTimeoutMilliseconds.
-    void read(Selection selection, const QString &format, Read done);
+    //! when the selection is empty or its owner does not send the format whole,
+    //! at most \a cap bytes, within \a timeoutMilliseconds.
+    void read(Selection selection, const QString &format, Read done, qsizetype cap = capBytes,
+        int timeoutMilliseconds = readTimeoutMilliseconds);
     //! The format that holds text, the richest first, or empty.
     static QString textFormat(const QStringList &formats);
 

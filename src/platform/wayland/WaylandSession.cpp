@@ -53,9 +53,10 @@ CaptureCapabilities WaylandSession::capabilities() const
         capabilities.source = CaptureCapabilities::Source::ForeignToplevel;
     if (sendsCopy())
         capabilities.copy = CaptureCapabilities::Copy::SyntheticKeys;
-    // Only sway runs a command on a lone Shift release (bindsym --release).
+    // Only sway runs a command on a lone Shift release (bindsym --release),
+    // once its configuration says so.
     if (qEnvironmentVariableIsSet("SWAYSOCK"))
-        capabilities.doubleShift = CaptureCapabilities::DoubleShift::CompositorBinding;
+        capabilities.doubleShift = CaptureCapabilities::DoubleShift::CompositorCanBind;
     return capabilities;
 }
 

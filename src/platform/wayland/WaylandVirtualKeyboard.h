@@ -4,11 +4,17 @@
 // on the seat, with a keymap it uploads, that types Ctrl+Insert. The
 // compositor makes it the seat's active keyboard for those keys, so the
 // window hears exactly Ctrl+Insert, never mixed with a modifier the user
-// still holds on the real keyboard.
+// still holds on the real keyboard. The keymap is compiled on a thread of
+// its own as soon as the compositor offers virtual keyboards, never on the
+// main thread at the first copy.
 
 #pragma once
 
+#include <QByteArray>
 #include <QObject>
+
+#include <future>
+#include <optional>
 
 struct zwp_virtual_keyboard_manager_v1;
 struct zwp_virtual_keyboard_v1;
@@ -31,6 +37,14 @@ public:
     bool sendCopy();
 
 private:
+    //! The keymap's text, and the mask of Control in it.
+    struct Keymap
+    {
+        QByteArray text;
+        quint32 controlMask = 0;
+    };
+    static std::optional<Keymap> compileKeymap();
+
     void bindManager();
     void release();
     bool makeKeyboard();
@@ -39,7 +53,9 @@ private:
     zwp_virtual_keyboard_manager_v1 *m_manager = nullptr;
     quint32 m_managerName = 0;
     zwp_virtual_keyboard_v1 *m_keyboard = nullptr;
-    quint32 m_controlMask = 0;
+    //! Under way from the first offer of the manager on; taken once ready.
+    std::future<std::optional<Keymap>> m_compiling;
+    std::optional<Keymap> m_keymap;
 };
 
 } // namespace Vesko

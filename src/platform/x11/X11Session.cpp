@@ -41,8 +41,10 @@ CaptureObstacle X11Session::captureObstacle()
 {
     // Under Xwayland the X server only knows its own clients: a Wayland
     // session is one whatever platform Qt runs on.
-    if (QGuiApplication::platformName().startsWith(u"wayland") || isWaylandSession())
+    if (QGuiApplication::platformName().startsWith(u"wayland"))
         return CaptureObstacle::WaylandSession;
+    if (isWaylandSession())
+        return CaptureObstacle::XWayland;
     if (QGuiApplication::platformName() != QLatin1String("xcb"))
         return CaptureObstacle::NoXServer;
     X11Connection connection;
