@@ -488,7 +488,7 @@ void SettingsViewsTest::captureTabWordsEachCapability_data()
         QStringLiteral("vesko quick-add"), QStringLiteral("vesko copy-list")};
     const QString kwinLines = QStringLiteral(
         "kwriteconfig6 --file kwinrc --group ModifierOnlyShortcuts --key Shift "
-        "\"com.vesko.Vesko,/com/vesko/Vesko,com.vesko.Vesko.Notes,ShiftTapped\"\n"
+        "\"com.vesko.Vesko.ShiftTaps,/com/vesko/Vesko,com.vesko.Vesko.Notes,ShiftTapped\"\n"
         "dbus-send --session --type=method_call --dest=org.kde.KWin /KWin "
         "org.kde.KWin.reconfigure\n");
 

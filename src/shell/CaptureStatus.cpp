@@ -266,10 +266,12 @@ QString swayBindings(const std::function<QString(HotKeyAction)> &keys)
 namespace {
 
 //! kwinrc's value that has KWin call ShiftTapped on the running Vesko
-//! (ApplicationBus): service, object, interface and method.
+//! (ApplicationBus): service, object, interface and method. The service is
+//! the name the bus cannot start Vesko by, so a tap after quitting is lost.
 QString kwinShiftCall()
 {
-    return QStringLiteral("com.vesko.Vesko,/com/vesko/Vesko,com.vesko.Vesko.Notes,ShiftTapped");
+    return QStringLiteral(
+        "com.vesko.Vesko.ShiftTaps,/com/vesko/Vesko,com.vesko.Vesko.Notes,ShiftTapped");
 }
 
 } // namespace
