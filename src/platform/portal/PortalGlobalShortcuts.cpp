@@ -198,7 +198,7 @@ void PortalGlobalShortcuts::removeHandler()
 
 int PortalGlobalShortcuts::registerKey(int id, quint16 keyCode, quint64 modifiers)
 {
-    m_wanted.insert(id, xdgShortcutTrigger(keyCode, modifiers));
+    m_wanted.insert(id, keyCode == 0 ? QString() : xdgShortcutTrigger(keyCode, modifiers));
     scheduleBind();
     return 0;
 }
