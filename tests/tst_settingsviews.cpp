@@ -536,6 +536,7 @@ void SettingsViewsTest::captureTabWordsEachCapability_data()
            "bindsym Mod4+Mod1+n exec vesko quick-add\n"
            "bindsym Mod4+Mod1+l exec vesko copy-list\n"
            "bindsym --release Shift_L exec vesko shift\n"
+           "bindsym --release Shift_R exec vesko shift\n"
         << QString() << true;
     SessionFindings swayWithPortal = sway;
     swayWithPortal.portal = PortalShortcutsState::Bound;
