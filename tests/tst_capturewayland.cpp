@@ -13,7 +13,8 @@
 // takes the focus). In a private headless mutter (tests/mutter-session.sh),
 // GNOME's compositor, without data control: the command line's capture
 // reads the selection as the panel takes the focus, and one over the cap
-// ends in "Nothing Selected".
+// ends in "Nothing Selected". Vesko's own clipboard outlives a reader that
+// leaves halfway through.
 // Beside them, without sway: the pipe read those rest on, and data control
 // on a compositor of the test's own that withdraws its globals.
 
@@ -28,7 +29,9 @@
 
 #include "wlr-data-control-unstable-v1-server-protocol.h"
 
+#include <QCoreApplication>
 #include <QDBusConnection>
+#include <QDeadlineTimer>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
@@ -43,6 +46,7 @@
 #include <wayland-server.h>
 
 #include <condition_variable>
+#include <csignal>
 #include <fcntl.h>
 #include <mutex>
 #include <sys/eventfd.h>
@@ -357,6 +361,7 @@ private Q_SLOTS:
     void misbehavingOwner();
     void compositorWithdrawsGlobal_data();
     void compositorWithdrawsGlobal();
+    void clipboardReaderLeavesEarly();
     void captureOnPanelFocus_data();
     void captureOnPanelFocus();
 
@@ -609,6 +614,44 @@ void CaptureWaylandTest::compositorWithdrawsGlobal()
         QVERIFY(dataControl.isAvailable());
         // The connection is whole: no request went to an object the compositor let go.
         QVERIFY(wl_display_roundtrip(display) >= 0);
+        QCOMPARE(wl_display_get_error(display), 0);
+    }
+    wl_display_disconnect(display);
+}
+
+void CaptureWaylandTest::clipboardReaderLeavesEarly()
+{
+    if (!needsSway())
+        return;
+    // As in a process with no bus connection yet (libdbus ignores SIGPIPE).
+    std::signal(SIGPIPE, SIG_DFL);
+    wl_display *display = wl_display_connect(nullptr);
+    QVERIFY(display);
+    {
+        WaylandGlobals globals(display);
+        WaylandDataControl dataControl(globals);
+        QVERIFY(dataControl.isAvailable());
+        // Far more than a pipe holds, so the reader leaves halfway through.
+        const QByteArray text(1024 * 1024, 'x');
+        dataControl.setClipboard({{QStringLiteral("text/plain"), text}});
+        QVERIFY(wl_display_roundtrip(display) >= 0);
+        const auto paste = [display](const QString &command) {
+            QProcess reader;
+            reader.start(QStringLiteral("sh"), {QStringLiteral("-c"), command});
+            QDeadlineTimer patience(20000);
+            while (reader.state() != QProcess::NotRunning && !patience.hasExpired()) {
+                wl_display_roundtrip(display);
+                QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+                reader.waitForFinished(10);
+            }
+            return reader.readAllStandardOutput();
+        };
+        QCOMPARE(paste(QStringLiteral("wl-paste --type text/plain | head -c 5")),
+            QByteArray("xxxxx"));
+        // Still here, and the next reader takes all of it.
+        QCOMPARE(paste(QStringLiteral("wl-paste --no-newline --type text/plain | wc -c"))
+                     .trimmed(),
+            QByteArray::number(text.size()));
         QCOMPARE(wl_display_get_error(display), 0);
     }
     wl_display_disconnect(display);
