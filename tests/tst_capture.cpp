@@ -281,8 +281,8 @@ void CaptureTest::hotKeysOfferedToTheDesktop()
     center.registerAll();
     for (qsizetype i = 0; i < keyCodes.size(); ++i) {
         const int id = hotKeyID(allHotKeyActions[i]);
-        QCOMPARE(registrar.held.contains(id) ? int(registrar.held.value(id).first) : -1,
-            keyCodes.at(i));
+        const int keyCode = registrar.held.contains(id) ? registrar.held.value(id).first : -1;
+        QCOMPARE(keyCode, keyCodes.at(i));
         QCOMPARE(center.isRefused(allHotKeyActions[i]), false);
     }
 }
