@@ -6,8 +6,8 @@
 # exit status. As in sway-session.sh, run as root the session and COMMAND
 # run as the unprivileged user vesko-test, in a private (0700) runtime
 # folder; WAYLAND_DISPLAY is an absolute path and VESKO_MUTTER=1 says which
-# compositor this is. Where mutter cannot start, COMMAND runs anyway with
-# VESKO_MUTTER_UNAVAILABLE saying why, and skips what needs it.
+# compositor this is. Where mutter (or dbus-run-session) is missing or
+# cannot start, the script says why and fails without running COMMAND.
 set -euo pipefail
 
 if [ "$(id -u)" -eq 0 ] && [ "${1:-}" != "--inside" ] && [ "${1:-}" != "--bus" ]; then
@@ -29,8 +29,9 @@ if [ "${1:-}" != "--bus" ]; then
     if command -v dbus-run-session >/dev/null 2>&1; then
         exec dbus-run-session -- "$0" --bus "$@"
     fi
-    export VESKO_MUTTER_UNAVAILABLE="dbus-run-session is not installed"
-    exec "$@"
+    echo "mutter-session.sh: no session bus to test on: dbus-run-session is not installed" \
+        "(scripts/install-deps.sh installs it)" >&2
+    exit 1
 fi
 shift
 
@@ -73,8 +74,8 @@ else
     fi
 fi
 if [ -n "$reason" ]; then
-    export VESKO_MUTTER_UNAVAILABLE="$reason"
-    echo "mutter-session.sh: $reason" >&2
+    echo "mutter-session.sh: no GNOME session to test in: $reason" >&2
+    exit 1
 fi
 status=0
 "$@" || status=$?

@@ -5,9 +5,9 @@
 # root, the session and COMMAND run as the unprivileged user vesko-test
 # (created when missing). The session's runtime folder is private (0700);
 # WAYLAND_DISPLAY and SWAYSOCK are absolute paths, so that programs with a
-# runtime folder of their own still reach it. Where sway cannot start,
-# COMMAND runs anyway with VESKO_SWAY_UNAVAILABLE saying why, and skips
-# what needs the compositor.
+# runtime folder of their own still reach it. Where sway is missing or
+# cannot start, the script says why and fails without running COMMAND: the
+# tests that need it would otherwise pass without testing anything.
 set -euo pipefail
 
 if [ "$(id -u)" -eq 0 ] && [ "${1:-}" != "--inside" ]; then
@@ -62,10 +62,12 @@ else
     done
     if [ -n "$socket" ] && [ -n "$ipc" ]; then
         export WAYLAND_DISPLAY="$socket" SWAYSOCK="$ipc"
+        answered=
         for _ in $(seq 1 100); do
-            swaymsg -t get_outputs >/dev/null 2>&1 && break
+            swaymsg -t get_outputs >/dev/null 2>&1 && answered=1 && break
             sleep 0.05
         done
+        [ -n "$answered" ] || reason="sway does not answer on $ipc: $(tail -n 3 "$runtime/sway.log" | tr '\n' ' ')"
     else
         reason="sway did not start: $(tail -n 3 "$runtime/sway.log" | tr '\n' ' ')"
         kill "$sway_pid" 2>/dev/null || true
@@ -74,8 +76,8 @@ else
     fi
 fi
 if [ -n "$reason" ]; then
-    export VESKO_SWAY_UNAVAILABLE="$reason"
-    echo "sway-session.sh: $reason" >&2
+    echo "sway-session.sh: no Wayland session to test in: $reason" >&2
+    exit 1
 fi
 export XDG_RUNTIME_DIR="$runtime"
 status=0

@@ -94,6 +94,8 @@ private Q_SLOTS:
 
     void hotKeysFromSettings();
     void hotKeyRegistration();
+    void hotKeysOfferedToTheDesktop_data();
+    void hotKeysOfferedToTheDesktop();
     void noHotKeysWhereTheSessionHasNone();
     void hotKeyDisplay_data();
     void hotKeyDisplay();
@@ -249,6 +251,40 @@ void CaptureTest::hotKeyRegistration()
     center.unregisterAll();
     QVERIFY(registrar.held.isEmpty());
     QVERIFY(!registrar.handler);
+}
+
+void CaptureTest::hotKeysOfferedToTheDesktop_data()
+{
+    QTest::addColumn<bool>("desktopOwns");
+    // Per action (toggle, capture, quick add, copy as list), the key code
+    // registered: 0 without a combination, -1 when not registered at all.
+    QTest::addColumn<QList<int>>("keyCodes");
+    QTest::newRow("Vesko grabs the keys") << false << QList<int> {65, 54, -1, -1};
+    QTest::newRow("the desktop owns the keys") << true << QList<int> {65, 54, 0, 0};
+}
+
+void CaptureTest::hotKeysOfferedToTheDesktop()
+{
+    QFETCH(bool, desktopOwns);
+    QFETCH(QList<int>, keyCodes);
+    FakeHotKeyRegistrar registrar;
+    if (desktopOwns)
+        registrar.desktopTriggers.insert(hotKeyID(HotKeyAction::TogglePanel), QStringLiteral("F1"));
+    HotKeyCenter center(registrar);
+    // One action without a combination, one without a modifier: the recorder
+    // cannot give them keys where the desktop owns them, so the desktop must
+    // be offered them to bind in its own settings.
+    center.clearCombo(HotKeyAction::QuickAdd);
+    center.setCombo({30, 0}, HotKeyAction::CopySelectionAsList);
+    center.unregisterAll();
+    QVERIFY(registrar.held.isEmpty());
+    center.registerAll();
+    for (qsizetype i = 0; i < keyCodes.size(); ++i) {
+        const int id = hotKeyID(allHotKeyActions[i]);
+        const int keyCode = registrar.held.contains(id) ? registrar.held.value(id).first : -1;
+        QCOMPARE(keyCode, keyCodes.at(i));
+        QCOMPARE(center.isRefused(allHotKeyActions[i]), false);
+    }
 }
 
 void CaptureTest::noHotKeysWhereTheSessionHasNone()

@@ -53,6 +53,15 @@ struct Session : ProgramSession
                 QStringLiteral("-m"), QStringLiteral("org.freedesktop.Application.") + method}
                 + arguments);
     }
+    //! A Shift tap as KWin sends it, by the name kwinrc's entry gives.
+    Outcome kwinShiftTap() const
+    {
+        return run(QStringLiteral("gdbus"),
+            {QStringLiteral("call"), QStringLiteral("--session"), QStringLiteral("-d"),
+                QStringLiteral("com.vesko.Vesko.ShiftTaps"), QStringLiteral("-o"),
+                QStringLiteral("/com/vesko/Vesko"), QStringLiteral("-m"),
+                QStringLiteral("com.vesko.Vesko.Notes.ShiftTapped")});
+    }
     Outcome action(const QString &name) const
     {
         return gdbus(
@@ -248,6 +257,9 @@ void CommandLineAppTest::stoppingWithNoneRunning_data()
     QTest::newRow("hide, the bus may start Vesko") << "hide" << true;
     QTest::newRow("quit without a bus") << "quit" << false;
     QTest::newRow("hide without a bus") << "hide" << false;
+    // A Shift tap after the user quit Vesko must not bring it back.
+    QTest::newRow("shift, the bus may start Vesko") << "shift" << true;
+    QTest::newRow("shift-press, the bus may start Vesko") << "shift-press" << true;
 }
 
 void CommandLineAppTest::stoppingWithNoneRunning()
@@ -262,6 +274,9 @@ void CommandLineAppTest::stoppingWithNoneRunning()
     const ProgramSession::Outcome outcome = session.vesko({command});
     QVERIFY2(outcome.finished && outcome.exitCode == 0 && outcome.errors.isEmpty(),
         qPrintable(describe(outcome)));
+    // Nor does KWin's call for a Shift tap: nobody answers it.
+    if (onBus)
+        QVERIFY(session.kwinShiftTap().exitCode != 0);
     QVERIFY(!session.isRunning());
     QVERIFY(!busNameOwned());
     QVERIFY(!QFile::exists(session.libraryPath()));
@@ -448,6 +463,10 @@ void CommandLineAppTest::actionsFromTheDesktop()
                                          .output))
             .hasMatch(),
         Test::patience);
+
+    // The running Vesko takes KWin's Shift taps.
+    const ProgramSession::Outcome tap = session.kwinShiftTap();
+    QVERIFY2(tap.exitCode == 0, qPrintable(describe(tap)));
 
     const ProgramSession::Outcome unknown = session.action(QStringLiteral("explode"));
     QVERIFY(unknown.exitCode != 0);

@@ -494,7 +494,7 @@ void SettingsViewsTest::captureTabWordsEachCapability_data()
         QStringLiteral("vesko quick-add"), QStringLiteral("vesko copy-list")};
     const QString kwinLines = QStringLiteral(
         "kwriteconfig6 --file kwinrc --group ModifierOnlyShortcuts --key Shift "
-        "\"com.vesko.Vesko,/com/vesko/Vesko,com.vesko.Vesko.Notes,ShiftTapped\"\n"
+        "\"com.vesko.Vesko.ShiftTaps,/com/vesko/Vesko,com.vesko.Vesko.Notes,ShiftTapped\"\n"
         "dbus-send --session --type=method_call --dest=org.kde.KWin /KWin "
         "org.kde.KWin.reconfigure\n");
 
@@ -545,6 +545,7 @@ void SettingsViewsTest::captureTabWordsEachCapability_data()
            "bindsym Mod4+Mod1+n exec vesko quick-add\n"
            "bindsym Mod4+Mod1+l exec vesko copy-list\n"
            "bindsym --release Shift_L exec vesko shift\n"
+           "bindsym --release Shift_R exec vesko shift\n"
         << QString() << true;
     SessionFindings swayWithPortal = sway;
     swayWithPortal.portal = PortalShortcutsState::Bound;

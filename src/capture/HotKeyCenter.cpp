@@ -72,17 +72,22 @@ void HotKeyCenter::registerAll()
         qCInfo(lcCapture, "Global hot keys are not available in this session");
         return;
     }
-    for (HotKeyAction action : allHotKeyActions) {
-        if (const std::optional<KeyCombo> stored = combo(action))
-            registerCombo(*stored, action);
-    }
+    for (HotKeyAction action : allHotKeyActions)
+        registerCombo(combo(action).value_or(KeyCombo {}), action);
 }
 
 void HotKeyCenter::registerCombo(const KeyCombo &combo, HotKeyAction action)
 {
-    if (!(combo.modifiers & ModifierFlag::HotKeyModifiers) || !m_registrar.isAvailable())
+    if (!m_registrar.isAvailable())
         return;
-    const int status = m_registrar.registerKey(hotKeyID(action), combo.keyCode, combo.modifiers);
+    // A desktop that owns the keys is offered every action, the combination
+    // only as a wish: the user gives it keys in the desktop's settings.
+    const bool usable = combo.modifiers & ModifierFlag::HotKeyModifiers;
+    if (!usable && !m_registrar.desktopOwnsCombinations())
+        return;
+    const int status = usable
+        ? m_registrar.registerKey(hotKeyID(action), combo.keyCode, combo.modifiers)
+        : m_registrar.registerKey(hotKeyID(action), 0, 0);
     if (status == 0) {
         m_registered.insert(action);
         m_refused.remove(action);

@@ -34,7 +34,8 @@ public:
     virtual void removeHandler() = 0;
     //! 0 when the combination is now held under \a id; takenStatus when it is
     //! held already, by another program or under another identity; else the
-    //! desktop's error code.
+    //! desktop's error code. Key code 0 is no combination: a desktop that owns
+    //! the combinations is offered the action without a wish.
     virtual int registerKey(int id, quint16 keyCode, quint64 modifiers) = 0;
     //! Releases what \a id holds, and nothing else.
     virtual void unregisterKey(int id) = 0;

@@ -3,6 +3,7 @@
 #include "shell/ApplicationBus.h"
 
 #include "platform/ActivationToken.h"
+#include "platform/Logging.h"
 #include "shell/NoteRequests.h"
 
 #include <QDBusAbstractAdaptor>
@@ -147,6 +148,10 @@ std::optional<QString> ApplicationBus::registerOn(QDBusConnection bus)
         return error.isValid()
             ? error.message()
             : tr("Another program owns the name %1.").arg(QLatin1String(serviceName));
+    }
+    if (!bus.registerService(QLatin1String(shiftTapsName))) {
+        qCWarning(lcDoubleShift, "Shift taps will not reach Vesko on the bus: %s",
+            qUtf8Printable(bus.lastError().message()));
     }
     return std::nullopt;
 }

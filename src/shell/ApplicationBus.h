@@ -5,7 +5,9 @@
 // (Activate shows the panel, ActivateAction runs an action) and Vesko's own
 // com.vesko.Vesko.Notes, which carries NoteRequests' JSON requests and the
 // Shift taps a compositor reports (ShiftTapped). This is how desktop
-// launchers, key bindings and a second "vesko" reach the first.
+// launchers, key bindings and a second "vesko" reach the first. It also owns
+// com.vesko.Vesko.ShiftTaps, which no service file names: a compositor that
+// sends Shift taps there reaches a running Vesko but never starts one.
 
 #pragma once
 
@@ -30,13 +32,16 @@ class ApplicationBus : public QObject, public QDBusContext
 
 public:
     static constexpr auto serviceName = "com.vesko.Vesko";
+    //! The name for the compositor's Shift taps: the bus cannot start Vesko by it.
+    static constexpr auto shiftTapsName = "com.vesko.Vesko.ShiftTaps";
     static constexpr auto objectPath = "/com/vesko/Vesko";
     static constexpr auto applicationInterface = "org.freedesktop.Application";
     static constexpr auto notesInterface = "com.vesko.Vesko.Notes";
 
     explicit ApplicationBus(NoteRequests &requests, QObject *parent = nullptr);
 
-    //! Exports the object and takes the name on \a bus. The failure text, or nothing.
+    //! Exports the object and takes the names on \a bus. The failure text, or
+    //! nothing; without the Shift taps' name Vesko still serves the main one.
     std::optional<QString> registerOn(QDBusConnection bus);
 
     NoteRequests &requests() { return m_requests; }

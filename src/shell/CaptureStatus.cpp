@@ -271,18 +271,21 @@ QString swayBindings(const std::function<QString(HotKeyAction)> &keys)
                 ? QStringLiteral("# bindsym KEYS exec %1").arg(actionCommand(action))
                 : QStringLiteral("bindsym %1 exec %2").arg(combination, actionCommand(action)));
     }
-    // Each release of a lone Shift is a tap of the double-Shift gesture.
+    // Each release of a lone Shift, left or right, is a tap of the double-Shift gesture.
     lines.append(QStringLiteral("bindsym --release Shift_L exec vesko shift"));
+    lines.append(QStringLiteral("bindsym --release Shift_R exec vesko shift"));
     return lines.join(u'\n') + u'\n';
 }
 
 namespace {
 
 //! kwinrc's value that has KWin call ShiftTapped on the running Vesko
-//! (ApplicationBus): service, object, interface and method.
+//! (ApplicationBus): service, object, interface and method. The service is
+//! the name the bus cannot start Vesko by, so a tap after quitting is lost.
 QString kwinShiftCall()
 {
-    return QStringLiteral("com.vesko.Vesko,/com/vesko/Vesko,com.vesko.Vesko.Notes,ShiftTapped");
+    return QStringLiteral(
+        "com.vesko.Vesko.ShiftTaps,/com/vesko/Vesko,com.vesko.Vesko.Notes,ShiftTapped");
 }
 
 } // namespace

@@ -316,9 +316,11 @@ int runClientCommand(const CommandLineRequest &request, const QString &libraryPa
     switch (request.kind) {
     case Kind::Action: {
         // Starting Vesko only to quit or hide it would be absurd: with none
-        // running there is nothing to do.
-        const bool stops
-            = request.action == QLatin1String("quit") || request.action == QLatin1String("hide");
+        // running there is nothing to do. A Shift tap is no request to start
+        // either: the user who quit Vesko taps Shift for other reasons.
+        static const QStringList startNothing {QStringLiteral("quit"), QStringLiteral("hide"),
+            QStringLiteral("shift"), QStringLiteral("shift-press")};
+        const bool stops = startNothing.contains(request.action);
         answer = client.activateAction(request.action,
             stops ? InstanceClient::Start::Never : InstanceClient::Start::IfNoneRuns);
         break;

@@ -24,6 +24,10 @@ public:
     int registerKey(int id, quint16 keyCode, quint64 modifiers) override
     {
         held.remove(id);
+        if (keyCode == 0) { // no combination: nothing to hold twice
+            held.insert(id, qMakePair(keyCode, modifiers));
+            return 0;
+        }
         if (taken.contains(qMakePair(keyCode, modifiers)))
             return takenStatus;
         for (auto it = held.cbegin(); it != held.cend(); ++it) {

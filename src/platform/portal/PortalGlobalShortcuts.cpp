@@ -198,7 +198,7 @@ void PortalGlobalShortcuts::removeHandler()
 
 int PortalGlobalShortcuts::registerKey(int id, quint16 keyCode, quint64 modifiers)
 {
-    m_wanted.insert(id, xdgShortcutTrigger(keyCode, modifiers));
+    m_wanted.insert(id, keyCode == 0 ? QString() : xdgShortcutTrigger(keyCode, modifiers));
     scheduleBind();
     return 0;
 }
@@ -224,9 +224,16 @@ void PortalGlobalShortcuts::scheduleBind()
 
 void PortalGlobalShortcuts::bindIfReady()
 {
-    if (m_state == State::Probing || m_state == State::Absent || m_step != Step::None
-        || m_wanted.isEmpty())
+    if (m_state == State::Probing || m_state == State::Absent || m_wanted.isEmpty())
         return;
+    if (m_step != Step::None) {
+        // A request under way is waited for; one the portal never answered
+        // is dropped with its session, and the binding starts afresh.
+        if (m_state != State::NoAnswer)
+            return;
+        closeSession();
+        m_step = Step::None;
+    }
     if (!m_session.isEmpty() && !m_bound.isEmpty()) {
         bool covered = true;
         for (auto it = m_wanted.cbegin(); it != m_wanted.cend(); ++it)
@@ -306,9 +313,10 @@ void PortalGlobalShortcuts::callWithRequest(Step step, const QString &method,
     m_requestTimer.start(timeoutMilliseconds);
     auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call, timeoutMilliseconds), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
-        [this, step, method](QDBusPendingCallWatcher *pending) {
+        [this, step, method, requestPath = m_requestPath](QDBusPendingCallWatcher *pending) {
             pending->deleteLater();
-            if (!pending->isError() || m_step != step)
+            // The failure of a request that another has replaced is no news.
+            if (!pending->isError() || m_step != step || m_requestPath != requestPath)
                 return;
             qCWarning(lcCapture, "The global shortcuts portal refused %s: %s",
                 qUtf8Printable(method), qUtf8Printable(pending->error().message()));

@@ -16,8 +16,10 @@
 #include <wayland-client.h>
 
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
+#include <utility>
 
 namespace Vesko {
 
@@ -86,12 +88,20 @@ void writeInto(int fd, QByteArray bytes)
     auto *notifier = new QSocketNotifier(fd, QSocketNotifier::Write);
     auto *deadline = new QTimer(notifier);
     auto written = std::make_shared<qsizetype>(0);
-    const auto end = [notifier, fd] {
+    // Ends once, whichever comes first: the last byte, a reader that left,
+    // or the deadline. The descriptor's number may be reused after the close.
+    auto ended = std::make_shared<bool>(false);
+    const auto end = [notifier, deadline, fd, ended] {
+        if (std::exchange(*ended, true))
+            return;
+        deadline->stop();
         notifier->setEnabled(false);
         ::close(fd);
         notifier->deleteLater();
     };
     QObject::connect(notifier, &QSocketNotifier::activated, notifier, [=] {
+        if (*ended)
+            return;
         while (*written < bytes.size()) {
             const ssize_t count
                 = ::write(fd, bytes.constData() + *written, size_t(bytes.size() - *written));
@@ -128,6 +138,9 @@ WaylandDataControl::WaylandDataControl(WaylandGlobals &globals, QObject *parent)
     : QObject(parent)
     , m_globals(globals)
 {
+    // A reader that closes its end while Vesko writes would end the program
+    // with SIGPIPE: the write fails with EPIPE instead.
+    std::signal(SIGPIPE, SIG_IGN);
     bindManager();
     connect(&globals, &WaylandGlobals::announced, this, [this] {
         if (!m_device)

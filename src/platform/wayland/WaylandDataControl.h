@@ -5,7 +5,9 @@
 // zwlr_data_control_manager_v1 (version 2 for the primary selection). Both
 // speak the same requests and events in the same order, so one client
 // serves both. Offers are read through a pipe on the event loop, capped and
-// bounded in time; what Vesko puts on the clipboard is served the same way.
+// bounded in time; what Vesko puts on the clipboard is served the same way,
+// and a reader that leaves early costs a failed write, not the program
+// (SIGPIPE is ignored from the first data control on).
 
 #pragma once
 
