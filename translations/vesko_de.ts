@@ -1561,10 +1561,6 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
         <translation>Berechtigung</translation>
     </message>
     <message>
-        <source>Vesko uses it to read your text selection and listen for double Shift. Nothing is recorded or sent anywhere.</source>
-        <translation>Vesko liest damit Ihre Textauswahl und achtet auf doppeltes Umschalt. Nichts wird aufgezeichnet oder irgendwohin gesendet.</translation>
-    </message>
-    <message>
         <source>Double Shift</source>
         <translation>Doppeltes Umschalt</translation>
     </message>
@@ -1623,6 +1619,10 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     <message>
         <source>Commands that turn on double Shift in KWin</source>
         <translation>Befehle, die doppeltes Umschalt in KWin einschalten</translation>
+    </message>
+    <message>
+        <source>Vesko reads your text selection only when you capture. Nothing is recorded or sent anywhere.</source>
+        <translation>Vesko liest Ihre Textauswahl nur, wenn Sie erfassen. Nichts wird aufgezeichnet oder irgendwohin gesendet.</translation>
     </message>
 </context>
 <context>

@@ -1561,10 +1561,6 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
         <translation>Autorisation</translation>
     </message>
     <message>
-        <source>Vesko uses it to read your text selection and listen for double Shift. Nothing is recorded or sent anywhere.</source>
-        <translation>Vesko s&apos;en sert pour lire votre sélection de texte et guetter le double Maj. Rien n&apos;est enregistré ni envoyé nulle part.</translation>
-    </message>
-    <message>
         <source>Double Shift</source>
         <translation>Double Maj</translation>
     </message>
@@ -1623,6 +1619,10 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
     <message>
         <source>Commands that turn on double Shift in KWin</source>
         <translation>Commandes qui activent le double Maj dans KWin</translation>
+    </message>
+    <message>
+        <source>Vesko reads your text selection only when you capture. Nothing is recorded or sent anywhere.</source>
+        <translation>Vesko ne lit votre sélection de texte que lorsque vous capturez. Rien n’est enregistré ni envoyé nulle part.</translation>
     </message>
 </context>
 <context>

@@ -100,8 +100,8 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
         line->setForegroundRole(QPalette::WindowText);
         permission->addRow(line);
     }
-    permission->addRow(makeFootnote(tr("Vesko uses it to read your text selection and listen for "
-                                       "double Shift. Nothing is recorded or sent anywhere.")));
+    permission->addRow(makeFootnote(tr("Vesko reads your text selection only when you capture. "
+                                       "Nothing is recorded or sent anywhere.")));
     permission->addButtons({m_grantAccess, m_openSystemSettings});
     layout->addWidget(permission);
 
@@ -295,7 +295,9 @@ void CaptureSettingsView::refreshPermission()
     m_reason->setVisible(!available && !m_reason->text().isEmpty());
     m_advice->setText(captureObstacleAdvice(obstacle));
     m_advice->setVisible(!available && !m_advice->text().isEmpty());
-    const bool leadSomewhere = !available && bool(m_services.openShortcutSettings);
+    // The desktop's shortcut settings help where Vesko's commands are bound by hand.
+    const bool leadSomewhere = bool(m_services.openShortcutSettings)
+        && (!available || found.hotKeys == CaptureCapabilities::HotKeys::None);
     m_grantAccess->setVisible(leadSomewhere);
     m_openSystemSettings->setVisible(leadSomewhere);
 
