@@ -10,19 +10,9 @@
 # cannot start, the script says why and fails without running COMMAND.
 set -euo pipefail
 
-if [ "$(id -u)" -eq 0 ] && [ "${1:-}" != "--inside" ] && [ "${1:-}" != "--bus" ]; then
-    user=vesko-test
-    if ! id "$user" >/dev/null 2>&1; then
-        useradd --system --user-group --home-dir /nonexistent --shell /usr/sbin/nologin "$user"
-    fi
-    keep=(PATH="$PATH" LANG="${LANG:-C.UTF-8}" HOME=/tmp)
-    for name in ASAN_OPTIONS UBSAN_OPTIONS LSAN_OPTIONS QT_LOGGING_RULES TMPDIR; do
-        [ -n "${!name:-}" ] && keep+=("$name=${!name}")
-    done
-    exec setpriv --reuid="$user" --regid="$user" --init-groups --reset-env \
-        env "${keep[@]}" "$0" --inside "$@"
+if [ "$(id -u)" -eq 0 ]; then
+    exec "$(dirname "$0")/as-test-user.sh" "$0" "$@"
 fi
-[ "${1:-}" = "--inside" ] && shift
 
 # A session bus of the session's own: mutter and Vesko both own names on it.
 if [ "${1:-}" != "--bus" ]; then

@@ -10,20 +10,9 @@
 # tests that need it would otherwise pass without testing anything.
 set -euo pipefail
 
-if [ "$(id -u)" -eq 0 ] && [ "${1:-}" != "--inside" ]; then
-    user=vesko-test
-    if ! id "$user" >/dev/null 2>&1; then
-        useradd --system --user-group --home-dir /nonexistent --shell /usr/sbin/nologin "$user"
-    fi
-    # A clean environment, but for what the test run itself sets.
-    keep=(PATH="$PATH" LANG="${LANG:-C.UTF-8}" HOME=/tmp)
-    for name in ASAN_OPTIONS UBSAN_OPTIONS LSAN_OPTIONS QT_LOGGING_RULES TMPDIR; do
-        [ -n "${!name:-}" ] && keep+=("$name=${!name}")
-    done
-    exec setpriv --reuid="$user" --regid="$user" --init-groups --reset-env \
-        env "${keep[@]}" "$0" --inside "$@"
+if [ "$(id -u)" -eq 0 ]; then
+    exec "$(dirname "$0")/as-test-user.sh" "$0" "$@"
 fi
-[ "${1:-}" = "--inside" ] && shift
 
 unset DISPLAY WAYLAND_DISPLAY SWAYSOCK
 export XDG_SESSION_TYPE=wayland
