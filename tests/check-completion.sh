@@ -22,7 +22,7 @@ check() {
 }
 check "quick-add quit" vesko qu
 check "capture copy-list" vesko c
-check "show shift search" vesko s
+check "show shift shift-press search" vesko s
 check "list" vesko --version li
 check "--section --project --help" vesko add milk --
 check "--project" vesko list --all --pro
