@@ -49,7 +49,7 @@ else
     mutter --headless --wayland --no-x11 --virtual-monitor 1280x720 \
         --wayland-display=vesko-wayland >"$runtime/mutter.log" 2>&1 &
     mutter_pid=$!
-    for _ in $(seq 1 200); do
+    for _ in $(seq 1 1200); do
         [ -S "$runtime/vesko-wayland" ] && break
         kill -0 "$mutter_pid" 2>/dev/null || break
         sleep 0.05

@@ -42,7 +42,7 @@ else
         WLR_RENDERER=pixman sway -c "$config" >"$runtime/sway.log" 2>&1 &
     sway_pid=$!
     socket=
-    for _ in $(seq 1 200); do
+    for _ in $(seq 1 1200); do
         socket=$(find "$runtime" -maxdepth 1 -name 'wayland-*' -type s | head -n 1)
         ipc=$(find "$runtime" -maxdepth 1 -name 'sway-ipc.*.sock' -type s | head -n 1)
         [ -n "$socket" ] && [ -n "$ipc" ] && break
@@ -52,7 +52,7 @@ else
     if [ -n "$socket" ] && [ -n "$ipc" ]; then
         export WAYLAND_DISPLAY="$socket" SWAYSOCK="$ipc"
         answered=
-        for _ in $(seq 1 100); do
+        for _ in $(seq 1 1200); do
             swaymsg -t get_outputs >/dev/null 2>&1 && answered=1 && break
             sleep 0.05
         done

@@ -252,6 +252,8 @@ private Q_SLOTS:
         QVERIFY(answer.answered && answer.front);
         QCOMPARE(answer.front->name, QString());
         QVERIFY(!answer.front->windowTitle);
+        // What is not known may be a terminal: no copy keys for it.
+        QVERIFY(answer.front->isTerminal);
     }
 
     // The reader's thread is never waited for at the end: a job still

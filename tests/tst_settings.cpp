@@ -377,8 +377,9 @@ void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
                  .value(QStringLiteral("states"))
                  .toArray()
                  .contains(QStringLiteral("showing")));
-    const QString reason = QStringLiteral("This Wayland desktop does not let Vesko read the "
-                                          "text selected in other applications.");
+    // Qt runs here on the X server inside a Wayland session: XWayland.
+    const QString reason = QStringLiteral("Vesko runs here as an X11 program (XWayland), which "
+                                          "cannot read the text selected in other applications.");
     QVERIFY(nodes.contains(QStringLiteral("label|Capture is not set up in this session")));
     // This desktop has no keyboard-shortcut settings for the buttons to open.
     for (const char *button : {"push button|Grant Access…", "push button|Open System Settings…"}) {

@@ -116,7 +116,10 @@ void AtspiFrontApplication::frontApplicationOrUnknown(Done done)
             return;
         qCInfo(lcCapture, "The accessibility bus did not answer within %d ms: the source is unknown",
             captureDeadlineMilliseconds);
-        std::exchange(*pending, nullptr)(FrontApplication {});
+        // Not known not to be a terminal: no copy keys go out to it.
+        FrontApplication unknown;
+        unknown.isTerminal = true;
+        std::exchange(*pending, nullptr)(unknown);
     });
     frontApplication([pending](std::optional<FrontApplication> front) {
         if (*pending)
