@@ -1621,8 +1621,8 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
         <translation>Befehle, die doppeltes Umschalt in KWin einschalten</translation>
     </message>
     <message>
-        <source>Vesko reads your text selection only when you capture. Nothing is recorded or sent anywhere.</source>
-        <translation>Vesko liest Ihre Textauswahl nur, wenn Sie erfassen. Nichts wird aufgezeichnet oder irgendwohin gesendet.</translation>
+        <source>Vesko reads the selected text only when you capture, and watches only the Shift key for double Shift. Nothing is recorded or sent anywhere.</source>
+        <translation>Vesko liest den ausgewählten Text nur, wenn Sie erfassen, und beobachtet für doppeltes Umschalt nur die Umschalttaste. Nichts wird aufgezeichnet oder irgendwohin gesendet.</translation>
     </message>
 </context>
 <context>

@@ -1621,8 +1621,8 @@ Run &quot;vesko COMMAND --help&quot; for the options of a command.</source>
         <translation>Commandes qui activent le double Maj dans KWin</translation>
     </message>
     <message>
-        <source>Vesko reads your text selection only when you capture. Nothing is recorded or sent anywhere.</source>
-        <translation>Vesko ne lit votre sélection de texte que lorsque vous capturez. Rien n’est enregistré ni envoyé nulle part.</translation>
+        <source>Vesko reads the selected text only when you capture, and watches only the Shift key for double Shift. Nothing is recorded or sent anywhere.</source>
+        <translation>Vesko ne lit le texte sélectionné que lorsque vous capturez, et n’observe que la touche Maj pour le double Maj. Rien n’est enregistré ni envoyé nulle part.</translation>
     </message>
 </context>
 <context>

@@ -100,8 +100,9 @@ CaptureSettingsView::CaptureSettingsView(const Services &services, QWidget *pare
         line->setForegroundRole(QPalette::WindowText);
         permission->addRow(line);
     }
-    permission->addRow(makeFootnote(tr("Vesko reads your text selection only when you capture. "
-                                       "Nothing is recorded or sent anywhere.")));
+    permission->addRow(makeFootnote(tr("Vesko reads the selected text only when you capture, and "
+                                       "watches only the Shift key for double Shift. Nothing is "
+                                       "recorded or sent anywhere.")));
     permission->addButtons({m_grantAccess, m_openSystemSettings});
     layout->addWidget(permission);
 
@@ -295,9 +296,7 @@ void CaptureSettingsView::refreshPermission()
     m_reason->setVisible(!available && !m_reason->text().isEmpty());
     m_advice->setText(captureObstacleAdvice(obstacle));
     m_advice->setVisible(!available && !m_advice->text().isEmpty());
-    // The desktop's shortcut settings help where Vesko's commands are bound by hand.
-    const bool leadSomewhere = bool(m_services.openShortcutSettings)
-        && (!available || found.hotKeys == CaptureCapabilities::HotKeys::None);
+    const bool leadSomewhere = !available && bool(m_services.openShortcutSettings);
     m_grantAccess->setVisible(leadSomewhere);
     m_openSystemSettings->setVisible(leadSomewhere);
 
