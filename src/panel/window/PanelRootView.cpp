@@ -104,6 +104,17 @@ bool takesText(const QWidget *widget)
     return isTextEditor(widget) || qobject_cast<const QAbstractSpinBox *>(widget);
 }
 
+//! The widget of \a root that the panel's key presses go to. The window's own
+//! focus widget, not the application's: after the X input focus was moved
+//! behind the window manager's back (a copy typed into the front window while
+//! the panel was in front), Qt may consider no window active while the panel
+//! still has the keyboard and its presses still reach this widget.
+QWidget *keyboardWidget(const QWidget &root)
+{
+    QWidget *focus = root.window()->focusWidget();
+    return focus && (focus == &root || root.isAncestorOf(focus)) ? focus : nullptr;
+}
+
 //! Hands the key presses made in one panel to its key handler before the
 //! focused widget sees them; a press the handler ignores goes on as usual.
 class KeyRouter : public QObject
@@ -118,14 +129,12 @@ public:
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        // Only the first delivery, to the focused widget: a press the widget
-        // ignores travels up its parents and is not decided again.
+        // Only the first delivery, to the panel's focused widget: a press the
+        // widget ignores travels up its parents and is not decided again.
         if (event->type() != QEvent::KeyPress || !watched->isWidgetType()
-            || watched != QApplication::focusWidget())
+            || watched != keyboardWidget(m_root))
             return false;
         auto *widget = static_cast<QWidget *>(watched);
-        if (widget != &m_root && !m_root.isAncestorOf(widget))
-            return false;
         const auto *key = static_cast<QKeyEvent *>(event);
         // A button that has the keyboard (those of the lines at the foot) is
         // pressed by its own keys, which the list would otherwise take.
@@ -162,14 +171,14 @@ PanelRootView::PanelRootView(
         .textFieldFocused =
             [this] {
                 // Behind a layer the composer and the search field hold no keys.
-                QWidget *focus = QApplication::focusWidget();
+                QWidget *focus = keyboardWidget(*this);
                 if (m_state.frontLayer() != PanelLayer::None && focus
                     && (m_composer->isAncestorOf(focus) || m_search->isAncestorOf(focus)))
                     return false;
                 return takesText(focus);
             },
         .textFieldCanUndo
-        = [](bool redo) { return canUndoTyping(QApplication::focusWidget(), redo); },
+        = [this](bool redo) { return canUndoTyping(keyboardWidget(*this), redo); },
         .hidePanel = [this] { Q_EMIT hideRequested(); },
         .showContextMenu =
             [this] {
