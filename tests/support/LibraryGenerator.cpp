@@ -223,4 +223,11 @@ Library generateLibraryWithActiveProject(qsizetype total, qsizetype active, quin
     return library;
 }
 
+Library numberedLibrary(int number)
+{
+    Library library = generateLibrary(200 + number % 7 * 50, quint32(number));
+    library.projects[0].name = QStringLiteral("state %1").arg(number);
+    return library;
+}
+
 } // namespace Vesko::Test
