@@ -56,6 +56,18 @@ QList<QUuid> noteIDs(const QString &letters)
     return ids;
 }
 
+QStringList noteTexts(const Library &library)
+{
+    QStringList texts;
+    for (const Project &project : library.projects) {
+        for (const NoteSection &section : project.sections) {
+            for (const Note &note : section.notes)
+                texts.append(note.text);
+        }
+    }
+    return texts;
+}
+
 StoreFixture::StoreFixture()
 {
     Preferences::openSettings()->clear();
