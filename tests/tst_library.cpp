@@ -32,7 +32,6 @@ void LibraryTest::copyIsSharedUntilChanged()
     const Library original = Test::generateLibrary(2000);
     Library copy = original;
     QCOMPARE(copy.projects.constData(), original.projects.constData());
-
     // Change one note: only the path from the root to it is copied.
     copy.projects[0].sections[0].notes[0].text = QStringLiteral("changed");
     QVERIFY(copy != original);
@@ -73,7 +72,6 @@ void LibraryTest::activeProjectFallsBack_data()
     QTest::addColumn<int>("projectCount");
     QTest::addColumn<int>("activeIndex"); // -1 none set, -2 a stale id
     QTest::addColumn<int>("expected");
-
     QTest::newRow("names the second") << 3 << 1 << 1;
     QTest::newRow("names the first") << 3 << 0 << 0;
     QTest::newRow("absent") << 3 << -1 << 0;
@@ -87,7 +85,6 @@ void LibraryTest::activeProjectFallsBack()
     QFETCH(int, projectCount);
     QFETCH(int, activeIndex);
     QFETCH(int, expected);
-
     Library library;
     for (int i = 0; i < projectCount; ++i)
         library.projects.append(Project {makeID(), QString::number(i), {}, currentDate(), {}});
@@ -122,7 +119,6 @@ void LibraryTest::defaultLibrary()
     QVERIFY(!inbox.isAutomatic);
     QVERIFY(inbox.createdAt >= before && inbox.createdAt <= currentDate());
     QVERIFY(inbox.id != project.id && !inbox.id.isNull());
-
     // Fresh identities every time.
     QVERIFY(makeDefaultLibrary().projects.first().id != project.id);
 }
@@ -132,7 +128,6 @@ void LibraryTest::sourceSectionTitle_data()
     QTest::addColumn<QString>("app");
     QTest::addColumn<std::optional<QString>>("window");
     QTest::addColumn<QString>("expected");
-
     const auto none = std::optional<QString>();
     const auto w = [](const char *s) { return std::optional<QString>(QString::fromUtf8(s)); };
     QTest::newRow("window repeats app") << "Safari" << w("Safari") << "Safari";

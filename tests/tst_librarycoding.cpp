@@ -191,7 +191,6 @@ void LibraryCodingTest::decodeAccepts_data()
 {
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<QString>("check");
-
     QTest::newRow("only id and text")
         << documentWithNote(noteID + R"(, "text": "hi")") << "text=hi";
     QTest::newRow("lower-case uuid")
@@ -233,7 +232,6 @@ void LibraryCodingTest::decodeAccepts()
 {
     QFETCH(QByteArray, document);
     QFETCH(QString, check);
-
     QString error;
     const std::optional<Library> library = decodeLibrary(document, &error);
     QVERIFY2(library, qPrintable(error));
@@ -270,7 +268,6 @@ void LibraryCodingTest::decodeRejects_data()
 {
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<QString>("errorMentions");
-
     QTest::newRow("empty") << QByteArray() << "empty";
     QTest::newRow("blank") << QByteArray("  \n") << "empty";
     QTest::newRow("truncated") << goldenDocument("library-full.json").left(700) << "JSON";
@@ -339,7 +336,6 @@ void LibraryCodingTest::decodeRejects()
 {
     QFETCH(QByteArray, document);
     QFETCH(QString, errorMentions);
-
     QString error;
     QVERIFY(!decodeLibrary(document, &error));
     QVERIFY2(error.contains(errorMentions, Qt::CaseInsensitive), qPrintable(error));
@@ -403,7 +399,6 @@ void LibraryCodingTest::fractionsOfSecondsAreDropped()
     QVERIFY(reloaded);
     QVERIFY(*reloaded != library);
     QCOMPARE(reloaded->projects[0].createdAt.toMSecsSinceEpoch(), 1773480413000);
-
     // A whole-second date survives unchanged.
     const std::optional<Library> again = decodeLibrary(encodeLibrary(*reloaded));
     QCOMPARE(*again, *reloaded);

@@ -147,7 +147,6 @@ void LibraryRepairTest::repair()
     QFETCH(QString, before);
     QFETCH(QString, after);
     QFETCH(bool, changed);
-
     Library library;
     library.version = version;
     library.projects = {makeProject(before)};
@@ -155,7 +154,6 @@ void LibraryRepairTest::repair()
     QCOMPARE(repairLibrary(library), changed);
     QCOMPARE(library.version, 3);
     QCOMPARE(describe(library.projects[0]), after);
-
     // A repaired library needs no second repair.
     QCOMPARE(repairLibrary(library), false);
 }
@@ -177,7 +175,6 @@ void LibraryRepairTest::staleActiveProjectIsLeftAlone()
     library.activeProjectID = stale;
     QCOMPARE(repairLibrary(library), false);
     QCOMPARE(library.activeProjectID, stale);
-
     // An absent one is filled in without counting as a change.
     library.activeProjectID.reset();
     QCOMPARE(repairLibrary(library), false);
@@ -209,7 +206,6 @@ void LibraryRepairTest::handWrittenFilesAtStart_data()
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("expected");
     QTest::addColumn<bool>("rewritten");
-
     QTest::newRow("version 2, every phase")
         << "repair-version2.json"
         << "*Inbox:typed in the inbox,typed in a shadow"
@@ -226,7 +222,6 @@ void LibraryRepairTest::handWrittenFilesAtStart()
     QFETCH(QString, file);
     QFETCH(QString, expected);
     QFETCH(bool, rewritten);
-
     Preferences::openSettings()->clear();
     QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
     const QByteArray original = Test::readFile(QFINDTESTDATA(QStringLiteral("data/") + file));

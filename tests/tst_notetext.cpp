@@ -55,7 +55,6 @@ void NoteTextTest::listItem_data()
     QTest::addColumn<int>("style");
     QTest::addColumn<bool>("markdown");
     QTest::addColumn<QString>("expected");
-
     const QString three = QStringLiteral("first\nsecond\nthird");
     QTest::newRow("numbered") << three << int(ListStyle::Numbered) << true
                               << "3. first\n   second\n   third";
@@ -95,7 +94,6 @@ void NoteTextTest::copiesFollowThePanel()
     hidden.notes = {noteWith(QStringLiteral("invisible"))};
     library.projects[0].sections.append(hidden);
     Store &store = fixture.make(library);
-
     // Notes 7 and 3, asked for in that order, and a hidden one: panel order, numbered from 1.
     const QList<QUuid> ids = {notes[6].id, notes[2].id, hidden.notes[0].id};
     QCOMPARE(store.listCopyText(ids), QStringLiteral("1. *three*\n2. seven"));
@@ -206,7 +204,6 @@ void NoteTextTest::writeExport()
     QCOMPARE(Test::fileTree(folder), QStringList(others) << QStringLiteral("Vesko Notes.md"));
     for (const QString &name : others)
         QCOMPARE(Test::readFile(folder + u'/' + name), QByteArray("not the export's"));
-
     // A folder that cannot take the file gives a readable failure.
     const auto failure = writeMarkdownExport(text, folder + QStringLiteral("/missing/Notes.md"));
     QVERIFY(failure);

@@ -52,7 +52,6 @@ void OperationsTest::lateAnchorFollowsOnlyASelectedNote()
     QVERIFY(note);
     QVERIFY(!store.selectionAnchor());
     QTRY_COMPARE_WITH_TIMEOUT(store.selectionAnchor(), note->id, Test::patience);
-
     // Not when the note is no longer selected by then.
     store.addNote(QStringLiteral("c"), std::nullopt, std::nullopt, false, std::nullopt, {}, true);
     store.setSelection({}, std::nullopt);
@@ -87,7 +86,6 @@ void OperationsTest::attachmentFilesGoOnlyWhenUnreferenced()
     QVERIFY(QFileInfo::exists(folder + QStringLiteral("/A/shared.png"))); // still referenced by a
     QVERIFY(!QFileInfo::exists(folder + QStringLiteral("/B/own.pdf")));
     QVERIFY(!QFileInfo::exists(folder + QStringLiteral("/B"))); // emptied folder goes
-
     // Undo brings the record back, not the file.
     store.undo();
     QCOMPARE(store.note(Test::idFor(QStringLiteral("b")))->attachments.size(), 2);
@@ -101,7 +99,6 @@ void OperationsTest::attachmentFilesGoOnlyWhenUnreferenced()
     m_attachments->waitForIdle();
     QVERIFY(!QFileInfo::exists(folder + QStringLiteral("/A")));
     QVERIFY(QFileInfo::exists(folder)); // the folder itself stays
-
     // Files imported for a note that has gone are removed.
     makeFile(QStringLiteral("C/late.txt"));
     NoteAttachment late;

@@ -108,7 +108,6 @@ void PanelLogicTest::highlightedText_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("query");
     QTest::addColumn<QString>("rendered");
-
     QTest::newRow("no query keeps the parse") << "plain **b**" << "" << "plain {S:b}";
     QTest::newRow("blank query keeps the parse") << "plain *e*" << " \t " << "plain {E:e}";
     QTest::newRow("every occurrence, any case") << "Hello hello HELLO" << "hello"
@@ -142,7 +141,6 @@ void PanelLogicTest::noteLabel_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QStringList>("attachments");
     QTest::addColumn<QString>("label");
-
     QTest::newRow("text trimmed") << "  buy milk \n" << QStringList() << "buy milk";
     QTest::newRow("text and files")
         << "see these" << QStringList {"a.png", "b.pdf"} << "see these. Attachments: a.png, b.pdf";
@@ -215,7 +213,6 @@ void PanelLogicTest::editing()
     QCOMPARE(store.note(idFor("b"))->text, QStringLiteral("bee"));
     QVERIFY(!store.editingNoteID());
     QCOMPARE(state.focusTarget(), PanelFocusTarget::List);
-
     // A commit that arrives after the editing ended saves nothing.
     NoteRowActions::commitEdit(store, state, idFor("b"), QStringLiteral("late"));
     QCOMPARE(store.note(idFor("b"))->text, QStringLiteral("bee"));
@@ -224,7 +221,6 @@ void PanelLogicTest::editing()
     NoteRowActions::cancelEdit(store, state, idFor("c"));
     QCOMPARE(store.note(idFor("c"))->text, QStringLiteral("c"));
     QVERIFY(!store.editingNoteID());
-
     // An emptied note goes, as the Store decides for an edit.
     NoteRowActions::startEditing(store, idFor("a"));
     NoteRowActions::commitEdit(store, state, idFor("a"), QStringLiteral(" \n "));
@@ -241,7 +237,6 @@ void PanelLogicTest::drop_data()
     QTest::addColumn<QString>("before");
     QTest::addColumn<int>("outcome");
     QTest::addColumn<QString>("after");
-
     const int refused = int(PanelDrop::Outcome::Refused);
     const int added = int(PanelDrop::Outcome::AddedNote);
     const int moved = int(PanelDrop::Outcome::MovedNotes);
@@ -279,7 +274,6 @@ void PanelLogicTest::drop()
     QFETCH(QString, before);
     QFETCH(int, outcome);
     QFETCH(QString, after);
-
     PanelTestRig rig(QStringLiteral("S1:a,b,c|S2:d,e"));
     rig.state().setDraggingNoteIDs(idsFor(dragging));
     const auto result = PanelDrop::handleDrop(rig.store(), rig.state(), items,
@@ -313,7 +307,6 @@ void PanelLogicTest::textOfADrag()
     link.setUrls({QUrl(QStringLiteral("https://example.org/page"))});
     link.setText(QStringLiteral("https://example.org/page"));
     QCOMPARE(PanelDrop::textItems(link), QStringList {QStringLiteral("https://example.org/page")});
-
     // Files bring their paths as text; they are still files.
     QMimeData files;
     files.setUrls({QUrl::fromLocalFile(QStringLiteral("/tmp/a.txt"))});
@@ -333,7 +326,6 @@ void PanelLogicTest::reorderTarget_data()
     QTest::addColumn<QString>("dragged");
     QTest::addColumn<double>("y");
     QTest::addColumn<QString>("target");
-
     // Headers 24 high at 0, 30, 60, 90: middles 12, 42, 72, 102.
     const QString four = QStringLiteral("S1@0,S2@30,S3@60,S4@90");
     const QString order = QStringLiteral("S1,S2,S3,S4");
@@ -369,7 +361,6 @@ void PanelLogicTest::reorderMovesTheSection_data()
     QTest::addColumn<QString>("dragged");
     QTest::addColumn<QList<double>>("translations");
     QTest::addColumn<QString>("after");
-
     const QString three = QStringLiteral("S1@0,S2@30,S3@60");
     QTest::newRow("down one") << three << "S1" << QList<double> {20, 50} << "S2+:b|S1+:a|S3+:c";
     QTest::newRow("to the end") << three << "S1" << QList<double> {90} << "S2+:b|S3+:c|S1+:a";
@@ -387,7 +378,6 @@ void PanelLogicTest::reorderMovesTheSection()
     QFETCH(QString, dragged);
     QFETCH(QList<double>, translations);
     QFETCH(QString, after);
-
     PanelTestRig rig(QStringLiteral("S1+:a|S2+:b|S3+:c"));
     rig.store().activateSection(makeID()); // no section active: the description shows none
     SectionReorder reorder;

@@ -138,7 +138,6 @@ void SaveStatusTest::panelLineAndTrayFollowTheSaves()
     QVERIFY2(line.text().startsWith(QStringLiteral("Not saved: "))
             && line.text().endsWith(QStringLiteral("folder.")),
         qPrintable(line.text()));
-
     // The next change is saved: the line goes.
     blockSaves(false);
     edit(QStringLiteral("third"));
@@ -189,14 +188,12 @@ void SaveStatusTest::panelQuitAsksUntilASaveSucceeds()
     quitFromThePanel(*m_store, *m_preferences);
     QTRY_VERIFY_WITH_TIMEOUT(guard.question() && guard.question()->isVisible(), Test::patience);
     QCOMPARE(accepted.size(), 0);
-
     // The disk takes the retry: the question goes, and the quit that was
     // asked for goes ahead.
     blockSaves(false);
     QTRY_VERIFY_WITH_TIMEOUT(m_store->saveFailure().isEmpty(), Test::patience);
     QTRY_VERIFY_WITH_TIMEOUT(!guard.question(), Test::patience);
     QCOMPARE(accepted.size(), 1);
-
     // Saved: the next quit asks nothing.
     quitFromThePanel(*m_store, *m_preferences);
     QTRY_COMPARE_WITH_TIMEOUT(accepted.size(), 2, Test::patience);
@@ -241,7 +238,6 @@ void SaveStatusTest::unreadableLibraryLine()
 
     line.showInFilesButton()->click();
     QCOMPARE(shown, QStringList {unreadable.path});
-
     // Dismissed, the line goes and the library stays as it is.
     const quint64 revision = m_store->libraryRevision();
     line.dismissButton()->click();

@@ -75,7 +75,6 @@ void SearchFlowTest::clearingRestoresRowsAtOnce()
     store->setSearchText(QStringLiteral("alpha"));
     QTRY_COMPARE_WITH_TIMEOUT(
         noteTexts(*store), QStringList {QStringLiteral("alpha")}, Test::patience);
-
     // A search in flight when the field is cleared has no effect.
     store->setSearchText(QStringLiteral("beta"));
     store->setSearchText(QString());
@@ -139,7 +138,6 @@ void SearchFlowTest::changeUnderASearchReRunsIt()
     store->setSearchText(QStringLiteral("alpha"));
     QTRY_COMPARE_WITH_TIMEOUT(
         noteTexts(*store), QStringList {QStringLiteral("alpha one")}, Test::patience);
-
     // An edit while a search is pending: the older answer is dropped, the re-run applied.
     store->setSearchText(QStringLiteral("alpha "));
     store->addNote(QStringLiteral("alpha two"));
@@ -148,7 +146,6 @@ void SearchFlowTest::changeUnderASearchReRunsIt()
     QTRY_COMPARE_WITH_TIMEOUT(noteTexts(*store),
         (QStringList {QStringLiteral("alpha one"), QStringLiteral("alpha two")}), Test::patience);
     QCOMPARE(store->appliedSearchQuery(), QStringLiteral("alpha"));
-
     // A capture with reveal clears the search.
     store->addNote(
         QStringLiteral("gamma"), std::nullopt, std::nullopt, false, std::nullopt, {}, true);
@@ -165,7 +162,6 @@ void SearchFlowTest::blankSearchIsNoSearch()
     QCOMPARE(store->rows().size(), allRows);
     QTest::qWait(120);
     QCOMPARE(store->rows().size(), allRows);
-
     // Spaces of other kinds are blanks too; a line feed is not.
     store->setSearchText(QStringLiteral("\u00A0\u3000\u2003"));
     QVERIFY(!store->isSearching());

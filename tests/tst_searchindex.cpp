@@ -326,7 +326,6 @@ void SearchIndexTest::blankQueriesNeverOpenTheDatabase()
         SearchMatches());
     QVERIFY(!index.isDatabaseOpen());
     QVERIFY(!QFileInfo::exists(m_path));
-
     // A newline alone is not blank.
     const Library withNewline = twoProjects({noteWith(QStringLiteral("one\ntwo"))});
     QCOMPARE(index.searchAndWait(QStringLiteral("\n"), withNewline.projects[0], withNewline, 2)
@@ -542,7 +541,6 @@ void SearchIndexTest::failedRebuildLeavesNothingTrusted()
     const Note second = noteWith(QStringLiteral("second note kept"));
     Library library = twoProjects({first, second});
     index.synchronizeAndWait(library, 1);
-
     // The cache folder goes and a file takes its place: the synchronisation
     // fails, and so does the rebuild.
     const QString folder = QFileInfo(m_path).absolutePath();
@@ -557,7 +555,6 @@ void SearchIndexTest::failedRebuildLeavesNothingTrusted()
     QTest::ignoreMessage(
         QtCriticalMsg, QRegularExpression(QStringLiteral("^Search index rebuild failed: ")));
     index.synchronizeAndWait(library, 2);
-
     // Once the folder can be made again, the new file is filled whole: the
     // notes indexed before the failure are found through it too.
     QVERIFY(QFile::remove(folder));
