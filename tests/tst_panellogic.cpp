@@ -48,21 +48,6 @@ QString render(const MarkdownText &text)
     return out + text.text.mid(at);
 }
 
-Note noteWith(const QString &text, const QStringList &attachmentNames = {})
-{
-    Note note;
-    note.id = makeID();
-    note.text = text;
-    for (const QString &name : attachmentNames) {
-        NoteAttachment attachment;
-        attachment.id = makeID();
-        attachment.fileName = name;
-        attachment.storedFileName = attachment.id.toString(QUuid::WithoutBraces) + u'/' + name;
-        note.attachments.append(attachment);
-    }
-    return note;
-}
-
 QHash<QUuid, QRectF> framesFor(const QString &layout)
 {
     // "S1@0,S2@30": headers 24 high with their tops.
@@ -170,9 +155,8 @@ void PanelLogicTest::noteLabel_data()
         << "\\~\\~kept\\~\\~ and \\*this\\*" << QStringList() << "~~kept~~ and *this*";
     QTest::newRow("all struck through: said all the same")
         << "~~done with this~~" << QStringList {"a.png"} << "done with this. Attachments: a.png";
-    QTest::newRow("the cut counts shown characters")
-        << QStringLiteral("**%1**").arg(QString(125, u'x')) << QStringList()
-        << QString(120, u'x') + u'…';
+    QTest::newRow("the cut counts shown characters") << QStringLiteral("**%1**").arg(
+        QString(125, u'x')) << QStringList() << QString(120, u'x') + u'…';
 }
 
 void PanelLogicTest::noteLabel()

@@ -5,6 +5,7 @@
 // the faults it must survive without ever failing a search.
 
 #include "LibraryGenerator.h"
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
 #include "TestFiles.h"
 
@@ -46,21 +47,6 @@ QStringList rows(const QString &path, const char *sql)
 QByteArray upperID(const QUuid &id)
 {
     return id.toByteArray(QUuid::WithoutBraces).toUpper();
-}
-
-Note noteWith(const QString &text, const QStringList &attachmentNames = {})
-{
-    Note note;
-    note.id = makeID();
-    note.text = text;
-    for (const QString &name : attachmentNames) {
-        NoteAttachment attachment;
-        attachment.id = makeID();
-        attachment.fileName = name;
-        attachment.storedFileName = name;
-        note.attachments.append(attachment);
-    }
-    return note;
 }
 
 // Two projects; the first holds the notes given, the second one note "alpha elsewhere".

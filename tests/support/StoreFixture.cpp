@@ -56,6 +56,21 @@ QList<QUuid> noteIDs(const QString &letters)
     return ids;
 }
 
+Note noteWith(const QString &text, const QStringList &attachmentNames)
+{
+    Note note;
+    note.id = makeID();
+    note.text = text;
+    for (const QString &name : attachmentNames) {
+        NoteAttachment attachment;
+        attachment.id = makeID();
+        attachment.fileName = name;
+        attachment.storedFileName = attachment.id.toString(QUuid::WithoutBraces) + u'/' + name;
+        note.attachments.append(attachment);
+    }
+    return note;
+}
+
 QStringList noteTexts(const Library &library)
 {
     QStringList texts;

@@ -25,6 +25,8 @@ QUuid idFor(const QString &name);
 Project describedProject(const QString &description, const QString &name = QStringLiteral("P"));
 //! The notes named by letters separated by commas.
 QList<QUuid> noteIDs(const QString &letters);
+//! A note of \a text with a new id and files of the names given attached.
+Note noteWith(const QString &text, const QStringList &attachmentNames = {});
 //! The texts of every note of \a library, project by project, section by section.
 QStringList noteTexts(const Library &library);
 
