@@ -12,21 +12,6 @@ using namespace Vesko;
 
 namespace {
 
-Library libraryOf(const QStringList &texts)
-{
-    Library library = makeDefaultLibrary();
-    for (const QString &text : texts) {
-        Note note;
-        note.id = makeID();
-        note.text = text;
-        library.projects[0].sections[0].notes.append(note);
-    }
-    NoteSection work = makeInboxSection();
-    work.title = QStringLiteral("Work");
-    library.projects[0].sections.append(work);
-    return library;
-}
-
 QStringList noteTexts(const Store &store)
 {
     QStringList texts;
@@ -53,7 +38,11 @@ private Q_SLOTS:
     void blankSearchIsNoSearch();
 
 private:
-    Store *makeStore(const Library &library) { return &m_fixture->make(library); }
+    //! A Store of the notes of \a texts in an active Inbox, and an empty section besides.
+    Store *makeStore(const QString &texts)
+    {
+        return &m_fixture->make({QStringLiteral("*Inbox:") + texts + QStringLiteral("|Work")});
+    }
 
     std::unique_ptr<Test::StoreFixture> m_fixture;
 };
@@ -70,7 +59,7 @@ void SearchFlowTest::cleanup()
 
 void SearchFlowTest::clearingRestoresRowsAtOnce()
 {
-    auto store = makeStore(libraryOf({QStringLiteral("alpha"), QStringLiteral("beta")}));
+    auto store = makeStore(QStringLiteral("alpha,beta"));
     const qsizetype allRows = store->rows().size();
     store->setSearchText(QStringLiteral("alpha"));
     QTRY_COMPARE_WITH_TIMEOUT(
@@ -86,7 +75,7 @@ void SearchFlowTest::clearingRestoresRowsAtOnce()
 
 void SearchFlowTest::onlyTheFinalTextOfQuickTypingIsSearched()
 {
-    auto store = makeStore(libraryOf({QStringLiteral("alphabet soup"), QStringLiteral("alpine")}));
+    auto store = makeStore(QStringLiteral("alphabet soup,alpine"));
     m_fixture->searchIndex().setPlan(SearchIndex::Plan::Index); // every search counted
     QVERIFY(m_fixture->searchIndex().indexedRevision()); // the first synchronisation is done
     const int before = m_fixture->searchIndex().sqlQueryCount();
@@ -103,7 +92,7 @@ void SearchFlowTest::onlyTheFinalTextOfQuickTypingIsSearched()
 
 void SearchFlowTest::sameQueryInOtherDressKeepsTheRows()
 {
-    auto store = makeStore(libraryOf({QStringLiteral("alpha"), QStringLiteral("beta")}));
+    auto store = makeStore(QStringLiteral("alpha,beta"));
     store->setSearchText(QStringLiteral("alpha"));
     QTRY_COMPARE_WITH_TIMEOUT(
         noteTexts(*store), QStringList {QStringLiteral("alpha")}, Test::patience);
@@ -122,7 +111,7 @@ void SearchFlowTest::sameQueryInOtherDressKeepsTheRows()
 
 void SearchFlowTest::newQueryEmptiesRowsUntilItsAnswer()
 {
-    auto store = makeStore(libraryOf({QStringLiteral("alpha"), QStringLiteral("beta")}));
+    auto store = makeStore(QStringLiteral("alpha,beta"));
     store->setSearchText(QStringLiteral("alpha"));
     QTRY_COMPARE_WITH_TIMEOUT(
         noteTexts(*store), QStringList {QStringLiteral("alpha")}, Test::patience);
@@ -134,7 +123,7 @@ void SearchFlowTest::newQueryEmptiesRowsUntilItsAnswer()
 
 void SearchFlowTest::changeUnderASearchReRunsIt()
 {
-    auto store = makeStore(libraryOf({QStringLiteral("alpha one"), QStringLiteral("beta")}));
+    auto store = makeStore(QStringLiteral("alpha one,beta"));
     store->setSearchText(QStringLiteral("alpha"));
     QTRY_COMPARE_WITH_TIMEOUT(
         noteTexts(*store), QStringList {QStringLiteral("alpha one")}, Test::patience);
@@ -155,7 +144,7 @@ void SearchFlowTest::changeUnderASearchReRunsIt()
 
 void SearchFlowTest::blankSearchIsNoSearch()
 {
-    auto store = makeStore(libraryOf({QStringLiteral("alpha"), QStringLiteral("beta")}));
+    auto store = makeStore(QStringLiteral("alpha,beta"));
     const qsizetype allRows = store->rows().size();
     store->setSearchText(QStringLiteral("  \t "));
     QVERIFY(!store->isSearching());
