@@ -1,45 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The inline Markdown parse against the rules of CommonMark (with
-// strikethrough). Results are written as text: an attributed piece is
-// "{flags:text}" with E emphasis, S strong, X strikethrough, C code,
-// L(target) link and I(target) image.
+// strikethrough). Results are written as Test::describeRuns() writes them.
 
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
 
 #include "store/MarkdownText.h"
 
 using namespace Vesko;
 using namespace Qt::StringLiterals;
-
-namespace {
-
-QString describe(const MarkdownText &parsed)
-{
-    QString out;
-    qsizetype at = 0;
-    for (const MarkdownRun &run : parsed.runs) {
-        out += parsed.text.mid(at, run.start - at);
-        QString flags;
-        if (run.attributes & MarkdownRun::Emphasis)
-            flags += u'E';
-        if (run.attributes & MarkdownRun::Strong)
-            flags += u'S';
-        if (run.attributes & MarkdownRun::Strikethrough)
-            flags += u'X';
-        if (run.attributes & MarkdownRun::Code)
-            flags += u'C';
-        if (run.attributes & MarkdownRun::Link)
-            flags += QStringLiteral("L(") + run.destination + u')';
-        if (run.attributes & MarkdownRun::Image)
-            flags += QStringLiteral("I(") + run.destination + u')';
-        out += u'{' + flags + u':' + parsed.text.mid(run.start, run.length) + u'}';
-        at = run.start + run.length;
-    }
-    return out + parsed.text.mid(at);
-}
-
-} // namespace
 
 class MarkdownTextTest : public QObject
 {
@@ -143,7 +113,7 @@ void MarkdownTextTest::parse()
 {
     QFETCH(QString, source);
     QFETCH(QString, expected);
-    QCOMPARE(describe(markdownAttributedString(source)), expected);
+    QCOMPARE(Test::describeRuns(markdownAttributedString(source)), expected);
 }
 
 void MarkdownTextTest::strippedTextKeepsOnlyInputCharacters()

@@ -71,6 +71,32 @@ Note noteWith(const QString &text, const QStringList &attachmentNames)
     return note;
 }
 
+QString describeRuns(const MarkdownText &text, const QList<std::pair<int, QChar>> &more)
+{
+    QString out;
+    qsizetype at = 0;
+    for (const MarkdownRun &run : text.runs) {
+        out += text.text.mid(at, run.start - at);
+        QString flags;
+        for (const auto &[attribute, letter] :
+            {std::pair(MarkdownRun::Emphasis, u'E'), std::pair(MarkdownRun::Strong, u'S'),
+                std::pair(MarkdownRun::Strikethrough, u'X'), std::pair(MarkdownRun::Code, u'C'),
+                std::pair(MarkdownRun::Link, u'L'), std::pair(MarkdownRun::Image, u'I')}) {
+            if (run.attributes & attribute)
+                flags += letter;
+            if (run.attributes & attribute & (MarkdownRun::Link | MarkdownRun::Image))
+                flags += u'(' + run.destination + u')';
+        }
+        for (const auto &[attribute, letter] : more) {
+            if (run.attributes & attribute)
+                flags += letter;
+        }
+        out += u'{' + flags + u':' + text.text.mid(run.start, run.length) + u'}';
+        at = run.start + run.length;
+    }
+    return out + text.text.mid(at);
+}
+
 QStringList noteTexts(const Library &library)
 {
     QStringList texts;
