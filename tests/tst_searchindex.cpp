@@ -481,11 +481,7 @@ void SearchIndexTest::databaseDeletedWhileRunning()
 void SearchIndexTest::unwritableCacheFolderFallsBackToScanning()
 {
     // The folder the database wants is taken by a file.
-    const QString blocked = QFileInfo(QFileInfo(m_path).absolutePath()).absolutePath();
-    QDir().mkpath(blocked);
-    QFile file(QFileInfo(m_path).absolutePath());
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.close();
+    writeFile(QFileInfo(m_path).absolutePath(), {});
 
     SearchIndex index(m_path);
     const Note note = noteWith(QStringLiteral("scan me please"));
@@ -501,11 +497,7 @@ void SearchIndexTest::unwritableCacheFolderFallsBackToScanning()
 
 void SearchIndexTest::corruptDatabaseAtStart()
 {
-    QDir().mkpath(QFileInfo(m_path).absolutePath());
-    QFile file(m_path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(QByteArray(8192, 'x'));
-    file.close();
+    writeFile(m_path, QByteArray(8192, 'x'));
 
     SearchIndex index(m_path);
     const Note note = noteWith(QStringLiteral("survives corruption"));
@@ -531,9 +523,7 @@ void SearchIndexTest::failedRebuildLeavesNothingTrusted()
     // fails, and so does the rebuild.
     const QString folder = QFileInfo(m_path).absolutePath();
     QVERIFY(QDir(folder).removeRecursively());
-    QFile blocker(folder);
-    QVERIFY(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
+    writeFile(folder, {});
     const Note third = noteWith(QStringLiteral("third note kept"));
     library.projects[0].sections[0].notes.append(third);
     QTest::ignoreMessage(QtCriticalMsg,

@@ -216,10 +216,7 @@ void StoreTest::pendingSaveKeepsItsPath()
 void StoreTest::failedSaveIsLogged()
 {
     // The data folder's place is taken by a file.
-    QDir().mkpath(Test::IsolatedEnvironment::current().dataHome());
-    QFile blocker(Test::IsolatedEnvironment::current().dataHome() + QStringLiteral("/Vesko"));
-    QVERIFY(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
+    writeFile(Test::IsolatedEnvironment::current().dataHome() + QStringLiteral("/Vesko"), {});
 
     Store store(libraryWithNotes(1), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     QTest::ignoreMessage(
@@ -612,11 +609,7 @@ void StoreTest::moveLibrary()
 {
     const QString oldPath = libraryURL();
     QVERIFY(!writeLibrary(libraryWithNotes(1), oldPath));
-    QFile attachment(attachmentsFolder(oldPath) + QStringLiteral("/A/image.png"));
-    QDir().mkpath(QFileInfo(attachment).absolutePath());
-    QVERIFY(attachment.open(QIODevice::WriteOnly));
-    attachment.write("png");
-    attachment.close();
+    writeFile(attachmentsFolder(oldPath) + QStringLiteral("/A/image.png"), "png");
 
     Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     renameFirstNote(store, QStringLiteral("moved"));
@@ -643,9 +636,7 @@ void StoreTest::moveLibrary()
     // A move into a folder where the file cannot go fails and changes nothing.
     const QString blocked
         = Test::IsolatedEnvironment::current().root() + QStringLiteral("/blocked");
-    QFile file(blocked);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.close();
+    writeFile(blocked, {});
     QVERIFY(moveAndWait(store, blocked + QStringLiteral("/Library.json")).has_value());
     QCOMPARE(libraryURL(), newPath);
 }
