@@ -9,6 +9,7 @@
 // Escape close a window of the program rather than hide the panel; Shift+F10
 // opens the focused control's menu.
 
+#include "MenuText.h"
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
 
@@ -191,27 +192,12 @@ void AppCommandsTest::moreOptionsReachesEveryCommand()
     fillOverflowMenu(overflow, m_fixture->store(), *m_state, m_fixture->preferences());
     PanelCommands::shared().setHooks({});
 
-    QMenu *all = nullptr;
-    for (QAction *action : overflow.actions()) {
-        if (action->text() == QStringLiteral("All Commands"))
-            all = action->menu();
-    }
+    QMenu *all = Test::submenu(overflow, QStringLiteral("All Commands"));
     QVERIFY(all);
-    QStringList groups;
-    QMenu *notes = nullptr;
-    for (QAction *action : all->actions()) {
-        groups.append(action->text());
-        if (action->text() == QStringLiteral("Notes"))
-            notes = action->menu();
-    }
-    QCOMPARE(groups, (QStringList {"Vesko", "File", "Edit", "Notes", "Sections"}));
-    QVERIFY(notes);
+    QCOMPARE(Test::describeMenu(*all), QStringLiteral("Vesko>|File>|Edit>|Notes>|Sections>"));
     // A command without a key: with nothing selected it acts on every visible note.
-    QAction *markDone = nullptr;
-    for (QAction *action : notes->actions()) {
-        if (action->text() == QStringLiteral("Mark as Done"))
-            markDone = action;
-    }
+    QMenu *notes = Test::submenu(*all, QStringLiteral("Notes"));
+    QAction *markDone = notes ? Test::menuEntry(*notes, QStringLiteral("Mark as Done")) : nullptr;
     QVERIFY(markDone);
     markDone->trigger();
     Store &store = m_fixture->store();

@@ -6,6 +6,7 @@
 // from the tray and from the panel's own menu alike; and the line that tells
 // of a library file that could not be read.
 
+#include "MenuText.h"
 #include "StoreFixture.h"
 #include "TestEnvironment.h"
 #include "WidgetTestMain.h"
@@ -47,14 +48,10 @@ void quitFromThePanel(Store &store, Preferences &preferences)
     PanelState state;
     QMenu menu;
     fillOverflowMenu(menu, store, state, preferences);
-    for (QAction *action : menu.actions()) {
-        if (action->text() == QStringLiteral("Quit Vesko")) {
-            QCOMPARE(action->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Q));
-            action->trigger();
-            return;
-        }
-    }
-    QFAIL("no Quit Vesko in the panel's menu");
+    QAction *quit = Test::menuEntry(menu, QStringLiteral("Quit Vesko"));
+    QVERIFY2(quit, "no Quit Vesko in the panel's menu");
+    QCOMPARE(quit->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Q));
+    quit->trigger();
 }
 
 } // namespace
