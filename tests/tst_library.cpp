@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The library's value types: sharing, equality, the fallbacks of the active
+// The library's value types: sharing, the fallbacks of the active
 // project, the source section titles and the one title comparison.
 
 #include "LibraryGenerator.h"
@@ -17,7 +17,6 @@ class LibraryTest : public QObject
 
 private Q_SLOTS:
     void copyIsSharedUntilChanged();
-    void equalityIsStructural();
     void activeProjectFallsBack_data();
     void activeProjectFallsBack();
     void defaultLibrary();
@@ -42,29 +41,6 @@ void LibraryTest::copyIsSharedUntilChanged()
     QCOMPARE(copy.projects[1].sections.constData(), original.projects[1].sections.constData());
     QCOMPARE(copy.projects[0].sections[0].notes[1].text.constData(),
         original.projects[0].sections[0].notes[1].text.constData());
-}
-
-void LibraryTest::equalityIsStructural()
-{
-    const Library a = Test::generateLibrary(300, 7);
-    Library b = Test::generateLibrary(300, 7);
-    QCOMPARE(a, b); // built separately, shares nothing
-
-    b.projects[2].sections.last().notes.append(Note {});
-    QVERIFY(a != b);
-
-    b = a;
-    NoteAttachment attachment;
-    b.projects[0].sections[0].notes[0].attachments.append(attachment);
-    QVERIFY(a != b);
-
-    b = a;
-    b.projects[0].sections[0].notes[0].source
-        = NoteSource {QStringLiteral("App"), std::nullopt, std::nullopt};
-    QVERIFY(a != b);
-    Library c = b;
-    c.projects[0].sections[0].notes[0].source->windowTitle = QString();
-    QVERIFY(c != b); // an empty title is a value, not an absence
 }
 
 void LibraryTest::activeProjectFallsBack_data()
