@@ -320,15 +320,12 @@ void LibraryCodingTest::minimalNoteDefaultsAndRewrite()
     QCOMPARE(library->projects[0].sections[0].isAutomatic, false);
 
     const QByteArray rewritten = encodeLibrary(*library);
-    QVERIFY(rewritten.contains(R"("attachments" : [])"));
-    QVERIFY(rewritten.contains(R"("isDone" : false)"));
     QVERIFY(rewritten.contains(R"("createdAt" : ")" + formatDocumentDate(note.createdAt)));
-    QVERIFY(rewritten.contains(R"("updatedAt" : ")"));
-    QVERIFY(rewritten.contains(R"("isAutomatic" : false)"));
-    QVERIFY(!rewritten.contains("completedAt"));
-    QVERIFY(!rewritten.contains("source"));
-    QVERIFY(!rewritten.contains("activeProjectID"));
-    QVERIFY(!rewritten.contains("null"));
+    for (const char *part : {R"("attachments" : [])", R"("isDone" : false)", R"("updatedAt" : ")",
+             R"("isAutomatic" : false)"})
+        QVERIFY2(rewritten.contains(part), part);
+    for (const char *part : {"completedAt", "source", "activeProjectID", "null"})
+        QVERIFY2(!rewritten.contains(part), part);
 }
 
 void LibraryCodingTest::generatedLibraryRoundTrips_data()
