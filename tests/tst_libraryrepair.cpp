@@ -5,16 +5,13 @@
 // a note being its text, or "text@App" / "text@App/Window" for a captured one.
 // The active section is marked with "*" before its title.
 
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
 #include "TestFiles.h"
 
-#include "attachments/AttachmentStore.h"
 #include "library/LibraryCoding.h"
 #include "library/LibraryFile.h"
 #include "library/LibraryRepair.h"
-#include "library/LibraryWriter.h"
-#include "shell/Preferences.h"
-#include "store/Store.h"
 
 #include <QDir>
 
@@ -222,17 +219,11 @@ void LibraryRepairTest::handWrittenFilesAtStart()
     QFETCH(QString, file);
     QFETCH(QString, expected);
     QFETCH(bool, rewritten);
-    Preferences::openSettings()->clear();
-    QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
+    Test::StoreFixture fixture; // empties the settings and the data folder
     const QByteArray original = Test::readFile(QFINDTESTDATA(QStringLiteral("data/") + file));
     QVERIFY(!original.isEmpty());
     Test::writeFile(libraryURL(), original);
-
-    Preferences preferences;
-    LibraryWriter writer;
-    AttachmentStore attachments;
-    SearchIndex searchIndex;
-    Store store(loadLibrary(), {preferences, writer, attachments, searchIndex});
+    Store &store = fixture.make(loadLibrary());
     if (!expected.isEmpty())
         QCOMPARE(describe(store.library().projects[0]), expected);
 
