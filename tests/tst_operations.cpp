@@ -70,11 +70,8 @@ void OperationsTest::attachmentFilesGoOnlyWhenUnreferenced()
     library.projects = {Test::describedProject(QStringLiteral("*S:a,b,c"))};
     library.activeProjectID = library.projects[0].id;
     auto attach = [](Note &note, const QString &stored) {
-        NoteAttachment attachment;
-        attachment.id = makeID();
-        attachment.storedFileName = stored;
-        attachment.fileName = QFileInfo(stored).fileName();
-        note.attachments.append(attachment);
+        note.attachments.append({makeID(), QFileInfo(stored).fileName(), stored,
+            NoteAttachment::Kind::File, std::nullopt, std::nullopt, currentDate()});
     };
     attach(library.projects[0].sections[0].notes[0], QStringLiteral("A/shared.png"));
     attach(library.projects[0].sections[0].notes[1], QStringLiteral("A/shared.png"));
@@ -101,10 +98,10 @@ void OperationsTest::attachmentFilesGoOnlyWhenUnreferenced()
     QVERIFY(QFileInfo::exists(folder)); // the folder itself stays
     // Files imported for a note that has gone are removed.
     makeFile(QStringLiteral("C/late.txt"));
-    NoteAttachment late;
-    late.id = makeID();
-    late.storedFileName = QStringLiteral("C/late.txt");
-    store.addAttachments({late}, Test::idFor(QStringLiteral("b")));
+    store.addAttachments(
+        {{makeID(), QStringLiteral("late.txt"), QStringLiteral("C/late.txt"),
+            NoteAttachment::Kind::File, std::nullopt, std::nullopt, currentDate()}},
+        Test::idFor(QStringLiteral("b")));
     m_attachments->waitForIdle();
     QVERIFY(!QFileInfo::exists(folder + QStringLiteral("/C")));
 }
