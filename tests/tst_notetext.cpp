@@ -133,7 +133,7 @@ void NoteTextTest::exportEdges()
     QFETCH(QString, expected);
     Library library;
     for (qsizetype i = 0; i < projects.size(); ++i)
-        library.projects.append(Test::describedProject(projects[i], QString(QChar(u'P' + i))));
+        library.projects.append(Test::describedProject(projects[i], QString(QChar(u'P' + int(i)))));
     QCOMPARE(markdownExportText(library), expected);
 }
 
