@@ -61,9 +61,8 @@ private Q_SLOTS:
     void unreadableLibraryNoteBelongsToItsFile();
     void failedWritesBackUpEachStateOnce_data();
     void failedWritesBackUpEachStateOnce();
-    void filesArePrivateWhateverTheUmask();
-    void backupsArePrivateCopies_data();
-    void backupsArePrivateCopies();
+    void filesAndBackupsArePrivate_data();
+    void filesAndBackupsArePrivate();
     void writeIntoReadOnlyFolderFails();
     void writeThroughSymbolicLinkKeepsTheLink();
 
@@ -427,22 +426,7 @@ void LibraryFileTest::failedWritesBackUpEachStateOnce()
         QCOMPARE(kept.count(state), 1);
 }
 
-void LibraryFileTest::filesArePrivateWhateverTheUmask()
-{
-    const mode_t previous = ::umask(0);
-    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("a")), m_path), std::nullopt);
-    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("b")), m_path), std::nullopt);
-    ::umask(previous);
-
-    QCOMPARE(fileMode(m_folder), 0700u);
-    QCOMPARE(fileMode(m_path), 0600u);
-    const QString folder = backupsFolder(m_path);
-    QCOMPARE(fileMode(folder), 0700u);
-    for (const QString &name : entries(folder))
-        QCOMPARE(fileMode(folder + u'/' + name), 0600u);
-}
-
-void LibraryFileTest::backupsArePrivateCopies_data()
+void LibraryFileTest::filesAndBackupsArePrivate_data()
 {
     QTest::addColumn<unsigned>("sourceMode");
     QTest::newRow("readable by all") << 0644u;
@@ -450,9 +434,11 @@ void LibraryFileTest::backupsArePrivateCopies_data()
     QTest::newRow("read-only") << 0400u;
 }
 
-void LibraryFileTest::backupsArePrivateCopies()
+void LibraryFileTest::filesAndBackupsArePrivate()
 {
     QFETCH(unsigned, sourceMode);
+    // Whatever the umask, and however the user set the file's mode.
+    const mode_t previous = ::umask(0);
     QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("before")), m_path), std::nullopt);
     const QByteArray before = readFile(m_path);
     // The user opened the file up or locked it; a backup is private all the same.
@@ -462,7 +448,11 @@ void LibraryFileTest::backupsArePrivateCopies()
     QCOMPARE(::stat(QFile::encodeName(m_path).constData(), &source), 0);
 
     QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("after")), m_path), std::nullopt);
+    ::umask(previous);
+    QCOMPARE(fileMode(m_folder), 0700u);
+    QCOMPARE(fileMode(m_path), 0600u);
     const QString folder = backupsFolder(m_path);
+    QCOMPARE(fileMode(folder), 0700u);
     const QStringList names = entries(folder);
     QCOMPARE(names.size(), 1);
     const QString backup = folder + u'/' + names.first();
