@@ -257,18 +257,22 @@ void AppTest::failedSaveIsRescuedAtTheEnd()
     QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), Test::patience);
     QTRY_COMPARE_WITH_TIMEOUT(
         xdotool({QStringLiteral("getactivewindow")}), visiblePanel(), Test::patience);
-    // The disk is full when the note is added, and the program is ended:
-    // the last state goes to a rescue file. (The retry once there is room is
-    // tst_store's and tst_savestatus'.)
+    // The disk is full when two notes are added, each taking the selection
+    // from the one before, and the program is ended: the last state goes to a
+    // rescue file. (The retry once there is room is tst_store's and
+    // tst_savestatus'.)
     QVERIFY(disk.fill());
-    const QString text = QStringLiteral("Rescued at the end");
-    typeNote(text);
-    QTest::qWait(1500);
+    const QStringList texts
+        = {QStringLiteral("Typed on a full disk"), QStringLiteral("Rescued at the end")};
+    for (const QString &text : texts) {
+        typeNote(text);
+        QTest::qWait(1500); // the save fails meanwhile
+    }
     ::kill(pid_t(vesko->processId()), SIGTERM);
     QVERIFY(vesko->waitForFinished(Test::patience));
     QCOMPARE(vesko->exitStatus(), QProcess::NormalExit);
     QCOMPARE(vesko->exitCode(), 0);
-    QVERIFY(!Test::noteTexts(Test::readLibraryFile(library)).contains(text));
+    QVERIFY(Test::noteTexts(Test::readLibraryFile(library)).isEmpty());
     const QStringList rescued = rescueFiles(session);
     QCOMPARE(rescued.size(), 1);
     const QString rescue = rescued.first();
@@ -278,7 +282,7 @@ void AppTest::failedSaveIsRescuedAtTheEnd()
             .match(rescue)
             .hasMatch(),
         qPrintable(rescue));
-    QCOMPARE(Test::noteTexts(Test::readLibraryFile(rescue)), QStringList {text});
+    QCOMPARE(Test::noteTexts(Test::readLibraryFile(rescue)), texts);
     QCOMPARE(Test::fileMode(rescue), 0600u);
 }
 
