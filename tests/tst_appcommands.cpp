@@ -9,6 +9,7 @@
 // Escape close a window of the program rather than hide the panel; Shift+F10
 // opens the focused control's menu.
 
+#include "MenuText.h"
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
 
@@ -156,7 +157,6 @@ void AppCommandsTest::sectionSteps_data()
     QTest::addColumn<QString>("entry");
     QTest::addColumn<QString>("active");
     QTest::addColumn<int>("broughtForward");
-
     QTest::newRow("next") << "Next Section" << u"Work"_s << 1;
     QTest::newRow("previous wraps to the last") << "Previous Section" << u"Later"_s << 1;
     QTest::newRow("jump to 3") << "Jump to Section 3" << u"Later"_s << 1;
@@ -192,28 +192,12 @@ void AppCommandsTest::moreOptionsReachesEveryCommand()
     fillOverflowMenu(overflow, m_fixture->store(), *m_state, m_fixture->preferences());
     PanelCommands::shared().setHooks({});
 
-    QMenu *all = nullptr;
-    for (QAction *action : overflow.actions()) {
-        if (action->text() == QStringLiteral("All Commands"))
-            all = action->menu();
-    }
+    QMenu *all = Test::submenu(overflow, QStringLiteral("All Commands"));
     QVERIFY(all);
-    QStringList groups;
-    QMenu *notes = nullptr;
-    for (QAction *action : all->actions()) {
-        groups.append(action->text());
-        if (action->text() == QStringLiteral("Notes"))
-            notes = action->menu();
-    }
-    QCOMPARE(groups, (QStringList {"Vesko", "File", "Edit", "Notes", "Sections"}));
-    QVERIFY(notes);
-
+    QCOMPARE(Test::describeMenu(*all), QStringLiteral("Vesko>|File>|Edit>|Notes>|Sections>"));
     // A command without a key: with nothing selected it acts on every visible note.
-    QAction *markDone = nullptr;
-    for (QAction *action : notes->actions()) {
-        if (action->text() == QStringLiteral("Mark as Done"))
-            markDone = action;
-    }
+    QMenu *notes = Test::submenu(*all, QStringLiteral("Notes"));
+    QAction *markDone = notes ? Test::menuEntry(*notes, QStringLiteral("Mark as Done")) : nullptr;
     QVERIFY(markDone);
     markDone->trigger();
     Store &store = m_fixture->store();
@@ -293,7 +277,6 @@ void AppCommandsTest::closeKeysCloseTheWindow_data()
     QTest::addColumn<int>("key");
     QTest::addColumn<int>("modifiers");
     QTest::addColumn<bool>("closes");
-
     const int ctrl = int(Qt::ControlModifier);
     for (const char *focus : {"text editor", "line edit", "button"}) {
         QTest::addRow("%s, Ctrl+W", focus) << focus << int(Qt::Key_W) << ctrl << true;
@@ -313,7 +296,6 @@ void AppCommandsTest::closeKeysCloseTheWindow()
     QFETCH(int, key);
     QFETCH(int, modifiers);
     QFETCH(bool, closes);
-
     // A note window: its own close keys first, then the program's commands.
     QWidget window;
     new WindowCloseKeys(&window);
@@ -337,7 +319,6 @@ void AppCommandsTest::shiftF10OpensTheFocusedControlsMenu_data()
     QTest::addColumn<int>("modifiers");
     QTest::addColumn<bool>("grabbed");
     QTest::addColumn<bool>("opens");
-
     const int shift = int(Qt::ShiftModifier);
     for (const char *focus : {"line edit", "text editor", "panel text field"}) {
         QTest::addRow("%s, Shift+F10", focus) << focus << shift << false << true;
@@ -355,7 +336,6 @@ void AppCommandsTest::shiftF10OpensTheFocusedControlsMenu()
     QFETCH(int, modifiers);
     QFETCH(bool, grabbed);
     QFETCH(bool, opens);
-
     KeyboardContextMenu contextKeys;
     qApp->installEventFilter(&contextKeys);
     QWidget window;
@@ -363,7 +343,6 @@ void AppCommandsTest::shiftF10OpensTheFocusedControlsMenu()
     QTRY_VERIFY_WITH_TIMEOUT(control->hasFocus(), Test::patience);
     if (grabbed)
         control->grabKeyboard();
-
     // Some menus run their own event loop: the one that opens is seen and closed from it.
     bool opened = false;
     QTimer watch;

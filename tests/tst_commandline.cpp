@@ -85,7 +85,6 @@ void CommandLineTest::parse_data()
     // Launch and Action: the action; Add: text|section|project|stdin;
     // List: project|section|all|json; Search: query|json; Invalid: part of the message.
     QTest::addColumn<QString>("expected");
-
     QTest::newRow("nothing launches") << QStringList {} << Kind::Launch << "";
     QTest::newRow("background") << QStringList {"--background"} << Kind::Launch << "";
     QTest::newRow("restored by the session manager")
@@ -190,7 +189,6 @@ void CommandLineTest::add_data()
 {
     QTest::addColumn<QJsonObject>("request");
     QTest::addColumn<QString>("section"); // where the note lands, "project/section"
-
     const QJsonObject base {{"command", "add"}, {"text", "  fresh note \n"}};
     QTest::newRow("the active section") << base << "P/Work";
     QJsonObject inSection = base;
@@ -340,7 +338,6 @@ void CommandLineTest::setDoneIsOneUndoStep()
     QVERIFY(!store.note(idFor("a"))->isDone);
     QVERIFY(store.note(idFor("b"))->isDone);
     QVERIFY(!store.note(idFor("e"))->isDone);
-
     // Asking for what already holds takes no step.
     store.redo();
     const qsizetype steps = store.undoStepCount();
@@ -371,7 +368,6 @@ void CommandLineTest::mcpMessages_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<QByteArray>("answer"); // the answer without "jsonrpc"; empty for none
-
     QTest::newRow("no JSON") << QByteArray("{\"jsonrpc\": \"2.0\", \"id\": 1,")
                              << QByteArray(R"({"error":{"code":-32700},"id":null})");
     QTest::newRow("a batch") << QByteArray(R"([{"jsonrpc":"2.0","id":1,"method":"ping"}])")
@@ -449,7 +445,6 @@ void CommandLineTest::mcpToolsBecomeRequests_data()
     QTest::addColumn<QJsonObject>("arguments");
     QTest::addColumn<QJsonObject>("request"); // empty: refused before any request
     QTest::addColumn<QString>("text"); // part of the result's text
-
     QTest::newRow("list_notes") << "list_notes" << QJsonObject {}
                                 << QJsonObject {{"command", "list"}}
                                 << "- [ ] milk (id: 1, section: Inbox)";
@@ -502,7 +497,6 @@ void CommandLineTest::mcpToolsBecomeRequests()
     QVERIFY2(resultText.contains(text), qPrintable(resultText));
     QCOMPARE(result.value("isError").toBool(), request.isEmpty());
     QCOMPARE(sent, request.isEmpty() ? QList<QJsonObject> {} : QList<QJsonObject> {request});
-
     // What the running Vesko refuses is the tool's error, in its words.
     if (!request.isEmpty()) {
         McpServer refusing(
@@ -523,7 +517,6 @@ void CommandLineTest::mcpLinesAreBounded_data()
 {
     QTest::addColumn<QByteArray>("input");
     QTest::addColumn<QList<int>>("codes"); // each answer's error code, 0 for a result
-
     const QByteArray ping = R"({"jsonrpc":"2.0","id":1,"method":"ping"})";
     const QByteArray padded = R"({"jsonrpc":"2.0","id":1,"method":"ping","pad":")";
     const auto ofLength = [&padded](int length) {

@@ -26,14 +26,6 @@ using namespace Vesko;
 
 namespace {
 
-// The same states as the save loop writes.
-Library savedState(int number)
-{
-    Library library = Test::generateLibrary(200 + number % 7 * 50, quint32(number));
-    library.projects[0].name = QStringLiteral("state %1").arg(number);
-    return library;
-}
-
 int stateNumber(const Library &library)
 {
     const QString name = library.projects.value(0).name;
@@ -126,7 +118,8 @@ bool writeFiles(const QString &folder, const QMap<QString, qint64> &files)
 
 // Starts the helper with \a arguments, then kills it at a moment drawn from
 // [0, span) after it said it began its work. Returns false if it never did.
-bool killDuringTask(const QStringList &arguments, quint64 spanMilliseconds, QRandomGenerator &random)
+bool killDuringTask(
+    const QStringList &arguments, quint64 spanMilliseconds, QRandomGenerator &random)
 {
     QProcess task;
     task.start(QStringLiteral(STORE_TASK_PATH), arguments);
@@ -177,7 +170,8 @@ void CrashSafetyTest::killedSavesLeaveAWholeFile()
     int killsDuringWrite = 0;
     for (int round = 0; round < kills; ++round) {
         QProcess saver;
-        saver.start(QStringLiteral(SAVE_LOOP_PATH), {path, QString::number(lastState + 1)});
+        saver.start(QStringLiteral(STORE_TASK_PATH),
+            {QStringLiteral("save-loop"), path, QString::number(lastState + 1)});
         QVERIFY(saver.waitForStarted());
         // Each round lets at least one save finish, however slow the machine,
         // then kills at a random moment of the saves that follow.
@@ -201,9 +195,8 @@ void CrashSafetyTest::killedSavesLeaveAWholeFile()
         const int state = stateNumber(*library);
         QVERIFY2(state >= lastState,
             qPrintable(QStringLiteral("went back from %1 to %2").arg(lastState).arg(state)));
-        QVERIFY(*library == savedState(state));
+        QVERIFY(*library == Test::numberedLibrary(state));
         lastState = state;
-
         // A start after the crash reads the file and clears what the write left.
         const Library loaded = [&] {
             if (!leftovers.isEmpty())
@@ -216,7 +209,6 @@ void CrashSafetyTest::killedSavesLeaveAWholeFile()
                     .entryList({QStringLiteral(".Library.json.*")}, QDir::Files | QDir::Hidden)
                     .isEmpty());
         QVERIFY(QDir(folder).entryList({QStringLiteral("Library-unreadable-*")}).isEmpty());
-
         // Every backup that exists is whole too.
         const QDir backups(backupsFolder(path));
         for (const QString &name :
@@ -268,7 +260,6 @@ void CrashSafetyTest::killedMovesLeaveOneWholeLibrary()
         }();
         return !QTest::currentTestFailed();
     };
-
     // One move without a kill tells how long a move takes on this machine;
     // the kills land at random moments within that span.
     prepare();
@@ -312,7 +303,8 @@ void CrashSafetyTest::killedImportsLeaveNoHalf()
     // all of them, whole, and the attachment folder holds exactly those.
     auto verifyAllOrNothing = [&](int round) -> bool {
         const QByteArray started = runTask({QStringLiteral("start")}).trimmed();
-        const QString expected = QStringLiteral("library %1 %2 %3").arg(path).arg(noteCount(library));
+        const QString expected
+            = QStringLiteral("library %1 %2 %3").arg(path).arg(noteCount(library));
         const bool imported = started == expected.arg(files.size()).toUtf8();
         const QString context
             = QStringLiteral("round %1: %2").arg(round).arg(QString::fromUtf8(started));
@@ -344,8 +336,8 @@ void CrashSafetyTest::killedImportsLeaveNoHalf()
         QVERIFY(verifyAllOrNothing(round));
         imported += QDir(attachmentsFolder(path)).isEmpty() ? 0 : 1;
     }
-    qInfo("%d kills within imports of %lld ms: %d kept the files, %d none", kills,
-        qlonglong(span), imported, kills - imported);
+    qInfo("%d kills within imports of %lld ms: %d kept the files, %d none", kills, qlonglong(span),
+        imported, kills - imported);
 }
 
 VESKO_TEST_MAIN(CrashSafetyTest)

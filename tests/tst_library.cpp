@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The library's value types: sharing, equality, the fallbacks of the active
+// The library's value types: sharing, the fallbacks of the active
 // project, the source section titles and the one title comparison.
 
 #include "LibraryGenerator.h"
@@ -17,7 +17,6 @@ class LibraryTest : public QObject
 
 private Q_SLOTS:
     void copyIsSharedUntilChanged();
-    void equalityIsStructural();
     void activeProjectFallsBack_data();
     void activeProjectFallsBack();
     void defaultLibrary();
@@ -32,7 +31,6 @@ void LibraryTest::copyIsSharedUntilChanged()
     const Library original = Test::generateLibrary(2000);
     Library copy = original;
     QCOMPARE(copy.projects.constData(), original.projects.constData());
-
     // Change one note: only the path from the root to it is copied.
     copy.projects[0].sections[0].notes[0].text = QStringLiteral("changed");
     QVERIFY(copy != original);
@@ -45,35 +43,11 @@ void LibraryTest::copyIsSharedUntilChanged()
         original.projects[0].sections[0].notes[1].text.constData());
 }
 
-void LibraryTest::equalityIsStructural()
-{
-    const Library a = Test::generateLibrary(300, 7);
-    Library b = Test::generateLibrary(300, 7);
-    QCOMPARE(a, b); // built separately, shares nothing
-
-    b.projects[2].sections.last().notes.append(Note {});
-    QVERIFY(a != b);
-
-    b = a;
-    NoteAttachment attachment;
-    b.projects[0].sections[0].notes[0].attachments.append(attachment);
-    QVERIFY(a != b);
-
-    b = a;
-    b.projects[0].sections[0].notes[0].source
-        = NoteSource {QStringLiteral("App"), std::nullopt, std::nullopt};
-    QVERIFY(a != b);
-    Library c = b;
-    c.projects[0].sections[0].notes[0].source->windowTitle = QString();
-    QVERIFY(c != b); // an empty title is a value, not an absence
-}
-
 void LibraryTest::activeProjectFallsBack_data()
 {
     QTest::addColumn<int>("projectCount");
     QTest::addColumn<int>("activeIndex"); // -1 none set, -2 a stale id
     QTest::addColumn<int>("expected");
-
     QTest::newRow("names the second") << 3 << 1 << 1;
     QTest::newRow("names the first") << 3 << 0 << 0;
     QTest::newRow("absent") << 3 << -1 << 0;
@@ -87,7 +61,6 @@ void LibraryTest::activeProjectFallsBack()
     QFETCH(int, projectCount);
     QFETCH(int, activeIndex);
     QFETCH(int, expected);
-
     Library library;
     for (int i = 0; i < projectCount; ++i)
         library.projects.append(Project {makeID(), QString::number(i), {}, currentDate(), {}});
@@ -122,7 +95,6 @@ void LibraryTest::defaultLibrary()
     QVERIFY(!inbox.isAutomatic);
     QVERIFY(inbox.createdAt >= before && inbox.createdAt <= currentDate());
     QVERIFY(inbox.id != project.id && !inbox.id.isNull());
-
     // Fresh identities every time.
     QVERIFY(makeDefaultLibrary().projects.first().id != project.id);
 }
@@ -132,7 +104,6 @@ void LibraryTest::sourceSectionTitle_data()
     QTest::addColumn<QString>("app");
     QTest::addColumn<std::optional<QString>>("window");
     QTest::addColumn<QString>("expected");
-
     const auto none = std::optional<QString>();
     const auto w = [](const char *s) { return std::optional<QString>(QString::fromUtf8(s)); };
     QTest::newRow("window repeats app") << "Safari" << w("Safari") << "Safari";

@@ -61,9 +61,8 @@ private Q_SLOTS:
     void unreadableLibraryNoteBelongsToItsFile();
     void failedWritesBackUpEachStateOnce_data();
     void failedWritesBackUpEachStateOnce();
-    void filesArePrivateWhateverTheUmask();
-    void backupsArePrivateCopies_data();
-    void backupsArePrivateCopies();
+    void filesAndBackupsArePrivate_data();
+    void filesAndBackupsArePrivate();
     void writeIntoReadOnlyFolderFails();
     void writeThroughSymbolicLinkKeepsTheLink();
 
@@ -98,7 +97,6 @@ void LibraryFileTest::missingFileGivesNewLibraryAndWritesNothing()
     QCOMPARE(library.projects.size(), 1);
     QCOMPARE(library.projects[0].sections[0].title, QStringLiteral("Inbox"));
     QVERIFY(!QFileInfo::exists(m_folder));
-
     // The first write creates the folder, and backs up nothing; the second does.
     QCOMPARE(writeLibrary(library, m_path), std::nullopt);
     QCOMPARE(encodeLibrary(loadLibrary(m_path)), encodeLibrary(library));
@@ -165,7 +163,6 @@ void LibraryFileTest::unreadableFileIsSetAside()
                  .hasMatch(),
         qPrintable(names.first()));
     QCOMPARE(readFile(m_folder + u'/' + names.first()), content);
-
     // The next start finds no file and does not read the one set aside.
     QCOMPARE(loadLibrary(m_path).projects.size(), 1);
     QCOMPARE(entries(m_folder).size(), 2);
@@ -202,7 +199,6 @@ void LibraryFileTest::setAsideNeverOverwrites()
                      + QStringLiteral("/Library-unreadable-%1.json").arg(fileNameStamp(moment))),
             QByteArray("earlier"));
     }
-
     // The next save backs it up and replaces it.
     QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("new")), m_path), std::nullopt);
     const QStringList backups = entries(backupsFolder(m_path));
@@ -287,13 +283,11 @@ void LibraryFileTest::keptBackupsOutlastTheRotation()
     for (int i = 1; i <= 9; ++i)
         QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("state %1").arg(i)), m_path, kept),
             std::nullopt);
-
     // The kept ones stay and push none of the others out: five of those besides.
     const QStringList names = entries(folder);
     QCOMPARE(names.size(), 3 + 5);
     for (const QString &path : kept)
         QVERIFY2(names.contains(QFileInfo(path).fileName()), qPrintable(path));
-
     // Let go, they rotate like any other entry.
     QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("free")), m_path), std::nullopt);
     QCOMPARE(entries(folder).size(), 5);
@@ -432,22 +426,7 @@ void LibraryFileTest::failedWritesBackUpEachStateOnce()
         QCOMPARE(kept.count(state), 1);
 }
 
-void LibraryFileTest::filesArePrivateWhateverTheUmask()
-{
-    const mode_t previous = ::umask(0);
-    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("a")), m_path), std::nullopt);
-    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("b")), m_path), std::nullopt);
-    ::umask(previous);
-
-    QCOMPARE(fileMode(m_folder), 0700u);
-    QCOMPARE(fileMode(m_path), 0600u);
-    const QString folder = backupsFolder(m_path);
-    QCOMPARE(fileMode(folder), 0700u);
-    for (const QString &name : entries(folder))
-        QCOMPARE(fileMode(folder + u'/' + name), 0600u);
-}
-
-void LibraryFileTest::backupsArePrivateCopies_data()
+void LibraryFileTest::filesAndBackupsArePrivate_data()
 {
     QTest::addColumn<unsigned>("sourceMode");
     QTest::newRow("readable by all") << 0644u;
@@ -455,9 +434,11 @@ void LibraryFileTest::backupsArePrivateCopies_data()
     QTest::newRow("read-only") << 0400u;
 }
 
-void LibraryFileTest::backupsArePrivateCopies()
+void LibraryFileTest::filesAndBackupsArePrivate()
 {
     QFETCH(unsigned, sourceMode);
+    // Whatever the umask, and however the user set the file's mode.
+    const mode_t previous = ::umask(0);
     QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("before")), m_path), std::nullopt);
     const QByteArray before = readFile(m_path);
     // The user opened the file up or locked it; a backup is private all the same.
@@ -467,7 +448,11 @@ void LibraryFileTest::backupsArePrivateCopies()
     QCOMPARE(::stat(QFile::encodeName(m_path).constData(), &source), 0);
 
     QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("after")), m_path), std::nullopt);
+    ::umask(previous);
+    QCOMPARE(fileMode(m_folder), 0700u);
+    QCOMPARE(fileMode(m_path), 0600u);
     const QString folder = backupsFolder(m_path);
+    QCOMPARE(fileMode(folder), 0700u);
     const QStringList names = entries(folder);
     QCOMPARE(names.size(), 1);
     const QString backup = folder + u'/' + names.first();
@@ -488,7 +473,6 @@ void LibraryFileTest::writeIntoReadOnlyFolderFails()
     const QByteArray before = readFile(m_path);
     const QStringList backupsBefore = entries(backupsFolder(m_path));
     const QStringList filesBefore = entries(m_folder);
-
     // The other user may reach the folder, not write into it.
     const auto reachable = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner
         | QFileDevice::ReadOther | QFileDevice::ExeOther;
@@ -561,7 +545,6 @@ void LibraryFileTest::writerReportsFailure()
     QTRY_VERIFY_WITH_TIMEOUT(result.has_value(), Test::patience);
     QVERIFY(result->has_value());
     QVERIFY2((*result)->contains(QStringLiteral("not a folder")), qPrintable(**result));
-
     // A completion whose context is gone is dropped.
     bool called = false;
     {
@@ -643,7 +626,6 @@ void LibraryFileTest::cancelledMergeTakesBackWhatItMade()
           });
     QVERIFY(failure);
     QVERIFY2(failure->contains(QStringLiteral("cancelled")), qPrintable(*failure));
-
     // The target is as the copy found it.
     if (!targetExists) {
         QVERIFY(!QFileInfo::exists(m_folder + QStringLiteral("-new/Library")));
@@ -666,7 +648,6 @@ void LibraryFileTest::mergeAttachmentFolderSameOrMissingSource()
     const QString target = m_folder + QStringLiteral("-other/Attachments");
     QCOMPARE(mergeAttachmentFolder(m_folder + QStringLiteral("/Missing"), target), std::nullopt);
     QVERIFY(!QFileInfo::exists(target));
-
     // A failure is reported: the target's parent is a file.
     writeFile(m_folder + QStringLiteral("-blocked"), "file");
     const auto error
@@ -689,7 +670,6 @@ void LibraryFileTest::removeMovedLibrary()
     QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("1")), oldPath), std::nullopt);
     QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("2")), oldPath), std::nullopt);
     writeFile(attachmentsFolder(oldPath) + QStringLiteral("/x/a.txt"), "a");
-
     // Moving onto itself removes nothing.
     Vesko::removeMovedLibrary(oldPath, m_folder + QStringLiteral("/./Library.json"));
     QVERIFY(QFileInfo::exists(oldPath));
@@ -699,7 +679,6 @@ void LibraryFileTest::removeMovedLibrary()
     QVERIFY(!QFileInfo::exists(oldPath));
     QVERIFY(!QFileInfo::exists(attachmentsFolder(oldPath)));
     QCOMPARE(entries(backupsFolder(oldPath)).size(), 1); // old backups stay
-
     // Another file name in the same folder keeps the shared attachment folder.
     const QString sibling = m_folder + QStringLiteral("/Other.json");
     QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("3")), sibling), std::nullopt);

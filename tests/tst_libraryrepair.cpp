@@ -5,16 +5,13 @@
 // a note being its text, or "text@App" / "text@App/Window" for a captured one.
 // The active section is marked with "*" before its title.
 
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
 #include "TestFiles.h"
 
-#include "attachments/AttachmentStore.h"
 #include "library/LibraryCoding.h"
 #include "library/LibraryFile.h"
 #include "library/LibraryRepair.h"
-#include "library/LibraryWriter.h"
-#include "shell/Preferences.h"
-#include "store/Store.h"
 
 #include <QDir>
 
@@ -147,7 +144,6 @@ void LibraryRepairTest::repair()
     QFETCH(QString, before);
     QFETCH(QString, after);
     QFETCH(bool, changed);
-
     Library library;
     library.version = version;
     library.projects = {makeProject(before)};
@@ -155,7 +151,6 @@ void LibraryRepairTest::repair()
     QCOMPARE(repairLibrary(library), changed);
     QCOMPARE(library.version, 3);
     QCOMPARE(describe(library.projects[0]), after);
-
     // A repaired library needs no second repair.
     QCOMPARE(repairLibrary(library), false);
 }
@@ -177,7 +172,6 @@ void LibraryRepairTest::staleActiveProjectIsLeftAlone()
     library.activeProjectID = stale;
     QCOMPARE(repairLibrary(library), false);
     QCOMPARE(library.activeProjectID, stale);
-
     // An absent one is filled in without counting as a change.
     library.activeProjectID.reset();
     QCOMPARE(repairLibrary(library), false);
@@ -209,7 +203,6 @@ void LibraryRepairTest::handWrittenFilesAtStart_data()
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("expected");
     QTest::addColumn<bool>("rewritten");
-
     QTest::newRow("version 2, every phase")
         << "repair-version2.json"
         << "*Inbox:typed in the inbox,typed in a shadow"
@@ -226,18 +219,11 @@ void LibraryRepairTest::handWrittenFilesAtStart()
     QFETCH(QString, file);
     QFETCH(QString, expected);
     QFETCH(bool, rewritten);
-
-    Preferences::openSettings()->clear();
-    QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
+    Test::StoreFixture fixture; // empties the settings and the data folder
     const QByteArray original = Test::readFile(QFINDTESTDATA(QStringLiteral("data/") + file));
     QVERIFY(!original.isEmpty());
     Test::writeFile(libraryURL(), original);
-
-    Preferences preferences;
-    LibraryWriter writer;
-    AttachmentStore attachments;
-    SearchIndex searchIndex;
-    Store store(loadLibrary(), {preferences, writer, attachments, searchIndex});
+    Store &store = fixture.make(loadLibrary());
     if (!expected.isEmpty())
         QCOMPARE(describe(store.library().projects[0]), expected);
 

@@ -1,45 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The inline Markdown parse against the rules of CommonMark (with
-// strikethrough). Results are written as text: an attributed piece is
-// "{flags:text}" with E emphasis, S strong, X strikethrough, C code,
-// L(target) link and I(target) image.
+// strikethrough). Results are written as Test::describeRuns() writes them.
 
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
 
 #include "store/MarkdownText.h"
 
 using namespace Vesko;
 using namespace Qt::StringLiterals;
-
-namespace {
-
-QString describe(const MarkdownText &parsed)
-{
-    QString out;
-    qsizetype at = 0;
-    for (const MarkdownRun &run : parsed.runs) {
-        out += parsed.text.mid(at, run.start - at);
-        QString flags;
-        if (run.attributes & MarkdownRun::Emphasis)
-            flags += u'E';
-        if (run.attributes & MarkdownRun::Strong)
-            flags += u'S';
-        if (run.attributes & MarkdownRun::Strikethrough)
-            flags += u'X';
-        if (run.attributes & MarkdownRun::Code)
-            flags += u'C';
-        if (run.attributes & MarkdownRun::Link)
-            flags += QStringLiteral("L(") + run.destination + u')';
-        if (run.attributes & MarkdownRun::Image)
-            flags += QStringLiteral("I(") + run.destination + u')';
-        out += u'{' + flags + u':' + parsed.text.mid(run.start, run.length) + u'}';
-        at = run.start + run.length;
-    }
-    return out + parsed.text.mid(at);
-}
-
-} // namespace
 
 class MarkdownTextTest : public QObject
 {
@@ -55,7 +25,6 @@ void MarkdownTextTest::parse_data()
 {
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("expected");
-
     // Emphasis and strong emphasis.
     QTest::newRow("emphasis") << "*foo bar*" << u"{E:foo bar}"_s;
     QTest::newRow("not left-flanking") << "a * foo bar*" << u"a * foo bar*"_s;
@@ -79,13 +48,11 @@ void MarkdownTextTest::parse_data()
     QTest::newRow("unicode punctuation flanks") << "«*quote*»" << u"«{E:quote}»"_s;
     QTest::newRow("space-surrounded star") << "a * b * c" << u"a * b * c"_s;
     QTest::newRow("unmatched") << "*foo" << u"*foo"_s;
-
     // Strikethrough.
     QTest::newRow("strikethrough") << "~~gone~~" << u"{X:gone}"_s;
     QTest::newRow("single tilde") << "~gone~" << u"{X:gone}"_s;
     QTest::newRow("tilde lengths differ") << "~~a~" << u"~~a~"_s;
     QTest::newRow("three tildes are text") << "~~~a~~~" << u"~~~a~~~"_s;
-
     // Code spans.
     QTest::newRow("code") << "`foo`" << u"{C:foo}"_s;
     QTest::newRow("code with backtick inside") << "`` foo ` bar ``" << u"{C:foo ` bar}"_s;
@@ -97,7 +64,6 @@ void MarkdownTextTest::parse_data()
     QTest::newRow("run lengths differ") << "```foo``" << u"```foo``"_s;
     QTest::newRow("code beats emphasis") << "*a `*` b*" << u"{E:a }{EC:*}{E: b}"_s;
     QTest::newRow("no escapes in code") << "`foo\\`bar`" << u"{C:foo\\}bar`"_s;
-
     // Escapes and references.
     QTest::newRow("escaped star") << "\\*not emphasized*" << u"*not emphasized*"_s;
     QTest::newRow("escaped backtick") << "\\`not code`" << u"`not code`"_s;
@@ -106,7 +72,6 @@ void MarkdownTextTest::parse_data()
     QTest::newRow("entities") << "&amp; &copy; &#35; &#x22; &nbsp;x &hellip; &bogus; &#0; & amp;"
                               << u"& © # \" \u00A0x … &bogus; \uFFFD & amp;"_s;
     QTest::newRow("entity needs semicolon") << "&amp &copy" << u"&amp &copy"_s;
-
     // Links, images and autolinks.
     QTest::newRow("link with title") << "[link](/uri \"title\")" << u"{L(/uri):link}"_s;
     QTest::newRow("link with parenthesised title") << "[a](b (t))" << u"{L(b):a}"_s;
@@ -136,7 +101,6 @@ void MarkdownTextTest::parse_data()
         << "<foo@bar.example.com>" << u"{L(mailto:foo@bar.example.com):foo@bar.example.com}"_s;
     QTest::newRow("not an autolink") << "<a b> <x:y z> <@x>" << u"<a b> <x:y z> <@x>"_s;
     QTest::newRow("html stays text") << "<b>bold</b>" << u"<b>bold</b>"_s;
-
     // Blocks are not interpreted, white space survives.
     QTest::newRow("block markers")
         << "# Heading\n- item\n> quote\n1. one" << u"# Heading\n- item\n> quote\n1. one"_s;
@@ -149,7 +113,7 @@ void MarkdownTextTest::parse()
 {
     QFETCH(QString, source);
     QFETCH(QString, expected);
-    QCOMPARE(describe(markdownAttributedString(source)), expected);
+    QCOMPARE(Test::describeRuns(markdownAttributedString(source)), expected);
 }
 
 void MarkdownTextTest::strippedTextKeepsOnlyInputCharacters()

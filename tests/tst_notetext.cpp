@@ -14,15 +14,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-Note noteWith(const QString &text, bool done = false)
-{
-    Note note;
-    note.id = makeID();
-    note.text = text;
-    note.isDone = done;
-    return note;
-}
-
 NoteAttachment attachment(const QString &name, const QString &stored, NoteAttachment::Kind kind)
 {
     NoteAttachment a;
@@ -55,7 +46,6 @@ void NoteTextTest::listItem_data()
     QTest::addColumn<int>("style");
     QTest::addColumn<bool>("markdown");
     QTest::addColumn<QString>("expected");
-
     const QString three = QStringLiteral("first\nsecond\nthird");
     QTest::newRow("numbered") << three << int(ListStyle::Numbered) << true
                               << "3. first\n   second\n   third";
@@ -77,35 +67,24 @@ void NoteTextTest::listItem()
     QFETCH(int, style);
     QFETCH(bool, markdown);
     QFETCH(QString, expected);
-    QCOMPARE(listItemText(2, noteWith(text), ListStyle(style), markdown), expected);
+    QCOMPARE(listItemText(2, Test::noteWith(text), ListStyle(style), markdown), expected);
 }
 
 void NoteTextTest::copiesFollowThePanel()
 {
     Test::StoreFixture fixture;
     Preferences &preferences = fixture.preferences();
-    Library library = makeDefaultLibrary();
-    QList<Note> notes;
-    for (const char *text : {"one", "two", "*three*", "four", "five", "six", "seven"})
-        notes.append(noteWith(QString::fromUtf8(text)));
-    library.projects[0].sections[0].notes = notes;
-    NoteSection hidden = makeInboxSection();
-    hidden.title = QStringLiteral("Hidden");
-    hidden.isCollapsed = true;
-    hidden.notes = {noteWith(QStringLiteral("invisible"))};
-    library.projects[0].sections.append(hidden);
-    Store &store = fixture.make(library);
-
+    Store &store = fixture.make(
+        {QStringLiteral("*Inbox:one,two,*three*,four,five,six,seven|Hidden+:hidden")});
     // Notes 7 and 3, asked for in that order, and a hidden one: panel order, numbered from 1.
-    const QList<QUuid> ids = {notes[6].id, notes[2].id, hidden.notes[0].id};
+    const QList<QUuid> ids = Test::noteIDs(QStringLiteral("seven,*three*,hidden"));
     QCOMPARE(store.listCopyText(ids), QStringLiteral("1. *three*\n2. seven"));
     preferences.setCopyIncludesMarkdown(false);
     preferences.setListStyle(ListStyle::Dash);
     QCOMPARE(store.listCopyText(ids), QStringLiteral("- three\n- seven"));
     QCOMPARE(store.plainCopyText(ids), QStringLiteral("three\n\nseven"));
-    QCOMPARE(store.plainCopyText({hidden.notes[0].id}), QString());
+    QCOMPARE(store.plainCopyText(Test::noteIDs(QStringLiteral("hidden"))), QString());
     QCOMPARE(store.listCopyText({}), QString());
-
     preferences.setNewestFirst(true);
     store.refreshRows();
     QCOMPARE(store.plainCopyText(ids), QStringLiteral("seven\n\nthree"));
@@ -114,19 +93,15 @@ void NoteTextTest::copiesFollowThePanel()
 void NoteTextTest::exportDocument()
 {
     Library library;
-    Project work;
-    work.id = makeID();
-    work.name = QStringLiteral("Work");
-    NoteSection ideas;
-    ideas.id = makeID();
-    ideas.title = QStringLiteral("Ideas");
-    Note open = noteWith(QStringLiteral("first line\nsecond line"));
-    open.attachments = {attachment(QStringLiteral("Pasted Image.png"),
+    library.projects = {Test::describedProject(
+        QStringLiteral("Ideas:first line\nsecond line,DONE THING,**raw** *text*"),
+        QStringLiteral("Work"))};
+    QList<Note> &notes = library.projects[0].sections[0].notes;
+    notes[0].attachments = {attachment(QStringLiteral("Pasted Image.png"),
         QStringLiteral("A1/Pasted Image.png"), NoteAttachment::Kind::Image)};
-    ideas.notes = {open, noteWith(QStringLiteral("done thing"), true)};
-    work.sections = {ideas};
-    library.projects = {work};
-
+    notes[2].attachments = {attachment(
+        QStringLiteral("a b.pdf"), QStringLiteral("X/a b.pdf"), NoteAttachment::Kind::File)};
+    // Images are shown, other files linked; the text goes as it was typed.
     QCOMPARE(markdownExportText(library),
         QStringLiteral("# Work\n"
                        "\n"
@@ -135,54 +110,30 @@ void NoteTextTest::exportDocument()
                        "- [ ] first line\n"
                        "      second line\n"
                        "      ![Pasted Image.png](Attachments/A1/Pasted Image.png)\n"
-                       "- [x] done thing\n"));
+                       "- [x] done thing\n"
+                       "- [ ] **raw** *text*\n"
+                       "      [a b.pdf](Attachments/X/a b.pdf)\n"));
 }
 
 void NoteTextTest::exportEdges_data()
 {
-    QTest::addColumn<QString>(
-        "shape"); // "empty", "no sections", "empty section", "file", "two projects"
+    // The projects P, Q, ... as the fixture describes them.
+    QTest::addColumn<QStringList>("projects");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("no projects") << "empty" << u""_s;
-    QTest::newRow("project without sections") << "no sections" << u"# P\n"_s;
-    QTest::newRow("empty section") << "empty section" << u"# P\n\n## S\n\n"_s;
-    QTest::newRow("file link, raw text")
-        << "file"
-        << "# P\n\n## S\n\n- [ ] **raw** *text*\n      [a b.pdf](Attachments/X/a b.pdf)\n";
-    QTest::newRow("two projects") << "two projects" << u"# P\n\n## S\n\n\n# Q\n\n## T\n\n"_s;
+    QTest::newRow("no projects") << QStringList() << u""_s;
+    QTest::newRow("project without sections") << QStringList {u""_s} << u"# P\n"_s;
+    QTest::newRow("empty section") << QStringList {u"S"_s} << u"# P\n\n## S\n\n"_s;
+    QTest::newRow("two projects") << QStringList {u"S"_s, u"T"_s}
+                                  << u"# P\n\n## S\n\n\n# Q\n\n## T\n\n"_s;
 }
 
 void NoteTextTest::exportEdges()
 {
-    QFETCH(QString, shape);
+    QFETCH(QStringList, projects);
     QFETCH(QString, expected);
     Library library;
-    auto project = [](const QString &name, const QString &section) {
-        Project p;
-        p.id = makeID();
-        p.name = name;
-        if (!section.isEmpty()) {
-            NoteSection s;
-            s.id = makeID();
-            s.title = section;
-            p.sections = {s};
-        }
-        return p;
-    };
-    if (shape == u"no sections")
-        library.projects = {project(QStringLiteral("P"), QString())};
-    else if (shape == u"empty section")
-        library.projects = {project(QStringLiteral("P"), QStringLiteral("S"))};
-    else if (shape == u"two projects")
-        library.projects = {project(QStringLiteral("P"), QStringLiteral("S")),
-            project(QStringLiteral("Q"), QStringLiteral("T"))};
-    else if (shape == u"file") {
-        library.projects = {project(QStringLiteral("P"), QStringLiteral("S"))};
-        Note note = noteWith(QStringLiteral("**raw** *text*"));
-        note.attachments = {attachment(
-            QStringLiteral("a b.pdf"), QStringLiteral("X/a b.pdf"), NoteAttachment::Kind::File)};
-        library.projects[0].sections[0].notes = {note};
-    }
+    for (qsizetype i = 0; i < projects.size(); ++i)
+        library.projects.append(Test::describedProject(projects[i], QString(QChar(u'P' + int(i)))));
     QCOMPARE(markdownExportText(library), expected);
 }
 
@@ -206,7 +157,6 @@ void NoteTextTest::writeExport()
     QCOMPARE(Test::fileTree(folder), QStringList(others) << QStringLiteral("Vesko Notes.md"));
     for (const QString &name : others)
         QCOMPARE(Test::readFile(folder + u'/' + name), QByteArray("not the export's"));
-
     // A folder that cannot take the file gives a readable failure.
     const auto failure = writeMarkdownExport(text, folder + QStringLiteral("/missing/Notes.md"));
     QVERIFY(failure);

@@ -52,7 +52,6 @@ void OperationsTest::lateAnchorFollowsOnlyASelectedNote()
     QVERIFY(note);
     QVERIFY(!store.selectionAnchor());
     QTRY_COMPARE_WITH_TIMEOUT(store.selectionAnchor(), note->id, Test::patience);
-
     // Not when the note is no longer selected by then.
     store.addNote(QStringLiteral("c"), std::nullopt, std::nullopt, false, std::nullopt, {}, true);
     store.setSelection({}, std::nullopt);
@@ -71,11 +70,8 @@ void OperationsTest::attachmentFilesGoOnlyWhenUnreferenced()
     library.projects = {Test::describedProject(QStringLiteral("*S:a,b,c"))};
     library.activeProjectID = library.projects[0].id;
     auto attach = [](Note &note, const QString &stored) {
-        NoteAttachment attachment;
-        attachment.id = makeID();
-        attachment.storedFileName = stored;
-        attachment.fileName = QFileInfo(stored).fileName();
-        note.attachments.append(attachment);
+        note.attachments.append({makeID(), QFileInfo(stored).fileName(), stored,
+            NoteAttachment::Kind::File, std::nullopt, std::nullopt, currentDate()});
     };
     attach(library.projects[0].sections[0].notes[0], QStringLiteral("A/shared.png"));
     attach(library.projects[0].sections[0].notes[1], QStringLiteral("A/shared.png"));
@@ -87,7 +83,6 @@ void OperationsTest::attachmentFilesGoOnlyWhenUnreferenced()
     QVERIFY(QFileInfo::exists(folder + QStringLiteral("/A/shared.png"))); // still referenced by a
     QVERIFY(!QFileInfo::exists(folder + QStringLiteral("/B/own.pdf")));
     QVERIFY(!QFileInfo::exists(folder + QStringLiteral("/B"))); // emptied folder goes
-
     // Undo brings the record back, not the file.
     store.undo();
     QCOMPARE(store.note(Test::idFor(QStringLiteral("b")))->attachments.size(), 2);
@@ -101,13 +96,12 @@ void OperationsTest::attachmentFilesGoOnlyWhenUnreferenced()
     m_attachments->waitForIdle();
     QVERIFY(!QFileInfo::exists(folder + QStringLiteral("/A")));
     QVERIFY(QFileInfo::exists(folder)); // the folder itself stays
-
     // Files imported for a note that has gone are removed.
     makeFile(QStringLiteral("C/late.txt"));
-    NoteAttachment late;
-    late.id = makeID();
-    late.storedFileName = QStringLiteral("C/late.txt");
-    store.addAttachments({late}, Test::idFor(QStringLiteral("b")));
+    store.addAttachments(
+        {{makeID(), QStringLiteral("late.txt"), QStringLiteral("C/late.txt"),
+            NoteAttachment::Kind::File, std::nullopt, std::nullopt, currentDate()}},
+        Test::idFor(QStringLiteral("b")));
     m_attachments->waitForIdle();
     QVERIFY(!QFileInfo::exists(folder + QStringLiteral("/C")));
 }

@@ -70,7 +70,6 @@ void PanelStateTest::layerOrders_data()
     QTest::addColumn<PanelLayer>("front");
     QTest::addColumn<PanelLayer>("closedByEscape");
     QTest::addColumn<PanelLayer>("frontAfterEscape");
-
     using L = PanelLayer;
     QTest::newRow("none") << QList<L> {} << L::None << L::None << L::None;
     QTest::newRow("one") << QList<L> {L::NewProject} << L::NewProject << L::NewProject << L::None;

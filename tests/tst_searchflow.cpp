@@ -12,21 +12,6 @@ using namespace Vesko;
 
 namespace {
 
-Library libraryOf(const QStringList &texts)
-{
-    Library library = makeDefaultLibrary();
-    for (const QString &text : texts) {
-        Note note;
-        note.id = makeID();
-        note.text = text;
-        library.projects[0].sections[0].notes.append(note);
-    }
-    NoteSection work = makeInboxSection();
-    work.title = QStringLiteral("Work");
-    library.projects[0].sections.append(work);
-    return library;
-}
-
 QStringList noteTexts(const Store &store)
 {
     QStringList texts;
@@ -53,7 +38,11 @@ private Q_SLOTS:
     void blankSearchIsNoSearch();
 
 private:
-    Store *makeStore(const Library &library) { return &m_fixture->make(library); }
+    //! A Store of the notes of \a texts in an active Inbox, and an empty section besides.
+    Store *makeStore(const QString &texts)
+    {
+        return &m_fixture->make({QStringLiteral("*Inbox:") + texts + QStringLiteral("|Work")});
+    }
 
     std::unique_ptr<Test::StoreFixture> m_fixture;
 };
@@ -70,12 +59,11 @@ void SearchFlowTest::cleanup()
 
 void SearchFlowTest::clearingRestoresRowsAtOnce()
 {
-    auto store = makeStore(libraryOf({QStringLiteral("alpha"), QStringLiteral("beta")}));
+    auto store = makeStore(QStringLiteral("alpha,beta"));
     const qsizetype allRows = store->rows().size();
     store->setSearchText(QStringLiteral("alpha"));
     QTRY_COMPARE_WITH_TIMEOUT(
         noteTexts(*store), QStringList {QStringLiteral("alpha")}, Test::patience);
-
     // A search in flight when the field is cleared has no effect.
     store->setSearchText(QStringLiteral("beta"));
     store->setSearchText(QString());
@@ -87,7 +75,7 @@ void SearchFlowTest::clearingRestoresRowsAtOnce()
 
 void SearchFlowTest::onlyTheFinalTextOfQuickTypingIsSearched()
 {
-    auto store = makeStore(libraryOf({QStringLiteral("alphabet soup"), QStringLiteral("alpine")}));
+    auto store = makeStore(QStringLiteral("alphabet soup,alpine"));
     m_fixture->searchIndex().setPlan(SearchIndex::Plan::Index); // every search counted
     QVERIFY(m_fixture->searchIndex().indexedRevision()); // the first synchronisation is done
     const int before = m_fixture->searchIndex().sqlQueryCount();
@@ -104,7 +92,7 @@ void SearchFlowTest::onlyTheFinalTextOfQuickTypingIsSearched()
 
 void SearchFlowTest::sameQueryInOtherDressKeepsTheRows()
 {
-    auto store = makeStore(libraryOf({QStringLiteral("alpha"), QStringLiteral("beta")}));
+    auto store = makeStore(QStringLiteral("alpha,beta"));
     store->setSearchText(QStringLiteral("alpha"));
     QTRY_COMPARE_WITH_TIMEOUT(
         noteTexts(*store), QStringList {QStringLiteral("alpha")}, Test::patience);
@@ -123,7 +111,7 @@ void SearchFlowTest::sameQueryInOtherDressKeepsTheRows()
 
 void SearchFlowTest::newQueryEmptiesRowsUntilItsAnswer()
 {
-    auto store = makeStore(libraryOf({QStringLiteral("alpha"), QStringLiteral("beta")}));
+    auto store = makeStore(QStringLiteral("alpha,beta"));
     store->setSearchText(QStringLiteral("alpha"));
     QTRY_COMPARE_WITH_TIMEOUT(
         noteTexts(*store), QStringList {QStringLiteral("alpha")}, Test::patience);
@@ -135,11 +123,10 @@ void SearchFlowTest::newQueryEmptiesRowsUntilItsAnswer()
 
 void SearchFlowTest::changeUnderASearchReRunsIt()
 {
-    auto store = makeStore(libraryOf({QStringLiteral("alpha one"), QStringLiteral("beta")}));
+    auto store = makeStore(QStringLiteral("alpha one,beta"));
     store->setSearchText(QStringLiteral("alpha"));
     QTRY_COMPARE_WITH_TIMEOUT(
         noteTexts(*store), QStringList {QStringLiteral("alpha one")}, Test::patience);
-
     // An edit while a search is pending: the older answer is dropped, the re-run applied.
     store->setSearchText(QStringLiteral("alpha "));
     store->addNote(QStringLiteral("alpha two"));
@@ -148,7 +135,6 @@ void SearchFlowTest::changeUnderASearchReRunsIt()
     QTRY_COMPARE_WITH_TIMEOUT(noteTexts(*store),
         (QStringList {QStringLiteral("alpha one"), QStringLiteral("alpha two")}), Test::patience);
     QCOMPARE(store->appliedSearchQuery(), QStringLiteral("alpha"));
-
     // A capture with reveal clears the search.
     store->addNote(
         QStringLiteral("gamma"), std::nullopt, std::nullopt, false, std::nullopt, {}, true);
@@ -158,14 +144,13 @@ void SearchFlowTest::changeUnderASearchReRunsIt()
 
 void SearchFlowTest::blankSearchIsNoSearch()
 {
-    auto store = makeStore(libraryOf({QStringLiteral("alpha"), QStringLiteral("beta")}));
+    auto store = makeStore(QStringLiteral("alpha,beta"));
     const qsizetype allRows = store->rows().size();
     store->setSearchText(QStringLiteral("  \t "));
     QVERIFY(!store->isSearching());
     QCOMPARE(store->rows().size(), allRows);
     QTest::qWait(120);
     QCOMPARE(store->rows().size(), allRows);
-
     // Spaces of other kinds are blanks too; a line feed is not.
     store->setSearchText(QStringLiteral("\u00A0\u3000\u2003"));
     QVERIFY(!store->isSearching());

@@ -6,6 +6,7 @@
 
 #include "LibraryGenerator.h"
 #include "SmallFileSystem.h"
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
 #include "TestFiles.h"
 
@@ -65,18 +66,6 @@ std::optional<QString> moveAndWait(Store &store, const QString &destination)
     return failure.isEmpty() ? std::nullopt : std::optional<QString>(failure);
 }
 
-QStringList noteTexts(const Library &library)
-{
-    QStringList texts;
-    for (const Project &project : library.projects) {
-        for (const NoteSection &section : project.sections) {
-            for (const Note &note : section.notes)
-                texts.append(note.text);
-        }
-    }
-    return texts;
-}
-
 Library libraryWithNotes(int count)
 {
     Library library = makeDefaultLibrary();
@@ -103,7 +92,6 @@ private Q_SLOTS:
     void burstOfChangesSavesOnceAfterTheLast();
     void flushSaveCancelsThePendingSave();
     void quitWithoutChangesStillWritesOnce();
-    void pendingSaveKeepsItsPath();
     void failedSaveIsLogged();
     void failedSaveIsShownAndRetried_data();
     void failedSaveIsShownAndRetried();
@@ -156,7 +144,6 @@ void StoreTest::burstOfChangesSavesOnceAfterTheLast()
     QVERIFY(!writeLibrary(libraryWithNotes(3), libraryURL()));
     Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     QCOMPARE(backups().size(), 0);
-
     // Changes about 60 ms apart: each one postpones the save. A machine that
     // stalls for longer than the save delay between two of them may let a
     // save through, as it should; only the short gaps must be bridged.
@@ -210,28 +197,10 @@ void StoreTest::quitWithoutChangesStillWritesOnce()
     QCOMPARE(backups().size(), 1);
 }
 
-void StoreTest::pendingSaveKeepsItsPath()
-{
-    Store store(libraryWithNotes(2), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-    const QString before = libraryURL();
-    renameFirstNote(store, QStringLiteral("scheduled here"));
-
-    const QString elsewhere
-        = Test::IsolatedEnvironment::current().root() + QStringLiteral("/elsewhere/Library.json");
-    Preferences::openSettings()->setValue(QStringLiteral("libraryPath"), elsewhere);
-    QCOMPARE(libraryURL(), elsewhere);
-
-    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(before), Test::patience);
-    QVERIFY(!QFileInfo::exists(elsewhere));
-}
-
 void StoreTest::failedSaveIsLogged()
 {
     // The data folder's place is taken by a file.
-    QDir().mkpath(Test::IsolatedEnvironment::current().dataHome());
-    QFile blocker(Test::IsolatedEnvironment::current().dataHome() + QStringLiteral("/Vesko"));
-    QVERIFY(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
+    writeFile(Test::IsolatedEnvironment::current().dataHome() + QStringLiteral("/Vesko"), {});
 
     Store store(libraryWithNotes(1), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     QTest::ignoreMessage(
@@ -272,7 +241,6 @@ void StoreTest::failedSaveIsShownAndRetried()
     QTRY_VERIFY_WITH_TIMEOUT(!store.saveFailure().isEmpty(), Test::patience);
     QVERIFY2(store.saveFailure().contains(reason), qPrintable(store.saveFailure()));
     QCOMPARE(failureChanged.size(), 1);
-
     // The disk takes writes again: the change reaches the file by itself.
     QVERIFY(readOnly ? disk.setReadOnly(false) : (disk.release(), true));
     QTRY_COMPARE_WITH_TIMEOUT(loadLibrary(path).projects[0].sections[0].notes[0].text,
@@ -291,7 +259,6 @@ void StoreTest::retriesKeepTheBackups()
     writeFile(path, original);
     m_preferences->setLibraryPath(path);
     Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-
     // The save and two retries fail.
     static int failures = 0;
     failures = 0;
@@ -305,7 +272,6 @@ void StoreTest::retriesKeepTheBackups()
     qInstallMessageHandler(previous);
     QVERIFY2(store.saveFailure().contains(QStringLiteral("File name too long")),
         qPrintable(store.saveFailure()));
-
     // The file as it was, kept once: the retries pushed nothing out.
     QCOMPARE(readFile(path), original);
     const QDir backups(backupsFolder(path));
@@ -333,7 +299,6 @@ void StoreTest::undoLimitFollowsTheNoteCount()
     for (int i = 0; i < 60; ++i)
         renameFirstNote(store, QString::number(i));
     QCOMPARE(store.undoStepCount(), 60);
-
     // ...are trimmed only at the next recorded change after it grew.
     store.setLibrary(libraryWithNotes(notes));
     QCOMPARE(store.undoStepCount(), 60);
@@ -372,7 +337,6 @@ void StoreTest::equalAssignmentsStaySilent()
     store.setEditingNoteID(id);
     store.setEditingNoteID(id);
     QCOMPARE(editing.size(), 1);
-
     // Rows signal at every rebuild, even an equal one.
     store.rebuildRows();
     store.rebuildRows();
@@ -482,7 +446,6 @@ void StoreTest::restoreLatestBackup()
     QVERIFY(unreadable);
     Store store(std::move(loaded), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     store.setUnreadableLibrary(unreadable);
-
     // Notes typed into the new library, each saved: more saves than backups are kept.
     for (int i = 0; i < 2 * libraryBackupCount; ++i) {
         store.addNote(QStringLiteral("typed %1").arg(i));
@@ -557,7 +520,6 @@ void StoreTest::unreadableLibraryOutlastsARestart()
     }
     const QByteArray damaged = "{\"version\": 3, \"projects\": [tru";
     writeFile(path, damaged);
-
     // A start the program's way: the load, then the Store told what it found.
     const auto start = [this, &path] {
         std::optional<UnreadableLibrary> unreadable;
@@ -620,7 +582,6 @@ void StoreTest::unreadableLibraryOutlastsARestart()
         QTRY_VERIFY_WITH_TIMEOUT(!store->unreadableLibrary(), Test::patience);
         QCOMPARE(noteTexts(store->library()).first(), kept.first());
     }
-
     // Once acted on, the next start tells nothing.
     store.reset();
     m_writer = std::make_unique<LibraryWriter>();
@@ -632,11 +593,7 @@ void StoreTest::moveLibrary()
 {
     const QString oldPath = libraryURL();
     QVERIFY(!writeLibrary(libraryWithNotes(1), oldPath));
-    QFile attachment(attachmentsFolder(oldPath) + QStringLiteral("/A/image.png"));
-    QDir().mkpath(QFileInfo(attachment).absolutePath());
-    QVERIFY(attachment.open(QIODevice::WriteOnly));
-    attachment.write("png");
-    attachment.close();
+    writeFile(attachmentsFolder(oldPath) + QStringLiteral("/A/image.png"), "png");
 
     Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     renameFirstNote(store, QStringLiteral("moved"));
@@ -658,16 +615,12 @@ void StoreTest::moveLibrary()
     QVERIFY(store.selection().isEmpty());
     QCOMPARE(store.libraryRevision(), revision + 1);
     QVERIFY(store.canUndo()); // the stacks stay
-
     // The save that was pending still goes to the old place.
     QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(oldPath), Test::patience);
-
     // A move into a folder where the file cannot go fails and changes nothing.
     const QString blocked
         = Test::IsolatedEnvironment::current().root() + QStringLiteral("/blocked");
-    QFile file(blocked);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.close();
+    writeFile(blocked, {});
     QVERIFY(moveAndWait(store, blocked + QStringLiteral("/Library.json")).has_value());
     QCOMPARE(libraryURL(), newPath);
 }
@@ -792,7 +745,6 @@ void StoreTest::moveWaitsForQueuedSaves()
     const QString current = libraryURL();
     QVERIFY(!writeLibrary(libraryWithNotes(1), current));
     Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-
     // An older and larger state is still on its way to the file, as a save
     // queued just before the move would be. It lands whole, and before the
     // move's own write.
@@ -861,7 +813,6 @@ void StoreTest::moveCutShortLeavesTheTargetAsItWas()
         QVERIFY(!store.isMovingLibrary());
         store.flushSave();
     }
-
     // The library is written where it was, and stays there.
     QCOMPARE(libraryURL(), current);
     QCOMPARE(fileLibrary()->projects[0].sections[0].notes[0].text,
@@ -874,22 +825,23 @@ void StoreTest::moveCutShortLeavesTheTargetAsItWas()
 
 void StoreTest::savesGoWhereThePreferencesSay()
 {
-    const QString chosen
-        = Test::IsolatedEnvironment::current().root() + QStringLiteral("/chosen/Library.json");
+    const QString root = Test::IsolatedEnvironment::current().root();
+    const QString chosen = root + QStringLiteral("/chosen/Library.json");
     m_preferences->setLibraryPath(chosen);
-    // The settings file says otherwise, behind the preferences' back.
-    const QString behind
-        = Test::IsolatedEnvironment::current().root() + QStringLiteral("/behind/Library.json");
-    Preferences::openSettings()->setValue(QStringLiteral("libraryPath"), behind);
-
+    // The settings file says otherwise behind the preferences' back, before
+    // the Store starts and again while a save is pending.
+    const QStringList others
+        = {root + QStringLiteral("/behind/Library.json"), root + QStringLiteral("/elsewhere.json")};
+    Preferences::openSettings()->setValue(QStringLiteral("libraryPath"), others[0]);
     Store store(libraryWithNotes(1), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     renameFirstNote(store, QStringLiteral("saved where chosen"));
+    Preferences::openSettings()->setValue(QStringLiteral("libraryPath"), others[1]);
+    QCOMPARE(libraryURL(), others[1]);
     QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(chosen), Test::patience);
-    QVERIFY(!QFileInfo::exists(behind));
     store.flushSave();
     QCOMPARE(loadLibrary(chosen).projects[0].sections[0].notes[0].text,
         QStringLiteral("saved where chosen"));
-    QVERIFY(!QFileInfo::exists(behind));
+    QVERIFY(!QFileInfo::exists(others[0]) && !QFileInfo::exists(others[1]));
 }
 
 VESKO_TEST_MAIN(StoreTest)

@@ -923,47 +923,14 @@ public:
 
 // -- the operations of a sequence --------------------------------------------------
 
-enum class Kind {
-    AddNote,
-    AddToProject,
-    Update,
-    SetDone,
-    ToggleDone,
-    Delete,
-    ClearCompleted,
-    Merge,
-    Split,
-    MoveToProject,
-    MoveToSection,
-    MoveToIndex,
-    ToggleExpanded,
-    AddAttachments,
-    RemoveAttachment,
-    CreateOrUseSection,
-    ActivateSection,
-    JumpToSection,
-    RenameSection,
-    RenameProject,
-    MoveSectionBy,
-    MoveSectionBefore,
-    ToggleCollapsed,
-    CollapseAll,
-    ExpandAll,
-    DeleteSection,
-    CreateProject,
-    DeleteProject,
-    SwitchProject,
-    Undo,
-    Redo,
-    Search,
-    Select,
-    MoveSelection,
-    SelectAll,
-    SelectAllInSection,
-    SetEditing,
-    Preference,
-    SaveAndLoad,
-};
+// clang-format off
+enum class Kind { AddNote, AddToProject, Update, SetDone, ToggleDone, Delete, ClearCompleted, Merge,
+    Split, MoveToProject, MoveToSection, MoveToIndex, ToggleExpanded, AddAttachments,
+    RemoveAttachment, CreateOrUseSection, ActivateSection, JumpToSection, RenameSection,
+    RenameProject, MoveSectionBy, MoveSectionBefore, ToggleCollapsed, CollapseAll, ExpandAll,
+    DeleteSection, CreateProject, DeleteProject, SwitchProject, Undo, Redo, Search, Select,
+    MoveSelection, SelectAll, SelectAllInSection, SetEditing, Preference, SaveAndLoad };
+// clang-format on
 
 const char *const kindNames[] = {"addNote", "addNoteToProject", "updateNote", "setDone",
     "toggleDone", "deleteNotes", "clearCompleted", "mergeNotes", "splitNote", "moveNotesToProject",
@@ -1330,14 +1297,9 @@ private:
     static QList<NoteAttachment> records(const std::vector<MAttachment> &attachments)
     {
         QList<NoteAttachment> out;
-        for (const MAttachment &a : attachments) {
-            NoteAttachment record;
-            record.id = a.id;
-            record.fileName = a.fileName;
-            record.storedFileName = a.storedFileName;
-            record.createdAt = currentDate();
-            out.append(record);
-        }
+        for (const MAttachment &a : attachments)
+            out.append({a.id, a.fileName, a.storedFileName, NoteAttachment::Kind::File,
+                std::nullopt, std::nullopt, currentDate()});
         return out;
     }
 

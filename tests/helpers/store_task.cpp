@@ -10,9 +10,15 @@
 //                            note, prints "done" once the library is saved
 //   store_task start         prints "library PATH NOTES ATTACHMENTS" for the
 //                            file in use, once what a start cleans is clean
+//   store_task save-loop PATH N  writes the numbered states N, N+1, ... to PATH
+//                            through the program's writer until it is killed,
+//                            printing "saved N" once each is on disk
+
+#include "LibraryGenerator.h"
 
 #include "attachments/AttachmentStore.h"
 #include "library/Library.h"
+#include "library/LibraryWriter.h"
 #include "shell/Preferences.h"
 #include "store/Store.h"
 
@@ -51,8 +57,21 @@ int main(int argc, char *argv[])
         Preferences::shared().flush();
         return 0;
     }
+    if (command == u"save-loop" && arguments.size() == 4) {
+        for (int state = arguments.at(3).toInt();; ++state) {
+            if (auto failure
+                = LibraryWriter::shared().writeNow(Test::numberedLibrary(state), arguments.at(2))) {
+                std::fprintf(stderr, "%s\n", qPrintable(*failure));
+                return 1;
+            }
+            std::printf("saved %d\n", state);
+            std::fflush(stdout);
+        }
+    }
     if (command != u"start" && command != u"move" && command != u"import") {
-        std::fprintf(stderr, "usage: store_task use PATH | move TARGET | import FILE... | start\n");
+        std::fprintf(stderr,
+            "usage: store_task use PATH | move TARGET | import FILE... | start | save-loop PATH "
+            "N\n");
         return 2;
     }
     Store &store = Store::shared();

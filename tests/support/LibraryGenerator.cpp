@@ -12,49 +12,11 @@ namespace Vesko::Test {
 
 namespace {
 
-constexpr std::array words = {
-    u"the",
-    u"fix",
-    u"build",
-    u"review",
-    u"café",
-    u"naïve",
-    u"Straße",
-    u"über",
-    u"résumé",
-    u"Привет",
-    u"задача",
-    u"日本語",
-    u"メモ",
-    u"東京",
-    u"🙂",
-    u"✅",
-    u"TODO",
-    u"prompt",
-    u"function",
-    u"return",
-    u"const",
-    u"model",
-    u"context",
-    u"token",
-    u"error",
-    u"file",
-    u"path/to/file.cpp",
-    u"https://example.org/a?b=c",
-    u"\"quoted\"",
-    u"back\\slash",
-    u"email",
-    u"meeting",
-    u"tomorrow",
-    u"deploy",
-    u"check",
-    u"λ",
-    u"Ωmega",
-    u"déjà",
-    u"vu",
-    u"and",
-    u"or",
-};
+constexpr std::array words = {u"the", u"fix", u"build", u"review", u"café", u"naïve", u"Straße",
+    u"über", u"résumé", u"Привет", u"задача", u"日本語", u"メモ", u"東京", u"🙂", u"✅", u"TODO",
+    u"prompt", u"function", u"return", u"const", u"model", u"context", u"token", u"error", u"file",
+    u"path/to/file.cpp", u"https://example.org/a?b=c", u"\"quoted\"", u"back\\slash", u"email",
+    u"meeting", u"tomorrow", u"deploy", u"check", u"λ", u"Ωmega", u"déjà", u"vu", u"and", u"or"};
 
 constexpr std::array apps = {std::pair {u"Firefox", u"org.mozilla.firefox"},
     std::pair {u"Terminal", u"org.gnome.Terminal"}, std::pair {u"Code", u"code"},
@@ -220,6 +182,13 @@ Library generateLibraryWithActiveProject(qsizetype total, qsizetype active, quin
     for (NoteSection &section : first.sections)
         section.isCollapsed = false;
     library.activeProjectID = first.id;
+    return library;
+}
+
+Library numberedLibrary(int number)
+{
+    Library library = generateLibrary(200 + number % 7 * 50, quint32(number));
+    library.projects[0].name = QStringLiteral("state %1").arg(number);
     return library;
 }
 

@@ -18,4 +18,7 @@ Library generateLibrary(qsizetype noteCount, quint32 seed = 1);
 //! with its sections open, holds exactly \a active of them.
 Library generateLibraryWithActiveProject(qsizetype total, qsizetype active, quint32 seed = 1);
 
+//! The library of state \a number that a save loop writes, named "state N" in its first project.
+Library numberedLibrary(int number);
+
 } // namespace Vesko::Test

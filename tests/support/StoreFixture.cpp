@@ -56,6 +56,59 @@ QList<QUuid> noteIDs(const QString &letters)
     return ids;
 }
 
+Note noteWith(const QString &text, const QStringList &attachmentNames)
+{
+    Note note;
+    note.id = makeID();
+    note.text = text;
+    for (const QString &name : attachmentNames) {
+        NoteAttachment attachment;
+        attachment.id = makeID();
+        attachment.fileName = name;
+        attachment.storedFileName = attachment.id.toString(QUuid::WithoutBraces) + u'/' + name;
+        note.attachments.append(attachment);
+    }
+    return note;
+}
+
+QString describeRuns(const MarkdownText &text, const QList<std::pair<int, QChar>> &more)
+{
+    QString out;
+    qsizetype at = 0;
+    for (const MarkdownRun &run : text.runs) {
+        out += text.text.mid(at, run.start - at);
+        QString flags;
+        for (const auto &[attribute, letter] :
+            {std::pair(MarkdownRun::Emphasis, u'E'), std::pair(MarkdownRun::Strong, u'S'),
+                std::pair(MarkdownRun::Strikethrough, u'X'), std::pair(MarkdownRun::Code, u'C'),
+                std::pair(MarkdownRun::Link, u'L'), std::pair(MarkdownRun::Image, u'I')}) {
+            if (run.attributes & attribute)
+                flags += letter;
+            if (run.attributes & attribute & (MarkdownRun::Link | MarkdownRun::Image))
+                flags += u'(' + run.destination + u')';
+        }
+        for (const auto &[attribute, letter] : more) {
+            if (run.attributes & attribute)
+                flags += letter;
+        }
+        out += u'{' + flags + u':' + text.text.mid(run.start, run.length) + u'}';
+        at = run.start + run.length;
+    }
+    return out + text.text.mid(at);
+}
+
+QStringList noteTexts(const Library &library)
+{
+    QStringList texts;
+    for (const Project &project : library.projects) {
+        for (const NoteSection &section : project.sections) {
+            for (const Note &note : section.notes)
+                texts.append(note.text);
+        }
+    }
+    return texts;
+}
+
 StoreFixture::StoreFixture()
 {
     Preferences::openSettings()->clear();

@@ -13,6 +13,7 @@
 #include "library/LibraryWriter.h"
 #include "search/SearchIndex.h"
 #include "shell/Preferences.h"
+#include "store/MarkdownText.h"
 #include "store/Store.h"
 
 #include <memory>
@@ -25,6 +26,14 @@ QUuid idFor(const QString &name);
 Project describedProject(const QString &description, const QString &name = QStringLiteral("P"));
 //! The notes named by letters separated by commas.
 QList<QUuid> noteIDs(const QString &letters);
+//! A note of \a text with a new id and files of the names given attached.
+Note noteWith(const QString &text, const QStringList &attachmentNames = {});
+//! \a text as "plain {flags:attributed} plain": E emphasis, S strong,
+//! X strikethrough, C code, L(target) link, I(target) image, then the letters
+//! of \a more for attributes of the caller's.
+QString describeRuns(const MarkdownText &text, const QList<std::pair<int, QChar>> &more = {});
+//! The texts of every note of \a library, project by project, section by section.
+QStringList noteTexts(const Library &library);
 
 class StoreFixture
 {
