@@ -5,7 +5,6 @@
 // are stand-ins that record what they were asked. Also the choice of what to
 // read from the clipboard, and files added while the library moves.
 
-#include "OtherUser.h"
 #include "TestEnvironment.h"
 
 #include "attachments/AttachmentActions.h"
@@ -103,8 +102,6 @@ private Q_SLOTS:
     void cancelledDialogDoesNothing();
     void nothingToHandTheFileTo_data();
     void nothingToHandTheFileTo();
-    void unreadableSecondFileAttachesNothing_data();
-    void unreadableSecondFileAttachesNothing();
     void sameNameTwiceOpensBoth();
     void newNoteImportGivesRecords();
     void addedDuringAMoveGoToTheNewFolder_data();
@@ -293,51 +290,6 @@ void AttachmentActionsTest::cancelledDialogDoesNothing()
     QVERIFY(m_store->note(m_noteID)->attachments.isEmpty());
     // A drop without files is refused.
     QVERIFY(!m_actions->dropFiles({}, m_noteID));
-}
-
-void AttachmentActionsTest::unreadableSecondFileAttachesNothing_data()
-{
-    QTest::addColumn<QString>("fault");
-    QTest::newRow("the second file is missing") << "missing";
-    QTest::newRow("the second file may not be read") << "no permission";
-}
-
-void AttachmentActionsTest::unreadableSecondFileAttachesNothing()
-{
-    QFETCH(QString, fault);
-    const QString folder = attachmentsFolder(libraryURL());
-    const QString first = makeSource(QStringLiteral("first.txt"));
-    QString second = m_scratch->filePath(QStringLiteral("second.txt"));
-    if (fault == u"no permission") {
-        // Only its owner may read it, and the importer runs as another user,
-        // whom root's permissions do not reach.
-        makeSource(QStringLiteral("second.txt"));
-        QVERIFY(QFile::setPermissions(second, QFileDevice::WriteOwner));
-        QDir().mkpath(folder);
-        const QString top = Test::IsolatedEnvironment::current().root();
-        Test::letNobodyIn(m_scratch->path(), top, false);
-        Test::letNobodyIn(folder, top, true);
-        m_actions.reset();
-        m_store.reset();
-        {
-            Test::FileAccessAsNobody otherUser;
-            m_files = std::make_unique<AttachmentStore>(); // its thread is nobody's
-        }
-        m_store = std::make_unique<Store>(makeDefaultLibrary(),
-            Store::Services {*m_preferences, *m_writer, *m_files, *m_searchIndex});
-        m_actions = std::make_unique<AttachmentActions>(AttachmentActions::Services {
-            *m_store, *m_files, m_chooser, m_pasteboard, m_desktop, m_feedback});
-        m_noteID = m_store->addNote(QStringLiteral("target"))->id;
-    }
-
-    QVERIFY(
-        m_actions->dropFiles({QUrl::fromLocalFile(first), QUrl::fromLocalFile(second)}, m_noteID));
-    QVERIFY(QTest::qWaitFor([&] { return !m_feedback.toasts.isEmpty(); }, 10000));
-    QCOMPARE(m_feedback.toasts.size(), 1);
-    QCOMPARE(m_feedback.toasts.first().message, QStringLiteral("Could Not Add Attachment"));
-    QVERIFY(m_store->note(m_noteID)->attachments.isEmpty());
-    // The copy of the first file went again with the failure of the second.
-    QVERIFY(QDir(folder).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
 }
 
 void AttachmentActionsTest::sameNameTwiceOpensBoth()
