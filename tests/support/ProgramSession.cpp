@@ -109,6 +109,11 @@ QProcess *ProgramSession::start(
     return process;
 }
 
+QStringList words(const QString &line)
+{
+    return line.split(u' ', Qt::SkipEmptyParts);
+}
+
 QString xdotool(const QStringList &arguments)
 {
     QProcess process;
