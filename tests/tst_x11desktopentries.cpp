@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The desktop entries that name the application in front: which entry a
-// window's ids and class find, in which order the folders and the
-// candidates count, and a first lookup that is answered once the folders
-// are read, while the event loop goes on, or without an entry when they
-// take too long; and the name a front application is given from its entry,
-// else from its window's own names.
+// window's ids and class find, a first lookup answered on the event loop or
+// given up, and the name a front application is given.
 
 #include "TestEnvironment.h"
 
