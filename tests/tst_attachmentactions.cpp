@@ -5,16 +5,14 @@
 // are stand-ins that record what they were asked. Also the choice of what to
 // read from the clipboard, and files added while the library moves.
 
+#include "StoreFixture.h"
 #include "TestEnvironment.h"
 
 #include "attachments/AttachmentActions.h"
 #include "library/LibraryFile.h"
-#include "library/LibraryWriter.h"
 #include "platform/DesktopFiles.h"
 #include "platform/FileChooser.h"
 #include "platform/Pasteboard.h"
-#include "shell/Preferences.h"
-#include "store/Store.h"
 
 #include <QDir>
 #include <QSignalSpy>
@@ -24,20 +22,15 @@ using namespace Vesko;
 
 namespace {
 
-struct Toast
-{
-    QString message;
-    QString symbol;
-};
-
+//! Each toast as "message|symbol".
 class RecordingFeedback : public AttachmentFeedback
 {
 public:
     void toast(const QString &message, const QString &symbol) override
     {
-        toasts.append({message, symbol});
+        toasts.append(message + u'|' + symbol);
     }
-    QList<Toast> toasts;
+    QStringList toasts;
 };
 
 // Answers later, through the event loop, as the real dialog does.
@@ -115,11 +108,9 @@ private:
     QString makeSource(const QString &name);
 
     std::unique_ptr<QTemporaryDir> m_scratch;
-    std::unique_ptr<Preferences> m_preferences;
-    std::unique_ptr<LibraryWriter> m_writer;
-    std::unique_ptr<AttachmentStore> m_files;
-    std::unique_ptr<SearchIndex> m_searchIndex;
-    std::unique_ptr<Store> m_store;
+    std::unique_ptr<Test::StoreFixture> m_fixture;
+    Store *m_store = nullptr;
+    AttachmentStore *m_files = nullptr;
     FakeChooser m_chooser;
     FakePasteboard m_pasteboard;
     RecordingDesktop m_desktop;
@@ -132,14 +123,10 @@ void AttachmentActionsTest::init()
 {
     m_scratch = std::make_unique<QTemporaryDir>(
         Test::IsolatedEnvironment::current().root() + QStringLiteral("/scratch-XXXXXX"));
-    Preferences::openSettings()->clear();
     QDir(Test::IsolatedEnvironment::current().dataHome()).removeRecursively();
-    m_preferences = std::make_unique<Preferences>();
-    m_writer = std::make_unique<LibraryWriter>();
-    m_files = std::make_unique<AttachmentStore>();
-    m_searchIndex = std::make_unique<SearchIndex>();
-    m_store = std::make_unique<Store>(makeDefaultLibrary(),
-        Store::Services {*m_preferences, *m_writer, *m_files, *m_searchIndex});
+    m_fixture = std::make_unique<Test::StoreFixture>();
+    m_store = &m_fixture->make(makeDefaultLibrary());
+    m_files = &m_fixture->attachments();
     m_chooser = {};
     m_pasteboard = {};
     m_desktop = {};
@@ -152,10 +139,7 @@ void AttachmentActionsTest::init()
 void AttachmentActionsTest::cleanup()
 {
     m_actions.reset();
-    m_store.reset();
-    m_files.reset();
-    m_writer.reset();
-    m_searchIndex.reset();
+    m_fixture.reset();
     m_scratch.reset();
 }
 
@@ -231,8 +215,7 @@ void AttachmentActionsTest::toasts()
     } else {
         QVERIFY(QTest::qWaitFor([&] { return !m_feedback.toasts.isEmpty(); }, 10000));
         QCOMPARE(m_feedback.toasts.size(), 1);
-        QCOMPARE(m_feedback.toasts.first().message, message);
-        QCOMPARE(m_feedback.toasts.first().symbol, symbol);
+        QCOMPARE(m_feedback.toasts.first(), message + u'|' + symbol);
     }
     QCOMPARE(m_store->note(m_noteID)->attachments.size(), attached);
     QCOMPARE(m_store->undoStepCount(), undoSteps + (attached > 0 ? 1 : 0));
@@ -275,8 +258,7 @@ void AttachmentActionsTest::nothingToHandTheFileTo()
         QVERIFY(m_feedback.toasts.isEmpty());
     } else {
         QCOMPARE(m_feedback.toasts.size(), 1);
-        QCOMPARE(m_feedback.toasts.first().message, message);
-        QCOMPARE(m_feedback.toasts.first().symbol, QStringLiteral("exclamationmark.triangle"));
+        QCOMPARE(m_feedback.toasts.first(), message + QStringLiteral("|exclamationmark.triangle"));
     }
 }
 
@@ -342,7 +324,8 @@ void AttachmentActionsTest::newNoteImportGivesRecords()
     QVERIFY(QTest::qWaitFor([&] { return answer.has_value(); }, 10000));
     QVERIFY(!answer->has_value());
     QCOMPARE(m_feedback.toasts.size(), 1);
-    QCOMPARE(m_feedback.toasts.first().message, QStringLiteral("Could Not Add Attachment"));
+    QCOMPARE(m_feedback.toasts.first(),
+        QStringLiteral("Could Not Add Attachment|exclamationmark.triangle"));
 }
 
 void AttachmentActionsTest::addedDuringAMoveGoToTheNewFolder_data()
@@ -375,7 +358,7 @@ void AttachmentActionsTest::addedDuringAMoveGoToTheNewFolder()
 
     const QString destination = m_scratch->filePath(QStringLiteral("Moved"));
     QDir().mkpath(destination);
-    QSignalSpy finished(m_store.get(), &Store::libraryMoveFinished);
+    QSignalSpy finished(m_store, &Store::libraryMoveFinished);
     m_store->moveLibrary(destination);
     QVERIFY(m_store->isMovingLibrary());
 
