@@ -85,7 +85,6 @@ private Q_SLOTS:
     void silentOwnerEndsTheSnapshot();
     void wholeOrNothing_data();
     void wholeOrNothing();
-    void ownerSilentOnItsFormats();
     void lateRefusalOfAGivenUpSnapshot();
     void largeImagePiecewise();
     void emptyClipboardRestoresEmpty();
@@ -206,6 +205,9 @@ void ClipboardTest::wholeOrNothing_data()
         html, "0", "<b>h</b>", text, "0", "t"} << true << QStringList {html, "text/plain"};
     QTest::newRow("a format never sent") << QStringList {own, "0", "o", html, "-1", "<b>h</b>",
         text, "0", "t"} << false << QStringList {};
+    // Nothing is known to put back: an empty snapshot would empty the user's clipboard.
+    QTest::newRow("not even the list of formats")
+        << QStringList {"TARGETS", "-1", "x"} << false << QStringList {};
 }
 
 void ClipboardTest::wholeOrNothing()
@@ -224,19 +226,6 @@ void ClipboardTest::wholeOrNothing()
         QCOMPARE(snapshot->size(), 1);
         QCOMPARE(snapshot->first().keys(), formats);
     }
-}
-
-void ClipboardTest::ownerSilentOnItsFormats()
-{
-    // Not even the list of formats comes: nothing is known to put back.
-    QProcess owner;
-    QVERIFY(startSelectionOwner(
-        owner, {QStringLiteral("TARGETS"), QStringLiteral("-1"), QStringLiteral("x")}));
-    X11Clipboard clipboard;
-    const std::optional<Clipboard::Snapshot> snapshot = snapshotOf(clipboard);
-    owner.kill();
-    owner.waitForFinished();
-    QVERIFY2(!snapshot, "an empty snapshot would empty the user's clipboard");
 }
 
 void ClipboardTest::lateRefusalOfAGivenUpSnapshot()
