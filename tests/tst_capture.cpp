@@ -147,7 +147,8 @@ void CaptureTest::cleanWindowTitle_data()
     // clang-format off
     QTest::newRow("chrome") << u"Docs \u2014 Google Chrome"_qs << "Docs";
     QTest::newRow("cursor twice") << "a.ts - Cursor - Cursor" << "a.ts - Cursor";
-    QTest::newRow("suffix before trimming") << u"Page \u2014 Safari "_qs << u"Page \u2014 Safari"_qs;
+    QTest::newRow("suffix before trimming")
+        << u"Page \u2014 Safari "_qs << u"Page \u2014 Safari"_qs;
     QTest::newRow("arc en dash") << u"Tab \u2013 Arc"_qs << "Tab";
     QTest::newRow("firefox asymmetry") << "Page - Firefox" << "Page - Firefox";
     QTest::newRow("mozilla firefox") << "Page - Mozilla Firefox" << "Page";
@@ -385,7 +386,8 @@ void CaptureTest::copyFallbacks_data()
     // The user's clipboard holds HTML and text before each case.
     // clang-format off
     QTest::newRow("text at once") << "text" << true << QList<int> {1} << "copied" << "html";
-    QTest::newRow("text at the second attempt") << "second" << true << QList<int> {1, 2} << "copied" << "html";
+    QTest::newRow("text at the second attempt")
+        << "second" << true << QList<int> {1, 2} << "copied" << "html";
     QTest::newRow("image only") << "image" << true << QList<int> {1, 2} << "" << "image";
     QTest::newRow("silence") << "nothing" << true << QList<int> {1, 2} << "" << "html";
     QTest::newRow("blank text") << "blank" << true << QList<int> {1} << "" << "html";

@@ -403,14 +403,14 @@ void CaptureWaylandTest::pipeRead_data()
     QTest::addColumn<bool>("closed");
     QTest::addColumn<std::optional<QByteArray>>("expected");
     const QByteArray text("words from another client");
-    // clang-format off
     QTest::newRow("sent whole") << text << true << std::optional<QByteArray>(text);
-    QTest::newRow("nothing sent, closed") << QByteArray() << true << std::optional<QByteArray>(QByteArray());
+    QTest::newRow("nothing sent, closed")
+        << QByteArray() << true << std::optional<QByteArray>(QByteArray());
     QTest::newRow("never ends") << text << false << std::optional<QByteArray>();
     // The cap of these reads is 4096 bytes.
     QTest::newRow("over the cap") << QByteArray(4097, 'x') << true << std::optional<QByteArray>();
-    QTest::newRow("at the cap") << QByteArray(4096, 'x') << true << std::optional<QByteArray>(QByteArray(4096, 'x'));
-    // clang-format on
+    QTest::newRow("at the cap") << QByteArray(4096, 'x') << true
+                                << std::optional<QByteArray>(QByteArray(4096, 'x'));
 }
 
 void CaptureWaylandTest::pipeRead()
