@@ -340,6 +340,8 @@ void X11SessionTest::heldKeysAreAwaited()
     QFETCH(bool, grabbed);
     QFETCH(int, releaseAfter);
     const auto usAfterwards = qScopeGuard([] { Test::setxkbmap({QStringLiteral("us")}); });
+    // The layout changes under a running session, which follows it.
+    X11Session session;
     QVERIFY(Test::setxkbmap({QStringLiteral("-layout"), layout}));
     const QString text = QStringLiteral("words of the copy target");
     CopyTarget target(text);
@@ -358,7 +360,6 @@ void X11SessionTest::heldKeysAreAwaited()
     if (grabbed)
         QTRY_COMPARE_WITH_TIMEOUT(reports, 1, Test::patience); // the grab is active now
 
-    X11Session session;
     if (releaseAfter >= 0 && !held.isEmpty()) {
         QTimer::singleShot(releaseAfter, [held] { xdotool({QStringLiteral("keyup"), held}); });
     }
