@@ -205,6 +205,9 @@ void CaptureTest::hotKeysFromSettings()
         center.clearCombo(HotKeyAction::QuickAdd);
         center.setCombo(
             {71, ModifierFlag::Shift | ModifierFlag::Command}, HotKeyAction::TogglePanel);
+        // Read back at once, whether or not the writer's thread has written it yet.
+        QCOMPARE(HotKeyCenter(registrar).combo(HotKeyAction::TogglePanel),
+            KeyCombo({71, ModifierFlag::Shift | ModifierFlag::Command}));
     }
     // The centre's values reach the file on the writer's thread: a write of
     // the file by hand waits for them, or one of the two is lost.
