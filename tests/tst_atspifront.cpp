@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The application in front as the accessibility bus tells it, against real
-// GTK applications on a private session bus and accessibility bus in a
-// private X session (tests/x-session.sh, dbus-run-session): the desktop
-// entry that the program's start or its name finds, the frame's title; an
-// application that stopped answering costs a bounded wait, and the next
-// read still works; a bus out of reach at first is found by a later capture;
-// the reader's end waits for no read under way.
+// The application in front as the accessibility bus tells it, against real GTK
+// applications in a private X session and buses: the desktop entry and title,
+// stopped applications, a bus out of reach or hung, and the reader's end.
 
 #include "TestEnvironment.h"
 

@@ -1,22 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Capture on Wayland from the outside, in a private headless sway
-// (tests/sway-session.sh): a foot window's primary selection becomes a note
-// labelled "Foot — TITLE", whether the capture comes from the command line,
-// a sway key binding, or two Shift taps the compositor reports (through
-// `vesko shift`, or over the bus as KWin calls, where lone taps capture
-// nothing); a window
-// without a primary selection is read through a synthetic copy and the
-// clipboard is put back; a selection owner that never sends, or never stops
-// sending, ends in "Nothing Selected" and Vesko captures again afterwards,
-// also with data control switched off (the selection then read as the panel
-// takes the focus). In a private headless mutter (tests/mutter-session.sh),
-// GNOME's compositor, without data control: the command line's capture
-// reads the selection as the panel takes the focus, and one over the cap
-// ends in "Nothing Selected". Vesko's own clipboard outlives a reader that
-// leaves halfway through.
-// Beside them, without sway: the pipe read those rest on, and data control
-// on a compositor of the test's own that withdraws its globals.
+// Capture on Wayland from the outside: in a headless sway (tests/sway-session.sh)
+// from foot by every trigger, through a synthetic copy, and against selection
+// owners that never send or never stop; in a headless mutter
+// (tests/mutter-session.sh), on the panel's focus. Beside them, the pipe read and
+// data control on a compositor of the test's own that withdraws its globals.
 
 #include "TestEnvironment.h"
 
@@ -25,17 +13,17 @@
 #include "platform/wayland/WaylandDataControl.h"
 #include "platform/wayland/WaylandGlobals.h"
 #include "platform/wayland/WaylandPipeReader.h"
-#include "shell/CaptureStatus.h"
 #include "platform/wayland/WaylandPrimarySelection.h"
+#include "shell/CaptureStatus.h"
 
 #include "wlr-data-control-unstable-v1-server-protocol.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
-#include <QDeadlineTimer>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
+#include <QDeadlineTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -74,50 +62,32 @@ QString client(const QString &program, const QStringList &arguments, const QByte
     return QString::fromUtf8(process.readAllStandardOutput());
 }
 
-QString swaymsg(const QStringList &arguments)
+//! Runs \a line, a program and its arguments split at spaces, as client() does.
+QString client(const QString &line, const QByteArray &input = {})
 {
-    return client(QStringLiteral("swaymsg"), arguments);
+    const QStringList words = Test::words(line);
+    return client(words.first(), words.mid(1), input);
 }
 
-//! The windows of the sway tree: their name and app_id, and which has the focus.
-struct Window
+//! Whether the node of sway's tree that has the focus, under \a node, is named \a name.
+bool focusedIn(const QJsonObject &node, const QString &name)
 {
-    QString name;
-    QString appID;
-    bool focused = false;
-};
-
-void collect(const QJsonObject &node, QList<Window> &windows)
-{
-    if (node.value(QStringLiteral("type")).toString() != u"workspace"
-        && node.contains(QStringLiteral("app_id"))) {
-        windows.append({node.value(QStringLiteral("name")).toString(),
-            node.value(QStringLiteral("app_id")).toString(),
-            node.value(QStringLiteral("focused")).toBool()});
-    }
+    if (node.value(QStringLiteral("focused")).toBool())
+        return node.value(QStringLiteral("name")).toString() == name;
     for (const char *children : {"nodes", "floating_nodes"}) {
-        for (const QJsonValue child : node.value(QLatin1String(children)).toArray())
-            collect(child.toObject(), windows);
+        for (const QJsonValue child : node.value(QLatin1String(children)).toArray()) {
+            if (focusedIn(child.toObject(), name))
+                return true;
+        }
     }
-}
-
-QList<Window> windows()
-{
-    QList<Window> found;
-    collect(QJsonDocument::fromJson(
-                swaymsg({QStringLiteral("-t"), QStringLiteral("get_tree")}).toUtf8())
-                .object(),
-        found);
-    return found;
+    return false;
 }
 
 bool focusedWindowIs(const QString &name)
 {
-    for (const Window &window : windows()) {
-        if (window.focused)
-            return window.name == name;
-    }
-    return false;
+    return focusedIn(
+        QJsonDocument::fromJson(client(QStringLiteral("swaymsg -t get_tree")).toUtf8()).object(),
+        name);
 }
 
 class WaylandCapture : public Test::ProgramSession
@@ -167,23 +137,17 @@ public:
             // One wtype, one virtual keyboard: a keyboard made anew for each
             // step loses the first key that follows it.
             client(QStringLiteral("wtype"),
-                {QStringLiteral("-k"), QStringLiteral("Escape"), QStringLiteral("-M"),
-                    QStringLiteral("ctrl"), QStringLiteral("-M"), QStringLiteral("shift"),
-                    QStringLiteral("-k"), QStringLiteral("r"), QStringLiteral("-m"),
-                    QStringLiteral("shift"), QStringLiteral("-m"), QStringLiteral("ctrl"),
-                    QStringLiteral("-s"), QStringLiteral("300"), text, QStringLiteral("-s"),
-                    QStringLiteral("100"), QStringLiteral("-k"), QStringLiteral("Return")});
-            const bool selected = QTest::qWaitFor(
-                [&] {
-                    return client(QStringLiteral("wl-paste"),
-                               {QStringLiteral("--primary"), QStringLiteral("--no-newline")})
-                        == text;
-                },
-                3000);
-            if (selected)
+                Test::words(
+                    QStringLiteral("-k Escape -M ctrl -M shift -k r -m shift -m ctrl -s 300"))
+                    << text << Test::words(QStringLiteral("-s 100 -k Return")));
+            if (QTest::qWaitFor(
+                    [&] {
+                        return client(QStringLiteral("wl-paste --primary --no-newline")) == text;
+                    },
+                    3000))
                 return true;
             qWarning("foot's primary selection: \"%s\"",
-                qPrintable(client(QStringLiteral("wl-paste"), {QStringLiteral("--primary")})));
+                qPrintable(client(QStringLiteral("wl-paste --primary"))));
         }
         return false;
     }
@@ -496,25 +460,20 @@ void CaptureWaylandTest::captureFromFoot()
     if (trigger == u"command") {
         QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
     } else if (trigger == u"binding") {
-        swaymsg({QStringLiteral("bindsym --no-warn Mod4+Mod1+c ")
-            + session.veskoCommand(QStringLiteral("capture"))});
-        client(QStringLiteral("wtype"),
-            {QStringLiteral("-M"), QStringLiteral("logo"), QStringLiteral("-M"),
-                QStringLiteral("alt"), QStringLiteral("-k"), QStringLiteral("c"),
-                QStringLiteral("-m"), QStringLiteral("alt"), QStringLiteral("-m"),
-                QStringLiteral("logo")});
+        client(QStringLiteral("swaymsg"),
+            {QStringLiteral("bindsym --no-warn Mod4+Mod1+c ")
+                + session.veskoCommand(QStringLiteral("capture"))});
+        client(QStringLiteral("wtype -M logo -M alt -k c -m alt -m logo"));
     } else if (trigger == u"bus") {
         // The call the Capture tab has KWin make on each lone Shift release.
-        const QStringList call = kwinShiftCommands(QStringLiteral("6"))
-                                     .section(u'"', 1, 1)
-                                     .split(u',');
+        const QStringList call
+            = kwinShiftCommands(QStringLiteral("6")).section(u'"', 1, 1).split(u',');
         QCOMPARE(call.size(), 4);
         const auto tap = [&call] {
             QProcess gdbus;
             gdbus.start(QStringLiteral("gdbus"),
-                {QStringLiteral("call"), QStringLiteral("--session"), QStringLiteral("-d"),
-                    call.at(0), QStringLiteral("-o"), call.at(1), QStringLiteral("-m"),
-                    call.at(2) + u'.' + call.at(3)});
+                Test::words(QStringLiteral("call --session -d %1 -o %2 -m %3.%4")
+                                .arg(call.at(0), call.at(1), call.at(2), call.at(3))));
             return gdbus.waitForFinished(10000) && gdbus.exitCode() == 0;
         };
         // Lone taps further apart than the gesture's widest gap capture nothing.
@@ -526,11 +485,10 @@ void CaptureWaylandTest::captureFromFoot()
         QVERIFY(tap());
         QVERIFY(tap());
     } else {
-        swaymsg({QStringLiteral("bindsym --no-warn --release Shift_L ")
-            + session.veskoCommand(QStringLiteral("shift"))});
-        client(QStringLiteral("wtype"),
-            {QStringLiteral("-k"), QStringLiteral("Shift_L"), QStringLiteral("-s"),
-                QStringLiteral("150"), QStringLiteral("-k"), QStringLiteral("Shift_L")});
+        client(QStringLiteral("swaymsg"),
+            {QStringLiteral("bindsym --no-warn --release Shift_L ")
+                + session.veskoCommand(QStringLiteral("shift"))});
+        client(QStringLiteral("wtype -k Shift_L -s 150 -k Shift_L"));
     }
     QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, Test::patience);
     const Library library = Test::readLibraryFile(session.libraryPath());
@@ -553,8 +511,8 @@ void CaptureWaylandTest::copyFallback()
         return;
     WaylandCapture session;
     QVERIFY(session.startVesko());
-    client(QStringLiteral("wl-copy"), {}, QByteArray("the user's clipboard"));
-    client(QStringLiteral("wl-copy"), {QStringLiteral("--primary"), QStringLiteral("--clear")});
+    client(QStringLiteral("wl-copy"), QByteArray("the user's clipboard"));
+    client(QStringLiteral("wl-copy --primary --clear"));
     const QString text = QStringLiteral("text from the copy target");
     QProcess *target
         = session.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("100")});
@@ -566,7 +524,7 @@ void CaptureWaylandTest::copyFallback()
     QCOMPARE(session.notes().first().source->windowTitle, QStringLiteral("Copy Target"));
     // The window got exactly the copy keys, and the clipboard is the user's again.
     QVERIFY(QString::fromUtf8(target->readAllStandardOutput()).startsWith(u"key Ctrl+Ins\n"));
-    QTRY_COMPARE_WITH_TIMEOUT(client(QStringLiteral("wl-paste"), {QStringLiteral("--no-newline")}),
+    QTRY_COMPARE_WITH_TIMEOUT(client(QStringLiteral("wl-paste --no-newline")),
         QStringLiteral("the user's clipboard"), 10000);
 }
 
@@ -605,7 +563,7 @@ void CaptureWaylandTest::misbehavingOwner()
 
     // Vesko answers, and the next capture takes the next selection.
     const QString text = QStringLiteral("the next selection");
-    client(QStringLiteral("wl-copy"), {QStringLiteral("--primary")}, text.toUtf8());
+    client(QStringLiteral("wl-copy --primary"), text.toUtf8());
     QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
     QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 15000);
     QCOMPARE(session.notes().first().text, text);
@@ -736,11 +694,10 @@ void CaptureWaylandTest::clipboardReaderLeavesEarly()
             }
             return reader.readAllStandardOutput();
         };
-        QCOMPARE(paste(QStringLiteral("wl-paste --type text/plain | head -c 5")),
-            QByteArray("xxxxx"));
+        QCOMPARE(
+            paste(QStringLiteral("wl-paste --type text/plain | head -c 5")), QByteArray("xxxxx"));
         // Still here, and the next reader takes all of it.
-        QCOMPARE(paste(QStringLiteral("wl-paste --no-newline --type text/plain | wc -c"))
-                     .trimmed(),
+        QCOMPARE(paste(QStringLiteral("wl-paste --no-newline --type text/plain | wc -c")).trimmed(),
             QByteArray::number(text.size()));
         QCOMPARE(wl_display_get_error(display), 0);
     }
@@ -766,13 +723,11 @@ void CaptureWaylandTest::captureOnPanelFocus()
     // under sway (misbehavingOwner). The row's selection is in place once
     // one is offered again after the last row's was cleared.
     const QString text = QStringLiteral("words selected in an editor");
-    client(QStringLiteral("wl-copy"), {QStringLiteral("--primary"), QStringLiteral("--clear")});
-    client(QStringLiteral("wl-copy"), {QStringLiteral("--primary")},
+    client(QStringLiteral("wl-copy --primary --clear"));
+    client(QStringLiteral("wl-copy --primary"),
         owner == u"flood" ? QByteArray(WaylandPrimarySelection::capBytes + 1, 'x') : text.toUtf8());
-    QTRY_VERIFY_WITH_TIMEOUT(!client(QStringLiteral("wl-paste"),
-                                 {QStringLiteral("--primary"), QStringLiteral("--list-types")})
-                                  .isEmpty(),
-        15000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !client(QStringLiteral("wl-paste --primary --list-types")).isEmpty(), 15000);
 
     WaylandCapture session;
     // Ready once capture has started (the log says so), not only the bus name;
@@ -797,7 +752,7 @@ void CaptureWaylandTest::captureOnPanelFocus()
 
     // Vesko answers, and the next capture takes the next selection.
     const QString next = QStringLiteral("the next selection");
-    client(QStringLiteral("wl-copy"), {QStringLiteral("--primary")}, next.toUtf8());
+    client(QStringLiteral("wl-copy --primary"), next.toUtf8());
     QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
     QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, 15000);
     QCOMPARE(session.notes().first().text, next);

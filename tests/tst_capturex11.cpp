@@ -1,14 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Capture from the outside, on a real X server with a window manager: text
-// selected in an xterm becomes a note labelled with the xterm and its title
-// after two Shift taps or the capture hot key; a window that answers Ctrl+C
-// slowly is read through the clipboard, which is put back afterwards, and a
-// second gesture during that capture adds nothing; the capture hot key held
-// down through the keyboard's repeats captures once, into a window that
-// only answers a clean copy; held on after Vesko has stopped waiting for it,
-// it gets no copy mixed with the held keys, and its next press captures;
-// with nothing selected there is a toast and no note.
+// Capture from the outside on a real X server with a window manager: from an
+// xterm by double Shift or the hot key, through a slow copy with the clipboard
+// put back, with the hot key held down, and with nothing selected.
 
 #include "TestEnvironment.h"
 
@@ -21,10 +15,12 @@ using Test::xdotool;
 
 namespace {
 
-QString xclip(const QStringList &arguments, const QByteArray &input = {})
+using Test::words;
+
+QString xclip(const QString &arguments, const QByteArray &input = {})
 {
     QProcess process;
-    process.start(QStringLiteral("xclip"), arguments);
+    process.start(QStringLiteral("xclip"), words(arguments));
     if (!input.isNull()) {
         process.write(input);
         process.closeWriteChannel();
@@ -32,6 +28,22 @@ QString xclip(const QStringList &arguments, const QByteArray &input = {})
     // xclip -i stays in the background to serve the selection; its parent returns.
     process.waitForFinished(Test::patience);
     return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+QString clipboard()
+{
+    return xclip(QStringLiteral("-o -selection clipboard"));
+}
+
+//! Waits for a visible window named exactly \a title and activates it; its id, or empty.
+QString activate(const QString &title)
+{
+    QString window;
+    if (QTest::qWaitFor(
+            [&] { return !(window = Test::visibleWindow(u'^' + title + u'$')).isEmpty(); },
+            Test::patience))
+        xdotool(words(QStringLiteral("windowactivate --sync ") + window));
+    return window;
 }
 
 class CaptureSession : public Test::ProgramSession
@@ -52,38 +64,33 @@ public:
         return vesko;
     }
 
-    //! An xterm titled \a title showing \a line; returns its window id.
+    //! An xterm titled \a title showing \a line, in front; returns its window id.
     QString startXterm(const QString &title, const QString &line)
     {
         start(QStringLiteral("xterm"),
-            {QStringLiteral("-T"), title, QStringLiteral("-geometry"), QStringLiteral("80x8+20+20"),
-                QStringLiteral("-e"), QStringLiteral("sh"), QStringLiteral("-c"),
-                QStringLiteral("printf '%s\\n' '%1'; sleep 600").arg(line)});
-        QString window;
-        (void)QTest::qWaitFor(
-            [&] {
-                window = Test::visibleWindow(QLatin1Char('^') + title + QLatin1Char('$'));
-                return !window.isEmpty();
-            },
-            10000);
-        return window;
+            words(QStringLiteral("-geometry 80x8+20+20 -T"))
+                << title << words(QStringLiteral("-e sh -c"))
+                << QStringLiteral("printf '%s\\n' '%1'; sleep 600").arg(line));
+        return activate(title);
+    }
+
+    //! Vesko, the user's clipboard, and a copy target in front answering
+    //! Ctrl+C with \a text after \a delay ms.
+    QProcess *startCopyTarget(const QString &text, int delay)
+    {
+        if (!startVesko())
+            return nullptr;
+        xclip(QStringLiteral("-i -selection clipboard"), QByteArray("the user's clipboard"));
+        QProcess *target = start(QStringLiteral(COPY_TARGET_PATH), {text, QString::number(delay)});
+        return activate(QStringLiteral("Copy Target")).isEmpty() ? nullptr : target;
     }
 
     QList<Note> notes() const { return Test::allNotes(Test::readLibraryFile(libraryPath())); }
 };
 
-//! Activates \a window and selects its first line with a triple click.
-void selectFirstLine(const QString &window)
-{
-    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
-    xdotool({QStringLiteral("mousemove"), QStringLiteral("--window"), window, QStringLiteral("30"),
-        QStringLiteral("6"), QStringLiteral("click"), QStringLiteral("--repeat"),
-        QStringLiteral("3"), QStringLiteral("--delay"), QStringLiteral("80"), QStringLiteral("1")});
-}
-
 void tapShiftTwice()
 {
-    xdotool({QStringLiteral("key"), QStringLiteral("Shift_L"), QStringLiteral("Shift_L")});
+    xdotool(words(QStringLiteral("key Shift_L Shift_L")));
 }
 
 bool toastShown()
@@ -101,8 +108,8 @@ private Q_SLOTS:
     void initTestCase();
     void captureFromXterm_data();
     void captureFromXterm();
-    void slowCopyThroughTheClipboard();
-    void hotKeyHeldDown();
+    void capturedOnce_data();
+    void capturedOnce();
     void hotKeyHeldPastTheWait();
     void nothingSelected();
 };
@@ -116,7 +123,7 @@ void CaptureX11Test::initTestCase()
 void CaptureX11Test::captureFromXterm_data()
 {
     QTest::addColumn<QString>("trigger");
-    QTest::newRow("double Shift") << "shift";
+    QTest::newRow("double Shift") << "Shift_L Shift_L";
     QTest::newRow("capture hot key") << "super+alt+c";
 }
 
@@ -128,16 +135,13 @@ void CaptureX11Test::captureFromXterm()
     const QString line = QStringLiteral("words selected in the terminal");
     const QString xterm = session.startXterm(QStringLiteral("build log"), line);
     QVERIFY(!xterm.isEmpty());
-    selectFirstLine(xterm);
+    // A triple click on the first line selects it.
+    xdotool(words(
+        QStringLiteral("mousemove --window %1 30 6 click --repeat 3 --delay 80 1").arg(xterm)));
     QTRY_COMPARE_WITH_TIMEOUT(
-        xclip({QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("primary")})
-            .trimmed(),
-        line, Test::patience);
+        xclip(QStringLiteral("-o -selection primary")).trimmed(), line, Test::patience);
 
-    if (trigger == u"shift")
-        tapShiftTwice();
-    else
-        xdotool({QStringLiteral("key"), trigger});
+    xdotool(words(QStringLiteral("key ") + trigger));
     QTRY_VERIFY_WITH_TIMEOUT(toastShown(), Test::patience);
     QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, Test::patience);
     const Library library = Test::readLibraryFile(session.libraryPath());
@@ -160,85 +164,52 @@ void CaptureX11Test::captureFromXterm()
     QVERIFY2(found, qPrintable(expectedSection));
 }
 
-void CaptureX11Test::slowCopyThroughTheClipboard()
+void CaptureX11Test::capturedOnce_data()
 {
-    CaptureSession session;
-    QVERIFY(session.startVesko());
-    xclip({QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard")},
-        QByteArray("the user's clipboard"));
-    const QString text = QStringLiteral("text from the copy target");
-    session.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("300")});
-    QString window;
-    QTRY_VERIFY_WITH_TIMEOUT(
-        !(window = Test::visibleWindow(QStringLiteral("^Copy Target$"))).isEmpty(), Test::patience);
-    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
+    // The copy target's delay in ms, and the user's keys (xdotool).
+    QTest::addColumn<int>("delay");
+    QTest::addColumn<QString>("keys");
+    // The second double Shift comes during the capture: dropped.
+    QTest::newRow("slow copy, a gesture during it")
+        << 300 << "key Shift_L Shift_L sleep 0.1 key Shift_L Shift_L";
+    // Held longer than the keyboard's repeat delay, and longer than Vesko
+    // waits for held keys before it lets the modifiers go.
+    QTest::newRow("hot key held down") << 0 << "keydown super+alt+c sleep 1 keyup super+alt+c";
+}
 
-    tapShiftTwice();
-    QTest::qWait(100);
-    tapShiftTwice(); // during the capture: dropped
+void CaptureX11Test::capturedOnce()
+{
+    QFETCH(int, delay);
+    QFETCH(QString, keys);
+    CaptureSession session;
+    const QString text = QStringLiteral("text from the copy target");
+    QVERIFY(session.startCopyTarget(text, delay));
+    xdotool(words(keys));
     QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, Test::patience);
     QTest::qWait(1500);
     QCOMPARE(session.notes().size(), 1);
     QCOMPARE(session.notes().first().text, text);
     QCOMPARE(session.notes().first().source->windowTitle, QStringLiteral("Copy Target"));
-    // The clipboard is the user's again.
-    QCOMPARE(
-        xclip({QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard")}),
-        QStringLiteral("the user's clipboard"));
-}
-
-void CaptureX11Test::hotKeyHeldDown()
-{
-    CaptureSession session;
-    QVERIFY(session.startVesko());
-    xclip({QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard")},
-        QByteArray("the user's clipboard"));
-    const QString text = QStringLiteral("held words");
-    session.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("0")});
-    QString window;
-    QTRY_VERIFY_WITH_TIMEOUT(
-        !(window = Test::visibleWindow(QStringLiteral("^Copy Target$"))).isEmpty(), Test::patience);
-    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
-
-    // Held longer than the keyboard's repeat delay, and longer than Vesko
-    // waits for held keys before it lets the modifiers go.
-    xdotool({QStringLiteral("keydown"), QStringLiteral("super+alt+c"), QStringLiteral("sleep"),
-        QStringLiteral("1"), QStringLiteral("keyup"), QStringLiteral("super+alt+c")});
-    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, Test::patience);
-    QTest::qWait(1500);
-    QCOMPARE(session.notes().size(), 1);
-    QCOMPARE(session.notes().first().text, text);
-    QCOMPARE(
-        xclip({QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard")}),
-        QStringLiteral("the user's clipboard"));
+    QCOMPARE(clipboard(), QStringLiteral("the user's clipboard"));
 }
 
 void CaptureX11Test::hotKeyHeldPastTheWait()
 {
     CaptureSession session;
-    QVERIFY(session.startVesko());
-    xclip({QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard")},
-        QByteArray("the user's clipboard"));
     const QString text = QStringLiteral("words after the wait");
-    QProcess *target = session.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("0")});
-    QString window;
-    QTRY_VERIFY_WITH_TIMEOUT(
-        !(window = Test::visibleWindow(QStringLiteral("^Copy Target$"))).isEmpty(), Test::patience);
-    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
-
+    QProcess *target = session.startCopyTarget(text, 0);
+    QVERIFY(target);
     // Held on until the capture has given up with its toast.
-    xdotool({QStringLiteral("keydown"), QStringLiteral("super+alt+c")});
+    xdotool(words(QStringLiteral("keydown super+alt+c")));
     QTRY_VERIFY_WITH_TIMEOUT(toastShown(), Test::patience);
-    xdotool({QStringLiteral("keyup"), QStringLiteral("super+alt+c")});
+    xdotool(words(QStringLiteral("keyup super+alt+c")));
     QCOMPARE(session.notes().size(), 0);
     // The window got no key at all: no copy mixed with Super and Alt.
     QCOMPARE(QString::fromUtf8(target->readAllStandardOutput()), QString());
-    QCOMPARE(
-        xclip({QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard")}),
-        QStringLiteral("the user's clipboard"));
+    QCOMPARE(clipboard(), QStringLiteral("the user's clipboard"));
 
     // The next press is heard, and captures.
-    xdotool({QStringLiteral("key"), QStringLiteral("super+alt+c")});
+    xdotool(words(QStringLiteral("key super+alt+c")));
     QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, Test::patience);
     QCOMPARE(session.notes().first().text, text);
 }
@@ -247,13 +218,9 @@ void CaptureX11Test::nothingSelected()
 {
     CaptureSession session;
     QVERIFY(session.startVesko());
-    const QString xterm
-        = session.startXterm(QStringLiteral("idle"), QStringLiteral("nothing here"));
-    QVERIFY(!xterm.isEmpty());
+    QVERIFY(!session.startXterm(QStringLiteral("idle"), QStringLiteral("nothing here")).isEmpty());
     // PRIMARY belongs to another program: not the terminal's selection.
-    xclip({QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("primary")},
-        QByteArray("someone else's"));
-    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), xterm});
+    xclip(QStringLiteral("-i -selection primary"), QByteArray("someone else's"));
     tapShiftTwice();
     QTRY_VERIFY_WITH_TIMEOUT(toastShown(), Test::patience);
     QTest::qWait(800);

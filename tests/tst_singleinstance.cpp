@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The guard that keeps Vesko to one process per library file: the folder of
-// its lock and socket, which never depends on the session's environment and
-// is never one that others may enter; one lock per library, however the path
-// is spelt; a socket in a deep folder; a launch that meets a holder that is
-// ending; and a library that moves. The whole program is tested with it in
-// tst_app.
+// The guard that keeps Vesko to one process per library file: its private
+// folder, one lock per library however spelt, requests over its socket, a
+// holder that ends, and a library that moves. The whole program: tst_app.
 
 #include "TestEnvironment.h"
 
@@ -27,31 +24,6 @@
 using namespace Vesko;
 
 namespace {
-
-// Sets an environment variable until the end of the scope.
-class ScopedVariable
-{
-public:
-    ScopedVariable(const char *name, const QByteArray &value)
-        : m_name(name)
-        , m_wasSet(qEnvironmentVariableIsSet(name))
-        , m_previous(qgetenv(name))
-    {
-        qputenv(name, value);
-    }
-    ~ScopedVariable()
-    {
-        if (m_wasSet)
-            qputenv(m_name, m_previous);
-        else
-            qunsetenv(m_name);
-    }
-
-private:
-    const char *m_name;
-    bool m_wasSet;
-    QByteArray m_previous;
-};
 
 struct Owner
 {
@@ -135,12 +107,10 @@ void SingleInstanceTest::privateFolder()
     }
     // Whatever the session says, the answer is the same.
     const QString first = SingleInstance::privateFolder(runtimeRoot, temporaryRoot);
-    QString second;
-    {
-        ScopedVariable elsewhere(
-            "XDG_RUNTIME_DIR", QFile::encodeName(scratch(QStringLiteral("xdg"))));
-        second = SingleInstance::privateFolder(runtimeRoot, temporaryRoot);
-    }
+    const QByteArray session = qgetenv("XDG_RUNTIME_DIR");
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(scratch(QStringLiteral("xdg"))));
+    const QString second = SingleInstance::privateFolder(runtimeRoot, temporaryRoot);
+    qputenv("XDG_RUNTIME_DIR", session);
     QCOMPARE(second, first);
 
     const QString wanted = expected == u"runtime" ? runtimeRoot + u'/' + uid

@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Global hot keys on a real X server (tests/x-session.sh), pressed with
-// xdotool through the hot-key center: one report per press, also for a key
-// held through the keyboard's repeats, and for a key whose release went to
-// another window when the grab ended under it; a combination another program holds
-// is refused and remembered; a second action on a taken combination is
-// refused, and letting it go leaves the first action's grab alone; Caps Lock
-// and Num Lock do not block a combination; on a Wayland session nothing is
-// grabbed.
+// Global hot keys on a real X server (tests/x-session.sh) pressed with xdotool:
+// one report per press, combinations another program or action holds, the
+// lock keys, and nothing grabbed on a Wayland session.
 
 #include "ProgramSession.h"
 #include "TestEnvironment.h"

@@ -1,15 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The X11 session's reading and typing on a real X server
-// (tests/x-session.sh), against other programs: the primary selection of a
-// process, answered on the event loop and only by the answer to the request
-// made (a UTF-8 answer that comes too late is never read as the Latin-1
-// one, a late refusal never taken for the next request's), large selections
-// piecewise (xclip); the synthetic copy, Ctrl+Insert, in every keyboard
-// layout and without interrupting a program in a terminal; keys the user
-// holds (Vesko's own capture hot key among them, whose grab would take the
-// copy) awaited, and never mixed with the copy nor taken from the user when
-// they stay down.
+// The X11 session on a real X server (tests/x-session.sh) against other
+// programs: the primary selection of a process, answered on the event loop and
+// only by the answer asked for; the synthetic copy in every layout, never an
+// interrupt in a terminal, and never mixed with keys the user holds.
 
 #include "ProgramSession.h"
 #include "TestEnvironment.h"
@@ -64,23 +58,17 @@ std::optional<QString> readPrimary(X11Session &session, qint64 processID)
     return text;
 }
 
-QString clipboardText()
+//! The clipboard's text, or with \a text, sets it (xclip).
+QString clipboardText(const QByteArray &text = {})
 {
     QProcess xclip;
     xclip.start(QStringLiteral("xclip"),
-        {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard")});
-    xclip.waitForFinished(5000);
-    return QString::fromUtf8(xclip.readAllStandardOutput());
-}
-
-void setClipboardText(const QByteArray &text)
-{
-    QProcess xclip;
-    xclip.start(QStringLiteral("xclip"),
-        {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard")});
+        Test::words(QStringLiteral("-selection clipboard ")
+            + (text.isNull() ? QStringLiteral("-o") : QStringLiteral("-i"))));
     xclip.write(text);
     xclip.closeWriteChannel();
     xclip.waitForFinished(5000);
+    return QString::fromUtf8(xclip.readAllStandardOutput());
 }
 
 //! The X key codes down now.
@@ -165,13 +153,10 @@ class X11SessionTest : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void primaryOfTheFrontProcessOnly();
     void onlyTheAnswerAskedFor_data();
     void onlyTheAnswerAskedFor();
     void primaryIsReadOnTheEventLoop();
     void largePrimaryPiecewise();
-    void copyInEveryLayout_data();
-    void copyInEveryLayout();
     void copyNeverInterruptsATerminalProgram();
     void heldKeysAreAwaited_data();
     void heldKeysAreAwaited();
@@ -184,19 +169,6 @@ void X11SessionTest::initTestCase()
         QSKIP("Needs an X server: run through tests/x-session.sh");
 }
 
-void X11SessionTest::primaryOfTheFrontProcessOnly()
-{
-    QProcess owner;
-    QVERIFY(startOwner(owner, QStringLiteral(SELECTION_OWNER_PATH),
-        {QStringLiteral("PRIMARY"), QStringLiteral("UTF8_STRING"), QStringLiteral("0"),
-            QStringLiteral("selected words")}));
-    X11Session session;
-    QCOMPARE(readPrimary(session, owner.processId()), QStringLiteral("selected words"));
-    // Another program's selection is not the front application's.
-    QCOMPARE(readPrimary(session, QCoreApplication::applicationPid()), std::nullopt);
-    stop(owner);
-}
-
 void X11SessionTest::onlyTheAnswerAskedFor_data()
 {
     // The owner answers UTF8_STRING and STRING after these delays (ms); -1
@@ -207,26 +179,17 @@ void X11SessionTest::onlyTheAnswerAskedFor_data()
     QTest::addColumn<QString>("utf8");
     QTest::addColumn<QString>("latin1");
     QTest::addColumn<QString>("read");
-    QTest::newRow("UTF-8 at once") << "0"
-                                   << "0"
-                                   << "utf8";
-    QTest::newRow("UTF-8 too late, Latin-1 later still") << "300"
-                                                         << "200"
-                                                         << "latin1";
-    QTest::newRow("UTF-8 too late, Latin-1 at once") << "300"
-                                                     << "0"
-                                                     << "latin1";
-    QTest::newRow("UTF-8 refused") << "refuses"
-                                   << "0"
-                                   << "latin1";
-    QTest::newRow("neither in time") << "-1"
-                                     << "400"
-                                     << "none";
+    // clang-format off
+    QTest::newRow("UTF-8 at once") << "0" << "0" << "utf8";
+    QTest::newRow("UTF-8 too late, Latin-1 later still") << "300" << "200" << "latin1";
+    QTest::newRow("UTF-8 too late, Latin-1 at once") << "300" << "0" << "latin1";
+    QTest::newRow("UTF-8 refused") << "refuses" << "0" << "latin1";
+    QTest::newRow("neither in time") << "-1" << "400" << "none";
     // The first read's UTF-8 request gives up; its refusal comes while the
     // second read's UTF-8 request waits for its own answer.
-    QTest::newRow("late refusal of an abandoned request") << "refuse@300,100"
-                                                          << "0"
-                                                          << "latin1 utf8";
+    QTest::newRow("late refusal of an abandoned request")
+        << "refuse@300,100" << "0" << "latin1 utf8";
+    // clang-format on
 }
 
 void X11SessionTest::onlyTheAnswerAskedFor()
@@ -272,6 +235,8 @@ void X11SessionTest::primaryIsReadOnTheEventLoop()
     QTRY_VERIFY_WITH_TIMEOUT(loopTurnedFirst.has_value(), Test::patience);
     QVERIFY(*loopTurnedFirst);
     QCOMPARE(text, QStringLiteral("slow words"));
+    // Another program's selection is not the front application's.
+    QCOMPARE(readPrimary(session, QCoreApplication::applicationPid()), std::nullopt);
     stop(owner);
 }
 
@@ -306,30 +271,6 @@ void X11SessionTest::largePrimaryPiecewise()
     QCOMPARE(read->size(), QString::fromUtf8(text).size());
     QVERIFY(*read == QString::fromUtf8(text));
     stop(xclip);
-}
-
-void X11SessionTest::copyInEveryLayout_data()
-{
-    QTest::addColumn<QStringList>("layout");
-    QTest::newRow("US") << QStringList {"us"};
-    // No key of the first layout makes a Latin "c".
-    QTest::newRow("Russian first, US second") << QStringList {"-layout", "ru,us"};
-}
-
-void X11SessionTest::copyInEveryLayout()
-{
-    QFETCH(QStringList, layout);
-    const auto usAfterwards = qScopeGuard([] { Test::setxkbmap({QStringLiteral("us")}); });
-    QVERIFY(Test::setxkbmap(layout));
-    const QString text = QStringLiteral("words of the copy target");
-    CopyTarget target(text);
-    QVERIFY(target.isShown());
-    setClipboardText("before the copy");
-    X11Session session;
-    QCOMPARE(sendCopy(session), QStringLiteral("sent"));
-    QTRY_COMPARE_WITH_TIMEOUT(clipboardText(), text, Test::patience);
-    // Ctrl+Insert, the copy that no terminal takes for an interrupt.
-    QCOMPARE(target.keysReceived(), QStringList {QStringLiteral("Ctrl+Ins")});
 }
 
 void X11SessionTest::copyNeverInterruptsATerminalProgram()
@@ -368,30 +309,44 @@ void X11SessionTest::heldKeysAreAwaited_data()
     // The xdotool names of the keys the user holds (through XTEST, as
     // automation does), their X key codes, whether they are the capture hot
     // key that Vesko has grabbed, and when they are let go after the copy
-    // was asked for: in ms, or -1 for only once the copy has answered.
+    // was asked for: in ms, or -1 for only once the copy has answered. The
+    // copy is Ctrl+Insert, which no terminal takes for an interrupt, in any
+    // keyboard layout (setxkbmap's -layout).
+    QTest::addColumn<QString>("layout");
     QTest::addColumn<QString>("held");
     QTest::addColumn<QList<int>>("codes");
     QTest::addColumn<bool>("grabbed");
     QTest::addColumn<int>("releaseAfter");
-    QTest::newRow("nothing") << "" << QList<int> {} << false << 0;
-    QTest::newRow("Super and Alt, let go") << "super+alt" << QList<int> {64, 133} << false << 300;
+    // clang-format off
+    QTest::newRow("nothing") << "us" << "" << QList<int> {} << false << 0;
+    // No key of the first layout makes a Latin "c".
+    QTest::newRow("nothing, Russian first") << "ru,us" << "" << QList<int> {} << false << 0;
+    QTest::newRow("Super and Alt, let go")
+        << "us" << "super+alt" << QList<int> {64, 133} << false << 300;
     QTest::newRow("the capture hot key, let go")
-        << "super+alt+c" << QList<int> {54, 64, 133} << true << 300;
-    QTest::newRow("Super and Alt, held on") << "super+alt" << QList<int> {64, 133} << false << -1;
+        << "us" << "super+alt+c" << QList<int> {54, 64, 133} << true << 300;
+    QTest::newRow("Super and Alt, held on")
+        << "us" << "super+alt" << QList<int> {64, 133} << false << -1;
     QTest::newRow("the capture hot key, held on")
-        << "super+alt+c" << QList<int> {54, 64, 133} << true << -1;
+        << "us" << "super+alt+c" << QList<int> {54, 64, 133} << true << -1;
+    // clang-format on
 }
 
 void X11SessionTest::heldKeysAreAwaited()
 {
+    QFETCH(QString, layout);
     QFETCH(QString, held);
     QFETCH(QList<int>, codes);
     QFETCH(bool, grabbed);
     QFETCH(int, releaseAfter);
+    const auto usAfterwards = qScopeGuard([] { Test::setxkbmap({QStringLiteral("us")}); });
+    // The layout changes under a running session, which follows it.
+    X11Session session;
+    QVERIFY(Test::setxkbmap({QStringLiteral("-layout"), layout}));
     const QString text = QStringLiteral("words of the copy target");
     CopyTarget target(text);
     QVERIFY(target.isShown());
-    setClipboardText("before the copy");
+    clipboardText("before the copy");
     X11HotKeys hotKeys;
     int reports = 0;
     if (grabbed) {
@@ -405,7 +360,6 @@ void X11SessionTest::heldKeysAreAwaited()
     if (grabbed)
         QTRY_COMPARE_WITH_TIMEOUT(reports, 1, Test::patience); // the grab is active now
 
-    X11Session session;
     if (releaseAfter >= 0 && !held.isEmpty()) {
         QTimer::singleShot(releaseAfter, [held] { xdotool({QStringLiteral("keyup"), held}); });
     }

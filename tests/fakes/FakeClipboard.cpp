@@ -6,13 +6,7 @@ namespace Vesko::Test {
 
 void FakeClipboard::setText(const QString &text)
 {
-    replaceBy({{{QStringLiteral("text/plain"), text.toUtf8()}}});
-}
-
-void FakeClipboard::replaceBy(const Snapshot &snapshot)
-{
-    items = snapshot;
-    ++count;
+    restore({{{QStringLiteral("text/plain"), text.toUtf8()}}});
 }
 
 void FakeClipboard::requestSnapshot(std::function<void(std::optional<Snapshot>)> done)
@@ -25,7 +19,6 @@ void FakeClipboard::restore(const Snapshot &snapshot)
 {
     items = snapshot;
     ++count;
-    ++restores;
 }
 
 std::optional<QString> FakeClipboard::text() const

@@ -22,12 +22,9 @@ public:
 
     //! The plain text now, as a reader would get it.
     std::optional<QString> text() const;
-    //! Puts \a snapshot there as another program would.
-    void replaceBy(const Snapshot &snapshot);
 
     Snapshot items;
     quint64 count = 0;
-    int restores = 0;
     //! False: snapshots come back as not taken whole, as from an owner that
     //! did not send every format.
     bool snapshotsWhole = true;

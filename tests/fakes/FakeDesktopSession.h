@@ -33,8 +33,6 @@ public:
     QList<int> copies;
     //! Runs as each copy goes out: the application's answer.
     std::function<void(int attempt)> onCopy;
-    //! Whether the copy's keys could be made.
-    bool canType = true;
     //! Whether the session has copy keys at all.
     bool copyKeys = true;
     FakeAnswers primaryAnswers;

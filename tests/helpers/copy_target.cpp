@@ -6,22 +6,14 @@
 // primary selection, as many applications do not, so a capture of it has to
 // go through the synthetic copy. Each combination it receives (modifiers
 // alone aside) is printed on a line of its own: "key Ctrl+Ins".
-//
-// copy_target --own-clipboard TEXT DELAY_MS: a program that owns the
-// clipboard and is slow to give it: TEXT as plain text, as HTML
-// ("<b>TEXT</b>") and as "application/x-vesko-test" (TEXT reversed), each
-// sent only DELAY_MS after it is asked for. Prints "owned" once it holds it.
 
 #include <QApplication>
 #include <QClipboard>
 #include <QKeyEvent>
-#include <QMimeData>
 #include <QPainter>
-#include <QThread>
 #include <QTimer>
 #include <QWidget>
 
-#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -74,47 +66,12 @@ private:
     int m_delay;
 };
 
-//! Clipboard data that makes every requester wait: the owner's whole event
-//! loop stands still while it "prepares" a format.
-class SlowMimeData : public QMimeData
-{
-public:
-    SlowMimeData(const QString &text, int delay)
-        : m_delay(delay)
-    {
-        setText(text);
-        setHtml(QStringLiteral("<b>") + text + QStringLiteral("</b>"));
-        QByteArray reversed = text.toUtf8();
-        std::reverse(reversed.begin(), reversed.end());
-        setData(QStringLiteral("application/x-vesko-test"), reversed);
-    }
-
-protected:
-    QVariant retrieveData(const QString &format, QMetaType type) const override
-    {
-        QThread::msleep(m_delay);
-        return QMimeData::retrieveData(format, type);
-    }
-
-private:
-    int m_delay;
-};
-
 } // namespace
 
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.value(1) == u"--own-clipboard") {
-        if (arguments.size() < 4)
-            return 2;
-        QGuiApplication::clipboard()->setMimeData(
-            new SlowMimeData(arguments.at(2), arguments.at(3).toInt()), QClipboard::Clipboard);
-        std::puts("owned");
-        std::fflush(stdout);
-        return app.exec();
-    }
     if (arguments.size() < 2)
         return 2;
     CopyTarget window(arguments.at(1), arguments.size() > 2 ? arguments.at(2).toInt() : 0);

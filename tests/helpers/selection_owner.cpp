@@ -5,8 +5,10 @@
 // its own delay, or never when the delay is negative. DELAYS may list one
 // delay per request, separated by commas, the last one for the rest; a delay
 // written "refuse@N" refuses after N ms, stamped CurrentTime, as some owners
-// do. TEXT goes out as UTF-8 for UTF8_STRING and as Latin-1 for STRING.
-// Targets not listed are refused. Prints "owned" once it holds the
+// do. TEXT goes out as UTF-8 for UTF8_STRING and as Latin-1 for STRING;
+// "@FILE" stands for the bytes of FILE. Targets not listed are refused;
+// TARGETS, listed, answers the list after its own delays (-1: a hung owner
+// that never even says what it holds). Prints "owned" once it holds the
 // selection; runs until killed.
 
 #include <xcb/xcb.h>
@@ -16,6 +18,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <poll.h>
 #include <string>
 #include <vector>
@@ -49,7 +53,6 @@ struct Answer
 {
     Clock::time_point due;
     xcb_selection_request_event_t request;
-    const Offer *offer;
     bool refuses;
 };
 
@@ -128,7 +131,11 @@ int main(int argc, char *argv[])
     std::vector<Offer> offers;
     for (int i = 2; i + 2 < argc; i += 3) {
         const xcb_atom_t target = atom(c, argv[i]);
-        const std::string text = argv[i + 2];
+        std::string text = argv[i + 2];
+        if (text.rfind('@', 0) == 0) {
+            std::ifstream file(text.substr(1), std::ios::binary);
+            text.assign(std::istreambuf_iterator<char>(file), {});
+        }
         offers.push_back({target, parseBehaviours(argv[i + 1]),
             target == XCB_ATOM_STRING ? latin1(text) : text});
     }
@@ -140,13 +147,35 @@ int main(int argc, char *argv[])
     std::puts("owned");
     std::fflush(stdout);
 
+    // Gives the target asked for, or the list of targets; a refusal is stamped CurrentTime.
+    const auto answer = [&](const xcb_selection_request_event_t &request, bool refuses) {
+        if (refuses)
+            return notify(c, request, XCB_ATOM_NONE, XCB_CURRENT_TIME);
+        if (request.target == targets) {
+            std::vector<xcb_atom_t> list {targets};
+            for (const Offer &offer : offers) {
+                if (offer.target != targets)
+                    list.push_back(offer.target);
+            }
+            xcb_change_property(c, XCB_PROP_MODE_REPLACE, request.requestor, request.property,
+                XCB_ATOM_ATOM, 32, uint32_t(list.size()), list.data());
+        } else {
+            for (const Offer &offer : offers) {
+                if (offer.target == request.target)
+                    xcb_change_property(c, XCB_PROP_MODE_REPLACE, request.requestor,
+                        request.property, offer.target, 8, uint32_t(offer.bytes.size()),
+                        offer.bytes.data());
+            }
+        }
+        notify(c, request, request.property, request.time);
+    };
     std::vector<Answer> pending;
     for (;;) {
         int wait = -1;
         const Clock::time_point now = Clock::now();
-        for (const Answer &answer : pending) {
+        for (const Answer &due : pending) {
             const auto left
-                = std::chrono::duration_cast<std::chrono::milliseconds>(answer.due - now).count();
+                = std::chrono::duration_cast<std::chrono::milliseconds>(due.due - now).count();
             wait = wait < 0 ? int(std::max<long long>(left, 0)) : std::min(wait, int(left));
         }
         pollfd fd {xcb_get_file_descriptor(c), POLLIN, 0};
@@ -156,15 +185,7 @@ int main(int argc, char *argv[])
                 ++it;
                 continue;
             }
-            const xcb_selection_request_event_t &request = it->request;
-            if (it->refuses) {
-                notify(c, request, XCB_ATOM_NONE, XCB_CURRENT_TIME);
-            } else {
-                xcb_change_property(c, XCB_PROP_MODE_REPLACE, request.requestor, request.property,
-                    it->offer->target, 8, uint32_t(it->offer->bytes.size()),
-                    it->offer->bytes.data());
-                notify(c, request, request.property, request.time);
-            }
+            answer(it->request, it->refuses);
             it = pending.erase(it);
         }
         while (xcb_generic_event_t *event = xcb_poll_for_event(c)) {
@@ -175,18 +196,13 @@ int main(int argc, char *argv[])
                     if (candidate.target == request.target)
                         offer = &candidate;
                 }
-                if (request.target == targets) {
-                    std::vector<xcb_atom_t> list {targets};
-                    for (const Offer &candidate : offers)
-                        list.push_back(candidate.target);
-                    xcb_change_property(c, XCB_PROP_MODE_REPLACE, request.requestor,
-                        request.property, XCB_ATOM_ATOM, 32, uint32_t(list.size()), list.data());
-                    notify(c, request, request.property, request.time);
+                if (!offer && request.target == targets) {
+                    answer(request, false);
                 } else if (!offer) {
                     notify(c, request, XCB_ATOM_NONE, request.time);
                 } else if (const Behaviour behaviour = offer->next(); behaviour.delay >= 0) {
                     pending.push_back({Clock::now() + std::chrono::milliseconds(behaviour.delay),
-                        request, offer, behaviour.refuses});
+                        request, behaviour.refuses});
                 }
             }
             std::free(event);

@@ -13,20 +13,16 @@ namespace Vesko::Test {
 
 ProgramSession::ProgramSession()
 {
-    for (const char *folder : {"data", "config", "cache", "state", "runtime"})
-        QDir(m_root.path()).mkpath(QString::fromLatin1(folder));
+    m_environment = QProcessEnvironment::systemEnvironment();
+    const std::pair<const char *, const char *> folders[]
+        = {{"XDG_DATA_HOME", "data"}, {"XDG_CONFIG_HOME", "config"}, {"XDG_CACHE_HOME", "cache"},
+            {"XDG_STATE_HOME", "state"}, {"XDG_RUNTIME_DIR", "runtime"}};
+    for (const auto &[variable, folder] : folders) {
+        QDir(m_root.path()).mkpath(QLatin1String(folder));
+        m_environment.insert(QLatin1String(variable), m_root.filePath(QLatin1String(folder)));
+    }
     QFile::setPermissions(m_root.filePath(QStringLiteral("runtime")),
         QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    m_environment = QProcessEnvironment::systemEnvironment();
-    m_environment.insert(QStringLiteral("XDG_DATA_HOME"), m_root.filePath(QStringLiteral("data")));
-    m_environment.insert(
-        QStringLiteral("XDG_CONFIG_HOME"), m_root.filePath(QStringLiteral("config")));
-    m_environment.insert(
-        QStringLiteral("XDG_CACHE_HOME"), m_root.filePath(QStringLiteral("cache")));
-    m_environment.insert(
-        QStringLiteral("XDG_STATE_HOME"), m_root.filePath(QStringLiteral("state")));
-    m_environment.insert(
-        QStringLiteral("XDG_RUNTIME_DIR"), m_root.filePath(QStringLiteral("runtime")));
     m_environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
     // The program speaks English, whatever the language of the machine; a
     // test of another language sets LANG.
@@ -107,6 +103,11 @@ QProcess *ProgramSession::start(
     process->setProcessChannelMode(mode);
     process->start(program, arguments);
     return process;
+}
+
+QStringList words(const QString &line)
+{
+    return line.split(u' ', Qt::SkipEmptyParts);
 }
 
 QString xdotool(const QStringList &arguments)

@@ -58,6 +58,8 @@ private:
     QList<QProcess *> m_processes;
 };
 
+//! The words of \a line, split at its spaces: a command's arguments written as one string.
+QStringList words(const QString &line);
 //! Runs xdotool and returns its output, trimmed.
 QString xdotool(const QStringList &arguments);
 //! Sets the X server's keyboard layout with setxkbmap, such as {"-layout",

@@ -7,7 +7,7 @@
 
 #pragma once
 
-#include <QString>
+#include "SmallFileSystem.h"
 
 #include <functional>
 
@@ -18,17 +18,19 @@ class ReadOnlyFolder
 public:
     //! Mounts on \a path (made if missing), lets \a fill put files there, then
     //! makes it read-only.
-    explicit ReadOnlyFolder(const QString &path, const std::function<void()> &fill = {});
-    ~ReadOnlyFolder();
-
-    ReadOnlyFolder(const ReadOnlyFolder &) = delete;
-    ReadOnlyFolder &operator=(const ReadOnlyFolder &) = delete;
+    explicit ReadOnlyFolder(const QString &path, const std::function<void()> &fill = {})
+        : m_disk(path, 512)
+    {
+        if (m_disk.isMounted() && fill)
+            fill();
+        m_mounted = m_disk.isMounted() && m_disk.setReadOnly(true);
+    }
 
     bool isMounted() const { return m_mounted; }
-    QString path() const { return m_path; }
+    QString path() const { return m_disk.folder(); }
 
 private:
-    QString m_path;
+    SmallFileSystem m_disk;
     bool m_mounted = false;
 };
 
