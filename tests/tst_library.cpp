@@ -113,8 +113,20 @@ void LibraryTest::noteListFollowsQList()
         const int op = n == 0 ? random.bounded(3) : random.bounded(16);
         QString done;
         switch (op) {
-        case 0: { const Note x = note(); list.append(x); reference.append(x); done = "append"; break; }
-        case 1: { const Note x = note(); list.prepend(x); reference.prepend(x); done = "prepend"; break; }
+        case 0: {
+            const Note x = note();
+            list.append(x);
+            reference.append(x);
+            done = "append";
+            break;
+        }
+        case 1: {
+            const Note x = note();
+            list.prepend(x);
+            reference.prepend(x);
+            done = "prepend";
+            break;
+        }
         case 2: {
             // Append a run of notes, some of them this list's own chunks.
             QList<Note> more;
@@ -129,8 +141,21 @@ void LibraryTest::noteListFollowsQList()
             done = "append lists";
             break;
         }
-        case 3: { const qsizetype i = index(n + 1); const Note x = note(); list.insert(i, x); reference.insert(i, x); done = "insert"; break; }
-        case 4: { const qsizetype i = index(n); list.removeAt(i); reference.removeAt(i); done = "removeAt"; break; }
+        case 3: {
+            const qsizetype i = index(n + 1);
+            const Note x = note();
+            list.insert(i, x);
+            reference.insert(i, x);
+            done = "insert";
+            break;
+        }
+        case 4: {
+            const qsizetype i = index(n);
+            list.removeAt(i);
+            reference.removeAt(i);
+            done = "removeAt";
+            break;
+        }
         case 5: {
             const qsizetype i = index(n);
             const qsizetype count = index(std::min<qsizetype>(n - i, 3000) + 1);
@@ -139,13 +164,38 @@ void LibraryTest::noteListFollowsQList()
             done = "remove range";
             break;
         }
-        case 6: { const qsizetype i = index(n); QCOMPARE(list.takeAt(i), reference.takeAt(i)); done = "takeAt"; break; }
-        case 7: { const qsizetype f = index(n), t = index(n); list.move(f, t); reference.move(f, t); done = "move"; break; }
-        case 8: { const qsizetype i = index(n); list[i].text += u'!'; reference[i].text += u'!'; done = "operator[]"; break; }
-        case 9: { const qsizetype i = index(n), j = index(n); list.swapItemsAt(i, j); reference.swapItemsAt(i, j); done = "swapItemsAt"; break; }
+        case 6: {
+            const qsizetype i = index(n);
+            QCOMPARE(list.takeAt(i), reference.takeAt(i));
+            done = "takeAt";
+            break;
+        }
+        case 7: {
+            const qsizetype f = index(n), t = index(n);
+            list.move(f, t);
+            reference.move(f, t);
+            done = "move";
+            break;
+        }
+        case 8: {
+            const qsizetype i = index(n);
+            list[i].text += u'!';
+            reference[i].text += u'!';
+            done = "operator[]";
+            break;
+        }
+        case 9: {
+            const qsizetype i = index(n), j = index(n);
+            list.swapItemsAt(i, j);
+            reference.swapItemsAt(i, j);
+            done = "swapItemsAt";
+            break;
+        }
         case 10: {
             const int modulo = 2 + random.bounded(40);
-            auto hit = [modulo](const Note &x) { return x.text.size() % modulo == 0 || x.text.endsWith(u'7'); };
+            auto hit = [modulo](const Note &x) {
+                return x.text.size() % modulo == 0 || x.text.endsWith(u'7');
+            };
             QCOMPARE(list.removeIf(hit), reference.removeIf(hit));
             done = "removeIf";
             break;
@@ -177,20 +227,33 @@ void LibraryTest::noteListFollowsQList()
             done = "iterator writes";
             break;
         }
-        case 14: { const Note x = list.takeFirst(); QCOMPARE(x, reference.takeFirst()); done = "takeFirst"; break; }
-        default: { const Note x = list.takeLast(); QCOMPARE(x, reference.takeLast()); done = "takeLast"; break; }
+        case 14: {
+            const Note x = list.takeFirst();
+            QCOMPARE(x, reference.takeFirst());
+            done = "takeFirst";
+            break;
+        }
+        default: {
+            const Note x = list.takeLast();
+            QCOMPARE(x, reference.takeLast());
+            done = "takeLast";
+            break;
+        }
         }
         const QByteArray where = QStringLiteral("step %1, %2").arg(step).arg(done).toUtf8();
         QVERIFY2(list.toList() == reference, where);
         QCOMPARE(list.size(), reference.size());
-        QVERIFY2(std::equal(list.cbegin(), list.cend(), reference.cbegin(), reference.cend()), where);
+        QVERIFY2(
+            std::equal(list.cbegin(), list.cend(), reference.cbegin(), reference.cend()), where);
         QVERIFY2(before.toList() == referenceBefore, where);
         QVERIFY2((list == before) == (reference == referenceBefore), where);
         QVERIFY2(list == NoteList(reference), where);
         for (qsizetype c = 0; c < list.chunkCount(); ++c) {
-            QVERIFY2(!list.chunk(c).isEmpty() && list.chunk(c).size() <= 2 * NoteList::chunkSize, where);
+            QVERIFY2(
+                !list.chunk(c).isEmpty() && list.chunk(c).size() <= 2 * NoteList::chunkSize, where);
             if (c > 0)
-                QVERIFY2(list.chunk(c - 1).size() + list.chunk(c).size() > NoteList::chunkSize, where);
+                QVERIFY2(
+                    list.chunk(c - 1).size() + list.chunk(c).size() > NoteList::chunkSize, where);
         }
     }
 }
