@@ -108,7 +108,7 @@ int measureUndo(const QList<qsizetype> &sizes)
     const Test::IsolatedEnvironment environment; // the Store's settings and files
     for (qsizetype notes : sizes) {
         Library library = makeDefaultLibrary();
-        QList<Note> &inbox = library.projects[0].sections[0].notes;
+        NoteList &inbox = library.projects[0].sections[0].notes;
         const QDateTime now = QDateTime::currentDateTimeUtc();
         for (qsizetype i = 0; i < notes; ++i)
             inbox.append(Note {QUuid::createUuid(), QStringLiteral("note %1 of a soak").arg(i),

@@ -9,6 +9,8 @@
 #include "library/Library.h"
 #include "library/TitleComparison.h"
 
+#include <QRandomGenerator>
+
 using namespace Vesko;
 
 class LibraryTest : public QObject
@@ -17,6 +19,8 @@ class LibraryTest : public QObject
 
 private Q_SLOTS:
     void copyIsSharedUntilChanged();
+    void noteListFollowsQList_data();
+    void noteListFollowsQList();
     void activeProjectFallsBack_data();
     void activeProjectFallsBack();
     void defaultLibrary();
@@ -36,11 +40,197 @@ void LibraryTest::copyIsSharedUntilChanged()
     QVERIFY(copy != original);
     QVERIFY(original.projects[0].sections[0].notes[0].text != QStringLiteral("changed"));
     QVERIFY(copy.projects.constData() != original.projects.constData());
-    QCOMPARE(copy.projects[0].sections[1].notes.constData(),
-        original.projects[0].sections[1].notes.constData());
+    QVERIFY(copy.projects[0].sections[1].notes.sharesAllChunks(
+        original.projects[0].sections[1].notes));
     QCOMPARE(copy.projects[1].sections.constData(), original.projects[1].sections.constData());
     QCOMPARE(copy.projects[0].sections[0].notes[1].text.constData(),
         original.projects[0].sections[0].notes[1].text.constData());
+}
+
+void LibraryTest::noteListFollowsQList_data()
+{
+    QTest::addColumn<quint32>("seed");
+    QTest::addColumn<int>("startSize");
+    QTest::addColumn<int>("steps");
+    QTest::newRow("empty") << 1u << 0 << 600;
+    QTest::newRow("one chunk") << 2u << 700 << 400;
+    QTest::newRow("several chunks") << 3u << 5000 << 300;
+    QTest::newRow("several chunks, other seed") << 4u << 3100 << 300;
+}
+
+// Random sequences of every change a list of notes undergoes, each checked
+// against QList<Note>: the same notes after every step, a copy taken before
+// the step as it was, equality true and false where it should be, and the
+// chunks balanced.
+void LibraryTest::noteListFollowsQList()
+{
+    QFETCH(quint32, seed);
+    QFETCH(int, startSize);
+    QFETCH(int, steps);
+    QRandomGenerator random(seed);
+    int made = 0;
+    auto note = [&made] {
+        Note n;
+        n.id = QUuid(uint(made), 0, 0, 0, 0, 0, 0, 0, 0, 0, 0);
+        n.text = QStringLiteral("note %1").arg(made++);
+        return n;
+    };
+    QList<Note> reference;
+    for (int i = 0; i < startSize; ++i)
+        reference.append(note());
+    NoteList list(reference);
+
+    auto index = [&](qsizetype bound) { return qsizetype(random.bounded(int(bound))); };
+    for (int step = 0; step < steps; ++step) {
+        const QList<Note> referenceBefore = reference;
+        const NoteList before = list;
+        const qsizetype n = reference.size();
+        const int op = n == 0 ? random.bounded(3) : random.bounded(16);
+        QString done;
+        switch (op) {
+        case 0: {
+            const Note x = note();
+            list.append(x);
+            reference.append(x);
+            done = "append";
+            break;
+        }
+        case 1: {
+            const Note x = note();
+            list.prepend(x);
+            reference.prepend(x);
+            done = "prepend";
+            break;
+        }
+        case 2: {
+            // Append a run of notes, some of them this list's own chunks.
+            QList<Note> more;
+            const qsizetype count = 1 + index(2500);
+            for (qsizetype i = 0; i < count; ++i)
+                more.append(note());
+            const NoteList own = list.mid(n / 3);
+            list.append(NoteList(more));
+            list.append(own);
+            reference.append(more);
+            reference.append(referenceBefore.mid(n / 3));
+            done = "append lists";
+            break;
+        }
+        case 3: {
+            const qsizetype i = index(n + 1);
+            const Note x = note();
+            list.insert(i, x);
+            reference.insert(i, x);
+            done = "insert";
+            break;
+        }
+        case 4: {
+            const qsizetype i = index(n);
+            list.removeAt(i);
+            reference.removeAt(i);
+            done = "removeAt";
+            break;
+        }
+        case 5: {
+            const qsizetype i = index(n);
+            const qsizetype count = index(std::min<qsizetype>(n - i, 3000) + 1);
+            list.remove(i, count);
+            reference.remove(i, count);
+            done = "remove range";
+            break;
+        }
+        case 6: {
+            const qsizetype i = index(n);
+            QCOMPARE(list.takeAt(i), reference.takeAt(i));
+            done = "takeAt";
+            break;
+        }
+        case 7: {
+            const qsizetype f = index(n), t = index(n);
+            list.move(f, t);
+            reference.move(f, t);
+            done = "move";
+            break;
+        }
+        case 8: {
+            const qsizetype i = index(n);
+            list[i].text += u'!';
+            reference[i].text += u'!';
+            done = "operator[]";
+            break;
+        }
+        case 9: {
+            const qsizetype i = index(n), j = index(n);
+            list.swapItemsAt(i, j);
+            reference.swapItemsAt(i, j);
+            done = "swapItemsAt";
+            break;
+        }
+        case 10: {
+            const int modulo = 2 + random.bounded(40);
+            auto hit = [modulo](const Note &x) {
+                return x.text.size() % modulo == 0 || x.text.endsWith(u'7');
+            };
+            QCOMPARE(list.removeIf(hit), reference.removeIf(hit));
+            done = "removeIf";
+            break;
+        }
+        case 11: {
+            const qsizetype i = index(n);
+            const qsizetype count = index(n - i + 1) - (random.bounded(4) == 0 ? 1 : 0);
+            list = list.mid(i, count);
+            reference = reference.mid(i, count);
+            done = "mid";
+            break;
+        }
+        case 12: {
+            const qsizetype i = index(n);
+            const qsizetype j = i + index(std::min<qsizetype>(n - i, 1500) + 1);
+            list.erase(list.cbegin() + i, list.cbegin() + j);
+            reference.erase(reference.cbegin() + i, reference.cbegin() + j);
+            done = "erase";
+            break;
+        }
+        case 13: {
+            // Writes through iterators, every seventh note from a random start.
+            const qsizetype from = index(n);
+            for (qsizetype i = from; i < n; i += 7) {
+                const auto it = list.begin() + i;
+                it->isDone = !(*it).isDone;
+                reference[i].isDone = !reference.at(i).isDone;
+            }
+            done = "iterator writes";
+            break;
+        }
+        case 14: {
+            const Note x = list.takeFirst();
+            QCOMPARE(x, reference.takeFirst());
+            done = "takeFirst";
+            break;
+        }
+        default: {
+            const Note x = list.takeLast();
+            QCOMPARE(x, reference.takeLast());
+            done = "takeLast";
+            break;
+        }
+        }
+        const QByteArray where = QStringLiteral("step %1, %2").arg(step).arg(done).toUtf8();
+        QVERIFY2(list.toList() == reference, where);
+        QCOMPARE(list.size(), reference.size());
+        QVERIFY2(
+            std::equal(list.cbegin(), list.cend(), reference.cbegin(), reference.cend()), where);
+        QVERIFY2(before.toList() == referenceBefore, where);
+        QVERIFY2((list == before) == (reference == referenceBefore), where);
+        QVERIFY2(list == NoteList(reference), where);
+        for (qsizetype c = 0; c < list.chunkCount(); ++c) {
+            QVERIFY2(
+                !list.chunk(c).isEmpty() && list.chunk(c).size() <= 2 * NoteList::chunkSize, where);
+            if (c > 0)
+                QVERIFY2(
+                    list.chunk(c - 1).size() + list.chunk(c).size() > NoteList::chunkSize, where);
+        }
+    }
 }
 
 void LibraryTest::activeProjectFallsBack_data()

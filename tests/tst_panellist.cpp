@@ -543,7 +543,7 @@ void PanelListTest::expandingShowsAllLinesAndTheSource()
     Library library;
     library.projects = {projectFrom(QStringLiteral("S1:a,b,c"))};
     library.activeProjectID = library.projects.first().id;
-    QList<Note> &notes = library.projects[0].sections[0].notes;
+    NoteList &notes = library.projects[0].sections[0].notes;
     notes[0].text = QStringLiteral("one\ntwo\nthree\nfour\nfive");
     notes[1].source = NoteSource {QStringLiteral("Terminal"), std::nullopt, std::nullopt};
     PanelTestRig rig(library);

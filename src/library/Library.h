@@ -8,6 +8,8 @@
 
 #pragma once
 
+#include "library/NoteList.h"
+
 #include <QDateTime>
 #include <QHashFunctions>
 #include <QList>
@@ -21,55 +23,11 @@ namespace Vesko {
 //! The format version that this program writes.
 inline constexpr qint64 libraryFormatVersion = 3;
 
-//! Where a captured note came from.
-struct NoteSource
-{
-    QString appName;
-    std::optional<QString> bundleIdentifier;
-    std::optional<QString> windowTitle;
-
-    bool operator==(const NoteSource &) const = default;
-};
-
-//! The record of a file stored with a note; the bytes live in the attachments folder.
-struct NoteAttachment
-{
-    enum class Kind { Image, File };
-
-    QUuid id;
-    QString fileName;
-    QString storedFileName;
-    Kind kind = Kind::File;
-    std::optional<QString> contentTypeIdentifier;
-    std::optional<qint64> byteCount;
-    QDateTime createdAt;
-
-    bool operator==(const NoteAttachment &) const = default;
-};
-
-//! The stored form of an attachment kind: "image" or "file".
-QString kindRawValue(NoteAttachment::Kind kind);
-std::optional<NoteAttachment::Kind> kindFromRawValue(QStringView raw);
-
-struct Note
-{
-    QUuid id;
-    QString text;
-    bool isDone = false;
-    QDateTime createdAt;
-    QDateTime updatedAt;
-    std::optional<QDateTime> completedAt;
-    std::optional<NoteSource> source;
-    QList<NoteAttachment> attachments;
-
-    bool operator==(const Note &) const = default;
-};
-
 struct NoteSection
 {
     QUuid id;
     QString title;
-    QList<Note> notes;
+    NoteList notes;
     bool isCollapsed = false;
     QDateTime createdAt;
     bool isAutomatic = false;

@@ -36,8 +36,8 @@ struct EncodedSections
 {
     struct Section
     {
-        //! The notes as they were encoded; shares its buffers with that library.
-        QList<Note> notes;
+        //! The notes as they were encoded; shares its chunks and buffers with that library.
+        NoteList notes;
         //! The value of the section's "notes" member: the array, brackets included.
         QByteArray value;
         //! Where each note's object lies in value.

@@ -659,8 +659,9 @@ std::optional<Library> readOnTwoThreads(element root, const QDateTime &now)
         return std::nullopt;
     }
 
-    // Runs of at most this many notes, each starting where the array's walk stands.
-    constexpr qsizetype runLength = 2048;
+    // Runs of one chunk of a section's notes each, starting where the
+    // array's walk stands; the chunks become the section's list at the end.
+    constexpr qsizetype runLength = NoteList::chunkSize;
     struct Run
     {
         Note *target;
@@ -668,6 +669,7 @@ std::optional<Library> readOnTwoThreads(element root, const QDateTime &now)
         qsizetype count;
     };
     std::vector<Run> runs;
+    std::vector<QList<NoteList::Chunk>> chunks(deferred.size());
     qsizetype total = 0;
     for (size_t d = 0; d < deferred.size(); ++d) {
         const Reader::DeferredNotes &notes = deferred[d];
@@ -675,16 +677,17 @@ std::optional<Library> readOnTwoThreads(element root, const QDateTime &now)
         if (d > 0 && deferred[d - 1].project == notes.project
             && deferred[d - 1].section == notes.section)
             return std::nullopt;
-        QList<Note> &target = library.projects[notes.project].sections[notes.section].notes;
         qsizetype count = 0;
         for (auto it = notes.items.begin(); it != notes.items.end(); ++it)
             ++count;
-        target.resize(count);
-        Note *const base = target.data();
+        QList<NoteList::Chunk> &sectionChunks = chunks[d];
+        sectionChunks.reserve((count + runLength - 1) / runLength);
         qsizetype index = 0;
         for (auto it = notes.items.begin(); it != notes.items.end(); ++it, ++index) {
-            if (index % runLength == 0)
-                runs.push_back({base + index, it, std::min(runLength, count - index)});
+            if (index % runLength == 0) {
+                sectionChunks.append(NoteList::Chunk(std::min(runLength, count - index)));
+                runs.push_back({sectionChunks.last().data(), it, sectionChunks.last().size()});
+            }
         }
         total += count;
     }
@@ -717,6 +720,10 @@ std::optional<Library> readOnTwoThreads(element root, const QDateTime &now)
         helper.join();
     if (failed)
         return std::nullopt;
+    for (size_t d = 0; d < deferred.size(); ++d) {
+        library.projects[deferred[d].project].sections[deferred[d].section].notes
+            = NoteList::fromChunks(std::move(chunks[d]));
+    }
     return library;
 }
 

@@ -474,9 +474,7 @@ public:
         const auto old = m_previous.sections.constFind(section.id);
         const EncodedSections::Section *previous
             = old != m_previous.sections.cend() && m_previous.depth == depth ? &*old : nullptr;
-        if (previous && previous->notes.size() == section.notes.size()
-            && (section.notes.isEmpty()
-                || previous->notes.constData() == section.notes.constData())) {
+        if (previous && previous->notes.sharesAllChunks(section.notes)) {
             m_next.depth = depth;
             return m_next.sections.insert(section.id, *previous)->value;
         }
@@ -488,19 +486,47 @@ public:
         DocumentWriter w(
             previous ? previous->value.size() + 4096 : 512 + section.notes.size() * 1024, depth);
         QHash<QUuid, qsizetype> previousIndex;
+        // The chunks of the last encoding, by buffer: a chunk the two lists
+        // share holds the same notes, written as one piece.
+        QHash<const Note *, qsizetype> previousChunks;
+        if (previous) {
+            previousChunks.reserve(previous->notes.chunkCount());
+            for (qsizetype c = 0; c < previous->notes.chunkCount(); ++c)
+                previousChunks.insert(previous->notes.chunk(c).constData(), c);
+        }
         w.beginArray();
-        for (qsizetype i = 0; i < section.notes.size(); ++i) {
-            const Note &note = section.notes.at(i);
-            w.element();
-            const qsizetype start = w.size();
-            const qsizetype at = previous ? findPrevious(*previous, previousIndex, note, i) : -1;
-            if (at >= 0) {
-                const auto [from, to] = previous->noteBounds.at(at);
+        for (qsizetype c = 0; c < section.notes.chunkCount(); ++c) {
+            const NoteList::Chunk &chunk = section.notes.chunk(c);
+            const qsizetype kept = previousChunks.value(chunk.constData(), -1);
+            if (kept >= 0 && NoteList::sameChunk(previous->notes.chunk(kept), chunk)) {
+                const qsizetype first = previous->notes.chunkStart(kept);
+                const qsizetype from = previous->noteBounds.at(first).first;
+                const qsizetype to = previous->noteBounds.at(first + chunk.size() - 1).second;
+                w.element();
+                const qsizetype shift = w.size() - from;
                 w.raw(previous->value.constData() + from, to - from);
-            } else {
-                writeNote(w, note);
+                for (qsizetype i = first; i < first + chunk.size(); ++i) {
+                    const auto [start, end] = previous->noteBounds.at(i);
+                    fresh.noteBounds.emplace_back(start + shift, end + shift);
+                }
+                continue;
             }
-            fresh.noteBounds.emplace_back(start, w.size());
+            const qsizetype chunkStart = section.notes.chunkStart(c);
+            for (qsizetype k = 0; k < chunk.size(); ++k) {
+                const Note &note = chunk.at(k);
+                w.element();
+                const qsizetype start = w.size();
+                const qsizetype at = previous
+                    ? findPrevious(*previous, previousIndex, note, chunkStart + k)
+                    : -1;
+                if (at >= 0) {
+                    const auto [from, to] = previous->noteBounds.at(at);
+                    w.raw(previous->value.constData() + from, to - from);
+                } else {
+                    writeNote(w, note);
+                }
+                fresh.noteBounds.emplace_back(start, w.size());
+            }
         }
         w.endArray();
         fresh.value = w.take();

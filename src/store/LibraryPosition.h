@@ -24,7 +24,7 @@ inline std::optional<LibraryPosition> locateNote(const Library &library, const Q
     for (qsizetype p = 0; p < library.projects.size(); ++p) {
         const QList<NoteSection> &sections = library.projects.at(p).sections;
         for (qsizetype s = 0; s < sections.size(); ++s) {
-            const QList<Note> &notes = sections.at(s).notes;
+            const NoteList &notes = sections.at(s).notes;
             for (qsizetype n = 0; n < notes.size(); ++n) {
                 if (notes.at(n).id == id)
                     return LibraryPosition {p, s, n};

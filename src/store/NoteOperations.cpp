@@ -198,7 +198,7 @@ void Store::setDone(const QList<QUuid> &ids, bool isDone)
     for (qsizetype p = 0; p < m_library.projects.size() && !pending.isEmpty(); ++p) {
         const QList<NoteSection> &sections = m_library.projects.at(p).sections;
         for (qsizetype s = 0; s < sections.size() && !pending.isEmpty(); ++s) {
-            const QList<Note> &notes = sections.at(s).notes;
+            const NoteList &notes = sections.at(s).notes;
             for (qsizetype n = 0; n < notes.size(); ++n) {
                 if (pending.remove(notes.at(n).id))
                     found.append(LibraryPosition {p, s, n});
@@ -278,21 +278,18 @@ void Store::stripNotes(const QSet<QUuid> &ids, QList<NoteAttachment> *removedAtt
     for (qsizetype p = 0; p < m_library.projects.size(); ++p) {
         const QList<NoteSection> &sections = m_library.projects.at(p).sections;
         for (qsizetype s = 0; s < sections.size(); ++s) {
-            const QList<Note> &notes = sections.at(s).notes;
+            const NoteList &notes = sections.at(s).notes;
             const auto firstHit = std::find_if(notes.cbegin(), notes.cend(),
                 [&](const Note &note) { return ids.contains(note.id); });
             if (firstHit == notes.cend())
                 continue;
-            QList<Note> kept(notes.cbegin(), firstHit);
-            for (auto it = firstHit; it != notes.cend(); ++it) {
-                if (it == firstHit || ids.contains(it->id)) {
-                    if (removedAttachments)
-                        removedAttachments->append(it->attachments);
-                } else {
-                    kept.append(*it);
-                }
-            }
-            m_library.projects[p].sections[s].notes = kept;
+            m_library.projects[p].sections[s].notes.removeIf([&](const Note &note) {
+                if (!ids.contains(note.id))
+                    return false;
+                if (removedAttachments)
+                    removedAttachments->append(note.attachments);
+                return true;
+            });
         }
     }
 }
@@ -384,7 +381,7 @@ void Store::mergeNotes(const QList<QUuid> &ids)
     Project &project = m_library.projects[first->project];
     project.sections[first->section].notes.insert(first->note, merged);
     for (qsizetype s = 0; s < project.sections.size(); ++s) {
-        const QList<Note> &sectionNotes = project.sections.at(s).notes;
+        const NoteList &sectionNotes = project.sections.at(s).notes;
         if (std::any_of(sectionNotes.cbegin(), sectionNotes.cend(),
                 [&](const Note &note) { return mergedIDs.contains(note.id); })) {
             project.sections[s].notes.removeIf(
@@ -424,7 +421,7 @@ void Store::splitNote(const QUuid &id)
             part.attachments = old.attachments;
         parts.append(part);
     }
-    QList<Note> &notes = m_library.projects[at->project].sections[at->section].notes;
+    NoteList &notes = m_library.projects[at->project].sections[at->section].notes;
     notes.removeAt(at->note);
     for (qsizetype i = 0; i < parts.size(); ++i)
         notes.insert(at->note + i, parts.at(i));
@@ -476,14 +473,14 @@ void Store::moveNotesToSection(const QList<QUuid> &ids, const QUuid &sectionID, 
 
     // The index counts the notes before the move; the moved ones before it drop out.
     const QSet<QUuid> moving = idsOf(notes);
-    const QList<Note> &before = m_library.projects.at(at->project).sections.at(at->section).notes;
+    const NoteList &before = m_library.projects.at(at->project).sections.at(at->section).notes;
     const qsizetype limit = std::clamp<qsizetype>(index, 0, before.size());
     const qsizetype movedAhead = std::count_if(before.cbegin(), before.cbegin() + limit,
         [&](const Note &note) { return moving.contains(note.id); });
 
     recordUndo();
     stripNotes(moving);
-    QList<Note> &target = findSection(sectionID)->notes;
+    NoteList &target = findSection(sectionID)->notes;
     const qsizetype insertAt = std::clamp<qsizetype>(index - movedAhead, 0, target.size());
     for (qsizetype i = 0; i < notes.size(); ++i)
         target.insert(insertAt + i, notes.at(i));

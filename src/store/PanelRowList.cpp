@@ -46,6 +46,40 @@ bool sameNote(const Note &a, const Note &b)
         && sameList(a.attachments, b.attachments);
 }
 
+bool sameList(const NoteList &a, const NoteList &b)
+{
+    return a.sharesAllChunks(b);
+}
+
+// The number of notes alike at the start of both lists: chunks both share
+// are skipped whole, then notes are compared one by one.
+qsizetype commonHead(const NoteList &a, const NoteList &b)
+{
+    qsizetype n = 0;
+    for (qsizetype c = 0; c < a.chunkCount() && c < b.chunkCount()
+         && NoteList::sameChunk(a.chunk(c), b.chunk(c));
+         ++c)
+        n += a.chunk(c).size();
+    const qsizetype shorter = std::min(a.size(), b.size());
+    while (n < shorter && sameNote(a.at(n), b.at(n)))
+        ++n;
+    return n;
+}
+
+// The number of notes alike at the end of both lists, at most \a most.
+qsizetype commonTail(const NoteList &a, const NoteList &b, qsizetype most)
+{
+    qsizetype n = 0;
+    for (qsizetype ca = a.chunkCount() - 1, cb = b.chunkCount() - 1;
+         ca >= 0 && cb >= 0 && n < most && NoteList::sameChunk(a.chunk(ca), b.chunk(cb));
+         --ca, --cb)
+        n += a.chunk(ca).size();
+    n = std::min(n, most);
+    while (n < most && sameNote(a.at(a.size() - 1 - n), b.at(b.size() - 1 - n)))
+        ++n;
+    return n;
+}
+
 } // namespace
 
 PanelRowChange PanelRowList::clear()
@@ -102,7 +136,7 @@ PanelRowChange PanelRowList::update(
 
 std::vector<qsizetype> PanelRowList::filteredOrder(const NoteSection &section, int *remaining) const
 {
-    const QList<Note> &notes = section.notes;
+    const NoteList &notes = section.notes;
     const bool byMatch
         = m_options.isSearching && !(m_matches && m_matches->sectionIDs.contains(section.id));
     std::vector<qsizetype> order;
@@ -189,8 +223,8 @@ PanelRowChange PanelRowList::patchSection(
     qsizetype oldHigh = oldCount;
     qsizetype newHigh = newCount;
     bool headerChanged = false;
-    const QList<Note> &before = cached.source.notes;
-    const QList<Note> &after = section.notes;
+    const NoteList &before = cached.source.notes;
+    const NoteList &after = section.notes;
     if (present != cached.present || shown != wasShown) {
         // The section comes, goes, opens or closes: all its rows are made again.
     } else if (!present) {
@@ -204,13 +238,8 @@ PanelRowChange PanelRowList::patchSection(
             // Notes alike at both ends of the section are the same notes;
             // the rows made from them stand as they are.
             const qsizetype shorter = std::min(before.size(), after.size());
-            qsizetype head = 0;
-            while (head < shorter && (notesSame || sameNote(before.at(head), after.at(head))))
-                ++head;
-            qsizetype tail = 0;
-            while (tail < shorter - head
-                && sameNote(before.at(before.size() - 1 - tail), after.at(after.size() - 1 - tail)))
-                ++tail;
+            const qsizetype head = notesSame ? shorter : commonHead(before, after);
+            const qsizetype tail = commonTail(before, after, shorter - head);
             const qsizetype growth = after.size() - before.size();
             auto sameRow = [&](qsizetype oldIndex, qsizetype newIndex) {
                 if (oldIndex < head)

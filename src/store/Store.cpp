@@ -165,7 +165,7 @@ std::optional<LibraryPosition> Store::locateNote(const QUuid &id) const
         const QList<NoteSection> &sections
             = p >= 0 ? m_library.projects.at(p).sections : QList<NoteSection>();
         if (place->first < sections.size()) {
-            const QList<Note> &notes = sections.at(place->first).notes;
+            const NoteList &notes = sections.at(place->first).notes;
             if (place->second < notes.size() && notes.at(place->second).id == id)
                 return LibraryPosition {p, place->first, place->second};
         }

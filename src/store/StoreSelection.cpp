@@ -10,7 +10,7 @@ namespace Vesko {
 
 namespace {
 
-QList<QUuid> idsOf(const QList<Note> &notes)
+QList<QUuid> idsOf(const NoteList &notes)
 {
     QList<QUuid> ids;
     ids.reserve(notes.size());

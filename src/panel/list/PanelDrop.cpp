@@ -48,7 +48,7 @@ Outcome handleDrop(Store &store, PanelState &state, const QStringList &items,
     }
 
     const std::optional<NoteSection> section = store.section(*sectionID);
-    const QList<Note> notes = section ? section->notes : QList<Note>();
+    const NoteList notes = section ? section->notes : NoteList();
     qsizetype index = notes.size();
     if (beforeNoteID) {
         for (qsizetype i = 0; i < notes.size(); ++i) {
