@@ -214,7 +214,7 @@ private:
     const QList<PanelRow> &m_rows;
     QList<QUuid> m_previousRowIDs;
     QSet<QUuid> m_expandedIDs;
-    //! Heights of note rows, measured or estimated, with what they depend on.
+    //! Heights of note rows as measured when laid out, with what they depend on.
     struct MeasuredHeight
     {
         QString text;
