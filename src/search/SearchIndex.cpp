@@ -18,6 +18,8 @@
 
 #include <sqlite3.h>
 
+#include <utility>
+
 namespace Vesko {
 
 namespace {
@@ -668,6 +670,10 @@ SearchMatches SearchIndex::scanProject(const QString &query, const Project &proj
 
 void SearchIndex::synchronize(const Library &library, quint64 revision, Cancellation cancellation)
 {
+    if (m_holding) {
+        m_held = HeldSynchronization {library, revision, std::move(cancellation)};
+        return;
+    }
     Worker *worker = m_worker.get();
     m_queue->async([worker, library, revision, cancellation] {
         worker->synchronize(library, revision, cancellation);
@@ -681,6 +687,19 @@ void SearchIndex::synchronize(const Library &library, quint64 revision, Cancella
                 searcher->prepare(project);
         });
     }
+}
+
+void SearchIndex::holdSynchronization()
+{
+    m_holding = true;
+}
+
+void SearchIndex::resumeSynchronization()
+{
+    if (!std::exchange(m_holding, false))
+        return;
+    if (std::optional<HeldSynchronization> held = std::exchange(m_held, std::nullopt))
+        synchronize(held->library, held->revision, std::move(held->cancellation));
 }
 
 SearchMatches SearchIndex::runSearch(const QString &query, const Project &project,
