@@ -358,7 +358,7 @@ void PanelListView::revealAnchor()
 
 // -- layout -------------------------------------------------------------------------
 
-int PanelListView::rowHeight(int index)
+int PanelListView::rowHeight(int index, bool closely)
 {
     const PanelRow &row = m_rows.at(index);
     if (row.isSection())
@@ -379,14 +379,16 @@ int PanelListView::rowHeight(int index)
     }
     // A row never laid out stands at a guess, which is not kept: estimating
     // costs less than keeping. Near either end of the list, where the view
-    // starts and where the end of the range leads, the guess counts the
-    // text's lines; elsewhere a collapsed row's is taken from its text's
-    // length, read without touching the text, so that the first layout of a
-    // large project reads little more than its rows. Rows are measured as
-    // they come into view, and the placement keeps the rows in view where
-    // they stand and a row scrolled to where it was asked to be.
-    const bool nearAnEnd = index < closelyEstimatedRows || index >= m_rows.size() - closelyEstimatedRows;
-    if (expanded || nearAnEnd)
+    // starts and where the end of the range leads, and for the few rows a
+    // change brings, the guess counts the text's lines; elsewhere a
+    // collapsed row's is taken from its text's length, read without touching
+    // the text, so that the first layout of a large project reads little
+    // more than its rows. Rows are measured as they come into view, and the
+    // placement keeps the rows in view where they stand and a row scrolled
+    // to where it was asked to be.
+    const bool nearAnEnd
+        = index < closelyEstimatedRows || index >= m_rows.size() - closelyEstimatedRows;
+    if (expanded || closely || nearAnEnd)
         return NoteRowView::estimatedHeight(note, expanded, m_metrics);
     return NoteRowView::lengthEstimatedHeight(note, m_metrics);
 }
@@ -430,8 +432,9 @@ void PanelListView::relayout(const std::optional<PanelRowChange> &change)
         && laidOut - change->removed + change->inserted == m_rows.size()) {
         // Only the rows the change replaced are measured again.
         std::vector<int> heights(size_t(change->inserted));
+        const bool few = change->inserted <= closelyEstimatedRows;
         for (qsizetype i = 0; i < change->inserted; ++i)
-            heights[size_t(i)] = rowHeight(int(change->first + i));
+            heights[size_t(i)] = rowHeight(int(change->first + i), few);
         m_layout->replaceHeights(int(change->first), int(change->removed), std::move(heights));
         const qsizetype common = std::min(change->removed, change->inserted);
         for (qsizetype i = 0; i < common; ++i)

@@ -180,8 +180,9 @@ private:
     //! off the rows out of view.
     void placeRows();
     void updateScrollRange();
-    //! The height of the row \a index: as measured, or as estimated.
-    int rowHeight(int index);
+    //! The height of the row \a index: as measured, or as estimated (from
+    //! its text's lines when \a closely).
+    int rowHeight(int index, bool closely = false);
     NoteRowView *takeIdleNote();
     SectionHeaderView *takeIdleHeader();
     int clampedScroll(int value) const;
