@@ -79,6 +79,9 @@ QStringList translationFolders()
         QDir::cleanPath(program + QStringLiteral("/" VESKO_TRANSLATIONS_FROM_PROGRAM))};
 }
 
+//! How long after the launch the search index starts at the latest.
+constexpr int indexStartLimitMilliseconds = 3000;
+
 void print(FILE *stream, const QString &text)
 {
     const QByteArray bytes = text.toUtf8();
@@ -181,7 +184,11 @@ int main(int argc, char *argv[])
                     qUtf8Printable(preferences.libraryURL()));
         });
 
-    // The Store first: the library is read and repaired before anything else runs.
+    // The Store first: the library is read and repaired before anything else
+    // runs. The search index's first pass over it, on threads of its own,
+    // waits until the panel is up (below), so as not to compete with the
+    // launch for the cores; searches are answered meanwhile.
+    SearchIndex::shared().holdSynchronization();
     Store &store = Store::shared();
     qCInfo(lcStorage, "Library at %s: %lld projects, %lld notes",
         qUtf8Printable(preferences.libraryPath()), qlonglong(store.library().projects.size()),
@@ -312,6 +319,13 @@ int main(int argc, char *argv[])
     });
 
     QTimer::singleShot(0, &delegate, &AppDelegate::didFinishLaunching);
+    // The index starts once the panel has painted its first frame; a start in
+    // the background shows none, and a panel that is slow to come does not
+    // keep the index waiting for long.
+    const auto startIndexing = [] { SearchIndex::shared().resumeSynchronization(); };
+    QObject::connect(&panel, &PanelController::fadeBegan, &app, startIndexing,
+        Qt::SingleShotConnection);
+    QTimer::singleShot(inBackground ? 0 : indexStartLimitMilliseconds, &app, startIndexing);
     const int status = app.exec();
     delegate.willTerminate();
     return status;

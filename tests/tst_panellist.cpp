@@ -35,8 +35,9 @@ using namespace Vesko::Test;
 
 namespace {
 
-//! A project of \a sections sections "S1"… of \a perSection notes each, "n0"… in order.
-Library manyNotes(int sections, int perSection)
+//! A project of \a sections sections "S1"… of \a perSection notes each, "n0"… in order;
+//! every third note of \a lines short lines.
+Library manyNotes(int sections, int perSection, int lines = 1)
 {
     Library library;
     Project project;
@@ -53,6 +54,8 @@ Library manyNotes(int sections, int perSection)
             note.text = QStringLiteral("note %1").arg(number);
             if (number % 7 == 0)
                 note.text += QStringLiteral(" with a longer text that wraps onto a second line");
+            if (number % 3 == 0)
+                note.text += QStringLiteral("\nline").repeated(lines - 1);
             section.notes.append(note);
         }
         project.sections.append(section);
@@ -760,13 +763,20 @@ void PanelListTest::reveal_data()
     QTest::addColumn<QString>("scrolledTo"); // the row at the top before, or none
     QTest::addColumn<QString>("anchor");
     QTest::addColumn<QString>("atTop"); // the row expected at the top; empty for centred
+    QTest::addColumn<int>("notes");
+    QTest::addColumn<int>("lines"); // of every third note
 
     // Near or far, the list glides until the row stands in the middle.
-    QTest::newRow("out of view below") << "" << "n150" << "";
-    QTest::newRow("out of view above") << "n150" << "n20" << "";
-    QTest::newRow("near the start the first row stays on top") << "n150" << "n1" << "S1";
-    QTest::newRow("in view") << "n100" << "n103" << "";
-    QTest::newRow("in view, partly under the composer") << "n100" << "straddling" << "";
+    QTest::newRow("out of view below") << "" << "n150" << "" << 300 << 1;
+    QTest::newRow("out of view above") << "n150" << "n20" << "" << 300 << 1;
+    QTest::newRow("near the start the first row stays on top") << "n150" << "n1" << "S1" << 300 << 1;
+    QTest::newRow("in view") << "n100" << "n103" << "" << 300 << 1;
+    QTest::newRow("in view, partly under the composer") << "n100" << "straddling" << "" << 300 << 1;
+    // Rows far from both ends are laid out at a guess until they come into
+    // view: notes of several lines are taller than it.
+    QTest::newRow("far below, notes of lines") << "" << "n1500" << "" << 3000 << 3;
+    QTest::newRow("far above, notes of lines") << "n2500" << "n900" << "" << 3000 << 3;
+    QTest::newRow("in view far down, notes of lines") << "n1500" << "n1503" << "" << 3000 << 3;
     // clang-format on
 }
 
@@ -775,11 +785,14 @@ void PanelListTest::reveal()
     QFETCH(QString, scrolledTo);
     QFETCH(QString, anchor);
     QFETCH(QString, atTop);
-    PanelTestRig rig(manyNotes(1, 300));
+    QFETCH(int, notes);
+    QFETCH(int, lines);
+    PanelTestRig rig(manyNotes(1, notes, lines));
     ListWindow w(rig);
     if (!scrolledTo.isEmpty()) {
         w.list->scrollToRow(idFor(scrolledTo), ScrollAnchor::Top, false);
         QCoreApplication::processEvents();
+        QCOMPARE(w.topInClearArea(scrolledTo), 0);
     }
     if (anchor == u"straddling") {
         // The row across the lower edge of the area between the bars.

@@ -244,6 +244,13 @@ void ProjectCorpus::findNotes(
     find(c, finder, length, [&](quint32 owner) { notes.insert(c.noteIDs[owner]); });
 }
 
+void ProjectCorpus::findNotes(qsizetype chunk, const SubstringFinder &finder, qsizetype length,
+    std::vector<QUuid> &notes) const
+{
+    const Chunk &c = *m_chunks.at(chunk);
+    find(c, finder, length, [&](quint32 owner) { notes.push_back(c.noteIDs[owner]); });
+}
+
 QSet<QUuid> ProjectCorpus::findSections(const SubstringFinder &finder, qsizetype length) const
 {
     QSet<QUuid> sections;

@@ -21,6 +21,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace Vesko {
 
@@ -50,6 +51,9 @@ public:
     //! \a length bytes, found by \a finder) in its text or an attachment name.
     void findNotes(qsizetype chunk, const SubstringFinder &finder, qsizetype length,
         QSet<QUuid> &notes) const;
+    //! The same, appending their ids to \a notes in the chunk's order.
+    void findNotes(qsizetype chunk, const SubstringFinder &finder, qsizetype length,
+        std::vector<QUuid> &notes) const;
 
     //! The sections whose titles hold the needle.
     QSet<QUuid> findSections(const SubstringFinder &finder, qsizetype length) const;

@@ -18,6 +18,10 @@
 
 #include <sqlite3.h>
 
+#include <bit>
+#include <utility>
+#include <vector>
+
 namespace Vesko {
 
 namespace {
@@ -417,6 +421,44 @@ private:
     std::optional<quint64> m_indexedRevision;
 };
 
+namespace {
+
+// Inserts \a ids into \a set in the order of the places its table gives
+// them, so that the table is filled from one end to the other rather than at
+// random: a million ids written at random places miss the cache at nearly
+// every one. Where QHash places a key (the low bits of its hash with the
+// table's seed) is its own affair: were it to change, the set would be the
+// same, only made more slowly.
+void insertInTableOrder(QSet<QUuid> &set, const std::vector<QUuid> &ids)
+{
+    set.reserve(set.size() + qsizetype(ids.size()));
+    const size_t buckets = size_t(set.capacity()) * 2;
+    constexpr int partBits = 12;
+    if (ids.size() < 1024 || !std::has_single_bit(buckets)) {
+        for (const QUuid &id : ids)
+            set.insert(id);
+        return;
+    }
+    // A counting sort on the highest bits of each id's place.
+    const int shift = std::max(0, std::countr_zero(buckets) - partBits);
+    const size_t seed = QHashSeed::globalSeed();
+    std::vector<quint16> parts(ids.size());
+    std::vector<size_t> starts((size_t(1) << partBits) + 1, 0);
+    for (size_t i = 0; i < ids.size(); ++i) {
+        parts[i] = quint16((qHash(ids[i], seed) & (buckets - 1)) >> shift);
+        ++starts[parts[i] + 1];
+    }
+    for (size_t p = 1; p < starts.size(); ++p)
+        starts[p] += starts[p - 1];
+    std::vector<QUuid> ordered(ids.size());
+    for (size_t i = 0; i < ids.size(); ++i)
+        ordered[starts[parts[i]]++] = ids[i];
+    for (const QUuid &id : ordered)
+        set.insert(id);
+}
+
+} // namespace
+
 // The searches; touched only on the searches' thread. It keeps the corpus of
 // each project searched, and reads the database through a read-only
 // connection of its own, which sees the last committed tables without
@@ -485,14 +527,19 @@ public:
                 return matches;
             }
         }
-        if (sampled > 0 && chunk < chunks)
-            matches.noteIDs.reserve(matches.noteIDs.size() * corpus->noteCount() / sampled);
+        std::vector<QUuid> found;
+        if (sampled > 0 && chunk < chunks) {
+            const qsizetype expected = matches.noteIDs.size() * corpus->noteCount() / sampled;
+            matches.noteIDs.reserve(expected);
+            found.reserve(size_t(expected));
+        }
         for (; chunk < chunks; ++chunk) {
             // A search that a newer one replaced stops here.
             if (cancellation.isCancelled())
                 return {};
-            corpus->findNotes(chunk, finder, length, matches.noteIDs);
+            corpus->findNotes(chunk, finder, length, found);
         }
+        insertInTableOrder(matches.noteIDs, found);
         return matches;
     }
 
@@ -668,6 +715,10 @@ SearchMatches SearchIndex::scanProject(const QString &query, const Project &proj
 
 void SearchIndex::synchronize(const Library &library, quint64 revision, Cancellation cancellation)
 {
+    if (m_holding) {
+        m_held = HeldSynchronization {library, revision, std::move(cancellation)};
+        return;
+    }
     Worker *worker = m_worker.get();
     m_queue->async([worker, library, revision, cancellation] {
         worker->synchronize(library, revision, cancellation);
@@ -681,6 +732,19 @@ void SearchIndex::synchronize(const Library &library, quint64 revision, Cancella
                 searcher->prepare(project);
         });
     }
+}
+
+void SearchIndex::holdSynchronization()
+{
+    m_holding = true;
+}
+
+void SearchIndex::resumeSynchronization()
+{
+    if (!std::exchange(m_holding, false))
+        return;
+    if (std::optional<HeldSynchronization> held = std::exchange(m_held, std::nullopt))
+        synchronize(held->library, held->revision, std::move(held->cancellation));
 }
 
 SearchMatches SearchIndex::runSearch(const QString &query, const Project &project,

@@ -89,6 +89,13 @@ public:
     //! Brings the index up to \a library at \a revision, in the background.
     void synchronize(const Library &library, quint64 revision, Cancellation cancellation = {});
 
+    //! Holds back the synchronisations asked for from now on, the last of
+    //! which starts at resumeSynchronization(): a launch keeps the index's
+    //! first pass over the library off the cores until its window is up.
+    //! Searches are answered meanwhile. Main thread only, as synchronize().
+    void holdSynchronization();
+    void resumeSynchronization();
+
     //! Searches \a project (a value of the library at \a revision) for
     //! \a query in the background; \a completion runs on the main thread
     //! unless \a context has gone by then.
@@ -141,6 +148,15 @@ private:
     std::unique_ptr<Searcher> m_searcher;
     std::unique_ptr<SerialQueue> m_queue;
     std::unique_ptr<SerialQueue> m_queryQueue;
+
+    struct HeldSynchronization
+    {
+        Library library;
+        quint64 revision = 0;
+        Cancellation cancellation;
+    };
+    bool m_holding = false;
+    std::optional<HeldSynchronization> m_held;
 };
 
 } // namespace Vesko

@@ -308,6 +308,9 @@ PanelRowChange PanelRowList::patchSection(
 qsizetype PanelRowList::indexOf(const QUuid &id) const
 {
     if (!m_indexCurrent) {
+        // After a whole derivation the index is made anew, at its size at once.
+        if (m_index.isEmpty())
+            m_index.reserve(m_rows.size());
         for (size_t s = 0; s < m_sections.size(); ++s) {
             Section &section = const_cast<Section &>(m_sections[s]);
             for (qsizetype offset = section.unindexedFrom; offset < section.unindexedTo; ++offset)

@@ -247,11 +247,16 @@ NoteRowView::Metrics NoteRowView::metricsFor(int width)
     return metrics;
 }
 
-int NoteRowView::estimatedHeight(const Note &note, bool expanded, const Metrics &metrics)
+qreal NoteRowView::charactersPerLine(const Metrics &metrics)
 {
     const qreal inner = std::max(
         40, metrics.width - (cardPaddingH + DoneControl::diameter + spacing) - cardPaddingH);
-    const qreal perLine = std::max<qreal>(1, inner / metrics.averageCharacterWidth);
+    return std::max<qreal>(1, inner / metrics.averageCharacterWidth);
+}
+
+int NoteRowView::estimatedHeight(const Note &note, bool expanded, const Metrics &metrics)
+{
+    const qreal perLine = charactersPerLine(metrics);
     const int lineLimit = expanded ? std::numeric_limits<int>::max() : collapsedLines;
     // Lines of the paragraphs, up to the limit; a paragraph long enough to
     // fill the limit alone ends the count.
@@ -270,6 +275,23 @@ int NoteRowView::estimatedHeight(const Note &note, bool expanded, const Metrics 
         }
     }
     lines = std::min(lines, lineLimit);
+    const int attachments
+        = expanded ? int(note.attachments.size()) : std::min(1, int(note.attachments.size()));
+    return heightForLines(lines, attachments, expanded && note.source, metrics);
+}
+
+int NoteRowView::lengthEstimatedHeight(const Note &note, const Metrics &metrics)
+{
+    const qreal perLine = charactersPerLine(metrics);
+    const qsizetype length = note.text.size();
+    const int lines = length == 0
+        ? 0
+        : int(std::min<qreal>(collapsedLines, std::ceil(qreal(length) / perLine)));
+    return heightForLines(lines, note.attachments.isEmpty() ? 0 : 1, false, metrics);
+}
+
+int NoteRowView::heightForLines(int lines, int attachments, bool caption, const Metrics &metrics)
+{
     int column = 0;
     auto add = [&column](int part) {
         if (part <= 0)
@@ -280,11 +302,9 @@ int NoteRowView::estimatedHeight(const Note &note, bool expanded, const Metrics 
     };
     if (lines > 0)
         add(lines * metrics.lineHeight - int(NoteTextLayout::lineGap));
-    if (!note.attachments.isEmpty()) {
-        const int count = expanded ? int(note.attachments.size()) : 1;
-        add(count * metrics.attachmentsLineHeight + (count - 1) * 3);
-    }
-    if (expanded && note.source)
+    if (attachments > 0)
+        add(attachments * metrics.attachmentsLineHeight + (attachments - 1) * 3);
+    if (caption)
         add(metrics.captionHeight);
     return 2 * rowPadding + 2 * cardPaddingV + std::max(DoneControl::diameter + 1, column);
 }

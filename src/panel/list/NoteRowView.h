@@ -99,6 +99,11 @@ public:
     };
     static Metrics metricsFor(int width);
     static int estimatedHeight(const Note &note, bool expanded, const Metrics &metrics);
+    //! A cruder guess for a collapsed row, from the length of its text alone
+    //! (line breaks are not counted): it reads nothing but the note's own
+    //! fields, not its text, so a list of any size takes it for all its rows
+    //! at once.
+    static int lengthEstimatedHeight(const Note &note, const Metrics &metrics);
 
 protected:
     bool event(QEvent *event) override;
@@ -117,6 +122,11 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
+    //! The height of a row of \a lines lines of text, with \a attachments
+    //! attachment lines and a caption or not.
+    static int heightForLines(int lines, int attachments, bool caption, const Metrics &metrics);
+    //! How many characters of the average width fill a line of the text.
+    static qreal charactersPerLine(const Metrics &metrics);
     int contentLeft() const;
     int contentWidth(int width) const;
     //! The height of the column of text, attachments and source line.

@@ -34,6 +34,10 @@ namespace {
 //! rows that are ready.
 constexpr int overscan = 120;
 
+//! Rows at each end of the list whose heights, until measured, are estimated
+//! from their text's lines: more than a view holds.
+constexpr qsizetype closelyEstimatedRows = 256;
+
 } // namespace
 
 PanelListView::PanelListView(Store &store, PanelState &state, QWidget *parent)
@@ -354,28 +358,39 @@ void PanelListView::revealAnchor()
 
 // -- layout -------------------------------------------------------------------------
 
-int PanelListView::rowHeight(int index)
+int PanelListView::rowHeight(int index, bool closely)
 {
     const PanelRow &row = m_rows.at(index);
     if (row.isSection())
         return SectionHeaderView::rowHeight;
     const Note &note = row.note();
     const bool expanded = !m_expandedIDs.isEmpty() && m_expandedIDs.contains(note.id);
-    const auto known = m_measured.constFind(note.id);
-    // A text that still shares its buffer is the same text without a look at it.
-    auto sameText = [](const QString &a, const QString &b) {
-        return a.size() == b.size() && (a.constData() == b.constData() || a == b);
-    };
-    if (known != m_measured.cend() && known->expanded == expanded
-        && known->attachmentCount == note.attachments.size()
-        && known->hasSource == note.source.has_value() && sameText(known->text, note.text)) {
-        return known->height;
+    if (!m_measured.isEmpty()) {
+        const auto known = m_measured.constFind(note.id);
+        // A text that still shares its buffer is the same text without a look at it.
+        auto sameText = [](const QString &a, const QString &b) {
+            return a.size() == b.size() && (a.constData() == b.constData() || a == b);
+        };
+        if (known != m_measured.cend() && known->expanded == expanded
+            && known->attachmentCount == note.attachments.size()
+            && known->hasSource == note.source.has_value() && sameText(known->text, note.text)) {
+            return known->height;
+        }
     }
-    // Estimated once per text; measured when the row is laid out.
-    const int height = NoteRowView::estimatedHeight(note, expanded, m_metrics);
-    m_measured.insert(
-        note.id, {note.text, note.attachments.size(), expanded, note.source.has_value(), height});
-    return height;
+    // A row never laid out stands at a guess, which is not kept: estimating
+    // costs less than keeping. Near either end of the list, where the view
+    // starts and where the end of the range leads, and for the few rows a
+    // change brings, the guess counts the text's lines; elsewhere a
+    // collapsed row's is taken from its text's length, read without touching
+    // the text, so that the first layout of a large project reads little
+    // more than its rows. Rows are measured as they come into view, and the
+    // placement keeps the rows in view where they stand and a row scrolled
+    // to where it was asked to be.
+    const bool nearAnEnd
+        = index < closelyEstimatedRows || index >= m_rows.size() - closelyEstimatedRows;
+    if (expanded || closely || nearAnEnd)
+        return NoteRowView::estimatedHeight(note, expanded, m_metrics);
+    return NoteRowView::lengthEstimatedHeight(note, m_metrics);
 }
 
 void PanelListView::relayout(const std::optional<PanelRowChange> &change)
@@ -417,8 +432,9 @@ void PanelListView::relayout(const std::optional<PanelRowChange> &change)
         && laidOut - change->removed + change->inserted == m_rows.size()) {
         // Only the rows the change replaced are measured again.
         std::vector<int> heights(size_t(change->inserted));
+        const bool few = change->inserted <= closelyEstimatedRows;
         for (qsizetype i = 0; i < change->inserted; ++i)
-            heights[size_t(i)] = rowHeight(int(change->first + i));
+            heights[size_t(i)] = rowHeight(int(change->first + i), few);
         m_layout->replaceHeights(int(change->first), int(change->removed), std::move(heights));
         const qsizetype common = std::min(change->removed, change->inserted);
         for (qsizetype i = 0; i < common; ++i)
@@ -481,6 +497,10 @@ void PanelListView::placeRows()
 
     QHash<QUuid, NoteRowView *> notes;
     QHash<QUuid, SectionHeaderView *> headers;
+    // The places of the rows in view, as the passes below find them: the
+    // Store's index of all rows is not needed for them (its first look-up
+    // after a whole derivation indexes every row).
+    QHash<QUuid, int> placed;
     int first = 0;
     int last = -1;
     // Measuring rows can change heights and so the range in view: a few passes settle it.
@@ -493,6 +513,7 @@ void PanelListView::placeRows()
         bool changed = false;
         for (int i = first; i <= last; ++i) {
             const PanelRow &row = m_rows.at(i);
+            placed.insert(row.id(), i);
             int height = SectionHeaderView::rowHeight;
             if (row.isSection()) {
                 SectionHeaderView *header = headers.value(row.id());
@@ -560,8 +581,12 @@ void PanelListView::placeRows()
     m_headerViews = headers;
 
     const int scroll = verticalScrollBar()->value();
+    auto indexOfPlaced = [&](const QUuid &id) {
+        const auto found = placed.constFind(id);
+        return found != placed.cend() ? *found : indexOfRow(id);
+    };
     for (auto it = m_noteViews.cbegin(); it != m_noteViews.cend(); ++it) {
-        const int index = indexOfRow(it.key());
+        const int index = indexOfPlaced(it.key());
         if (index < 0)
             continue;
         it.value()->setGeometry(
@@ -569,7 +594,7 @@ void PanelListView::placeRows()
         it.value()->show();
     }
     for (auto it = m_headerViews.cbegin(); it != m_headerViews.cend(); ++it) {
-        const int index = indexOfRow(it.key());
+        const int index = indexOfPlaced(it.key());
         if (index < 0)
             continue;
         SectionHeaderView *header = it.value();

@@ -180,8 +180,9 @@ private:
     //! off the rows out of view.
     void placeRows();
     void updateScrollRange();
-    //! The height of the row \a index: as measured, or as estimated.
-    int rowHeight(int index);
+    //! The height of the row \a index: as measured, or as estimated (from
+    //! its text's lines when \a closely).
+    int rowHeight(int index, bool closely = false);
     NoteRowView *takeIdleNote();
     SectionHeaderView *takeIdleHeader();
     int clampedScroll(int value) const;
@@ -214,7 +215,7 @@ private:
     const QList<PanelRow> &m_rows;
     QList<QUuid> m_previousRowIDs;
     QSet<QUuid> m_expandedIDs;
-    //! Heights of note rows, measured or estimated, with what they depend on.
+    //! Heights of note rows as measured when laid out, with what they depend on.
     struct MeasuredHeight
     {
         QString text;
