@@ -25,11 +25,9 @@
 APP is an application's name or, all digits, its process id (to tell apart
 two instances of one program). Each node of the tree has role, name,
 description, states, and where the object offers them its place on the
-screen (extents: x, y, width, height), text (its Text interface), value (its
-Value interface), actions, the names of the labels that label it
-(labelled_by) and, for text with attributes, the runs of attributes that
-differ from the defaults. Exit status 2 when APP (or its WINDOW) is not on
-the bus (yet).
+screen (extents: x, y, width, height), text (its Text interface) and the
+names of the labels that label it (labelled_by). Exit status 2 when APP (or
+its WINDOW) is not on the bus (yet).
 """
 
 import json
@@ -68,20 +66,6 @@ def find_window(app, name):
     return None
 
 
-def text_runs(text, length):
-    """The attribute runs of a text, as [start, end, {attribute: value}]."""
-    runs = []
-    offset = 0
-    while offset < length:
-        attributes, start, end = text.getAttributeRun(offset, False)
-        if end <= offset:
-            break
-        if attributes:
-            runs.append([start, end, dict(a.split(":", 1) for a in attributes if ":" in a)])
-        offset = end
-    return runs
-
-
 def labels_of(node):
     names = []
     for relation in node.getRelationSet():
@@ -99,26 +83,12 @@ def describe(node, depth=0):
         "states": sorted(pyatspi.stateToString(s) for s in node.getState().getStates()),
     }
     try:
-        text = node.queryText()
-        entry["text"] = text.getText(0, -1)
-        runs = text_runs(text, text.characterCount)
-        if runs:
-            entry["runs"] = runs
+        entry["text"] = node.queryText().getText(0, -1)
     except NotImplementedError:
         pass
     try:
         extents = node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
         entry["extents"] = [extents.x, extents.y, extents.width, extents.height]
-    except NotImplementedError:
-        pass
-    try:
-        value = node.queryValue()
-        entry["value"] = value.currentValue
-    except NotImplementedError:
-        pass
-    try:
-        action = node.queryAction()
-        entry["actions"] = [action.getName(i) for i in range(action.nActions)]
     except NotImplementedError:
         pass
     labels = labels_of(node)
