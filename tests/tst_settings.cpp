@@ -11,46 +11,22 @@
 
 #include "TestEnvironment.h"
 
+#include "AccessibleTree.h"
 #include "ProgramSession.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QProcess>
 #include <QScopeGuard>
 #include <QSettings>
 
 using namespace Vesko;
+using Test::AccessibleNode;
+using Test::AccessibleTree;
 using Test::xdotool;
 
 namespace {
-
-//! Runs the AT-SPI reader with \a arguments; its output, or nothing when it failed.
-std::optional<QByteArray> atspi(const QStringList &arguments)
-{
-    QProcess reader;
-    reader.start(QStringLiteral("/usr/bin/python3"),
-        QStringList {QStringLiteral(VESKO_TESTS_SOURCE_DIR "/helpers/atspi_reader.py")}
-            + arguments);
-    if (!reader.waitForFinished(30000) || reader.exitCode() != 0)
-        return std::nullopt;
-    return reader.readAllStandardOutput();
-}
-
-//! Every accessible of the tree as "role|name", depth first.
-void flatten(const QJsonObject &node, QStringList &out, QHash<QString, QJsonObject> &byName)
-{
-    const QString key = node.value(QStringLiteral("role")).toString() + u'|'
-        + node.value(QStringLiteral("name")).toString();
-    out.append(key);
-    if (!byName.contains(key))
-        byName.insert(key, node);
-    for (const QJsonValue child : node.value(QStringLiteral("children")).toArray())
-        flatten(child.toObject(), out, byName);
-}
 
 QStringList windowsNamed(const QString &pattern)
 {
@@ -98,10 +74,7 @@ class SettingsTest : public QObject
 private Q_SLOTS:
     void initTestCase();
     void cleanupTestCase();
-    void trayOpensOneWindow();
-    void screenReaderFindsEveryControl();
-    void toggleChangesTheFileAndThePanel();
-    void closingOnlyHides();
+    void fromTheTray();
     void launchWithoutCaptureOpensTheCaptureTab();
 
 private:
@@ -182,15 +155,16 @@ void SettingsTest::openFromTray()
         QStringLiteral("Return")});
 }
 
-void SettingsTest::trayOpensOneWindow()
+//! One scenario over one running program: each step leaves the window as the next needs it.
+void SettingsTest::fromTheTray()
 {
+    // The tray's "Settings" opens one window of this program, in front.
     QVERIFY(settingsWindow().isEmpty());
     openFromTray();
     QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), Test::patience);
     const QString window = settingsWindow();
     QCOMPARE(xdotool({QStringLiteral("getwindowpid"), window}).toLongLong(), m_vesko->processId());
     QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, Test::patience);
-
     // With the panel in front, asking again brings the same window forward.
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), m_panel});
     QTRY_COMPARE_WITH_TIMEOUT(
@@ -198,76 +172,42 @@ void SettingsTest::trayOpensOneWindow()
     openFromTray();
     QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, Test::patience);
     QCOMPARE(windowsNamed(QStringLiteral("^Vesko Settings$")), QStringList {window});
-}
 
-void SettingsTest::screenReaderFindsEveryControl()
-{
-    if (settingsWindow().isEmpty())
-        openFromTray();
-    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), Test::patience);
-    std::optional<QByteArray> json;
+    // A screen reader finds every tab and control by its name.
+    const QString pid = QString::number(m_vesko->processId());
+    AccessibleTree tree;
     QTRY_VERIFY_WITH_TIMEOUT(
-        (json = atspi({QStringLiteral("tree"), QString::number(m_vesko->processId()),
-             QStringLiteral("Vesko Settings")})),
+        !(tree = AccessibleTree::read(pid, QStringLiteral("Vesko Settings"))).isEmpty(),
         Test::patience);
-    QStringList nodes;
-    QHash<QString, QJsonObject> byName;
-    flatten(QJsonDocument::fromJson(*json).object(), nodes, byName);
-
-    const QStringList expected = {
-        "page tab|General",
-        "page tab|Capture",
-        "page tab|Storage",
-        "page tab|About",
-        "check box|Show on all workspaces",
-        "check box|Always on top",
-        "check box|Show in the system tray",
-        "check box|Show in the taskbar",
-        "check box|Open at login",
-        "check box|Keep Markdown when copying",
-        "push button|Reset Window Position",
-        "push button|Reset Window Size",
-        "check box|Capture with Shift pressed twice",
-        "slider|Time between presses",
-        "push button|Show or Hide Vesko shortcut",
-        "push button|Capture Selection shortcut",
-        "push button|Add a Note shortcut",
-        "push button|Copy Notes as List shortcut",
-        "check box|Bring the panel forward on capture",
-        "push button|Show in Files",
-        "push button|Move…",
-        "push button|Export All as Markdown…",
-        "push button|Copy This Project as List",
-        "push button|Clear Completed in This Project",
-        "label|Vesko",
-        "label|Notes stay in a local file",
-    };
-    for (const QString &entry : expected)
-        QVERIFY2(nodes.contains(entry), qPrintable(entry));
+    for (const char *entry : {"page tab|General", "page tab|Capture", "page tab|Storage",
+             "page tab|About", "check box|Show on all workspaces", "check box|Always on top",
+             "check box|Show in the system tray", "check box|Show in the taskbar",
+             "check box|Open at login", "check box|Keep Markdown when copying",
+             "push button|Reset Window Position", "push button|Reset Window Size",
+             "check box|Capture with Shift pressed twice", "slider|Time between presses",
+             "push button|Show or Hide Vesko shortcut", "push button|Capture Selection shortcut",
+             "push button|Add a Note shortcut", "push button|Copy Notes as List shortcut",
+             "check box|Bring the panel forward on capture", "push button|Show in Files",
+             "push button|Move…", "push button|Export All as Markdown…",
+             "push button|Copy This Project as List", "push button|Clear Completed in This Project",
+             "label|Vesko", "label|Notes stay in a local file"}) {
+        const QString role = QString::fromUtf8(entry).section(u'|', 0, 0);
+        QVERIFY2(tree.any(role, QString::fromUtf8(entry).section(u'|', 1)), entry);
+    }
     // On this desktop a picker is named by its label and reads its choice.
     for (const auto &[label, choice] : {std::pair {"Appearance", "System"},
              std::pair {"Window position", "Right"}, std::pair {"Copy as List uses", "1. 2. 3."}}) {
-        const QJsonObject picker
-            = byName.value(QStringLiteral("combo box|") + QLatin1String(choice));
-        QVERIFY2(
-            picker.value(QStringLiteral("labelled_by")).toArray().contains(QLatin1String(label)),
-            label);
+        const AccessibleNode *picker
+            = tree.any(QStringLiteral("combo box"), QString::fromUtf8(choice));
+        QVERIFY2(picker && picker->labelledBy.contains(QLatin1String(label)), label);
     }
     // The slider reads its value as the tab shows it.
-    QCOMPARE(byName.value(QStringLiteral("slider|Time between presses"))
-                 .value(QStringLiteral("description"))
-                 .toString(),
+    QCOMPARE(tree.any(QStringLiteral("slider"), QStringLiteral("Time between presses"))->description,
         QStringLiteral("400 ms"));
-}
 
-void SettingsTest::toggleChangesTheFileAndThePanel()
-{
-    if (settingsWindow().isEmpty())
-        openFromTray();
-    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), Test::patience);
+    // A toggle pressed there changes the file and the panel at once.
     QVERIFY(!windowState(m_panel).contains(QStringLiteral("_NET_WM_STATE_ABOVE")));
-    QVERIFY(atspi({QStringLiteral("do"), QString::number(m_vesko->processId()),
-        QStringLiteral("check box"), QStringLiteral("Always on top")}));
+    QVERIFY(AccessibleTree::act(pid, QStringLiteral("check box"), QStringLiteral("Always on top")));
     QTRY_COMPARE_WITH_TIMEOUT(QSettings(m_session->configPath(), QSettings::IniFormat)
                                   .value(QStringLiteral("pinOnTop"))
                                   .toString(),
@@ -277,27 +217,18 @@ void SettingsTest::toggleChangesTheFileAndThePanel()
             && windowState(windowsNamed(QStringLiteral("^Vesko$")).first())
                    .contains(QStringLiteral("_NET_WM_STATE_ABOVE")),
         Test::patience);
-    m_panel = windowsNamed(QStringLiteral("^Vesko$")).first();
-
     // The tray icon goes with its toggle.
-    QVERIFY(atspi({QStringLiteral("do"), QString::number(m_vesko->processId()),
-        QStringLiteral("check box"), QStringLiteral("Show in the system tray")}));
+    const QString tray = QStringLiteral("Show in the system tray");
+    QVERIFY(AccessibleTree::act(pid, QStringLiteral("check box"), tray));
     QTRY_VERIFY_WITH_TIMEOUT(trayIconCentre().isNull(), Test::patience);
     QCOMPARE(QSettings(m_session->configPath(), QSettings::IniFormat)
                  .value(QStringLiteral("showsInMenuBar"))
                  .toString(),
         QStringLiteral("false"));
-    QVERIFY(atspi({QStringLiteral("do"), QString::number(m_vesko->processId()),
-        QStringLiteral("check box"), QStringLiteral("Show in the system tray")}));
+    QVERIFY(AccessibleTree::act(pid, QStringLiteral("check box"), tray));
     QTRY_VERIFY_WITH_TIMEOUT(!trayIconCentre().isNull(), Test::patience);
-}
 
-void SettingsTest::closingOnlyHides()
-{
-    if (settingsWindow().isEmpty())
-        openFromTray();
-    QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), Test::patience);
-    const QString window = settingsWindow();
+    // Closing only hides it; it comes back, one window, where it stood.
     xdotool({QStringLiteral("windowmove"), QStringLiteral("--sync"), window, QStringLiteral("140"),
         QStringLiteral("90")});
     const QString geometry = xdotool({QStringLiteral("getwindowgeometry"), window});
@@ -306,7 +237,6 @@ void SettingsTest::closingOnlyHides()
     QTRY_VERIFY_WITH_TIMEOUT(settingsWindow().isEmpty(), Test::patience);
     QTest::qWait(200);
     QCOMPARE(m_vesko->state(), QProcess::Running);
-    // It comes back, one window, where it stood.
     openFromTray();
     QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), Test::patience);
     QCOMPARE(xdotool({QStringLiteral("getwindowgeometry"), settingsWindow()}).section(u'\n', 1),
@@ -356,44 +286,28 @@ void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
             return !window.isEmpty();
         }(),
         Test::patience);
-    std::optional<QByteArray> json;
-    QStringList nodes;
-    QHash<QString, QJsonObject> byName;
-    const QString portalShortcuts = QStringLiteral("label|Shortcuts: Your desktop keeps Vesko's "
-                                                   "shortcuts; you change them in its settings.");
+    AccessibleTree tree;
+    const QString portalShortcuts = QStringLiteral(
+        "Shortcuts: Your desktop keeps Vesko's shortcuts; you change them in its settings.");
     QTRY_VERIFY_WITH_TIMEOUT(
-        [&] {
-            json = atspi({QStringLiteral("tree"), QString::number(vesko->processId()),
-                QStringLiteral("Vesko Settings")});
-            nodes.clear();
-            byName.clear();
-            if (json)
-                flatten(QJsonDocument::fromJson(*json).object(), nodes, byName);
-            return nodes.contains(portalShortcuts);
-        }(),
+        (tree = AccessibleTree::read(
+             QString::number(vesko->processId()), QStringLiteral("Vesko Settings")))
+            .any(QStringLiteral("label"), portalShortcuts),
         Test::patience);
+    const auto showing = [&tree](const char *role, const QString &name) {
+        const AccessibleNode *node = tree.any(QString::fromLatin1(role), name);
+        return node && node->isShowing();
+    };
     // The Capture page is the one on screen: its lines show, the General page's do not.
-    QVERIFY(!byName.value(QStringLiteral("check box|Always on top"))
-                 .value(QStringLiteral("states"))
-                 .toArray()
-                 .contains(QStringLiteral("showing")));
+    QVERIFY(!showing("check box", QStringLiteral("Always on top")));
+    QVERIFY(showing("label", QStringLiteral("Capture is not set up in this session")));
     // Qt runs here on the X server inside a Wayland session: XWayland.
-    const QString reason = QStringLiteral("Vesko runs here as an X11 program (XWayland), which "
-                                          "cannot read the text selected in other applications.");
-    QVERIFY(nodes.contains(QStringLiteral("label|Capture is not set up in this session")));
+    QVERIFY(showing("label",
+        QStringLiteral("Vesko runs here as an X11 program (XWayland), which cannot read the text "
+                       "selected in other applications.")));
     // This desktop has no keyboard-shortcut settings for the buttons to open.
-    for (const char *button : {"push button|Grant Access…", "push button|Open System Settings…"}) {
-        QVERIFY2(!byName.value(QString::fromUtf8(button))
-                      .value(QStringLiteral("states"))
-                      .toArray()
-                      .contains(QStringLiteral("showing")),
-            button);
-    }
-    QVERIFY2(nodes.contains(QStringLiteral("label|") + reason), qPrintable(nodes.join(u'\n')));
-    QVERIFY(byName.value(QStringLiteral("label|") + reason)
-                .value(QStringLiteral("states"))
-                .toArray()
-                .contains(QStringLiteral("showing")));
+    for (const char *button : {"Grant Access…", "Open System Settings…"})
+        QVERIFY2(!showing("push button", QString::fromUtf8(button)), button);
     // The panel comes up as well. The desktop's "Add a Note" brings it
     // forward, then its "Show or Hide Vesko" sends it away.
     const auto panelShown = [&] {

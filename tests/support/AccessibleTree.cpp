@@ -26,6 +26,8 @@ AccessibleNode parse(const QJsonObject &object)
     node.description = object.value(QLatin1String("description")).toString();
     for (const QJsonValue &state : object.value(QLatin1String("states")).toArray())
         node.states.append(state.toString());
+    for (const QJsonValue &label : object.value(QLatin1String("labelled_by")).toArray())
+        node.labelledBy.append(label.toString());
     if (object.contains(QLatin1String("text")))
         node.text = object.value(QLatin1String("text")).toString();
     const QJsonArray extents = object.value(QLatin1String("extents")).toArray();
@@ -46,9 +48,19 @@ void collect(const AccessibleNode &node, QList<const AccessibleNode *> &out)
 
 } // namespace
 
-AccessibleTree AccessibleTree::read(const QString &application)
+AccessibleTree AccessibleTree::read(const QString &application, const QString &window)
 {
-    return run({QStringLiteral("tree"), application});
+    QStringList arguments {QStringLiteral("tree"), application};
+    if (!window.isEmpty())
+        arguments.append(window);
+    return run(arguments);
+}
+
+bool AccessibleTree::act(const QString &application, const QString &role, const QString &name)
+{
+    QProcess reader;
+    reader.start(python, {readerPath(), QStringLiteral("do"), application, role, name});
+    return reader.waitForFinished(30000) && reader.exitCode() == 0;
 }
 
 AccessibleTree AccessibleTree::popup(const QString &application, const QString &key)
@@ -92,6 +104,15 @@ const AccessibleNode *AccessibleTree::find(const QString &role, const QString &n
 {
     for (const AccessibleNode *node : all()) {
         if (node->role == role && (name.isEmpty() || node->name == name) && node->isShowing())
+            return node;
+    }
+    return nullptr;
+}
+
+const AccessibleNode *AccessibleTree::any(const QString &role, const QString &name) const
+{
+    for (const AccessibleNode *node : all()) {
+        if (node->role == role && node->name == name)
             return node;
     }
     return nullptr;

@@ -26,6 +26,8 @@ struct AccessibleNode
     QString description;
     QStringList states;
     std::optional<QString> text;
+    //! The names of the labels that label it.
+    QStringList labelledBy;
     //! Where it is on the screen; empty when it has no place.
     QRect extents;
     QList<AccessibleNode> children;
@@ -39,9 +41,11 @@ struct AccessibleNode
 class AccessibleTree
 {
 public:
-    //! The tree of the application \a name, as it is now; empty when the
-    //! application is not on the accessibility bus.
-    static AccessibleTree read(const QString &application);
+    //! The tree of the application \a name (or process id), or only of its
+    //! window \a window, as it is now; empty when it is not on the bus.
+    static AccessibleTree read(const QString &application, const QString &window = QString());
+    //! Performs the first action of the first object of \a role and \a name.
+    static bool act(const QString &application, const QString &role, const QString &name);
     //! The popup menu on screen, found as a screen reader finds it: \a key
     //! is pressed (xdotool) and the menu whose entry takes the focus is read.
     //! Empty when no menu entry took the focus. A popup is no child of its
@@ -57,6 +61,8 @@ public:
     QList<const AccessibleNode *> all(std::function<bool(const AccessibleNode &)> matches) const;
     //! The first object of \a role (and \a name, unless empty) that is showing.
     const AccessibleNode *find(const QString &role, const QString &name = QString()) const;
+    //! The first object of \a role and \a name, showing or not.
+    const AccessibleNode *any(const QString &role, const QString &name) const;
     //! The names of the showing objects of \a role, in tree order.
     QStringList names(const QString &role) const;
 
