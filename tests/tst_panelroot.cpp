@@ -113,21 +113,20 @@ private Q_SLOTS:
     void promptCommits();
     void addButtonWaitsForACharacter_data();
     void addButtonWaitsForACharacter();
-    void dimCancelsAPendingMove();
-    void newSectionPromptCarriesPendingNotes();
+    void newSectionPromptWithPendingNotes_data();
+    void newSectionPromptWithPendingNotes();
     void layersShowInTheirOrder();
     void emptyStates_data();
     void emptyStates();
     void composerCommits_data();
     void composerCommits();
-    void composerEscapeTwice();
     void sectionLineWithFilesMakesOneNote();
     void secondReturnDuringAnImportDoesNothing();
     void failedImportKeepsTheBox();
     void sameFileOnce();
     void filesFromTheButtonAndFromADrop();
-    void searchFieldEscapeTwice_data();
-    void searchFieldEscapeTwice();
+    void escapeTwice_data();
+    void escapeTwice();
     void clearButton();
     void focusRequestsReachTheParts();
     void appearanceReachesTheRebuiltPanel_data();
@@ -270,37 +269,43 @@ void PanelRootTest::addButtonWaitsForACharacter()
     QCOMPARE(prompt()->addButton()->isEnabled(), enabled);
 }
 
-void PanelRootTest::dimCancelsAPendingMove()
+void PanelRootTest::newSectionPromptWithPendingNotes_data()
 {
-    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a,b|Work:c")});
-    Store &store = m_fixture->store();
-    m_state->setPendingMoveIDs(noteIDs(QStringLiteral("a,c")));
-    m_state->setShowing(PanelLayer::NewSection, true);
-    QVERIFY(prompt());
-    QTest::keyClicks(prompt()->field(), QStringLiteral("Ideas"));
-    // A click on the dim, well outside the card.
-    QTest::mouseClick(prompt(), Qt::LeftButton, {}, QPoint(20, 20));
-    QCOMPARE(root.shownLayer(), PanelLayer::None);
-    QVERIFY(m_state->pendingMoveIDs().isEmpty());
-    QCOMPARE(sectionTitles(store), (QStringList {"Inbox", "Work"}));
-    QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), (QStringList {"a", "b"}));
-    QCOMPARE(notesOfSection(store, QStringLiteral("Work")), QStringList {"c"});
+    QTest::addColumn<bool>("commit"); // Return, or a click on the dim well outside the card
+    QTest::addColumn<QStringList>("sections");
+    QTest::addColumn<QStringList>("inbox");
+
+    QTest::newRow("Return moves them") << true << QStringList {"Inbox", "Work", "Ideas"}
+                                       << QStringList {"b"};
+    QTest::newRow("the dim cancels") << false << QStringList {"Inbox", "Work"}
+                                     << QStringList {"a", "b"};
 }
 
-void PanelRootTest::newSectionPromptCarriesPendingNotes()
+void PanelRootTest::newSectionPromptWithPendingNotes()
 {
-    showRoot({QStringLiteral("*Inbox:a,b|Work:c")});
+    QFETCH(bool, commit);
+    QFETCH(QStringList, sections);
+    QFETCH(QStringList, inbox);
+    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a,b|Work:c")});
     Store &store = m_fixture->store();
     m_state->setPendingMoveIDs(noteIDs(QStringLiteral("c,a")));
     m_state->setShowing(PanelLayer::NewSection, true);
+    QVERIFY(prompt());
     QTest::keyClicks(prompt()->field(), QStringLiteral("Ideas"));
-    QTest::keyClick(prompt()->field(), Qt::Key_Return);
-    QCOMPARE(sectionTitles(store), (QStringList {"Inbox", "Work", "Ideas"}));
-    // In the order the panel showed them.
+    if (commit)
+        QTest::keyClick(prompt()->field(), Qt::Key_Return);
+    else
+        QTest::mouseClick(prompt(), Qt::LeftButton, {}, QPoint(20, 20));
+    QCOMPARE(root.shownLayer(), PanelLayer::None);
+    QVERIFY(m_state->pendingMoveIDs().isEmpty());
+    QCOMPARE(sectionTitles(store), sections);
+    QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), inbox);
+    QCOMPARE(notesOfSection(store, QStringLiteral("Work")), commit ? QStringList() : QStringList {"c"});
+    if (!commit)
+        return;
+    // In the order the panel showed them, in the section now active, which the composer names.
     QCOMPARE(notesOfSection(store, QStringLiteral("Ideas")), (QStringList {"a", "c"}));
     QCOMPARE(store.activeSection().title, QStringLiteral("Ideas"));
-    QVERIFY(m_state->pendingMoveIDs().isEmpty());
-    // The composer names the section it adds to.
     QCOMPARE(m_root->composer()->field()->placeholder(), QStringLiteral("Add to Ideas"));
 }
 
@@ -424,22 +429,6 @@ void PanelRootTest::composerCommits()
         const QUuid added = store.activeProject().sections.at(1).notes.last().id;
         QCOMPARE(store.selection(), QSet<QUuid> {added});
     }
-}
-
-void PanelRootTest::composerEscapeTwice()
-{
-    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
-    QTextEdit *editor = root.composer()->field()->editor();
-    QTRY_VERIFY_WITH_TIMEOUT(editor->hasFocus(), Test::patience);
-    QTest::keyClicks(editor, QStringLiteral("draft"));
-    QTest::keyClick(editor, Qt::Key_Escape);
-    QCOMPARE(root.composer()->text(), QString());
-    QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
-    QVERIFY(editor->hasFocus());
-    QTest::keyClick(editor, Qt::Key_Escape);
-    QCOMPARE(root.focusTarget(), PanelFocusTarget::List);
-    QVERIFY(root.list()->hasFocus());
-    QCOMPARE(m_fixture->store().visibleNotes().size(), 1);
 }
 
 void PanelRootTest::sectionLineWithFilesMakesOneNote()
@@ -578,39 +567,47 @@ void PanelRootTest::filesFromTheButtonAndFromADrop()
     QVERIFY(!textEnter.isAccepted());
 }
 
-void PanelRootTest::searchFieldEscapeTwice_data()
+void PanelRootTest::escapeTwice_data()
 {
+    QTest::addColumn<bool>("search"); // the search field, or the composer
     QTest::addColumn<QString>("typed");
     QTest::addColumn<bool>("searching");
 
-    QTest::newRow("a word") << "ab" << true;
-    QTest::newRow("blanks") << "  " << false;
+    QTest::newRow("composer") << false << "draft" << false;
+    QTest::newRow("search, a word") << true << "ab" << true;
+    QTest::newRow("search, blanks") << true << "  " << false;
 }
 
-void PanelRootTest::searchFieldEscapeTwice()
+//! The first Escape empties the field and keeps it; the second hands the keyboard to the list.
+void PanelRootTest::escapeTwice()
 {
+    QFETCH(bool, search);
     QFETCH(QString, typed);
     QFETCH(bool, searching);
 
     PanelRootView &root = showRoot({QStringLiteral("*Inbox:a,b")});
     Store &store = m_fixture->store();
-    m_state->requestFocus(PanelFocusTarget::Search);
-    QLineEdit *field = root.searchField()->field();
-    QVERIFY(field->hasFocus());
+    const PanelFocusTarget target = search ? PanelFocusTarget::Search : PanelFocusTarget::Composer;
+    m_state->requestFocus(target);
+    QWidget *field = search ? static_cast<QWidget *>(root.searchField()->field())
+                            : root.composer()->field()->editor();
+    QTRY_VERIFY_WITH_TIMEOUT(field->hasFocus(), Test::patience);
     QTest::keyClicks(field, typed);
-    QCOMPARE(store.searchText(), typed);
+    QCOMPARE(store.searchText(), search ? typed : QString());
     QCOMPARE(store.isSearching(), searching);
     // Blanks show the clear button too: the text is not empty.
-    QVERIFY(root.searchField()->showsClearButton());
+    QCOMPARE(root.searchField()->showsClearButton(), search);
 
     QTest::keyClick(field, Qt::Key_Escape);
     QCOMPARE(store.searchText(), QString());
-    QCOMPARE(field->text(), QString());
-    QCOMPARE(root.focusTarget(), PanelFocusTarget::Search);
+    QCOMPARE(root.searchField()->field()->text(), QString());
+    QCOMPARE(root.composer()->text(), QString());
+    QCOMPARE(root.focusTarget(), target);
     QVERIFY(field->hasFocus());
     QTest::keyClick(field, Qt::Key_Escape);
     QCOMPARE(root.focusTarget(), PanelFocusTarget::List);
     QVERIFY(root.list()->hasFocus());
+    QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), (QStringList {"a", "b"}));
 }
 
 void PanelRootTest::clearButton()
