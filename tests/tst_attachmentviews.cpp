@@ -6,10 +6,10 @@
 // acting on a real Store, the pending strip as a screen reader meets it, the
 // file dialog that blocks no window, and the composer's import with its toast.
 
+#include "SilentAttachmentActions.h"
 #include "StoreFixture.h"
 #include "TestEnvironment.h"
 
-#include "attachments/AttachmentActions.h"
 #include "attachments/AttachmentFileDialog.h"
 #include "attachments/AttachmentListView.h"
 #include "attachments/AttachmentThumbnailView.h"
@@ -19,8 +19,6 @@
 #include "attachments/ThumbnailCache.h"
 #include "library/LibraryFile.h"
 #include "panel/window/PanelCommands.h"
-#include "platform/DesktopFiles.h"
-#include "platform/Pasteboard.h"
 #include "shell/Toast.h"
 
 #include <QAccessible>
@@ -37,27 +35,6 @@
 using namespace Vesko;
 
 namespace {
-
-class NoFeedback : public AttachmentFeedback
-{
-public:
-    void toast(const QString &, const QString &) override { }
-};
-
-class NoPasteboard : public PasteboardReader
-{
-public:
-    void readPasteboard(std::function<void(const PasteboardContent &)> done) override { done({}); }
-};
-
-class RecordingDesktop : public DesktopFiles
-{
-public:
-    void open(const QString &path, Unhandled) override { opened.append(path); }
-    void reveal(const QString &path, Unhandled) override { revealed.append(path); }
-    QStringList opened;
-    QStringList revealed;
-};
 
 // The side in device pixels a thumbnail of \a view is made at: twice the
 // view's side (30 collapsed, 38 expanded) at the screen's pixel ratio.
@@ -130,11 +107,7 @@ private:
     std::unique_ptr<Test::StoreFixture> m_fixture;
     Store *m_store = nullptr;
     AttachmentStore *m_files = nullptr;
-    AttachmentFileDialog m_chooser;
-    NoPasteboard m_pasteboard;
-    RecordingDesktop m_desktop;
-    NoFeedback m_feedback;
-    std::unique_ptr<AttachmentActions> m_actions;
+    std::unique_ptr<Test::ScriptedAttachmentActions> m_attachments;
     std::unique_ptr<ThumbnailCache> m_cache;
 };
 
@@ -145,16 +118,14 @@ void AttachmentViewsTest::init()
     m_files = &m_fixture->attachments();
     m_folder = attachmentsFolder(libraryURL());
     QDir().mkpath(m_folder);
-    m_desktop = {};
-    m_actions = std::make_unique<AttachmentActions>(AttachmentActions::Services {
-        *m_store, *m_files, m_chooser, m_pasteboard, m_desktop, m_feedback});
+    m_attachments = std::make_unique<Test::ScriptedAttachmentActions>(*m_store, *m_files);
     m_cache = std::make_unique<ThumbnailCache>();
 }
 
 void AttachmentViewsTest::cleanup()
 {
     m_cache.reset();
-    m_actions.reset();
+    m_attachments.reset();
     m_fixture.reset();
 }
 
@@ -311,7 +282,7 @@ void AttachmentViewsTest::manyTilesReadEachFileOnce()
     for (int i = 0; i < 1000; ++i)
         many.append(attachments.at(i % 10));
 
-    AttachmentListView list(*m_actions, *m_cache);
+    AttachmentListView list(m_attachments->actions, *m_cache);
     list.resize(600, 400);
     list.setAttachments(many, QUuid::createUuid());
     list.show();
@@ -430,7 +401,7 @@ void AttachmentViewsTest::sizeText()
     QFETCH(qint64, bytes);
     QFETCH(QString, text);
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    AttachmentTile tile(*m_actions, *m_cache);
+    AttachmentTile tile(m_attachments->actions, *m_cache);
     tile.setAttachment(
         recordFor(QStringLiteral("S/size.bin"), NoteAttachment::Kind::File, std::nullopt, bytes),
         QUuid::createUuid(), m_folder + QStringLiteral("/S/size.bin"));
@@ -456,17 +427,17 @@ void AttachmentViewsTest::tileOpensAndItsMenuActs()
     writeBytes(second.storedFileName, "b");
     m_store->addAttachments({first, second}, noteID);
 
-    AttachmentListView list(*m_actions, *m_cache);
+    AttachmentListView list(m_attachments->actions, *m_cache);
     list.setAttachments(m_store->note(noteID)->attachments, noteID);
     list.resize(list.sizeHint());
     list.show();
     QCOMPARE(list.tiles().size(), 2);
 
     QTest::mouseClick(list.tiles().at(1), Qt::LeftButton);
-    QCOMPARE(m_desktop.opened, QStringList {m_folder + QStringLiteral("/M2/b.txt")});
+    QCOMPARE(m_attachments->opened, QStringList {m_folder + QStringLiteral("/M2/b.txt")});
 
     QMenu menu;
-    fillAttachmentMenu(menu, *m_actions, first, noteID, QStringLiteral("Remove Attachment"));
+    fillAttachmentMenu(menu, m_attachments->actions, first, noteID, QStringLiteral("Remove Attachment"));
     QStringList entries;
     for (QAction *action : menu.actions())
         entries.append(action->isSeparator() ? QStringLiteral("-") : action->text());
@@ -474,8 +445,8 @@ void AttachmentViewsTest::tileOpensAndItsMenuActs()
 
     menu.actions().at(0)->trigger();
     menu.actions().at(1)->trigger();
-    QCOMPARE(m_desktop.opened.last(), m_folder + QStringLiteral("/M1/a.txt"));
-    QCOMPARE(m_desktop.revealed, QStringList {m_folder + QStringLiteral("/M1/a.txt")});
+    QCOMPARE(m_attachments->opened.last(), m_folder + QStringLiteral("/M1/a.txt"));
+    QCOMPARE(m_attachments->revealed, QStringList {m_folder + QStringLiteral("/M1/a.txt")});
 
     const qsizetype undoSteps = m_store->undoStepCount();
     menu.actions().at(3)->trigger();
@@ -489,7 +460,7 @@ void AttachmentViewsTest::tileOpensAndItsMenuActs()
 void AttachmentViewsTest::listTakesNoRoomWithoutAttachmentsAndWraps()
 {
     QWidget window;
-    AttachmentListView list(*m_actions, *m_cache, &window);
+    AttachmentListView list(m_attachments->actions, *m_cache, &window);
     window.show();
     QVERIFY(list.isHidden());
     QCOMPARE(list.sizeHint(), QSize(0, 0));
@@ -602,11 +573,12 @@ void AttachmentViewsTest::fileDialogDoesNotBlock()
     panel.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&panel));
 
+    AttachmentFileDialog chooser;
     std::optional<QList<QUrl>> chosen;
-    m_chooser.chooseFiles([&](const QList<QUrl> &files) { chosen = files; });
+    chooser.chooseFiles([&](const QList<QUrl> &files) { chosen = files; });
     // Back at once, with the dialog open above the panel, which it does not block.
     QVERIFY(!chosen);
-    QFileDialog *dialog = m_chooser.dialog();
+    QFileDialog *dialog = chooser.dialog();
     QVERIFY(dialog);
     QVERIFY(QTest::qWaitForWindowExposed(dialog));
     QCOMPARE(dialog->parentWidget(), &panel);
@@ -628,9 +600,9 @@ void AttachmentViewsTest::fileDialogDoesNotBlock()
             QUrl::fromLocalFile(folder + QStringLiteral("/two.txt"))}));
 
     chosen.reset();
-    m_chooser.chooseFiles([&](const QList<QUrl> &files) { chosen = files; });
-    QVERIFY(m_chooser.dialog());
-    m_chooser.dialog()->reject();
+    chooser.chooseFiles([&](const QList<QUrl> &files) { chosen = files; });
+    QVERIFY(chooser.dialog());
+    chooser.dialog()->reject();
     QVERIFY(QTest::qWaitFor([&] { return chosen.has_value(); }, 5000));
     QVERIFY(chosen->isEmpty());
 }

@@ -6,10 +6,10 @@
 // import, the window of a deleted note, the remembered frame and the
 // appearance, taken at creation and followed while the window is open.
 
+#include "SilentAttachmentActions.h"
 #include "StoreFixture.h"
 #include "WidgetTestMain.h"
 
-#include "attachments/AttachmentActions.h"
 #include "attachments/AttachmentListView.h"
 #include "attachments/AttachmentTile.h"
 #include "library/LibraryFile.h"
@@ -18,10 +18,6 @@
 #include "panel/notewindow/NoteWindowManager.h"
 #include "platform/SettingsFile.h"
 #include "panel/window/PanelCommands.h"
-#include "platform/Clipboard.h"
-#include "platform/DesktopFiles.h"
-#include "platform/FileChooser.h"
-#include "platform/Pasteboard.h"
 #include "shell/Theme.h"
 #include "shell/Toast.h"
 #include "store/NoteTitle.h"
@@ -66,34 +62,6 @@ NoteAttachment attachmentRecord(const QString &name)
     return file;
 }
 
-//! The file dialog, answering with the files a test has put in \a answer.
-class ScriptedChooser : public FileChooser
-{
-public:
-    void chooseFiles(std::function<void(const QList<QUrl> &)> done) override { done(answer); }
-    QList<QUrl> answer;
-};
-
-class RecordedToasts : public AttachmentFeedback
-{
-public:
-    void toast(const QString &message, const QString &) override { messages.append(message); }
-    QStringList messages;
-};
-
-class NoPasteboard : public PasteboardReader
-{
-public:
-    void readPasteboard(std::function<void(const PasteboardContent &)> done) override { done({}); }
-};
-
-class NoDesktop : public DesktopFiles
-{
-public:
-    void open(const QString &, Unhandled) override { }
-    void reveal(const QString &, Unhandled) override { }
-};
-
 } // namespace
 
 class NoteWindowTest : public QObject
@@ -125,37 +93,33 @@ private:
     NoteWindow *openNote(const QString &letter);
 
     std::unique_ptr<Test::StoreFixture> m_fixture;
-    std::unique_ptr<AttachmentActions> m_actions;
+    std::unique_ptr<Test::ScriptedAttachmentActions> m_attachments;
     std::unique_ptr<NoteWindowManager> m_manager;
-    ScriptedChooser m_chooser;
-    RecordedToasts m_toasts;
-    NoPasteboard m_pasteboard;
-    NoDesktop m_desktop;
+    QList<QUrl> m_chosen;
 };
 
 void NoteWindowTest::init()
 {
     m_fixture = std::make_unique<Test::StoreFixture>();
     PanelCommands::shared().setHooks({});
-    m_chooser.answer.clear();
-    m_toasts.messages.clear();
+    m_chosen.clear();
 }
 
 void NoteWindowTest::cleanup()
 {
     m_manager.reset();
-    m_actions.reset();
+    m_attachments.reset();
     m_fixture.reset();
 }
 
 NoteWindow *NoteWindowTest::openNote(const QString &letter)
 {
     if (!m_manager) {
-        m_actions
-            = std::make_unique<AttachmentActions>(AttachmentActions::Services {m_fixture->store(),
-                m_fixture->attachments(), m_chooser, m_pasteboard, m_desktop, m_toasts});
+        m_attachments = std::make_unique<Test::ScriptedAttachmentActions>(
+            m_fixture->store(), m_fixture->attachments());
+        m_attachments->chosen = m_chosen;
         m_manager = std::make_unique<NoteWindowManager>(
-            m_fixture->store(), m_fixture->preferences(), *m_actions);
+            m_fixture->store(), m_fixture->preferences(), m_attachments->actions);
     }
     return m_manager->open(idFor(letter));
 }
@@ -446,7 +410,7 @@ void NoteWindowTest::addAttachment()
     file.write("the plan\n");
     file.close();
     for (const QString &name : chosen)
-        m_chooser.answer.append(QUrl::fromLocalFile(sources.filePath(name)));
+        m_chosen.append(QUrl::fromLocalFile(sources.filePath(name)));
 
     NoteWindow *window = openNote(QStringLiteral("a"));
     NoteEditorView *view = window->editor();
@@ -461,7 +425,7 @@ void NoteWindowTest::addAttachment()
             names.append(attachment.fileName);
         return names;
     };
-    QTRY_COMPARE_WITH_TIMEOUT(m_toasts.messages, toasts, Test::patience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_attachments->toasts, toasts, Test::patience);
     QTRY_COMPARE_WITH_TIMEOUT(names(), attached, Test::patience);
     QTRY_COMPARE_WITH_TIMEOUT(
         view->attachmentList()->tiles().size(), attached.size(), Test::patience);

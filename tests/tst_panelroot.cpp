@@ -6,10 +6,9 @@
 // the search field's two-step Escape.
 
 #include "PanelTestRig.h"
+#include "SilentAttachmentActions.h"
 #include "WidgetTestMain.h"
 
-#include "attachments/AttachmentActions.h"
-#include "attachments/AttachmentFileDialog.h"
 #include "attachments/PendingAttachmentStrip.h"
 #include "library/LibraryFile.h"
 #include "panel/layers/PanelLayerView.h"
@@ -21,8 +20,6 @@
 #include "panel/window/PanelCommands.h"
 #include "panel/window/PanelController.h"
 #include "panel/window/PanelRootView.h"
-#include "platform/qt/QtDesktopFiles.h"
-#include "platform/qt/QtPasteboardReader.h"
 #include "shell/AppDelegate.h"
 #include "shell/Theme.h"
 #include "shell/Toast.h"
@@ -72,31 +69,18 @@ void type(QWidget *widget, const QString &text)
     }
 }
 
-//! The attachment actions of the program, on the test's Store, answering with toasts.
-struct Attachments : AttachmentFeedback
+//! The program's attachment actions behind the composer's import of files.
+struct Attachments : Test::SilentAttachmentActions
 {
-    explicit Attachments(Store &store)
-        : actions({store, files, chooser, pasteboard, desktop, *this})
+    explicit Attachments(Test::StoreFixture &fixture)
+        : SilentAttachmentActions(fixture.store(), fixture.attachments())
     {
         PanelCommands::Hooks hooks;
-        hooks.importForNewNote
-            = [this](const QList<QUrl> &urls,
-                  std::function<void(const std::optional<QList<NoteAttachment>> &)> done) {
-                  actions.importForNewNote(urls, std::move(done));
-              };
+        hooks.importForNewNote = [this](const QList<QUrl> &urls, auto done) {
+            actions.importForNewNote(urls, std::move(done));
+        };
         PanelCommands::shared().setHooks(hooks);
     }
-
-    void toast(const QString &message, const QString &symbol) override
-    {
-        ToastPresenter::shared().present(message, symbol);
-    }
-
-    AttachmentStore files;
-    AttachmentFileDialog chooser;
-    QtPasteboardReader pasteboard;
-    QtDesktopFiles desktop;
-    AttachmentActions actions;
 };
 
 } // namespace
@@ -441,7 +425,7 @@ void PanelRootTest::sectionLineWithFilesMakesOneNote()
 
     PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
     Store &store = m_fixture->store();
-    Attachments attachments(store);
+    Attachments attachments(*m_fixture);
     root.composer()->addPendingURLs({QUrl::fromLocalFile(file.fileName())});
     QTextEdit *editor = root.composer()->field()->editor();
     QTRY_VERIFY_WITH_TIMEOUT(editor->hasFocus(), Test::patience);
@@ -502,7 +486,7 @@ void PanelRootTest::secondReturnDuringAnImportDoesNothing()
 void PanelRootTest::failedImportKeepsTheBox()
 {
     PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
-    Attachments attachments(m_fixture->store());
+    Attachments attachments(*m_fixture);
     // A file that is not there: the import fails, and says so.
     root.composer()->addPendingURLs({QUrl::fromLocalFile(QStringLiteral("/nonexistent/one.png"))});
     QTextEdit *editor = root.composer()->field()->editor();
@@ -510,7 +494,7 @@ void PanelRootTest::failedImportKeepsTheBox()
     QTest::keyClicks(editor, QStringLiteral("keep me"));
     QTest::keyClick(editor, Qt::Key_Return);
     QTRY_VERIFY_WITH_TIMEOUT(!root.composer()->isSaving(), Test::patience);
-    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Could Not Add Attachment"));
+    QCOMPARE(attachments.toasts, QStringList {"Could Not Add Attachment"});
     QCOMPARE(root.composer()->text(), QStringLiteral("keep me"));
     QCOMPARE(root.composer()->pendingURLs().size(), 1);
     QCOMPARE(notesOfSection(m_fixture->store(), QStringLiteral("Inbox")), QStringList {"a"});
