@@ -54,9 +54,7 @@ private Q_SLOTS:
     void noteMenuEntries();
     void markingFollowsTheToggleRule_data();
     void markingFollowsTheToggleRule();
-    void expandTogglesEachNote();
-    void editSelectsThenEdits();
-    void deleteAndMergeAct();
+    void noteMenuActs();
     void attachmentsSubmenu();
     void moveToMenu_data();
     void moveToMenu();
@@ -70,8 +68,8 @@ private Q_SLOTS:
     void keysInTheDesktopConvention();
     void hooksReachTheProgram();
     void copyEntries();
-    void exportWritesTheFileAndSaysSo();
-    void failedExportSaysWhy();
+    void exportSaysHowItWent_data();
+    void exportSaysHowItWent();
     void menuTargetFollowsTheSelection_data();
     void menuTargetFollowsTheSelection();
 
@@ -186,47 +184,38 @@ void PanelMenusTest::markingFollowsTheToggleRule()
     QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")).join(u','), expected);
 }
 
-void PanelMenusTest::expandTogglesEachNote()
-{
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
-    store.updateNote(idFor(QStringLiteral("a")), QString(200, u'x'));
-    store.toggleExpanded(idFor(QStringLiteral("b")));
-    QMenu menu;
-    fillNoteMenu(menu, store, *m_state, noteIDs(QStringLiteral("a,b")));
-    menuEntry(menu, QStringLiteral("Collapse"))->trigger();
-    // Each note swaps: the collapsed one opens, the open one closes.
-    QCOMPARE(store.expandedNoteIDs(), QSet<QUuid> {idFor(QStringLiteral("a"))});
-}
-
-void PanelMenusTest::editSelectsThenEdits()
-{
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
-    store.setSelection({idFor(QStringLiteral("b"))}, idFor(QStringLiteral("b")));
-    QMenu menu;
-    fillNoteMenu(menu, store, *m_state, noteIDs(QStringLiteral("a")));
-    menuEntry(menu, QStringLiteral("Edit"))->trigger();
-    QCOMPARE(store.selection(), QSet<QUuid> {idFor(QStringLiteral("a"))});
-    QCOMPARE(store.selectionAnchor(), idFor(QStringLiteral("a")));
-    // The editor opens one turn of the event loop later, once the menu is gone.
-    QCOMPARE(store.editingNoteID(), std::nullopt);
-    QTRY_COMPARE_WITH_TIMEOUT(store.editingNoteID(), idFor(QStringLiteral("a")), Test::patience);
-}
-
-void PanelMenusTest::deleteAndMergeAct()
+void PanelMenusTest::noteMenuActs()
 {
     Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b,c")});
-    {
+    auto choose = [&](const char *targets, const QString &title) {
         QMenu menu;
-        fillNoteMenu(menu, store, *m_state, noteIDs(QStringLiteral("c,a")));
-        menuEntry(menu, QStringLiteral("Merge Notes"))->trigger();
-    }
+        fillNoteMenu(menu, store, *m_state, noteIDs(QString::fromLatin1(targets)));
+        QAction *action = menuEntry(menu, title);
+        QVERIFY2(action, qPrintable(title));
+        action->trigger();
+    };
+
+    // Each note swaps: the collapsed one opens, the open one closes.
+    store.updateNote(idFor("a"), QString(200, u'x'));
+    store.toggleExpanded(idFor("b"));
+    choose("a,b", QStringLiteral("Collapse"));
+    QCOMPARE(store.expandedNoteIDs(), QSet<QUuid> {idFor("a")});
+    store.updateNote(idFor("a"), QStringLiteral("a"));
+
+    // Edit selects the note, and the editor opens one turn of the event loop
+    // later, once the menu is gone.
+    store.setSelection({idFor("b")}, idFor("b"));
+    choose("a", QStringLiteral("Edit"));
+    QCOMPARE(store.selection(), QSet<QUuid> {idFor("a")});
+    QCOMPARE(store.selectionAnchor(), idFor("a"));
+    QCOMPARE(store.editingNoteID(), std::nullopt);
+    QTRY_COMPARE_WITH_TIMEOUT(store.editingNoteID(), idFor("a"), Test::patience);
+    store.setEditingNoteID(std::nullopt);
+
+    choose("c,a", QStringLiteral("Merge Notes"));
     QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), (QStringList {"a\n\nc", "b"}));
     const qsizetype steps = store.undoStepCount();
-    {
-        QMenu menu;
-        fillNoteMenu(menu, store, *m_state, noteIDs(QStringLiteral("b")));
-        menuEntry(menu, QStringLiteral("Delete"))->trigger();
-    }
+    choose("b", QStringLiteral("Delete"));
     QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), QStringList {"a\n\nc"});
     QCOMPARE(store.undoStepCount(), steps + 1);
     store.undo();
@@ -577,9 +566,19 @@ void PanelMenusTest::copyEntries()
     QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. a\n2. b"));
 }
 
-void PanelMenusTest::exportWritesTheFileAndSaysSo()
+void PanelMenusTest::exportSaysHowItWent_data()
 {
+    QTest::addColumn<bool>("writable");
+    QTest::newRow("written") << true;
+    // A file stands where the folder should be.
+    QTest::newRow("the folder cannot be made") << false;
+}
+
+void PanelMenusTest::exportSaysHowItWent()
+{
+    QFETCH(bool, writable);
     Store &store = m_fixture->make({QStringLiteral("*Inbox:a,B")});
+    ToastPresenter::shared().present(QStringLiteral("Before"), QStringLiteral("checkmark"));
     QWidget owner;
     QMenu overflow(&owner);
     fillOverflowMenu(overflow, store, *m_state, m_fixture->preferences());
@@ -593,43 +592,30 @@ void PanelMenusTest::exportWritesTheFileAndSaysSo()
     QCOMPARE(dialog->selectedFiles().value(0).section(u'/', -1), QStringLiteral("Vesko Notes.md"));
 
     QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("Vesko Notes.md"));
+    const QString path = folder.filePath(QStringLiteral("notes/Vesko Notes.md"));
+    if (writable)
+        QVERIFY(QDir().mkpath(folder.filePath(QStringLiteral("notes"))));
+    else
+        QVERIFY(QFile(folder.filePath(QStringLiteral("notes"))).open(QIODevice::WriteOnly));
     QSignalSpy finished(&PanelCommands::shared(), &PanelCommands::exportFinished);
     dialog->selectFile(path);
     static_cast<QDialog *>(dialog)->accept();
     QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, Test::patience);
-    QCOMPARE(finished.first().at(1).toString(), QString());
+    QCOMPARE(finished.first().at(1).toString().isEmpty(), writable);
+    QTRY_VERIFY_WITH_TIMEOUT(!PanelCommands::shared().exportDialog(), Test::patience);
+    if (!writable) {
+        // An alert says why; no toast claims success.
+        QTRY_VERIFY_WITH_TIMEOUT(owner.findChild<QMessageBox *>(), Test::patience);
+        QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Before"));
+        QVERIFY(!QFile::exists(path));
+        return;
+    }
     QFile written(path);
     QVERIFY(written.open(QIODevice::ReadOnly));
     // The document of the library, as written by hand for this one.
     QCOMPARE(QString::fromUtf8(written.readAll()),
         QStringLiteral("# P\n\n## Inbox\n\n- [ ] a\n- [x] b\n"));
     QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Exported"));
-    QTRY_VERIFY_WITH_TIMEOUT(!PanelCommands::shared().exportDialog(), Test::patience);
-}
-
-void PanelMenusTest::failedExportSaysWhy()
-{
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
-    ToastPresenter::shared().present(QStringLiteral("Before"), QStringLiteral("checkmark"));
-    QWidget owner;
-    PanelCommands::shared().exportMarkdown(store.markdownExportText(), &owner);
-    auto *dialog = qobject_cast<QFileDialog *>(PanelCommands::shared().exportDialog());
-    QVERIFY(dialog);
-    QSignalSpy finished(&PanelCommands::shared(), &PanelCommands::exportFinished);
-    // A folder that cannot be written: a file stands where it should be.
-    QTemporaryDir folder;
-    QFile blocker(folder.filePath(QStringLiteral("notes")));
-    QVERIFY(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
-    dialog->selectFile(folder.filePath(QStringLiteral("notes/Vesko Notes.md")));
-    static_cast<QDialog *>(dialog)->accept();
-    QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, Test::patience);
-    QVERIFY(!finished.first().at(1).toString().isEmpty());
-    // An alert says why; no toast claims success.
-    QTRY_VERIFY_WITH_TIMEOUT(owner.findChild<QMessageBox *>(), Test::patience);
-    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Before"));
-    QVERIFY(!QFile::exists(folder.filePath(QStringLiteral("notes/Vesko Notes.md"))));
 }
 
 void PanelMenusTest::menuTargetFollowsTheSelection_data()
