@@ -64,10 +64,8 @@ private Q_SLOTS:
     void noteTitles();
     void usersWordsShowAsTyped_data();
     void usersWordsShowAsTyped();
-    void choosingANoteMarksItDone();
+    void noteEntriesAct();
     void sectionAndProjectChoices();
-    void copyAllAsList();
-    void rebuiltAtEachOpening();
     void toolTipCountsOpenNotes_data();
     void toolTipCountsOpenNotes();
     void moreOptionsOffersTheSameMenu();
@@ -251,17 +249,29 @@ void MenuBarTest::usersWordsShowAsTyped()
         2);
 }
 
-void MenuBarTest::choosingANoteMarksItDone()
+void MenuBarTest::noteEntriesAct()
 {
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b,c")});
+    Store &store = m_fixture->make({QStringLiteral("Inbox:a,B|*Work:c"), QStringLiteral("Inbox:x")});
+    store.updateNote(idFor(QStringLiteral("c")), QStringLiteral("two\nlines"));
+    m_fixture->preferences().setListStyle(ListStyle::Numbered);
     QMenu filled;
+    for (int opening = 0; opening < 3; ++opening)
+        rebuild(filled);
+    // The submenus and groups of earlier openings are gone.
+    QCOMPARE(filled.findChildren<QMenu *>().size(), 2);
+    QCOMPARE(filled.findChildren<QActionGroup *>().size(), 2);
+
+    // What the panel shows, done notes included: "b" is visible while completed notes show.
+    menuEntry(filled, QStringLiteral("Copy All as List"))->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. a\n2. b\n3. two\n   lines"));
+
+    // Choosing a note ticks it off; the next opening lists the notes still open.
+    menuEntry(filled, QStringLiteral("a"))->trigger();
+    QVERIFY(store.note(idFor(QStringLiteral("a")))->isDone);
+    QVERIFY(!store.note(idFor(QStringLiteral("c")))->isDone);
+    store.addNote(QStringLiteral("new"));
     rebuild(filled);
-    menuEntry(filled, QStringLiteral("b"))->trigger();
-    QVERIFY(store.note(idFor(QStringLiteral("b")))->isDone);
-    QVERIFY(!store.note(idFor(QStringLiteral("a")))->isDone);
-    // The next opening lists the notes still open.
-    rebuild(filled);
-    QVERIFY(describeMenu(filled).contains(QStringLiteral("|-|a|c|Copy All as List|")));
+    QVERIFY(describeMenu(filled).contains(QStringLiteral("|-|two lines|new|Copy All as List|")));
 }
 
 void MenuBarTest::sectionAndProjectChoices()
@@ -292,33 +302,6 @@ void MenuBarTest::sectionAndProjectChoices()
     rebuild(filled);
     QVERIFY(
         describeMenu(filled).contains(QStringLiteral("No notes in R~|-|Section: Trip>|Project>")));
-}
-
-void MenuBarTest::copyAllAsList()
-{
-    Store &store = m_fixture->make({QStringLiteral("Inbox:a,B|*Work:c")});
-    store.updateNote(idFor(QStringLiteral("c")), QStringLiteral("two\nlines"));
-    m_fixture->preferences().setListStyle(ListStyle::Numbered);
-    QMenu filled;
-    rebuild(filled);
-    menuEntry(filled, QStringLiteral("Copy All as List"))->trigger();
-    // What the panel shows, done notes included: "b" is visible while completed notes show.
-    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. a\n2. b\n3. two\n   lines"));
-}
-
-void MenuBarTest::rebuiltAtEachOpening()
-{
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a"), QStringLiteral("Inbox:b")});
-    QMenu filled;
-    for (int opening = 0; opening < 3; ++opening)
-        rebuild(filled);
-    // The submenus and groups of earlier openings are gone.
-    QCOMPARE(filled.findChildren<QMenu *>().size(), 2);
-    QCOMPARE(filled.findChildren<QActionGroup *>().size(), 2);
-
-    store.addNote(QStringLiteral("new"));
-    rebuild(filled);
-    QVERIFY(describeMenu(filled).contains(QStringLiteral("|a|new|Copy All as List|")));
 }
 
 void MenuBarTest::toolTipCountsOpenNotes_data()
