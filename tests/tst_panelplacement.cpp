@@ -17,7 +17,6 @@ class PanelPlacementTest : public QObject
 private Q_SLOTS:
     void presetFrame_data();
     void presetFrame();
-    void presetFrameWithoutScreenKeepsTheCurrentOne();
     void presentationFrame_data();
     void presentationFrame();
     void resetSize_data();
@@ -28,13 +27,13 @@ private Q_SLOTS:
 
 void PanelPlacementTest::presetFrame_data()
 {
-    QTest::addColumn<QRectF>("available");
+    QTest::addColumn<std::optional<QRectF>>("available");
     QTest::addColumn<PanelEdge>("edge");
     QTest::addColumn<double>("width");
     QTest::addColumn<double>("height");
     QTest::addColumn<QRectF>("expected");
 
-    const QRectF screen(0, 0, 1440, 900);
+    const std::optional<QRectF> screen = QRectF(0, 0, 1440, 900);
     QTest::newRow("right") << screen << PanelEdge::Right << 340.0 << 560.0
                            << QRectF(1440 - 340 - 24, 170, 340, 560);
     QTest::newRow("left") << screen << PanelEdge::Left << 340.0 << 560.0
@@ -46,26 +45,23 @@ void PanelPlacementTest::presetFrame_data()
                               << QRectF(1076, 24, 340, 900 - 48);
     // The width is left to the window's own limits.
     QTest::newRow("wider than the screen")
-        << QRectF(0, 0, 300, 400) << PanelEdge::Left << 340.0 << 560.0 << QRectF(24, 24, 340, 352);
+        << std::optional(QRectF(0, 0, 300, 400)) << PanelEdge::Left << 340.0 << 560.0 << QRectF(24, 24, 340, 352);
     // A second screen to the right, with a panel bar at its top.
-    QTest::newRow("offset screen") << QRectF(1440, 30, 1920, 1050) << PanelEdge::Right << 340.0
-                                   << 560.0 << QRectF(1440 + 1920 - 364, 30 + 245, 340, 560);
+    QTest::newRow("offset screen") << std::optional(QRectF(1440, 30, 1920, 1050)) << PanelEdge::Right
+                                   << 340.0 << 560.0 << QRectF(1440 + 1920 - 364, 30 + 245, 340, 560);
+    // No screen to place it on: the frame it has stays.
+    QTest::newRow("no screen") << std::optional<QRectF>() << PanelEdge::Left << 400.0 << 700.0
+                               << QRectF(5, 6, 340, 560);
 }
 
 void PanelPlacementTest::presetFrame()
 {
-    QFETCH(QRectF, available);
+    QFETCH(std::optional<QRectF>, available);
     QFETCH(PanelEdge, edge);
     QFETCH(double, width);
     QFETCH(double, height);
     QFETCH(QRectF, expected);
-    QCOMPARE(presetPanelFrame(available, edge, width, height, 24, QRectF(1, 2, 3, 4)), expected);
-}
-
-void PanelPlacementTest::presetFrameWithoutScreenKeepsTheCurrentOne()
-{
-    const QRectF current(5, 6, 340, 560);
-    QCOMPARE(presetPanelFrame(std::nullopt, PanelEdge::Left, 400, 700, 24, current), current);
+    QCOMPARE(presetPanelFrame(available, edge, width, height, 24, QRectF(5, 6, 340, 560)), expected);
 }
 
 void PanelPlacementTest::presentationFrame_data()
@@ -132,7 +128,6 @@ void PanelPlacementTest::toastOrigin_data()
     QTest::addColumn<QPointF>("pointer");
     QTest::addColumn<QPointF>("expected");
 
-    const QSizeF toast(140, 34);
     QTest::newRow("beside the pointer") << QPointF(500, 400) << QPointF(514, 414);
     QTest::newRow("bottom right corner")
         << QPointF(1439, 899) << QPointF(1440 - 140 - 8, 900 - 34 - 8);
