@@ -174,15 +174,12 @@ private Q_SLOTS:
 
     void headerShowsWhatItsStateAllows_data();
     void headerShowsWhatItsStateAllows();
-    void headerClickCollapses();
-    void openSectionCannotBeDragged();
+    void openSectionIsClickedNotDragged();
     void collapsedSectionIsReordered();
     void headerRenamesInPlace();
 
-    void reveal_data();
-    void reveal();
-    void jump_data();
-    void jump();
+    void scrollsToTheRow_data();
+    void scrollsToTheRow();
     void resetsScrollToTheTop_data();
     void resetsScrollToTheTop();
 
@@ -654,24 +651,9 @@ void PanelListTest::headerShowsWhatItsStateAllows()
     QCOMPARE(header->displayedTitle(), QStringLiteral("S1"));
 }
 
-void PanelListTest::headerClickCollapses()
+void PanelListTest::openSectionIsClickedNotDragged()
 {
-    PanelTestRig rig(QStringLiteral("S1:a,b|S2:c"));
-    ListWindow w(rig);
-    SectionHeaderView *header = w.header(QStringLiteral("S1"));
-    QTest::mouseClick(header, Qt::LeftButton, {}, QPoint(40, 12));
-    w.settle();
-    QCOMPARE(rig.describe(), QStringLiteral("*S1+:a,b|S2:c"));
-    QVERIFY(!w.note(QStringLiteral("a")));
-    QTest::mouseClick(w.header(QStringLiteral("S1")), Qt::LeftButton, {}, QPoint(40, 12));
-    w.settle();
-    QCOMPARE(rig.describe(), QStringLiteral("*S1:a,b|S2:c"));
-    QVERIFY(w.note(QStringLiteral("a")));
-}
-
-void PanelListTest::openSectionCannotBeDragged()
-{
-    PanelTestRig rig(QStringLiteral("S1:a|S2:b|S3:c"));
+    PanelTestRig rig(QStringLiteral("S1:a,b|S2:c|S3:d"));
     ListWindow w(rig);
     SectionHeaderView *header = w.header(QStringLiteral("S1"));
     QVERIFY(!header->canReorder());
@@ -682,7 +664,17 @@ void PanelListTest::openSectionCannotBeDragged()
     QTest::mouseRelease(header, Qt::LeftButton, {}, QPoint(40, 150));
     w.settle();
     // Neither moved nor collapsed: a drag is no click.
-    QCOMPARE(rig.describe(), QStringLiteral("*S1:a|S2:b|S3:c"));
+    QCOMPARE(rig.describe(), QStringLiteral("*S1:a,b|S2:c|S3:d"));
+
+    // A click collapses it, and the next one opens it again.
+    QTest::mouseClick(w.header(QStringLiteral("S1")), Qt::LeftButton, {}, QPoint(40, 12));
+    w.settle();
+    QCOMPARE(rig.describe(), QStringLiteral("*S1+:a,b|S2:c|S3:d"));
+    QVERIFY(!w.note(QStringLiteral("a")));
+    QTest::mouseClick(w.header(QStringLiteral("S1")), Qt::LeftButton, {}, QPoint(40, 12));
+    w.settle();
+    QCOMPARE(rig.describe(), QStringLiteral("*S1:a,b|S2:c|S3:d"));
+    QVERIFY(w.note(QStringLiteral("a")));
 }
 
 void PanelListTest::collapsedSectionIsReordered()
@@ -757,104 +749,78 @@ void PanelListTest::headerRenamesInPlace()
     QCOMPARE(rig.describe(), QStringLiteral("*S1:a|Later:b"));
 }
 
-void PanelListTest::reveal_data()
+void PanelListTest::scrollsToTheRow_data()
 {
     // clang-format off
     QTest::addColumn<QString>("scrolledTo"); // the row at the top before, or none
-    QTest::addColumn<QString>("anchor");
+    QTest::addColumn<QString>("target"); // a note revealed, or a section jumped to
     QTest::addColumn<QString>("atTop"); // the row expected at the top; empty for centred
-    QTest::addColumn<int>("notes");
+    QTest::addColumn<int>("sections");
+    QTest::addColumn<int>("perSection");
     QTest::addColumn<int>("lines"); // of every third note
 
-    // Near or far, the list glides until the row stands in the middle.
-    QTest::newRow("out of view below") << "" << "n150" << "" << 300 << 1;
-    QTest::newRow("out of view above") << "n150" << "n20" << "" << 300 << 1;
-    QTest::newRow("near the start the first row stays on top") << "n150" << "n1" << "S1" << 300 << 1;
-    QTest::newRow("in view") << "n100" << "n103" << "" << 300 << 1;
-    QTest::newRow("in view, partly under the composer") << "n100" << "straddling" << "" << 300 << 1;
+    // Sections of 30 notes: S3 is row 62, after note n59. Near or far, the
+    // list glides until the row stands in the middle.
+    QTest::newRow("note out of view below") << "" << "n150" << "" << 8 << 30 << 1;
+    QTest::newRow("note out of view above") << "n150" << "n20" << "" << 8 << 30 << 1;
+    QTest::newRow("near the start the first row stays on top") << "n150" << "n1" << "S1" << 8 << 30 << 1;
+    QTest::newRow("note in view") << "n100" << "n103" << "" << 8 << 30 << 1;
+    QTest::newRow("note in view, partly under the composer") << "n100" << "straddling" << "" << 8 << 30 << 1;
+    QTest::newRow("section out of view") << "" << "S6" << "" << 8 << 30 << 1;
+    QTest::newRow("back to the first section") << "n200" << "S1" << "S1" << 8 << 30 << 1;
+    QTest::newRow("section in view") << "n57" << "S3" << "" << 8 << 30 << 1;
     // Rows far from both ends are laid out at a guess until they come into
     // view: notes of several lines are taller than it.
-    QTest::newRow("far below, notes of lines") << "" << "n1500" << "" << 3000 << 3;
-    QTest::newRow("far above, notes of lines") << "n2500" << "n900" << "" << 3000 << 3;
-    QTest::newRow("in view far down, notes of lines") << "n1500" << "n1503" << "" << 3000 << 3;
+    QTest::newRow("far below, notes of lines") << "" << "n1500" << "" << 1 << 3000 << 3;
+    QTest::newRow("far above, notes of lines") << "n2500" << "n900" << "" << 1 << 3000 << 3;
+    QTest::newRow("in view far down, notes of lines") << "n1500" << "n1503" << "" << 1 << 3000 << 3;
     // clang-format on
 }
 
-void PanelListTest::reveal()
+void PanelListTest::scrollsToTheRow()
 {
     QFETCH(QString, scrolledTo);
-    QFETCH(QString, anchor);
+    QFETCH(QString, target);
     QFETCH(QString, atTop);
-    QFETCH(int, notes);
+    QFETCH(int, sections);
+    QFETCH(int, perSection);
     QFETCH(int, lines);
-    PanelTestRig rig(manyNotes(1, notes, lines));
+    PanelTestRig rig(manyNotes(sections, perSection, lines));
     ListWindow w(rig);
     if (!scrolledTo.isEmpty()) {
         w.list->scrollToRow(idFor(scrolledTo), ScrollAnchor::Top, false);
         QCoreApplication::processEvents();
         QCOMPARE(w.topInClearArea(scrolledTo), 0);
     }
-    if (anchor == u"straddling") {
+    if (target == u"straddling") {
         // The row across the lower edge of the area between the bars.
         const int edge = w.list->clearArea().bottom();
         for (int number = 100; number < 130; ++number) {
             const QRect row = w.list->rowRect(idFor(QStringLiteral("n%1").arg(number)));
             if (row.top() < edge && row.bottom() > edge)
-                anchor = QStringLiteral("n%1").arg(number);
+                target = QStringLiteral("n%1").arg(number);
         }
-        QVERIFY(anchor.startsWith(u'n'));
+        QVERIFY(target.startsWith(u'n'));
     }
-    rig.store().setSelection({idFor(anchor)}, idFor(anchor));
+    const bool section = target.startsWith(u'S');
+    if (section) {
+        rig.store().activateSection(idFor(target));
+        rig.state().setSectionJumpRequest(idFor(target));
+        // The list empties the slot, so the same jump can be asked again.
+        QVERIFY(!rig.state().sectionJumpRequest());
+    } else {
+        rig.store().setSelection({idFor(target)}, idFor(target));
+    }
     QCoreApplication::processEvents();
     QCoreApplication::processEvents();
     QVERIFY(w.list->isScrollAnimating());
     w.settle();
     if (atTop.isEmpty())
-        QVERIFY2(std::abs(w.centreOffset(anchor)) <= 1,
-            qPrintable(QString::number(w.centreOffset(anchor))));
+        QVERIFY2(std::abs(w.centreOffset(target)) <= 1,
+            qPrintable(QString::number(w.centreOffset(target))));
     else
         QCOMPARE(w.topInClearArea(atTop), 0);
-    QVERIFY(w.note(anchor));
-}
-
-void PanelListTest::jump_data()
-{
-    // clang-format off
-    QTest::addColumn<QString>("scrolledTo");
-    QTest::addColumn<QString>("section");
-    QTest::addColumn<QString>("atTop"); // empty for centred
-
-    // Sections of 30 notes: S3 is row 62, after note n59.
-    QTest::newRow("out of view") << "" << "S6" << "";
-    QTest::newRow("back to the first section") << "n200" << "S1" << "S1";
-    QTest::newRow("in view") << "n57" << "S3" << "";
-    // clang-format on
-}
-
-void PanelListTest::jump()
-{
-    QFETCH(QString, scrolledTo);
-    QFETCH(QString, section);
-    QFETCH(QString, atTop);
-    PanelTestRig rig(manyNotes(8, 30));
-    ListWindow w(rig);
-    if (!scrolledTo.isEmpty()) {
-        w.list->scrollToRow(idFor(scrolledTo), ScrollAnchor::Top, false);
-        QCoreApplication::processEvents();
-    }
-    rig.store().activateSection(idFor(section));
-    rig.state().setSectionJumpRequest(idFor(section));
-    // The list empties the slot, so the same jump can be asked again.
-    QVERIFY(!rig.state().sectionJumpRequest());
-    QCoreApplication::processEvents();
-    QCoreApplication::processEvents();
-    QVERIFY(w.list->isScrollAnimating());
-    w.settle();
-    if (atTop.isEmpty())
-        QVERIFY(std::abs(w.centreOffset(section)) <= 1);
-    else
-        QCOMPARE(w.topInClearArea(atTop), 0);
-    QVERIFY(w.header(section));
+    QVERIFY(section ? static_cast<QWidget *>(w.header(target)) : w.note(target));
 }
 
 void PanelListTest::resetsScrollToTheTop_data()
