@@ -801,6 +801,8 @@ void SettingsViewsTest::moveThereAndBackThroughTheDialog()
     QCOMPARE(storedValue(m_rig->preferences, QStringLiteral("libraryPath")).toString(), moved);
     QCOMPARE(noteTexts(moved), QStringList {QStringLiteral("with a picture")});
     QCOMPARE(attachmentFiles(moved), files);
+    // The old place is cleared on the attachments' queue once the move is done.
+    m_rig->attachments.waitForIdle();
     QVERIFY(!QFile::exists(home));
     QVERIFY(!QDir(attachmentsFolder(home)).exists());
     QVERIFY(useDefault->isVisibleTo(&view));
@@ -812,6 +814,7 @@ void SettingsViewsTest::moveThereAndBackThroughTheDialog()
     QCOMPARE(m_rig->preferences.libraryPath(), home);
     QCOMPARE(noteTexts(home), QStringList {QStringLiteral("with a picture")});
     QCOMPARE(attachmentFiles(home), files);
+    m_rig->attachments.waitForIdle();
     QVERIFY(!QFile::exists(moved));
     QVERIFY(!useDefault->isVisibleTo(&view));
 }
