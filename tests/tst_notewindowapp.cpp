@@ -1,16 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Note windows and the tray's menu of the running program, in a private X
-// server with a window manager and an XEmbed system tray (trayer): a note
-// opened from its row's menu gets a window titled by the note, text typed
-// there with xdotool reaches the library file after the save delay while the
-// panel's row follows, a second open raises the same window, and the tray's
-// menu lists six open notes, ticks one off, copies them as a list and hides
-// and shows the panel. From the keyboard alone: an edit in place left open in
-// another window's favour is saved when the panel comes back, the Menu key
-// and Shift+F10 open a row's menu (and Shift+F10 a text field's), Ctrl+W and
-// Escape close a note window and Settings (which opens again after its title
-// bar closed it), and Ctrl+Q quits.
+// Note windows, the tray's menu and the keyboard of the running program, in
+// a private X server with a window manager and an XEmbed tray (trayer).
 
 #include "TestEnvironment.h"
 

@@ -1,16 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The panel from the outside, as a screen reader user meets it: Vesko runs
-// in a private X session with a window manager and a session bus, keys and
-// clicks come from xdotool, and what the panel shows is read over AT-SPI.
-// Notes are added through the composer, a search narrows the rows and marks
-// the word it found (seen on the screen: the mark is the accent colour), a
-// section is made through the prompt of the "More options" menu, the note
-// menu is read, a note is marked done through its control and another one
-// edited in place; after SIGTERM the library file holds every change. A
-// library file that cannot be read is told of at the panel's foot, and its
-// latest backup, kept through the saves of the new library, is restored.
-// Under LANG=de_DE.UTF-8 the panel, its menu and Settings read in German.
+// The running panel as a screen reader user meets it: keys and clicks from
+// xdotool in a private X session, what it shows read over AT-SPI; an
+// unreadable library told of and restored; the panel in German.
 
 #include "TestEnvironment.h"
 

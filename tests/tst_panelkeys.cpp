@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The panel's keys on a real root view and a real Store: key presses sent
-// to whichever widget holds the keyboard (the list, the composer with and
-// without text, the search field, a note's inline editor, a layer), and
-// what each one changed; the filter that keeps editing keys with a text
-// field; the Escape ladder; copying what a search shows; the Menu key,
-// Shift+F10 and Ctrl+Q; an edit in place left open behind another window,
-// saved when the panel is brought forward or hidden.
+// The panel's keys on a real root view and Store: each key in each place the
+// keyboard can be (list, composer, search, inline editor, a layer) and what
+// it changed; the text field's filter, the Escape ladder, undo, and an edit
+// in place saved when the panel comes forward or hides.
 
 #include "PanelTestRig.h"
 #include "WidgetTestMain.h"

@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The Settings window of the running program, from the outside: in a
-// private X session with a window manager, a system tray (trayer) and a
-// session bus. The tray menu's "Settings" opens one "Vesko Settings" window
-// and, asked again, brings the same one forward; a screen reader's view over
-// AT-SPI finds every tab and control by its name; a toggle pressed there
-// changes Vesko.conf and the panel at once; closing only hides the window.
-// On Wayland the launch opens the Capture tab, and the shortcuts come from
-// the desktop's portal (the real xdg-desktop-portal, with the tests' backend).
+// The Settings window of the running program, from the outside: in a private
+// X session with a window manager, a tray (trayer), a session bus and AT-SPI;
+// on Wayland, with the desktop's shortcuts portal (the tests' backend).
 
 #include "TestEnvironment.h"
 

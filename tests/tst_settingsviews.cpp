@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The Settings window in process, on real widgets over a real Store and the
-// real settings file: each control writes its preference to Vesko.conf,
-// "Open at login" shows a failure and falls back to the truth, the Capture
-// tab says why capture is unavailable, the interval slider keeps its bounds,
-// the library moves to another folder and back through the Storage tab's
-// dialog with its attachments, a move to a read-only folder shows its
-// failure (of the attachments' copy or of the notes file's write), and the
-// window is made once and keeps its place.
+// real settings file: what each tab's controls write and show, the library's
+// move through the Storage tab, and the window made once.
 
 #include "TestEnvironment.h"
 

@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The shortcut recorder in a real X session, with real key events typed by
-// xdotool and real grabs on the root window: Escape with Shift still
-// cancels, Ctrl+Backspace and Delete clear, a key without a modifier and a
-// combination another action holds are refused with their words, an
-// action's own combination is no conflict, a combination that another X
-// client grabbed first is stored but shown as taken at once, and the key's
-// name follows the keyboard layout as it changes (setxkbmap, a switch of
-// the layout in use).
+// The shortcut recorder in a real X session: keys typed by xdotool, grabs on
+// the root window held by another client, and key names that follow the
+// keyboard layout as it changes.
 
 #include "TestEnvironment.h"
 
