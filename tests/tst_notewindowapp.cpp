@@ -144,6 +144,24 @@ void pressKeys(const QString &key, int times)
         xdotool({QStringLiteral("key"), key});
 }
 
+//! Opens the menu of \a pid at \a at with the right button and chooses its
+//! entry \a downs presses down. A click that comes while the last menu still
+//! holds the pointer is lost; the user would click again, and so does this.
+void chooseFromMenu(qint64 pid, const QPoint &at, int downs)
+{
+    const QStringList before = visibleWindows(pid);
+    QString menu;
+    for (int attempt = 0; attempt < 3 && menu.isEmpty(); ++attempt) {
+        xdotool({QStringLiteral("mousemove"), QString::number(at.x()), QString::number(at.y()),
+            QStringLiteral("click"), QStringLiteral("3")});
+        (void)QTest::qWaitFor([&] { return !(menu = newWindow(pid, before)).isEmpty(); }, 4000);
+    }
+    QVERIFY(!menu.isEmpty());
+    pressKeys(QStringLiteral("Down"), downs);
+    xdotool({QStringLiteral("key"), QStringLiteral("Return")});
+    QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(pid).contains(menu), Test::patience);
+}
+
 QByteArray grab(const QRect &area)
 {
     QTemporaryDir folder;
@@ -175,8 +193,7 @@ private Q_SLOTS:
     void noteWindowEditsTheNote();
     void trayMenuIsTheDashboard();
     void editInPlaceIsSavedWhenThePanelComesBack();
-    void menuKeysOpenTheSelectedRowsMenu();
-    void windowsCloseFromTheKeyboard();
+    void menuKeysAndClosingKeys();
 };
 
 void NoteWindowAppTest::initTestCase()
@@ -195,19 +212,7 @@ void NoteWindowAppTest::noteWindowEditsTheNote()
     QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, Test::patience);
 
     // The row's menu: Copy, Copy as List, Mark as Done, Edit, Edit in New Window.
-    auto openFromTheRowMenu = [&] {
-        const QStringList before = visibleWindows(vesko->processId());
-        QString menu;
-        for (int attempt = 0; attempt < 3 && menu.isEmpty(); ++attempt) {
-            xdotool({QStringLiteral("mousemove"), QString::number(firstRow.x()),
-                QString::number(firstRow.y()), QStringLiteral("click"), QStringLiteral("3")});
-            (void)QTest::qWaitFor(
-                [&] { return !(menu = newWindow(vesko->processId(), before)).isEmpty(); }, 4000);
-        }
-        QVERIFY(!menu.isEmpty());
-        pressKeys(QStringLiteral("Down"), 5);
-        xdotool({QStringLiteral("key"), QStringLiteral("Return")});
-    };
+    const auto openFromTheRowMenu = [&] { chooseFromMenu(vesko->processId(), firstRow, 5); };
     openFromTheRowMenu();
     const QString title = QStringLiteral("Plan the release notes");
     QTRY_COMPARE_WITH_TIMEOUT(windowsNamed(title).size(), 1, Test::patience);
@@ -263,23 +268,8 @@ void NoteWindowAppTest::trayMenuIsTheDashboard()
     QTRY_VERIFY_WITH_TIMEOUT(!windowWhere(vesko->processId(), isIcon).isEmpty(), Test::patience);
     const QRect icon = windowFrame(windowWhere(vesko->processId(), isIcon));
 
-    auto chooseEntry = [&](int downs) {
-        const QStringList before = visibleWindows(vesko->processId());
-        QString menu;
-        // A click that comes while the last menu still holds the pointer is
-        // lost; the user would click again, and so does the test.
-        for (int attempt = 0; attempt < 3 && menu.isEmpty(); ++attempt) {
-            xdotool({QStringLiteral("mousemove"), QString::number(icon.center().x()),
-                QString::number(icon.center().y()), QStringLiteral("click"), QStringLiteral("3")});
-            (void)QTest::qWaitFor(
-                [&] { return !(menu = newWindow(vesko->processId(), before)).isEmpty(); }, 4000);
-        }
-        QVERIFY(!menu.isEmpty());
-        pressKeys(QStringLiteral("Down"), downs);
-        xdotool({QStringLiteral("key"), QStringLiteral("Return")});
-        QTRY_VERIFY_WITH_TIMEOUT(
-            !visibleWindows(vesko->processId()).contains(menu), Test::patience);
-    };
+    const auto chooseEntry
+        = [&](int downs) { chooseFromMenu(vesko->processId(), icon.center(), downs); };
 
     // Hide or Show, Capture Selection, Add a Note, then the open notes: the
     // fourth entry is the first note, and choosing it ticks it off.
@@ -349,13 +339,15 @@ void NoteWindowAppTest::editInPlaceIsSavedWhenThePanelComesBack()
     other->terminate();
 }
 
-void NoteWindowAppTest::menuKeysOpenTheSelectedRowsMenu()
+//! One program driven by keys alone: the menu keys, then the keys that close windows.
+void NoteWindowAppTest::menuKeysAndClosingKeys()
 {
     Session session;
     session.writeLibrary({QStringLiteral("alpha"), QStringLiteral("bravo")});
     QProcess *vesko = session.start();
     QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), Test::patience);
-    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panelWindow(vesko->processId()), Test::patience);
+    const QString panel = panelWindow(vesko->processId());
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, Test::patience);
     pressKeys(QStringLiteral("Escape"), 1);
 
     // Copy, Copy as List, then "Mark as Done": the third entry of a row's menu.
@@ -385,18 +377,7 @@ void NoteWindowAppTest::menuKeysOpenTheSelectedRowsMenu()
     pressKeys(QStringLiteral("Escape"), 1);
     QTRY_VERIFY_WITH_TIMEOUT(
         !visibleWindows(vesko->processId()).contains(textMenu), Test::patience);
-    vesko->terminate();
-    QVERIFY(vesko->waitForFinished(Test::patience));
-}
-
-void NoteWindowAppTest::windowsCloseFromTheKeyboard()
-{
-    Session session;
-    session.writeLibrary({QStringLiteral("alpha")});
-    QProcess *vesko = session.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), Test::patience);
-    const QString panel = panelWindow(vesko->processId());
-    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, Test::patience);
+    // Escape in the empty composer hands the keyboard to the list.
     pressKeys(QStringLiteral("Escape"), 1);
     pressKeys(QStringLiteral("Home"), 1);
 
