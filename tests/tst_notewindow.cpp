@@ -81,8 +81,7 @@ private Q_SLOTS:
     void clearingTheText();
     void deletedNoteLeavesAHarmlessWindow();
     void previewRendersInlineMarkdown();
-    void doneToggleFollowsTheNote();
-    void copyPutsTheNoteOnTheClipboard();
+    void barButtonsAct();
     void addAttachment_data();
     void addAttachment();
     void frameIsRememberedAcrossOpeningsAndRestarts();
@@ -347,37 +346,30 @@ void NoteWindowTest::previewRendersInlineMarkdown()
     QVERIFY(!view->previewArea()->isVisible());
 }
 
-void NoteWindowTest::doneToggleFollowsTheNote()
-{
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
-    NoteWindow *window = openNote(QStringLiteral("a"));
-    QToolButton *done = window->editor()->doneButton();
-    QCOMPARE(done->text(), QStringLiteral("Mark as Done"));
-
-    QTest::mouseClick(done, Qt::LeftButton);
-    QVERIFY(store.note(idFor(QStringLiteral("a")))->isDone);
-    QCOMPARE(done->text(), QStringLiteral("Done"));
-    QTest::mouseClick(done, Qt::LeftButton);
-    QVERIFY(!store.note(idFor(QStringLiteral("a")))->isDone);
-    QCOMPARE(done->text(), QStringLiteral("Mark as Done"));
-
-    // A change made elsewhere shows here too.
-    store.setDone({idFor(QStringLiteral("a"))}, true);
-    QCOMPARE(done->text(), QStringLiteral("Done"));
-}
-
-void NoteWindowTest::copyPutsTheNoteOnTheClipboard()
+void NoteWindowTest::barButtonsAct()
 {
     Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
     store.updateNote(idFor(QStringLiteral("a")), QStringLiteral("**copy** me"));
     NoteWindow *window = openNote(QStringLiteral("a"));
     QVERIFY(QTest::qWaitForWindowExposed(window));
     QTRY_VERIFY_WITH_TIMEOUT(window->isActiveWindow(), Test::patience);
-    QGuiApplication::clipboard()->setText(QStringLiteral("before"));
 
-    // The key works while the editor has the focus.
+    // The done toggle follows the note, also when it changes elsewhere.
+    QToolButton *done = window->editor()->doneButton();
+    QCOMPARE(done->text(), QStringLiteral("Mark as Done"));
+    QTest::mouseClick(done, Qt::LeftButton);
+    QVERIFY(store.note(idFor(QStringLiteral("a")))->isDone);
+    QCOMPARE(done->text(), QStringLiteral("Done"));
+    QTest::mouseClick(done, Qt::LeftButton);
+    QVERIFY(!store.note(idFor(QStringLiteral("a")))->isDone);
+    QCOMPARE(done->text(), QStringLiteral("Mark as Done"));
+    store.setDone({idFor(QStringLiteral("a"))}, true);
+    QCOMPARE(done->text(), QStringLiteral("Done"));
+
+    // The copy key works while the editor has the focus; the button shows
+    // itself pressed for a moment, then copies.
+    QGuiApplication::clipboard()->setText(QStringLiteral("before"));
     QTest::keyClick(window->editor()->editor(), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
-    // The button shows itself pressed for a moment, then copies.
     QTRY_COMPARE_WITH_TIMEOUT(
         QGuiApplication::clipboard()->text(), QStringLiteral("**copy** me"), Test::patience);
     QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Copied"));

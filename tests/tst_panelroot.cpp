@@ -107,8 +107,7 @@ private Q_SLOTS:
     void sectionLineWithFilesMakesOneNote();
     void secondReturnDuringAnImportDoesNothing();
     void failedImportKeepsTheBox();
-    void sameFileOnce();
-    void filesFromTheButtonAndFromADrop();
+    void pendingFiles();
     void escapeTwice_data();
     void escapeTwice();
     void clearButton();
@@ -500,23 +499,7 @@ void PanelRootTest::failedImportKeepsTheBox()
     QCOMPARE(notesOfSection(m_fixture->store(), QStringLiteral("Inbox")), QStringList {"a"});
 }
 
-void PanelRootTest::sameFileOnce()
-{
-    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
-    const QUrl one = QUrl::fromLocalFile(QStringLiteral("/tmp/one.png"));
-    const QUrl two = QUrl::fromLocalFile(QStringLiteral("/tmp/two.png"));
-    root.composer()->addPendingURLs({one, two});
-    root.composer()->addPendingURLs({two, one});
-    QCOMPARE(root.composer()->pendingURLs(), (QList<QUrl> {one, two}));
-    QCOMPARE(root.composer()->pendingStrip()->chipNames(), (QStringList {"one.png", "two.png"}));
-    // Escape with files waiting clears them and keeps the composer.
-    QTRY_VERIFY_WITH_TIMEOUT(root.composer()->field()->editor()->hasFocus(), Test::patience);
-    QTest::keyClick(root.composer()->field()->editor(), Qt::Key_Escape);
-    QVERIFY(root.composer()->pendingURLs().isEmpty());
-    QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
-}
-
-void PanelRootTest::filesFromTheButtonAndFromADrop()
+void PanelRootTest::pendingFiles()
 {
     const QUrl chosen = QUrl::fromLocalFile(QStringLiteral("/tmp/chosen.pdf"));
     const QUrl dropped = QUrl::fromLocalFile(QStringLiteral("/tmp/dropped.png"));
@@ -530,7 +513,7 @@ void PanelRootTest::filesFromTheButtonAndFromADrop()
     QCOMPARE(root.composer()->pendingURLs(), QList<QUrl> {chosen});
     QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
 
-    // Files dropped on the box join them; a drop of text alone is refused.
+    // Files dropped on the box join them, each file once; a drop of text alone is refused.
     m_state->requestFocus(PanelFocusTarget::List);
     QMimeData files;
     files.setUrls({dropped, chosen});
@@ -542,13 +525,23 @@ void PanelRootTest::filesFromTheButtonAndFromADrop()
     QApplication::sendEvent(root.composer(), &drop);
     QVERIFY(drop.isAccepted());
     QCOMPARE(root.composer()->pendingURLs(), (QList<QUrl> {chosen, dropped}));
+    QCOMPARE(root.composer()->pendingStrip()->chipNames(),
+        (QStringList {"chosen.pdf", "dropped.png"}));
     QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
+    root.composer()->addPendingURLs({dropped, chosen});
+    QCOMPARE(root.composer()->pendingURLs(), (QList<QUrl> {chosen, dropped}));
 
     QMimeData text;
     text.setText(QStringLiteral("just words"));
     QDragEnterEvent textEnter(inside, Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(root.composer(), &textEnter);
     QVERIFY(!textEnter.isAccepted());
+
+    // Escape with files waiting clears them and keeps the composer.
+    QTRY_VERIFY_WITH_TIMEOUT(root.composer()->field()->editor()->hasFocus(), Test::patience);
+    QTest::keyClick(root.composer()->field()->editor(), Qt::Key_Escape);
+    QVERIFY(root.composer()->pendingURLs().isEmpty());
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
 }
 
 void PanelRootTest::escapeTwice_data()
