@@ -8,7 +8,7 @@
 
 #include "SilentAttachmentActions.h"
 #include "StoreFixture.h"
-#include "TestEnvironment.h"
+#include "WidgetTestMain.h"
 
 #include "attachments/AttachmentFileDialog.h"
 #include "attachments/AttachmentListView.h"
@@ -608,13 +608,6 @@ void AttachmentViewsTest::newNoteImportFailureIsToasted()
     QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Could Not Add Attachment"));
 }
 
-int main(int argc, char *argv[])
-{
-    Vesko::Test::IsolatedEnvironment environment;
-    QApplication app(argc, argv);
-    AttachmentViewsTest test;
-    QTEST_SET_MAIN_SOURCE_PATH
-    return QTest::qExec(&test, argc, argv);
-}
+VESKO_WIDGET_TEST_MAIN(AttachmentViewsTest)
 
 #include "tst_attachmentviews.moc"

@@ -4,7 +4,7 @@
 // the root window held by another client, and key names that follow the
 // keyboard layout as it changes.
 
-#include "TestEnvironment.h"
+#include "WidgetTestMain.h"
 
 #include "ProgramSession.h"
 #include "capture/HotKeyCenter.h"
@@ -300,13 +300,6 @@ void ShortcutRecorderTest::keyNamesFollowTheLayout()
     QTRY_COMPARE_WITH_TIMEOUT(button->text(), QStringLiteral("Super+Alt+") + name, Test::patience);
 }
 
-int main(int argc, char *argv[])
-{
-    Vesko::Test::IsolatedEnvironment environment;
-    QApplication app(argc, argv);
-    ShortcutRecorderTest test;
-    QTEST_SET_MAIN_SOURCE_PATH
-    return QTest::qExec(&test, argc, argv);
-}
+VESKO_WIDGET_TEST_MAIN(ShortcutRecorderTest)
 
 #include "tst_shortcutrecorder.moc"

@@ -4,7 +4,7 @@
 // the focus from the active window, the last toast wins and stays up for its
 // whole duration, and it goes away by itself.
 
-#include "TestEnvironment.h"
+#include "WidgetTestMain.h"
 
 #include "shell/Toast.h"
 
@@ -78,13 +78,6 @@ void ToastTest::lastToastWinsAndKeepsItsDuration()
     QVERIFY(clock.elapsed() >= second + 1100 + 180);
 }
 
-int main(int argc, char *argv[])
-{
-    Vesko::Test::IsolatedEnvironment environment;
-    QApplication app(argc, argv);
-    ToastTest test;
-    QTEST_SET_MAIN_SOURCE_PATH
-    return QTest::qExec(&test, argc, argv);
-}
+VESKO_WIDGET_TEST_MAIN(ToastTest)
 
 #include "tst_toast.moc"
