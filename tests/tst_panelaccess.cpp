@@ -127,11 +127,7 @@ int bluishPixels(const QRect &area)
 
 const AccessibleNode *row(const AccessibleTree &tree, const QString &name)
 {
-    for (const AccessibleNode *node : tree.all()) {
-        if (node->role == QLatin1String("list item") && node->name == name && node->isShowing())
-            return node;
-    }
-    return nullptr;
+    return tree.find(QStringLiteral("list item"), name);
 }
 
 } // namespace
