@@ -6,6 +6,7 @@
 
 #include "TestEnvironment.h"
 
+#include "ProgramSession.h"
 #include "ReadOnlyFolder.h"
 #include "SettingsRig.h"
 #include "library/LibraryCoding.h"
@@ -119,16 +120,9 @@ QStringList attachmentFiles(const QString &libraryPath)
 
 QStringList noteTexts(const QString &libraryPath)
 {
-    QFile file(libraryPath);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
     QStringList texts;
-    if (const std::optional<Library> library = decodeLibrary(file.readAll())) {
-        for (const Project &project : library->projects)
-            for (const NoteSection &section : project.sections)
-                for (const Note &note : section.notes)
-                    texts.append(note.text);
-    }
+    for (const Note &note : Test::allNotes(Test::readLibraryFile(libraryPath)))
+        texts.append(note.text);
     return texts;
 }
 
