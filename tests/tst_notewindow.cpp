@@ -39,11 +39,6 @@ namespace {
 
 const QString ellipsis = QStringLiteral("…");
 
-QString repeated(QChar c, int count)
-{
-    return QString(count, c);
-}
-
 //! The note's text in the Store, or "(gone)".
 QString noteText(const Store &store, const QString &letter)
 {
@@ -129,8 +124,8 @@ void NoteWindowTest::titles_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("title");
 
-    const QString a44 = repeated(u'a', 44);
-    const QString a45 = repeated(u'a', 45);
+    const QString a44 = QString(44, u'a');
+    const QString a45 = QString(45, u'a');
     QTest::newRow("strong emphasis markers go") << "**Plan** the _week_" << "Plan the week";
     QTest::newRow("a heading marker stays") << "# Heading" << "# Heading";
     QTest::newRow("two lines joined by a space") << "first line\nsecond line"
@@ -138,9 +133,9 @@ void NoteWindowTest::titles_data()
     QTest::newRow("45 characters stay whole") << a45 << a45;
     QTest::newRow("46 characters are cut to 45") << a45 + u'b' << a45 + ellipsis;
     QTest::newRow("50 characters are cut to 45")
-        << repeated(u'c', 50) << repeated(u'c', 45) + ellipsis;
+        << QString(50, u'c') << QString(45, u'c') + ellipsis;
     QTest::newRow("a space at 45 goes before the ellipsis")
-        << a44 + u' ' + repeated(u'b', 10) << a44 + ellipsis;
+        << a44 + u' ' + QString(10, u'b') << a44 + ellipsis;
     // 👍🏽 is one character of four code units; a cut by code units would split it.
     QTest::newRow("characters as the reader counts them") << a44 + QStringLiteral("👍🏽")
             + QStringLiteral("tail") << a44 + QStringLiteral("👍🏽") + ellipsis;
