@@ -5,10 +5,9 @@
     atspi_reader.py tree APP [WINDOW]   the accessible tree of APP as JSON,
                                         or only that of its window named
                                         WINDOW
-    atspi_reader.py do APP ROLE NAME [ACTION]
-                                        performs ACTION (default: the first
-                                        one) on the first object of ROLE
-                                        and NAME, depth first
+    atspi_reader.py do APP ROLE NAME    performs the first action of the
+                                        first object of ROLE and NAME,
+                                        depth first
     atspi_reader.py where APP ROLE [PATTERN]
                                         the centre "x y" on the screen of the
                                         first showing object of ROLE whose
@@ -20,7 +19,6 @@
                                         so it is found as a screen reader
                                         finds it, by the focus event of its
                                         entry
-    atspi_reader.py apps                the names of the applications
 
 APP is an application's name or, all digits, its process id (to tell apart
 two instances of one program). Each node of the tree has role, name,
@@ -169,10 +167,6 @@ def main(arguments):
         print(__doc__, file=sys.stderr)
         return 64
     command = arguments[0]
-    if command == "apps":
-        desktop = pyatspi.Registry.getDesktop(0)
-        print(json.dumps([app.name for app in desktop if app is not None]))
-        return 0
     if len(arguments) < 2:
         print(__doc__, file=sys.stderr)
         return 64
@@ -204,11 +198,9 @@ def main(arguments):
         if target is None:
             return 3
         action = target.queryAction()
-        wanted = arguments[4] if len(arguments) > 4 else None
-        for index in range(action.nActions):
-            if wanted is None or action.getName(index) == wanted:
-                return 0 if action.doAction(index) else 1
-        return 4
+        if action.nActions == 0:
+            return 4
+        return 0 if action.doAction(0) else 1
     print(__doc__, file=sys.stderr)
     return 64
 
