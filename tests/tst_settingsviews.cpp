@@ -9,6 +9,7 @@
 #include "ProgramSession.h"
 #include "ReadOnlyFolder.h"
 #include "SettingsRig.h"
+#include "StoreFixture.h"
 #include "library/LibraryCoding.h"
 #include "shell/CaptureSettingsView.h"
 #include "shell/CaptureStatus.h"
@@ -120,10 +121,7 @@ QStringList attachmentFiles(const QString &libraryPath)
 
 QStringList noteTexts(const QString &libraryPath)
 {
-    QStringList texts;
-    for (const Note &note : Test::allNotes(Test::readLibraryFile(libraryPath)))
-        texts.append(note.text);
-    return texts;
+    return Test::noteTexts(Test::readLibraryFile(libraryPath));
 }
 
 QFileDialog *openFileDialog()
