@@ -102,7 +102,8 @@ struct Session : ProgramSession
     bool quit() const
     {
         const Outcome quit = vesko({QStringLiteral("quit")});
-        return quit.exitCode == 0 && QTest::qWaitFor([this] { return !isRunning(); }, 20000);
+        return quit.exitCode == 0
+            && QTest::qWaitFor([this] { return !isRunning(); }, Test::patience);
     }
 };
 
