@@ -154,6 +154,12 @@ int main(int argc, char *argv[])
     // and ends. The preferences say which file that is; nothing else is read.
     Preferences &preferences = Preferences::shared();
     SingleInstance instance(preferences.libraryURL());
+    // Started for a command that has ended since: another Vesko took its
+    // request, and may have been quit already. Nothing is left to do.
+    const bool unwanted = inBackground && InstanceClient::commandHasEnded();
+    qunsetenv(InstanceClient::startedForVariable);
+    if (unwanted)
+        return 0;
     SingleInstance::Claim claim = instance.claim();
     if (claim == SingleInstance::Claim::HeldElsewhere) {
         // A start in the background asks nothing of the process that runs.

@@ -102,7 +102,8 @@ struct Session : ProgramSession
     bool quit() const
     {
         const Outcome quit = vesko({QStringLiteral("quit")});
-        return quit.exitCode == 0 && QTest::qWaitFor([this] { return !isRunning(); }, 20000);
+        return quit.exitCode == 0
+            && QTest::qWaitFor([this] { return !isRunning(); }, Test::patience);
     }
 };
 
@@ -488,6 +489,19 @@ void CommandLineAppTest::racingCommandsMeetOneVesko()
         QTRY_VERIFY_WITH_TIMEOUT(!busNameOwned(), Test::patience);
     }
     QCOMPARE(libraryTexts(session.libraryPath()).size(), 9);
+
+    // A racer's own start that comes up only after the others were served
+    // and Vesko was quit: the command it was for has ended, nothing runs.
+    QProcess ended;
+    ended.start(QStringLiteral("true"));
+    QVERIFY(ended.waitForStarted(Test::patience));
+    const QString endedPid = QString::number(ended.processId());
+    QVERIFY(ended.waitForFinished(Test::patience));
+    session.setEnvironmentVariable(QStringLiteral("VESKO_STARTED_FOR"), endedPid);
+    const ProgramSession::Outcome late = session.run(
+        QStringLiteral(VESKO_PATH), {QStringLiteral("--background")}, {}, Test::patience);
+    QVERIFY2(late.finished && late.exitCode == 0, qPrintable(describe(late)));
+    QVERIFY(!busNameOwned());
 }
 
 QTEST_GUILESS_MAIN(CommandLineAppTest)

@@ -21,6 +21,8 @@
 #include <QProcess>
 #include <QThread>
 
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <limits>
 
@@ -196,10 +198,22 @@ bool InstanceClient::activateOnBus(const QDeadlineTimer &deadline)
     return started.isValid();
 }
 
+bool InstanceClient::commandHasEnded()
+{
+    bool ok = false;
+    const qint64 pid = qEnvironmentVariable(startedForVariable).toLongLong(&ok);
+    return ok && pid > 0 && ::kill(pid_t(pid), 0) != 0 && errno == ESRCH;
+}
+
 bool InstanceClient::launch()
 {
     QProcess process;
     process.setProgram(m_program);
+    // A launch that comes up after the request was served elsewhere ends at once.
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(
+        QLatin1String(startedForVariable), QString::number(QCoreApplication::applicationPid()));
+    process.setProcessEnvironment(environment);
     process.setArguments({QStringLiteral("--background")});
     // The instance outlives this command: it must not hold its pipes open.
     process.setStandardInputFile(QProcess::nullDevice());

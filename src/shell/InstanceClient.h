@@ -20,6 +20,13 @@ struct CommandLineRequest;
 class InstanceClient
 {
 public:
+    //! The variable in which launch() tells the Vesko it starts which
+    //! command process it is for.
+    static constexpr char startedForVariable[] = "VESKO_STARTED_FOR";
+    //! Whether this process was started by launch() for a command that has
+    //! ended since: another Vesko took the request, and may have been quit.
+    static bool commandHasEnded();
+
     //! How long a started instance may take to answer.
     static constexpr int startMilliseconds = 30000;
     //! How long one request may take.
@@ -53,7 +60,8 @@ private:
     Road reach();
     //! Asks the bus to start the service; false where it cannot.
     bool activateOnBus(const QDeadlineTimer &deadline);
-    //! Starts "PROGRAM --background" on its own.
+    //! Starts "PROGRAM --background" on its own, with startedForVariable
+    //! naming this process.
     bool launch();
     QJsonObject sendOnSocket(const QJsonObject &request);
 

@@ -102,6 +102,10 @@ QProcess *ProgramSession::start(
     process->setProcessEnvironment(m_environment);
     process->setProcessChannelMode(mode);
     process->start(program, arguments);
+    // Running from here on: QProcess only learns that the program started
+    // when the event loop runs, and a test may look at the program (its
+    // windows, its state) before that.
+    process->waitForStarted(patience);
     return process;
 }
 

@@ -34,8 +34,9 @@ public:
     //! Removes a variable from the environment the next programs start with.
     void unsetEnvironmentVariable(const QString &name);
 
-    //! Starts \a program with the session's environment; it ends with the
-    //! session. Its errors go to the test's own unless \a mode says otherwise.
+    //! Starts \a program with the session's environment and waits until it
+    //! runs (or failed to start); it ends with the session. Its errors go
+    //! to the test's own unless \a mode says otherwise.
     QProcess *start(const QString &program, const QStringList &arguments = {},
         QProcess::ProcessChannelMode mode = QProcess::ForwardedErrorChannel);
 
