@@ -104,7 +104,7 @@ void KeySessionTest::keysOnly()
     QCOMPARE(titles, (QStringList {"Inbox", "Later"}));
     QCOMPARE(project.activeSectionID.value_or(QUuid()), project.sections.at(1).id);
 
-    const QList<Note> &notes = project.sections.at(0).notes;
+    const NoteList &notes = project.sections.at(0).notes;
     QCOMPARE(notes.size(), qsizetype(2));
     QCOMPARE(notes.at(0).text, QStringLiteral("alpha"));
     QVERIFY(!notes.at(0).isDone);

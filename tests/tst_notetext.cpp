@@ -96,7 +96,7 @@ void NoteTextTest::exportDocument()
     library.projects = {Test::describedProject(
         QStringLiteral("Ideas:first line\nsecond line,DONE THING,**raw** *text*"),
         QStringLiteral("Work"))};
-    QList<Note> &notes = library.projects[0].sections[0].notes;
+    NoteList &notes = library.projects[0].sections[0].notes;
     notes[0].attachments = {attachment(QStringLiteral("Pasted Image.png"),
         QStringLiteral("A1/Pasted Image.png"), NoteAttachment::Kind::Image)};
     notes[2].attachments = {attachment(
