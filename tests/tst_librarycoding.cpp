@@ -461,6 +461,9 @@ const QList<std::pair<const char *, std::function<void(EditTarget)>>> edits = {
             added.notes = e.other.notes.mid(0, 2);
             e.library.projects[0].sections.append(added);
         }},
+    {"a note in a later chunk",
+        [](EditTarget e) { e.section.notes[e.section.notes.size() / 2].text.append(u'!'); }},
+    {"a chunk's worth of notes removed", [](EditTarget e) { e.section.notes.remove(100, 1100); }},
     {"project renamed",
         [](EditTarget e) { e.library.projects[1].name = QStringLiteral("Renamed"); }},
     {"every note",
@@ -500,6 +503,13 @@ void LibraryCodingTest::reusedEncodingFollowsEdits()
 {
     QFETCH(int, edit);
     Library library = Test::generateLibrary(600, 5);
+    // The edited section large enough to be held in several chunks.
+    NoteList &notes = library.projects[0].sections[0].notes;
+    for (int i = 0; notes.size() < 3000; ++i) {
+        Note copy = notes.at(i);
+        copy.id = QUuid::createUuidV5(copy.id, QString::number(i));
+        notes.append(copy);
+    }
     EncodedSections encoded;
     QVERIFY(*decodeLibrary(encodedReusing(library, encoded)) == library);
     QVERIFY(*decodeLibrary(encodedReusing(library, encoded)) == library);

@@ -89,12 +89,10 @@ PanelListView::PanelListView(Store &store, PanelState &state, QWidget *parent)
         m_animating = false;
     });
     connect(m_scrollAnimation, &QVariantAnimation::finished, this, [this] {
-        if (m_animationTarget) {
-            const int index = indexOfRow(*m_animationTarget);
-            if (index >= 0)
-                verticalScrollBar()->setValue(scrollValueFor(index, m_animationAnchor));
-        }
-        m_animationTarget.reset();
+        // The last step lands exactly, the row pinned while rows measured on
+        // the way in (frames the animation skipped) move it.
+        if (const std::optional<QUuid> target = std::exchange(m_animationTarget, std::nullopt))
+            scrollToRow(*target, m_animationAnchor, false);
     });
 
     connect(&m_store, &Store::rowsChanged, this, &PanelListView::rowsChanged);
