@@ -741,7 +741,7 @@ void SearchIndex::holdSynchronization()
 
 void SearchIndex::resumeSynchronization()
 {
-    if (!std::exchange(m_holding, false))
+    if (!m_holding.exchange(false))
         return;
     if (std::optional<HeldSynchronization> held = std::exchange(m_held, std::nullopt))
         synchronize(held->library, held->revision, std::move(held->cancellation));
@@ -753,11 +753,14 @@ SearchMatches SearchIndex::runSearch(const QString &query, const Project &projec
     const QString q = normalizedQuery(query);
     if (q.isEmpty() || cancellation.isCancelled())
         return {};
-    // The index catches up in the background; this search does not wait for it.
-    Worker *worker = m_worker.get();
-    m_queue->async([worker, library, revision] {
-        worker->synchronize(library, revision, Cancellation());
-    });
+    // The index catches up in the background; this search does not wait for
+    // it. While the launch holds the index, the held request catches it up.
+    if (!m_holding.load()) {
+        Worker *worker = m_worker.get();
+        m_queue->async([worker, library, revision] {
+            worker->synchronize(library, revision, Cancellation());
+        });
+    }
     return m_searcher->search(q, project, revision, cancellation);
 }
 

@@ -155,7 +155,8 @@ private:
         quint64 revision = 0;
         Cancellation cancellation;
     };
-    bool m_holding = false;
+    //! Set and cleared on the owner's thread; read by searches on theirs.
+    std::atomic<bool> m_holding = false;
     std::optional<HeldSynchronization> m_held;
 };
 
