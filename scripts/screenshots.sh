@@ -5,11 +5,11 @@
 # and once in the dark appearance. The panel, each of its menus and a prompt
 # are opened with real clicks where the accessibility tree (read over AT-SPI,
 # tests/helpers/atspi_reader.py) says the controls are, and saved as PNG.
-# The attachment views are drawn by tests/helpers/attachment_gallery; the
+# The attachment views are drawn by tools/screenshots/attachment_gallery; the
 # Settings window is opened from the tray menu, each tab in both appearances;
 # the list's own shots (Markdown notes, an expanded note with attachments, a
-# search) are drawn offscreen by tests/helpers/list_screenshots, the shortcut
-# sheet and the switchers by tests/helpers/keys_screenshots.
+# search) are drawn offscreen by tools/screenshots/list_screenshots, the shortcut
+# sheet and the switchers by tools/screenshots/keys_screenshots.
 # A note window with its preview and the tray's menu (in trayer, an XEmbed
 # tray) come from the same demo library, and a toast from a copied note.
 set -euo pipefail
@@ -200,7 +200,7 @@ kill -TERM "$pid"
 wait "$pid" || true
 rm -rf "$root"
 for appearance in light dark; do
-    "$build"/tests/attachment_gallery "$out/attachments-$appearance.png" "$appearance"
+    "$build"/tools/screenshots/attachment_gallery "$out/attachments-$appearance.png" "$appearance"
     echo "wrote $out/attachments-$appearance.png"
 done
 
@@ -301,5 +301,5 @@ for appearance in light dark; do
     rm -rf "$root"
     echo "wrote $out/panel-unreadable-$appearance.png"
 done
-"$build"/tests/list_screenshots "$out/list-demo-library.json" "$out"
-"$build"/tests/keys_screenshots "$out/list-demo-library.json" "$out"
+"$build"/tools/screenshots/list_screenshots "$out/list-demo-library.json" "$out"
+"$build"/tools/screenshots/keys_screenshots "$out/list-demo-library.json" "$out"
