@@ -124,6 +124,7 @@ void SaveStatusTest::panelLineAndTrayFollowTheSaves()
     QVERIFY2(line.statusText().startsWith(QStringLiteral("Not saved: “"))
             && line.statusText().endsWith(QStringLiteral("” exists and is not a folder.")),
         qPrintable(line.statusText()));
+    QCOMPARE(m_store->note(m_noteID)->text, QStringLiteral("second")); // kept in memory
     // Its second line is the panel's.
     QCOMPARE(tray.toolTip().section(u'\n', 1), line.statusText());
     QCOMPARE(line.toolTip(), line.statusText());
