@@ -115,7 +115,6 @@ private Q_SLOTS:
     void flushSaveWritesOnceAndCancelsThePendingSave();
     void failedSaveIsShownAndRetried_data();
     void failedSaveIsShownAndRetried();
-    void retriesKeepTheBackups();
 
     void undoLimitFollowsTheNoteCount_data();
     void undoLimitFollowsTheNoteCount();
@@ -243,37 +242,6 @@ void StoreTest::failedSaveIsShownAndRetried()
         QStringLiteral("saved once the disk takes it"), Test::patience);
     QTRY_COMPARE_WITH_TIMEOUT(store.saveFailure(), QString(), Test::patience);
     QCOMPARE(failureChanged.size(), 2);
-}
-
-void StoreTest::retriesKeepTheBackups()
-{
-    // A name the file system takes, but not with the temporary file's prefix
-    // and suffix added: every save fails after its backup, the file stays.
-    const QString folder = Test::IsolatedEnvironment::current().root() + QStringLiteral("/long");
-    const QString path = folder + u'/' + QString(220, u'n') + QStringLiteral(".json");
-    const QByteArray original = encodeLibrary(libraryWithNotes(1));
-    writeFile(path, original);
-    m_preferences->setLibraryPath(path);
-    Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-    // The save and two retries fail.
-    static int failures = 0;
-    failures = 0;
-    const QtMessageHandler previous = qInstallMessageHandler(
-        [](QtMsgType type, const QMessageLogContext &, const QString &message) {
-            if (type == QtCriticalMsg && message.startsWith(QStringLiteral("Save failed: ")))
-                ++failures;
-        });
-    renameFirstNote(store, QStringLiteral("unsaved"));
-    QTRY_VERIFY_WITH_TIMEOUT(failures >= 3, Test::patience);
-    qInstallMessageHandler(previous);
-    QVERIFY2(store.saveFailure().contains(QStringLiteral("File name too long")),
-        qPrintable(store.saveFailure()));
-    // The file as it was, kept once: the retries pushed nothing out.
-    QCOMPARE(readFile(path), original);
-    const QDir backups(backupsFolder(path));
-    const QStringList names = backups.entryList(QDir::Files | QDir::Hidden);
-    QCOMPARE(names.size(), 1);
-    QCOMPARE(readFile(backups.filePath(names.first())), original);
 }
 
 void StoreTest::undoLimitFollowsTheNoteCount_data()
