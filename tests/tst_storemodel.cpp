@@ -397,16 +397,15 @@ public:
 
     // -- notes --
 
-    std::optional<QUuid> addNote(const QString &text, std::optional<QUuid> sectionID,
+    void addNote(MProject &project, const QString &text, std::optional<QUuid> sectionID,
         std::optional<QString> title, bool automatic, const QString &source,
         const std::vector<MAttachment> &attachments, bool reveal)
     {
         const QString cleaned = text.trimmed();
         if (cleaned.isEmpty() && attachments.empty())
-            return std::nullopt;
+            return;
         recordUndo();
         MNote note {fresh(), cleaned, false, std::nullopt, source, attachments, {}, {}};
-        MProject &project = *active();
         qsizetype target = -1;
         for (qsizetype i = 0; sectionID && i < qsizetype(project.sections.size()); ++i)
             if (project.sections[i].id == *sectionID)
@@ -417,13 +416,9 @@ public:
         if (reveal) {
             clearSearch();
             project.sections[target].collapsed = false;
-            commit();
-            // The anchor follows a moment later; the test waits for it.
-            setSelection({note.id}, note.id);
-        } else {
-            commit();
+            setSelection({note.id}, note.id); // the anchor a moment later: the test waits for it
         }
-        return note.id;
+        commit();
     }
 
     //! The section a new note goes to: by title, else the active one, else "Inbox".
@@ -441,20 +436,8 @@ public:
 
     void addNoteToProject(const QUuid &projectID, const QString &text, std::optional<QString> title)
     {
-        MProject *project = findProject(projectID);
-        if (!project)
-            return;
-        if (project == active()) {
-            addNote(text, std::nullopt, title, false, QString(), {}, false);
-            return;
-        }
-        const QString cleaned = text.trimmed();
-        if (cleaned.isEmpty())
-            return;
-        recordUndo();
-        project->sections[targetSection(*project, title, false)].notes.push_back(
-            {fresh(), cleaned, false, std::nullopt, QString(), {}, {}, {}});
-        commit();
+        if (MProject *project = findProject(projectID))
+            addNote(*project, text, std::nullopt, title, false, QString(), {}, false);
     }
 
     void updateNote(const QUuid &id, const QString &text)
@@ -680,24 +663,22 @@ public:
         commit();
     }
 
-    void renameSection(const QUuid &id, const QString &title)
+    //! Gives \a target's \a field the trimmed \a text, unless that is blank.
+    template<typename T> void rename(T *target, QString T::*field, const QString &text)
     {
-        const QString cleaned = title.trimmed();
-        if (cleaned.isEmpty() || !findSection(id))
+        if (!target || text.trimmed().isEmpty())
             return;
-        recordUndo();
-        findSection(id)->title = cleaned;
+        recordUndo(); // copies the library: the pointer into it stays good
+        target->*field = text.trimmed();
         commit();
     }
-
-    void renameProject(const QUuid &id, const QString &name)
+    void renameSection(const QUuid &id, const QString &t)
     {
-        const QString cleaned = name.trimmed();
-        if (cleaned.isEmpty() || !findProject(id))
-            return;
-        recordUndo();
-        findProject(id)->name = cleaned;
-        commit();
+        rename(findSection(id), &MSection::title, t);
+    }
+    void renameProject(const QUuid &id, const QString &t)
+    {
+        rename(findProject(id), &MProject::name, t);
     }
 
     qsizetype sectionIndexInActive(const QUuid &id) const
@@ -1288,7 +1269,7 @@ private:
                     ? std::optional(NoteSource {QStringLiteral("Mail"), std::nullopt, std::nullopt})
                     : std::nullopt,
                 records(attachments), reveal);
-            model.addNote(op.text, sectionID, title, op.flag,
+            model.addNote(*model.active(), op.text, sectionID, title, op.flag,
                 op.flag ? QStringLiteral("Mail") : QString(), attachments, reveal);
             if (reveal && added
                 && !QTest::qWaitFor([&] { return store.selectionAnchor() == added->id; }, 30000))
