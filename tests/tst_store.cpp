@@ -79,6 +79,28 @@ Library libraryWithNotes(int count)
     return library;
 }
 
+const QByteArray damagedLibrary = "{\"version\": 3, \"projects\": [tru";
+
+//! Backups of libraries whose first note reads \a texts, newest first, or
+//! unreadable ones for "damaged"; then the library file damaged. Gives the
+//! backups' paths.
+QStringList damageWithBackups(const QStringList &texts)
+{
+    QStringList paths;
+    for (qsizetype i = 0; i < texts.size(); ++i) {
+        paths.append(
+            backupsFolder(libraryURL()) + QStringLiteral("/%1-%2.json").arg(i).arg(texts[i]));
+        Library library = libraryWithNotes(2);
+        library.projects[0].sections[0].notes[0].text = texts[i];
+        writeFile(paths[i],
+            texts[i] == QLatin1String("damaged") ? damagedLibrary.left(18)
+                                                 : encodeLibrary(library));
+        setModified(paths[i], 1700000000 - i * 60);
+    }
+    writeFile(libraryURL(), damagedLibrary);
+    return paths;
+}
+
 } // namespace
 
 class StoreTest : public QObject
@@ -90,12 +112,9 @@ private Q_SLOTS:
     void cleanup();
 
     void burstOfChangesSavesOnceAfterTheLast();
-    void flushSaveCancelsThePendingSave();
-    void quitWithoutChangesStillWritesOnce();
-    void failedSaveIsLogged();
+    void flushSaveWritesOnceAndCancelsThePendingSave();
     void failedSaveIsShownAndRetried_data();
     void failedSaveIsShownAndRetried();
-    void retriesKeepTheBackups();
 
     void undoLimitFollowsTheNoteCount_data();
     void undoLimitFollowsTheNoteCount();
@@ -103,7 +122,6 @@ private Q_SLOTS:
     void equalAssignmentsStaySilent();
     void fallbacksOfAnEmptyLibrary();
     void lookupsSpanAllProjects();
-    void listPreferencesRefreshRows();
     void restoreLatestBackup_data();
     void restoreLatestBackup();
     void unreadableLibraryOutlastsARestart_data();
@@ -169,46 +187,23 @@ void StoreTest::burstOfChangesSavesOnceAfterTheLast()
     QVERIFY(backups().size() <= longGaps + 1); // one write for the whole burst
 }
 
-void StoreTest::flushSaveCancelsThePendingSave()
-{
-    QVERIFY(!writeLibrary(libraryWithNotes(3), libraryURL()));
-    Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-    renameFirstNote(store, QStringLiteral("flushed"));
-    QVERIFY(store.hasPendingSave());
-
-    store.flushSave();
-    QVERIFY(!store.hasPendingSave());
-    QCOMPARE(fileLibrary()->projects[0].sections[0].notes[0].text, QStringLiteral("flushed"));
-    QTest::qWait(600);
-    QCOMPARE(backups().size(), 1);
-}
-
-void StoreTest::quitWithoutChangesStillWritesOnce()
+void StoreTest::flushSaveWritesOnceAndCancelsThePendingSave()
 {
     {
         Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-        store.flushSave(); // no file before: no backup
+        store.flushSave(); // a quit without changes writes all the same; no file before: no backup
     }
     QVERIFY(fileLibrary());
     QCOMPARE(backups().size(), 0);
 
     Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
+    store.addNote(QStringLiteral("flushed"));
+    QVERIFY(store.hasPendingSave());
     store.flushSave();
+    QVERIFY(!store.hasPendingSave());
+    QCOMPARE(noteTexts(*fileLibrary()), QStringList {QStringLiteral("flushed")});
+    QTest::qWait(600);
     QCOMPARE(backups().size(), 1);
-}
-
-void StoreTest::failedSaveIsLogged()
-{
-    // The data folder's place is taken by a file.
-    writeFile(Test::IsolatedEnvironment::current().dataHome() + QStringLiteral("/Vesko"), {});
-
-    Store store(libraryWithNotes(1), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-    QTest::ignoreMessage(
-        QtCriticalMsg, QRegularExpression(QStringLiteral("^Save failed: .*not a folder")));
-    renameFirstNote(store, QStringLiteral("unsaved"));
-    QTRY_VERIFY_WITH_TIMEOUT(!store.saveFailure().isEmpty(), Test::patience);
-    // The change stays in memory.
-    QCOMPARE(store.library().projects[0].sections[0].notes[0].text, QStringLiteral("unsaved"));
 }
 
 void StoreTest::failedSaveIsShownAndRetried_data()
@@ -247,37 +242,6 @@ void StoreTest::failedSaveIsShownAndRetried()
         QStringLiteral("saved once the disk takes it"), Test::patience);
     QTRY_COMPARE_WITH_TIMEOUT(store.saveFailure(), QString(), Test::patience);
     QCOMPARE(failureChanged.size(), 2);
-}
-
-void StoreTest::retriesKeepTheBackups()
-{
-    // A name the file system takes, but not with the temporary file's prefix
-    // and suffix added: every save fails after its backup, the file stays.
-    const QString folder = Test::IsolatedEnvironment::current().root() + QStringLiteral("/long");
-    const QString path = folder + u'/' + QString(220, u'n') + QStringLiteral(".json");
-    const QByteArray original = encodeLibrary(libraryWithNotes(1));
-    writeFile(path, original);
-    m_preferences->setLibraryPath(path);
-    Store store(loadLibrary(), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-    // The save and two retries fail.
-    static int failures = 0;
-    failures = 0;
-    const QtMessageHandler previous = qInstallMessageHandler(
-        [](QtMsgType type, const QMessageLogContext &, const QString &message) {
-            if (type == QtCriticalMsg && message.startsWith(QStringLiteral("Save failed: ")))
-                ++failures;
-        });
-    renameFirstNote(store, QStringLiteral("unsaved"));
-    QTRY_VERIFY_WITH_TIMEOUT(failures >= 3, Test::patience);
-    qInstallMessageHandler(previous);
-    QVERIFY2(store.saveFailure().contains(QStringLiteral("File name too long")),
-        qPrintable(store.saveFailure()));
-    // The file as it was, kept once: the retries pushed nothing out.
-    QCOMPARE(readFile(path), original);
-    const QDir backups(backupsFolder(path));
-    const QStringList names = backups.entryList(QDir::Files | QDir::Hidden);
-    QCOMPARE(names.size(), 1);
-    QCOMPARE(readFile(backups.filePath(names.first())), original);
 }
 
 void StoreTest::undoLimitFollowsTheNoteCount_data()
@@ -384,25 +348,6 @@ void StoreTest::lookupsSpanAllProjects()
     QVERIFY(!store.section(note.id));
 }
 
-void StoreTest::listPreferencesRefreshRows()
-{
-    Library library = libraryWithNotes(3);
-    library.projects[0].sections[0].notes[1].isDone = true;
-    Store store(library, {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
-    QCOMPARE(store.visibleNotes().size(), 3);
-
-    QSignalSpy rows(&store, &Store::rowsChanged);
-    m_preferences->setShowCompleted(false);
-    QCOMPARE(rows.size(), 0); // after the assignment returns
-    QTRY_COMPARE_WITH_TIMEOUT(rows.size(), 1, Test::patience);
-    QCOMPARE(store.visibleNotes().size(), 2);
-    QCOMPARE(store.library(), library); // nothing in the library changed
-    QVERIFY(!store.hasPendingSave());
-
-    m_preferences->setShowCompleted(false); // equal, still refreshes
-    QTRY_COMPARE_WITH_TIMEOUT(rows.size(), 2, Test::patience);
-}
-
 void StoreTest::restoreLatestBackup_data()
 {
     // The backups, newest first: the first note's text of a library that
@@ -423,26 +368,11 @@ void StoreTest::restoreLatestBackup()
 {
     QFETCH(QStringList, backups);
     QFETCH(QString, restored);
-    const QString path = libraryURL();
-    for (qsizetype i = 0; i < backups.size(); ++i) {
-        const QString backup
-            = backupsFolder(path) + QStringLiteral("/Library-backup-%1.json").arg(i);
-        if (backups[i] == QLatin1String("damaged")) {
-            writeFile(backup, "{\"version\": 3, \"proj");
-        } else {
-            Library library = libraryWithNotes(2);
-            library.projects[0].sections[0].notes[0].text = backups[i];
-            writeFile(backup, encodeLibrary(library));
-        }
-        setModified(backup, 1700000000 - i * 60);
-    }
-    const QByteArray damaged = "{\"version\": 3, \"projects\": [tru";
-    writeFile(path, damaged);
-
+    damageWithBackups(backups);
     QTest::ignoreMessage(
         QtCriticalMsg, QRegularExpression(QStringLiteral("^Could not read library")));
     std::optional<UnreadableLibrary> unreadable;
-    Library loaded = loadLibrary(path, &unreadable);
+    Library loaded = loadLibrary(libraryURL(), &unreadable);
     QVERIFY(unreadable);
     Store store(std::move(loaded), {*m_preferences, *m_writer, *m_attachments, *m_searchIndex});
     store.setUnreadableLibrary(unreadable);
@@ -483,7 +413,7 @@ void StoreTest::restoreLatestBackup()
             QVERIFY2(QFileInfo::exists(backup), qPrintable(backup));
     }
     // The file set aside is never touched.
-    QCOMPARE(readFile(unreadable->path), damaged);
+    QCOMPARE(readFile(unreadable->path), damagedLibrary);
 }
 
 void StoreTest::unreadableLibraryOutlastsARestart_data()
@@ -509,17 +439,8 @@ void StoreTest::unreadableLibraryOutlastsARestart()
     QFETCH(bool, toldAgain);
     QFETCH(QStringList, kept);
     const QString path = libraryURL();
-    const QString folder = backupsFolder(path);
     const QStringList texts {QStringLiteral("newest"), QStringLiteral("older")};
-    for (qsizetype i = 0; i < texts.size(); ++i) {
-        Library library = libraryWithNotes(2);
-        library.projects[0].sections[0].notes[0].text = texts[i];
-        const QString backup = folder + u'/' + texts[i] + QStringLiteral(".json");
-        writeFile(backup, encodeLibrary(library));
-        setModified(backup, 1700000000 - i * 60);
-    }
-    const QByteArray damaged = "{\"version\": 3, \"projects\": [tru";
-    writeFile(path, damaged);
+    const QStringList backups = damageWithBackups(texts);
     // A start the program's way: the load, then the Store told what it found.
     const auto start = [this, &path] {
         std::optional<UnreadableLibrary> unreadable;
@@ -550,13 +471,13 @@ void StoreTest::unreadableLibraryOutlastsARestart()
     m_writer = std::make_unique<LibraryWriter>();
 
     if (meanwhile == QLatin1String("delete newest")) {
-        QVERIFY(QFile::remove(folder + QStringLiteral("/newest.json")));
+        QVERIFY(QFile::remove(backups.first()));
     } else if (meanwhile == QLatin1String("damage")) {
         // A second set-aside file wants a name of its own, a second later.
         QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(firstSetAside).fileName()
                 != QStringLiteral("Library-unreadable-%1.json").arg(fileNameStamp(currentDate())),
             Test::patience);
-        writeFile(path, damaged);
+        writeFile(path, damagedLibrary);
         QTest::ignoreMessage(
             QtCriticalMsg, QRegularExpression(QStringLiteral("^Could not read library")));
     }
@@ -567,16 +488,15 @@ void StoreTest::unreadableLibraryOutlastsARestart()
         // The line names the file set aside last, which stays untouched.
         const QString setAside = store->unreadableLibrary()->path;
         QCOMPARE(setAside != firstSetAside, meanwhile == QLatin1String("damage"));
-        QCOMPARE(readFile(setAside), damaged);
+        QCOMPARE(readFile(setAside), damagedLibrary);
         QVERIFY(store->unreadableLibrary()->isSetAside);
     }
     for (int i = 0; i < libraryBackupCount + 2; ++i) {
         store->addNote(QStringLiteral("typed after the start %1").arg(i));
         store->flushSave();
     }
-    for (const QString &text : texts)
-        QCOMPARE(
-            QFileInfo::exists(folder + u'/' + text + QStringLiteral(".json")), kept.contains(text));
+    for (qsizetype i = 0; i < texts.size(); ++i)
+        QCOMPARE(QFileInfo::exists(backups[i]), kept.contains(texts[i]));
     if (toldAgain) {
         store->restoreLatestBackup();
         QTRY_VERIFY_WITH_TIMEOUT(!store->unreadableLibrary(), Test::patience);
