@@ -200,8 +200,7 @@ class NoteWindowAppTest : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void noteWindowEditsTheNote();
-    void trayMenuIsTheDashboard();
+    void noteWindowAndTrayMenu();
     void keysOnly();
     void menuKeysAndClosingKeys();
 };
@@ -212,37 +211,9 @@ void NoteWindowAppTest::initTestCase()
         QSKIP("Needs an X server: run through tests/x-session.sh");
 }
 
-void NoteWindowAppTest::noteWindowEditsTheNote()
-{
-    Session session;
-    session.writeLibrary({QStringLiteral("Plan the **release** notes"), QStringLiteral("second")});
-    QProcess *vesko = session.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), Test::patience);
-    const QString panel = panelWindow(vesko->processId());
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), panel, Test::patience);
-
-    // The row's menu: Copy, Copy as List, Mark as Done, Edit, Edit in New Window.
-    chooseFromMenu(vesko->processId(), firstRow, 5);
-    const QString title = QStringLiteral("Plan the release notes");
-    QTRY_COMPARE_WITH_TIMEOUT(windowsNamed(title).size(), 1, Test::patience);
-    const QString window = windowsNamed(title).first();
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, Test::patience);
-    QCOMPARE(windowFrame(window).size(), QSize(460, 380));
-
-    const QByteArray panelBefore = grab(panelFrame);
-    type(QStringLiteral(" for Friday"));
-    // The panel's row shows the new words as they are typed.
-    QTRY_VERIFY_WITH_TIMEOUT(grab(panelFrame) != panelBefore, Test::patience);
-    // The file follows after the save delay.
-    QTRY_COMPARE_WITH_TIMEOUT(session.notes().value(0).text,
-        QStringLiteral("Plan the **release** notes for Friday"), Test::patience);
-    QCOMPARE(session.notes().value(1).text, QStringLiteral("second"));
-
-    vesko->terminate();
-    QVERIFY(vesko->waitForFinished(Test::patience));
-}
-
-void NoteWindowAppTest::trayMenuIsTheDashboard()
+//! A note window opened from a row's menu edits the note; the tray's menu
+//! ticks a note off and hides and shows the panel.
+void NoteWindowAppTest::noteWindowAndTrayMenu()
 {
     Session session;
     // trayer takes the icons of the session's applications, as a panel's tray does.
@@ -255,23 +226,37 @@ void NoteWindowAppTest::trayMenuIsTheDashboard()
                                           QStringLiteral("--class"), QStringLiteral("trayer")})
                                   .isEmpty(),
         Test::patience);
-
-    session.writeLibrary({QStringLiteral("note 1"), QStringLiteral("note 2")});
+    session.writeLibrary({QStringLiteral("Plan the **release** notes"), QStringLiteral("second")});
     QProcess *vesko = session.start();
     QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), Test::patience);
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panelWindow(vesko->processId()), Test::patience);
+
+    // The row's menu: Copy, Copy as List, Mark as Done, Edit, Edit in New Window.
+    chooseFromMenu(vesko->processId(), firstRow, 5);
+    const QString title = QStringLiteral("Plan the release notes");
+    QTRY_COMPARE_WITH_TIMEOUT(windowsNamed(title).size(), 1, Test::patience);
+    const QString window = windowsNamed(title).first();
+    QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), window, Test::patience);
+    QCOMPARE(windowFrame(window).size(), QSize(460, 380));
+    const QByteArray panelBefore = grab(panelFrame);
+    type(QStringLiteral(" for Friday"));
+    // The panel's row shows the new words as they are typed.
+    QTRY_VERIFY_WITH_TIMEOUT(grab(panelFrame) != panelBefore, Test::patience);
+    // The file follows after the save delay.
+    QTRY_COMPARE_WITH_TIMEOUT(session.notes().value(0).text,
+        QStringLiteral("Plan the **release** notes for Friday"), Test::patience);
+    QCOMPARE(session.notes().value(1).text, QStringLiteral("second"));
+
     auto isIcon = [](const QRect &frame) { return frame.width() <= 48 && frame.height() <= 48; };
     QTRY_VERIFY_WITH_TIMEOUT(!windowWhere(vesko->processId(), isIcon).isEmpty(), Test::patience);
     const QRect icon = windowFrame(windowWhere(vesko->processId(), isIcon));
-
     const auto chooseEntry
         = [&](int downs) { chooseFromMenu(vesko->processId(), icon.center(), downs); };
-
     // Hide or Show, Capture Selection, Add a Note, then the open notes: the
     // fourth entry is the first note, and choosing it ticks it off.
     chooseEntry(4);
     QTRY_VERIFY_WITH_TIMEOUT(session.notes().value(0).isDone, Test::patience);
     QCOMPARE(session.notes().value(1).isDone, false);
-
     // The first entry hides the panel it names, and then shows it again.
     chooseEntry(1);
     QTRY_VERIFY_WITH_TIMEOUT(panelWindow(vesko->processId()).isEmpty(), Test::patience);
