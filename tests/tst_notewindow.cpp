@@ -71,8 +71,6 @@ private Q_SLOTS:
     void titles();
     void oneWindowPerNote();
     void typingReachesTheStoreAtEveryKey();
-    void clearingTheText_data();
-    void clearingTheText();
     void deletedNoteLeavesAHarmlessWindow();
     void previewRendersInlineMarkdown();
     void barButtonsAct();
@@ -219,39 +217,8 @@ void NoteWindowTest::typingReachesTheStoreAtEveryKey()
     QCOMPARE(noteText(store, QStringLiteral("a")), QStringLiteral("and more"));
 }
 
-void NoteWindowTest::clearingTheText_data()
-{
-    QTest::addColumn<bool>("hasAttachment");
-    QTest::addColumn<QString>("remains");
-
-    QTest::newRow("a note without attachments is deleted") << false << "(gone)";
-    QTest::newRow("a note with an attachment stays, empty") << true << "";
-}
-
-void NoteWindowTest::clearingTheText()
-{
-    QFETCH(bool, hasAttachment);
-    QFETCH(QString, remains);
-
-    Library library;
-    library.projects.append(Test::describedProject(QStringLiteral("*Inbox:a,b")));
-    library.activeProjectID = library.projects.first().id;
-    if (hasAttachment)
-        library.projects[0].sections[0].notes[0].attachments.append(
-            attachmentRecord(QStringLiteral("plan.pdf")));
-    Store &store = m_fixture->make(library);
-    store.updateNote(idFor(QStringLiteral("a")), QStringLiteral("two words"));
-
-    NoteWindow *window = openNote(QStringLiteral("a"));
-    QPlainTextEdit *editor = window->editor()->editor();
-    editor->selectAll();
-    QTest::keyClick(editor, Qt::Key_Backspace);
-    QCOMPARE(editor->toPlainText(), QString());
-    QCOMPARE(noteText(store, QStringLiteral("a")), remains);
-    QCOMPARE(noteText(store, QStringLiteral("b")), QStringLiteral("b"));
-    QVERIFY(m_manager->window(idFor(QStringLiteral("a"))));
-}
-
+//! A deleted note's window stays harmless and edits the note again after an
+//! undo; clearing the text deletes a note only when it has no attachments.
 void NoteWindowTest::deletedNoteLeavesAHarmlessWindow()
 {
     Library library;
@@ -290,6 +257,17 @@ void NoteWindowTest::deletedNoteLeavesAHarmlessWindow()
     QVERIFY(view->doneButton()->isEnabled());
     QTest::keyClick(view->editor(), u'!');
     QCOMPARE(noteText(store, QStringLiteral("a")), QStringLiteral("kept on screen and typed!"));
+
+    // Cleared, a note with attachments stays, empty; one without goes.
+    view->editor()->selectAll();
+    QTest::keyClick(view->editor(), Qt::Key_Backspace);
+    QCOMPARE(noteText(store, QStringLiteral("a")), QString());
+    QPlainTextEdit *other = openNote(QStringLiteral("b"))->editor()->editor();
+    other->selectAll();
+    QTest::keyClick(other, Qt::Key_Backspace);
+    QCOMPARE(other->toPlainText(), QString());
+    QCOMPARE(noteText(store, QStringLiteral("b")), QStringLiteral("(gone)"));
+    QVERIFY(m_manager->window(idFor(QStringLiteral("b"))));
 }
 
 void NoteWindowTest::previewRendersInlineMarkdown()

@@ -141,12 +141,6 @@ QStringList windowsNamed(const QString &title)
     return found.isEmpty() ? QStringList() : found.split(u'\n');
 }
 
-void pressKeys(const QString &key, int times)
-{
-    for (int i = 0; i < times; ++i)
-        xdotool({QStringLiteral("key"), key});
-}
-
 //! Presses \a names (xdotool keys) one after another and lets the panel answer.
 void keys(const QStringList &names, int settleMilliseconds = 150)
 {
@@ -176,8 +170,7 @@ void chooseFromMenu(qint64 pid, const QPoint &at, int downs)
         (void)QTest::qWaitFor([&] { return !(menu = newWindow(pid, before)).isEmpty(); }, 4000);
     }
     QVERIFY(!menu.isEmpty());
-    pressKeys(QStringLiteral("Down"), downs);
-    xdotool({QStringLiteral("key"), QStringLiteral("Return")});
+    keys(QStringList(downs, QStringLiteral("Down")) << QStringLiteral("Return"));
     QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(pid).contains(menu), Test::patience);
 }
 
@@ -340,7 +333,7 @@ void NoteWindowAppTest::menuKeysAndClosingKeys()
     QTRY_VERIFY_WITH_TIMEOUT(!panelWindow(vesko->processId()).isEmpty(), Test::patience);
     const QString panel = panelWindow(vesko->processId());
     QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), panel, Test::patience);
-    pressKeys(QStringLiteral("Escape"), 1);
+    keys({"Escape"});
 
     // Copy, Copy as List, then "Mark as Done": the third entry of a row's menu.
     const struct
@@ -349,38 +342,34 @@ void NoteWindowAppTest::menuKeysAndClosingKeys()
         int row;
     } presses[] = {{"Menu", 0}, {"shift+F10", 1}};
     for (const auto &press : presses) {
-        pressKeys(QStringLiteral("Home"), 1);
-        pressKeys(QStringLiteral("Down"), press.row);
-        QTest::qWait(200);
+        keys(QStringList {QStringLiteral("Home")} + QStringList(press.row, QStringLiteral("Down")),
+            350);
         const QString menu = keyOpensWindow(vesko->processId(), QString::fromLatin1(press.key));
         QVERIFY2(!menu.isEmpty(), press.key);
-        pressKeys(QStringLiteral("Down"), 3);
-        pressKeys(QStringLiteral("Return"), 1);
+        keys({"Down", "Down", "Down", "Return"});
         QTRY_VERIFY_WITH_TIMEOUT(
             !visibleWindows(vesko->processId()).contains(menu), Test::patience);
         QTRY_VERIFY2_WITH_TIMEOUT(
             session.notes().value(press.row).isDone, press.key, Test::patience);
     }
     // In the composer, Shift+F10 opens the text's own menu, as the Menu key does.
-    pressKeys(QStringLiteral("ctrl+n"), 1);
-    QTest::qWait(200);
+    keys({"ctrl+n"}, 350);
     const QString textMenu = keyOpensWindow(vesko->processId(), QStringLiteral("shift+F10"));
     QVERIFY(!textMenu.isEmpty());
-    pressKeys(QStringLiteral("Escape"), 1);
+    keys({"Escape"});
     QTRY_VERIFY_WITH_TIMEOUT(
         !visibleWindows(vesko->processId()).contains(textMenu), Test::patience);
     // Escape in the empty composer hands the keyboard to the list.
-    pressKeys(QStringLiteral("Escape"), 1);
-    pressKeys(QStringLiteral("Home"), 1);
+    keys({"Escape", "Home"});
 
     // A note window closes with Ctrl+W, and with Escape; the panel stays.
     for (const char *close : {"ctrl+w", "Escape"}) {
         QVERIFY(activate(panel));
-        pressKeys(QStringLiteral("ctrl+Return"), 1);
+        keys({"ctrl+Return"});
         QTRY_COMPARE_WITH_TIMEOUT(windowsNamed(QStringLiteral("alpha")).size(), 1, Test::patience);
         const QString window = windowsNamed(QStringLiteral("alpha")).first();
         QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), window, Test::patience);
-        pressKeys(QString::fromLatin1(close), 1);
+        keys({QString::fromLatin1(close)});
         QTRY_VERIFY2_WITH_TIMEOUT(
             windowsNamed(QStringLiteral("alpha")).isEmpty(), close, Test::patience);
         QTest::qWait(300);
@@ -392,20 +381,18 @@ void NoteWindowAppTest::menuKeysAndClosingKeys()
     const QString settingsTitle = QStringLiteral("Vesko Settings");
     for (const char *close : {"alt+F4", "Escape", "ctrl+w"}) {
         QVERIFY(activate(panel));
-        pressKeys(QStringLiteral("ctrl+comma"), 1);
+        keys({"ctrl+comma"});
         QTRY_VERIFY2_WITH_TIMEOUT(windowsNamed(settingsTitle).size() == 1, close, Test::patience);
         const QString settings = windowsNamed(settingsTitle).first();
         QTRY_COMPARE_WITH_TIMEOUT(activeWindow(), settings, Test::patience);
-        pressKeys(QString::fromLatin1(close), 1);
+        keys({QString::fromLatin1(close)});
         QTRY_VERIFY2_WITH_TIMEOUT(windowsNamed(settingsTitle).isEmpty(), close, Test::patience);
     }
 
     // An edit in place left open while another window has the keyboard ends,
     // saved, when starting vesko again brings the panel forward.
     QVERIFY(activate(panel));
-    pressKeys(QStringLiteral("Home"), 1);
-    pressKeys(QStringLiteral("Return"), 1);
-    QTest::qWait(300);
+    keys({"Home", "Return"}, 450);
     type(QStringLiteral(" charlie"));
     QProcess *other = session.start(QStringLiteral(COPY_TARGET_PATH), {QStringLiteral("x")});
     QTRY_COMPARE_WITH_TIMEOUT(
@@ -419,7 +406,7 @@ void NoteWindowAppTest::menuKeysAndClosingKeys()
     other->terminate();
 
     // Ctrl+Q in the panel quits, as its menu entry says.
-    pressKeys(QStringLiteral("ctrl+q"), 1);
+    keys({"ctrl+q"});
     QVERIFY(vesko->waitForFinished(Test::patience));
     QCOMPARE(vesko->exitStatus(), QProcess::NormalExit);
     QCOMPARE(vesko->exitCode(), 0);

@@ -51,11 +51,11 @@ void type(const QString &text)
     xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("10"), text});
 }
 
-void click(const QPoint &point, int button = 1)
+void click(const QPoint &point)
 {
     xdotool({QStringLiteral("mousemove"), QString::number(point.x()), QString::number(point.y())});
     QTest::qWait(100);
-    xdotool({QStringLiteral("click"), QString::number(button)});
+    xdotool({QStringLiteral("click"), QStringLiteral("1")});
 }
 
 //! Whether the text field named \a name is on screen and has the keyboard.

@@ -70,8 +70,7 @@ private Q_SLOTS:
     void keysInContext();
     void textFilter_data();
     void textFilter();
-    void escapeLadder();
-    void copyWithoutSelectionCopiesWhatTheSearchShows();
+    void searchThenEscapeLadder();
     void ignoredResults();
     void undoTypingFirstThenTheLibrary_data();
     void undoTypingFirstThenTheLibrary();
@@ -438,25 +437,30 @@ void PanelKeysTest::textFilter()
         PanelKeyHandler::passesTextFilter(key, Qt::KeyboardModifiers::fromInt(modifiers)), passes);
 }
 
-void PanelKeysTest::escapeLadder()
+//! With a search up: the copy keys without a selection copy what the search
+//! shows; then Escape, step by step, down to hiding the panel.
+void PanelKeysTest::searchThenEscapeLadder()
 {
-    showRoot({"*Inbox:a,b,c"});
+    showRoot({"*Inbox:a,b,c|Work:d"});
     Store &store = m_fixture->store();
     QSignalSpy hides(m_root.get(), &PanelRootView::hideRequested);
     store.setSearchText("c");
-    QTRY_COMPARE_WITH_TIMEOUT(namesOf([&] {
-        QList<QUuid> ids;
-        for (const Note &note : store.visibleNotes())
-            ids.append(note.id);
-        return ids;
-    }()),
-        QStringLiteral("c"), Test::patience);
+    QTRY_COMPARE_WITH_TIMEOUT(store.visibleNotes().size(), qsizetype(1), Test::patience);
+    store.setSelection({}, std::nullopt);
+    m_root->setFocusTarget(PanelFocusTarget::List);
+    QGuiApplication::clipboard()->setText("before");
+    press(Qt::Key_C, ctrl);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("c"));
+    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Copied"));
+    press(Qt::Key_C, ctrl | shift);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. c"));
+    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Copied as List"));
+
     store.setSelection({idFor("c")}, idFor("c"));
     m_state->setShowing(PanelLayer::NewSection, true);
     m_state->setPendingMoveIDs({idFor("c")});
     m_root->setFocusTarget(PanelFocusTarget::List);
     QCoreApplication::processEvents();
-
     // The prompt's own Escape, then the ladder on the list.
     press(Qt::Key_Escape, 0);
     QCOMPARE(m_state->frontLayer(), PanelLayer::None);
@@ -475,25 +479,6 @@ void PanelKeysTest::escapeLadder()
 
     press(Qt::Key_Escape, 0);
     QCOMPARE(hides.size(), qsizetype(1));
-}
-
-void PanelKeysTest::copyWithoutSelectionCopiesWhatTheSearchShows()
-{
-    showRoot({"*Inbox:a,b,c|Work:d"});
-    Store &store = m_fixture->store();
-    store.setSearchText("c");
-    QTRY_COMPARE_WITH_TIMEOUT(store.visibleNotes().size(), qsizetype(1), Test::patience);
-    store.setSelection({}, std::nullopt);
-    m_root->setFocusTarget(PanelFocusTarget::List);
-
-    QGuiApplication::clipboard()->setText("before");
-    press(Qt::Key_C, ctrl);
-    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("c"));
-    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Copied"));
-
-    press(Qt::Key_C, ctrl | shift);
-    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. c"));
-    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Copied as List"));
 }
 
 void PanelKeysTest::ignoredResults()

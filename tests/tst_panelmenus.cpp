@@ -436,22 +436,15 @@ void PanelMenusTest::overflowMenuEntries()
     Store &store = m_fixture->make({QStringLiteral("Inbox:a|*Work:b")});
     QMenu menu;
     fillOverflowMenu(menu, store, *m_state, m_fixture->preferences());
-    QCOMPARE(describeMenu(menu),
+    // Checked: the active project and section, and the view toggles a new user has on.
+    QCOMPARE(describeMenu(menu, true),
         QStringLiteral(
-            "#Project|P|New Project…|Rename Project…|Delete Project~"
-            "|#Active Section|Inbox|Work|Switch Section…"
+            "#Project|P*|New Project…|Rename Project…|Delete Project~"
+            "|#Active Section|Inbox|Work*|Switch Section…"
             "|-|New Section…|Collapse All Sections|Expand All Sections"
-            "|#View|Show Completed|Completed at Bottom|Newest First"
+            "|#View|Show Completed*|Completed at Bottom|Newest First"
             "|-|Copy All as List|Clear Completed|Export as Markdown…|Show Notes File in Files"
             "|-|Reset Window Position|Reset Window Size|Keyboard Shortcuts…|Settings…|Quit Vesko"));
-    QVERIFY(menuEntry(menu, QStringLiteral("P"))->isChecked());
-    QVERIFY(!menuEntry(menu, QStringLiteral("Inbox"))->isChecked());
-    QVERIFY(menuEntry(menu, QStringLiteral("Work"))->isChecked());
-    // The view toggles show the preferences as they stand (defaults of a new user).
-    QCOMPARE(menuEntry(menu, QStringLiteral("Show Completed"))->isChecked(),
-        m_fixture->preferences().showCompleted());
-    QCOMPARE(menuEntry(menu, QStringLiteral("Newest First"))->isChecked(),
-        m_fixture->preferences().newestFirst());
 
     // With two projects, the active one can go.
     Store &two = m_fixture->make({QStringLiteral("*Inbox:a"), QStringLiteral("Inbox:b")});
