@@ -407,7 +407,7 @@ void NoteWindowAppTest::menuKeysAndClosingKeys()
 
     // Ctrl+Q in the panel quits, as its menu entry says.
     keys({"ctrl+q"});
-    QVERIFY(vesko->waitForFinished(Test::patience));
+    QTRY_COMPARE_WITH_TIMEOUT(vesko->state(), QProcess::NotRunning, Test::patience);
     QCOMPARE(vesko->exitStatus(), QProcess::NormalExit);
     QCOMPARE(vesko->exitCode(), 0);
 }

@@ -509,15 +509,6 @@ void PanelKeysTest::ignoredResults()
     QCOMPARE(keys.perform(Shortcut::toggleExpanded), Result::Handled);
     QCOMPARE(store.activeSection().title, QStringLiteral("Inbox"));
     QVERIFY(!m_state->sectionJumpRequest());
-
-    // With a note selected, the window opens on it.
-    QUuid opened;
-    PanelCommands::Hooks hooks;
-    hooks.openNoteWindow = [&opened](const QUuid &id) { opened = id; };
-    PanelCommands::shared().setHooks(hooks);
-    store.setSelection({idFor("c")}, idFor("c"));
-    QCOMPARE(keys.perform(Shortcut::openInNewWindow), Result::Handled);
-    QCOMPARE(opened, idFor("c"));
 }
 
 void PanelKeysTest::undoTypingFirstThenTheLibrary_data()
