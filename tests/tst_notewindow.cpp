@@ -46,17 +46,6 @@ QString noteText(const Store &store, const QString &letter)
     return note ? note->text : QStringLiteral("(gone)");
 }
 
-//! A record of a file attached to a note; its file need not exist.
-NoteAttachment attachmentRecord(const QString &name)
-{
-    NoteAttachment file;
-    file.id = idFor(name);
-    file.fileName = name;
-    file.storedFileName = file.id.toString(QUuid::WithoutBraces).toUpper() + u'/' + name;
-    file.createdAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
-    return file;
-}
-
 } // namespace
 
 class NoteWindowTest : public QObject
@@ -224,8 +213,9 @@ void NoteWindowTest::deletedNoteLeavesAHarmlessWindow()
     Library library;
     library.projects.append(Test::describedProject(QStringLiteral("*Inbox:a,b")));
     library.activeProjectID = library.projects.first().id;
-    library.projects[0].sections[0].notes[0].attachments = {
-        attachmentRecord(QStringLiteral("plan.pdf")), attachmentRecord(QStringLiteral("map.png"))};
+    // Records of files that need not exist.
+    library.projects[0].sections[0].notes[0].attachments
+        = Test::noteWith(QString(), {"plan.pdf", "map.png"}).attachments;
     Store &store = m_fixture->make(library);
     store.updateNote(idFor(QStringLiteral("a")), QStringLiteral("kept on screen"));
     NoteWindow *window = openNote(QStringLiteral("a"));

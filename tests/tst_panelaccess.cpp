@@ -217,6 +217,10 @@ void PanelAccessTest::throughTheScreenReader()
             return milk && bluishPixels(milk->extents) > bluishBefore + 40;
         }(),
         Test::patience);
+    // A word nobody wrote: the empty state says so.
+    type(QStringLiteral("zzz"));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        tree().find(QStringLiteral("label"), QStringLiteral("No matches")), Test::patience);
     // Escape clears the search; the rows come back.
     key(QStringLiteral("Escape"));
     QTRY_VERIFY_WITH_TIMEOUT(

@@ -5,6 +5,7 @@
 // it changed; the text field's filter, the Escape ladder, undo, and an edit
 // in place saved when the panel comes forward or hides.
 
+#include "MenuText.h"
 #include "PanelTestRig.h"
 #include "WidgetTestMain.h"
 
@@ -339,11 +340,7 @@ void PanelKeysTest::keysInContext()
             qobject_cast<QMenu *>(QApplication::activePopupWidget()), Test::patience);
         auto *menu = static_cast<QMenu *>(QApplication::activePopupWidget());
         const QString entry = value.section(u':', 0, 0);
-        QAction *chosen = nullptr;
-        for (QAction *action : menu->actions()) {
-            if (action->text() == entry)
-                chosen = action;
-        }
+        QAction *chosen = Test::menuEntry(*menu, entry);
         QVERIFY2(chosen, qPrintable(entry));
         chosen->trigger();
         menu->close();
