@@ -478,7 +478,8 @@ void PanelAccessTest::inGerman()
     QVERIFY(more);
     click(more->center());
     AccessibleTree overflow;
-    QTRY_VERIFY_WITH_TIMEOUT(!(overflow = AccessibleTree::popup(application)).isEmpty(), Test::patience);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !(overflow = AccessibleTree::popup(application)).isEmpty(), Test::patience);
     QCOMPARE(menuEntries(overflow),
         (QStringList {"#Projekt", "Notes", "Neues Projekt …", "Projekt umbenennen …",
             "Projekt löschen~", "#Aktiver Abschnitt", "Inbox", "Abschnitt wechseln …", "-",

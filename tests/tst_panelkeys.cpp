@@ -140,8 +140,8 @@ bool PanelKeysTest::enter(const QString &context)
         // The panel keeps the keyboard while the application believes no
         // window is active, as after the input focus was moved behind the
         // window manager's back.
-        m_root->setFocusTarget(context.startsWith("list") ? PanelFocusTarget::List
-                                                          : PanelFocusTarget::Composer);
+        m_root->setFocusTarget(
+            context.startsWith("list") ? PanelFocusTarget::List : PanelFocusTarget::Composer);
         QCoreApplication::processEvents();
         QApplication::setActiveWindow(nullptr);
     } else if (context == "search") {
@@ -168,8 +168,7 @@ bool PanelKeysTest::enter(const QString &context)
 void PanelKeysTest::press(int key, int modifiers)
 {
     // Where the window system delivers a press: the window's focus widget.
-    QTest::keyClick(
-        m_root->focusWidget(), Qt::Key(key), Qt::KeyboardModifiers::fromInt(modifiers));
+    QTest::keyClick(m_root->focusWidget(), Qt::Key(key), Qt::KeyboardModifiers::fromInt(modifiers));
 }
 
 void PanelKeysTest::keysInContext_data()

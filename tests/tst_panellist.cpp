@@ -278,7 +278,7 @@ void PanelListTest::clicks()
         // The link's words are the first of the text.
         const QPoint at = onLink
             ? QPoint(NoteRowView::cardPaddingH + DoneControl::diameter + NoteRowView::spacing + 6,
-                  NoteRowView::rowPadding + NoteRowView::cardPaddingV + 6)
+                NoteRowView::rowPadding + NoteRowView::cardPaddingV + 6)
             : inText(row);
         QTest::mouseClick(row, Qt::LeftButton, modifiers, at);
     }
@@ -503,9 +503,8 @@ void PanelListTest::rowsShowTheirNotes()
     notes[4].source = NoteSource {QStringLiteral("Terminal"), std::nullopt, std::nullopt};
     PanelTestRig rig(library);
     ListWindow w(rig);
-    const auto accessible = [](QObject *object) {
-        return QAccessible::queryAccessibleInterface(object);
-    };
+    const auto accessible
+        = [](QObject *object) { return QAccessible::queryAccessibleInterface(object); };
 
     QAccessibleInterface *row = accessible(w.note(QStringLiteral("a")));
     QCOMPARE(row->role(), QAccessible::ListItem);
@@ -514,8 +513,8 @@ void PanelListTest::rowsShowTheirNotes()
     QAccessibleInterface *done = accessible(w.note(QStringLiteral("a"))->doneControl());
     QCOMPARE(done->text(QAccessible::Name), QStringLiteral("Mark as done"));
     QCOMPARE(done->role(), QAccessible::Button);
-    QCOMPARE(accessible(w.note(QStringLiteral("b")))->text(QAccessible::Value),
-        QStringLiteral("Done"));
+    QCOMPARE(
+        accessible(w.note(QStringLiteral("b")))->text(QAccessible::Value), QStringLiteral("Done"));
     QCOMPARE(accessible(w.note(QStringLiteral("b"))->doneControl())->text(QAccessible::Name),
         QStringLiteral("Mark as not done"));
     // Pressing the control through the accessibility action marks the note.

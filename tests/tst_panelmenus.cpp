@@ -798,7 +798,8 @@ void PanelMenusTest::usersWordsShowAsTyped()
 
 void PanelMenusTest::trayNoteEntriesAct()
 {
-    Store &store = m_fixture->make({QStringLiteral("Inbox:a,B|*Work:c"), QStringLiteral("Inbox:x")});
+    Store &store
+        = m_fixture->make({QStringLiteral("Inbox:a,B|*Work:c"), QStringLiteral("Inbox:x")});
     store.updateNote(idFor(QStringLiteral("c")), QStringLiteral("two\nlines"));
     m_fixture->preferences().setListStyle(ListStyle::Numbered);
     QMenu filled;
@@ -818,7 +819,8 @@ void PanelMenusTest::trayNoteEntriesAct()
     QVERIFY(!store.note(idFor(QStringLiteral("c")))->isDone);
     store.addNote(QStringLiteral("new"));
     rebuild(filled);
-    QVERIFY(describeMenu(filled, true).contains(QStringLiteral("|-|two lines|new|Copy All as List|")));
+    QVERIFY(
+        describeMenu(filled, true).contains(QStringLiteral("|-|two lines|new|Copy All as List|")));
 }
 
 void PanelMenusTest::traySectionAndProjectChoices()
@@ -847,8 +849,8 @@ void PanelMenusTest::traySectionAndProjectChoices()
     QCOMPARE(m_calls, QStringList(4, QStringLiteral("show")));
 
     rebuild(filled);
-    QVERIFY(
-        describeMenu(filled, true).contains(QStringLiteral("No notes in R~|-|Section: Trip>|Project>")));
+    QVERIFY(describeMenu(filled, true)
+                .contains(QStringLiteral("No notes in R~|-|Section: Trip>|Project>")));
 }
 
 void PanelMenusTest::toolTipCountsOpenNotes_data()

@@ -293,10 +293,10 @@ void PanelRootTest::newSectionPromptWithPendingNotes_data()
     QTest::addColumn<QStringList>("sections");
     QTest::addColumn<QStringList>("inbox");
 
-    QTest::newRow("Return moves them") << true << QStringList {"Inbox", "Work", "Ideas"}
-                                       << QStringList {"b"};
-    QTest::newRow("the dim cancels") << false << QStringList {"Inbox", "Work"}
-                                     << QStringList {"a", "b"};
+    QTest::newRow("Return moves them")
+        << true << QStringList {"Inbox", "Work", "Ideas"} << QStringList {"b"};
+    QTest::newRow("the dim cancels")
+        << false << QStringList {"Inbox", "Work"} << QStringList {"a", "b"};
 }
 
 void PanelRootTest::newSectionPromptWithPendingNotes()
@@ -318,7 +318,8 @@ void PanelRootTest::newSectionPromptWithPendingNotes()
     QVERIFY(m_state->pendingMoveIDs().isEmpty());
     QCOMPARE(sectionTitles(store), sections);
     QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), inbox);
-    QCOMPARE(notesOfSection(store, QStringLiteral("Work")), commit ? QStringList() : QStringList {"c"});
+    QCOMPARE(
+        notesOfSection(store, QStringLiteral("Work")), commit ? QStringList() : QStringList {"c"});
     if (!commit)
         return;
     // In the order the panel showed them, in the section now active, which the composer names.
@@ -549,8 +550,8 @@ void PanelRootTest::pendingFiles()
     QApplication::sendEvent(root.composer(), &drop);
     QVERIFY(drop.isAccepted());
     QCOMPARE(root.composer()->pendingURLs(), (QList<QUrl> {chosen, dropped}));
-    QCOMPARE(root.composer()->pendingStrip()->chipNames(),
-        (QStringList {"chosen.pdf", "dropped.png"}));
+    QCOMPARE(
+        root.composer()->pendingStrip()->chipNames(), (QStringList {"chosen.pdf", "dropped.png"}));
     QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
     root.composer()->addPendingURLs({dropped, chosen});
     QCOMPARE(root.composer()->pendingURLs(), (QList<QUrl> {chosen, dropped}));
@@ -922,8 +923,7 @@ void PanelRootTest::titlesLineUp()
             continue;
         const QRect row = list->visualItemRect(list->item(i));
         const qreal scale = image.devicePixelRatio();
-        lefts.append(textLeft(image,
-            QRect(row.topLeft() * scale, row.size() * scale)));
+        lefts.append(textLeft(image, QRect(row.topLeft() * scale, row.size() * scale)));
     }
     // Every title starts where the others do, the active one's too.
     QVERIFY2(lefts.first() > 0, qPrintable(QString::number(lefts.first())));
