@@ -16,8 +16,8 @@
 #include "panel/notewindow/NoteEditorView.h"
 #include "panel/notewindow/NoteWindow.h"
 #include "panel/notewindow/NoteWindowManager.h"
-#include "platform/SettingsFile.h"
 #include "panel/window/PanelCommands.h"
+#include "platform/SettingsFile.h"
 #include "shell/Theme.h"
 #include "shell/Toast.h"
 #include "store/NoteTitle.h"
@@ -46,17 +46,6 @@ QString noteText(const Store &store, const QString &letter)
     return note ? note->text : QStringLiteral("(gone)");
 }
 
-//! A record of a file attached to a note; its file need not exist.
-NoteAttachment attachmentRecord(const QString &name)
-{
-    NoteAttachment file;
-    file.id = idFor(name);
-    file.fileName = name;
-    file.storedFileName = file.id.toString(QUuid::WithoutBraces).toUpper() + u'/' + name;
-    file.createdAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
-    return file;
-}
-
 } // namespace
 
 class NoteWindowTest : public QObject
@@ -69,18 +58,14 @@ private Q_SLOTS:
 
     void titles_data();
     void titles();
-    void windowTitleIsFixedAtOpening();
     void oneWindowPerNote();
     void typingReachesTheStoreAtEveryKey();
-    void clearingTheText_data();
-    void clearingTheText();
     void deletedNoteLeavesAHarmlessWindow();
     void previewRendersInlineMarkdown();
     void barButtonsAct();
     void addAttachment_data();
     void addAttachment();
     void frameIsRememberedAcrossOpeningsAndRestarts();
-    void appearanceFollowed_data();
     void appearanceFollowed();
 
 private:
@@ -149,29 +134,23 @@ void NoteWindowTest::titles()
     QCOMPARE(noteWindowTitle(text), title);
 }
 
-void NoteWindowTest::windowTitleIsFixedAtOpening()
-{
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
-    store.updateNote(
-        idFor(QStringLiteral("a")), QStringLiteral("**Call** Anna\nabout [*] the trip"));
-    NoteWindow *window = openNote(QStringLiteral("a"));
-    QVERIFY(window);
-    // "[*]" is doubled so that Qt shows it as typed rather than as a modified mark.
-    QCOMPARE(window->windowTitle(), QStringLiteral("Call Anna about [*][*] the trip"));
-    QTest::keyClicks(window->editor()->editor(), QStringLiteral(" soon"));
-    QCOMPARE(noteText(store, QStringLiteral("a")),
-        QStringLiteral("**Call** Anna\nabout [*] the trip soon"));
-    QCOMPARE(window->windowTitle(), QStringLiteral("Call Anna about [*][*] the trip"));
-}
-
 void NoteWindowTest::oneWindowPerNote()
 {
-    m_fixture->make({QStringLiteral("*Inbox:a,b")});
+    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
+    store.updateNote(
+        idFor(QStringLiteral("a")), QStringLiteral("**Call** Anna\nabout [*] the trip"));
     NoteWindow *first = openNote(QStringLiteral("a"));
     QVERIFY(first);
     QVERIFY(QTest::qWaitForWindowExposed(first));
     QCOMPARE(
         first->objectName(), idFor(QStringLiteral("a")).toString(QUuid::WithoutBraces).toUpper());
+    // The title is the note's at opening; "[*]" is doubled so that Qt shows it
+    // as typed rather than as a modified mark.
+    QCOMPARE(first->windowTitle(), QStringLiteral("Call Anna about [*][*] the trip"));
+    QTest::keyClicks(first->editor()->editor(), QStringLiteral(" soon"));
+    QCOMPARE(noteText(store, QStringLiteral("a")),
+        QStringLiteral("**Call** Anna\nabout [*] the trip soon"));
+    QCOMPARE(first->windowTitle(), QStringLiteral("Call Anna about [*][*] the trip"));
 
     NoteWindow *other = openNote(QStringLiteral("b"));
     QVERIFY(other && other != first);
@@ -227,46 +206,16 @@ void NoteWindowTest::typingReachesTheStoreAtEveryKey()
     QCOMPARE(noteText(store, QStringLiteral("a")), QStringLiteral("and more"));
 }
 
-void NoteWindowTest::clearingTheText_data()
-{
-    QTest::addColumn<bool>("hasAttachment");
-    QTest::addColumn<QString>("remains");
-
-    QTest::newRow("a note without attachments is deleted") << false << "(gone)";
-    QTest::newRow("a note with an attachment stays, empty") << true << "";
-}
-
-void NoteWindowTest::clearingTheText()
-{
-    QFETCH(bool, hasAttachment);
-    QFETCH(QString, remains);
-
-    Library library;
-    library.projects.append(Test::describedProject(QStringLiteral("*Inbox:a,b")));
-    library.activeProjectID = library.projects.first().id;
-    if (hasAttachment)
-        library.projects[0].sections[0].notes[0].attachments.append(
-            attachmentRecord(QStringLiteral("plan.pdf")));
-    Store &store = m_fixture->make(library);
-    store.updateNote(idFor(QStringLiteral("a")), QStringLiteral("two words"));
-
-    NoteWindow *window = openNote(QStringLiteral("a"));
-    QPlainTextEdit *editor = window->editor()->editor();
-    editor->selectAll();
-    QTest::keyClick(editor, Qt::Key_Backspace);
-    QCOMPARE(editor->toPlainText(), QString());
-    QCOMPARE(noteText(store, QStringLiteral("a")), remains);
-    QCOMPARE(noteText(store, QStringLiteral("b")), QStringLiteral("b"));
-    QVERIFY(m_manager->window(idFor(QStringLiteral("a"))));
-}
-
+//! A deleted note's window stays harmless and edits the note again after an
+//! undo; clearing the text deletes a note only when it has no attachments.
 void NoteWindowTest::deletedNoteLeavesAHarmlessWindow()
 {
     Library library;
     library.projects.append(Test::describedProject(QStringLiteral("*Inbox:a,b")));
     library.activeProjectID = library.projects.first().id;
-    library.projects[0].sections[0].notes[0].attachments = {
-        attachmentRecord(QStringLiteral("plan.pdf")), attachmentRecord(QStringLiteral("map.png"))};
+    // Records of files that need not exist.
+    library.projects[0].sections[0].notes[0].attachments
+        = Test::noteWith(QString(), {"plan.pdf", "map.png"}).attachments;
     Store &store = m_fixture->make(library);
     store.updateNote(idFor(QStringLiteral("a")), QStringLiteral("kept on screen"));
     NoteWindow *window = openNote(QStringLiteral("a"));
@@ -298,6 +247,17 @@ void NoteWindowTest::deletedNoteLeavesAHarmlessWindow()
     QVERIFY(view->doneButton()->isEnabled());
     QTest::keyClick(view->editor(), u'!');
     QCOMPARE(noteText(store, QStringLiteral("a")), QStringLiteral("kept on screen and typed!"));
+
+    // Cleared, a note with attachments stays, empty; one without goes.
+    view->editor()->selectAll();
+    QTest::keyClick(view->editor(), Qt::Key_Backspace);
+    QCOMPARE(noteText(store, QStringLiteral("a")), QString());
+    QPlainTextEdit *other = openNote(QStringLiteral("b"))->editor()->editor();
+    other->selectAll();
+    QTest::keyClick(other, Qt::Key_Backspace);
+    QCOMPARE(other->toPlainText(), QString());
+    QCOMPARE(noteText(store, QStringLiteral("b")), QStringLiteral("(gone)"));
+    QVERIFY(m_manager->window(idFor(QStringLiteral("b"))));
 }
 
 void NoteWindowTest::previewRendersInlineMarkdown()
@@ -460,20 +420,9 @@ void NoteWindowTest::frameIsRememberedAcrossOpeningsAndRestarts()
     QCOMPARE(afterRestart->geometry(), moved);
 }
 
-void NoteWindowTest::appearanceFollowed_data()
-{
-    QTest::addColumn<AppAppearance>("appearance");
-    QTest::addColumn<bool>("dark");
-
-    QTest::newRow("light") << AppAppearance::Light << false;
-    QTest::newRow("dark") << AppAppearance::Dark << true;
-}
-
+//! The appearance is taken at creation and followed while the window is open.
 void NoteWindowTest::appearanceFollowed()
 {
-    QFETCH(AppAppearance, appearance);
-    QFETCH(bool, dark);
-
     // The application turns to a new appearance as its delegate does: the
     // palette first, then the open windows.
     auto setAppearance = [this](AppAppearance value) {
@@ -481,6 +430,7 @@ void NoteWindowTest::appearanceFollowed()
         Theme::applyAppearance(value);
         if (m_manager)
             m_manager->refreshAppearance();
+        QCoreApplication::processEvents();
     };
     // "dark" for light text on a dark ground, "light" for the reverse.
     auto looks = [](const NoteWindow *window) {
@@ -491,22 +441,24 @@ void NoteWindowTest::appearanceFollowed()
             return QStringLiteral("mixed");
         return darkBase ? QStringLiteral("dark") : QStringLiteral("light");
     };
-    const QString made = dark ? QStringLiteral("dark") : QStringLiteral("light");
-    const QString other = dark ? QStringLiteral("light") : QStringLiteral("dark");
 
     m_fixture->make({QStringLiteral("*Inbox:a,b")});
-    setAppearance(appearance);
+    setAppearance(AppAppearance::Light);
     NoteWindow *window = openNote(QStringLiteral("a"));
-    QCOMPARE(looks(window), made);
+    QCOMPARE(looks(window), QStringLiteral("light"));
 
-    // A later change reaches the open window, its bar's icons included, and
-    // a new window alike.
-    const QImage madeIcon = window->editor()->copyButton()->icon().pixmap(14).toImage();
-    setAppearance(dark ? AppAppearance::Light : AppAppearance::Dark);
-    QCoreApplication::processEvents();
-    QCOMPARE(looks(window), other);
-    QVERIFY(window->editor()->copyButton()->icon().pixmap(14).toImage() != madeIcon);
-    QCOMPARE(looks(openNote(QStringLiteral("b"))), other);
+    // A later change reaches the open window, its bar's icons included; a
+    // new window is made in it, and follows the change back.
+    const QImage lightIcon = window->editor()->copyButton()->icon().pixmap(14).toImage();
+    setAppearance(AppAppearance::Dark);
+    QCOMPARE(looks(window), QStringLiteral("dark"));
+    QVERIFY(window->editor()->copyButton()->icon().pixmap(14).toImage() != lightIcon);
+    NoteWindow *made = openNote(QStringLiteral("b"));
+    QCOMPARE(looks(made), QStringLiteral("dark"));
+    const QImage darkIcon = made->editor()->copyButton()->icon().pixmap(14).toImage();
+    setAppearance(AppAppearance::Light);
+    QCOMPARE(looks(made), QStringLiteral("light"));
+    QVERIFY(made->editor()->copyButton()->icon().pixmap(14).toImage() != darkIcon);
     setAppearance(AppAppearance::System);
 }
 

@@ -51,11 +51,11 @@ void type(const QString &text)
     xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("10"), text});
 }
 
-void click(const QPoint &point, int button = 1)
+void click(const QPoint &point)
 {
     xdotool({QStringLiteral("mousemove"), QString::number(point.x()), QString::number(point.y())});
     QTest::qWait(100);
-    xdotool({QStringLiteral("click"), QString::number(button)});
+    xdotool({QStringLiteral("click"), QStringLiteral("1")});
 }
 
 //! Whether the text field named \a name is on screen and has the keyboard.
@@ -228,7 +228,7 @@ void PanelAccessTest::throughTheScreenReader()
         Test::patience);
     QVERIFY(!tree().find(QStringLiteral("push button"), QStringLiteral("Clear search")));
 
-    // "More options" opens its menu, with the entries in their order.
+    // "More options" opens its menu.
     const std::optional<AccessibleNode> more
         = found(QStringLiteral("push button"), QStringLiteral("More options"));
     QVERIFY(more);
@@ -236,15 +236,8 @@ void PanelAccessTest::throughTheScreenReader()
     AccessibleTree overflow;
     QTRY_VERIFY_WITH_TIMEOUT(
         !(overflow = AccessibleTree::popup(application)).isEmpty(), Test::patience);
+    // Its entries in their order are read in German below.
     QCOMPARE(overflow.root().name, QStringLiteral("More options"));
-    QCOMPARE(menuEntries(overflow),
-        (QStringList {"#Project", "Notes", "New Project…", "Rename Project…", "Delete Project~",
-            "#Active Section", "Inbox", "Switch Section…", "-", "New Section…",
-            "Collapse All Sections", "Expand All Sections", "#View", "Show Completed",
-            "Completed at Bottom", "Newest First", "-", "Copy All as List", "Clear Completed",
-            "Export as Markdown…", "Show Notes File in Files", "Dashboard", "All Commands", "-",
-            "Reset Window Position", "Reset Window Size", "Keyboard Shortcuts…", "Settings…",
-            "Quit Vesko"}));
     const AccessibleNode *newSection = menuEntry(overflow, QStringLiteral("New Section…"));
     QVERIFY(newSection);
     click(newSection->center());
@@ -258,21 +251,6 @@ void PanelAccessTest::throughTheScreenReader()
     QTRY_VERIFY_WITH_TIMEOUT(
         tree().find(QStringLiteral("text"), QStringLiteral("Add to Errands")), Test::patience);
     QVERIFY(!tree().find(QStringLiteral("text"), QStringLiteral("Section name")));
-
-    // The context menu of a note, opened with the right button.
-    const AccessibleTree rows = tree();
-    const AccessibleNode *milk = row(rows, QStringLiteral("Buy oat milk"));
-    QVERIFY(milk);
-    click(milk->center(), 3);
-    AccessibleTree noteMenu;
-    QTRY_VERIFY_WITH_TIMEOUT(
-        !(noteMenu = AccessibleTree::popup(application)).isEmpty(), Test::patience);
-    QCOMPARE(menuEntries(noteMenu),
-        (QStringList {"Copy", "Copy as List", "-", "Mark as Done", "Expand~", "-", "Edit",
-            "Edit in New Window", "Merge Notes~", "Split into Notes~", "-", "Add Attachment…",
-            "Paste Image or File", "Move to", "-", "Delete"}));
-    key(QStringLiteral("Escape"));
-    QTest::qWait(300);
 
     // The done control of a row, found inside the row and clicked.
     {
@@ -500,7 +478,8 @@ void PanelAccessTest::inGerman()
     QVERIFY(more);
     click(more->center());
     AccessibleTree overflow;
-    QTRY_VERIFY_WITH_TIMEOUT(!(overflow = AccessibleTree::popup(application)).isEmpty(), Test::patience);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !(overflow = AccessibleTree::popup(application)).isEmpty(), Test::patience);
     QCOMPARE(menuEntries(overflow),
         (QStringList {"#Projekt", "Notes", "Neues Projekt …", "Projekt umbenennen …",
             "Projekt löschen~", "#Aktiver Abschnitt", "Inbox", "Abschnitt wechseln …", "-",

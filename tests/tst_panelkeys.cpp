@@ -5,6 +5,7 @@
 // it changed; the text field's filter, the Escape ladder, undo, and an edit
 // in place saved when the panel comes forward or hides.
 
+#include "MenuText.h"
 #include "PanelTestRig.h"
 #include "WidgetTestMain.h"
 
@@ -70,9 +71,7 @@ private Q_SLOTS:
     void keysInContext();
     void textFilter_data();
     void textFilter();
-    void escapeLadder();
-    void blankSearchIsNotASearchForEscape();
-    void copyWithoutSelectionCopiesWhatTheSearchShows();
+    void searchThenEscapeLadder();
     void ignoredResults();
     void undoTypingFirstThenTheLibrary_data();
     void undoTypingFirstThenTheLibrary();
@@ -134,12 +133,15 @@ bool PanelKeysTest::enter(const QString &context)
     } else if (context == "list, two selected") {
         m_root->setFocusTarget(PanelFocusTarget::List);
         store.setSelection({idFor("a"), idFor("c")}, idFor("c"));
+    } else if (context == "list, blanks searched") {
+        m_root->setFocusTarget(PanelFocusTarget::List);
+        store.setSearchText("   ");
     } else if (context.endsWith("window inactive")) {
         // The panel keeps the keyboard while the application believes no
         // window is active, as after the input focus was moved behind the
         // window manager's back.
-        m_root->setFocusTarget(context.startsWith("list") ? PanelFocusTarget::List
-                                                          : PanelFocusTarget::Composer);
+        m_root->setFocusTarget(
+            context.startsWith("list") ? PanelFocusTarget::List : PanelFocusTarget::Composer);
         QCoreApplication::processEvents();
         QApplication::setActiveWindow(nullptr);
     } else if (context == "search") {
@@ -166,8 +168,7 @@ bool PanelKeysTest::enter(const QString &context)
 void PanelKeysTest::press(int key, int modifiers)
 {
     // Where the window system delivers a press: the window's focus widget.
-    QTest::keyClick(
-        m_root->focusWidget(), Qt::Key(key), Qt::KeyboardModifiers::fromInt(modifiers));
+    QTest::keyClick(m_root->focusWidget(), Qt::Key(key), Qt::KeyboardModifiers::fromInt(modifiers));
 }
 
 void PanelKeysTest::keysInContext_data()
@@ -267,6 +268,9 @@ void PanelKeysTest::keysInContext_data()
     QTest::newRow("list, nothing selected, Shift+F10")
         << "list, nothing selected" << int(Qt::Key_F10) << shift
         << "menu Collapse Section: collapsed Inbox";
+    // Blanks are no search: Escape drops the selection and leaves them.
+    QTest::newRow("list, blanks searched, Escape")
+        << "list, blanks searched" << int(Qt::Key_Escape) << 0 << "selection ";
     QTest::newRow("list, two selected, Menu")
         << "list, two selected" << int(Qt::Key_Menu) << 0 << "menu Mark as Done: done a,c";
     for (const auto &[name, key, modifiers, outcome] : list) {
@@ -322,6 +326,7 @@ void PanelKeysTest::keysInContext()
     store.setSelection({idFor("b")}, idFor("b"));
     QVERIFY(enter(context));
     const QString before = snapshot(store, *m_state);
+    const QString searchBefore = store.searchText();
 
     press(key, modifiers);
     QCoreApplication::processEvents();
@@ -334,11 +339,7 @@ void PanelKeysTest::keysInContext()
             qobject_cast<QMenu *>(QApplication::activePopupWidget()), Test::patience);
         auto *menu = static_cast<QMenu *>(QApplication::activePopupWidget());
         const QString entry = value.section(u':', 0, 0);
-        QAction *chosen = nullptr;
-        for (QAction *action : menu->actions()) {
-            if (action->text() == entry)
-                chosen = action;
-        }
+        QAction *chosen = Test::menuEntry(*menu, entry);
         QVERIFY2(chosen, qPrintable(entry));
         chosen->trigger();
         menu->close();
@@ -362,6 +363,7 @@ void PanelKeysTest::keysInContext()
         QCOMPARE(namesOf(store.selection().values()), QStringLiteral("b"));
     } else if (what == "selection") {
         QCOMPARE(namesOf(store.selection().values()), value);
+        QCOMPARE(store.searchText(), searchBefore);
     } else if (what == "done") {
         for (const char *name : {"a", "b", "c"})
             QCOMPARE(store.note(idFor(name))->isDone, value.split(u',').contains(name));
@@ -431,25 +433,30 @@ void PanelKeysTest::textFilter()
         PanelKeyHandler::passesTextFilter(key, Qt::KeyboardModifiers::fromInt(modifiers)), passes);
 }
 
-void PanelKeysTest::escapeLadder()
+//! With a search up: the copy keys without a selection copy what the search
+//! shows; then Escape, step by step, down to hiding the panel.
+void PanelKeysTest::searchThenEscapeLadder()
 {
-    showRoot({"*Inbox:a,b,c"});
+    showRoot({"*Inbox:a,b,c|Work:d"});
     Store &store = m_fixture->store();
     QSignalSpy hides(m_root.get(), &PanelRootView::hideRequested);
     store.setSearchText("c");
-    QTRY_COMPARE_WITH_TIMEOUT(namesOf([&] {
-        QList<QUuid> ids;
-        for (const Note &note : store.visibleNotes())
-            ids.append(note.id);
-        return ids;
-    }()),
-        QStringLiteral("c"), Test::patience);
+    QTRY_COMPARE_WITH_TIMEOUT(store.visibleNotes().size(), qsizetype(1), Test::patience);
+    store.setSelection({}, std::nullopt);
+    m_root->setFocusTarget(PanelFocusTarget::List);
+    QGuiApplication::clipboard()->setText("before");
+    press(Qt::Key_C, ctrl);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("c"));
+    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Copied"));
+    press(Qt::Key_C, ctrl | shift);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. c"));
+    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Copied as List"));
+
     store.setSelection({idFor("c")}, idFor("c"));
     m_state->setShowing(PanelLayer::NewSection, true);
     m_state->setPendingMoveIDs({idFor("c")});
     m_root->setFocusTarget(PanelFocusTarget::List);
     QCoreApplication::processEvents();
-
     // The prompt's own Escape, then the ladder on the list.
     press(Qt::Key_Escape, 0);
     QCOMPARE(m_state->frontLayer(), PanelLayer::None);
@@ -468,37 +475,6 @@ void PanelKeysTest::escapeLadder()
 
     press(Qt::Key_Escape, 0);
     QCOMPARE(hides.size(), qsizetype(1));
-}
-
-void PanelKeysTest::blankSearchIsNotASearchForEscape()
-{
-    showRoot({"*Inbox:a,b"});
-    Store &store = m_fixture->store();
-    store.setSearchText("   ");
-    store.setSelection({idFor("a")}, idFor("a"));
-    m_root->setFocusTarget(PanelFocusTarget::List);
-    press(Qt::Key_Escape, 0);
-    QVERIFY(store.selection().isEmpty());
-    QCOMPARE(store.searchText(), QStringLiteral("   "));
-}
-
-void PanelKeysTest::copyWithoutSelectionCopiesWhatTheSearchShows()
-{
-    showRoot({"*Inbox:a,b,c|Work:d"});
-    Store &store = m_fixture->store();
-    store.setSearchText("c");
-    QTRY_COMPARE_WITH_TIMEOUT(store.visibleNotes().size(), qsizetype(1), Test::patience);
-    store.setSelection({}, std::nullopt);
-    m_root->setFocusTarget(PanelFocusTarget::List);
-
-    QGuiApplication::clipboard()->setText("before");
-    press(Qt::Key_C, ctrl);
-    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("c"));
-    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Copied"));
-
-    press(Qt::Key_C, ctrl | shift);
-    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. c"));
-    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Copied as List"));
 }
 
 void PanelKeysTest::ignoredResults()
@@ -529,15 +505,6 @@ void PanelKeysTest::ignoredResults()
     QCOMPARE(keys.perform(Shortcut::toggleExpanded), Result::Handled);
     QCOMPARE(store.activeSection().title, QStringLiteral("Inbox"));
     QVERIFY(!m_state->sectionJumpRequest());
-
-    // With a note selected, the window opens on it.
-    QUuid opened;
-    PanelCommands::Hooks hooks;
-    hooks.openNoteWindow = [&opened](const QUuid &id) { opened = id; };
-    PanelCommands::shared().setHooks(hooks);
-    store.setSelection({idFor("c")}, idFor("c"));
-    QCOMPARE(keys.perform(Shortcut::openInNewWindow), Result::Handled);
-    QCOMPARE(opened, idFor("c"));
 }
 
 void PanelKeysTest::undoTypingFirstThenTheLibrary_data()

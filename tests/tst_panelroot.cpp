@@ -2,8 +2,10 @@
 //
 // The panel's root view on a real Store, with real keys and clicks: the
 // prompts and what their answers do, the order of the modal layers, the
-// empty states, the composer (Return, "# " lines, Escape, pending files) and
-// the search field's two-step Escape.
+// empty states, the composer (Return, "# " lines, Escape, pending files), the
+// search field's two-step Escape; the section and project switchers (what a
+// query lists and selects, the create row, wrapping arrows, Return, F2
+// rename, Escape) and the shortcut sheet's groups and hot-key rows.
 
 #include "PanelTestRig.h"
 #include "SilentAttachmentActions.h"
@@ -13,6 +15,10 @@
 #include "library/LibraryFile.h"
 #include "panel/layers/PanelLayerView.h"
 #include "panel/layers/PanelPromptView.h"
+#include "panel/layers/ProjectSwitcherView.h"
+#include "panel/layers/SectionSwitcherView.h"
+#include "panel/layers/ShortcutSheetView.h"
+#include "panel/layers/SwitcherList.h"
 #include "panel/list/PanelListView.h"
 #include "panel/text/ComposerView.h"
 #include "panel/text/NativeInlineTextField.h"
@@ -27,6 +33,7 @@
 #include <QDragEnterEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMimeData>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -83,6 +90,46 @@ struct Attachments : Test::SilentAttachmentActions
     }
 };
 
+QList<SwitcherItem> items(const QStringList &titles)
+{
+    QList<SwitcherItem> list;
+    for (const QString &title : titles)
+        list.append({idFor(title), title});
+    return list;
+}
+
+//! The rows of \a list as titles, "+" for the create row, "*" before the selected one.
+QString describe(const SwitcherList &list)
+{
+    QStringList rows;
+    for (int i = 0; i < list.count(); ++i) {
+        const SwitcherSelection row = *list.rowAt(i);
+        QString text = row.isCreate ? QStringLiteral("+") : QString();
+        for (const SwitcherItem &item : list.items()) {
+            if (!row.isCreate && item.id == row.id)
+                text = item.title;
+        }
+        rows.append(list.selectedIndex() == i ? u'*' + text : text);
+    }
+    return rows.join(u' ');
+}
+
+//! The left edge of the grey ink (text, not the accent's marks) in \a row of \a image, or
+//! -1. The list has no background of its own: ink is what is nearly opaque.
+int textLeft(const QImage &image, const QRect &row)
+{
+    for (int x = row.left(); x <= row.right(); ++x) {
+        for (int y = row.top(); y <= row.bottom(); ++y) {
+            const QColor pixel = image.pixelColor(x, y);
+            const int spread = std::max({pixel.red(), pixel.green(), pixel.blue()})
+                - std::min({pixel.red(), pixel.green(), pixel.blue()});
+            if (pixel.alpha() > 160 && spread < 24)
+                return x;
+        }
+    }
+    return -1;
+}
+
 } // namespace
 
 class PanelRootTest : public QObject
@@ -95,8 +142,6 @@ private Q_SLOTS:
 
     void promptCommits_data();
     void promptCommits();
-    void addButtonWaitsForACharacter_data();
-    void addButtonWaitsForACharacter();
     void newSectionPromptWithPendingNotes_data();
     void newSectionPromptWithPendingNotes();
     void layersShowInTheirOrder();
@@ -104,24 +149,33 @@ private Q_SLOTS:
     void emptyStates();
     void composerCommits_data();
     void composerCommits();
-    void sectionLineWithFilesMakesOneNote();
+    void composerImportsFiles();
     void secondReturnDuringAnImportDoesNothing();
-    void failedImportKeepsTheBox();
     void pendingFiles();
     void escapeTwice_data();
     void escapeTwice();
-    void clearButton();
-    void focusRequestsReachTheParts();
-    void appearanceReachesTheRebuiltPanel_data();
+    void focusRequestsAndTheClearButton();
     void appearanceReachesTheRebuiltPanel();
     void rowsAndBars_data();
     void rowsAndBars();
     void layersAreOpaqueCardsWithShadows_data();
     void layersAreOpaqueCardsWithShadows();
 
+    void filtering_data();
+    void filtering();
+    void queryKeepsAListedSelection();
+    void sectionSwitcherByKeys_data();
+    void sectionSwitcherByKeys();
+    void titlesLineUp_data();
+    void titlesLineUp();
+    void renameInsideTheSwitcher();
+    void projectSwitcher();
+    void sheetGroups();
+
 private:
     PanelRootView &showRoot(const QStringList &projects);
     PanelPromptView *prompt() const;
+    template<typename View> View *openedLayer();
 
     std::unique_ptr<Test::StoreFixture> m_fixture;
     std::unique_ptr<PanelState> m_state;
@@ -180,8 +234,8 @@ void PanelRootTest::promptCommits_data()
                                                    << "return" << sections << projects << 0;
     QTest::newRow("Escape") << int(PanelLayer::NewSection) << "Ideas"
                             << "escape" << sections << projects << 0;
-    QTest::newRow("Cancel") << int(PanelLayer::NewSection) << "Ideas"
-                            << "cancel" << sections << projects << 0;
+    QTest::newRow("Cancel, the field empty") << int(PanelLayer::NewSection) << ""
+                                             << "cancel" << sections << projects << 0;
     QTest::newRow("new project") << int(PanelLayer::NewProject) << "Home"
                                  << "return" << QStringList {"Inbox"}
                                  << QStringList {"P", "Q", "Home"} << 1;
@@ -211,6 +265,8 @@ void PanelRootTest::promptCommits()
     QTRY_VERIFY_WITH_TIMEOUT(prompt()->field()->hasFocus(), Test::patience);
     QTest::keyClick(prompt()->field(), Qt::Key_End);
     QTest::keyClicks(prompt()->field(), typed);
+    // Add waits for a character other than a blank.
+    QCOMPARE(prompt()->addButton()->isEnabled(), !prompt()->field()->text().trimmed().isEmpty());
 
     if (how == QLatin1String("return"))
         QTest::keyClick(prompt()->field(), Qt::Key_Return);
@@ -231,37 +287,16 @@ void PanelRootTest::promptCommits()
     QCOMPARE(store.undoStepCount() - stepsBefore, undoSteps);
 }
 
-void PanelRootTest::addButtonWaitsForACharacter_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("enabled");
-
-    QTest::newRow("empty") << "" << false;
-    QTest::newRow("spaces and tabs") << " \t " << false;
-    QTest::newRow("a letter between blanks") << "  a " << true;
-}
-
-void PanelRootTest::addButtonWaitsForACharacter()
-{
-    QFETCH(QString, text);
-    QFETCH(bool, enabled);
-
-    showRoot({QStringLiteral("*Inbox:a")});
-    m_state->setShowing(PanelLayer::NewSection, true);
-    prompt()->field()->setText(text);
-    QCOMPARE(prompt()->addButton()->isEnabled(), enabled);
-}
-
 void PanelRootTest::newSectionPromptWithPendingNotes_data()
 {
     QTest::addColumn<bool>("commit"); // Return, or a click on the dim well outside the card
     QTest::addColumn<QStringList>("sections");
     QTest::addColumn<QStringList>("inbox");
 
-    QTest::newRow("Return moves them") << true << QStringList {"Inbox", "Work", "Ideas"}
-                                       << QStringList {"b"};
-    QTest::newRow("the dim cancels") << false << QStringList {"Inbox", "Work"}
-                                     << QStringList {"a", "b"};
+    QTest::newRow("Return moves them")
+        << true << QStringList {"Inbox", "Work", "Ideas"} << QStringList {"b"};
+    QTest::newRow("the dim cancels")
+        << false << QStringList {"Inbox", "Work"} << QStringList {"a", "b"};
 }
 
 void PanelRootTest::newSectionPromptWithPendingNotes()
@@ -283,7 +318,8 @@ void PanelRootTest::newSectionPromptWithPendingNotes()
     QVERIFY(m_state->pendingMoveIDs().isEmpty());
     QCOMPARE(sectionTitles(store), sections);
     QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), inbox);
-    QCOMPARE(notesOfSection(store, QStringLiteral("Work")), commit ? QStringList() : QStringList {"c"});
+    QCOMPARE(
+        notesOfSection(store, QStringLiteral("Work")), commit ? QStringList() : QStringList {"c"});
     if (!commit)
         return;
     // In the order the panel showed them, in the section now active, which the composer names.
@@ -321,8 +357,9 @@ void PanelRootTest::emptyStates_data()
     QTest::addColumn<QString>("search");
     QTest::addColumn<QString>("title"); // empty: no empty state
 
-    QTest::newRow("no notes, no search") << "*Inbox:" << "" << "Nothing here yet";
-    QTest::newRow("no notes, blanks searched") << "*Inbox:" << " \t " << "Nothing here yet";
+    // Without any row: no section either.
+    QTest::newRow("no notes, no search") << "" << "" << "Nothing here yet";
+    QTest::newRow("no notes, blanks searched") << "" << " \t " << "Nothing here yet";
     QTest::newRow("a search without matches") << "*Inbox:a" << "zzz" << "No matches";
     QTest::newRow("rows present") << "*Inbox:a" << "" << "";
     QTest::newRow("rows present, search matching") << "*Inbox:a" << "inbox" << "";
@@ -336,13 +373,6 @@ void PanelRootTest::emptyStates()
     QFETCH(QString, title);
 
     Store &store = m_fixture->make({project});
-    if (project == QLatin1String("*Inbox:")) {
-        // Without any row: no section either.
-        Library library = store.library();
-        library.projects[0].sections.clear();
-        store.setLibrary(library);
-        store.refreshAfterMutation();
-    }
     m_root = std::make_unique<PanelRootView>(store, *m_state, m_fixture->preferences());
     m_root->resize(340, 560);
     m_root->show();
@@ -414,7 +444,9 @@ void PanelRootTest::composerCommits()
     }
 }
 
-void PanelRootTest::sectionLineWithFilesMakesOneNote()
+//! Files imported for a new note: a failed import keeps the box for another
+//! try; a section line with a file makes the section and one note of the file.
+void PanelRootTest::composerImportsFiles()
 {
     QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("plan.txt")));
@@ -425,12 +457,22 @@ void PanelRootTest::sectionLineWithFilesMakesOneNote()
     PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
     Store &store = m_fixture->store();
     Attachments attachments(*m_fixture);
-    root.composer()->addPendingURLs({QUrl::fromLocalFile(file.fileName())});
+    // A file that is not there: the import fails, and says so.
+    root.composer()->addPendingURLs({QUrl::fromLocalFile(QStringLiteral("/nonexistent/one.png"))});
     QTextEdit *editor = root.composer()->field()->editor();
     QTRY_VERIFY_WITH_TIMEOUT(editor->hasFocus(), Test::patience);
+    QTest::keyClicks(editor, QStringLiteral("keep me"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    QTRY_VERIFY_WITH_TIMEOUT(!root.composer()->isSaving(), Test::patience);
+    QCOMPARE(attachments.toasts, QStringList {"Could Not Add Attachment"});
+    QCOMPARE(root.composer()->text(), QStringLiteral("keep me"));
+    QCOMPARE(root.composer()->pendingURLs().size(), 1);
+    QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), QStringList {"a"});
+
+    QTest::keyClick(editor, Qt::Key_Escape);
+    root.composer()->addPendingURLs({QUrl::fromLocalFile(file.fileName())});
     QTest::keyClicks(editor, QStringLiteral("# Files"));
     QTest::keyClick(editor, Qt::Key_Return);
-
     // The section at once, the note when the file has been copied.
     QCOMPARE(sectionTitles(store), (QStringList {"Inbox", "Files"}));
     QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Using Files"));
@@ -482,23 +524,6 @@ void PanelRootTest::secondReturnDuringAnImportDoesNothing()
     QCOMPARE(root.composer()->text(), QString());
 }
 
-void PanelRootTest::failedImportKeepsTheBox()
-{
-    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
-    Attachments attachments(*m_fixture);
-    // A file that is not there: the import fails, and says so.
-    root.composer()->addPendingURLs({QUrl::fromLocalFile(QStringLiteral("/nonexistent/one.png"))});
-    QTextEdit *editor = root.composer()->field()->editor();
-    QTRY_VERIFY_WITH_TIMEOUT(editor->hasFocus(), Test::patience);
-    QTest::keyClicks(editor, QStringLiteral("keep me"));
-    QTest::keyClick(editor, Qt::Key_Return);
-    QTRY_VERIFY_WITH_TIMEOUT(!root.composer()->isSaving(), Test::patience);
-    QCOMPARE(attachments.toasts, QStringList {"Could Not Add Attachment"});
-    QCOMPARE(root.composer()->text(), QStringLiteral("keep me"));
-    QCOMPARE(root.composer()->pendingURLs().size(), 1);
-    QCOMPARE(notesOfSection(m_fixture->store(), QStringLiteral("Inbox")), QStringList {"a"});
-}
-
 void PanelRootTest::pendingFiles()
 {
     const QUrl chosen = QUrl::fromLocalFile(QStringLiteral("/tmp/chosen.pdf"));
@@ -525,8 +550,8 @@ void PanelRootTest::pendingFiles()
     QApplication::sendEvent(root.composer(), &drop);
     QVERIFY(drop.isAccepted());
     QCOMPARE(root.composer()->pendingURLs(), (QList<QUrl> {chosen, dropped}));
-    QCOMPARE(root.composer()->pendingStrip()->chipNames(),
-        (QStringList {"chosen.pdf", "dropped.png"}));
+    QCOMPARE(
+        root.composer()->pendingStrip()->chipNames(), (QStringList {"chosen.pdf", "dropped.png"}));
     QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
     root.composer()->addPendingURLs({dropped, chosen});
     QCOMPARE(root.composer()->pendingURLs(), (QList<QUrl> {chosen, dropped}));
@@ -587,26 +612,10 @@ void PanelRootTest::escapeTwice()
     QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), (QStringList {"a", "b"}));
 }
 
-void PanelRootTest::clearButton()
+void PanelRootTest::focusRequestsAndTheClearButton()
 {
     PanelRootView &root = showRoot({QStringLiteral("*Inbox:a,b")});
     Store &store = m_fixture->store();
-    store.setSearchText(QStringLiteral("b"));
-    // The field follows the Store.
-    QCOMPARE(root.searchField()->field()->text(), QStringLiteral("b"));
-    m_state->requestFocus(PanelFocusTarget::List);
-    QTRY_VERIFY_WITH_TIMEOUT(root.searchField()->clearButton()->isVisible(), Test::patience);
-    QTest::mouseClick(root.searchField()->clearButton(), Qt::LeftButton);
-    QCOMPARE(store.searchText(), QString());
-    // The caret is left in the field.
-    QCOMPARE(root.focusTarget(), PanelFocusTarget::Search);
-    QVERIFY(root.searchField()->field()->hasFocus());
-    QTRY_VERIFY_WITH_TIMEOUT(!root.searchField()->showsClearButton(), Test::patience);
-}
-
-void PanelRootTest::focusRequestsReachTheParts()
-{
-    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
     QSignalSpy changes(&root, &PanelRootView::focusTargetChanged);
     m_state->requestFocus(PanelFocusTarget::List);
     QVERIFY(root.list()->hasFocus());
@@ -619,61 +628,56 @@ void PanelRootTest::focusRequestsReachTheParts()
     root.searchField()->field()->setFocus(Qt::MouseFocusReason);
     QCOMPARE(root.focusTarget(), PanelFocusTarget::Search);
     QCOMPARE(changes.size(), 3);
+
+    // The field follows the Store; its clear button leaves the caret in it.
+    store.setSearchText(QStringLiteral("b"));
+    QCOMPARE(root.searchField()->field()->text(), QStringLiteral("b"));
+    m_state->requestFocus(PanelFocusTarget::List);
+    QTRY_VERIFY_WITH_TIMEOUT(root.searchField()->clearButton()->isVisible(), Test::patience);
+    QTest::mouseClick(root.searchField()->clearButton(), Qt::LeftButton);
+    QCOMPARE(store.searchText(), QString());
+    QCOMPARE(root.focusTarget(), PanelFocusTarget::Search);
+    QVERIFY(root.searchField()->field()->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(!root.searchField()->showsClearButton(), Test::patience);
 }
 
-void PanelRootTest::appearanceReachesTheRebuiltPanel_data()
-{
-    QTest::addColumn<AppAppearance>("from");
-    QTest::addColumn<AppAppearance>("to");
-    QTest::addColumn<bool>("dark");
-
-    QTest::newRow("light to dark") << AppAppearance::Light << AppAppearance::Dark << true;
-    QTest::newRow("dark to light") << AppAppearance::Dark << AppAppearance::Light << false;
-}
-
+//! From light to dark and back, the panel is rebuilt in the new appearance.
 void PanelRootTest::appearanceReachesTheRebuiltPanel()
 {
-    QFETCH(AppAppearance, from);
-    QFETCH(AppAppearance, to);
-    QFETCH(bool, dark);
-
     // No row at all, so that the empty state is up.
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:")});
-    Library library = store.library();
-    library.projects[0].sections.clear();
-    store.setLibrary(library);
-    store.refreshAfterMutation();
+    Store &store = m_fixture->make({QString()});
     Preferences &preferences = m_fixture->preferences();
-    preferences.setAppearance(from);
-    Theme::applyAppearance(from);
+    preferences.setAppearance(AppAppearance::Light);
+    Theme::applyAppearance(AppAppearance::Light);
     PanelController panel(store, *m_state, preferences);
-    bool darkForTheWindows = !dark;
+    bool darkForTheWindows = false;
     AppDelegate::Hooks hooks;
     hooks.refreshWindows = [&darkForTheWindows] { darkForTheWindows = Theme::isDark(); };
     AppDelegate delegate(store, preferences, panel, hooks);
     panel.show(false, false);
-    QPointer<PanelRootView> before = qobject_cast<PanelRootView *>(panel.panel()->content());
-    QVERIFY(before);
+    for (const bool dark : {true, false}) {
+        QPointer<PanelRootView> before = qobject_cast<PanelRootView *>(panel.panel()->content());
+        QVERIFY(before);
+        preferences.setAppearance(dark ? AppAppearance::Dark : AppAppearance::Light);
+        QTRY_VERIFY_WITH_TIMEOUT(!before, Test::patience);
+        auto *root = qobject_cast<PanelRootView *>(panel.panel()->content());
+        QVERIFY(root);
+        // The other windows are told after the palette changed.
+        QCOMPARE(darkForTheWindows, dark);
 
-    preferences.setAppearance(to);
-    QTRY_VERIFY_WITH_TIMEOUT(!before, Test::patience);
-    auto *root = qobject_cast<PanelRootView *>(panel.panel()->content());
-    QVERIFY(root);
-    // The other windows are told after the palette changed.
-    QCOMPARE(darkForTheWindows, dark);
-
-    // Light ink on the dark surface, dark ink on the light one: the "More
-    // options" icon and both lines of the empty state.
-    QVERIFY(root->showsEmptyState());
-    QCOMPARE(lightInk(root->overflowButton()->icon().pixmap(15).toImage()), dark);
-    for (const QString &line : {root->emptyTitle(), root->emptyHint()}) {
-        QLabel *label = nullptr;
-        for (QLabel *candidate : root->findChildren<QLabel *>()) {
-            if (candidate->text() == line)
-                label = candidate;
+        // Light ink on the dark surface, dark ink on the light one: the "More
+        // options" icon and both lines of the empty state.
+        QVERIFY(root->showsEmptyState());
+        QCOMPARE(lightInk(root->overflowButton()->icon().pixmap(15).toImage()), dark);
+        for (const QString &line : {root->emptyTitle(), root->emptyHint()}) {
+            QLabel *label = nullptr;
+            for (QLabel *candidate : root->findChildren<QLabel *>()) {
+                if (candidate->text() == line)
+                    label = candidate;
+            }
+            QVERIFY2(label, qPrintable(line));
+            QCOMPARE(label->palette().color(QPalette::WindowText).lightnessF() > 0.5, dark);
         }
-        QVERIFY2(label, qPrintable(line));
-        QCOMPARE(label->palette().color(QPalette::WindowText).lightnessF() > 0.5, dark);
     }
     panel.hide();
     Theme::applyAppearance(AppAppearance::System);
@@ -756,6 +760,264 @@ void PanelRootTest::layersAreOpaqueCardsWithShadows()
     const int dim = qAlpha(drawn.pixel(card.center().x(), view->height() - 4));
     const int shadow = qAlpha(drawn.pixel(card.center().x(), card.bottom() + 4));
     QVERIFY2(shadow > dim + 10, qPrintable(QStringLiteral("%1 %2").arg(shadow).arg(dim)));
+}
+
+template<typename View> View *PanelRootTest::openedLayer()
+{
+    auto *view = qobject_cast<View *>(m_root->layerView());
+    if (!view)
+        return nullptr;
+    // The filter field takes the keyboard a moment after the switcher appeared.
+    if (!QTest::qWaitFor([view] { return view->filterField()->hasFocus(); }))
+        return nullptr;
+    return view;
+}
+
+void PanelRootTest::filtering_data()
+{
+    // clang-format off
+    QTest::addColumn<QStringList>("titles");
+    QTest::addColumn<QString>("query");
+    QTest::addColumn<int>("delta"); // arrow presses from the first row, where the selection starts
+    QTest::addColumn<QString>("rows");
+
+    const QStringList three = {"Inbox", "Work", "Links"};
+    QTest::newRow("empty query lists all") << QStringList {"Inbox", "Work"} << "" << 0 << "*Inbox Work";
+    QTest::newRow("equal title, any case: no create row")
+        << QStringList {"Inbox", "Work"} << "inbox" << 0 << "*Inbox";
+    QTest::newRow("blanks around do not count") << QStringList {"Inbox", "Work"} << "  inb  " << 0
+                                                << "*Inbox +";
+    QTest::newRow("two matches in order, create third") << three << "in" << 0 << "*Inbox Links +";
+    QTest::newRow("no match: create alone") << QStringList {"Inbox"} << "zz" << 0 << "*+";
+    QTest::newRow("no ranking by prefix") << QStringList {"Pin", "In"} << "in" << 0 << "*Pin In";
+    QTest::newRow("blanks only is an empty query") << QStringList {"Inbox"} << "   " << 0 << "*Inbox";
+    QTest::newRow("up from the first goes to the create row") << three << "in" << -1
+                                                              << "Inbox Links *+";
+    QTest::newRow("down") << three << "in" << 1 << "Inbox *Links +";
+    QTest::newRow("up without create goes to the last section") << three << "" << -1
+                                                                << "Inbox Work *Links";
+    // clang-format on
+}
+
+void PanelRootTest::filtering()
+{
+    QFETCH(QStringList, titles);
+    QFETCH(QString, query);
+    QFETCH(int, delta);
+    QFETCH(QString, rows);
+    SwitcherList list(items(titles), true);
+    list.setQuery(query);
+    if (delta)
+        list.move(delta);
+    QCOMPARE(describe(list), rows);
+}
+
+void PanelRootTest::queryKeepsAListedSelection()
+{
+    SwitcherList list(items({"Inbox", "Work", "Links"}), true);
+    list.selectInitial(idFor("Links"));
+    QCOMPARE(describe(list), QStringLiteral("Inbox Work *Links"));
+    list.setQuery("n");
+    QCOMPARE(describe(list), QStringLiteral("Inbox *Links +"));
+    list.setQuery("wo");
+    QCOMPARE(describe(list), QStringLiteral("*Work +"));
+    // The create row stays selected while it is offered.
+    list.move(1);
+    list.setQuery("wor");
+    QCOMPARE(describe(list), QStringLiteral("Work *+"));
+    // With no rows at all, moving selects nothing, and a commit would create.
+    SwitcherList empty({}, true);
+    empty.selectInitial(std::nullopt);
+    QCOMPARE(empty.count(), 0);
+    empty.move(1);
+    QVERIFY(!empty.selection());
+    QVERIFY(empty.commitTarget() && empty.commitTarget()->isCreate);
+}
+
+void PanelRootTest::sectionSwitcherByKeys_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QList<int>>("keys");
+    QTest::addColumn<QString>("active"); // the active section afterwards
+    QTest::addColumn<QStringList>("sections");
+    QTest::addColumn<bool>("open");
+
+    const QStringList sections = {"Inbox", "Work", "Links"};
+    QTest::newRow("Return on the active section")
+        << "" << QList<int> {Qt::Key_Return} << "Work" << sections << false;
+    QTest::newRow("Down, Return") << "" << QList<int> {Qt::Key_Down, Qt::Key_Return} << "Links"
+                                  << sections << false;
+    QTest::newRow("Down wraps to the first")
+        << "" << QList<int> {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return} << "Inbox" << sections
+        << false;
+    QTest::newRow("Tab moves like Down")
+        << "" << QList<int> {Qt::Key_Tab, Qt::Key_Return} << "Links" << sections << false;
+    QTest::newRow("filter, then Return")
+        << "lin" << QList<int> {Qt::Key_Return} << "Links" << sections << false;
+    QTest::newRow("create by Return") << " Ideas " << QList<int> {Qt::Key_Return} << "Ideas"
+                                      << QStringList {"Inbox", "Work", "Links", "Ideas"} << false;
+    QTest::newRow("Up to the create row") << "in" << QList<int> {Qt::Key_Up, Qt::Key_Return} << "in"
+                                          << QStringList {"Inbox", "Work", "Links", "in"} << false;
+    QTest::newRow("Escape closes, nothing changes")
+        << "lin" << QList<int> {Qt::Key_Escape} << "Work" << sections << false;
+    QTest::newRow("F2 on the create row does nothing")
+        << "zz" << QList<int> {Qt::Key_F2} << "Work" << sections << true;
+}
+
+void PanelRootTest::sectionSwitcherByKeys()
+{
+    QFETCH(QString, typed);
+    QFETCH(QList<int>, keys);
+    QFETCH(QString, active);
+    QFETCH(QStringList, sections);
+    QFETCH(bool, open);
+
+    showRoot({"Inbox:a|*Work:b|Links:c"});
+    Store &store = m_fixture->store();
+    m_state->setShowing(PanelLayer::SectionSwitcher, true);
+    auto *view = openedLayer<SectionSwitcherView>();
+    QVERIFY(view);
+    QTest::keyClicks(view->filterField(), typed);
+    for (int key : keys)
+        QTest::keyClick(view->filterField(), Qt::Key(key));
+
+    QCOMPARE(store.activeSection().title, active);
+    QStringList titles;
+    for (const NoteSection &section : store.activeProject().sections)
+        titles.append(section.title);
+    QCOMPARE(titles, sections);
+    QCOMPARE(m_state->isShowing(PanelLayer::SectionSwitcher), open);
+    if (!open && active != "Work")
+        QCOMPARE(ToastPresenter::shared().currentMessage(), "Using " + active);
+}
+
+void PanelRootTest::titlesLineUp_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<int>("moves"); // Down presses: the selection on another row or the same
+
+    QTest::newRow("the active row selected") << "" << 0;
+    QTest::newRow("another row selected") << "" << 1;
+    QTest::newRow("filtered") << "o" << 1;
+}
+
+void PanelRootTest::titlesLineUp()
+{
+    QFETCH(QString, typed);
+    QFETCH(int, moves);
+    showRoot({"Inbox:a|*Work:b|Links:c|Notes:d"});
+    m_state->setShowing(PanelLayer::SectionSwitcher, true);
+    auto *view = openedLayer<SectionSwitcherView>();
+    QVERIFY(view);
+    QTest::keyClicks(view->filterField(), typed);
+    for (int i = 0; i < moves; ++i)
+        QTest::keyClick(view->filterField(), Qt::Key_Down);
+    QListWidget *list = view->listView();
+    QVERIFY(list->count() >= 3);
+    QVERIFY(view->rowTexts().contains(QStringLiteral("Work")));
+    const QImage image = list->viewport()->grab().toImage();
+    QList<int> lefts;
+    // The rows of sections; the create row leads with its symbol.
+    for (int i = 0; i < list->count(); ++i) {
+        if (list->item(i)->text().startsWith(QStringLiteral("Create")))
+            continue;
+        const QRect row = list->visualItemRect(list->item(i));
+        const qreal scale = image.devicePixelRatio();
+        lefts.append(textLeft(image, QRect(row.topLeft() * scale, row.size() * scale)));
+    }
+    // Every title starts where the others do, the active one's too.
+    QVERIFY2(lefts.first() > 0, qPrintable(QString::number(lefts.first())));
+    for (int left : std::as_const(lefts))
+        QVERIFY2(std::abs(left - lefts.first()) <= 1,
+            qPrintable(QStringLiteral("%1 against %2").arg(left).arg(lefts.first())));
+}
+
+void PanelRootTest::renameInsideTheSwitcher()
+{
+    showRoot({"Inbox:a|*Work:b"});
+    Store &store = m_fixture->store();
+    m_state->setShowing(PanelLayer::SectionSwitcher, true);
+    auto *view = openedLayer<SectionSwitcherView>();
+    QVERIFY(view);
+    // Escape in the rename form cancels the rename, not the switcher.
+    QTest::keyClick(view->filterField(), Qt::Key_F2);
+    QTRY_VERIFY_WITH_TIMEOUT(view->renameField()->hasFocus(), Test::patience);
+    QTest::keyClick(view->renameField(), Qt::Key_Escape);
+    QVERIFY(!view->renamingSectionID());
+    QVERIFY(m_state->isShowing(PanelLayer::SectionSwitcher));
+
+    QTest::keyClick(view->filterField(), Qt::Key_F2);
+    QCOMPARE(view->renamingSectionID().value_or(QUuid()), store.activeSection().id);
+    QTRY_VERIFY_WITH_TIMEOUT(view->renameField()->hasFocus(), Test::patience);
+    QCOMPARE(view->renameField()->text(), QStringLiteral("Work"));
+
+    view->renameField()->setText(" \t ");
+    QVERIFY(!view->renameButton()->isEnabled());
+    view->renameField()->setText("  Jobs ");
+    QVERIFY(view->renameButton()->isEnabled());
+    QTest::keyClick(view->renameField(), Qt::Key_Return);
+
+    QCOMPARE(store.activeSection().title, QStringLiteral("Jobs"));
+    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Renamed"));
+    QVERIFY(!view->renamingSectionID());
+    QVERIFY(m_state->isShowing(PanelLayer::SectionSwitcher));
+    QCOMPARE(view->rowTexts(), (QStringList {"Inbox", "Jobs"}));
+    QVERIFY(view->filterField()->hasFocus());
+    // A click on a row chooses it.
+    QListWidget *list = view->listView();
+    QTest::mouseClick(
+        list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(0)).center());
+    QCOMPARE(store.activeSection().title, QStringLiteral("Inbox"));
+    QVERIFY(!m_state->isShowing(PanelLayer::SectionSwitcher));
+    // An empty title is refused, so a create row without a query leaves the switcher open.
+    QVERIFY(!store.createOrUseSection(QString()));
+}
+
+void PanelRootTest::projectSwitcher()
+{
+    showRoot({"*Inbox:a", "Home:b", "Garden:c"});
+    Store &store = m_fixture->store();
+    m_state->setShowing(PanelLayer::ProjectSwitcher, true);
+    auto *view = openedLayer<ProjectSwitcherView>();
+    QVERIFY(view);
+    QCOMPARE(view->filterField()->placeholderText(), QStringLiteral("Switch project"));
+    QTest::keyClicks(view->filterField(), "zz");
+    QCOMPARE(view->rowTexts(), QStringList());
+    QTest::keyClick(view->filterField(), Qt::Key_Return);
+    QVERIFY(m_state->isShowing(PanelLayer::ProjectSwitcher));
+    QCOMPARE(store.library().projects.size(), qsizetype(3));
+
+    view->filterField()->clear();
+    QTest::keyClick(view->filterField(), Qt::Key_F2); // no rename here
+    QTest::keyClick(view->filterField(), Qt::Key_Up); // wraps to the last project
+    QTest::keyClick(view->filterField(), Qt::Key_Return);
+    QCOMPARE(store.activeProject().id, store.library().projects.at(2).id);
+    QVERIFY(!m_state->isShowing(PanelLayer::ProjectSwitcher));
+}
+
+void PanelRootTest::sheetGroups()
+{
+    showRoot({"*Inbox:a"});
+    m_state->setShowing(PanelLayer::Shortcuts, true);
+    auto *sheet = qobject_cast<ShortcutSheetView *>(m_root->layerView());
+    QVERIFY(sheet);
+    // 42 window shortcuts, 3 for composing, 4 system-wide.
+    const QStringList rows = sheet->rowTexts();
+    QCOMPARE(rows.size(), qsizetype(42 + 3 + 4));
+    QCOMPARE(rows.first(), QStringLiteral("New Note\tCtrl+N"));
+    QCOMPARE(rows.at(10), QStringLiteral("Jump to Section 1\tCtrl+1"));
+    QCOMPARE(rows.at(18), QStringLiteral("Jump to Section 9\tCtrl+9"));
+    QCOMPARE(rows.at(41), QStringLiteral("Close\tEsc"));
+    QCOMPARE(rows.at(42), QStringLiteral("Add Note\tReturn"));
+    QCOMPARE(rows.at(44), QStringLiteral("Create or Use Section\t# Name"));
+    // Without hot keys in this session, every system-wide row shows a dash.
+    QCOMPARE(rows.mid(45),
+        (QStringList {"Show or Hide Vesko\t—", "Capture Selection\t—", "Add a Note\t—",
+            "Copy Notes as List\t—"}));
+
+    // A click on the dim closes the sheet.
+    QTest::mouseClick(sheet, Qt::LeftButton, {}, QPoint(3, 3));
+    QVERIFY(!m_state->isShowing(PanelLayer::Shortcuts));
 }
 
 VESKO_WIDGET_TEST_MAIN(PanelRootTest)

@@ -34,8 +34,7 @@ private Q_SLOTS:
     void storedStringsOfEnumerations_data();
     void storedStringsOfEnumerations();
     void wrongTypesReadAsZero();
-    void equalAssignmentWritesButDoesNotNotify();
-    void sideEffectsRunOnEveryAssignment();
+    void equalAssignments();
     void storedPanelFrame();
     void writesDoNotHoldTheEventLoop_data();
     void writesDoNotHoldTheEventLoop();
@@ -143,7 +142,8 @@ void PreferencesTest::wrongTypesReadAsZero()
     QCOMPARE(p.doubleShiftInterval(), 0.0);
 }
 
-void PreferencesTest::equalAssignmentWritesButDoesNotNotify()
+//! An equal assignment is written and runs its side effects, but is no change.
+void PreferencesTest::equalAssignments()
 {
     Preferences p;
     QSignalSpy changed(&p, &Preferences::pinOnTopChanged);
@@ -152,19 +152,13 @@ void PreferencesTest::equalAssignmentWritesButDoesNotNotify()
     p.flush();
     QVERIFY(Preferences::openSettings()->contains(QStringLiteral("pinOnTop")));
     p.setPinOnTop(true);
-    QCOMPARE(changed.size(), 1);
     p.setPinOnTop(true);
     QCOMPARE(changed.size(), 1);
-}
 
-void PreferencesTest::sideEffectsRunOnEveryAssignment()
-{
-    Preferences p;
     QSignalSpy dock(&p, &Preferences::showsInDockAssigned);
     QSignalSpy dockChanged(&p, &Preferences::showsInDockChanged);
     QSignalSpy appearance(&p, &Preferences::appearanceAssigned);
     QSignalSpy list(&p, &Preferences::listOptionsAssigned);
-
     p.setShowsInDock(false);
     p.setShowsInDock(false);
     QCOMPARE(dock.size(), 2);

@@ -103,29 +103,13 @@ def describe(node, depth=0):
     return entry
 
 
-def first(node, role, name):
-    if node.getRoleName() == role and (node.name or "") == name:
+def first(node, matches):
+    """The first object below node, depth first, that matches."""
+    if matches(node):
         return node
     for index in range(min(node.childCount, MAX_CHILDREN)):
         child = node.getChildAtIndex(index)
-        if child is None:
-            continue
-        found = first(child, role, name)
-        if found is not None:
-            return found
-    return None
-
-
-def first_showing(node, role, pattern):
-    states = node.getState()
-    if (node.getRoleName() == role and re.search(pattern, node.name or "")
-            and states.contains(pyatspi.STATE_SHOWING)):
-        return node
-    for index in range(min(node.childCount, MAX_CHILDREN)):
-        child = node.getChildAtIndex(index)
-        if child is None:
-            continue
-        found = first_showing(child, role, pattern)
+        found = first(child, matches) if child is not None else None
         if found is not None:
             return found
     return None
@@ -163,13 +147,10 @@ def focused_popup(app_name, key):
 
 
 def main(arguments):
-    if len(arguments) < 1:
-        print(__doc__, file=sys.stderr)
-        return 64
-    command = arguments[0]
     if len(arguments) < 2:
         print(__doc__, file=sys.stderr)
         return 64
+    command = arguments[0]
     app = find_app(arguments[1])
     if app is None:
         return 2
@@ -187,14 +168,18 @@ def main(arguments):
         print(json.dumps(describe(menu), ensure_ascii=False))
         return 0
     if command == "where" and len(arguments) >= 3:
-        target = first_showing(app, arguments[2], arguments[3] if len(arguments) > 3 else "")
+        pattern = arguments[3] if len(arguments) > 3 else ""
+        target = first(app, lambda node: node.getRoleName() == arguments[2]
+                       and re.search(pattern, node.name or "")
+                       and node.getState().contains(pyatspi.STATE_SHOWING))
         if target is None:
             return 3
         box = target.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
         print(box.x + box.width // 2, box.y + box.height // 2)
         return 0
     if command == "do" and len(arguments) >= 4:
-        target = first(app, arguments[2], arguments[3])
+        target = first(app, lambda node: node.getRoleName() == arguments[2]
+                       and (node.name or "") == arguments[3])
         if target is None:
             return 3
         action = target.queryAction()

@@ -89,17 +89,6 @@ QList<const AccessibleNode *> AccessibleTree::all() const
     return nodes;
 }
 
-QList<const AccessibleNode *> AccessibleTree::all(
-    std::function<bool(const AccessibleNode &)> matches) const
-{
-    QList<const AccessibleNode *> nodes;
-    for (const AccessibleNode *node : all()) {
-        if (matches(*node))
-            nodes.append(node);
-    }
-    return nodes;
-}
-
 const AccessibleNode *AccessibleTree::find(const QString &role, const QString &name) const
 {
     for (const AccessibleNode *node : all()) {

@@ -13,7 +13,6 @@
 #include <QRect>
 #include <QStringList>
 
-#include <functional>
 #include <optional>
 
 namespace Vesko::Test {
@@ -58,7 +57,6 @@ public:
 
     //! Every object, depth first.
     QList<const AccessibleNode *> all() const;
-    QList<const AccessibleNode *> all(std::function<bool(const AccessibleNode &)> matches) const;
     //! The first object of \a role (and \a name, unless empty) that is showing.
     const AccessibleNode *find(const QString &role, const QString &name = QString()) const;
     //! The first object of \a role and \a name, showing or not.

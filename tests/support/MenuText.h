@@ -31,6 +31,18 @@ inline QString describeMenu(const QMenu &menu, bool markChecked = false)
     return entries.join(u'|');
 }
 
+//! The entries of \a menu that have keys, as "Title=Keys" joined by "|".
+inline QString menuKeys(const QMenu &menu)
+{
+    QStringList entries;
+    for (const QAction *action : menu.actions()) {
+        if (!action->shortcut().isEmpty())
+            entries.append(
+                action->text() + u'=' + action->shortcut().toString(QKeySequence::NativeText));
+    }
+    return entries.join(u'|');
+}
+
 //! The entry titled \a title, or null.
 inline QAction *menuEntry(const QMenu &menu, const QString &title)
 {

@@ -14,34 +14,12 @@ QList<QUuid> idsFor(const QString &names)
 
 Project projectFrom(const QString &description)
 {
-    Project project;
-    project.id = idFor(QStringLiteral("project"));
-    project.name = QStringLiteral("P");
-    for (const QString &part : description.split(u'|', Qt::SkipEmptyParts)) {
-        NoteSection section;
-        QString title = part.section(u':', 0, 0);
-        const bool active = title.startsWith(u'*');
-        if (active)
-            title.remove(0, 1);
-        section.isCollapsed = title.endsWith(u'+');
-        if (section.isCollapsed)
-            title.chop(1);
-        section.title = title;
-        section.id = idFor(title);
-        section.createdAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
-        if (active)
-            project.activeSectionID = section.id;
-        for (const QString &name : part.section(u':', 1).split(u',', Qt::SkipEmptyParts)) {
-            Note note;
-            note.id = idFor(name.toLower());
-            note.text = name.toLower();
-            note.isDone = name != name.toLower();
-            note.createdAt = note.updatedAt = QDateTime::fromSecsSinceEpoch(100, Qt::UTC);
-            if (note.isDone)
-                note.completedAt = note.createdAt;
-            section.notes.append(note);
-        }
-        project.sections.append(section);
+    // The fixture's project, its sections known by their titles alone.
+    Project project = describedProject(description);
+    for (NoteSection &section : project.sections) {
+        if (project.activeSectionID == section.id)
+            project.activeSectionID = idFor(section.title);
+        section.id = idFor(section.title);
     }
     if (!project.activeSectionID && !project.sections.isEmpty())
         project.activeSectionID = project.sections.first().id;
