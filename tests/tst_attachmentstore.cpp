@@ -70,14 +70,14 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void importKeepsNameTypeAndSize();
+    void recordKeepsNameTypeAndSize_data();
+    void recordKeepsNameTypeAndSize();
     void foldersAmongSourcesAreSkipped();
     void importIsAllOrNothing_data();
     void importIsAllOrNothing();
     void contentType_data();
     void contentType();
     void filesAndFoldersArePrivate();
-    void pastedImageIsWrittenWhole();
     void failedPastedImageLeavesItsEmptyFolder();
     void largeSparseFileIsCopiedInPieces();
     void copyInPiecesRefusesWhatItShould();
@@ -112,31 +112,51 @@ void AttachmentStoreTest::cleanup()
     m_scratch.reset();
 }
 
-void AttachmentStoreTest::importKeepsNameTypeAndSize()
+void AttachmentStoreTest::recordKeepsNameTypeAndSize_data()
 {
-    const QByteArray bytes = randomBytes(3 * 1024 * 1024 + 12, 1);
-    const QString source = m_sources + QStringLiteral("/Holiday Photo.JPG");
-    writeFile(source, bytes);
-    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
+    QTest::addColumn<QString>("source"); // empty: a pasted image
+    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<QString>("type");
+    QTest::newRow("an imported file") << "Holiday Photo.JPG"
+                                      << "Holiday Photo.JPG"
+                                      << "image/jpeg";
+    QTest::newRow("a pasted image") << ""
+                                    << "Pasted Image.png"
+                                    << "image/png";
+}
 
-    const ImportResult result
-        = AttachmentStore::importFilesNow({QUrl::fromLocalFile(source)}, m_folder);
+void AttachmentStoreTest::recordKeepsNameTypeAndSize()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, fileName);
+    QFETCH(QString, type);
+    const QByteArray bytes = randomBytes(3 * 1024 * 1024 + 12, 1);
+    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
+    ImportResult result;
+    if (source.isEmpty()) {
+        result = AttachmentStore::writePastedImageNow(bytes, m_folder);
+    } else {
+        writeFile(m_sources + u'/' + source, bytes);
+        result = AttachmentStore::importFilesNow(
+            {QUrl::fromLocalFile(m_sources + u'/' + source)}, m_folder);
+        QCOMPARE(readFile(m_sources + u'/' + source), bytes); // the source stays
+    }
     QVERIFY2(result.succeeded(), qPrintable(result.error.value_or(QString())));
     QCOMPARE(result.attachments.size(), 1);
     const NoteAttachment &attachment = result.attachments.first();
 
     // The folder is the record's id, upper case and hyphenated, holding the file under its name.
-    const QString folderName = attachment.storedFileName.section(u'/', 0, 0);
-    QCOMPARE(folderName, attachment.id.toString(QUuid::WithoutBraces).toUpper());
-    QCOMPARE(attachment.storedFileName, folderName + QStringLiteral("/Holiday Photo.JPG"));
-    QCOMPARE(attachment.fileName, QStringLiteral("Holiday Photo.JPG"));
+    const QString folderName = attachment.id.toString(QUuid::WithoutBraces).toUpper();
+    QCOMPARE(attachment.storedFileName, folderName + u'/' + fileName);
+    QCOMPARE(attachment.fileName, fileName);
     QCOMPARE(attachment.kind, NoteAttachment::Kind::Image);
-    QCOMPARE(attachment.contentTypeIdentifier, QStringLiteral("image/jpeg"));
+    QCOMPARE(attachment.contentTypeIdentifier, type);
     QCOMPARE(attachment.byteCount, bytes.size());
     QVERIFY(attachment.createdAt >= before);
     QVERIFY(attachment.createdAt <= QDateTime::currentDateTimeUtc().addSecs(1));
+    // Nothing but the file: no partial file is left beside it.
+    QCOMPARE(fileTree(m_folder), QStringList({folderName, attachment.storedFileName}));
     QCOMPARE(readFile(m_folder + u'/' + attachment.storedFileName), bytes);
-    QCOMPARE(readFile(source), bytes); // the source stays
 }
 
 void AttachmentStoreTest::foldersAmongSourcesAreSkipped()
@@ -267,35 +287,6 @@ void AttachmentStoreTest::filesAndFoldersArePrivate()
         QCOMPARE(fileMode(file), 0600u);
         QCOMPARE(fileMode(QFileInfo(file).absolutePath()), 0700u);
     }
-}
-
-void AttachmentStoreTest::pastedImageIsWrittenWhole()
-{
-    const QByteArray png = randomBytes(64 * 1024, 4);
-    const ImportResult result = AttachmentStore::writePastedImageNow(png, m_folder);
-    QVERIFY(result.succeeded());
-    QCOMPARE(result.attachments.size(), 1);
-    const NoteAttachment &attachment = result.attachments.first();
-    const QString folderName = attachment.id.toString(QUuid::WithoutBraces).toUpper();
-    QCOMPARE(attachment.fileName, QStringLiteral("Pasted Image.png"));
-    QCOMPARE(attachment.storedFileName, folderName + QStringLiteral("/Pasted Image.png"));
-    QCOMPARE(attachment.kind, NoteAttachment::Kind::Image);
-    QCOMPARE(attachment.contentTypeIdentifier, QStringLiteral("image/png"));
-    QCOMPARE(attachment.byteCount, png.size());
-    QCOMPARE(readFile(m_folder + u'/' + attachment.storedFileName), png);
-    // Nothing but the image: no partial file is left beside it.
-    QCOMPARE(fileTree(m_folder),
-        QStringList({folderName, folderName + QStringLiteral("/Pasted Image.png")}));
-
-    // The same through the store's thread, answered on this one.
-    bool answered = false;
-    QObject context;
-    m_attachments->writePastedImage(png, m_folder, &context, [&](const ImportResult &r) {
-        answered = true;
-        QVERIFY(r.succeeded());
-        QCOMPARE(readFile(m_folder + u'/' + r.attachments.first().storedFileName), png);
-    });
-    QVERIFY(QTest::qWaitFor([&] { return answered; }, 10000));
 }
 
 void AttachmentStoreTest::failedPastedImageLeavesItsEmptyFolder()
