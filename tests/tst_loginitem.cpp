@@ -41,11 +41,9 @@ private Q_SLOTS:
     void turnsOnAndOff();
     void execLine_data();
     void execLine();
-    void hiddenEntryIsOff_data();
-    void hiddenEntryIsOff();
+    void existingEntryIsReadAndTakenOver_data();
+    void existingEntryIsReadAndTakenOver();
     void readOnlyFolderKeepsTheTruth();
-    void olderEntryIsTakenOver_data();
-    void olderEntryIsTakenOver();
 };
 
 void LoginItemTest::defaultFolderFollowsXdgConfigHome()
@@ -104,64 +102,49 @@ void LoginItemTest::execLine()
     QCOMPARE(entryValue(LoginItem::entryText(program), "Exec"), exec);
 }
 
-void LoginItemTest::hiddenEntryIsOff_data()
+void LoginItemTest::existingEntryIsReadAndTakenOver_data()
 {
+    QTest::addColumn<QString>("fileName");
     QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<bool>("enabled");
-    QTest::newRow("hidden") << QByteArray("[Desktop Entry]\nType=Application\nHidden=true\n")
-                            << false;
-    QTest::newRow("hidden false") << QByteArray("[Desktop Entry]\nHidden=false\nExec=vesko\n")
-                                  << true;
-    QTest::newRow("hidden with blanks")
-        << QByteArray("[Desktop Entry]\nHidden = true\nExec=vesko\n") << false;
-    QTest::newRow("hidden in another group")
-        << QByteArray("[Desktop Entry]\nExec=vesko\n[Desktop Action x]\nHidden=true\n") << true;
-}
-
-void LoginItemTest::hiddenEntryIsOff()
-{
-    QFETCH(QByteArray, text);
-    QFETCH(bool, enabled);
-    QTemporaryDir root;
-    LoginItem item(root.path(), QStringLiteral("/usr/bin/vesko"));
-    writeFile(item.entryPath(), text);
-    QCOMPARE(item.isEnabled(), enabled);
-    if (!enabled) {
-        // Turning a hidden entry on writes a visible one in its place.
-        QCOMPARE(item.setEnabled(true), std::nullopt);
-        QVERIFY(item.isEnabled());
-        QCOMPARE(entryValue(readFile(item.entryPath()), "Exec"), QStringLiteral("/usr/bin/vesko"));
-    }
-}
-
-void LoginItemTest::olderEntryIsTakenOver_data()
-{
-    QTest::addColumn<QByteArray>("olderText");
-    QTest::addColumn<bool>("enable");
     QTest::addColumn<bool>("wasEnabled");
+    QTest::addColumn<bool>("enable");
+    const QString own = QStringLiteral("com.vesko.Vesko.desktop");
+    const QString older = QStringLiteral("vesko.desktop");
     const QByteArray on = "[Desktop Entry]\nType=Application\nExec=/usr/bin/vesko\n";
     const QByteArray hidden = on + "Hidden=true\n";
-    QTest::newRow("an older entry on, turned off") << on << false << true;
-    QTest::newRow("an older entry on, turned on again") << on << true << true;
-    QTest::newRow("an older hidden entry, turned on") << hidden << true << false;
-    QTest::newRow("an older hidden entry, turned off") << hidden << false << false;
+    QTest::newRow("hidden, turned on") << own << hidden << false << true;
+    QTest::newRow("hidden false") << own
+                                  << QByteArray("[Desktop Entry]\nHidden=false\nExec=vesko\n")
+                                  << true << false;
+    QTest::newRow("hidden with blanks")
+        << own << QByteArray("[Desktop Entry]\nHidden = true\nExec=vesko\n") << false << true;
+    QTest::newRow("hidden in another group")
+        << own << QByteArray("[Desktop Entry]\nExec=vesko\n[Desktop Action x]\nHidden=true\n")
+        << true << false;
+    QTest::newRow("an older entry on, turned off") << older << on << true << false;
+    QTest::newRow("an older entry on, turned on again") << older << on << true << true;
+    QTest::newRow("an older hidden entry, turned on") << older << hidden << false << true;
+    QTest::newRow("an older hidden entry, turned off") << older << hidden << false << false;
 }
 
-void LoginItemTest::olderEntryIsTakenOver()
+void LoginItemTest::existingEntryIsReadAndTakenOver()
 {
-    QFETCH(QByteArray, olderText);
-    QFETCH(bool, enable);
+    QFETCH(QString, fileName);
+    QFETCH(QByteArray, text);
     QFETCH(bool, wasEnabled);
+    QFETCH(bool, enable);
     QTemporaryDir root;
     LoginItem item(root.path(), QStringLiteral("/usr/bin/vesko"));
-    writeFile(root.filePath(QStringLiteral("vesko.desktop")), olderText);
+    writeFile(root.filePath(fileName), text);
 
     QCOMPARE(item.isEnabled(), wasEnabled);
     QCOMPARE(item.setEnabled(enable), std::nullopt);
     QCOMPARE(item.isEnabled(), enable);
-    // One entry at most, under the application's id.
+    // One visible entry at most, under the application's id.
     QCOMPARE(QDir(root.path()).entryList(QDir::Files | QDir::Hidden),
         enable ? QStringList {"com.vesko.Vesko.desktop"} : QStringList {});
+    if (enable)
+        QCOMPARE(entryValue(readFile(item.entryPath()), "Exec"), QStringLiteral("/usr/bin/vesko"));
 }
 
 void LoginItemTest::readOnlyFolderKeepsTheTruth()
