@@ -22,43 +22,23 @@ using namespace Vesko;
 
 namespace {
 
-//! Each toast as "message|symbol".
-class RecordingFeedback : public AttachmentFeedback
+//! The dialog, the clipboard, the file manager and the toast: each answers
+//! later, through the event loop, as the real ones do, and records what it
+//! was asked (each toast as "message|symbol").
+struct StandIns : AttachmentFeedback, FileChooser, PasteboardReader, DesktopFiles
 {
-public:
     void toast(const QString &message, const QString &symbol) override
     {
         toasts.append(message + u'|' + symbol);
     }
-    QStringList toasts;
-};
-
-// Answers later, through the event loop, as the real dialog does.
-class FakeChooser : public FileChooser
-{
-public:
     void chooseFiles(std::function<void(const QList<QUrl> &)> done) override
     {
-        ++opened;
-        QTimer::singleShot(0, [done, files = answer] { done(files); });
+        QTimer::singleShot(0, [done, files = chosen] { done(files); });
     }
-    QList<QUrl> answer;
-    int opened = 0;
-};
-
-class FakePasteboard : public PasteboardReader
-{
-public:
     void readPasteboard(std::function<void(const PasteboardContent &)> done) override
     {
-        QTimer::singleShot(0, [done, content = content] { done(content); });
+        QTimer::singleShot(0, [done, content = pasted] { done(content); });
     }
-    PasteboardContent content;
-};
-
-class RecordingDesktop : public DesktopFiles
-{
-public:
     void open(const QString &path, Unhandled unhandled) override
     {
         opened.append(path);
@@ -69,15 +49,18 @@ public:
         revealed.append(path);
         answer(unhandled);
     }
-    // Later, through the event loop, as the desktop's answer comes.
     void answer(const Unhandled &unhandled) const
     {
         if (!handles)
             QTimer::singleShot(0, unhandled);
     }
+
+    QList<QUrl> chosen;
+    PasteboardContent pasted;
+    bool handles = true;
+    QStringList toasts;
     QStringList opened;
     QStringList revealed;
-    bool handles = true;
 };
 
 } // namespace
@@ -109,10 +92,7 @@ private:
     std::unique_ptr<Test::StoreFixture> m_fixture;
     Store *m_store = nullptr;
     AttachmentStore *m_files = nullptr;
-    FakeChooser m_chooser;
-    FakePasteboard m_pasteboard;
-    RecordingDesktop m_desktop;
-    RecordingFeedback m_feedback;
+    std::unique_ptr<StandIns> m_desktop;
     std::unique_ptr<AttachmentActions> m_actions;
     QUuid m_noteID;
 };
@@ -125,12 +105,9 @@ void AttachmentActionsTest::init()
     m_fixture = std::make_unique<Test::StoreFixture>();
     m_store = &m_fixture->make(makeDefaultLibrary());
     m_files = &m_fixture->attachments();
-    m_chooser = {};
-    m_pasteboard = {};
-    m_desktop = {};
-    m_feedback = {};
+    m_desktop = std::make_unique<StandIns>();
     m_actions = std::make_unique<AttachmentActions>(AttachmentActions::Services {
-        *m_store, *m_files, m_chooser, m_pasteboard, m_desktop, m_feedback});
+        *m_store, *m_files, *m_desktop, *m_desktop, *m_desktop, *m_desktop});
     m_noteID = m_store->addNote(QStringLiteral("target"))->id;
 }
 
@@ -190,8 +167,8 @@ void AttachmentActionsTest::toasts()
         files = {QUrl::fromLocalFile(makeSource(QStringLiteral("file.txt")))};
     else if (offered == u"missing")
         files = {QUrl::fromLocalFile(m_scratch->filePath(QStringLiteral("gone.txt")))};
-    m_chooser.answer = files;
-    m_pasteboard.content.fileURLs = files;
+    m_desktop->chosen = files;
+    m_desktop->pasted.fileURLs = files;
 
     const qsizetype undoSteps = m_store->undoStepCount();
     if (entry == u"add")
@@ -207,11 +184,11 @@ void AttachmentActionsTest::toasts()
         // Nothing more comes: let every queued answer through.
         m_files->waitForIdle();
         QCoreApplication::processEvents();
-        QCOMPARE(m_feedback.toasts.size(), 0);
+        QCOMPARE(m_desktop->toasts.size(), 0);
     } else {
-        QVERIFY(QTest::qWaitFor([&] { return !m_feedback.toasts.isEmpty(); }, 10000));
-        QCOMPARE(m_feedback.toasts.size(), 1);
-        QCOMPARE(m_feedback.toasts.first(), message + u'|' + symbol);
+        QVERIFY(QTest::qWaitFor([&] { return !m_desktop->toasts.isEmpty(); }, 10000));
+        QCOMPARE(m_desktop->toasts.size(), 1);
+        QCOMPARE(m_desktop->toasts.first(), message + u'|' + symbol);
     }
     QCOMPARE(m_store->note(m_noteID)->attachments.size(), attached);
     QCOMPARE(m_store->undoStepCount(), undoSteps + (attached > 0 ? 1 : 0));
@@ -234,7 +211,7 @@ void AttachmentActionsTest::nothingToHandTheFileTo()
     QFETCH(QString, action);
     QFETCH(bool, handles);
     QFETCH(QString, message);
-    m_desktop.handles = handles;
+    m_desktop->handles = handles;
     NoteAttachment attachment;
     attachment.id = QUuid::createUuid();
     attachment.fileName = QStringLiteral("Q3 report.pdf");
@@ -243,15 +220,15 @@ void AttachmentActionsTest::nothingToHandTheFileTo()
         m_actions->openAttachment(attachment);
     else
         m_actions->revealAttachment(attachment);
-    QCOMPARE(m_desktop.opened.size() + m_desktop.revealed.size(), 1);
+    QCOMPARE(m_desktop->opened.size() + m_desktop->revealed.size(), 1);
     // Let the desktop's answer through.
     QCoreApplication::processEvents();
     QCoreApplication::processEvents();
     if (message.isEmpty()) {
-        QVERIFY(m_feedback.toasts.isEmpty());
+        QVERIFY(m_desktop->toasts.isEmpty());
     } else {
-        QCOMPARE(m_feedback.toasts.size(), 1);
-        QCOMPARE(m_feedback.toasts.first(), message + QStringLiteral("|exclamationmark.triangle"));
+        QCOMPARE(m_desktop->toasts.size(), 1);
+        QCOMPARE(m_desktop->toasts.first(), message + QStringLiteral("|exclamationmark.triangle"));
     }
 }
 
@@ -267,13 +244,13 @@ void AttachmentActionsTest::sameNameTwiceOpensBoth()
         m_actions->openAttachment(attachment);
         m_actions->revealAttachment(attachment);
     }
-    QCOMPARE(m_desktop.opened.size(), 2);
-    QCOMPARE(m_desktop.opened, m_desktop.revealed);
-    QVERIFY(m_desktop.opened.at(0) != m_desktop.opened.at(1));
+    QCOMPARE(m_desktop->opened.size(), 2);
+    QCOMPARE(m_desktop->opened, m_desktop->revealed);
+    QVERIFY(m_desktop->opened.at(0) != m_desktop->opened.at(1));
     const QString folder = attachmentsFolder(libraryURL());
     for (qsizetype i = 0; i < 2; ++i) {
-        QCOMPARE(m_desktop.opened.at(i), folder + u'/' + attachments.at(i).storedFileName);
-        QFile file(m_desktop.opened.at(i));
+        QCOMPARE(m_desktop->opened.at(i), folder + u'/' + attachments.at(i).storedFileName);
+        QFile file(m_desktop->opened.at(i));
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), QByteArray(i == 0 ? "one/same.txt" : "two/same.txt"));
     }
@@ -283,8 +260,8 @@ void AttachmentActionsTest::sameNameTwiceOpensBoth()
     outside.storedFileName = QStringLiteral("../Library.json");
     m_actions->openAttachment(outside);
     m_actions->revealAttachment(outside);
-    QCOMPARE(m_desktop.opened.size(), 2);
-    QCOMPARE(m_desktop.revealed.size(), 2);
+    QCOMPARE(m_desktop->opened.size(), 2);
+    QCOMPARE(m_desktop->revealed.size(), 2);
 }
 
 void AttachmentActionsTest::addedDuringAMoveGoToTheNewFolder_data()
@@ -309,11 +286,10 @@ void AttachmentActionsTest::addedDuringAMoveGoToTheNewFolder()
     large.close();
     const QString source = makeSource(QStringLiteral("added.txt"));
     const QByteArray png("\x89PNG pasted during the move");
-    m_pasteboard.content.fileURLs = {};
     if (entry == u"paste file")
-        m_pasteboard.content.fileURLs = {QUrl::fromLocalFile(source)};
+        m_desktop->pasted.fileURLs = {QUrl::fromLocalFile(source)};
     else if (entry == u"paste image")
-        m_pasteboard.content.png = png;
+        m_desktop->pasted.png = png;
 
     const QString destination = m_scratch->filePath(QStringLiteral("Moved"));
     QDir().mkpath(destination);
@@ -351,7 +327,7 @@ void AttachmentActionsTest::addedDuringAMoveGoToTheNewFolder()
     QFile file(*path);
     QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(*path));
     QCOMPARE(file.readAll(), entry == u"paste image" ? png : QByteArray("added.txt"));
-    QVERIFY(m_feedback.toasts.isEmpty() || entry == u"drop");
+    QVERIFY(m_desktop->toasts.isEmpty() || entry == u"drop");
 }
 
 void AttachmentActionsTest::formatsToRead_data()

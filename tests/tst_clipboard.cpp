@@ -262,14 +262,10 @@ void ClipboardTest::storeCopiesLandAsText()
 {
     Test::StoreFixture fixture;
     Library library = makeDefaultLibrary();
-    QList<QUuid> ids;
-    for (const char *text : {"alpha", "**beta**\nline"}) {
-        Note note;
-        note.id = makeID();
-        note.text = QString::fromUtf8(text);
-        library.projects[0].sections[0].notes.append(note);
-        ids.append(note.id);
-    }
+    NoteList &notes = library.projects[0].sections[0].notes;
+    notes = {
+        Test::noteWith(QStringLiteral("alpha")), Test::noteWith(QStringLiteral("**beta**\nline"))};
+    const QList<QUuid> ids {notes.at(0).id, notes.at(1).id};
     Store &store = fixture.make(library);
     X11Clipboard clipboard;
 
