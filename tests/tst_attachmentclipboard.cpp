@@ -85,7 +85,6 @@ private Q_SLOTS:
     void formatChosen();
     void nothingUsable_data();
     void nothingUsable();
-    void silentOwnerDoesNotHoldTheProgram();
     void lateAnswerIsNotTakenForTheNext();
     void ownClipboardIsReadDirectly();
     void pasteEndsOnDiskAndInTheLibrary_data();
@@ -276,28 +275,6 @@ void AttachmentClipboardTest::nothingUsable()
     QVERIFY(content->isEmpty());
 }
 
-void AttachmentClipboardTest::silentOwnerDoesNotHoldTheProgram()
-{
-    // Not even the list of formats comes.
-    QVERIFY(startOwner({QStringLiteral("TARGETS"), QStringLiteral("-1"), QStringLiteral("x")}));
-    std::optional<PasteboardContent> content;
-    bool turnedBeforeAnswer = false;
-    int turns = 0;
-    QTimer ticker;
-    connect(&ticker, &QTimer::timeout, [&] {
-        ++turns;
-        if (turns == 3 && !content)
-            turnedBeforeAnswer = true;
-    });
-    ticker.start(0);
-    m_reader->readPasteboard([&](const PasteboardContent &c) { content = c; });
-    // The call returned at once; the event loop goes on while the owner is silent.
-    QVERIFY(!content);
-    QVERIFY(QTest::qWaitFor([&] { return content.has_value(); }, 30000));
-    QVERIFY(turnedBeforeAnswer);
-    QVERIFY(content->isEmpty());
-}
-
 void AttachmentClipboardTest::lateAnswerIsNotTakenForTheNext()
 {
     // The owner answers the first request 2.6 s late, after the reader has
@@ -316,6 +293,8 @@ void AttachmentClipboardTest::lateAnswerIsNotTakenForTheNext()
     reader.read(
         QStringLiteral("image/png"), [&](const std::optional<QByteArray> &data) { first = data; });
     reader.offers([&](const QStringList &formats) { offers = formats; });
+    // Both returned at once: the answers come through the event loop.
+    QVERIFY(!first && !offers);
     QVERIFY(QTest::qWaitFor([&] { return offers.has_value(); }, 20000));
     QVERIFY(first.has_value());
     QCOMPARE(*first, std::nullopt); // given up on

@@ -77,7 +77,6 @@ private Q_SLOTS:
     void importIsAllOrNothing();
     void contentType_data();
     void contentType();
-    void filesAndFoldersArePrivate();
     void failedPastedImageLeavesItsEmptyFolder();
     void largeSparseFileIsCopiedInPieces();
     void copyInPiecesRefusesWhatItShould();
@@ -114,33 +113,34 @@ void AttachmentStoreTest::cleanup()
 
 void AttachmentStoreTest::recordKeepsNameTypeAndSize_data()
 {
-    QTest::addColumn<QString>("source"); // empty: a pasted image
-    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<bool>("pasted");
+    QTest::addColumn<QString>("fileName"); // and the source's name
     QTest::addColumn<QString>("type");
-    QTest::newRow("an imported file") << "Holiday Photo.JPG"
-                                      << "Holiday Photo.JPG"
-                                      << "image/jpeg";
-    QTest::newRow("a pasted image") << ""
-                                    << "Pasted Image.png"
-                                    << "image/png";
+    QTest::newRow("an imported file") << false << "Holiday Photo.JPG" << u"image/jpeg"_s;
+    QTest::newRow("a pasted image") << true << "Pasted Image.png" << u"image/png"_s;
 }
 
 void AttachmentStoreTest::recordKeepsNameTypeAndSize()
 {
-    QFETCH(QString, source);
+    QFETCH(bool, pasted);
     QFETCH(QString, fileName);
     QFETCH(QString, type);
+    const QString source = m_sources + u'/' + fileName;
     const QByteArray bytes = randomBytes(3 * 1024 * 1024 + 12, 1);
     const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
     ImportResult result;
-    if (source.isEmpty()) {
+    // Private whatever the process's mask and the source's permissions allow.
+    const mode_t previous = ::umask(0);
+    if (pasted) {
         result = AttachmentStore::writePastedImageNow(bytes, m_folder);
     } else {
-        writeFile(m_sources + u'/' + source, bytes);
-        result = AttachmentStore::importFilesNow(
-            {QUrl::fromLocalFile(m_sources + u'/' + source)}, m_folder);
-        QCOMPARE(readFile(m_sources + u'/' + source), bytes); // the source stays
+        writeFile(source, bytes);
+        ::chmod(QFile::encodeName(source).constData(), 0666);
+        result = AttachmentStore::importFilesNow({QUrl::fromLocalFile(source)}, m_folder);
     }
+    ::umask(previous);
+    if (!pasted)
+        QCOMPARE(readFile(source), bytes); // the source stays
     QVERIFY2(result.succeeded(), qPrintable(result.error.value_or(QString())));
     QCOMPARE(result.attachments.size(), 1);
     const NoteAttachment &attachment = result.attachments.first();
@@ -157,6 +157,11 @@ void AttachmentStoreTest::recordKeepsNameTypeAndSize()
     // Nothing but the file: no partial file is left beside it.
     QCOMPARE(fileTree(m_folder), QStringList({folderName, attachment.storedFileName}));
     QCOMPARE(readFile(m_folder + u'/' + attachment.storedFileName), bytes);
+    QCOMPARE(fileMode(m_folder + u'/' + attachment.storedFileName), 0600u);
+    // The folders too, those made on the way among them.
+    for (const QString &folder :
+        {m_folder + u'/' + folderName, m_folder, QFileInfo(m_folder).absolutePath()})
+        QCOMPARE(fileMode(folder), 0700u);
 }
 
 void AttachmentStoreTest::foldersAmongSourcesAreSkipped()
@@ -266,27 +271,6 @@ void AttachmentStoreTest::contentType()
     QCOMPARE(AttachmentStore::contentTypeForFileName(fileName), expected);
     QCOMPARE(AttachmentStore::kindOfContentType(expected),
         image ? NoteAttachment::Kind::Image : NoteAttachment::Kind::File);
-}
-
-void AttachmentStoreTest::filesAndFoldersArePrivate()
-{
-    writeFile(m_sources + QStringLiteral("/open.txt"), "readable by all");
-    ::chmod(QFile::encodeName(m_sources + QStringLiteral("/open.txt")).constData(), 0666);
-    const mode_t previous = ::umask(0);
-    const ImportResult imported = AttachmentStore::importFilesNow(
-        {QUrl::fromLocalFile(m_sources + QStringLiteral("/open.txt"))}, m_folder);
-    const ImportResult pasted = AttachmentStore::writePastedImageNow("png bytes", m_folder);
-    ::umask(previous);
-    QVERIFY(imported.succeeded());
-    QVERIFY(pasted.succeeded());
-
-    QCOMPARE(fileMode(m_folder), 0700u);
-    QCOMPARE(fileMode(QFileInfo(m_folder).absolutePath()), 0700u); // made on the way
-    for (const ImportResult *result : {&imported, &pasted}) {
-        const QString file = m_folder + u'/' + result->attachments.first().storedFileName;
-        QCOMPARE(fileMode(file), 0600u);
-        QCOMPARE(fileMode(QFileInfo(file).absolutePath()), 0700u);
-    }
 }
 
 void AttachmentStoreTest::failedPastedImageLeavesItsEmptyFolder()
