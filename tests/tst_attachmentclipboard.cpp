@@ -87,7 +87,6 @@ private Q_SLOTS:
     void nothingUsable();
     void lateAnswerIsNotTakenForTheNext();
     void ownClipboardIsReadDirectly();
-    void pasteEndsOnDiskAndInTheLibrary_data();
     void pasteEndsOnDiskAndInTheLibrary();
 
 private:
@@ -322,32 +321,14 @@ void AttachmentClipboardTest::ownClipboardIsReadDirectly()
     QCOMPARE(image.pixelColor(2, 3), QColor(Qt::magenta));
 }
 
-void AttachmentClipboardTest::pasteEndsOnDiskAndInTheLibrary_data()
-{
-    QTest::addColumn<QString>("offered"); // image, file
-    QTest::newRow("an image from xclip") << "image";
-    QTest::newRow("a file from xclip") << "file";
-}
-
+//! An image from xclip, pasted into a note.
 void AttachmentClipboardTest::pasteEndsOnDiskAndInTheLibrary()
 {
-    QFETCH(QString, offered);
-    QByteArray expectedBytes;
-    QString expectedName;
-    if (offered == u"image") {
-        // Larger than one request of the X protocol can carry: it comes in pieces.
-        expectedBytes = encoded(noise(1000, 1000), "PNG");
-        QVERIFY(expectedBytes.size() > 2 * 1024 * 1024);
-        expectedName = QStringLiteral("Pasted Image.png");
-        QVERIFY(offerWithXclip(
-            QStringLiteral("image/png"), writeScratch(QStringLiteral("shot.png"), expectedBytes)));
-    } else {
-        expectedBytes = "the minutes of the meeting";
-        expectedName = QStringLiteral("minutes.txt");
-        const QString file = writeScratch(expectedName, expectedBytes);
-        QVERIFY(offerWithXclip(QStringLiteral("text/uri-list"),
-            writeScratch(QStringLiteral("list"), QUrl::fromLocalFile(file).toEncoded() + "\r\n")));
-    }
+    // Larger than one request of the X protocol can carry: it comes in pieces.
+    const QByteArray expectedBytes = encoded(noise(1000, 1000), "PNG");
+    QVERIFY(expectedBytes.size() > 2 * 1024 * 1024);
+    QVERIFY(offerWithXclip(
+        QStringLiteral("image/png"), writeScratch(QStringLiteral("shot.png"), expectedBytes)));
 
     Test::StoreFixture fixture;
     Store &store = fixture.make(makeDefaultLibrary());
@@ -359,7 +340,7 @@ void AttachmentClipboardTest::pasteEndsOnDiskAndInTheLibrary()
     QVERIFY(quiet.toasts.isEmpty());
 
     const NoteAttachment attachment = store.note(noteID)->attachments.first();
-    QCOMPARE(attachment.fileName, expectedName);
+    QCOMPARE(attachment.fileName, QStringLiteral("Pasted Image.png"));
     QFile stored(attachmentsFolder(libraryURL()) + u'/' + attachment.storedFileName);
     QVERIFY(stored.open(QIODevice::ReadOnly));
     QCOMPARE(stored.readAll(), expectedBytes);

@@ -167,10 +167,8 @@ void AttachmentViewsTest::thumbnails()
     NoteAttachment attachment;
     QString path;
     if (file == u"png" || file == u"jpeg") {
-        QImage source(300, 200, QImage::Format_RGB32);
-        source.fill(colour);
         const QString name = QStringLiteral("A/picture.") + file;
-        path = saveImage(name, source, file == u"png" ? "PNG" : "JPEG");
+        path = saveImage(name, filled(300, 200, colour), file == u"png" ? "PNG" : "JPEG");
         attachment = recordFor(name, NoteAttachment::Kind::Image, QStringLiteral("image/") + file);
     } else if (file == u"corrupt") {
         path = writeBytes(QStringLiteral("B/broken.png"), "\x89PNG\r\n\x1a\n and then nothing");
@@ -191,9 +189,7 @@ void AttachmentViewsTest::thumbnails()
         // Twice the collapsed view's side, filling the square.
         const int side = thumbnailSide(view, false);
         QCOMPARE(view.image().size(), QSize(side, side));
-        const QColor centre = view.image().pixelColor(side / 2, side / 2);
-        QVERIFY(qAbs(centre.red() - colour.red()) < 10);
-        QVERIFY(qAbs(centre.green() - colour.green()) < 10);
+        QVERIFY(near(view.image().pixelColor(side / 2, side / 2), colour));
     } else if (attachment.kind == NoteAttachment::Kind::Image) {
         QVERIFY(QTest::qWaitFor([&] { return failed.count() == 1; }, 10000));
         QCOMPARE(m_cache->state(path), ThumbnailCache::State::Failed);
@@ -249,10 +245,8 @@ void AttachmentViewsTest::manyTilesReadEachFileOnce()
 {
     QList<NoteAttachment> attachments;
     for (int file = 0; file < 10; ++file) {
-        QImage image(120, 90, QImage::Format_RGB32);
-        image.fill(QColor::fromHsv(file * 30, 200, 200));
         const QString name = QStringLiteral("F%1/image.png").arg(file);
-        saveImage(name, image, "PNG");
+        saveImage(name, filled(120, 90, QColor::fromHsv(file * 30, 200, 200)), "PNG");
         attachments.append(
             recordFor(name, NoteAttachment::Kind::Image, QStringLiteral("image/png")));
     }
