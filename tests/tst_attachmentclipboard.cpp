@@ -202,13 +202,10 @@ void AttachmentClipboardTest::formatChosen_data()
     QTest::addColumn<QByteArray>("png");
     const QByteArray red = encoded(filled(8, 8, Qt::red), "PNG");
     const QByteArray yellow = encoded(filled(3, 3, Qt::yellow), "PNG");
-    const QByteArray jpeg = encoded(filled(40, 30, QColor(200, 40, 40)), "JPEG");
     const QByteArray bmp = encoded(filled(9, 5, Qt::darkRed), "BMP");
     QTest::newRow("a file before an image")
         << QStringList {"image/png", "text/uri-list"} << QList<QByteArray> {red, "FILE"} << QSize()
         << QColor() << QByteArray();
-    QTest::newRow("JPEG becomes PNG") << QStringList {"image/jpeg"} << QList<QByteArray> {jpeg}
-                                      << QSize(40, 30) << QColor(200, 40, 40) << QByteArray();
     QTest::newRow("a broken image leaves the next format")
         << QStringList {"image/jpeg", "image/bmp"} << QList<QByteArray> {"no JPEG at all", bmp}
         << QSize(9, 5) << QColor(Qt::darkRed) << QByteArray();

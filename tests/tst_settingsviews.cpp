@@ -111,21 +111,6 @@ QFileDialog *openFileDialog()
     return nullptr;
 }
 
-//! Chooses \a folder in the open "Move…" dialog and confirms it.
-void confirmMoveDialog(const QString &folder)
-{
-    QTRY_VERIFY_WITH_TIMEOUT(openFileDialog(), Test::patience);
-    QFileDialog *dialog = openFileDialog();
-    // The message stands inside the dialog, not only in its title bar.
-    QVERIFY(
-        visibleLabel(dialog, QStringLiteral("Choose where Vesko should keep your notes file.")));
-    QCOMPARE(dialog->labelText(QFileDialog::Accept), QStringLiteral("Move Here"));
-    QCOMPARE(dialog->fileMode(), QFileDialog::Directory);
-    dialog->setDirectory(folder);
-    dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"))->setText(folder);
-    QVERIFY(QMetaObject::invokeMethod(dialog, "accept"));
-}
-
 } // namespace
 
 class SettingsViewsTest : public QObject
@@ -746,7 +731,16 @@ void SettingsViewsTest::moveThereAndBackThroughTheDialog()
     const QString away = Test::IsolatedEnvironment::current().root() + QStringLiteral("/Synced");
     QDir().mkpath(away);
     findByText<QPushButton>(&view, QStringLiteral("Move…"))->click();
-    confirmMoveDialog(away);
+    QTRY_VERIFY_WITH_TIMEOUT(openFileDialog(), Test::patience);
+    QFileDialog *dialog = openFileDialog();
+    // The message stands inside the dialog, not only in its title bar.
+    QVERIFY(
+        visibleLabel(dialog, QStringLiteral("Choose where Vesko should keep your notes file.")));
+    QCOMPARE(dialog->labelText(QFileDialog::Accept), QStringLiteral("Move Here"));
+    QCOMPARE(dialog->fileMode(), QFileDialog::Directory);
+    dialog->setDirectory(away);
+    dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"))->setText(away);
+    QVERIFY(QMetaObject::invokeMethod(dialog, "accept"));
     // The progress line shows while the move runs.
     QVERIFY(storage->isMoving());
     QVERIFY(visibleLabel(&view, QStringLiteral("Moving your notes…")));
@@ -983,9 +977,7 @@ void SettingsViewsTest::exportAllWritesTheFile()
     dialog->selectFile(path);
     QVERIFY(QMetaObject::invokeMethod(dialog, "accept"));
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(path), Test::patience);
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(QString::fromUtf8(file.readAll()),
+    QCOMPARE(QString::fromUtf8(Test::readFile(path)),
         QStringLiteral("# Notes\n\n## Inbox\n\n- [ ] first line\n      second line\n"));
 }
 
