@@ -148,31 +148,24 @@ QString AttachmentViewsTest::writeBytes(const QString &storedFileName, const QBy
 void AttachmentViewsTest::thumbnails_data()
 {
     QTest::addColumn<QString>("file");
-    QTest::addColumn<bool>("image");
-    QTest::addColumn<QColor>("colour");
+    QTest::addColumn<QColor>("colour"); // invalid: not an image
 
-    QTest::newRow("png") << "png" << true << QColor(220, 20, 20);
-    QTest::newRow("jpeg") << "jpeg" << true << QColor(20, 180, 20);
-    QTest::newRow("corrupt image") << "corrupt" << false << QColor();
-    QTest::newRow("text file") << "text" << false << QColor();
+    QTest::newRow("png") << "png" << QColor(220, 20, 20);
+    QTest::newRow("jpeg") << "jpeg" << QColor(20, 180, 20);
+    QTest::newRow("text file") << "text" << QColor();
 }
 
 void AttachmentViewsTest::thumbnails()
 {
     QFETCH(QString, file);
-    QFETCH(bool, image);
     QFETCH(QColor, colour);
 
     NoteAttachment attachment;
     QString path;
-    if (file == u"png" || file == u"jpeg") {
+    if (colour.isValid()) {
         const QString name = QStringLiteral("A/picture.") + file;
         path = saveImage(name, filled(300, 200, colour), file == u"png" ? "PNG" : "JPEG");
         attachment = recordFor(name, NoteAttachment::Kind::Image, QStringLiteral("image/") + file);
-    } else if (file == u"corrupt") {
-        path = writeBytes(QStringLiteral("B/broken.png"), "\x89PNG\r\n\x1a\n and then nothing");
-        attachment = recordFor(QStringLiteral("B/broken.png"), NoteAttachment::Kind::Image,
-            QStringLiteral("image/png"));
     } else {
         path = writeBytes(QStringLiteral("D/notes.txt"), "plain words");
         attachment = recordFor(QStringLiteral("D/notes.txt"), NoteAttachment::Kind::File,
@@ -182,22 +175,12 @@ void AttachmentViewsTest::thumbnails()
     AttachmentThumbnailView view(*m_cache);
     view.setAttachment(attachment, path);
     view.show();
-    QSignalSpy failed(m_cache.get(), &ThumbnailCache::thumbnailFailed);
-    if (image) {
+    if (colour.isValid()) {
         QVERIFY(QTest::qWaitFor([&] { return view.hasImage(); }, 10000));
         // Twice the collapsed view's side, filling the square.
         const int side = thumbnailSide(view, false);
         QCOMPARE(view.image().size(), QSize(side, side));
         QVERIFY(near(view.image().pixelColor(side / 2, side / 2), colour));
-    } else if (attachment.kind == NoteAttachment::Kind::Image) {
-        QVERIFY(QTest::qWaitFor([&] { return failed.count() == 1; }, 10000));
-        QCOMPARE(m_cache->state(path), ThumbnailCache::State::Failed);
-        QVERIFY(!view.hasImage());
-        // A failed file is not read again.
-        AttachmentThumbnailView again(*m_cache);
-        again.setAttachment(attachment, path);
-        again.show();
-        QCOMPARE(m_cache->readCount(), 1);
     } else {
         QCoreApplication::processEvents();
         QVERIFY(!view.hasImage());
@@ -337,6 +320,15 @@ void AttachmentViewsTest::changedFileIsReadAgain()
         QVERIFY(QTest::qWaitFor(
             [&] { return m_cache->state(path) != ThumbnailCache::State::Pending; }, 10000));
         QCOMPARE(first.hasImage(), firstDecodes);
+        QCOMPARE(m_cache->state(path) == ThumbnailCache::State::Failed, !firstDecodes);
+        if (!firstDecodes) {
+            // Asked again while it is unchanged, a file that failed is not read again.
+            bool answered = false;
+            m_cache->thumbnail(path, thumbnailSide(first, false), &first,
+                [&answered](const QImage &) { answered = true; });
+            QVERIFY(QTest::qWaitFor([&] { return answered; }, 10000));
+            QCOMPARE(m_cache->readCount(), 1);
+        }
     }
 
     // Another file under the same name (written beside it and renamed over
