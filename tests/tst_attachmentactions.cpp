@@ -202,7 +202,6 @@ void AttachmentActionsTest::nothingToHandTheFileTo_data()
 
     QTest::newRow("opened") << "open" << true << "";
     QTest::newRow("no application") << "open" << false << "No Application for “Q3 report.pdf”";
-    QTest::newRow("shown") << "reveal" << true << "";
     QTest::newRow("no file manager") << "reveal" << false << "No File Manager Found";
 }
 

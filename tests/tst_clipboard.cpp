@@ -248,14 +248,11 @@ void ClipboardTest::largeImagePiecewise()
 void ClipboardTest::emptyClipboardRestoresEmpty()
 {
     X11Clipboard clipboard;
+    clipboard.setText(QStringLiteral("x"));
     clipboard.restore({});
     QCOMPARE(snapshotOf(clipboard), Clipboard::Snapshot {});
     QVERIFY(!readWithXclip(QStringLiteral("UTF8_STRING")).has_value()
         || readWithXclip(QStringLiteral("UTF8_STRING"))->isEmpty());
-
-    clipboard.setText(QStringLiteral("x"));
-    clipboard.restore(snapshotOf(clipboard).value().mid(0, 0));
-    QCOMPARE(snapshotOf(clipboard), Clipboard::Snapshot {});
 }
 
 void ClipboardTest::storeCopiesLandAsText()

@@ -230,7 +230,6 @@ void ShortcutRecorderTest::keyNamesFollowTheLayout_data()
     QTest::addColumn<int>("group");
     QTest::addColumn<QString>("name");
     QTest::newRow("German") << 29 << "Y" << QStringList {"de"} << 0 << "Z";
-    QTest::newRow("French") << 24 << "Q" << QStringList {"fr"} << 0 << "A";
     // Es, the Cyrillic letter.
     QTest::newRow("Russian first")
         << 54 << "C" << QStringList {"-layout", "ru,us"} << 0 << "\u0421";
