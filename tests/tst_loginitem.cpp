@@ -38,11 +38,10 @@ class LoginItemTest : public QObject
 
 private Q_SLOTS:
     void defaultFolderFollowsXdgConfigHome();
-    void turnsOnAndOff();
     void execLine_data();
     void execLine();
-    void existingEntryIsReadAndTakenOver_data();
-    void existingEntryIsReadAndTakenOver();
+    void turnedOverWhatIsThere_data();
+    void turnedOverWhatIsThere();
     void readOnlyFolderKeepsTheTruth();
 };
 
@@ -53,35 +52,6 @@ void LoginItemTest::defaultFolderFollowsXdgConfigHome()
     QCOMPARE(LoginItem::forCurrentProgram().entryPath(),
         Test::IsolatedEnvironment::current().configHome()
             + QStringLiteral("/autostart/com.vesko.Vesko.desktop"));
-}
-
-void LoginItemTest::turnsOnAndOff()
-{
-    QTemporaryDir root;
-    const QString folder = root.filePath(QStringLiteral("config/autostart"));
-    LoginItem item(folder, QStringLiteral("/usr/bin/vesko"));
-    const QString entry = folder + QStringLiteral("/com.vesko.Vesko.desktop");
-
-    QVERIFY(!item.isEnabled());
-    QCOMPARE(item.setEnabled(true), std::nullopt);
-    QVERIFY(item.isEnabled());
-    const QByteArray text = readFile(entry);
-    QVERIFY(text.startsWith("[Desktop Entry]\n"));
-    QCOMPARE(entryValue(text, "Exec"), QStringLiteral("/usr/bin/vesko"));
-    QCOMPARE(entryValue(text, "Type"), QStringLiteral("Application"));
-    QCOMPARE(entryValue(text, "Hidden"), QString());
-    // No temporary file is left beside it.
-    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden),
-        QStringList {"com.vesko.Vesko.desktop"});
-
-    // Turning it on again changes nothing.
-    QCOMPARE(item.setEnabled(true), std::nullopt);
-    QCOMPARE(readFile(entry), text);
-
-    QCOMPARE(item.setEnabled(false), std::nullopt);
-    QVERIFY(!QFile::exists(entry));
-    QVERIFY(!item.isEnabled());
-    QCOMPARE(item.setEnabled(false), std::nullopt);
 }
 
 void LoginItemTest::execLine_data()
@@ -102,9 +72,11 @@ void LoginItemTest::execLine()
     QCOMPARE(entryValue(LoginItem::entryText(program), "Exec"), exec);
 }
 
-void LoginItemTest::existingEntryIsReadAndTakenOver_data()
+//! Turned on or off over what the autostart folder holds, twice: the second
+//! time changes nothing.
+void LoginItemTest::turnedOverWhatIsThere_data()
 {
-    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<QString>("fileName"); // empty: no entry, not even the folder
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<bool>("wasEnabled");
     QTest::addColumn<bool>("enable");
@@ -112,6 +84,8 @@ void LoginItemTest::existingEntryIsReadAndTakenOver_data()
     const QString older = QStringLiteral("vesko.desktop");
     const QByteArray on = "[Desktop Entry]\nType=Application\nExec=/usr/bin/vesko\n";
     const QByteArray hidden = on + "Hidden=true\n";
+    QTest::newRow("none, turned on") << QString() << QByteArray() << false << true;
+    QTest::newRow("none, turned off") << QString() << QByteArray() << false << false;
     QTest::newRow("hidden, turned on") << own << hidden << false << true;
     QTest::newRow("hidden false") << own
                                   << QByteArray("[Desktop Entry]\nHidden=false\nExec=vesko\n")
@@ -127,24 +101,33 @@ void LoginItemTest::existingEntryIsReadAndTakenOver_data()
     QTest::newRow("an older hidden entry, turned off") << older << hidden << false << false;
 }
 
-void LoginItemTest::existingEntryIsReadAndTakenOver()
+void LoginItemTest::turnedOverWhatIsThere()
 {
     QFETCH(QString, fileName);
     QFETCH(QByteArray, text);
     QFETCH(bool, wasEnabled);
     QFETCH(bool, enable);
     QTemporaryDir root;
-    LoginItem item(root.path(), QStringLiteral("/usr/bin/vesko"));
-    writeFile(root.filePath(fileName), text);
+    const QString folder = root.filePath(QStringLiteral("config/autostart"));
+    LoginItem item(folder, QStringLiteral("/usr/bin/vesko"));
+    if (!fileName.isEmpty())
+        writeFile(folder + u'/' + fileName, text);
 
     QCOMPARE(item.isEnabled(), wasEnabled);
     QCOMPARE(item.setEnabled(enable), std::nullopt);
+    const QByteArray written = readFile(item.entryPath());
+    QCOMPARE(item.setEnabled(enable), std::nullopt);
+    QCOMPARE(readFile(item.entryPath()), written);
     QCOMPARE(item.isEnabled(), enable);
-    // One visible entry at most, under the application's id.
-    QCOMPARE(QDir(root.path()).entryList(QDir::Files | QDir::Hidden),
+    // One visible entry at most, under the application's id, and no temporary file beside it.
+    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden),
         enable ? QStringList {"com.vesko.Vesko.desktop"} : QStringList {});
-    if (enable)
-        QCOMPARE(entryValue(readFile(item.entryPath()), "Exec"), QStringLiteral("/usr/bin/vesko"));
+    if (enable) {
+        QVERIFY(written.startsWith("[Desktop Entry]\n"));
+        QCOMPARE(entryValue(written, "Exec"), QStringLiteral("/usr/bin/vesko"));
+        QCOMPARE(entryValue(written, "Type"), QStringLiteral("Application"));
+        QCOMPARE(entryValue(written, "Hidden"), QString());
+    }
 }
 
 void LoginItemTest::readOnlyFolderKeepsTheTruth()
