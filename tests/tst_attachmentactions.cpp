@@ -92,7 +92,7 @@ private:
     std::unique_ptr<Test::StoreFixture> m_fixture;
     Store *m_store = nullptr;
     AttachmentStore *m_files = nullptr;
-    std::unique_ptr<StandIns> m_desktop;
+    std::unique_ptr<StandIns> m_standIns;
     std::unique_ptr<AttachmentActions> m_actions;
     QUuid m_noteID;
 };
@@ -105,9 +105,9 @@ void AttachmentActionsTest::init()
     m_fixture = std::make_unique<Test::StoreFixture>();
     m_store = &m_fixture->make(makeDefaultLibrary());
     m_files = &m_fixture->attachments();
-    m_desktop = std::make_unique<StandIns>();
+    m_standIns = std::make_unique<StandIns>();
     m_actions = std::make_unique<AttachmentActions>(AttachmentActions::Services {
-        *m_store, *m_files, *m_desktop, *m_desktop, *m_desktop, *m_desktop});
+        *m_store, *m_files, *m_standIns, *m_standIns, *m_standIns, *m_standIns});
     m_noteID = m_store->addNote(QStringLiteral("target"))->id;
 }
 
@@ -167,8 +167,8 @@ void AttachmentActionsTest::toasts()
         files = {QUrl::fromLocalFile(makeSource(QStringLiteral("file.txt")))};
     else if (offered == u"missing")
         files = {QUrl::fromLocalFile(m_scratch->filePath(QStringLiteral("gone.txt")))};
-    m_desktop->chosen = files;
-    m_desktop->pasted.fileURLs = files;
+    m_standIns->chosen = files;
+    m_standIns->pasted.fileURLs = files;
 
     const qsizetype undoSteps = m_store->undoStepCount();
     if (entry == u"add")
@@ -184,11 +184,11 @@ void AttachmentActionsTest::toasts()
         // Nothing more comes: let every queued answer through.
         m_files->waitForIdle();
         QCoreApplication::processEvents();
-        QCOMPARE(m_desktop->toasts.size(), 0);
+        QCOMPARE(m_standIns->toasts.size(), 0);
     } else {
-        QVERIFY(QTest::qWaitFor([&] { return !m_desktop->toasts.isEmpty(); }, 10000));
-        QCOMPARE(m_desktop->toasts.size(), 1);
-        QCOMPARE(m_desktop->toasts.first(), message + u'|' + symbol);
+        QVERIFY(QTest::qWaitFor([&] { return !m_standIns->toasts.isEmpty(); }, 10000));
+        QCOMPARE(m_standIns->toasts.size(), 1);
+        QCOMPARE(m_standIns->toasts.first(), message + u'|' + symbol);
     }
     QCOMPARE(m_store->note(m_noteID)->attachments.size(), attached);
     QCOMPARE(m_store->undoStepCount(), undoSteps + (attached > 0 ? 1 : 0));
@@ -210,7 +210,7 @@ void AttachmentActionsTest::nothingToHandTheFileTo()
     QFETCH(QString, action);
     QFETCH(bool, handles);
     QFETCH(QString, message);
-    m_desktop->handles = handles;
+    m_standIns->handles = handles;
     NoteAttachment attachment;
     attachment.id = QUuid::createUuid();
     attachment.fileName = QStringLiteral("Q3 report.pdf");
@@ -219,15 +219,15 @@ void AttachmentActionsTest::nothingToHandTheFileTo()
         m_actions->openAttachment(attachment);
     else
         m_actions->revealAttachment(attachment);
-    QCOMPARE(m_desktop->opened.size() + m_desktop->revealed.size(), 1);
+    QCOMPARE(m_standIns->opened.size() + m_standIns->revealed.size(), 1);
     // Let the desktop's answer through.
     QCoreApplication::processEvents();
     QCoreApplication::processEvents();
     if (message.isEmpty()) {
-        QVERIFY(m_desktop->toasts.isEmpty());
+        QVERIFY(m_standIns->toasts.isEmpty());
     } else {
-        QCOMPARE(m_desktop->toasts.size(), 1);
-        QCOMPARE(m_desktop->toasts.first(), message + QStringLiteral("|exclamationmark.triangle"));
+        QCOMPARE(m_standIns->toasts.size(), 1);
+        QCOMPARE(m_standIns->toasts.first(), message + QStringLiteral("|exclamationmark.triangle"));
     }
 }
 
@@ -243,13 +243,13 @@ void AttachmentActionsTest::sameNameTwiceOpensBoth()
         m_actions->openAttachment(attachment);
         m_actions->revealAttachment(attachment);
     }
-    QCOMPARE(m_desktop->opened.size(), 2);
-    QCOMPARE(m_desktop->opened, m_desktop->revealed);
-    QVERIFY(m_desktop->opened.at(0) != m_desktop->opened.at(1));
+    QCOMPARE(m_standIns->opened.size(), 2);
+    QCOMPARE(m_standIns->opened, m_standIns->revealed);
+    QVERIFY(m_standIns->opened.at(0) != m_standIns->opened.at(1));
     const QString folder = attachmentsFolder(libraryURL());
     for (qsizetype i = 0; i < 2; ++i) {
-        QCOMPARE(m_desktop->opened.at(i), folder + u'/' + attachments.at(i).storedFileName);
-        QFile file(m_desktop->opened.at(i));
+        QCOMPARE(m_standIns->opened.at(i), folder + u'/' + attachments.at(i).storedFileName);
+        QFile file(m_standIns->opened.at(i));
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), QByteArray(i == 0 ? "one/same.txt" : "two/same.txt"));
     }
@@ -259,8 +259,8 @@ void AttachmentActionsTest::sameNameTwiceOpensBoth()
     outside.storedFileName = QStringLiteral("../Library.json");
     m_actions->openAttachment(outside);
     m_actions->revealAttachment(outside);
-    QCOMPARE(m_desktop->opened.size(), 2);
-    QCOMPARE(m_desktop->revealed.size(), 2);
+    QCOMPARE(m_standIns->opened.size(), 2);
+    QCOMPARE(m_standIns->revealed.size(), 2);
 }
 
 void AttachmentActionsTest::addedDuringAMoveGoToTheNewFolder_data()
@@ -286,9 +286,9 @@ void AttachmentActionsTest::addedDuringAMoveGoToTheNewFolder()
     const QString source = makeSource(QStringLiteral("added.txt"));
     const QByteArray png("\x89PNG pasted during the move");
     if (entry == u"paste file")
-        m_desktop->pasted.fileURLs = {QUrl::fromLocalFile(source)};
+        m_standIns->pasted.fileURLs = {QUrl::fromLocalFile(source)};
     else if (entry == u"paste image")
-        m_desktop->pasted.png = png;
+        m_standIns->pasted.png = png;
 
     const QString destination = m_scratch->filePath(QStringLiteral("Moved"));
     QDir().mkpath(destination);
@@ -326,7 +326,7 @@ void AttachmentActionsTest::addedDuringAMoveGoToTheNewFolder()
     QFile file(*path);
     QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(*path));
     QCOMPARE(file.readAll(), entry == u"paste image" ? png : QByteArray("added.txt"));
-    QVERIFY(m_desktop->toasts.isEmpty() || entry == u"drop");
+    QVERIFY(m_standIns->toasts.isEmpty() || entry == u"drop");
 }
 
 void AttachmentActionsTest::formatsToRead_data()

@@ -205,7 +205,6 @@ void SettingsViewsTest::togglesWriteTheSettingsFile()
     QCheckBox *box = findByText<QCheckBox>(m_view.get(), label);
     QVERIFY(box);
     QCOMPARE(box->isChecked(), before);
-    QCOMPARE(box->accessibleName().isEmpty() ? box->text() : box->accessibleName(), label);
     QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
     QCOMPARE(box->isChecked(), !before);
     QCOMPARE(storedValue(m_rig->preferences, key).toBool(), !before);
@@ -800,7 +799,6 @@ void SettingsViewsTest::windowIsMadeOnceAndKeepsItsPlace()
         controller.show();
         QWidget *window = controller.window();
         QVERIFY(window);
-        QCOMPARE(window->windowTitle(), QStringLiteral("Vesko Settings"));
         QVERIFY(window->isVisible());
         controller.show(SettingsTab::Storage);
         QCOMPARE(controller.window(), window);
