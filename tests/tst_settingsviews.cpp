@@ -223,6 +223,7 @@ void SettingsViewsTest::pickersWriteTheSettingsFile_data()
     QTest::newRow("appearance") << "Appearance" << "Dark" << "appearance" << "dark";
     QTest::newRow("window position") << "Window position" << "Left" << "panelEdge" << "left";
     QTest::newRow("list style") << "Copy as List uses" << "- - -" << "listStyle" << "dash";
+    QTest::newRow("no marker") << "Copy as List uses" << "No marker" << "listStyle" << "plain";
     // clang-format on
 }
 
