@@ -60,27 +60,14 @@ QImage noise(int width, int height)
     return image;
 }
 
-class RecordingFeedback : public AttachmentFeedback
+//! The rest of what the attachment actions need: no dialog, no file manager, toasts kept.
+struct Quiet : AttachmentFeedback, FileChooser, DesktopFiles
 {
-public:
-    void toast(const QString &message, const QString &symbol) override
-    {
-        toasts.append(message + u'|' + symbol);
-    }
-    QStringList toasts;
-};
-
-class NoChooser : public FileChooser
-{
-public:
+    void toast(const QString &message, const QString &) override { toasts.append(message); }
     void chooseFiles(std::function<void(const QList<QUrl> &)> done) override { done({}); }
-};
-
-class NoDesktop : public DesktopFiles
-{
-public:
     void open(const QString &, Unhandled) override { }
     void reveal(const QString &, Unhandled) override { }
+    QStringList toasts;
 };
 
 } // namespace
@@ -96,13 +83,10 @@ private Q_SLOTS:
 
     void formatChosen_data();
     void formatChosen();
-    void largeImageComesInPieces();
     void nothingUsable_data();
     void nothingUsable();
-    void silentOwnerDoesNotHoldTheProgram();
     void lateAnswerIsNotTakenForTheNext();
     void ownClipboardIsReadDirectly();
-    void pasteEndsOnDiskAndInTheLibrary_data();
     void pasteEndsOnDiskAndInTheLibrary();
 
 private:
@@ -217,19 +201,11 @@ void AttachmentClipboardTest::formatChosen_data()
     QTest::addColumn<QColor>("colour");
     QTest::addColumn<QByteArray>("png");
     const QByteArray red = encoded(filled(8, 8, Qt::red), "PNG");
-    const QByteArray blue = encoded(filled(6, 4, Qt::blue), "PNG");
     const QByteArray yellow = encoded(filled(3, 3, Qt::yellow), "PNG");
-    const QByteArray jpeg = encoded(filled(40, 30, QColor(200, 40, 40)), "JPEG");
     const QByteArray bmp = encoded(filled(9, 5, Qt::darkRed), "BMP");
     QTest::newRow("a file before an image")
         << QStringList {"image/png", "text/uri-list"} << QList<QByteArray> {red, "FILE"} << QSize()
         << QColor() << QByteArray();
-    QTest::newRow("PNG before other images")
-        << QStringList {"image/jpeg", "image/png"}
-        << QList<QByteArray> {encoded(filled(6, 4, Qt::green), "JPEG"), blue} << QSize(6, 4)
-        << QColor(Qt::blue) << blue;
-    QTest::newRow("JPEG becomes PNG") << QStringList {"image/jpeg"} << QList<QByteArray> {jpeg}
-                                      << QSize(40, 30) << QColor(200, 40, 40) << QByteArray();
     QTest::newRow("a broken image leaves the next format")
         << QStringList {"image/jpeg", "image/bmp"} << QList<QByteArray> {"no JPEG at all", bmp}
         << QSize(9, 5) << QColor(Qt::darkRed) << QByteArray();
@@ -276,62 +252,26 @@ void AttachmentClipboardTest::formatChosen()
         qPrintable(centre.name()));
 }
 
-void AttachmentClipboardTest::largeImageComesInPieces()
-{
-    // Larger than one request of the X protocol can carry: it comes in pieces.
-    const QByteArray pngBytes = encoded(noise(1000, 1000), "PNG");
-    QVERIFY(pngBytes.size() > 2 * 1024 * 1024);
-    QVERIFY(offerWithXclip(
-        QStringLiteral("image/png"), writeScratch(QStringLiteral("large.png"), pngBytes)));
-
-    const std::optional<PasteboardContent> content = readClipboard();
-    QVERIFY(content);
-    QCOMPARE(content->png.size(), pngBytes.size());
-    QVERIFY(content->png == pngBytes);
-}
-
 void AttachmentClipboardTest::nothingUsable_data()
 {
     QTest::addColumn<QString>("holder");
     QTest::newRow("no owner") << "none";
-    QTest::newRow("text only") << "text";
     QTest::newRow("an image that does not decode") << "corrupt";
+    // Not even the list of formats comes: the reader gives up in time.
+    QTest::newRow("an owner that never answers") << "silent";
 }
 
 void AttachmentClipboardTest::nothingUsable()
 {
     QFETCH(QString, holder);
-    if (holder == u"text")
-        QVERIFY(offerWithXclip(
-            QStringLiteral("UTF8_STRING"), writeScratch(QStringLiteral("t"), "just text")));
+    if (holder == u"silent")
+        QVERIFY(startOwner({QStringLiteral("TARGETS"), QStringLiteral("-1"), QStringLiteral("x")}));
     else if (holder == u"corrupt")
         QVERIFY(offerWithXclip(QStringLiteral("image/jpeg"),
             writeScratch(QStringLiteral("bad.jpg"), "not a picture at all")));
 
     const std::optional<PasteboardContent> content = readClipboard();
     QVERIFY(content);
-    QVERIFY(content->isEmpty());
-}
-
-void AttachmentClipboardTest::silentOwnerDoesNotHoldTheProgram()
-{
-    // Not even the list of formats comes.
-    QVERIFY(startOwner({QStringLiteral("TARGETS"), QStringLiteral("-1"), QStringLiteral("x")}));
-    std::optional<PasteboardContent> content;
-    bool turnedBeforeAnswer = false;
-    int turns = 0;
-    QTimer ticker;
-    connect(&ticker, &QTimer::timeout, [&] {
-        ++turns;
-        if (turns == 3 && !content)
-            turnedBeforeAnswer = true;
-    });
-    ticker.start(0);
-    m_reader->readPasteboard([&](const PasteboardContent &c) { content = c; });
-    // The call returned at once; the event loop goes on while the owner is silent.
-    QVERIFY(!content);
-    QVERIFY(QTest::qWaitFor([&] { return content.has_value(); }, 30000));
-    QVERIFY(turnedBeforeAnswer);
     QVERIFY(content->isEmpty());
 }
 
@@ -353,6 +293,8 @@ void AttachmentClipboardTest::lateAnswerIsNotTakenForTheNext()
     reader.read(
         QStringLiteral("image/png"), [&](const std::optional<QByteArray> &data) { first = data; });
     reader.offers([&](const QStringList &formats) { offers = formats; });
+    // Both returned at once: the answers come through the event loop.
+    QVERIFY(!first && !offers);
     QVERIFY(QTest::qWaitFor([&] { return offers.has_value(); }, 20000));
     QVERIFY(first.has_value());
     QCOMPARE(*first, std::nullopt); // given up on
@@ -380,45 +322,26 @@ void AttachmentClipboardTest::ownClipboardIsReadDirectly()
     QCOMPARE(image.pixelColor(2, 3), QColor(Qt::magenta));
 }
 
-void AttachmentClipboardTest::pasteEndsOnDiskAndInTheLibrary_data()
-{
-    QTest::addColumn<QString>("offered"); // image, file
-    QTest::newRow("an image from xclip") << "image";
-    QTest::newRow("a file from xclip") << "file";
-}
-
+//! An image from xclip, pasted into a note.
 void AttachmentClipboardTest::pasteEndsOnDiskAndInTheLibrary()
 {
-    QFETCH(QString, offered);
-    QByteArray expectedBytes;
-    QString expectedName;
-    if (offered == u"image") {
-        expectedBytes = encoded(noise(64, 48), "PNG");
-        expectedName = QStringLiteral("Pasted Image.png");
-        QVERIFY(offerWithXclip(
-            QStringLiteral("image/png"), writeScratch(QStringLiteral("shot.png"), expectedBytes)));
-    } else {
-        expectedBytes = "the minutes of the meeting";
-        expectedName = QStringLiteral("minutes.txt");
-        const QString file = writeScratch(expectedName, expectedBytes);
-        QVERIFY(offerWithXclip(QStringLiteral("text/uri-list"),
-            writeScratch(QStringLiteral("list"), QUrl::fromLocalFile(file).toEncoded() + "\r\n")));
-    }
+    // Larger than one request of the X protocol can carry: it comes in pieces.
+    const QByteArray expectedBytes = encoded(noise(1000, 1000), "PNG");
+    QVERIFY(expectedBytes.size() > 2 * 1024 * 1024);
+    QVERIFY(offerWithXclip(
+        QStringLiteral("image/png"), writeScratch(QStringLiteral("shot.png"), expectedBytes)));
 
     Test::StoreFixture fixture;
     Store &store = fixture.make(makeDefaultLibrary());
     const QUuid noteID = store.addNote(QStringLiteral("target"))->id;
-    NoChooser chooser;
-    NoDesktop desktop;
-    RecordingFeedback feedback;
-    AttachmentActions actions(
-        {store, fixture.attachments(), chooser, *m_reader, desktop, feedback});
+    Quiet quiet;
+    AttachmentActions actions({store, fixture.attachments(), quiet, *m_reader, quiet, quiet});
     actions.pasteIntoNote(noteID);
     QVERIFY(QTest::qWaitFor([&] { return !store.note(noteID)->attachments.isEmpty(); }, 20000));
-    QVERIFY(feedback.toasts.isEmpty());
+    QVERIFY(quiet.toasts.isEmpty());
 
     const NoteAttachment attachment = store.note(noteID)->attachments.first();
-    QCOMPARE(attachment.fileName, expectedName);
+    QCOMPARE(attachment.fileName, QStringLiteral("Pasted Image.png"));
     QFile stored(attachmentsFolder(libraryURL()) + u'/' + attachment.storedFileName);
     QVERIFY(stored.open(QIODevice::ReadOnly));
     QCOMPARE(stored.readAll(), expectedBytes);

@@ -70,15 +70,13 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void importKeepsNameTypeAndSize();
+    void recordKeepsNameTypeAndSize_data();
+    void recordKeepsNameTypeAndSize();
     void foldersAmongSourcesAreSkipped();
     void importIsAllOrNothing_data();
     void importIsAllOrNothing();
     void contentType_data();
     void contentType();
-    void filesAndFoldersArePrivate();
-    void pastedImageIsWrittenWhole();
-    void failedPastedImageLeavesItsEmptyFolder();
     void largeSparseFileIsCopiedInPieces();
     void copyInPiecesRefusesWhatItShould();
     void stoppedImporterLeavesNothingHalfCopied();
@@ -112,31 +110,57 @@ void AttachmentStoreTest::cleanup()
     m_scratch.reset();
 }
 
-void AttachmentStoreTest::importKeepsNameTypeAndSize()
+void AttachmentStoreTest::recordKeepsNameTypeAndSize_data()
 {
-    const QByteArray bytes = randomBytes(3 * 1024 * 1024 + 12, 1);
-    const QString source = m_sources + QStringLiteral("/Holiday Photo.JPG");
-    writeFile(source, bytes);
-    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
+    QTest::addColumn<bool>("pasted");
+    QTest::addColumn<QString>("fileName"); // and the source's name
+    QTest::addColumn<QString>("type");
+    QTest::newRow("an imported file") << false << "Holiday Photo.JPG" << u"image/jpeg"_s;
+    QTest::newRow("a pasted image") << true << "Pasted Image.png" << u"image/png"_s;
+}
 
-    const ImportResult result
-        = AttachmentStore::importFilesNow({QUrl::fromLocalFile(source)}, m_folder);
+void AttachmentStoreTest::recordKeepsNameTypeAndSize()
+{
+    QFETCH(bool, pasted);
+    QFETCH(QString, fileName);
+    QFETCH(QString, type);
+    const QString source = m_sources + u'/' + fileName;
+    const QByteArray bytes = randomBytes(3 * 1024 * 1024 + 12, 1);
+    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
+    ImportResult result;
+    // Private whatever the process's mask and the source's permissions allow.
+    const mode_t previous = ::umask(0);
+    if (pasted) {
+        result = AttachmentStore::writePastedImageNow(bytes, m_folder);
+    } else {
+        writeFile(source, bytes);
+        ::chmod(QFile::encodeName(source).constData(), 0666);
+        result = AttachmentStore::importFilesNow({QUrl::fromLocalFile(source)}, m_folder);
+    }
+    ::umask(previous);
+    if (!pasted)
+        QCOMPARE(readFile(source), bytes); // the source stays
     QVERIFY2(result.succeeded(), qPrintable(result.error.value_or(QString())));
     QCOMPARE(result.attachments.size(), 1);
     const NoteAttachment &attachment = result.attachments.first();
 
     // The folder is the record's id, upper case and hyphenated, holding the file under its name.
-    const QString folderName = attachment.storedFileName.section(u'/', 0, 0);
-    QCOMPARE(folderName, attachment.id.toString(QUuid::WithoutBraces).toUpper());
-    QCOMPARE(attachment.storedFileName, folderName + QStringLiteral("/Holiday Photo.JPG"));
-    QCOMPARE(attachment.fileName, QStringLiteral("Holiday Photo.JPG"));
+    const QString folderName = attachment.id.toString(QUuid::WithoutBraces).toUpper();
+    QCOMPARE(attachment.storedFileName, folderName + u'/' + fileName);
+    QCOMPARE(attachment.fileName, fileName);
     QCOMPARE(attachment.kind, NoteAttachment::Kind::Image);
-    QCOMPARE(attachment.contentTypeIdentifier, QStringLiteral("image/jpeg"));
+    QCOMPARE(attachment.contentTypeIdentifier, type);
     QCOMPARE(attachment.byteCount, bytes.size());
     QVERIFY(attachment.createdAt >= before);
     QVERIFY(attachment.createdAt <= QDateTime::currentDateTimeUtc().addSecs(1));
+    // Nothing but the file: no partial file is left beside it.
+    QCOMPARE(fileTree(m_folder), QStringList({folderName, attachment.storedFileName}));
     QCOMPARE(readFile(m_folder + u'/' + attachment.storedFileName), bytes);
-    QCOMPARE(readFile(source), bytes); // the source stays
+    QCOMPARE(fileMode(m_folder + u'/' + attachment.storedFileName), 0600u);
+    // The folders too, those made on the way among them.
+    for (const QString &folder :
+        {m_folder + u'/' + folderName, m_folder, QFileInfo(m_folder).absolutePath()})
+        QCOMPARE(fileMode(folder), 0700u);
 }
 
 void AttachmentStoreTest::foldersAmongSourcesAreSkipped()
@@ -163,6 +187,7 @@ void AttachmentStoreTest::importIsAllOrNothing_data()
     QTest::newRow("second file without read permission") << "no permission";
     QTest::newRow("second file not on this computer") << "remote";
     QTest::newRow("disk full during the second file") << "full disk";
+    QTest::newRow("disk full during a pasted image") << "full disk, pasted";
     QTest::newRow("cancelled") << "cancelled";
 }
 
@@ -177,7 +202,7 @@ void AttachmentStoreTest::importIsAllOrNothing()
         QVERIFY(QFile::link(m_sources + QStringLiteral("/gone.bin"), second.toLocalFile()));
     } else if (fault == u"remote") {
         second = QUrl(QStringLiteral("https://example.org/second.bin"));
-    } else if (fault == u"full disk") {
+    } else if (fault.startsWith(u"full disk")) {
         disk.emplace(m_folder, 300);
         if (!disk->isMounted())
             QSKIP(qPrintable(disk->failure()));
@@ -202,8 +227,10 @@ void AttachmentStoreTest::importIsAllOrNothing()
         if (fault == u"no permission")
             otherUser.emplace();
         std::atomic_bool cancelled = true;
-        result = AttachmentStore::importFilesNow({QUrl::fromLocalFile(first), second}, m_folder,
-            fault == u"cancelled" ? &cancelled : nullptr);
+        result = fault == u"full disk, pasted"
+            ? AttachmentStore::writePastedImageNow(randomBytes(1024 * 1024, 11), m_folder)
+            : AttachmentStore::importFilesNow({QUrl::fromLocalFile(first), second}, m_folder,
+                fault == u"cancelled" ? &cancelled : nullptr);
     }
     QVERIFY(!result.succeeded());
     if (fault == u"no permission")
@@ -213,7 +240,15 @@ void AttachmentStoreTest::importIsAllOrNothing()
     QVERIFY(!result.error->isEmpty());
     QVERIFY(result.attachments.isEmpty());
     QVERIFY(QFileInfo(m_folder).isDir());
-    QCOMPARE(fileTree(m_folder), QStringList());
+    const QStringList left = fileTree(m_folder);
+    if (fault == u"full disk, pasted") {
+        // The folder made for the image stays, empty: nothing half written in it.
+        QCOMPARE(left.size(), 1);
+        QVERIFY(!QUuid::fromString(left.first()).isNull());
+        QVERIFY(QFileInfo(m_folder + u'/' + left.first()).isDir());
+    } else {
+        QCOMPARE(left, QStringList());
+    }
 }
 
 void AttachmentStoreTest::contentType_data()
@@ -226,7 +261,6 @@ void AttachmentStoreTest::contentType_data()
     QTest::newRow("upper-case extension") << "SCAN.JPEG" << u"image/jpeg"_s << true;
     QTest::newRow("svg is an image") << "logo.svg" << u"image/svg+xml"_s << true;
     QTest::newRow("pdf") << "report.pdf" << u"application/pdf"_s << false;
-    QTest::newRow("plain text") << "notes.txt" << u"text/plain"_s << false;
     // The type of the last extension alone, whatever the rest of the name.
     QTest::newRow("double extension") << "backup.tar.gz" << u"application/gzip"_s << false;
     QTest::newRow("a name with a type of its own") << "CMakeLists.txt" << u"text/plain"_s << false;
@@ -246,72 +280,6 @@ void AttachmentStoreTest::contentType()
     QCOMPARE(AttachmentStore::contentTypeForFileName(fileName), expected);
     QCOMPARE(AttachmentStore::kindOfContentType(expected),
         image ? NoteAttachment::Kind::Image : NoteAttachment::Kind::File);
-}
-
-void AttachmentStoreTest::filesAndFoldersArePrivate()
-{
-    writeFile(m_sources + QStringLiteral("/open.txt"), "readable by all");
-    ::chmod(QFile::encodeName(m_sources + QStringLiteral("/open.txt")).constData(), 0666);
-    const mode_t previous = ::umask(0);
-    const ImportResult imported = AttachmentStore::importFilesNow(
-        {QUrl::fromLocalFile(m_sources + QStringLiteral("/open.txt"))}, m_folder);
-    const ImportResult pasted = AttachmentStore::writePastedImageNow("png bytes", m_folder);
-    ::umask(previous);
-    QVERIFY(imported.succeeded());
-    QVERIFY(pasted.succeeded());
-
-    QCOMPARE(fileMode(m_folder), 0700u);
-    QCOMPARE(fileMode(QFileInfo(m_folder).absolutePath()), 0700u); // made on the way
-    for (const ImportResult *result : {&imported, &pasted}) {
-        const QString file = m_folder + u'/' + result->attachments.first().storedFileName;
-        QCOMPARE(fileMode(file), 0600u);
-        QCOMPARE(fileMode(QFileInfo(file).absolutePath()), 0700u);
-    }
-}
-
-void AttachmentStoreTest::pastedImageIsWrittenWhole()
-{
-    const QByteArray png = randomBytes(64 * 1024, 4);
-    const ImportResult result = AttachmentStore::writePastedImageNow(png, m_folder);
-    QVERIFY(result.succeeded());
-    QCOMPARE(result.attachments.size(), 1);
-    const NoteAttachment &attachment = result.attachments.first();
-    const QString folderName = attachment.id.toString(QUuid::WithoutBraces).toUpper();
-    QCOMPARE(attachment.fileName, QStringLiteral("Pasted Image.png"));
-    QCOMPARE(attachment.storedFileName, folderName + QStringLiteral("/Pasted Image.png"));
-    QCOMPARE(attachment.kind, NoteAttachment::Kind::Image);
-    QCOMPARE(attachment.contentTypeIdentifier, QStringLiteral("image/png"));
-    QCOMPARE(attachment.byteCount, png.size());
-    QCOMPARE(readFile(m_folder + u'/' + attachment.storedFileName), png);
-    // Nothing but the image: no partial file is left beside it.
-    QCOMPARE(fileTree(m_folder),
-        QStringList({folderName, folderName + QStringLiteral("/Pasted Image.png")}));
-
-    // The same through the store's thread, answered on this one.
-    bool answered = false;
-    QObject context;
-    m_attachments->writePastedImage(png, m_folder, &context, [&](const ImportResult &r) {
-        answered = true;
-        QVERIFY(r.succeeded());
-        QCOMPARE(readFile(m_folder + u'/' + r.attachments.first().storedFileName), png);
-    });
-    QVERIFY(QTest::qWaitFor([&] { return answered; }, 10000));
-}
-
-void AttachmentStoreTest::failedPastedImageLeavesItsEmptyFolder()
-{
-    SmallFileSystem disk(m_folder, 300);
-    if (!disk.isMounted())
-        QSKIP(qPrintable(disk.failure()));
-    const ImportResult result
-        = AttachmentStore::writePastedImageNow(randomBytes(1024 * 1024, 11), m_folder);
-    QVERIFY(!result.succeeded());
-    QVERIFY(result.attachments.isEmpty());
-    // The folder made for the image stays, empty: nothing half written in it.
-    const QStringList left = fileTree(m_folder);
-    QCOMPARE(left.size(), 1);
-    QVERIFY(!QUuid::fromString(left.first()).isNull());
-    QVERIFY(QFileInfo(m_folder + u'/' + left.first()).isDir());
 }
 
 void AttachmentStoreTest::largeSparseFileIsCopiedInPieces()

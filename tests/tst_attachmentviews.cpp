@@ -83,16 +83,14 @@ private Q_SLOTS:
 
     void thumbnails_data();
     void thumbnails();
-    void largeImagesDecodeOffTheMainThread_data();
-    void largeImagesDecodeOffTheMainThread();
+    void largeImageDecodesOffTheMainThread();
     void manyTilesReadEachFileOnce();
     void removedFileShowsTheSymbol();
     void changedFileIsReadAgain_data();
     void changedFileIsReadAgain();
     void sizeText_data();
     void sizeText();
-    void tileOpensAndItsMenuActs();
-    void listTakesNoRoomWithoutAttachmentsAndWraps();
+    void listTakesNoRoomWrapsAndItsTilesAct();
     void pendingStripRemovesItsChips();
     void fileDialogDoesNotBlock();
     void newNoteImportFailureIsToasted();
@@ -150,38 +148,24 @@ QString AttachmentViewsTest::writeBytes(const QString &storedFileName, const QBy
 void AttachmentViewsTest::thumbnails_data()
 {
     QTest::addColumn<QString>("file");
-    QTest::addColumn<bool>("image");
-    QTest::addColumn<QColor>("colour");
+    QTest::addColumn<QColor>("colour"); // invalid: not an image
 
-    QTest::newRow("png") << "png" << true << QColor(220, 20, 20);
-    QTest::newRow("jpeg") << "jpeg" << true << QColor(20, 180, 20);
-    QTest::newRow("corrupt image") << "corrupt" << false << QColor();
-    QTest::newRow("missing image") << "missing" << false << QColor();
-    QTest::newRow("text file") << "text" << false << QColor();
+    QTest::newRow("png") << "png" << QColor(220, 20, 20);
+    QTest::newRow("jpeg") << "jpeg" << QColor(20, 180, 20);
+    QTest::newRow("text file") << "text" << QColor();
 }
 
 void AttachmentViewsTest::thumbnails()
 {
     QFETCH(QString, file);
-    QFETCH(bool, image);
     QFETCH(QColor, colour);
 
     NoteAttachment attachment;
     QString path;
-    if (file == u"png" || file == u"jpeg") {
-        QImage source(300, 200, QImage::Format_RGB32);
-        source.fill(colour);
+    if (colour.isValid()) {
         const QString name = QStringLiteral("A/picture.") + file;
-        path = saveImage(name, source, file == u"png" ? "PNG" : "JPEG");
+        path = saveImage(name, filled(300, 200, colour), file == u"png" ? "PNG" : "JPEG");
         attachment = recordFor(name, NoteAttachment::Kind::Image, QStringLiteral("image/") + file);
-    } else if (file == u"corrupt") {
-        path = writeBytes(QStringLiteral("B/broken.png"), "\x89PNG\r\n\x1a\n and then nothing");
-        attachment = recordFor(QStringLiteral("B/broken.png"), NoteAttachment::Kind::Image,
-            QStringLiteral("image/png"));
-    } else if (file == u"missing") {
-        path = m_folder + QStringLiteral("/C/gone.png");
-        attachment = recordFor(
-            QStringLiteral("C/gone.png"), NoteAttachment::Kind::Image, QStringLiteral("image/png"));
     } else {
         path = writeBytes(QStringLiteral("D/notes.txt"), "plain words");
         attachment = recordFor(QStringLiteral("D/notes.txt"), NoteAttachment::Kind::File,
@@ -191,58 +175,30 @@ void AttachmentViewsTest::thumbnails()
     AttachmentThumbnailView view(*m_cache);
     view.setAttachment(attachment, path);
     view.show();
-    QSignalSpy failed(m_cache.get(), &ThumbnailCache::thumbnailFailed);
-    if (image) {
+    if (colour.isValid()) {
         QVERIFY(QTest::qWaitFor([&] { return view.hasImage(); }, 10000));
         // Twice the collapsed view's side, filling the square.
         const int side = thumbnailSide(view, false);
         QCOMPARE(view.image().size(), QSize(side, side));
-        const QColor centre = view.image().pixelColor(side / 2, side / 2);
-        QVERIFY(qAbs(centre.red() - colour.red()) < 10);
-        QVERIFY(qAbs(centre.green() - colour.green()) < 10);
-    } else if (attachment.kind == NoteAttachment::Kind::Image) {
-        QVERIFY(QTest::qWaitFor([&] { return failed.count() == 1; }, 10000));
-        QCOMPARE(m_cache->state(path), ThumbnailCache::State::Failed);
-        QVERIFY(!view.hasImage());
-        // A failed file is not read again.
-        AttachmentThumbnailView again(*m_cache);
-        again.setAttachment(attachment, path);
-        again.show();
-        QCOMPARE(m_cache->readCount(), 1);
+        QVERIFY(near(view.image().pixelColor(side / 2, side / 2), colour));
     } else {
         QCoreApplication::processEvents();
         QVERIFY(!view.hasImage());
         QCOMPARE(m_cache->readCount(), 0); // files are never decoded
     }
-    // Whatever it shows, the view paints.
-    QVERIFY(!view.grab().isNull());
 }
 
-void AttachmentViewsTest::largeImagesDecodeOffTheMainThread_data()
+void AttachmentViewsTest::largeImageDecodesOffTheMainThread()
 {
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<int>("width");
-    QTest::addColumn<int>("height");
-    QTest::newRow("a large PNG") << "large.png" << 6000 << 4000;
     // 6100 × 6100 pixels take 149 MB decoded: more than image readers accept
     // by default (128 MB), and a BMP, unlike a PNG or a JPEG, is decoded
     // whole before it is scaled.
-    QTest::newRow("a BMP beyond the readers' default limit") << "huge.bmp" << 6100 << 6100;
-}
-
-void AttachmentViewsTest::largeImagesDecodeOffTheMainThread()
-{
-    QFETCH(QString, file);
-    QFETCH(int, width);
-    QFETCH(int, height);
     const QColor colour(200, 120, 0);
-    const QString name = QStringLiteral("L/") + file;
-    const QByteArray format = QFileInfo(file).suffix().toUpper().toLatin1();
-    const QString path = saveImage(name, filled(width, height, colour), format.constData());
+    const QString name = QStringLiteral("L/huge.bmp");
+    const QString path = saveImage(name, filled(6100, 6100, colour), "BMP");
     AttachmentThumbnailView view(*m_cache);
-    view.setAttachment(recordFor(name, NoteAttachment::Kind::Image,
-                           QStringLiteral("image/") + QFileInfo(file).suffix()),
-        path);
+    view.setAttachment(
+        recordFor(name, NoteAttachment::Kind::Image, QStringLiteral("image/bmp")), path);
     view.show();
     // The request came back at once, without the image.
     QVERIFY(!view.hasImage());
@@ -269,10 +225,8 @@ void AttachmentViewsTest::manyTilesReadEachFileOnce()
 {
     QList<NoteAttachment> attachments;
     for (int file = 0; file < 10; ++file) {
-        QImage image(120, 90, QImage::Format_RGB32);
-        image.fill(QColor::fromHsv(file * 30, 200, 200));
         const QString name = QStringLiteral("F%1/image.png").arg(file);
-        saveImage(name, image, "PNG");
+        saveImage(name, filled(120, 90, QColor::fromHsv(file * 30, 200, 200)), "PNG");
         attachments.append(
             recordFor(name, NoteAttachment::Kind::Image, QStringLiteral("image/png")));
     }
@@ -366,6 +320,15 @@ void AttachmentViewsTest::changedFileIsReadAgain()
         QVERIFY(QTest::qWaitFor(
             [&] { return m_cache->state(path) != ThumbnailCache::State::Pending; }, 10000));
         QCOMPARE(first.hasImage(), firstDecodes);
+        QCOMPARE(m_cache->state(path) == ThumbnailCache::State::Failed, !firstDecodes);
+        if (!firstDecodes) {
+            // Asked again while it is unchanged, a file that failed is not read again.
+            bool answered = false;
+            m_cache->thumbnail(path, thumbnailSide(first, false), &first,
+                [&answered](const QImage &) { answered = true; });
+            QVERIFY(QTest::qWaitFor([&] { return answered; }, 10000));
+            QCOMPARE(m_cache->readCount(), 1);
+        }
     }
 
     // Another file under the same name (written beside it and renamed over
@@ -416,46 +379,7 @@ void AttachmentViewsTest::sizeText()
     QCOMPARE(tile.toolTip(), QStringLiteral("Open no size.bin"));
 }
 
-void AttachmentViewsTest::tileOpensAndItsMenuActs()
-{
-    const QUuid noteID = m_store->addNote(QStringLiteral("note"))->id;
-    const NoteAttachment first = recordFor(QStringLiteral("M1/a.txt"), NoteAttachment::Kind::File);
-    const NoteAttachment second = recordFor(QStringLiteral("M2/b.txt"), NoteAttachment::Kind::File);
-    writeBytes(first.storedFileName, "a");
-    writeBytes(second.storedFileName, "b");
-    m_store->addAttachments({first, second}, noteID);
-
-    AttachmentListView list(m_attachments->actions, *m_cache);
-    list.setAttachments(m_store->note(noteID)->attachments, noteID);
-    list.resize(list.sizeHint());
-    list.show();
-    QCOMPARE(list.tiles().size(), 2);
-
-    QTest::mouseClick(list.tiles().at(1), Qt::LeftButton);
-    QCOMPARE(m_attachments->opened, QStringList {m_folder + QStringLiteral("/M2/b.txt")});
-
-    QMenu menu;
-    fillAttachmentMenu(menu, m_attachments->actions, first, noteID, QStringLiteral("Remove Attachment"));
-    QStringList entries;
-    for (QAction *action : menu.actions())
-        entries.append(action->isSeparator() ? QStringLiteral("-") : action->text());
-    QCOMPARE(entries, QStringList({"Open", "Show in Files", "-", "Remove Attachment"}));
-
-    menu.actions().at(0)->trigger();
-    menu.actions().at(1)->trigger();
-    QCOMPARE(m_attachments->opened.last(), m_folder + QStringLiteral("/M1/a.txt"));
-    QCOMPARE(m_attachments->revealed, QStringList {m_folder + QStringLiteral("/M1/a.txt")});
-
-    const qsizetype undoSteps = m_store->undoStepCount();
-    menu.actions().at(3)->trigger();
-    QCOMPARE(m_store->note(noteID)->attachments, QList<NoteAttachment> {second});
-    QCOMPARE(m_store->undoStepCount(), undoSteps + 1);
-    m_files->waitForIdle();
-    QVERIFY(!QFileInfo::exists(m_folder + QStringLiteral("/M1")));
-    QVERIFY(QFileInfo::exists(m_folder + QStringLiteral("/M2/b.txt")));
-}
-
-void AttachmentViewsTest::listTakesNoRoomWithoutAttachmentsAndWraps()
+void AttachmentViewsTest::listTakesNoRoomWrapsAndItsTilesAct()
 {
     QWidget window;
     AttachmentListView list(m_attachments->actions, *m_cache, &window);
@@ -463,12 +387,15 @@ void AttachmentViewsTest::listTakesNoRoomWithoutAttachmentsAndWraps()
     QVERIFY(list.isHidden());
     QCOMPARE(list.sizeHint(), QSize(0, 0));
 
-    QList<NoteAttachment> attachments;
-    for (int i = 0; i < 4; ++i)
-        attachments.append(
-            recordFor(QStringLiteral("W%1/a rather long file name number %1.txt").arg(i),
-                NoteAttachment::Kind::File));
-    list.setAttachments(attachments, QUuid::createUuid());
+    const QUuid noteID = m_store->addNote(QStringLiteral("note"))->id;
+    QList<NoteAttachment> records;
+    for (int i = 0; i < 4; ++i) {
+        records.append(recordFor(QStringLiteral("W%1/a rather long file name number %1.txt").arg(i),
+            NoteAttachment::Kind::File));
+        writeBytes(records.last().storedFileName, QByteArray::number(i));
+    }
+    m_store->addAttachments(records, noteID);
+    list.setAttachments(m_store->note(noteID)->attachments, noteID);
     QVERIFY(!list.isHidden());
     const AttachmentTile *tile = list.tiles().first();
     const int oneLine = tile->sizeHint().height();
@@ -477,13 +404,37 @@ void AttachmentViewsTest::listTakesNoRoomWithoutAttachmentsAndWraps()
     const int narrow = tile->sizeHint().width() + 10;
     QCOMPARE(list.heightForWidth(narrow), 4 * oneLine + 3 * AttachmentListView::spacing);
 
+    list.resize(list.sizeHint());
+    QTest::mouseClick(list.tiles().at(1), Qt::LeftButton);
+    const auto pathOf = [&](int i) { return m_folder + u'/' + records.at(i).storedFileName; };
+    QCOMPARE(m_attachments->opened, QStringList {pathOf(1)});
+
+    QMenu menu;
+    fillAttachmentMenu(
+        menu, m_attachments->actions, records.last(), noteID, QStringLiteral("Remove Attachment"));
+    QStringList entries;
+    for (QAction *action : menu.actions())
+        entries.append(action->isSeparator() ? QStringLiteral("-") : action->text());
+    QCOMPARE(entries, QStringList({"Open", "Show in Files", "-", "Remove Attachment"}));
+    menu.actions().at(0)->trigger();
+    menu.actions().at(1)->trigger();
+    QCOMPARE(m_attachments->opened.last(), pathOf(3));
+    QCOMPARE(m_attachments->revealed, QStringList {pathOf(3)});
+
+    const qsizetype undoSteps = m_store->undoStepCount();
+    menu.actions().at(3)->trigger();
+    QCOMPARE(m_store->note(noteID)->attachments, records.mid(0, 3));
+    QCOMPARE(m_store->undoStepCount(), undoSteps + 1);
+    m_files->waitForIdle();
+    QVERIFY(!QFileInfo::exists(m_folder + QStringLiteral("/W3")));
+    QVERIFY(QFileInfo::exists(pathOf(2)));
+
     // Tiles are kept when the list is given records again.
     const QList<AttachmentTile *> before = list.tiles();
-    attachments.removeLast();
-    list.setAttachments(attachments, list.noteID());
+    list.setAttachments(m_store->note(noteID)->attachments, noteID);
     QCOMPARE(list.tiles(), before.mid(0, 3));
 
-    list.setAttachments({}, list.noteID());
+    list.setAttachments({}, noteID);
     QVERIFY(list.isHidden());
     QVERIFY(list.tiles().isEmpty());
 }
@@ -509,7 +460,8 @@ void AttachmentViewsTest::pendingStripRemovesItsChips()
     QVERIFY(chip);
     QStringList children;
     for (int i = 0; i < chip->childCount(); ++i)
-        children.append(QStringLiteral("%1:%2").arg(int(chip->child(i)->role()))
+        children.append(QStringLiteral("%1:%2")
+                            .arg(int(chip->child(i)->role()))
                             .arg(chip->child(i)->text(QAccessible::Name)));
     QCOMPARE(children,
         QStringList({QStringLiteral("%1:a.txt").arg(int(QAccessible::StaticText)),

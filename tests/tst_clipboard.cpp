@@ -82,7 +82,6 @@ private Q_SLOTS:
     void initTestCase();
     void snapshotKeepsEveryFormat();
     void slowOwnerIsReadOnTheEventLoop();
-    void silentOwnerEndsTheSnapshot();
     void wholeOrNothing_data();
     void wholeOrNothing();
     void lateRefusalOfAGivenUpSnapshot();
@@ -154,36 +153,6 @@ void ClipboardTest::slowOwnerIsReadOnTheEventLoop()
     QTRY_COMPARE_WITH_TIMEOUT(text, QStringLiteral("slow words"), Test::patience);
     owner.kill();
     owner.waitForFinished();
-}
-
-void ClipboardTest::silentOwnerEndsTheSnapshot()
-{
-    // The owner takes far longer than the bound for each format.
-    QProcess owner;
-    QVERIFY(startSelectionOwner(owner,
-        {QStringLiteral("UTF8_STRING"), QStringLiteral("2500"), QStringLiteral("never sent")}));
-    X11Clipboard clipboard;
-    std::optional<std::optional<Clipboard::Snapshot>> snapshot;
-    clipboard.requestSnapshot(
-        [&snapshot](std::optional<Clipboard::Snapshot> s) { snapshot = std::move(s); });
-    QVERIFY(!snapshot);
-    QTRY_VERIFY_WITH_TIMEOUT(snapshot.has_value(), Test::patience);
-    QVERIFY2(!snapshot->has_value(), "a snapshot without the formats not sent is not whole");
-    owner.kill();
-    owner.waitForFinished();
-
-    // The late answers it may still send are no one's: the next owner is read as it should be.
-    QProcess xclip;
-    xclip.start(QStringLiteral("xclip"),
-        {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard")});
-    xclip.write("the next owner's");
-    xclip.closeWriteChannel();
-    xclip.waitForFinished(Test::patience);
-    QTRY_COMPARE_WITH_TIMEOUT(snapshotOf(clipboard)
-                                  .value_or(Clipboard::Snapshot {})
-                                  .value(0)
-                                  .value(QStringLiteral("text/plain")),
-        QByteArray("the next owner's"), Test::patience);
 }
 
 void ClipboardTest::wholeOrNothing_data()
@@ -279,28 +248,21 @@ void ClipboardTest::largeImagePiecewise()
 void ClipboardTest::emptyClipboardRestoresEmpty()
 {
     X11Clipboard clipboard;
+    clipboard.setText(QStringLiteral("x"));
     clipboard.restore({});
     QCOMPARE(snapshotOf(clipboard), Clipboard::Snapshot {});
     QVERIFY(!readWithXclip(QStringLiteral("UTF8_STRING")).has_value()
         || readWithXclip(QStringLiteral("UTF8_STRING"))->isEmpty());
-
-    clipboard.setText(QStringLiteral("x"));
-    clipboard.restore(snapshotOf(clipboard).value().mid(0, 0));
-    QCOMPARE(snapshotOf(clipboard), Clipboard::Snapshot {});
 }
 
 void ClipboardTest::storeCopiesLandAsText()
 {
     Test::StoreFixture fixture;
     Library library = makeDefaultLibrary();
-    QList<QUuid> ids;
-    for (const char *text : {"alpha", "**beta**\nline"}) {
-        Note note;
-        note.id = makeID();
-        note.text = QString::fromUtf8(text);
-        library.projects[0].sections[0].notes.append(note);
-        ids.append(note.id);
-    }
+    NoteList &notes = library.projects[0].sections[0].notes;
+    notes = {
+        Test::noteWith(QStringLiteral("alpha")), Test::noteWith(QStringLiteral("**beta**\nline"))};
+    const QList<QUuid> ids {notes.at(0).id, notes.at(1).id};
     Store &store = fixture.make(library);
     X11Clipboard clipboard;
 

@@ -38,14 +38,11 @@ class LoginItemTest : public QObject
 
 private Q_SLOTS:
     void defaultFolderFollowsXdgConfigHome();
-    void turnsOnAndOff();
     void execLine_data();
     void execLine();
-    void hiddenEntryIsOff_data();
-    void hiddenEntryIsOff();
+    void turnedOverWhatIsThere_data();
+    void turnedOverWhatIsThere();
     void readOnlyFolderKeepsTheTruth();
-    void olderEntryIsTakenOver_data();
-    void olderEntryIsTakenOver();
 };
 
 void LoginItemTest::defaultFolderFollowsXdgConfigHome()
@@ -55,35 +52,6 @@ void LoginItemTest::defaultFolderFollowsXdgConfigHome()
     QCOMPARE(LoginItem::forCurrentProgram().entryPath(),
         Test::IsolatedEnvironment::current().configHome()
             + QStringLiteral("/autostart/com.vesko.Vesko.desktop"));
-}
-
-void LoginItemTest::turnsOnAndOff()
-{
-    QTemporaryDir root;
-    const QString folder = root.filePath(QStringLiteral("config/autostart"));
-    LoginItem item(folder, QStringLiteral("/usr/bin/vesko"));
-    const QString entry = folder + QStringLiteral("/com.vesko.Vesko.desktop");
-
-    QVERIFY(!item.isEnabled());
-    QCOMPARE(item.setEnabled(true), std::nullopt);
-    QVERIFY(item.isEnabled());
-    const QByteArray text = readFile(entry);
-    QVERIFY(text.startsWith("[Desktop Entry]\n"));
-    QCOMPARE(entryValue(text, "Exec"), QStringLiteral("/usr/bin/vesko"));
-    QCOMPARE(entryValue(text, "Type"), QStringLiteral("Application"));
-    QCOMPARE(entryValue(text, "Hidden"), QString());
-    // No temporary file is left beside it.
-    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden),
-        QStringList {"com.vesko.Vesko.desktop"});
-
-    // Turning it on again changes nothing.
-    QCOMPARE(item.setEnabled(true), std::nullopt);
-    QCOMPARE(readFile(entry), text);
-
-    QCOMPARE(item.setEnabled(false), std::nullopt);
-    QVERIFY(!QFile::exists(entry));
-    QVERIFY(!item.isEnabled());
-    QCOMPARE(item.setEnabled(false), std::nullopt);
 }
 
 void LoginItemTest::execLine_data()
@@ -104,64 +72,62 @@ void LoginItemTest::execLine()
     QCOMPARE(entryValue(LoginItem::entryText(program), "Exec"), exec);
 }
 
-void LoginItemTest::hiddenEntryIsOff_data()
+//! Turned on or off over what the autostart folder holds, twice: the second
+//! time changes nothing.
+void LoginItemTest::turnedOverWhatIsThere_data()
 {
+    QTest::addColumn<QString>("fileName"); // empty: no entry, not even the folder
     QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<bool>("enabled");
-    QTest::newRow("hidden") << QByteArray("[Desktop Entry]\nType=Application\nHidden=true\n")
-                            << false;
-    QTest::newRow("hidden false") << QByteArray("[Desktop Entry]\nHidden=false\nExec=vesko\n")
-                                  << true;
-    QTest::newRow("hidden with blanks")
-        << QByteArray("[Desktop Entry]\nHidden = true\nExec=vesko\n") << false;
-    QTest::newRow("hidden in another group")
-        << QByteArray("[Desktop Entry]\nExec=vesko\n[Desktop Action x]\nHidden=true\n") << true;
-}
-
-void LoginItemTest::hiddenEntryIsOff()
-{
-    QFETCH(QByteArray, text);
-    QFETCH(bool, enabled);
-    QTemporaryDir root;
-    LoginItem item(root.path(), QStringLiteral("/usr/bin/vesko"));
-    writeFile(item.entryPath(), text);
-    QCOMPARE(item.isEnabled(), enabled);
-    if (!enabled) {
-        // Turning a hidden entry on writes a visible one in its place.
-        QCOMPARE(item.setEnabled(true), std::nullopt);
-        QVERIFY(item.isEnabled());
-        QCOMPARE(entryValue(readFile(item.entryPath()), "Exec"), QStringLiteral("/usr/bin/vesko"));
-    }
-}
-
-void LoginItemTest::olderEntryIsTakenOver_data()
-{
-    QTest::addColumn<QByteArray>("olderText");
-    QTest::addColumn<bool>("enable");
     QTest::addColumn<bool>("wasEnabled");
+    QTest::addColumn<bool>("enable");
+    const QString own = QStringLiteral("com.vesko.Vesko.desktop");
+    const QString older = QStringLiteral("vesko.desktop");
     const QByteArray on = "[Desktop Entry]\nType=Application\nExec=/usr/bin/vesko\n";
     const QByteArray hidden = on + "Hidden=true\n";
-    QTest::newRow("an older entry on, turned off") << on << false << true;
-    QTest::newRow("an older entry on, turned on again") << on << true << true;
-    QTest::newRow("an older hidden entry, turned on") << hidden << true << false;
-    QTest::newRow("an older hidden entry, turned off") << hidden << false << false;
+    QTest::newRow("none, turned on") << QString() << QByteArray() << false << true;
+    QTest::newRow("none, turned off") << QString() << QByteArray() << false << false;
+    QTest::newRow("hidden, turned on") << own << hidden << false << true;
+    QTest::newRow("hidden false") << own
+                                  << QByteArray("[Desktop Entry]\nHidden=false\nExec=vesko\n")
+                                  << true << false;
+    QTest::newRow("hidden with blanks")
+        << own << QByteArray("[Desktop Entry]\nHidden = true\nExec=vesko\n") << false << true;
+    QTest::newRow("hidden in another group")
+        << own << QByteArray("[Desktop Entry]\nExec=vesko\n[Desktop Action x]\nHidden=true\n")
+        << true << false;
+    QTest::newRow("an older entry on, turned off") << older << on << true << false;
+    QTest::newRow("an older entry on, turned on again") << older << on << true << true;
+    QTest::newRow("an older hidden entry, turned on") << older << hidden << false << true;
+    QTest::newRow("an older hidden entry, turned off") << older << hidden << false << false;
 }
 
-void LoginItemTest::olderEntryIsTakenOver()
+void LoginItemTest::turnedOverWhatIsThere()
 {
-    QFETCH(QByteArray, olderText);
-    QFETCH(bool, enable);
+    QFETCH(QString, fileName);
+    QFETCH(QByteArray, text);
     QFETCH(bool, wasEnabled);
+    QFETCH(bool, enable);
     QTemporaryDir root;
-    LoginItem item(root.path(), QStringLiteral("/usr/bin/vesko"));
-    writeFile(root.filePath(QStringLiteral("vesko.desktop")), olderText);
+    const QString folder = root.filePath(QStringLiteral("config/autostart"));
+    LoginItem item(folder, QStringLiteral("/usr/bin/vesko"));
+    if (!fileName.isEmpty())
+        writeFile(folder + u'/' + fileName, text);
 
     QCOMPARE(item.isEnabled(), wasEnabled);
     QCOMPARE(item.setEnabled(enable), std::nullopt);
+    const QByteArray written = readFile(item.entryPath());
+    QCOMPARE(item.setEnabled(enable), std::nullopt);
+    QCOMPARE(readFile(item.entryPath()), written);
     QCOMPARE(item.isEnabled(), enable);
-    // One entry at most, under the application's id.
-    QCOMPARE(QDir(root.path()).entryList(QDir::Files | QDir::Hidden),
+    // One visible entry at most, under the application's id, and no temporary file beside it.
+    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden),
         enable ? QStringList {"com.vesko.Vesko.desktop"} : QStringList {});
+    if (enable) {
+        QVERIFY(written.startsWith("[Desktop Entry]\n"));
+        QCOMPARE(entryValue(written, "Exec"), QStringLiteral("/usr/bin/vesko"));
+        QCOMPARE(entryValue(written, "Type"), QStringLiteral("Application"));
+        QCOMPARE(entryValue(written, "Hidden"), QString());
+    }
 }
 
 void LoginItemTest::readOnlyFolderKeepsTheTruth()

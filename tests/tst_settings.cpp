@@ -23,11 +23,27 @@ using Test::xdotool;
 
 namespace {
 
+//! xdotool with its arguments written as one line.
+QString xdo(const QString &line)
+{
+    return xdotool(Test::words(line));
+}
+
 QStringList windowsNamed(const QString &pattern)
 {
     const QString found = xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
         QStringLiteral("--name"), pattern});
     return found.isEmpty() ? QStringList() : found.split(u'\n');
+}
+
+//! The visible window of \a process named by \a pattern, or empty.
+QString windowOf(const QProcess *process, const QString &pattern)
+{
+    for (const QString &window : windowsNamed(pattern)) {
+        if (xdo(QStringLiteral("getwindowpid ") + window).toLongLong() == process->processId())
+            return window;
+    }
+    return {};
 }
 
 QString windowState(const QString &window)
@@ -42,11 +58,9 @@ QString windowState(const QString &window)
 //! Vesko's icon in the tray: a small window of class "vesko" inside trayer.
 QPoint trayIconCentre()
 {
-    const QString found
-        = xdotool({QStringLiteral("search"), QStringLiteral("--class"), QStringLiteral("^vesko$")});
+    const QString found = xdo(QStringLiteral("search --class ^vesko$"));
     for (const QString &window : found.split(u'\n', Qt::SkipEmptyParts)) {
-        const QString shell
-            = xdotool({QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window});
+        const QString shell = xdo(QStringLiteral("getwindowgeometry --shell ") + window);
         QHash<QString, int> geometry;
         for (const QString &line : shell.split(u'\n'))
             geometry.insert(line.section(u'=', 0, 0), line.section(u'=', 1).toInt());
@@ -89,21 +103,16 @@ void SettingsTest::initTestCase()
         QSKIP("Needs an X server and a session bus: run through dbus-run-session and "
               "tests/x-session.sh");
     m_tray.start(QStringLiteral("trayer"),
-        {QStringLiteral("--edge"), QStringLiteral("top"), QStringLiteral("--align"),
-            QStringLiteral("right"), QStringLiteral("--widthtype"), QStringLiteral("request"),
-            QStringLiteral("--height"), QStringLiteral("24"), QStringLiteral("--transparent"),
-            QStringLiteral("false")});
+        Test::words(QStringLiteral(
+            "--edge top --align right --widthtype request --height 24 --transparent false")));
     QVERIFY(m_tray.waitForStarted(Test::patience));
     QTRY_VERIFY_WITH_TIMEOUT(
-        !xdotool({QStringLiteral("search"), QStringLiteral("--class"), QStringLiteral("^trayer$")})
-             .isEmpty(),
-        Test::patience);
+        !xdo(QStringLiteral("search --class ^trayer$")).isEmpty(), Test::patience);
     // The accessibility bus runs before the program starts, so that the
     // program joins it as it would in a desktop session with a screen reader.
     QCOMPARE(QProcess::execute(QStringLiteral("dbus-send"),
-                 {QStringLiteral("--session"), QStringLiteral("--print-reply"),
-                     QStringLiteral("--dest=org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
-                     QStringLiteral("org.a11y.Bus.GetAddress")}),
+                 Test::words(QStringLiteral("--session --print-reply --dest=org.a11y.Bus "
+                                            "/org/a11y/bus org.a11y.Bus.GetAddress"))),
         0);
 
     m_session = std::make_unique<Test::ProgramSession>();
@@ -138,16 +147,12 @@ void SettingsTest::openFromTray()
 {
     const QPoint icon = trayIconCentre();
     QVERIFY(!icon.isNull());
-    xdotool({QStringLiteral("mousemove"), QString::number(icon.x()), QString::number(icon.y()),
-        QStringLiteral("click"), QStringLiteral("3")});
+    xdo(QStringLiteral("mousemove %1 %2 click 3").arg(icon.x()).arg(icon.y()));
     // The menu opens under the pointer: its last entries are "Settings" and "Quit Vesko".
-    QTRY_VERIFY_WITH_TIMEOUT(!xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                                          QStringLiteral("--class"), QStringLiteral("^vesko$")})
-                                  .isEmpty(),
-        Test::patience);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !xdo(QStringLiteral("search --onlyvisible --class ^vesko$")).isEmpty(), Test::patience);
     QTest::qWait(300);
-    xdotool({QStringLiteral("key"), QStringLiteral("Up"), QStringLiteral("Up"),
-        QStringLiteral("Return")});
+    xdo(QStringLiteral("key Up Up Return"));
 }
 
 //! One scenario over one running program: each step leaves the window as the next needs it.
@@ -158,14 +163,13 @@ void SettingsTest::fromTheTray()
     openFromTray();
     QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), Test::patience);
     const QString window = settingsWindow();
-    QCOMPARE(xdotool({QStringLiteral("getwindowpid"), window}).toLongLong(), m_vesko->processId());
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, Test::patience);
+    QCOMPARE(windowOf(m_vesko, QStringLiteral("^Vesko Settings$")), window);
+    QTRY_COMPARE_WITH_TIMEOUT(xdo(QStringLiteral("getactivewindow")), window, Test::patience);
     // With the panel in front, asking again brings the same window forward.
-    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), m_panel});
-    QTRY_COMPARE_WITH_TIMEOUT(
-        xdotool({QStringLiteral("getactivewindow")}), m_panel, Test::patience);
+    xdo(QStringLiteral("windowactivate --sync ") + m_panel);
+    QTRY_COMPARE_WITH_TIMEOUT(xdo(QStringLiteral("getactivewindow")), m_panel, Test::patience);
     openFromTray();
-    QTRY_COMPARE_WITH_TIMEOUT(xdotool({QStringLiteral("getactivewindow")}), window, Test::patience);
+    QTRY_COMPARE_WITH_TIMEOUT(xdo(QStringLiteral("getactivewindow")), window, Test::patience);
     QCOMPARE(windowsNamed(QStringLiteral("^Vesko Settings$")), QStringList {window});
 
     // A screen reader finds every tab and control by its name.
@@ -197,7 +201,8 @@ void SettingsTest::fromTheTray()
         QVERIFY2(picker && picker->labelledBy.contains(QLatin1String(label)), label);
     }
     // The slider reads its value as the tab shows it.
-    QCOMPARE(tree.any(QStringLiteral("slider"), QStringLiteral("Time between presses"))->description,
+    QCOMPARE(
+        tree.any(QStringLiteral("slider"), QStringLiteral("Time between presses"))->description,
         QStringLiteral("400 ms"));
 
     // A toggle pressed there changes the file and the panel at once.
@@ -225,17 +230,16 @@ void SettingsTest::fromTheTray()
     QTRY_VERIFY_WITH_TIMEOUT(!trayIconCentre().isNull(), Test::patience);
 
     // Closing only hides it; it comes back, one window, where it stood.
-    xdotool({QStringLiteral("windowmove"), QStringLiteral("--sync"), window, QStringLiteral("140"),
-        QStringLiteral("90")});
-    const QString geometry = xdotool({QStringLiteral("getwindowgeometry"), window});
-    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
-    xdotool({QStringLiteral("key"), QStringLiteral("alt+F4")});
+    xdo(QStringLiteral("windowmove --sync %1 140 90").arg(window));
+    const QString geometry = xdo(QStringLiteral("getwindowgeometry ") + window);
+    xdo(QStringLiteral("windowactivate --sync ") + window);
+    xdo(QStringLiteral("key alt+F4"));
     QTRY_VERIFY_WITH_TIMEOUT(settingsWindow().isEmpty(), Test::patience);
     QTest::qWait(200);
     QCOMPARE(m_vesko->state(), QProcess::Running);
     openFromTray();
     QTRY_VERIFY_WITH_TIMEOUT(!settingsWindow().isEmpty(), Test::patience);
-    QCOMPARE(xdotool({QStringLiteral("getwindowgeometry"), settingsWindow()}).section(u'\n', 1),
+    QCOMPARE(xdo(QStringLiteral("getwindowgeometry ") + settingsWindow()).section(u'\n', 1),
         geometry.section(u'\n', 1));
 }
 
@@ -271,24 +275,14 @@ void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
         QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
     wayland.setEnvironmentVariable(QStringLiteral("WAYLAND_DISPLAY"), QStringLiteral("wayland-0"));
     QProcess *vesko = wayland.start(QStringLiteral(VESKO_PATH));
-    QString window;
     QTRY_VERIFY_WITH_TIMEOUT(
-        [&] {
-            for (const QString &candidate : windowsNamed(QStringLiteral("^Vesko Settings$"))) {
-                if (xdotool({QStringLiteral("getwindowpid"), candidate}).toLongLong()
-                    == vesko->processId())
-                    window = candidate;
-            }
-            return !window.isEmpty();
-        }(),
-        Test::patience);
+        !windowOf(vesko, QStringLiteral("^Vesko Settings$")).isEmpty(), Test::patience);
     AccessibleTree tree;
     const QString portalShortcuts = QStringLiteral(
         "Shortcuts: Your desktop keeps Vesko's shortcuts; you change them in its settings.");
-    QTRY_VERIFY_WITH_TIMEOUT(
-        (tree = AccessibleTree::read(
-             QString::number(vesko->processId()), QStringLiteral("Vesko Settings")))
-            .any(QStringLiteral("label"), portalShortcuts),
+    QTRY_VERIFY_WITH_TIMEOUT((tree = AccessibleTree::read(QString::number(vesko->processId()),
+                                  QStringLiteral("Vesko Settings")))
+                                 .any(QStringLiteral("label"), portalShortcuts),
         Test::patience);
     const auto showing = [&tree](const char *role, const QString &name) {
         const AccessibleNode *node = tree.any(QString::fromLatin1(role), name);
@@ -306,14 +300,8 @@ void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
         QVERIFY2(!showing("push button", QString::fromUtf8(button)), button);
     // The panel comes up as well. The desktop's "Add a Note" brings it
     // forward, then its "Show or Hide Vesko" sends it away.
-    const auto panelShown = [&] {
-        for (const QString &candidate : windowsNamed(QStringLiteral("^Vesko$"))) {
-            if (xdotool({QStringLiteral("getwindowpid"), candidate}).toLongLong()
-                == vesko->processId())
-                return true;
-        }
-        return false;
-    };
+    const auto panelShown
+        = [vesko] { return !windowOf(vesko, QStringLiteral("^Vesko$")).isEmpty(); };
     const auto press = [](const QString &shortcut) {
         for (const char *signal : {"Activate", "Deactivate"}) {
             const QDBusMessage answer = QDBusConnection::sessionBus().call(
@@ -326,8 +314,7 @@ void SettingsTest::launchWithoutCaptureOpensTheCaptureTab()
     };
     QTRY_VERIFY_WITH_TIMEOUT(panelShown(), Test::patience);
     press(QStringLiteral("quickAdd"));
-    QTRY_COMPARE_WITH_TIMEOUT(
-        xdotool({QStringLiteral("getwindowname"), xdotool({QStringLiteral("getactivewindow")})}),
+    QTRY_COMPARE_WITH_TIMEOUT(xdo(QStringLiteral("getactivewindow getwindowname")),
         QStringLiteral("Vesko"), Test::patience);
     press(QStringLiteral("togglePanel"));
     QTRY_VERIFY_WITH_TIMEOUT(!panelShown(), Test::patience);
