@@ -148,13 +148,11 @@ private Q_SLOTS:
     void init();
     void refusedWithoutAnything_data();
     void refusedWithoutAnything();
-    void stoppingWithNoneRunning_data();
     void stoppingWithNoneRunning();
     void commandStartsVeskoAndActs_data();
     void commandStartsVeskoAndActs();
     void backgroundStartWithoutLock();
     void silentOwnerOfTheName();
-    void actionsFromTheDesktop_data();
     void actionsFromTheDesktop();
     void racingCommandsMeetOneVesko();
 };
@@ -240,37 +238,26 @@ void CommandLineAppTest::refusedWithoutAnything()
     QVERIFY(!QFile::exists(session.libraryPath()));
 }
 
-void CommandLineAppTest::stoppingWithNoneRunning_data()
-{
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<bool>("onBus");
-    QTest::newRow("quit, the bus may start Vesko") << "quit" << true;
-    QTest::newRow("hide, the bus may start Vesko") << "hide" << true;
-    QTest::newRow("quit without a bus") << "quit" << false;
-    QTest::newRow("hide without a bus") << "hide" << false;
-    // A Shift tap after the user quit Vesko must not bring it back.
-    QTest::newRow("shift, the bus may start Vesko") << "shift" << true;
-    QTest::newRow("shift-press, the bus may start Vesko") << "shift-press" << true;
-}
-
+// Commands that end or hide Vesko start none when none runs, on the bus,
+// which may start Vesko, or without one; nor does a Shift tap, which must
+// not bring back a Vesko the user quit.
 void CommandLineAppTest::stoppingWithNoneRunning()
 {
-    QFETCH(QString, command);
-    QFETCH(bool, onBus);
     Session session;
-    QVERIFY(session.allowActivation(onBus));
-    if (!onBus)
-        session.unsetEnvironmentVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
-
-    const ProgramSession::Outcome outcome = session.vesko({command});
-    QVERIFY2(outcome.finished && outcome.exitCode == 0 && outcome.errors.isEmpty(),
-        qPrintable(describe(outcome)));
+    QVERIFY(session.allowActivation(true));
     // Nor does KWin's call for a Shift tap: nobody answers it.
-    if (onBus)
-        QVERIFY(session.kwinShiftTap().exitCode != 0);
-    QVERIFY(!session.isRunning());
-    QVERIFY(!busNameOwned());
-    QVERIFY(!QFile::exists(session.libraryPath()));
+    QVERIFY(session.kwinShiftTap().exitCode != 0);
+    for (const char *command : {"quit", "hide", "shift", "shift-press", "no bus", "quit", "hide"}) {
+        if (qstrcmp(command, "no bus") == 0) {
+            session.unsetEnvironmentVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
+            continue;
+        }
+        const ProgramSession::Outcome outcome = session.vesko({QString::fromLatin1(command)});
+        QVERIFY2(outcome.finished && outcome.exitCode == 0 && outcome.errors.isEmpty(),
+            qPrintable(command + describe(outcome)));
+        QVERIFY2(!session.isRunning() && !busNameOwned(), command);
+        QVERIFY(!QFile::exists(session.libraryPath()));
+    }
 }
 
 void CommandLineAppTest::commandStartsVeskoAndActs_data()
@@ -389,19 +376,12 @@ void CommandLineAppTest::silentOwnerOfTheName()
         qPrintable(describe(outcome)));
 }
 
-void CommandLineAppTest::actionsFromTheDesktop_data()
-{
-    QTest::addColumn<bool>("commandLine");
-    QTest::newRow("ActivateAction on the bus") << false;
-    QTest::newRow("the command line") << true;
-}
-
 void CommandLineAppTest::actionsFromTheDesktop()
 {
-    QFETCH(bool, commandLine);
     Session session;
-    // Each action as the desktop asks for it, or as `vesko ACTION` does.
-    const auto act = [&session, commandLine](const QString &action) {
+    // Each action as the desktop asks for it (ActivateAction on the bus), or
+    // as `vesko ACTION` does.
+    const auto act = [&session](const QString &action, bool commandLine) {
         return commandLine ? session.vesko({action}) : session.action(action);
     };
     QProcess *vesko = session.start(QStringLiteral(VESKO_PATH));
@@ -412,13 +392,18 @@ void CommandLineAppTest::actionsFromTheDesktop()
     const struct
     {
         const char *action;
+        bool commandLine;
         bool visible;
-    } steps[] = {{"hide", false}, {"toggle", true}, {"hide", false}, {"show", true},
-        {"hide", false}, {"quick-add", true}, {"hide", false}};
+    } steps[] = {{"hide", false, false}, {"toggle", true, true}, {"hide", true, false},
+        {"toggle", false, true}, {"hide", false, false}, {"show", true, true},
+        {"hide", true, false}, {"show", false, true}, {"hide", false, false},
+        {"quick-add", true, true}, {"hide", true, false}, {"quick-add", false, true},
+        {"hide", false, false}};
     int number = 0;
     for (const auto &step : steps) {
         const QByteArray label = QByteArray::number(++number) + ". " + step.action;
-        const ProgramSession::Outcome outcome = act(QString::fromLatin1(step.action));
+        const ProgramSession::Outcome outcome
+            = act(QString::fromLatin1(step.action), step.commandLine);
         QVERIFY2(outcome.exitCode == 0,
             qPrintable(QStringLiteral("%1: %2").arg(step.action, describe(outcome))));
         QTRY_VERIFY2_WITH_TIMEOUT(
@@ -438,7 +423,7 @@ void CommandLineAppTest::actionsFromTheDesktop()
     QVERIFY2(second.exitCode == 0, qPrintable(describe(second)));
     QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), Test::patience);
     // Copy as a list: every visible note, as nothing is selected.
-    QVERIFY(act(QStringLiteral("copy-list")).exitCode == 0);
+    QVERIFY(act(QStringLiteral("copy-list"), true).exitCode == 0);
     QTRY_VERIFY_WITH_TIMEOUT(
         QRegularExpression(QStringLiteral("first\n.*second"))
             .match(QString::fromUtf8(session
@@ -459,7 +444,7 @@ void CommandLineAppTest::actionsFromTheDesktop()
         {QStringLiteral("toggle"), QStringLiteral("[<1>]"), QStringLiteral("{}")});
     QVERIFY(withParameter.exitCode != 0);
 
-    QCOMPARE(act(QStringLiteral("quit")).exitCode, 0);
+    QCOMPARE(act(QStringLiteral("quit"), false).exitCode, 0);
     QVERIFY(vesko->waitForFinished(Test::patience));
     QCOMPARE(vesko->exitCode(), 0);
     QCOMPARE(libraryTexts(session.libraryPath()), QStringList({"first", "second"}));

@@ -48,7 +48,6 @@ private Q_SLOTS:
     void missingFileGivesNewLibraryAndWritesNothing();
     void libraryPathPreference_data();
     void libraryPathPreference();
-    void unreadableFileIsSetAside_data();
     void unreadableFileIsSetAside();
     void setAsideNeverOverwrites();
     void interruptedWritesAreCleanedAtLoad();
@@ -70,11 +69,9 @@ private Q_SLOTS:
     void writerReportsFailure();
     void writeNowQueuesBehindEarlierWrites();
 
-    void mergeAttachmentFolderKeepsExistingFiles();
-    void mergeAttachmentFolderSameOrMissingSource();
+    void mergeAttachmentFolder();
     void cancelledMergeTakesBackWhatItMade_data();
     void cancelledMergeTakesBackWhatItMade();
-    void moveTarget();
     void removeMovedLibrary();
 
 private:
@@ -129,20 +126,11 @@ void LibraryFileTest::libraryPathPreference()
     QCOMPARE(libraryURL(), usesDefault ? defaultLibraryURL() : stored.toString());
 }
 
-void LibraryFileTest::unreadableFileIsSetAside_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    const QByteArray valid = encodeLibrary(Test::generateLibrary(30));
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("truncated") << valid.left(valid.size() / 2);
-    QTest::newRow("binary") << QByteArray::fromHex("000102fffe20504b0304");
-    QTest::newRow("invalid UTF-8") << QByteArray(valid).replace("Inbox", "Inb\xc3\x28x");
-    QTest::newRow("valid JSON, wrong shape") << QByteArray(R"({"version": 3, "projects": [{}]})");
-}
-
+// What makes a file unreadable is tst_librarycoding's; here what is done with it.
 void LibraryFileTest::unreadableFileIsSetAside()
 {
-    QFETCH(QByteArray, content);
+    const QByteArray valid = encodeLibrary(Test::generateLibrary(30));
+    const QByteArray content = valid.left(valid.size() / 2);
     writeFile(m_path, content);
 
     QTest::ignoreMessage(QtCriticalMsg,
@@ -178,13 +166,6 @@ void LibraryFileTest::setAsideNeverOverwrites()
             "earlier");
     }
     writeFile(m_path, "not json");
-    QTest::ignoreMessage(
-        QtCriticalMsg, QRegularExpression(QStringLiteral("^Could not read library")));
-    QTest::ignoreMessage(QtInfoMsg,
-        QRegularExpression(QStringLiteral("^Could not set the unreadable library aside")));
-    loadLibrary(m_path);
-
-    QCOMPARE(readFile(m_path), QByteArray("not json"));
     std::optional<UnreadableLibrary> unreadable;
     QTest::ignoreMessage(
         QtCriticalMsg, QRegularExpression(QStringLiteral("^Could not read library")));
@@ -192,6 +173,7 @@ void LibraryFileTest::setAsideNeverOverwrites()
         QRegularExpression(QStringLiteral("^Could not set the unreadable library aside")));
     loadLibrary(m_path, &unreadable);
     // Still in its place, and told so.
+    QCOMPARE(readFile(m_path), QByteArray("not json"));
     QVERIFY(unreadable && !unreadable->isSetAside);
     QCOMPARE(unreadable->path, m_path);
     for (const QDateTime &moment : {now, now.addSecs(1)}) {
@@ -574,7 +556,7 @@ void LibraryFileTest::writeNowQueuesBehindEarlierWrites()
     QCOMPARE(loadLibrary(m_path), last);
 }
 
-void LibraryFileTest::mergeAttachmentFolderKeepsExistingFiles()
+void LibraryFileTest::mergeAttachmentFolder()
 {
     const QString from = m_folder + QStringLiteral("/Attachments");
     const QString to = m_folder + QStringLiteral("-new/Attachments");
@@ -584,13 +566,28 @@ void LibraryFileTest::mergeAttachmentFolderKeepsExistingFiles()
     writeFile(to + QStringLiteral("/same.txt"), "already there");
     setModified(from + QStringLiteral("/A/image.png"), 1600000000);
 
-    QCOMPARE(mergeAttachmentFolder(from, to), std::nullopt);
+    QCOMPARE(Vesko::mergeAttachmentFolder(from, to), std::nullopt);
     QCOMPARE(readFile(to + QStringLiteral("/A/image.png")), QByteArray("image"));
     QCOMPARE(readFile(to + QStringLiteral("/B/deep/report.pdf")), QByteArray("report"));
     QCOMPARE(readFile(to + QStringLiteral("/same.txt")), QByteArray("already there"));
     QCOMPARE(QFileInfo(to + QStringLiteral("/A/image.png")).lastModified().toSecsSinceEpoch(),
         1600000000);
     QCOMPARE(readFile(from + QStringLiteral("/same.txt")), QByteArray("from source"));
+
+    // Onto itself, or from a folder that is not there: nothing to do.
+    writeFile(from + QStringLiteral("/a.txt"), "a");
+    const QStringList before = entries(from);
+    QCOMPARE(
+        Vesko::mergeAttachmentFolder(from, m_folder + QStringLiteral("/../Vesko/Attachments/")),
+        std::nullopt);
+    QCOMPARE(entries(from), before);
+    const QString target = m_folder + QStringLiteral("-other/Attachments");
+    QCOMPARE(
+        Vesko::mergeAttachmentFolder(m_folder + QStringLiteral("/Missing"), target), std::nullopt);
+    QVERIFY(!QFileInfo::exists(target));
+    // A failure is reported: the target's parent is a file.
+    writeFile(m_folder + QStringLiteral("-blocked"), "file");
+    QVERIFY(Vesko::mergeAttachmentFolder(from, m_folder + QStringLiteral("-blocked/Attachments")));
 }
 
 void LibraryFileTest::cancelledMergeTakesBackWhatItMade_data()
@@ -619,7 +616,7 @@ void LibraryFileTest::cancelledMergeTakesBackWhatItMade()
 
     int pieces = 0;
     const std::optional<QString> failure
-        = mergeAttachmentFolder(from, to, [&pieces, piecesBeforeCancel](qint64 bytes) {
+        = Vesko::mergeAttachmentFolder(from, to, [&pieces, piecesBeforeCancel](qint64 bytes) {
               if (bytes > 0)
                   ++pieces;
               return pieces < piecesBeforeCancel;
@@ -637,34 +634,13 @@ void LibraryFileTest::cancelledMergeTakesBackWhatItMade()
     QCOMPARE(readFile(from + QStringLiteral("/B/deep/b.txt")), QByteArray("B/deep/b.txt"));
 }
 
-void LibraryFileTest::mergeAttachmentFolderSameOrMissingSource()
-{
-    const QString folder = m_folder + QStringLiteral("/Attachments");
-    writeFile(folder + QStringLiteral("/a.txt"), "a");
-    QCOMPARE(mergeAttachmentFolder(folder, m_folder + QStringLiteral("/../Vesko/Attachments/")),
-        std::nullopt);
-    QCOMPARE(entries(folder), QStringList {QStringLiteral("a.txt")});
-
-    const QString target = m_folder + QStringLiteral("-other/Attachments");
-    QCOMPARE(mergeAttachmentFolder(m_folder + QStringLiteral("/Missing"), target), std::nullopt);
-    QVERIFY(!QFileInfo::exists(target));
-    // A failure is reported: the target's parent is a file.
-    writeFile(m_folder + QStringLiteral("-blocked"), "file");
-    const auto error
-        = mergeAttachmentFolder(folder, m_folder + QStringLiteral("-blocked/Attachments"));
-    QVERIFY(error);
-}
-
-void LibraryFileTest::moveTarget()
-{
-    QDir().mkpath(m_folder);
-    QCOMPARE(libraryMoveTarget(m_folder), m_folder + QStringLiteral("/Library.json"));
-    QCOMPARE(libraryMoveTarget(m_folder + QStringLiteral("/Mine.json")),
-        m_folder + QStringLiteral("/Mine.json"));
-}
-
 void LibraryFileTest::removeMovedLibrary()
 {
+    // A move names a folder or the file itself.
+    QDir().mkpath(m_folder);
+    QCOMPARE(libraryMoveTarget(m_folder), m_path);
+    QCOMPARE(libraryMoveTarget(m_folder + QStringLiteral("/Mine.json")),
+        m_folder + QStringLiteral("/Mine.json"));
     const QString oldPath = m_path;
     const QString newPath = m_folder + QStringLiteral("-moved/Library.json");
     QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("1")), oldPath), std::nullopt);
