@@ -179,9 +179,6 @@ void CommandLineAppTest::refusedWithoutAnything_data()
     QTest::addColumn<QString>("output"); // a pattern of standard output
     QTest::addColumn<QString>("errors"); // a pattern of standard error
     QTest::addColumn<QStringList>("environment"); // NAME=VALUE, the user's language
-    QTest::newRow("help") << QStringList {"--help"} << QByteArray() << 0
-                          << "^Usage: vesko \\[options\\] \\[command\\]\n.*  copy-list "
-                          << "^$" << QStringList();
     QTest::newRow("version") << QStringList {"--version"} << QByteArray() << 0
                              << "^vesko \\d+\\.\\d+\\.\\d+\n$"
                              << "^$" << QStringList();
