@@ -54,7 +54,6 @@ private Q_SLOTS:
     void byteOrderMarkIsReadAndNotWrittenBack();
 
     void sevenSavesKeepFiveBackups();
-    void foreignBackupEntriesTakePart();
     void keptBackupsOutlastTheRotation();
     void unreadableLibraryNoteBelongsToItsFile_data();
     void unreadableLibraryNoteBelongsToItsFile();
@@ -251,6 +250,9 @@ void LibraryFileTest::sevenSavesKeepFiveBackups()
         QVERIFY2(kept.contains(states.at(i)), qPrintable(QString::number(i + 1)));
 }
 
+// Every entry of the backups folder, a foreign one too, takes part in the
+// rotation by its date; the backups the caller keeps stay, and push none of
+// the others out, until they are let go.
 void LibraryFileTest::keptBackupsOutlastTheRotation()
 {
     const QString folder = backupsFolder(m_path);
@@ -260,14 +262,19 @@ void LibraryFileTest::keptBackupsOutlastTheRotation()
         writeFile(kept.last(), "kept");
         setModified(kept.last(), 1600000000 + i);
     }
+    writeFile(folder + QStringLiteral("/old notes.txt"), "foreign, old");
+    setModified(folder + QStringLiteral("/old notes.txt"), 1000);
+    writeFile(folder + QStringLiteral("/.hidden-new"), "foreign, new");
+    setModified(folder + QStringLiteral("/.hidden-new"), 4000000000);
     for (int i = 1; i <= 9; ++i)
         QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("state %1").arg(i)), m_path, kept),
             std::nullopt);
-    // The kept ones stay and push none of the others out: five of those besides.
     const QStringList names = entries(folder);
     QCOMPARE(names.size(), 3 + 5);
     for (const QString &path : kept)
         QVERIFY2(names.contains(QFileInfo(path).fileName()), qPrintable(path));
+    QVERIFY(names.contains(QStringLiteral(".hidden-new"))); // newest by date
+    QVERIFY(!names.contains(QStringLiteral("old notes.txt"))); // oldest, rotated out
     // Let go, they rotate like any other entry.
     QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("free")), m_path), std::nullopt);
     QCOMPARE(entries(folder).size(), 5);
@@ -343,24 +350,6 @@ void LibraryFileTest::unreadableLibraryNoteBelongsToItsFile()
     QCOMPARE(
         second->path, QFileInfo(next).absoluteDir().filePath(QFileInfo(first->path).fileName()));
     QCOMPARE(second->reason, first->reason);
-}
-
-void LibraryFileTest::foreignBackupEntriesTakePart()
-{
-    const QString folder = backupsFolder(m_path);
-    QCOMPARE(writeLibrary(libraryNamed(QStringLiteral("0")), m_path), std::nullopt);
-    writeFile(folder + QStringLiteral("/old notes.txt"), "foreign, old");
-    setModified(folder + QStringLiteral("/old notes.txt"), 1000);
-    writeFile(folder + QStringLiteral("/.hidden-new"), "foreign, new");
-    setModified(folder + QStringLiteral("/.hidden-new"), 4000000000);
-
-    for (int i = 1; i <= 5; ++i)
-        QCOMPARE(writeLibrary(libraryNamed(QString::number(i)), m_path), std::nullopt);
-
-    const QStringList names = entries(folder);
-    QCOMPARE(names.size(), 5);
-    QVERIFY(names.contains(QStringLiteral(".hidden-new"))); // newest by date
-    QVERIFY(!names.contains(QStringLiteral("old notes.txt"))); // oldest, rotated out
 }
 
 void LibraryFileTest::failedWritesBackUpEachStateOnce()
