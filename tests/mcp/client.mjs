@@ -78,8 +78,6 @@ try {
     // An unknown tool is the protocol's error, not a tool's result.
     await assert.rejects(client.callTool({ name: "delete_everything", arguments: {} }),
         (error) => error.code === -32602 && /Unknown tool/.test(error.message));
-    listed = await client.callTool({ name: "list_notes", arguments: { includeDone: true } });
-    assert.equal(text(listed).split("\n").length, 2);
 } finally {
     await client.close();
     spawnSync(vesko, ["quit"], { env, stdio: "inherit", timeout: 30000 });
