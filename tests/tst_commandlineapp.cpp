@@ -148,13 +148,10 @@ private Q_SLOTS:
     void init();
     void refusedWithoutAnything_data();
     void refusedWithoutAnything();
-    void stoppingWithNoneRunning_data();
     void stoppingWithNoneRunning();
     void commandStartsVeskoAndActs_data();
     void commandStartsVeskoAndActs();
-    void backgroundStartWithoutLock();
     void silentOwnerOfTheName();
-    void actionsFromTheDesktop_data();
     void actionsFromTheDesktop();
     void racingCommandsMeetOneVesko();
 };
@@ -181,15 +178,9 @@ void CommandLineAppTest::refusedWithoutAnything_data()
     QTest::addColumn<QString>("output"); // a pattern of standard output
     QTest::addColumn<QString>("errors"); // a pattern of standard error
     QTest::addColumn<QStringList>("environment"); // NAME=VALUE, the user's language
-    QTest::newRow("help") << QStringList {"--help"} << QByteArray() << 0
-                          << "^Usage: vesko \\[options\\] \\[command\\]\n.*  copy-list "
-                          << "^$" << QStringList();
     QTest::newRow("version") << QStringList {"--version"} << QByteArray() << 0
                              << "^vesko \\d+\\.\\d+\\.\\d+\n$"
                              << "^$" << QStringList();
-    QTest::newRow("unknown command")
-        << QStringList {"frobnicate"} << QByteArray() << 2 << "^$"
-        << "^vesko: Unknown command \"frobnicate\".\n.*--help" << QStringList();
     QTest::newRow("blank standard input")
         << QStringList {"add", "-"} << QByteArray(" \n\t\n") << 1 << "^$"
         << "^vesko: The note is blank" << QStringList();
@@ -209,9 +200,10 @@ void CommandLineAppTest::refusedWithoutAnything_data()
         << "^vesko: Commande inconnue «\u00a0frobnicate\u00a0»\\.\n«\u00a0vesko --help\u00a0» "
            "affiche"
         << QStringList {"LANG=de_DE.UTF-8", "LANGUAGE=ja:fr_CA:de"};
-    QTest::newRow("English first") << QStringList {"frobnicate"} << QByteArray() << 2 << "^$"
-                                   << "^vesko: Unknown command \"frobnicate\".\n"
-                                   << QStringList {"LANG=de_DE.UTF-8", "LANGUAGE=en_GB:de"};
+    QTest::newRow("unknown command, English first")
+        << QStringList {"frobnicate"} << QByteArray() << 2 << "^$"
+        << "^vesko: Unknown command \"frobnicate\".\n.*--help"
+        << QStringList {"LANG=de_DE.UTF-8", "LANGUAGE=en_GB:de"};
 }
 
 void CommandLineAppTest::refusedWithoutAnything()
@@ -240,37 +232,34 @@ void CommandLineAppTest::refusedWithoutAnything()
     QVERIFY(!QFile::exists(session.libraryPath()));
 }
 
-void CommandLineAppTest::stoppingWithNoneRunning_data()
-{
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<bool>("onBus");
-    QTest::newRow("quit, the bus may start Vesko") << "quit" << true;
-    QTest::newRow("hide, the bus may start Vesko") << "hide" << true;
-    QTest::newRow("quit without a bus") << "quit" << false;
-    QTest::newRow("hide without a bus") << "hide" << false;
-    // A Shift tap after the user quit Vesko must not bring it back.
-    QTest::newRow("shift, the bus may start Vesko") << "shift" << true;
-    QTest::newRow("shift-press, the bus may start Vesko") << "shift-press" << true;
-}
-
+// Commands that end or hide Vesko start none when none runs, on the bus,
+// which may start Vesko, or without one; nor does a Shift tap, which must
+// not bring back a Vesko the user quit.
 void CommandLineAppTest::stoppingWithNoneRunning()
 {
-    QFETCH(QString, command);
-    QFETCH(bool, onBus);
     Session session;
-    QVERIFY(session.allowActivation(onBus));
-    if (!onBus)
-        session.unsetEnvironmentVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
-
-    const ProgramSession::Outcome outcome = session.vesko({command});
-    QVERIFY2(outcome.finished && outcome.exitCode == 0 && outcome.errors.isEmpty(),
-        qPrintable(describe(outcome)));
-    // Nor does KWin's call for a Shift tap: nobody answers it.
-    if (onBus)
-        QVERIFY(session.kwinShiftTap().exitCode != 0);
-    QVERIFY(!session.isRunning());
+    QVERIFY(session.allowActivation(true));
+    // Nor does a start in the background whose lock cannot be made: a folder
+    // is where the lock file belongs.
+    const QString lockPath = SingleInstance(session.libraryPath()).lockPath();
+    QVERIFY(!lockPath.isEmpty() && QDir().mkpath(lockPath));
+    const ProgramSession::Outcome background = session.vesko({QStringLiteral("--background")});
+    QVERIFY(QDir(lockPath).removeRecursively());
+    QVERIFY2(background.finished && background.exitCode != 0, qPrintable(describe(background)));
     QVERIFY(!busNameOwned());
-    QVERIFY(!QFile::exists(session.libraryPath()));
+    // Nor does KWin's call for a Shift tap: nobody answers it.
+    QVERIFY(session.kwinShiftTap().exitCode != 0);
+    for (const char *command : {"quit", "hide", "shift", "shift-press", "no bus", "quit", "hide"}) {
+        if (qstrcmp(command, "no bus") == 0) {
+            session.unsetEnvironmentVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
+            continue;
+        }
+        const ProgramSession::Outcome outcome = session.vesko({QString::fromLatin1(command)});
+        QVERIFY2(outcome.finished && outcome.exitCode == 0 && outcome.errors.isEmpty(),
+            qPrintable(command + describe(outcome)));
+        QVERIFY2(!session.isRunning() && !busNameOwned(), command);
+        QVERIFY(!QFile::exists(session.libraryPath()));
+    }
 }
 
 void CommandLineAppTest::commandStartsVeskoAndActs_data()
@@ -328,21 +317,6 @@ void CommandLineAppTest::commandStartsVeskoAndActs()
         libraryTexts(session.libraryPath()), QStringList({"line one\n\tline two", "buy milk"}));
 }
 
-void CommandLineAppTest::backgroundStartWithoutLock()
-{
-    Session session;
-    // A folder where the lock file should be: the lock cannot be made.
-    const QString lockPath = SingleInstance(session.libraryPath()).lockPath();
-    QVERIFY(!lockPath.isEmpty());
-    QVERIFY(QDir().mkpath(lockPath));
-    const auto removeLock = qScopeGuard([&lockPath] { QDir(lockPath).removeRecursively(); });
-
-    const ProgramSession::Outcome outcome = session.vesko({QStringLiteral("--background")});
-    QVERIFY2(outcome.finished && outcome.exitCode != 0, qPrintable(describe(outcome)));
-    QVERIFY(!busNameOwned());
-    QVERIFY(!QFile::exists(session.libraryPath()));
-}
-
 // Owns the program's object path in this test process and answers no call
 // until it is let go.
 class SilentInstance : public QObject
@@ -389,19 +363,12 @@ void CommandLineAppTest::silentOwnerOfTheName()
         qPrintable(describe(outcome)));
 }
 
-void CommandLineAppTest::actionsFromTheDesktop_data()
-{
-    QTest::addColumn<bool>("commandLine");
-    QTest::newRow("ActivateAction on the bus") << false;
-    QTest::newRow("the command line") << true;
-}
-
 void CommandLineAppTest::actionsFromTheDesktop()
 {
-    QFETCH(bool, commandLine);
     Session session;
-    // Each action as the desktop asks for it, or as `vesko ACTION` does.
-    const auto act = [&session, commandLine](const QString &action) {
+    // Each action as the desktop asks for it (ActivateAction on the bus), or
+    // as `vesko ACTION` does.
+    const auto act = [&session](const QString &action, bool commandLine) {
         return commandLine ? session.vesko({action}) : session.action(action);
     };
     QProcess *vesko = session.start(QStringLiteral(VESKO_PATH));
@@ -412,13 +379,18 @@ void CommandLineAppTest::actionsFromTheDesktop()
     const struct
     {
         const char *action;
+        bool commandLine;
         bool visible;
-    } steps[] = {{"hide", false}, {"toggle", true}, {"hide", false}, {"show", true},
-        {"hide", false}, {"quick-add", true}, {"hide", false}};
+    } steps[] = {{"hide", false, false}, {"toggle", true, true}, {"hide", true, false},
+        {"toggle", false, true}, {"hide", false, false}, {"show", true, true},
+        {"hide", true, false}, {"show", false, true}, {"hide", false, false},
+        {"quick-add", true, true}, {"hide", true, false}, {"quick-add", false, true},
+        {"hide", false, false}};
     int number = 0;
     for (const auto &step : steps) {
         const QByteArray label = QByteArray::number(++number) + ". " + step.action;
-        const ProgramSession::Outcome outcome = act(QString::fromLatin1(step.action));
+        const ProgramSession::Outcome outcome
+            = act(QString::fromLatin1(step.action), step.commandLine);
         QVERIFY2(outcome.exitCode == 0,
             qPrintable(QStringLiteral("%1: %2").arg(step.action, describe(outcome))));
         QTRY_VERIFY2_WITH_TIMEOUT(
@@ -438,7 +410,7 @@ void CommandLineAppTest::actionsFromTheDesktop()
     QVERIFY2(second.exitCode == 0, qPrintable(describe(second)));
     QTRY_VERIFY_WITH_TIMEOUT(!visiblePanel().isEmpty(), Test::patience);
     // Copy as a list: every visible note, as nothing is selected.
-    QVERIFY(act(QStringLiteral("copy-list")).exitCode == 0);
+    QVERIFY(act(QStringLiteral("copy-list"), true).exitCode == 0);
     QTRY_VERIFY_WITH_TIMEOUT(
         QRegularExpression(QStringLiteral("first\n.*second"))
             .match(QString::fromUtf8(session
@@ -459,7 +431,7 @@ void CommandLineAppTest::actionsFromTheDesktop()
         {QStringLiteral("toggle"), QStringLiteral("[<1>]"), QStringLiteral("{}")});
     QVERIFY(withParameter.exitCode != 0);
 
-    QCOMPARE(act(QStringLiteral("quit")).exitCode, 0);
+    QCOMPARE(act(QStringLiteral("quit"), false).exitCode, 0);
     QVERIFY(vesko->waitForFinished(Test::patience));
     QCOMPARE(vesko->exitCode(), 0);
     QCOMPARE(libraryTexts(session.libraryPath()), QStringList({"first", "second"}));

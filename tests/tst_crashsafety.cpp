@@ -8,6 +8,7 @@
 
 #include "LibraryGenerator.h"
 #include "TestEnvironment.h"
+#include "TestFiles.h"
 
 #include "library/LibraryCoding.h"
 #include "library/LibraryFile.h"
@@ -81,14 +82,6 @@ Library libraryWithoutAttachments(qsizetype notes, quint32 seed)
     return library;
 }
 
-std::optional<Library> readLibrary(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    return decodeLibrary(file.readAll());
-}
-
 // Runs the helper to its end and returns what it printed.
 QByteArray runTask(const QStringList &arguments)
 {
@@ -104,16 +97,10 @@ QByteArray runTask(const QStringList &arguments)
 }
 
 // Files of the given sizes by relative path, written below \a folder.
-bool writeFiles(const QString &folder, const QMap<QString, qint64> &files)
+void writeFiles(const QString &folder, const QMap<QString, qint64> &files)
 {
-    for (auto it = files.cbegin(); it != files.cend(); ++it) {
-        const QString path = folder + u'/' + it.key();
-        QFile file(path);
-        if (!QDir().mkpath(QFileInfo(path).path()) || !file.open(QIODevice::WriteOnly)
-            || file.write(QByteArray(it.value(), 'v')) != it.value())
-            return false;
-    }
-    return true;
+    for (auto it = files.cbegin(); it != files.cend(); ++it)
+        Test::writeFile(folder + u'/' + it.key(), QByteArray(it.value(), 'v'));
 }
 
 // Starts the helper with \a arguments, then kills it at a moment drawn from
@@ -164,7 +151,11 @@ void CrashSafetyTest::killedSavesLeaveAWholeFile()
         = Test::IsolatedEnvironment::current().root() + QStringLiteral("/kill/Vesko");
     const QString path = folder + QStringLiteral("/Library.json");
     QRandomGenerator random(20261122);
-
+    // What an unfinished write leaves: its temporary file.
+    const auto leftovers = [&folder] {
+        return QDir(folder).entryList(
+            {QStringLiteral(".Library.json.*")}, QDir::Files | QDir::Hidden);
+    };
     constexpr int kills = 60;
     int lastState = -1;
     int killsDuringWrite = 0;
@@ -181,16 +172,13 @@ void CrashSafetyTest::killedSavesLeaveAWholeFile()
         QVERIFY(saver.waitForFinished(Test::patience));
         QCOMPARE(saver.exitStatus(), QProcess::CrashExit);
 
-        const QStringList leftovers = QDir(folder).entryList(
-            {QStringLiteral(".Library.json.*")}, QDir::Files | QDir::Hidden);
-        killsDuringWrite += leftovers.isEmpty() ? 0 : 1;
+        const bool killedDuringWrite = !leftovers().isEmpty();
+        killsDuringWrite += killedDuringWrite ? 1 : 0;
         if (!QFileInfo::exists(path))
             continue; // killed before the first write finished
 
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadOnly));
         QString error;
-        const std::optional<Library> library = decodeLibrary(file.readAll(), &error);
+        const std::optional<Library> library = decodeLibrary(Test::readFile(path), &error);
         QVERIFY2(library, qPrintable(QStringLiteral("round %1: %2").arg(round).arg(error)));
         const int state = stateNumber(*library);
         QVERIFY2(state >= lastState,
@@ -198,25 +186,17 @@ void CrashSafetyTest::killedSavesLeaveAWholeFile()
         QVERIFY(*library == Test::numberedLibrary(state));
         lastState = state;
         // A start after the crash reads the file and clears what the write left.
-        const Library loaded = [&] {
-            if (!leftovers.isEmpty())
-                QTest::ignoreMessage(
-                    QtInfoMsg, QRegularExpression(QStringLiteral("^Removed the unfinished write")));
-            return loadLibrary(path);
-        }();
-        QCOMPARE(stateNumber(loaded), state);
-        QVERIFY(QDir(folder)
-                    .entryList({QStringLiteral(".Library.json.*")}, QDir::Files | QDir::Hidden)
-                    .isEmpty());
+        if (killedDuringWrite)
+            QTest::ignoreMessage(
+                QtInfoMsg, QRegularExpression(QStringLiteral("^Removed the unfinished write")));
+        QCOMPARE(stateNumber(loadLibrary(path)), state);
+        QVERIFY(leftovers().isEmpty());
         QVERIFY(QDir(folder).entryList({QStringLiteral("Library-unreadable-*")}).isEmpty());
         // Every backup that exists is whole too.
         const QDir backups(backupsFolder(path));
         for (const QString &name :
-            backups.entryList({QStringLiteral("Library-*.json")}, QDir::Files)) {
-            QFile backup(backups.filePath(name));
-            QVERIFY(backup.open(QIODevice::ReadOnly));
-            QVERIFY2(decodeLibrary(backup.readAll()), qPrintable(name));
-        }
+            backups.entryList({QStringLiteral("Library-*.json")}, QDir::Files))
+            QVERIFY2(decodeLibrary(Test::readFile(backups.filePath(name))), qPrintable(name));
     }
     qInfo("%d kills, %d of them during a write, last state %d", kills, killsDuringWrite, lastState);
     QVERIFY(lastState >= kills - 1);
@@ -237,7 +217,7 @@ void CrashSafetyTest::killedMovesLeaveOneWholeLibrary()
         QFile::remove(libraryMoveJournalPath());
         QVERIFY(QDir().mkpath(root + QStringLiteral("/new")));
         QVERIFY(!LibraryWriter::shared().writeNow(library, from));
-        QVERIFY(writeFiles(attachmentsFolder(from), attachments));
+        writeFiles(attachmentsFolder(from), attachments);
         QVERIFY(runTask({QStringLiteral("use"), from}).isEmpty());
     };
     // Whichever place the next start uses holds the whole library and every
@@ -253,7 +233,7 @@ void CrashSafetyTest::killedMovesLeaveOneWholeLibrary()
             = QStringLiteral("round %1: %2").arg(round).arg(QString::fromUtf8(started));
         [&] {
             QVERIFY2(moved || stayed, qPrintable(context));
-            QVERIFY2(readLibrary(kept) == library, qPrintable(context));
+            QVERIFY2(decodeLibrary(Test::readFile(kept)) == library, qPrintable(context));
             QCOMPARE(filesBelow(attachmentsFolder(kept)), attachments);
             QCOMPARE(filesBelow(QFileInfo(gone).path()), (QMap<QString, qint64>()));
             QVERIFY(!QFileInfo::exists(libraryMoveJournalPath()));
@@ -296,7 +276,7 @@ void CrashSafetyTest::killedImportsLeaveNoHalf()
     auto prepare = [&] {
         QDir(root).removeRecursively();
         QVERIFY(!LibraryWriter::shared().writeNow(library, path));
-        QVERIFY(writeFiles(sources, files));
+        writeFiles(sources, files);
         QVERIFY(runTask({QStringLiteral("use"), path}).isEmpty());
     };
     // After the next start, the first note has either none of the files or
@@ -310,7 +290,7 @@ void CrashSafetyTest::killedImportsLeaveNoHalf()
             = QStringLiteral("round %1: %2").arg(round).arg(QString::fromUtf8(started));
         [&] {
             QVERIFY2(imported || started == expected.arg(0).toUtf8(), qPrintable(context));
-            const std::optional<Library> read = readLibrary(path);
+            const std::optional<Library> read = decodeLibrary(Test::readFile(path));
             QVERIFY(read);
             QMap<QString, qint64> stored;
             for (const NoteAttachment &attachment :

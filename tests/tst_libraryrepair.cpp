@@ -82,9 +82,7 @@ class LibraryRepairTest : public QObject
 private Q_SLOTS:
     void repair_data();
     void repair();
-    void emptyLibraryIsReplacedWithoutARewrite();
-    void staleActiveProjectIsLeftAlone();
-    void notesAreNeverLostOrMade();
+    void projectsAreNoRewrite();
     void handWrittenFilesAtStart_data();
     void handWrittenFilesAtStart();
 };
@@ -148,54 +146,42 @@ void LibraryRepairTest::repair()
     library.version = version;
     library.projects = {makeProject(before)};
     library.activeProjectID = library.projects[0].id;
+    // Notes move between sections, none is lost or made anew.
+    const auto noteIDs = [&library] {
+        QList<QUuid> ids;
+        for (const NoteSection &section : library.projects[0].sections)
+            for (const Note &note : section.notes)
+                ids.append(note.id);
+        std::sort(ids.begin(), ids.end());
+        return ids;
+    };
+    const QList<QUuid> ids = noteIDs();
     QCOMPARE(repairLibrary(library), changed);
     QCOMPARE(library.version, 3);
     QCOMPARE(describe(library.projects[0]), after);
+    QCOMPARE(noteIDs(), ids);
     // A repaired library needs no second repair.
     QCOMPARE(repairLibrary(library), false);
 }
 
-void LibraryRepairTest::emptyLibraryIsReplacedWithoutARewrite()
+// A library without projects gets the default one and an absent active
+// project is filled in, neither worth a rewrite; a stale one is left alone.
+void LibraryRepairTest::projectsAreNoRewrite()
 {
     Library library;
     QCOMPARE(repairLibrary(library), false);
     QCOMPARE(library.projects.size(), 1);
     QCOMPARE(library.projects[0].sections[0].title, QStringLiteral("Inbox"));
     QCOMPARE(library.activeProjectID, library.projects[0].id);
-}
 
-void LibraryRepairTest::staleActiveProjectIsLeftAlone()
-{
-    Library library;
     library.projects = {makeProject(QStringLiteral("*Inbox:a"))};
     const QUuid stale = makeID();
     library.activeProjectID = stale;
     QCOMPARE(repairLibrary(library), false);
     QCOMPARE(library.activeProjectID, stale);
-    // An absent one is filled in without counting as a change.
     library.activeProjectID.reset();
     QCOMPARE(repairLibrary(library), false);
     QCOMPARE(library.activeProjectID, library.projects[0].id);
-}
-
-void LibraryRepairTest::notesAreNeverLostOrMade()
-{
-    Library library;
-    library.version = 1;
-    library.projects = {
-        makeProject(QStringLiteral("Mail:a@Mail,b@Mail|mail!:c@Mail|MAIL:d@Mail,e|Inbox:f|mail:g")),
-        makeProject(QStringLiteral("Safari!:h@Safari|safari:i|Safari — Docs:j@Safari/Docs"))};
-    const auto notes = [&library] {
-        QMultiHash<QUuid, QString> notes;
-        for (const Project &project : library.projects)
-            for (const NoteSection &section : project.sections)
-                for (const Note &note : section.notes)
-                    notes.insert(note.id, note.text);
-        return notes;
-    };
-    const QMultiHash<QUuid, QString> before = notes();
-    repairLibrary(library);
-    QCOMPARE(notes(), before);
 }
 
 void LibraryRepairTest::handWrittenFilesAtStart_data()
@@ -209,8 +195,6 @@ void LibraryRepairTest::handWrittenFilesAtStart_data()
            "|Mail — Sent!:first sent@Mail/Sent,second sent@Mail/Sent,third sent@Mail/sent"
            "|Firefox:typed about firefox|Firefox!:captured@Firefox,stray capture@Firefox"
         << true;
-    QTest::newRow("version 9 stamped down") << "repair-version9.json"
-                                            << "*Inbox:from the future" << true;
     QTest::newRow("sound version 3") << "library-full.json" << QString() << false;
 }
 
@@ -231,8 +215,6 @@ void LibraryRepairTest::handWrittenFilesAtStart()
     const QDir backups(backupsFolder(libraryURL()));
     if (rewritten) {
         QCOMPARE(decodeLibrary(bytes)->version, 3);
-        QVERIFY(!bytes.contains("futureKey") && !bytes.contains("colour")
-            && !bytes.contains("reactions"));
         // The old form is kept as the one backup.
         const QStringList names = backups.entryList(QDir::Files);
         QCOMPARE(names.size(), 1);

@@ -29,12 +29,6 @@ const libraryPath = join(env.XDG_DATA_HOME, "Vesko", "Library.json");
 
 const text = (result) => result.content.filter((part) => part.type === "text").map((part) => part.text).join("\n");
 
-async function expectToolError(client, name, args, pattern) {
-    const result = await client.callTool({ name, arguments: args });
-    assert.equal(result.isError, true, `${name} ${JSON.stringify(args)} should fail`);
-    assert.match(text(result), pattern);
-}
-
 const client = new Client({ name: "vesko-tests", version: "1.0.0" });
 const transport = new StdioClientTransport({ command: vesko, args: ["mcp"], env, stderr: "inherit" });
 try {
@@ -76,16 +70,14 @@ try {
     listed = await client.callTool({ name: "list_notes", arguments: { section: "Agents", includeDone: true } });
     assert.match(text(listed), /- \[x\] Review the agent's plan/);
 
-    // Bad input is a tool error with a clear text, and changes nothing: refused
-    // by the running Vesko or by the server itself (every case: tst_commandline).
-    await expectToolError(client, "set_done", { ids: ["not-an-id"], done: true }, /No note has the id “not-an-id”/);
-    await expectToolError(client, "add_note", { text: "x", project: "Nowhere" }, /no project named “Nowhere”/);
-    await expectToolError(client, "add_note", { text: 42 }, /“text” must be a string/);
+    // What the running Vesko refuses is a tool error with a clear text, and
+    // changes nothing (every case, and the server's own: tst_commandline).
+    const refused = await client.callTool({ name: "set_done", arguments: { ids: ["not-an-id"], done: true } });
+    assert.equal(refused.isError, true);
+    assert.match(text(refused), /No note has the id “not-an-id”/);
     // An unknown tool is the protocol's error, not a tool's result.
     await assert.rejects(client.callTool({ name: "delete_everything", arguments: {} }),
         (error) => error.code === -32602 && /Unknown tool/.test(error.message));
-    listed = await client.callTool({ name: "list_notes", arguments: { includeDone: true } });
-    assert.equal(text(listed).split("\n").length, 2);
 } finally {
     await client.close();
     spawnSync(vesko, ["quit"], { env, stdio: "inherit", timeout: 30000 });
