@@ -30,6 +30,7 @@
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QThread>
 #include <QToolButton>
 
 using namespace Vesko;
@@ -344,6 +345,19 @@ void AttachmentViewsTest::changedFileIsReadAgain()
         [&] { return view.hasImage() && near(view.image().pixelColor(20, 20), Qt::green); },
         10000));
     QCOMPARE(m_cache->readCount(), 2);
+
+    // A view that asks while an earlier look at the file is on its way is not
+    // answered by that look alone: the file may have changed in between.
+    m_cache->thumbnail(path, thumbnailSide(view, false));
+    QThread::msleep(200); // the worker looks at the file; the answer waits for the event loop
+    filled(70, 50, Qt::red).save(beside, "PNG");
+    QVERIFY(
+        ::rename(QFile::encodeName(beside).constData(), QFile::encodeName(path).constData()) == 0);
+    AttachmentThumbnailView late(*m_cache);
+    late.setAttachment(record, path);
+    late.show();
+    QVERIFY(QTest::qWaitFor(
+        [&] { return late.hasImage() && near(late.image().pixelColor(20, 20), Qt::red); }, 10000));
 }
 
 void AttachmentViewsTest::sizeText_data()

@@ -139,8 +139,10 @@ QImage ThumbnailCache::thumbnail(const QString &path, int pixelSide, QObject *re
 
 void ThumbnailCache::schedule(const QString &path, int pixelSide)
 {
-    if (m_pending.value(path) >= pixelSide)
-        return; // the answer on its way does for this request too
+    if (m_pending.value(path) >= pixelSide) {
+        m_askedAgain.insert(path); // the answer on its way, and one more look
+        return;
+    }
 
     // What is known now, for the worker to compare the file with.
     std::optional<std::optional<FileIdentity>> known;
@@ -172,9 +174,12 @@ void ThumbnailCache::finish(const QString &path, int pixelSide, const Outcome &o
     if (m_pending.value(path) != pixelSide)
         return; // a larger one is on its way
     m_pending.remove(path);
+    const bool lookAgain = m_askedAgain.remove(path);
 
     if (outcome.unchanged) {
-        if (const Entry *entry = m_images.object(path))
+        if (lookAgain)
+            schedule(path, pixelSide);
+        else if (const Entry *entry = m_images.object(path))
             tellWaiters(path, entry->image);
         else if (m_failed.contains(path))
             tellWaiters(path, {});
@@ -194,7 +199,10 @@ void ThumbnailCache::finish(const QString &path, int pixelSide, const Outcome &o
         m_images.insert(path, new Entry {outcome.image, pixelSide, outcome.identity},
             std::max<qsizetype>(1, outcome.image.sizeInBytes()));
     }
-    tellWaiters(path, outcome.image);
+    if (lookAgain)
+        schedule(path, pixelSide);
+    else
+        tellWaiters(path, outcome.image);
     if (outcome.image.isNull())
         Q_EMIT thumbnailFailed(path);
     else

@@ -14,6 +14,7 @@
 #include <QImage>
 #include <QObject>
 #include <QPointer>
+#include <QSet>
 
 #include <ctime>
 #include <functional>
@@ -113,6 +114,10 @@ private:
     QHash<QString, std::optional<FileIdentity>> m_failed;
     //! The side of the request under way for each file.
     QHash<QString, int> m_pending;
+    //! Files asked for again while their answer was on its way: that answer
+    //! may have looked at the file before it changed, so it is looked at once
+    //! more before the waiters are told.
+    QSet<QString> m_askedAgain;
     struct Waiter
     {
         QPointer<QObject> receiver;
