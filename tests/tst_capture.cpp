@@ -104,15 +104,11 @@ private Q_SLOTS:
 
     void hotKeysFromSettings();
     void hotKeyRegistration();
-    void hotKeysOfferedToTheDesktop_data();
-    void hotKeysOfferedToTheDesktop();
-    void noHotKeysWhereTheSessionHasNone();
+    void hotKeysWithoutGrabs_data();
+    void hotKeysWithoutGrabs();
     void hotKeyDisplay_data();
     void hotKeyDisplay();
 
-    void primarySelectionOfTheFrontProcess();
-    void primaryFallsBackToCopy_data();
-    void primaryFallsBackToCopy();
     void copyFallbacks_data();
     void copyFallbacks();
     void changesBeforeTheSnapshotAreNotTheCopy();
@@ -259,21 +255,22 @@ void CaptureTest::hotKeyRegistration()
     QVERIFY(!registrar.handler);
 }
 
-void CaptureTest::hotKeysOfferedToTheDesktop_data()
+void CaptureTest::hotKeysWithoutGrabs_data()
 {
-    QTest::addColumn<bool>("desktopOwns");
+    QTest::addColumn<bool>("desktopOwns"); // false: the session has no hot keys at all
     // Per action (toggle, capture, quick add, copy as list), the key code
     // registered: 0 without a combination, -1 when not registered at all.
     QTest::addColumn<QList<int>>("keyCodes");
-    QTest::newRow("Vesko grabs the keys") << false << QList<int> {65, 54, -1, -1};
     QTest::newRow("the desktop owns the keys") << true << QList<int> {65, 54, 0, 0};
+    QTest::newRow("no hot keys in the session") << false << QList<int> {-1, -1, -1, -1};
 }
 
-void CaptureTest::hotKeysOfferedToTheDesktop()
+void CaptureTest::hotKeysWithoutGrabs()
 {
     QFETCH(bool, desktopOwns);
     QFETCH(QList<int>, keyCodes);
     FakeHotKeyRegistrar registrar;
+    registrar.available = desktopOwns;
     if (desktopOwns)
         registrar.desktopTriggers.insert(hotKeyID(HotKeyAction::TogglePanel), QStringLiteral("F1"));
     HotKeyCenter center(registrar);
@@ -289,24 +286,10 @@ void CaptureTest::hotKeysOfferedToTheDesktop()
         const int id = hotKeyID(allHotKeyActions[i]);
         const int keyCode = registrar.held.contains(id) ? registrar.held.value(id).first : -1;
         QCOMPARE(keyCode, keyCodes.at(i));
+        QCOMPARE(center.isRegistered(allHotKeyActions[i]), keyCode >= 0);
+        // Nothing took the keys: Settings must not say another program did.
         QCOMPARE(center.isRefused(allHotKeyActions[i]), false);
     }
-}
-
-void CaptureTest::noHotKeysWhereTheSessionHasNone()
-{
-    FakeHotKeyRegistrar registrar;
-    registrar.available = false;
-    HotKeyCenter center(registrar);
-    center.registerAll();
-    center.setCombo({57, ModifierFlag::Command}, HotKeyAction::QuickAdd);
-    QVERIFY(registrar.held.isEmpty());
-    for (HotKeyAction action : allHotKeyActions) {
-        QVERIFY(!center.isRegistered(action));
-        // Nothing took the keys: Settings must not say another program did.
-        QVERIFY(!center.isRefused(action));
-    }
-    QCOMPARE(center.combo(HotKeyAction::QuickAdd), KeyCombo({57, ModifierFlag::Command}));
 }
 
 void CaptureTest::hotKeyDisplay_data()
@@ -337,48 +320,6 @@ void CaptureTest::hotKeyDisplay()
     QCOMPARE(symbolDisplayString(combo, &layout), symbols);
 }
 
-void CaptureTest::primarySelectionOfTheFrontProcess()
-{
-    FakeDesktopSession session;
-    FakeClipboard clipboard;
-    session.front = xterm();
-    session.primary = QStringLiteral("  make test\r\n");
-    session.primaryOwner = 4242;
-    SelectionReader reader(session, clipboard, [] { return true; });
-    const std::optional<CapturedSelection> result = readSelection(reader);
-    QVERIFY(result);
-    QCOMPARE(result->text, QStringLiteral("make test"));
-    QCOMPARE(result->source.appName, QStringLiteral("XTerm"));
-    QCOMPARE(result->source.bundleIdentifier, QStringLiteral("xterm"));
-    QCOMPARE(result->source.windowTitle, QStringLiteral("build"));
-    QVERIFY(session.copies.isEmpty());
-    QCOMPARE(clipboard.count, 0u);
-}
-
-void CaptureTest::primaryFallsBackToCopy_data()
-{
-    QTest::addColumn<QString>("primary");
-    QTest::addColumn<qint64>("owner");
-    QTest::newRow("owned by another process") << "someone else's" << qint64(1);
-    QTest::newRow("blank, of the front process") << " \n\t " << qint64(77);
-}
-
-void CaptureTest::primaryFallsBackToCopy()
-{
-    QFETCH(QString, primary);
-    QFETCH(qint64, owner);
-    FakeDesktopSession session;
-    FakeClipboard clipboard;
-    session.front = editor();
-    session.primary = primary;
-    session.primaryOwner = owner;
-    session.onCopy = [&](int) { clipboard.setText(QStringLiteral("from the editor")); };
-    SelectionReader reader(session, clipboard, [] { return true; });
-    QCOMPARE(readSelection(reader).value_or(CapturedSelection {}).text,
-        QStringLiteral("from the editor"));
-    QCOMPARE(session.copies, QList<int> {1});
-}
-
 void CaptureTest::copyFallbacks_data()
 {
     QTest::addColumn<QString>("behaviour");
@@ -386,7 +327,8 @@ void CaptureTest::copyFallbacks_data()
     QTest::addColumn<QList<int>>("attempts");
     QTest::addColumn<QString>("captured");
     QTest::addColumn<QString>("clipboardAfter");
-    // The user's clipboard holds HTML and text before each case.
+    // The user's clipboard holds HTML and text before each case, and the
+    // front process's primary selection is blank.
     // clang-format off
     QTest::newRow("text at once") << "text" << true << QList<int> {1} << "copied" << "html";
     QTest::newRow("text at the second attempt")
@@ -413,6 +355,8 @@ void CaptureTest::copyFallbacks()
     clipboard.items = users;
     clipboard.snapshotsWhole = snapshotWhole;
     session.front = editor();
+    session.primary = QStringLiteral(" \n\t ");
+    session.primaryOwner = editor().processID;
     session.onCopy = [&](int attempt) {
         if (behaviour == u"text" || behaviour == u"blank"
             || (behaviour == u"second" && attempt == 2)) {
@@ -516,8 +460,10 @@ void CaptureTest::captureIntoTheSourceSection()
     Preferences::shared().setGroupCapturesBySource(bySource);
     const std::unique_ptr<Store> store = makeStore();
     EngineRig rig(*store);
-    rig.session.front = FrontApplication {appName, std::nullopt, 5, title, true};
-    rig.session.primary = QStringLiteral("selected words");
+    // The front process's own primary selection, read as it stands: no copy.
+    rig.session.front = FrontApplication {
+        appName, QStringLiteral("xterm"), 5, title + u" \u2014 Firefox"_qs, true};
+    rig.session.primary = QStringLiteral("  selected words\r\n");
     rig.session.primaryOwner = 5;
     rig.engine.start();
     QVERIFY(rig.engine.isListeningForDoubleShift());
@@ -538,7 +484,12 @@ void CaptureTest::captureIntoTheSourceSection()
     QCOMPARE(target->title, section);
     QCOMPARE(target->notes.size(), 1);
     QCOMPARE(target->notes.first().text, QStringLiteral("selected words"));
-    QCOMPARE(target->notes.first().source->appName, appName.isEmpty() ? u"Unknown"_qs : appName);
+    const NoteSource source = *target->notes.first().source;
+    QCOMPARE(source.appName, appName.isEmpty() ? u"Unknown"_qs : appName);
+    QCOMPARE(source.bundleIdentifier, QStringLiteral("xterm"));
+    QCOMPARE(source.windowTitle, title);
+    QVERIFY(rig.session.copies.isEmpty());
+    QCOMPARE(rig.clipboard.count, 0u);
     QCOMPARE(rig.feedback.shows, (QList<QPair<bool, bool>> {{true, false}}));
     QVERIFY(!rig.engine.lastCaptureFailed());
     Preferences::shared().setGroupCapturesBySource(true);

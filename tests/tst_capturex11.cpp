@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Capture from the outside on a real X server with a window manager: from an
-// xterm by double Shift or the hot key, through a slow copy with the clipboard
-// put back, with the hot key held down, and with nothing selected.
+// xterm by double Shift or the hot key, and with nothing selected; through a
+// slow copy with the clipboard put back, and with the hot key held down.
 
 #include "TestEnvironment.h"
 
@@ -64,39 +64,34 @@ public:
         return vesko;
     }
 
-    //! An xterm titled \a title showing \a line, in front; returns its window id.
-    QString startXterm(const QString &title, const QString &line)
-    {
-        start(QStringLiteral("xterm"),
-            words(QStringLiteral("-geometry 80x8+20+20 -T"))
-                << title << words(QStringLiteral("-e sh -c"))
-                << QStringLiteral("printf '%s\\n' '%1'; sleep 600").arg(line));
-        return activate(title);
-    }
-
-    //! Vesko, the user's clipboard, and a copy target in front answering
-    //! Ctrl+C with \a text after \a delay ms.
-    QProcess *startCopyTarget(const QString &text, int delay)
-    {
-        if (!startVesko())
-            return nullptr;
-        xclip(QStringLiteral("-i -selection clipboard"), QByteArray("the user's clipboard"));
-        QProcess *target = start(QStringLiteral(COPY_TARGET_PATH), {text, QString::number(delay)});
-        return activate(QStringLiteral("Copy Target")).isEmpty() ? nullptr : target;
-    }
-
     QList<Note> notes() const { return Test::allNotes(Test::readLibraryFile(libraryPath())); }
+    //! The last note's text and the title of the window it came from.
+    QString lastNote() const
+    {
+        const QList<Note> all = notes();
+        return all.isEmpty() || !all.last().source ? QStringLiteral("(none)")
+                                                   : all.last().text + QStringLiteral(" | ")
+                + all.last().source->windowTitle.value_or(QString());
+    }
+
+    //! Sends \a keys (xdotool) once the last toast has gone, and waits for a
+    //! toast and for \a count notes in all; a second and a half later there are
+    //! still no more.
+    bool capture(const QString &keys, int count)
+    {
+        if (!QTest::qWaitFor([] { return !toastShown(); }, Test::patience))
+            return false;
+        xdotool(words(keys));
+        return QTest::qWaitFor([] { return toastShown(); }, Test::patience)
+            && QTest::qWaitFor([&] { return notes().size() == count; }, Test::patience)
+            && !QTest::qWaitFor([&] { return notes().size() != count; }, 1500);
+    }
+
+    static bool toastShown()
+    {
+        return !Test::visibleWindow(QStringLiteral("^Vesko Toast$")).isEmpty();
+    }
 };
-
-void tapShiftTwice()
-{
-    xdotool(words(QStringLiteral("key Shift_L Shift_L")));
-}
-
-bool toastShown()
-{
-    return !Test::visibleWindow(QStringLiteral("^Vesko Toast$")).isEmpty();
-}
 
 } // namespace
 
@@ -106,12 +101,8 @@ class CaptureX11Test : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void captureFromXterm_data();
     void captureFromXterm();
-    void capturedOnce_data();
-    void capturedOnce();
-    void hotKeyHeldPastTheWait();
-    void nothingSelected();
+    void captureThroughTheCopy();
 };
 
 void CaptureX11Test::initTestCase()
@@ -120,20 +111,16 @@ void CaptureX11Test::initTestCase()
         QSKIP("Needs an X server: run through tests/x-session.sh");
 }
 
-void CaptureX11Test::captureFromXterm_data()
-{
-    QTest::addColumn<QString>("trigger");
-    QTest::newRow("double Shift") << "Shift_L Shift_L";
-    QTest::newRow("capture hot key") << "super+alt+c";
-}
-
 void CaptureX11Test::captureFromXterm()
 {
-    QFETCH(QString, trigger);
     CaptureSession session;
     QVERIFY(session.startVesko());
     const QString line = QStringLiteral("words selected in the terminal");
-    const QString xterm = session.startXterm(QStringLiteral("build log"), line);
+    session.start(QStringLiteral("xterm"),
+        words(QStringLiteral("-geometry 80x8+20+20 -T"))
+            << QStringLiteral("build log") << words(QStringLiteral("-e sh -c"))
+            << QStringLiteral("printf '%s\\n' '%1'; sleep 600").arg(line));
+    const QString xterm = activate(QStringLiteral("build log"));
     QVERIFY(!xterm.isEmpty());
     // A triple click on the first line selects it.
     xdotool(words(
@@ -141,90 +128,51 @@ void CaptureX11Test::captureFromXterm()
     QTRY_COMPARE_WITH_TIMEOUT(
         xclip(QStringLiteral("-o -selection primary")).trimmed(), line, Test::patience);
 
-    xdotool(words(QStringLiteral("key ") + trigger));
-    QTRY_VERIFY_WITH_TIMEOUT(toastShown(), Test::patience);
-    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, Test::patience);
-    const Library library = Test::readLibraryFile(session.libraryPath());
-    const Note note = Test::allNotes(library).first();
-    QCOMPARE(note.text, line);
-    QVERIFY(note.source);
-    QCOMPARE(note.source->appName, QStringLiteral("XTerm"));
-    QCOMPARE(note.source->windowTitle, QStringLiteral("build log"));
-    QCOMPARE(note.source->bundleIdentifier, QStringLiteral("debian-xterm"));
-    const QString expectedSection
-        = sourceSectionTitle(QStringLiteral("XTerm"), QStringLiteral("build log"));
-    bool found = false;
-    for (const NoteSection &section : library.projects.first().sections) {
-        if (section.title == expectedSection) {
-            found = true;
-            QCOMPARE(section.notes.size(), 1);
-            QVERIFY(section.isAutomatic);
-        }
+    int count = 0;
+    for (const char *trigger : {"key Shift_L Shift_L", "key super+alt+c"}) {
+        QVERIFY2(session.capture(QLatin1String(trigger), ++count), trigger);
+        QCOMPARE(session.lastNote(), line + QStringLiteral(" | build log"));
+        QCOMPARE(session.notes().last().source->appName, QStringLiteral("XTerm"));
+        QCOMPARE(session.notes().last().source->bundleIdentifier, QStringLiteral("debian-xterm"));
     }
-    QVERIFY2(found, qPrintable(expectedSection));
+    // PRIMARY belongs to another program now: not the terminal's selection,
+    // and a terminal gets no copy keys.
+    xclip(QStringLiteral("-i -selection primary"), QByteArray("someone else's"));
+    QVERIFY2(session.capture(QStringLiteral("key Shift_L Shift_L"), count), "nothing selected");
 }
 
-void CaptureX11Test::capturedOnce_data()
-{
-    // The copy target's delay in ms, and the user's keys (xdotool).
-    QTest::addColumn<int>("delay");
-    QTest::addColumn<QString>("keys");
-    // The second double Shift comes during the capture: dropped.
-    QTest::newRow("slow copy, a gesture during it")
-        << 300 << "key Shift_L Shift_L sleep 0.1 key Shift_L Shift_L";
-    // Held longer than the keyboard's repeat delay, and longer than Vesko
-    // waits for held keys before it lets the modifiers go.
-    QTest::newRow("hot key held down") << 0 << "keydown super+alt+c sleep 1 keyup super+alt+c";
-}
-
-void CaptureX11Test::capturedOnce()
-{
-    QFETCH(int, delay);
-    QFETCH(QString, keys);
-    CaptureSession session;
-    const QString text = QStringLiteral("text from the copy target");
-    QVERIFY(session.startCopyTarget(text, delay));
-    xdotool(words(keys));
-    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, Test::patience);
-    QTest::qWait(1500);
-    QCOMPARE(session.notes().size(), 1);
-    QCOMPARE(session.notes().first().text, text);
-    QCOMPARE(session.notes().first().source->windowTitle, QStringLiteral("Copy Target"));
-    QCOMPARE(clipboard(), QStringLiteral("the user's clipboard"));
-}
-
-void CaptureX11Test::hotKeyHeldPastTheWait()
-{
-    CaptureSession session;
-    const QString text = QStringLiteral("words after the wait");
-    QProcess *target = session.startCopyTarget(text, 0);
-    QVERIFY(target);
-    // Held on until the capture has given up with its toast.
-    xdotool(words(QStringLiteral("keydown super+alt+c")));
-    QTRY_VERIFY_WITH_TIMEOUT(toastShown(), Test::patience);
-    xdotool(words(QStringLiteral("keyup super+alt+c")));
-    QCOMPARE(session.notes().size(), 0);
-    // The window got no key at all: no copy mixed with Super and Alt.
-    QCOMPARE(QString::fromUtf8(target->readAllStandardOutput()), QString());
-    QCOMPARE(clipboard(), QStringLiteral("the user's clipboard"));
-
-    // The next press is heard, and captures.
-    xdotool(words(QStringLiteral("key super+alt+c")));
-    QTRY_COMPARE_WITH_TIMEOUT(session.notes().size(), 1, Test::patience);
-    QCOMPARE(session.notes().first().text, text);
-}
-
-void CaptureX11Test::nothingSelected()
+void CaptureX11Test::captureThroughTheCopy()
 {
     CaptureSession session;
     QVERIFY(session.startVesko());
-    QVERIFY(!session.startXterm(QStringLiteral("idle"), QStringLiteral("nothing here")).isEmpty());
-    // PRIMARY belongs to another program: not the terminal's selection.
-    xclip(QStringLiteral("-i -selection primary"), QByteArray("someone else's"));
-    tapShiftTwice();
-    QTRY_VERIFY_WITH_TIMEOUT(toastShown(), Test::patience);
-    QTest::qWait(800);
-    QCOMPARE(session.notes().size(), 0);
+    xclip(QStringLiteral("-i -selection clipboard"), QByteArray("the user's clipboard"));
+    // A window that answers Ctrl+C only after 300 ms.
+    const QString text = QStringLiteral("text from the copy target");
+    QProcess *target
+        = session.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("300")});
+    QVERIFY(!activate(QStringLiteral("Copy Target")).isEmpty());
+    const QString captured = text + QStringLiteral(" | Copy Target");
+
+    // A second double Shift during the slow copy is dropped.
+    QVERIFY(
+        session.capture(QStringLiteral("key Shift_L Shift_L sleep 0.1 key Shift_L Shift_L"), 1));
+    QCOMPARE(session.lastNote(), captured);
+    QCOMPARE(clipboard(), QStringLiteral("the user's clipboard"));
+    // The hot key held longer than the keyboard's repeat delay, and longer
+    // than Vesko waits for held keys before it lets the modifiers go.
+    QVERIFY(session.capture(QStringLiteral("keydown super+alt+c sleep 1 keyup super+alt+c"), 2));
+    QCOMPARE(session.lastNote(), captured);
+
+    // Held on until the capture has given up with its toast: the window got
+    // no key at all, no copy mixed with Super and Alt.
+    target->readAllStandardOutput();
+    QVERIFY(session.capture(QStringLiteral("keydown super+alt+c"), 2));
+    xdotool(words(QStringLiteral("keyup super+alt+c")));
+    QCOMPARE(QString::fromUtf8(target->readAllStandardOutput()), QString());
+    QCOMPARE(clipboard(), QStringLiteral("the user's clipboard"));
+    // The next press is heard, and captures.
+    QVERIFY(session.capture(QStringLiteral("key super+alt+c"), 3));
+    QCOMPARE(session.lastNote(), captured);
 }
 
 VESKO_TEST_MAIN(CaptureX11Test)
