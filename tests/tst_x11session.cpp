@@ -61,19 +61,6 @@ std::optional<QString> readPrimary(X11Session &session, qint64 processID, bool *
     return text;
 }
 
-//! The clipboard's text, or with \a text, sets it (xclip).
-QString clipboardText(const QByteArray &text = {})
-{
-    QProcess xclip;
-    xclip.start(QStringLiteral("xclip"),
-        Test::words(QStringLiteral("-selection clipboard ")
-            + (text.isNull() ? QStringLiteral("-o") : QStringLiteral("-i"))));
-    xclip.write(text);
-    xclip.closeWriteChannel();
-    xclip.waitForFinished(5000);
-    return QString::fromUtf8(xclip.readAllStandardOutput());
-}
-
 //! The X key codes down now.
 QList<int> keysDown()
 {
@@ -96,15 +83,7 @@ public:
     explicit CopyTarget(const QString &text)
     {
         m_process = m_programs.start(QStringLiteral(COPY_TARGET_PATH), {text, QStringLiteral("0")});
-        QString window;
-        if (QTest::qWaitFor(
-                [&window] {
-                    window = Test::visibleWindow(QStringLiteral("^Copy Target$"));
-                    return !window.isEmpty();
-                },
-                10000))
-            xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
-        m_window = window;
+        m_window = Test::activateWindow(QStringLiteral("Copy Target"));
     }
 
     bool isShown() const { return !m_window.isEmpty(); }
@@ -269,16 +248,12 @@ void X11SessionTest::copyNeverInterruptsATerminalProgram()
             QStringLiteral("trap 'echo interrupted >> %1' INT; echo ready >> %1; "
                            "while :; do read -r line && echo \"read $line\" >> %1; done")
                 .arg(log)});
-    QString window;
-    QTRY_VERIFY_WITH_TIMEOUT(
-        !(window = Test::visibleWindow(QStringLiteral("^running program$"))).isEmpty(),
-        Test::patience);
     auto logText = [&log] {
         QFile file(log);
         return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     };
     QTRY_VERIFY_WITH_TIMEOUT(logText().contains(u"ready"), Test::patience);
-    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
+    QVERIFY(!Test::activateWindow(QStringLiteral("running program")).isEmpty());
 
     X11Session session;
     QCOMPARE(sendCopy(session), QStringLiteral("sent"));
@@ -330,7 +305,7 @@ void X11SessionTest::heldKeysAreAwaited()
     const QString text = QStringLiteral("words of the copy target");
     CopyTarget target(text);
     QVERIFY(target.isShown());
-    clipboardText("before the copy");
+    Test::xclip(QStringLiteral("-i -selection clipboard"), "before the copy");
     X11HotKeys hotKeys;
     int reports = 0;
     if (grabbed) {
@@ -360,9 +335,11 @@ void X11SessionTest::heldKeysAreAwaited()
     QCOMPARE(
         target.keysReceived(), letGo ? QStringList {QStringLiteral("Ctrl+Ins")} : QStringList {});
     if (letGo)
-        QTRY_COMPARE_WITH_TIMEOUT(clipboardText(), text, Test::patience);
+        QTRY_COMPARE_WITH_TIMEOUT(
+            Test::xclip(QStringLiteral("-o -selection clipboard")), text, Test::patience);
     else
-        QCOMPARE(clipboardText(), QStringLiteral("before the copy"));
+        QCOMPARE(Test::xclip(QStringLiteral("-o -selection clipboard")),
+            QStringLiteral("before the copy"));
     if (grabbed) {
         // The hot key hears its next press.
         xdotool({QStringLiteral("key"), QStringLiteral("super+alt+c")});
