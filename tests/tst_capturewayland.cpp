@@ -35,11 +35,9 @@
 #include <wayland-client.h>
 #include <wayland-server.h>
 
-#include <condition_variable>
+#include <atomic>
 #include <csignal>
 #include <fcntl.h>
-#include <mutex>
-#include <sys/eventfd.h>
 #include <thread>
 #include <unistd.h>
 
@@ -259,53 +257,61 @@ class TinyCompositor
 public:
     TinyCompositor()
         : m_display(wl_display_create())
-        , m_wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+        , m_socket(wl_display_add_socket_auto(m_display))
+        , m_seat(global(true))
+        , m_dataControl(global(false))
     {
-        m_socket = wl_display_add_socket_auto(m_display);
-        offerSeat();
-        offerDataControl();
-        wl_event_loop_add_fd(wl_display_get_event_loop(m_display), m_wake, WL_EVENT_READABLE,
-            &TinyCompositor::wake, this);
-        m_thread = std::thread([this] { wl_display_run(m_display); });
+        run();
     }
     ~TinyCompositor()
     {
-        inServer([this] { wl_display_terminate(m_display); });
-        m_thread.join();
+        stop();
         wl_display_destroy(m_display);
-        ::close(m_wake);
     }
 
     //! The socket's name in XDG_RUNTIME_DIR, or null.
     const char *socket() const { return m_socket; }
 
-    void withdrawSeat()
+    //! Offers the seat (or data control) again, or withdraws it, while the
+    //! server's thread stands still.
+    void setOffered(bool seat, bool offered)
     {
-        inServer([this] { destroy(m_seat); });
-    }
-    void offerSeat()
-    {
-        inServer([this] { m_seat = global(&wl_seat_interface, 1); });
-    }
-    void withdrawDataControl()
-    {
-        inServer([this] { destroy(m_dataControl); });
-    }
-    void offerDataControl()
-    {
-        inServer([this] { m_dataControl = global(&zwlr_data_control_manager_v1_interface, 2); });
+        stop();
+        wl_global *&made = seat ? m_seat : m_dataControl;
+        if (offered) {
+            made = global(seat);
+        } else {
+            wl_global_destroy(made);
+            made = nullptr;
+        }
+        run();
     }
 
 private:
-    wl_global *global(const wl_interface *interface, int version)
+    void run()
     {
-        return wl_global_create(m_display, interface, version,
-            const_cast<wl_interface *>(interface), &TinyCompositor::bind);
+        m_running = true;
+        m_thread = std::thread([this] {
+            while (m_running) {
+                wl_display_flush_clients(m_display);
+                wl_event_loop_dispatch(wl_display_get_event_loop(m_display), -1);
+            }
+        });
     }
-    static void destroy(wl_global *&global)
+    //! Wakes the loop (as wl_display_terminate does) to see that it is to stop.
+    void stop()
     {
-        wl_global_destroy(global);
-        global = nullptr;
+        m_running = false;
+        wl_display_terminate(m_display);
+        m_thread.join();
+    }
+
+    wl_global *global(bool seat)
+    {
+        const wl_interface *interface = seat ? &wl_seat_interface
+                                             : &zwlr_data_control_manager_v1_interface;
+        return wl_global_create(m_display, interface, seat ? 1 : 2,
+            const_cast<wl_interface *>(interface), &TinyCompositor::bind);
     }
 
     static void destroyResource(wl_client *, wl_resource *resource)
@@ -342,42 +348,12 @@ private:
         wl_resource_set_implementation(resource, &manager, nullptr, nullptr);
     }
 
-    //! Runs \a work on the server's thread (directly before it runs) and waits for it.
-    void inServer(std::function<void()> work)
-    {
-        if (!m_thread.joinable()) {
-            work();
-            return;
-        }
-        std::unique_lock lock(m_mutex);
-        m_work = std::move(work);
-        const uint64_t one = 1;
-        (void)::write(m_wake, &one, sizeof one);
-        m_done.wait(lock, [this] { return !m_work; });
-    }
-
-    static int wake(int fd, uint32_t, void *data)
-    {
-        auto *self = static_cast<TinyCompositor *>(data);
-        uint64_t count;
-        (void)::read(fd, &count, sizeof count);
-        std::lock_guard lock(self->m_mutex);
-        if (self->m_work)
-            self->m_work();
-        self->m_work = nullptr;
-        self->m_done.notify_all();
-        return 0;
-    }
-
     wl_display *m_display;
-    int m_wake;
-    const char *m_socket = nullptr;
-    wl_global *m_seat = nullptr;
-    wl_global *m_dataControl = nullptr;
+    const char *m_socket;
+    wl_global *m_seat;
+    wl_global *m_dataControl;
+    std::atomic_bool m_running = false;
     std::thread m_thread;
-    std::mutex m_mutex;
-    std::condition_variable m_done;
-    std::function<void()> m_work;
 };
 
 } // namespace
@@ -570,7 +546,7 @@ void CaptureWaylandTest::compositorWithdrawsGlobal()
         QVERIFY(dataControl.isAvailable());
         QVERIFY(dataControl.hasPrimarySelection());
 
-        seat ? compositor.withdrawSeat() : compositor.withdrawDataControl();
+        compositor.setOffered(seat, false);
         QVERIFY(wl_display_roundtrip(display) >= 0);
         QVERIFY(!dataControl.isAvailable());
         // A read now answers at once, with nothing; setting the clipboard does nothing.
@@ -580,7 +556,7 @@ void CaptureWaylandTest::compositorWithdrawsGlobal()
         QVERIFY(answered);
         dataControl.setClipboard({{QStringLiteral("text/plain"), "words"}});
 
-        seat ? compositor.offerSeat() : compositor.offerDataControl();
+        compositor.setOffered(seat, true);
         QVERIFY(wl_display_roundtrip(display) >= 0);
         QVERIFY(dataControl.isAvailable());
         // The connection is whole: no request went to an object the compositor let go.
