@@ -11,13 +11,12 @@
 #include <QProcess>
 
 using namespace Vesko;
-using Test::xdotool;
-
-namespace {
-
 using Test::activateWindow;
 using Test::words;
 using Test::xclip;
+using Test::xdotool;
+
+namespace {
 
 QString clipboard()
 {

@@ -15,11 +15,11 @@
 #include "platform/qt/QtDesktopFiles.h"
 #include "shell/Toast.h"
 
-#include <QApplication>
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusError>
 #include <QDBusMessage>
+#include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
 #include <QSignalSpy>
@@ -146,23 +146,17 @@ void DesktopFilesTest::open_data()
     QTest::addColumn<QString>("userList"); // the user's mimeapps.list
     QTest::addColumn<bool>("opened");
 
-    QTest::newRow("an application takes it") << "report final.txt"
-                                             << "" << true;
-    QTest::newRow("one takes a parent type") << "notes.md"
-                                             << "" << true;
-    QTest::newRow("no application") << "report final.pdf"
-                                    << "" << false;
+    QTest::newRow("an application takes it") << "report final.txt" << "" << true;
+    QTest::newRow("one takes a parent type") << "notes.md" << "" << true;
+    QTest::newRow("no application") << "report final.pdf" << "" << false;
     QTest::newRow("the user's default")
         << "report final.pdf"
-        << "[Default Applications]\napplication/pdf=editor.desktop\n"
-        << true;
+        << "[Default Applications]\napplication/pdf=editor.desktop\n" << true;
     QTest::newRow("a default that is not installed")
-        << "report final.pdf"
-        << "[Default Applications]\napplication/pdf=gone.desktop\n"
+        << "report final.pdf" << "[Default Applications]\napplication/pdf=gone.desktop\n"
         << false;
-    QTest::newRow("removed by the user") << "report final.txt"
-                                         << "[Removed Associations]\ntext/plain=editor.desktop;\n"
-                                         << false;
+    QTest::newRow("removed by the user")
+        << "report final.txt" << "[Removed Associations]\ntext/plain=editor.desktop;\n" << false;
 }
 
 void DesktopFilesTest::open()
@@ -282,8 +276,7 @@ void DesktopFilesTest::panelCommandsGoTheSameWay()
     PanelCommands::shared().openAttachment(attachment);
     QVERIFY(QTest::qWaitFor(
         [] {
-            return ToastPresenter::shared().currentMessage()
-                == u"No Application for “Q3 report.pdf”";
+            return ToastPresenter::shared().currentMessage() == u"No Application for “Q3 report.pdf”";
         },
         20000));
     QVERIFY(m_opened.urls.isEmpty());
