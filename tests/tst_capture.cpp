@@ -103,16 +103,11 @@ private Q_SLOTS:
     void normalizeCapturedText();
 
     void hotKeysFromSettings();
+    void hotKeyRegistration_data();
     void hotKeyRegistration();
-    void hotKeysOfferedToTheDesktop_data();
-    void hotKeysOfferedToTheDesktop();
-    void noHotKeysWhereTheSessionHasNone();
     void hotKeyDisplay_data();
     void hotKeyDisplay();
 
-    void primarySelectionOfTheFrontProcess();
-    void primaryFallsBackToCopy_data();
-    void primaryFallsBackToCopy();
     void copyFallbacks_data();
     void copyFallbacks();
     void changesBeforeTheSnapshotAreNotTheCopy();
@@ -122,9 +117,8 @@ private Q_SLOTS:
     void captureIntoTheSourceSection();
     void secondTriggerDuringACaptureIsDropped_data();
     void secondTriggerDuringACaptureIsDropped();
-    void captureWithoutTrust();
-    void nothingSelected_data();
-    void nothingSelected();
+    void noNote_data();
+    void noNote();
     void hotKeyActions();
 
 private:
@@ -224,9 +218,29 @@ void CaptureTest::hotKeysFromSettings()
         QVariant(QByteArray()));
 }
 
+void CaptureTest::hotKeyRegistration_data()
+{
+    QTest::addColumn<QString>("session"); // Vesko grabs the keys, the desktop owns them, or none
+    // Per action (toggle, capture, quick add, copy as list): the key code held
+    // (0: offered to the desktop without a combination), "refused" or "-".
+    QTest::addColumn<QStringList>("states");
+    QTest::newRow("Vesko grabs the keys") << "grabs" << QStringList {"65", "54", "refused", "-"};
+    // Actions the recorder cannot give keys where the desktop owns them are
+    // offered to it, to bind in its own settings.
+    QTest::newRow("the desktop owns the keys")
+        << "desktop" << QStringList {"65", "54", "refused", "0"};
+    // Nothing took the keys: Settings must not say another program did.
+    QTest::newRow("no hot keys in the session") << "none" << QStringList {"-", "-", "-", "-"};
+}
+
 void CaptureTest::hotKeyRegistration()
 {
+    QFETCH(QString, session);
+    QFETCH(QStringList, states);
     FakeHotKeyRegistrar registrar;
+    registrar.available = session != u"none";
+    if (session == u"desktop")
+        registrar.desktopTriggers.insert(hotKeyID(HotKeyAction::TogglePanel), QStringLiteral("F1"));
     HotKeyCenter center(registrar);
     // An edited store: two actions on one combination, and one without modifiers.
     center.setCombo({54, ModifierFlag::Control | ModifierFlag::Option}, HotKeyAction::QuickAdd);
@@ -238,14 +252,17 @@ void CaptureTest::hotKeyRegistration()
     center.setHandler([&pressed](HotKeyAction action) { pressed.append(action); });
     center.installEventHandler();
     center.registerAll();
-    QVERIFY(center.isRegistered(HotKeyAction::TogglePanel));
-    QVERIFY(center.isRegistered(HotKeyAction::CaptureSelection));
-    QVERIFY(!center.isRegistered(HotKeyAction::QuickAdd));
-    QVERIFY(center.isRefused(HotKeyAction::QuickAdd));
-    QVERIFY(!center.isRegistered(HotKeyAction::CopySelectionAsList));
-    QVERIFY(!center.isRefused(HotKeyAction::CopySelectionAsList));
-    QCOMPARE(center.combo(HotKeyAction::CopySelectionAsList), KeyCombo({30, 0}));
-
+    for (qsizetype i = 0; i < states.size(); ++i) {
+        const HotKeyAction action = allHotKeyActions[i];
+        const int id = hotKeyID(action);
+        QString state = registrar.held.contains(id)
+            ? QString::number(registrar.held.value(id).first)
+            : QString();
+        if (center.isRefused(action))
+            state += u"refused";
+        QCOMPARE(state.isEmpty() ? u"-"_qs : state, states.at(i));
+        QCOMPARE(center.isRegistered(action), registrar.held.contains(id));
+    }
     QCOMPARE(center.conflictingAction({54, ModifierFlag::Control | ModifierFlag::Option},
                  HotKeyAction::CaptureSelection),
         HotKeyAction::QuickAdd);
@@ -257,56 +274,6 @@ void CaptureTest::hotKeyRegistration()
     center.unregisterAll();
     QVERIFY(registrar.held.isEmpty());
     QVERIFY(!registrar.handler);
-}
-
-void CaptureTest::hotKeysOfferedToTheDesktop_data()
-{
-    QTest::addColumn<bool>("desktopOwns");
-    // Per action (toggle, capture, quick add, copy as list), the key code
-    // registered: 0 without a combination, -1 when not registered at all.
-    QTest::addColumn<QList<int>>("keyCodes");
-    QTest::newRow("Vesko grabs the keys") << false << QList<int> {65, 54, -1, -1};
-    QTest::newRow("the desktop owns the keys") << true << QList<int> {65, 54, 0, 0};
-}
-
-void CaptureTest::hotKeysOfferedToTheDesktop()
-{
-    QFETCH(bool, desktopOwns);
-    QFETCH(QList<int>, keyCodes);
-    FakeHotKeyRegistrar registrar;
-    if (desktopOwns)
-        registrar.desktopTriggers.insert(hotKeyID(HotKeyAction::TogglePanel), QStringLiteral("F1"));
-    HotKeyCenter center(registrar);
-    // One action without a combination, one without a modifier: the recorder
-    // cannot give them keys where the desktop owns them, so the desktop must
-    // be offered them to bind in its own settings.
-    center.clearCombo(HotKeyAction::QuickAdd);
-    center.setCombo({30, 0}, HotKeyAction::CopySelectionAsList);
-    center.unregisterAll();
-    QVERIFY(registrar.held.isEmpty());
-    center.registerAll();
-    for (qsizetype i = 0; i < keyCodes.size(); ++i) {
-        const int id = hotKeyID(allHotKeyActions[i]);
-        const int keyCode = registrar.held.contains(id) ? registrar.held.value(id).first : -1;
-        QCOMPARE(keyCode, keyCodes.at(i));
-        QCOMPARE(center.isRefused(allHotKeyActions[i]), false);
-    }
-}
-
-void CaptureTest::noHotKeysWhereTheSessionHasNone()
-{
-    FakeHotKeyRegistrar registrar;
-    registrar.available = false;
-    HotKeyCenter center(registrar);
-    center.registerAll();
-    center.setCombo({57, ModifierFlag::Command}, HotKeyAction::QuickAdd);
-    QVERIFY(registrar.held.isEmpty());
-    for (HotKeyAction action : allHotKeyActions) {
-        QVERIFY(!center.isRegistered(action));
-        // Nothing took the keys: Settings must not say another program did.
-        QVERIFY(!center.isRefused(action));
-    }
-    QCOMPARE(center.combo(HotKeyAction::QuickAdd), KeyCombo({57, ModifierFlag::Command}));
 }
 
 void CaptureTest::hotKeyDisplay_data()
@@ -337,48 +304,6 @@ void CaptureTest::hotKeyDisplay()
     QCOMPARE(symbolDisplayString(combo, &layout), symbols);
 }
 
-void CaptureTest::primarySelectionOfTheFrontProcess()
-{
-    FakeDesktopSession session;
-    FakeClipboard clipboard;
-    session.front = xterm();
-    session.primary = QStringLiteral("  make test\r\n");
-    session.primaryOwner = 4242;
-    SelectionReader reader(session, clipboard, [] { return true; });
-    const std::optional<CapturedSelection> result = readSelection(reader);
-    QVERIFY(result);
-    QCOMPARE(result->text, QStringLiteral("make test"));
-    QCOMPARE(result->source.appName, QStringLiteral("XTerm"));
-    QCOMPARE(result->source.bundleIdentifier, QStringLiteral("xterm"));
-    QCOMPARE(result->source.windowTitle, QStringLiteral("build"));
-    QVERIFY(session.copies.isEmpty());
-    QCOMPARE(clipboard.count, 0u);
-}
-
-void CaptureTest::primaryFallsBackToCopy_data()
-{
-    QTest::addColumn<QString>("primary");
-    QTest::addColumn<qint64>("owner");
-    QTest::newRow("owned by another process") << "someone else's" << qint64(1);
-    QTest::newRow("blank, of the front process") << " \n\t " << qint64(77);
-}
-
-void CaptureTest::primaryFallsBackToCopy()
-{
-    QFETCH(QString, primary);
-    QFETCH(qint64, owner);
-    FakeDesktopSession session;
-    FakeClipboard clipboard;
-    session.front = editor();
-    session.primary = primary;
-    session.primaryOwner = owner;
-    session.onCopy = [&](int) { clipboard.setText(QStringLiteral("from the editor")); };
-    SelectionReader reader(session, clipboard, [] { return true; });
-    QCOMPARE(readSelection(reader).value_or(CapturedSelection {}).text,
-        QStringLiteral("from the editor"));
-    QCOMPARE(session.copies, QList<int> {1});
-}
-
 void CaptureTest::copyFallbacks_data()
 {
     QTest::addColumn<QString>("behaviour");
@@ -386,7 +311,8 @@ void CaptureTest::copyFallbacks_data()
     QTest::addColumn<QList<int>>("attempts");
     QTest::addColumn<QString>("captured");
     QTest::addColumn<QString>("clipboardAfter");
-    // The user's clipboard holds HTML and text before each case.
+    // The user's clipboard holds HTML and text before each case, and the
+    // front process's primary selection is blank.
     // clang-format off
     QTest::newRow("text at once") << "text" << true << QList<int> {1} << "copied" << "html";
     QTest::newRow("text at the second attempt")
@@ -413,6 +339,8 @@ void CaptureTest::copyFallbacks()
     clipboard.items = users;
     clipboard.snapshotsWhole = snapshotWhole;
     session.front = editor();
+    session.primary = QStringLiteral(" \n\t ");
+    session.primaryOwner = editor().processID;
     session.onCopy = [&](int attempt) {
         if (behaviour == u"text" || behaviour == u"blank"
             || (behaviour == u"second" && attempt == 2)) {
@@ -516,8 +444,10 @@ void CaptureTest::captureIntoTheSourceSection()
     Preferences::shared().setGroupCapturesBySource(bySource);
     const std::unique_ptr<Store> store = makeStore();
     EngineRig rig(*store);
-    rig.session.front = FrontApplication {appName, std::nullopt, 5, title, true};
-    rig.session.primary = QStringLiteral("selected words");
+    // The front process's own primary selection, read as it stands: no copy.
+    rig.session.front = FrontApplication {
+        appName, QStringLiteral("xterm"), 5, title + u" \u2014 Firefox"_qs, true};
+    rig.session.primary = QStringLiteral("  selected words\r\n");
     rig.session.primaryOwner = 5;
     rig.engine.start();
     QVERIFY(rig.engine.isListeningForDoubleShift());
@@ -538,7 +468,12 @@ void CaptureTest::captureIntoTheSourceSection()
     QCOMPARE(target->title, section);
     QCOMPARE(target->notes.size(), 1);
     QCOMPARE(target->notes.first().text, QStringLiteral("selected words"));
-    QCOMPARE(target->notes.first().source->appName, appName.isEmpty() ? u"Unknown"_qs : appName);
+    const NoteSource source = *target->notes.first().source;
+    QCOMPARE(source.appName, appName.isEmpty() ? u"Unknown"_qs : appName);
+    QCOMPARE(source.bundleIdentifier, QStringLiteral("xterm"));
+    QCOMPARE(source.windowTitle, title);
+    QVERIFY(rig.session.copies.isEmpty());
+    QCOMPARE(rig.clipboard.count, 0u);
     QCOMPARE(rig.feedback.shows, (QList<QPair<bool, bool>> {{true, false}}));
     QVERIFY(!rig.engine.lastCaptureFailed());
     Preferences::shared().setGroupCapturesBySource(true);
@@ -603,50 +538,46 @@ void CaptureTest::secondTriggerDuringACaptureIsDropped()
     QVERIFY(rig.session.copies.size() <= 1);
 }
 
-void CaptureTest::captureWithoutTrust()
+void CaptureTest::noNote_data()
 {
+    QTest::addColumn<bool>("trusted");
+    QTest::addColumn<bool>("terminal");
+    QTest::addColumn<bool>("copyKeys");
+    QTest::addColumn<QString>("toast");
+    const QString nothing = QStringLiteral("Nothing Selected|text.cursor");
+    // Nothing in PRIMARY, and no copy may be sent: the clipboard is never read.
+    QTest::newRow("a terminal") << true << true << true << nothing;
+    QTest::newRow("a session without copy keys") << true << false << false << nothing;
+    // The panel shows, to say why.
+    QTest::newRow("no capture permission")
+        << false << false << true << "Accessibility Access Needed|lock";
+}
+
+void CaptureTest::noNote()
+{
+    QFETCH(bool, trusted);
+    QFETCH(bool, terminal);
+    QFETCH(bool, copyKeys);
+    QFETCH(QString, toast);
     const std::unique_ptr<Store> store = makeStore();
-    bool available = false;
+    bool available = trusted;
     EngineRig rig(*store, [&available] { return available; });
-    rig.session.front = editor();
+    rig.session.front = terminal ? xterm() : editor();
+    rig.session.copyKeys = copyKeys;
     rig.engine.start();
-    QVERIFY(!rig.engine.isListeningForDoubleShift());
+    QCOMPARE(rig.engine.isListeningForDoubleShift(), trusted);
     rig.engine.captureSelection();
-    QCOMPARE(rig.feedback.toasts, QStringList {u"Accessibility Access Needed|lock"_qs});
-    QCOMPARE(rig.feedback.shows, (QList<QPair<bool, bool>> {{true, false}}));
+    QTRY_COMPARE_WITH_TIMEOUT(rig.feedback.toasts, QStringList {toast}, Test::patience);
     QVERIFY(!rig.engine.isCapturing());
+    QCOMPARE(rig.engine.lastCaptureFailed(), trusted);
+    QCOMPARE(rig.feedback.shows.size(), trusted ? 0 : 1); // shown, not activated for typing
+    QVERIFY(trusted || rig.feedback.shows.first() == qMakePair(true, false));
+    QCOMPARE(noteCount(store->library()), 0);
+    QVERIFY(rig.session.copies.isEmpty());
     // Capture becomes available: a refresh starts the gesture.
     available = true;
     rig.permission.refresh();
     QVERIFY(rig.engine.isListeningForDoubleShift());
-}
-
-void CaptureTest::nothingSelected_data()
-{
-    QTest::addColumn<bool>("terminal");
-    QTest::addColumn<bool>("copyKeys");
-    QTest::newRow("a terminal") << true << true;
-    QTest::newRow("a session without copy keys") << false << false;
-}
-
-void CaptureTest::nothingSelected()
-{
-    QFETCH(bool, terminal);
-    QFETCH(bool, copyKeys);
-    const std::unique_ptr<Store> store = makeStore();
-    EngineRig rig(*store);
-    // Nothing in PRIMARY, and no copy may be sent: the clipboard is never read.
-    FrontApplication editor;
-    editor.name = QStringLiteral("Text Editor");
-    rig.session.front = terminal ? xterm() : editor;
-    rig.session.copyKeys = copyKeys;
-    rig.engine.captureSelection();
-    QTRY_COMPARE_WITH_TIMEOUT(
-        rig.feedback.toasts, QStringList {u"Nothing Selected|text.cursor"_qs}, Test::patience);
-    QVERIFY(rig.engine.lastCaptureFailed());
-    QVERIFY(rig.feedback.shows.isEmpty());
-    QCOMPARE(noteCount(store->library()), 0);
-    QVERIFY(rig.session.copies.isEmpty());
 }
 
 void CaptureTest::hotKeyActions()

@@ -102,14 +102,11 @@ void PortalShortcutsTest::session_data()
     QTest::addColumn<QString>("message");
     using State = PortalGlobalShortcuts::State;
     QTest::newRow("bound") << 0u << 0u << false << int(State::Bound) << QString();
-    QTest::newRow("session refused")
-        << 2u << 0u << false << int(State::Refused)
-        << "The desktop refused Vesko's shortcuts. Bind the commands below in its keyboard "
-           "settings instead.";
+    const QString refused = QStringLiteral("The desktop refused Vesko's shortcuts. Bind the "
+                                           "commands below in its keyboard settings instead.");
+    QTest::newRow("session refused") << 2u << 0u << false << int(State::Refused) << refused;
     QTest::newRow("binding cancelled by the user")
-        << 0u << 1u << false << int(State::Refused)
-        << "The desktop refused Vesko's shortcuts. Bind the commands below in its keyboard "
-           "settings instead.";
+        << 0u << 1u << false << int(State::Refused) << refused;
     QTest::newRow("binding never answered, then bound again")
         << 0u << 99u << false << int(State::NoAnswer)
         << "The desktop did not answer when Vesko asked for its shortcuts. Bind the commands "

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The desktop entries that name the application in front: which entry a
-// window's ids and class find, a first lookup answered on the event loop or
-// given up, and the name a front application is given.
+// window's ids and class find and the name the application is given by it
+// (or by the window and its process), and a first lookup answered on the
+// event loop or given up.
 
 #include "TestEnvironment.h"
 
@@ -38,8 +39,6 @@ private Q_SLOTS:
     void find();
     void firstLookup_data();
     void firstLookup();
-    void frontApplicationName_data();
-    void frontApplicationName();
 
 private:
     QTemporaryDir m_dir;
@@ -67,50 +66,68 @@ void X11DesktopEntriesTest::initTestCase()
 
 void X11DesktopEntriesTest::find_data()
 {
+    // The window's ids and class (found in the index by the first two), its
+    // instance, and whether only its process is known.
     QTest::addColumn<QStringList>("candidates");
     QTest::addColumn<QString>("windowClass");
-    QTest::addColumn<QString>("id");
+    QTest::addColumn<QString>("instance");
+    QTest::addColumn<bool>("ownProcess");
+    // The name and identifier of the application in front ("-": none), and
+    // whether it is a terminal.
     QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("identifier");
     QTest::addColumn<bool>("terminal");
 
-    QTest::newRow("application id")
-        << QStringList {"org.gnome.Terminal", "Gnome-terminal"} << "Gnome-terminal"
-        << "org.gnome.Terminal"
-        << "Terminal" << true;
+    QTest::newRow("application id, a terminal by its entry")
+        << QStringList {"org.gnome.Terminal", "Terminal"} << "Terminal"
+        << "" << false << "Terminal"
+        << "org.gnome.Terminal" << true;
     QTest::newRow("desktop file name") << QStringList {"firefox.desktop"} << "Navigator"
-                                       << "firefox"
-                                       << "Firefox Web Browser" << false;
+                                       << "" << false << "Firefox Web Browser"
+                                       << "firefox" << false;
     QTest::newRow("declared window class, any case")
         << QStringList {"editormain", "editor"} << "editormain"
-        << "org.example.Editor"
-        << "My Editor" << false;
+        << "editor" << false << "My Editor"
+        << "org.example.Editor" << false;
     QTest::newRow("an id before the window class")
         << QStringList {"viewer", "EditorMain"} << "EditorMain"
-        << "viewer"
-        << "Viewer" << false;
+        << "" << false << "Viewer"
+        << "viewer" << false;
     QTest::newRow("class in lower case") << QStringList {"Firefox", "Navigator"} << "Navigator"
-                                         << "firefox"
-                                         << "Firefox Web Browser" << false;
-    QTest::newRow("no entry") << QStringList {"xterm", "XTerm"} << "XTerm"
-                              << ""
-                              << "" << false;
+                                         << "" << false << "Firefox Web Browser"
+                                         << "firefox" << false;
+    QTest::newRow("no entry: the class and the instance")
+        << QStringList {"gimp-2.10", "Gimp"} << "Gimp"
+        << "gimp-2.10" << false << "Gimp"
+        << "gimp-2.10" << false;
+    QTest::newRow("a terminal by its instance") << QStringList {"xterm", "XTerm"} << "XTerm"
+                                                << "xterm" << false << "XTerm"
+                                                << "xterm" << true;
+    QTest::newRow("a terminal by its app_id") << QStringList {"foot"} << "foot"
+                                              << "" << false << "foot"
+                                              << "foot" << true;
+    QTest::newRow("nothing but a process") << QStringList {} << ""
+                                           << "" << true << "tst_x11desktope"
+                                           << "-" << false;
 }
 
 void X11DesktopEntriesTest::find()
 {
     QFETCH(QStringList, candidates);
     QFETCH(QString, windowClass);
-    QFETCH(QString, id);
+    QFETCH(QString, instance);
+    QFETCH(bool, ownProcess);
     QFETCH(QString, name);
+    QFETCH(QString, identifier);
     QFETCH(bool, terminal);
     const X11DesktopEntries::Index index = X11DesktopEntries::Index::read({m_user, m_system});
-    const std::optional<X11DesktopEntries::Entry> entry = index.find(candidates, windowClass);
-    QCOMPARE(entry.has_value(), !id.isEmpty());
-    if (entry) {
-        QCOMPARE(entry->id, id);
-        QCOMPARE(entry->name, name);
-        QCOMPARE(entry->isTerminal, terminal);
-    }
+    FrontApplication front;
+    if (ownProcess)
+        front.processID = QCoreApplication::applicationPid(); // the kernel names it
+    nameFrontApplication(front, index.find(candidates, windowClass), windowClass, instance);
+    QCOMPARE(front.name, name);
+    QCOMPARE(front.identifier.value_or(QStringLiteral("-")), identifier);
+    QCOMPARE(front.isTerminal, terminal);
 }
 
 void X11DesktopEntriesTest::firstLookup_data()
@@ -158,58 +175,6 @@ void X11DesktopEntriesTest::firstLookup()
         QTRY_COMPARE_WITH_TIMEOUT(answers.size(), 2, Test::patience);
     }
     QVERIFY(answers.last());
-}
-
-void X11DesktopEntriesTest::frontApplicationName_data()
-{
-    QTest::addColumn<QStringList>("entry"); // id, Name, "terminal"; empty: none found
-    QTest::addColumn<QString>("windowClass");
-    QTest::addColumn<QString>("instance");
-    QTest::addColumn<bool>("ownProcess");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("identifier"); // "-": none
-    QTest::addColumn<bool>("terminal");
-    QTest::newRow("the entry names it")
-        << QStringList {"org.example.Editor", "My Editor"} << "EditorMain"
-        << "editor" << false << "My Editor"
-        << "org.example.Editor" << false;
-    QTest::newRow("a terminal by its entry")
-        << QStringList {"org.gnome.Terminal", "Terminal", "terminal"} << "Gnome-terminal"
-        << "" << false << "Terminal"
-        << "org.gnome.Terminal" << true;
-    QTest::newRow("no entry: the class and the instance") << QStringList {} << "Gimp"
-                                                          << "gimp-2.10" << false << "Gimp"
-                                                          << "gimp-2.10" << false;
-    QTest::newRow("a terminal by its instance") << QStringList {} << "XTerm"
-                                                << "xterm" << false << "XTerm"
-                                                << "xterm" << true;
-    QTest::newRow("a terminal by its app_id") << QStringList {} << "foot"
-                                              << "" << false << "foot"
-                                              << "foot" << true;
-    QTest::newRow("nothing but a process") << QStringList {} << ""
-                                           << "" << true << "tst_x11desktope"
-                                           << "-" << false;
-}
-
-void X11DesktopEntriesTest::frontApplicationName()
-{
-    QFETCH(QStringList, entry);
-    QFETCH(QString, windowClass);
-    QFETCH(QString, instance);
-    QFETCH(bool, ownProcess);
-    QFETCH(QString, name);
-    QFETCH(QString, identifier);
-    QFETCH(bool, terminal);
-    std::optional<DesktopEntry> found;
-    if (!entry.isEmpty())
-        found = DesktopEntry {entry.at(0), entry.at(1), entry.size() > 2};
-    FrontApplication front;
-    if (ownProcess)
-        front.processID = QCoreApplication::applicationPid(); // the kernel names it
-    nameFrontApplication(front, found, windowClass, instance);
-    QCOMPARE(front.name, name);
-    QCOMPARE(front.identifier.value_or(QStringLiteral("-")), identifier);
-    QCOMPARE(front.isTerminal, terminal);
 }
 
 VESKO_TEST_MAIN(X11DesktopEntriesTest)

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Global hot keys on a real X server (tests/x-session.sh) pressed with xdotool:
-// one report per press, combinations another program or action holds, the
-// lock keys, and nothing grabbed on a Wayland session.
+// one report per press, whatever the lock keys, and combinations another
+// program or action holds (and none grabbed on a Wayland session).
 
 #include "ProgramSession.h"
 #include "TestEnvironment.h"
@@ -103,11 +103,7 @@ private Q_SLOTS:
     void onePressOneReport_data();
     void onePressOneReport();
     void releaseThatWentElsewhere();
-    void takenByAnotherProgram();
-    void secondActionOnATakenCombination();
-    void locksDoNotBlock_data();
-    void locksDoNotBlock();
-    void nothingGrabbedOnWayland();
+    void takenCombinations();
 };
 
 void X11HotKeysTest::initTestCase()
@@ -135,6 +131,14 @@ void X11HotKeysTest::onePressOneReport_data()
     QTest::newRow("Super+Alt held, Space tapped twice") << QStringList {"keydown", "super+alt",
         "key", "space", "sleep", "0.1", "key", "space", "keyup", "super+alt"}
                                                         << 2;
+    // Each lock key toggles its lock: on for the press, off again after.
+    QTest::newRow("Caps Lock on") << QStringList {"key", "Caps_Lock", "super+alt+space",
+        "Caps_Lock"} << 1;
+    QTest::newRow("Num Lock on") << QStringList {"key", "Num_Lock", "super+alt+space", "Num_Lock"}
+                                 << 1;
+    QTest::newRow("both locks on")
+        << QStringList {"key", "Caps_Lock", "Num_Lock", "super+alt+space", "Caps_Lock", "Num_Lock"}
+        << 1;
 }
 
 void X11HotKeysTest::onePressOneReport()
@@ -165,17 +169,31 @@ void X11HotKeysTest::releaseThatWentElsewhere()
         (QList<HotKeyAction> {HotKeyAction::CaptureSelection, HotKeyAction::CaptureSelection}));
 }
 
-void X11HotKeysTest::takenByAnotherProgram()
+void X11HotKeysTest::takenCombinations()
 {
+    // On a Wayland session nothing is grabbed: the key is free for another program.
+    qputenv("WAYLAND_DISPLAY", "wayland-0");
+    X11HotKeys onWayland;
+    HotKeyCenter centerOnWayland(onWayland);
+    centerOnWayland.registerAll();
+    qunsetenv("WAYLAND_DISPLAY");
+    QVERIFY(!onWayland.isAvailable());
+    for (HotKeyAction action : allHotKeyActions) {
+        QVERIFY(!centerOnWayland.isRegistered(action));
+        QVERIFY(!centerOnWayland.isRefused(action));
+    }
     KeyGrabber other;
     QCOMPARE(other.grab(spaceKey, superAltMask), QStringLiteral("grabbed"));
+    // An edited settings file: "Add a Note" on Super+Alt+C, the capture's combination.
+    openSettingsFile()->setValue(HotKeyCenter::settingsKey(HotKeyAction::QuickAdd),
+        KeyCombo::defaultFor(HotKeyAction::CaptureSelection).toJson());
     HotKeys hotKeys;
-    QVERIFY(!hotKeys.center.isRegistered(HotKeyAction::TogglePanel));
     QVERIFY(hotKeys.center.isRefused(HotKeyAction::TogglePanel));
     QVERIFY(hotKeys.center.isRegistered(HotKeyAction::CaptureSelection));
-    QVERIFY(!hotKeys.center.isRefused(HotKeyAction::CaptureSelection));
-    xdotool({QStringLiteral("key"), QStringLiteral("super+alt+space")});
-    QCOMPARE(hotKeys.reports(), QList<HotKeyAction> {});
+    QVERIFY(hotKeys.center.isRefused(HotKeyAction::QuickAdd));
+    xdotool(
+        {QStringLiteral("key"), QStringLiteral("super+alt+space"), QStringLiteral("super+alt+c")});
+    QCOMPARE(hotKeys.reports(), QList<HotKeyAction> {HotKeyAction::CaptureSelection});
 
     // Once the other program lets go, setting the combination again takes it.
     other.release();
@@ -183,26 +201,12 @@ void X11HotKeysTest::takenByAnotherProgram()
         KeyCombo::defaultFor(HotKeyAction::TogglePanel), HotKeyAction::TogglePanel);
     QVERIFY(hotKeys.center.isRegistered(HotKeyAction::TogglePanel));
     QVERIFY(!hotKeys.center.isRefused(HotKeyAction::TogglePanel));
-    xdotool({QStringLiteral("key"), QStringLiteral("super+alt+space")});
-    QCOMPARE(hotKeys.reports(), QList<HotKeyAction> {HotKeyAction::TogglePanel});
-}
-
-void X11HotKeysTest::secondActionOnATakenCombination()
-{
-    // An edited settings file: "Add a Note" on Super+Alt+C, the capture's combination.
-    openSettingsFile()->setValue(HotKeyCenter::settingsKey(HotKeyAction::QuickAdd),
-        KeyCombo::defaultFor(HotKeyAction::CaptureSelection).toJson());
-    HotKeys hotKeys;
-    QVERIFY(hotKeys.center.isRegistered(HotKeyAction::CaptureSelection));
-    QVERIFY(!hotKeys.center.isRegistered(HotKeyAction::QuickAdd));
-    QVERIFY(hotKeys.center.isRefused(HotKeyAction::QuickAdd));
-    xdotool({QStringLiteral("key"), QStringLiteral("super+alt+c")});
-    QCOMPARE(hotKeys.reports(), QList<HotKeyAction> {HotKeyAction::CaptureSelection});
-
     // Letting the refused action go leaves the capture's grab where it was.
     hotKeys.center.clearCombo(HotKeyAction::QuickAdd);
-    xdotool({QStringLiteral("key"), QStringLiteral("super+alt+c")});
-    QCOMPARE(hotKeys.reports(), QList<HotKeyAction> {HotKeyAction::CaptureSelection});
+    xdotool(
+        {QStringLiteral("key"), QStringLiteral("super+alt+space"), QStringLiteral("super+alt+c")});
+    QCOMPARE(hotKeys.reports(),
+        (QList<HotKeyAction> {HotKeyAction::TogglePanel, HotKeyAction::CaptureSelection}));
 
     // And "Add a Note" takes a free combination.
     hotKeys.center.setCombo(
@@ -211,43 +215,6 @@ void X11HotKeysTest::secondActionOnATakenCombination()
     xdotool({QStringLiteral("key"), QStringLiteral("super+alt+n"), QStringLiteral("super+alt+c")});
     QCOMPARE(hotKeys.reports(),
         (QList<HotKeyAction> {HotKeyAction::QuickAdd, HotKeyAction::CaptureSelection}));
-}
-
-void X11HotKeysTest::locksDoNotBlock_data()
-{
-    QTest::addColumn<QStringList>("locks");
-    QTest::newRow("Caps Lock") << QStringList {"Caps_Lock"};
-    QTest::newRow("Num Lock") << QStringList {"Num_Lock"};
-    QTest::newRow("both") << QStringList {"Caps_Lock", "Num_Lock"};
-}
-
-void X11HotKeysTest::locksDoNotBlock()
-{
-    QFETCH(QStringList, locks);
-    HotKeys hotKeys;
-    // Each lock key toggles its lock: on for the press, off again after.
-    xdotool(QStringList {"key"} + locks);
-    xdotool({QStringLiteral("key"), QStringLiteral("super+alt+space")});
-    const QList<HotKeyAction> reports = hotKeys.reports();
-    xdotool(QStringList {"key"} + locks);
-    QCOMPARE(reports, QList<HotKeyAction> {HotKeyAction::TogglePanel});
-}
-
-void X11HotKeysTest::nothingGrabbedOnWayland()
-{
-    qputenv("WAYLAND_DISPLAY", "wayland-0");
-    X11HotKeys registrar;
-    HotKeyCenter center(registrar);
-    center.registerAll();
-    qunsetenv("WAYLAND_DISPLAY");
-    QVERIFY(!registrar.isAvailable());
-    for (HotKeyAction action : allHotKeyActions) {
-        QVERIFY(!center.isRegistered(action));
-        QVERIFY(!center.isRefused(action));
-    }
-    // The key is free for any other program.
-    KeyGrabber other;
-    QCOMPARE(other.grab(spaceKey, superAltMask), QStringLiteral("grabbed"));
 }
 
 VESKO_TEST_MAIN(X11HotKeysTest)

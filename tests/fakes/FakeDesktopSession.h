@@ -22,8 +22,20 @@ public:
         done(front);
     }
     void readPrimarySelection(
-        qint64 processID, std::function<void(std::optional<QString>)> done) override;
-    void sendCopy(int attempt, std::function<void(bool sent)> done) override;
+        qint64 processID, std::function<void(std::optional<QString>)> done) override
+    {
+        const std::optional<QString> text = processID == primaryOwner ? primary : std::nullopt;
+        primaryAnswers.answer([done, text] { done(text); });
+    }
+    void sendCopy(int attempt, std::function<void(bool sent)> done) override
+    {
+        copyAnswers.answer([this, attempt, done] {
+            copies.append(attempt);
+            if (onCopy)
+                onCopy(attempt);
+            done(true);
+        });
+    }
     bool sendsCopy() const override { return copyKeys; }
 
     std::optional<FrontApplication> front;

@@ -57,6 +57,22 @@ QString ProgramSession::configPath() const
     return m_root.filePath(QStringLiteral("config/Vesko/Vesko.conf"));
 }
 
+QList<Note> ProgramSession::notes() const
+{
+    return allNotes(readLibraryFile(libraryPath()));
+}
+
+QString ProgramSession::lastNote() const
+{
+    const QList<Note> all = notes();
+    if (all.isEmpty() || !all.last().source)
+        return QStringLiteral("(none)");
+    const NoteSource &source = *all.last().source;
+    return QStringList {all.last().text, source.appName, source.windowTitle.value_or(QString()),
+        source.bundleIdentifier.value_or(QString())}
+        .join(QStringLiteral(" | "));
+}
+
 void ProgramSession::setEnvironmentVariable(const QString &name, const QString &value)
 {
     m_environment.insert(name, value);
@@ -135,6 +151,28 @@ QString visibleWindow(const QString &pattern)
     return xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
                        QStringLiteral("--name"), pattern})
         .section(u'\n', 0, 0);
+}
+
+QString activateWindow(const QString &title)
+{
+    QString window;
+    if (QTest::qWaitFor(
+            [&] { return !(window = visibleWindow(u'^' + title + u'$')).isEmpty(); }, patience))
+        xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
+    return window;
+}
+
+QString xclip(const QString &arguments, const QByteArray &input)
+{
+    QProcess process;
+    process.start(QStringLiteral("xclip"), words(arguments));
+    if (!input.isNull()) {
+        process.write(input);
+        process.closeWriteChannel();
+    }
+    // xclip -i stays in the background to serve the selection; its parent returns.
+    process.waitForFinished(patience);
+    return QString::fromUtf8(process.readAllStandardOutput());
 }
 
 Library readLibraryFile(const QString &path)

@@ -27,6 +27,12 @@ public:
     //! The session's private folder, for files of a test's own.
     QString rootFolder() const { return m_root.path(); }
 
+    //! The notes of the session's library file, as the program last wrote it.
+    QList<Note> notes() const;
+    //! The last note's text, and the name, window title and id of its
+    //! source, joined by " | "; "(none)" without a note that has a source.
+    QString lastNote() const;
+
     //! Sets a variable of the environment the next programs start with.
     void setEnvironmentVariable(const QString &name, const QString &value);
 
@@ -68,6 +74,11 @@ QString xdotool(const QStringList &arguments);
 bool setxkbmap(const QStringList &arguments);
 //! The id of the first visible window whose name matches \a pattern, or empty.
 QString visibleWindow(const QString &pattern);
+//! Waits for a visible window named exactly \a title and activates it; its id, or empty.
+QString activateWindow(const QString &title);
+//! Runs xclip with \a arguments (split at spaces), \a input on its standard
+//! input unless null, and returns its output.
+QString xclip(const QString &arguments, const QByteArray &input = {});
 //! The library in \a path; an empty one when it cannot be read.
 Library readLibraryFile(const QString &path);
 QList<Note> allNotes(const Library &library);

@@ -27,7 +27,6 @@ public:
     }
 
     bool isMounted() const { return m_mounted; }
-    QString path() const { return m_disk.folder(); }
 
 private:
     SmallFileSystem m_disk;
