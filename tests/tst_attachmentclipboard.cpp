@@ -5,7 +5,6 @@
 // several formats at once, takes the clipboard and never answers, or
 // answers late.
 
-#include "ProgramSession.h"
 #include "StoreFixture.h"
 #include "XClipboardClients.h"
 
@@ -65,7 +64,7 @@ private Q_SLOTS:
     void nothingUsable();
     void lateAnswerIsNotTakenForTheNext();
     void ownClipboardIsReadDirectly();
-    void pasteEndsOnDiskAndInTheLibrary();
+    void pastedImageEndsOnDisk();
 
 private:
     QString writeScratch(const QString &name, const QByteArray &bytes);
@@ -276,7 +275,7 @@ void AttachmentClipboardTest::ownClipboardIsReadDirectly()
 }
 
 //! An image from xclip, pasted into a note.
-void AttachmentClipboardTest::pasteEndsOnDiskAndInTheLibrary()
+void AttachmentClipboardTest::pastedImageEndsOnDisk()
 {
     // Larger than one request of the X protocol can carry: it comes in pieces.
     const QByteArray expectedBytes = Test::encodedImage(noise(1000, 1000), "PNG");
@@ -298,19 +297,6 @@ void AttachmentClipboardTest::pasteEndsOnDiskAndInTheLibrary()
     QFile stored(attachmentsFolder(libraryURL()) + u'/' + attachment.storedFileName);
     QVERIFY(stored.open(QIODevice::ReadOnly));
     QCOMPARE(stored.readAll(), expectedBytes);
-
-    // And in the library file, once written.
-    store.flushSave();
-    QList<NoteAttachment> saved;
-    for (const Note &note : Test::allNotes(loadLibrary(libraryURL()))) {
-        if (note.id == noteID)
-            saved = note.attachments;
-    }
-    // The file keeps dates to the second.
-    NoteAttachment expected = attachment;
-    expected.createdAt
-        = QDateTime::fromSecsSinceEpoch(attachment.createdAt.toSecsSinceEpoch(), Qt::UTC);
-    QCOMPARE(saved, QList<NoteAttachment> {expected});
 }
 
 VESKO_X11_TEST_MAIN(AttachmentClipboardTest)
