@@ -122,10 +122,8 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void togglesWriteTheSettingsFile_data();
-    void togglesWriteTheSettingsFile();
-    void pickersWriteTheSettingsFile_data();
-    void pickersWriteTheSettingsFile();
+    void controlsWriteTheSettingsFile_data();
+    void controlsWriteTheSettingsFile();
     void openAtLogin_data();
     void openAtLogin();
     void captureTabSaysWhy_data();
@@ -176,83 +174,65 @@ void SettingsViewsTest::cleanup()
     m_rig.reset();
 }
 
-void SettingsViewsTest::togglesWriteTheSettingsFile_data()
+void SettingsViewsTest::controlsWriteTheSettingsFile_data()
 {
     // clang-format off
     QTest::addColumn<int>("tab");
     QTest::addColumn<QString>("label");
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<bool>("before");
-    QTest::newRow("all workspaces") << 0 << "Show on all workspaces" << "joinsAllSpaces" << true;
-    QTest::newRow("on top") << 0 << "Always on top" << "pinOnTop" << false;
-    QTest::newRow("tray") << 0 << "Show in the system tray" << "showsInMenuBar" << true;
-    QTest::newRow("taskbar") << 0 << "Show in the taskbar" << "showsInDock" << false;
-    QTest::newRow("markdown") << 0 << "Keep Markdown when copying"
-                              << "copyIncludesMarkdown" << true;
-    QTest::newRow("double shift") << 1 << "Capture with Shift pressed twice"
-                                  << "doubleShiftEnabled" << true;
-    QTest::newRow("panel on capture") << 1 << "Bring the panel forward on capture"
-                                      << "showPanelOnCapture" << true;
-    // clang-format on
-}
-
-void SettingsViewsTest::togglesWriteTheSettingsFile()
-{
-    QFETCH(int, tab);
-    QFETCH(QString, label);
-    QFETCH(QString, key);
-    QFETCH(bool, before);
-    m_view->setCurrentIndex(tab);
-    QCheckBox *box = findByText<QCheckBox>(m_view.get(), label);
-    QVERIFY(box);
-    QCOMPARE(box->isChecked(), before);
-    QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
-    QCOMPARE(box->isChecked(), !before);
-    QCOMPARE(storedValue(m_rig->preferences, key).toBool(), !before);
-    // A change made elsewhere shows on the control.
-    m_rig->preferences.setProperty(key.toLatin1(), before);
-    QCOMPARE(box->isChecked(), before);
-}
-
-void SettingsViewsTest::pickersWriteTheSettingsFile_data()
-{
-    // clang-format off
-    QTest::addColumn<QString>("label");
-    QTest::addColumn<QString>("choice");
+    QTest::addColumn<QString>("choice"); // empty: a check box, clicked
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("stored");
-    QTest::newRow("appearance") << "Appearance" << "Dark" << "appearance" << "dark";
-    QTest::newRow("window position") << "Window position" << "Left" << "panelEdge" << "left";
-    QTest::newRow("list style") << "Copy as List uses" << "- - -" << "listStyle" << "dash";
-    QTest::newRow("no marker") << "Copy as List uses" << "No marker" << "listStyle" << "plain";
+    QTest::newRow("all workspaces") << 0 << "Show on all workspaces" << "" << "joinsAllSpaces" << "false";
+    QTest::newRow("on top") << 0 << "Always on top" << "" << "pinOnTop" << "true";
+    QTest::newRow("tray") << 0 << "Show in the system tray" << "" << "showsInMenuBar" << "false";
+    QTest::newRow("taskbar") << 0 << "Show in the taskbar" << "" << "showsInDock" << "true";
+    QTest::newRow("markdown") << 0 << "Keep Markdown when copying" << ""
+                              << "copyIncludesMarkdown" << "false";
+    QTest::newRow("double shift") << 1 << "Capture with Shift pressed twice" << ""
+                                  << "doubleShiftEnabled" << "false";
+    QTest::newRow("panel on capture") << 1 << "Bring the panel forward on capture" << ""
+                                      << "showPanelOnCapture" << "false";
+    QTest::newRow("appearance") << 0 << "Appearance" << "Dark" << "appearance" << "dark";
+    QTest::newRow("window position") << 0 << "Window position" << "Left" << "panelEdge" << "left";
+    QTest::newRow("list style") << 0 << "Copy as List uses" << "- - -" << "listStyle" << "dash";
+    QTest::newRow("no marker") << 0 << "Copy as List uses" << "No marker" << "listStyle" << "plain";
     // clang-format on
 }
 
-void SettingsViewsTest::pickersWriteTheSettingsFile()
+void SettingsViewsTest::controlsWriteTheSettingsFile()
 {
+    QFETCH(int, tab);
     QFETCH(QString, label);
     QFETCH(QString, choice);
     QFETCH(QString, key);
     QFETCH(QString, stored);
     m_rig->preferences.setStoredPanelFrame(QRectF(10, 10, 300, 400));
-    QComboBox *picker = nullptr;
-    for (QComboBox *box : m_view->findChildren<QComboBox *>()) {
-        if (box->accessibleName() == label)
-            picker = box;
-    }
-    QVERIFY(picker);
+    m_view->setCurrentIndex(tab);
     const QVariant before = m_rig->preferences.property(key.toLatin1());
-    const int shown = picker->currentIndex();
-    const int index = picker->findText(choice);
-    QVERIFY(index >= 0 && index != shown);
-    picker->setCurrentIndex(index);
-    Q_EMIT picker->activated(index);
+    QCheckBox *box = findByText<QCheckBox>(m_view.get(), label);
+    QComboBox *picker = nullptr;
+    for (QComboBox *candidate : m_view->findChildren<QComboBox *>()) {
+        if (candidate->accessibleName() == label)
+            picker = candidate;
+    }
+    const auto shown = [&] { return box ? int(box->isChecked()) : picker->currentIndex(); };
+    QVERIFY(choice.isEmpty() ? box != nullptr : picker != nullptr);
+    const int shownBefore = shown();
+    if (box) {
+        QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
+    } else {
+        const int index = picker->findText(choice);
+        QVERIFY(index >= 0 && index != shownBefore);
+        picker->setCurrentIndex(index);
+        Q_EMIT picker->activated(index);
+    }
+    QVERIFY(shown() != shownBefore);
     QCOMPARE(storedValue(m_rig->preferences, key).toString(), stored);
     // Choosing a position forgets where the panel was left.
     QCOMPARE(m_rig->preferences.storedPanelFrame().has_value(), key != u"panelEdge");
     // A change made elsewhere shows on the control.
     m_rig->preferences.setProperty(key.toLatin1(), before);
-    QCOMPARE(picker->currentIndex(), shown);
+    QCOMPARE(shown(), shownBefore);
 }
 
 void SettingsViewsTest::openAtLogin_data()
