@@ -339,13 +339,10 @@ void SettingsViewsTest::captureTabSaysWhy()
                 qPrintable(label->text()));
     }
     // Nothing can be grabbed here, so no combination is said to be taken.
-    const auto holdToggle = [](Test::SettingsRig &rig) {
-        const KeyCombo toggle = *rig.hotKeys.combo(HotKeyAction::TogglePanel);
-        rig.registrar.taken.insert(qMakePair(toggle.keyCode, toggle.modifiers));
-        rig.hotKeys.registerAll();
-    };
+    const KeyCombo toggle = *m_rig->hotKeys.combo(HotKeyAction::TogglePanel);
+    m_rig->registrar.taken.insert(qMakePair(toggle.keyCode, toggle.modifiers));
+    m_rig->hotKeys.registerAll();
     const QString taken = QStringLiteral("Taken by another application");
-    holdToggle(*m_rig);
     QVERIFY(!visibleLabel(&view, taken));
 
     // Either button opens the shortcut settings and reads the answer again:
@@ -364,7 +361,7 @@ void SettingsViewsTest::captureTabSaysWhy()
     QVERIFY(visibleLabel(&view, footnote));
     for (const char *text : {"Grant Access…", "Open System Settings…"})
         QVERIFY(!findByText<QPushButton>(&view, QString::fromUtf8(text))->isVisibleTo(&view));
-    holdToggle(*m_rig);
+    m_rig->hotKeys.registerAll();
     QVERIFY(visibleLabel(&view, taken));
 }
 
