@@ -5,6 +5,7 @@
 // several formats at once, takes the clipboard and never answers, or
 // answers late.
 
+#include "ProgramSession.h"
 #include "StoreFixture.h"
 #include "XClipboardClients.h"
 
@@ -64,7 +65,7 @@ private Q_SLOTS:
     void nothingUsable();
     void lateAnswerIsNotTakenForTheNext();
     void ownClipboardIsReadDirectly();
-    void pastedImageEndsOnDisk();
+    void pasteEndsOnDiskAndInTheLibrary();
 
 private:
     QString writeScratch(const QString &name, const QByteArray &bytes);
@@ -275,7 +276,7 @@ void AttachmentClipboardTest::ownClipboardIsReadDirectly()
 }
 
 //! An image from xclip, pasted into a note.
-void AttachmentClipboardTest::pastedImageEndsOnDisk()
+void AttachmentClipboardTest::pasteEndsOnDiskAndInTheLibrary()
 {
     // Larger than one request of the X protocol can carry: it comes in pieces.
     const QByteArray expectedBytes = Test::encodedImage(noise(1000, 1000), "PNG");
@@ -297,6 +298,14 @@ void AttachmentClipboardTest::pastedImageEndsOnDisk()
     QFile stored(attachmentsFolder(libraryURL()) + u'/' + attachment.storedFileName);
     QVERIFY(stored.open(QIODevice::ReadOnly));
     QCOMPARE(stored.readAll(), expectedBytes);
+
+    // And in the library file, once written, which keeps dates to the second.
+    store.flushSave();
+    NoteAttachment expected = attachment;
+    expected.createdAt
+        = QDateTime::fromSecsSinceEpoch(attachment.createdAt.toSecsSinceEpoch(), Qt::UTC);
+    for (const Note &note : Test::allNotes(loadLibrary(libraryURL())))
+        QCOMPARE(note.attachments, note.id == noteID ? QList {expected} : QList<NoteAttachment> {});
 }
 
 VESKO_X11_TEST_MAIN(AttachmentClipboardTest)
