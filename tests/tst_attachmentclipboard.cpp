@@ -7,6 +7,7 @@
 
 #include "ProgramSession.h"
 #include "StoreFixture.h"
+#include "TestFiles.h"
 #include "XClipboardClients.h"
 
 #include "attachments/AttachmentActions.h"
@@ -98,11 +99,8 @@ void AttachmentClipboardTest::cleanup()
 
 QString AttachmentClipboardTest::writeScratch(const QString &name, const QByteArray &bytes)
 {
-    const QString path = m_scratch->filePath(name);
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly))
-        file.write(bytes);
-    return path;
+    Test::writeFile(m_scratch->filePath(name), bytes);
+    return m_scratch->filePath(name);
 }
 
 bool AttachmentClipboardTest::startOwner(const QStringList &arguments)

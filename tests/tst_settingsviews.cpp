@@ -74,24 +74,6 @@ QVariant storedValue(Preferences &preferences, const QString &key)
     return Preferences::openSettings()->value(key);
 }
 
-QString dataFolder()
-{
-    return Test::IsolatedEnvironment::current().dataHome() + QStringLiteral("/Vesko");
-}
-
-//! A library of one note, written at \a libraryPath, with one attachment and its
-//! file unless \a attached is false.
-void writeLibraryWithAttachment(const QString &libraryPath, bool attached = true)
-{
-    Library library = makeDefaultLibrary();
-    const Note note = Test::noteWith(QStringLiteral("with a picture"),
-        attached ? QStringList {QStringLiteral("picture.png")} : QStringList {});
-    library.projects[0].sections[0].notes.append(note);
-    QVERIFY(!writeLibrary(library, libraryPath));
-    for (const NoteAttachment &attachment : note.attachments)
-        Test::writeFile(attachmentsFolder(libraryPath) + u'/' + attachment.storedFileName, "png");
-}
-
 QStringList attachmentFiles(const QString &libraryPath)
 {
     return Test::fileTree(attachmentsFolder(libraryPath));
@@ -153,6 +135,24 @@ private:
         return LoginItem(m_autostart.path(), QStringLiteral("/usr/bin/vesko"));
     }
 
+    //! Writes a library of one note at its default place, with one attachment
+    //! and its file unless \a attached is false, and makes the rig over it.
+    void rigOverLibrary(bool attached = true)
+    {
+        m_view.reset();
+        m_rig.reset();
+        Library library = makeDefaultLibrary();
+        const Note note = Test::noteWith(QStringLiteral("with a picture"),
+            attached ? QStringList {QStringLiteral("picture.png")} : QStringList {});
+        library.projects[0].sections[0].notes.append(note);
+        QVERIFY(!writeLibrary(library, m_home));
+        for (const NoteAttachment &attachment : note.attachments)
+            Test::writeFile(attachmentsFolder(m_home) + u'/' + attachment.storedFileName, "png");
+        m_rig = std::make_unique<Test::SettingsRig>();
+    }
+
+    const QString m_home
+        = Test::IsolatedEnvironment::current().dataHome() + QStringLiteral("/Vesko/Library.json");
     QTemporaryDir m_autostart;
     std::unique_ptr<Test::SettingsRig> m_rig;
     std::unique_ptr<SettingsView> m_view;
@@ -681,13 +681,10 @@ void SettingsViewsTest::intervalSliderKeepsItsBounds()
 
 void SettingsViewsTest::moveThereAndBackThroughTheDialog()
 {
-    m_view.reset();
-    m_rig.reset();
-    const QString home = dataFolder() + QStringLiteral("/Library.json");
-    writeLibraryWithAttachment(home);
+    rigOverLibrary();
+    const QString &home = m_home;
     const QStringList files = attachmentFiles(home);
     QCOMPARE(files.size(), 2); // a folder and its file
-    m_rig = std::make_unique<Test::SettingsRig>();
     SettingsView view(m_rig->services(loginItem()));
     view.showTab(SettingsTab::Storage);
     view.show();
@@ -807,11 +804,8 @@ void SettingsViewsTest::rebuiltStorageTabFollowsTheMove_data()
 void SettingsViewsTest::rebuiltStorageTabFollowsTheMove()
 {
     QFETCH(bool, attached);
-    m_view.reset();
-    m_rig.reset();
-    const QString home = dataFolder() + QStringLiteral("/Library.json");
-    writeLibraryWithAttachment(home, attached);
-    m_rig = std::make_unique<Test::SettingsRig>();
+    rigOverLibrary(attached);
+    const QString &home = m_home;
     const QString target = Test::IsolatedEnvironment::current().root() + QStringLiteral("/ro");
     Test::ReadOnlyFolder readOnly(target);
     if (!readOnly.isMounted())
