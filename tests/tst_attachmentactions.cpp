@@ -7,6 +7,7 @@
 
 #include "StoreFixture.h"
 #include "TestEnvironment.h"
+#include "TestFiles.h"
 
 #include "attachments/AttachmentActions.h"
 #include "library/LibraryFile.h"
@@ -120,12 +121,8 @@ void AttachmentActionsTest::cleanup()
 
 QString AttachmentActionsTest::makeSource(const QString &name)
 {
-    const QString path = m_scratch->filePath(name);
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly))
-        file.write(name.toUtf8());
-    return path;
+    Test::writeFile(m_scratch->filePath(name), name.toUtf8());
+    return m_scratch->filePath(name);
 }
 
 void AttachmentActionsTest::toasts_data()

@@ -7,7 +7,8 @@
 
 #include "ProgramSession.h"
 #include "StoreFixture.h"
-#include "TestEnvironment.h"
+#include "TestFiles.h"
+#include "XClipboardClients.h"
 
 #include "attachments/AttachmentActions.h"
 #include "library/LibraryFile.h"
@@ -16,34 +17,13 @@
 #include "platform/qt/QtPasteboardReader.h"
 #include "platform/x11/X11ClipboardReader.h"
 
-#include <QBuffer>
 #include <QClipboard>
-#include <QDir>
-#include <QGuiApplication>
-#include <QImage>
 #include <QMimeData>
-#include <QProcess>
 #include <QTemporaryDir>
 
 using namespace Vesko;
 
 namespace {
-
-QByteArray encoded(const QImage &image, const char *format)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, format, 95);
-    return bytes;
-}
-
-QImage filled(int width, int height, QColor color)
-{
-    QImage image(width, height, QImage::Format_RGB32);
-    image.fill(color);
-    return image;
-}
 
 // Many colours, so that the PNG stays large.
 QImage noise(int width, int height)
@@ -77,7 +57,6 @@ class AttachmentClipboardTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void init();
     void cleanup();
 
@@ -104,11 +83,6 @@ private:
     std::vector<std::unique_ptr<QProcess>> m_xclips;
 };
 
-void AttachmentClipboardTest::initTestCase()
-{
-    QVERIFY2(QGuiApplication::platformName() == u"xcb", "run under an X server (xvfb-run)");
-}
-
 void AttachmentClipboardTest::init()
 {
     m_scratch = std::make_unique<QTemporaryDir>(
@@ -125,42 +99,19 @@ void AttachmentClipboardTest::cleanup()
 
 QString AttachmentClipboardTest::writeScratch(const QString &name, const QByteArray &bytes)
 {
-    const QString path = m_scratch->filePath(name);
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly))
-        file.write(bytes);
-    return path;
+    Test::writeFile(m_scratch->filePath(name), bytes);
+    return m_scratch->filePath(name);
 }
 
 bool AttachmentClipboardTest::startOwner(const QStringList &arguments)
 {
     m_owner = std::make_unique<QProcess>();
-    m_owner->start(QStringLiteral(SELECTION_OWNER_PATH),
-        QStringList {QStringLiteral("CLIPBOARD")} + arguments);
-    return m_owner->waitForStarted()
-        && QTest::qWaitFor(
-            [&] { return m_owner->readAllStandardOutput().contains("owned"); }, 10000);
+    return Test::startSelectionOwner(*m_owner, arguments);
 }
 
 bool AttachmentClipboardTest::offerWithXclip(const QString &type, const QString &file)
 {
-    auto &xclip = *m_xclips.emplace_back(std::make_unique<QProcess>());
-    xclip.start(QStringLiteral("xclip"),
-        {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
-            QStringLiteral("-t"), type, file});
-    if (!xclip.waitForStarted())
-        return false;
-    // xclip serves from the background once it holds the clipboard.
-    return QTest::qWaitFor(
-        [&] {
-            QProcess check;
-            check.start(QStringLiteral("xclip"),
-                {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
-                    QStringLiteral("-t"), QStringLiteral("TARGETS")});
-            check.waitForFinished(Test::patience);
-            return check.readAllStandardOutput().contains(type.toLatin1());
-        },
-        10000);
+    return Test::offerWithXclip(*m_xclips.emplace_back(std::make_unique<QProcess>()), type, file);
 }
 
 void AttachmentClipboardTest::emptyClipboard()
@@ -200,9 +151,9 @@ void AttachmentClipboardTest::formatChosen_data()
     QTest::addColumn<QSize>("size"); // empty: the file
     QTest::addColumn<QColor>("colour");
     QTest::addColumn<QByteArray>("png");
-    const QByteArray red = encoded(filled(8, 8, Qt::red), "PNG");
-    const QByteArray yellow = encoded(filled(3, 3, Qt::yellow), "PNG");
-    const QByteArray bmp = encoded(filled(9, 5, Qt::darkRed), "BMP");
+    const QByteArray red = Test::encodedImage(Test::filledImage(8, 8, Qt::red), "PNG");
+    const QByteArray yellow = Test::encodedImage(Test::filledImage(3, 3, Qt::yellow), "PNG");
+    const QByteArray bmp = Test::encodedImage(Test::filledImage(9, 5, Qt::darkRed), "BMP");
     QTest::newRow("a file before an image")
         << QStringList {"image/png", "text/uri-list"} << QList<QByteArray> {red, "FILE"} << QSize()
         << QColor() << QByteArray();
@@ -280,7 +231,7 @@ void AttachmentClipboardTest::lateAnswerIsNotTakenForTheNext()
     // The owner answers the first request 2.6 s late, after the reader has
     // given up on it at 2 s, and the list of formats 1.4 s after it was
     // asked: the late answer comes while that read waits for its own.
-    const QByteArray pngBytes = encoded(filled(8, 8, Qt::cyan), "PNG");
+    const QByteArray pngBytes = Test::encodedImage(Test::filledImage(8, 8, Qt::cyan), "PNG");
     const QString png = writeScratch(QStringLiteral("late.png"), pngBytes);
     QVERIFY(startOwner({QStringLiteral("image/png"), QStringLiteral("2600,1400"), u'@' + png,
         QStringLiteral("TARGETS"), QStringLiteral("1400"), QStringLiteral("x")}));
@@ -311,7 +262,7 @@ void AttachmentClipboardTest::lateAnswerIsNotTakenForTheNext()
 void AttachmentClipboardTest::ownClipboardIsReadDirectly()
 {
     auto *data = new QMimeData;
-    data->setImageData(filled(5, 7, Qt::magenta));
+    data->setImageData(Test::filledImage(5, 7, Qt::magenta));
     QGuiApplication::clipboard()->setMimeData(data);
     QVERIFY(QGuiApplication::clipboard()->ownsClipboard());
 
@@ -326,7 +277,7 @@ void AttachmentClipboardTest::ownClipboardIsReadDirectly()
 void AttachmentClipboardTest::pasteEndsOnDiskAndInTheLibrary()
 {
     // Larger than one request of the X protocol can carry: it comes in pieces.
-    const QByteArray expectedBytes = encoded(noise(1000, 1000), "PNG");
+    const QByteArray expectedBytes = Test::encodedImage(noise(1000, 1000), "PNG");
     QVERIFY(expectedBytes.size() > 2 * 1024 * 1024);
     QVERIFY(offerWithXclip(
         QStringLiteral("image/png"), writeScratch(QStringLiteral("shot.png"), expectedBytes)));
@@ -346,27 +297,14 @@ void AttachmentClipboardTest::pasteEndsOnDiskAndInTheLibrary()
     QVERIFY(stored.open(QIODevice::ReadOnly));
     QCOMPARE(stored.readAll(), expectedBytes);
 
-    // And in the library file, once written.
+    // And in the library file, once written, which keeps dates to the second.
     store.flushSave();
-    QList<NoteAttachment> saved;
-    for (const Note &note : Test::allNotes(loadLibrary(libraryURL()))) {
-        if (note.id == noteID)
-            saved = note.attachments;
-    }
-    // The file keeps dates to the second.
     NoteAttachment expected = attachment;
     expected.createdAt
         = QDateTime::fromSecsSinceEpoch(attachment.createdAt.toSecsSinceEpoch(), Qt::UTC);
-    QCOMPARE(saved, QList<NoteAttachment> {expected});
+    for (const Note &note : Test::allNotes(loadLibrary(libraryURL())))
+        QCOMPARE(note.attachments, note.id == noteID ? QList {expected} : QList<NoteAttachment> {});
 }
 
-int main(int argc, char *argv[])
-{
-    Vesko::Test::IsolatedEnvironment environment;
-    QGuiApplication app(argc, argv);
-    AttachmentClipboardTest test;
-    QTEST_SET_MAIN_SOURCE_PATH
-    return QTest::qExec(&test, argc, argv);
-}
-
+VESKO_X11_TEST_MAIN(AttachmentClipboardTest)
 #include "tst_attachmentclipboard.moc"

@@ -8,6 +8,7 @@
 
 #include "SilentAttachmentActions.h"
 #include "StoreFixture.h"
+#include "TestFiles.h"
 #include "WidgetTestMain.h"
 
 #include "attachments/AttachmentFileDialog.h"
@@ -138,12 +139,8 @@ QString AttachmentViewsTest::saveImage(
 
 QString AttachmentViewsTest::writeBytes(const QString &storedFileName, const QByteArray &bytes)
 {
-    const QString path = m_folder + u'/' + storedFileName;
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly))
-        file.write(bytes);
-    return path;
+    Test::writeFile(m_folder + u'/' + storedFileName, bytes);
+    return m_folder + u'/' + storedFileName;
 }
 
 void AttachmentViewsTest::thumbnails_data()

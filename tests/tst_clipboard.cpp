@@ -2,42 +2,21 @@
 //
 // The clipboard of a real X session (Xvfb) against real other clients:
 // snapshots whole or not at all, slow, silent and late owners, a large image in
-// pieces, an empty clipboard, and the Store's copies landing as text.
+// pieces, an empty clipboard put back, and the Store's copies landing as text.
 
 #include "StoreFixture.h"
-#include "TestEnvironment.h"
+#include "XClipboardClients.h"
 
 #include "platform/x11/X11Clipboard.h"
 
-#include <QBuffer>
 #include <QClipboard>
-#include <QGuiApplication>
-#include <QImage>
 #include <QMimeData>
-#include <QProcess>
 #include <QTemporaryFile>
 #include <QTimer>
 
 using namespace Vesko;
 
 namespace {
-
-// What another client reads from the clipboard for one target, while this
-// process keeps serving its requests.
-std::optional<QByteArray> readWithXclip(const QString &target)
-{
-    QProcess xclip;
-    xclip.start(QStringLiteral("xclip"),
-        {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
-            QStringLiteral("-t"), target});
-    if (!xclip.waitForStarted())
-        return std::nullopt;
-    if (!QTest::qWaitFor([&] { return xclip.state() == QProcess::NotRunning; }, 10000))
-        return std::nullopt;
-    if (xclip.exitStatus() != QProcess::NormalExit || xclip.exitCode() != 0)
-        return std::nullopt;
-    return xclip.readAllStandardOutput();
-}
 
 //! The snapshot \a clipboard hands over, waited for on the event loop;
 //! nothing when it was not taken whole.
@@ -51,25 +30,11 @@ std::optional<Clipboard::Snapshot> snapshotOf(Clipboard &clipboard)
     return *snapshot;
 }
 
-//! Starts selection_owner on the clipboard with \a arguments (TARGET DELAYS TEXT...).
-bool startSelectionOwner(QProcess &owner, const QStringList &arguments)
-{
-    owner.start(QStringLiteral(SELECTION_OWNER_PATH),
-        QStringList {QStringLiteral("CLIPBOARD")} + arguments);
-    return owner.waitForStarted()
-        && QTest::qWaitFor([&owner] { return owner.canReadLine(); }, 10000)
-        && owner.readLine().trimmed() == "owned";
-}
-
 QByteArray pngBytes()
 {
     QImage image(4, 3, QImage::Format_ARGB32);
     image.fill(QColor(200, 30, 60, 128));
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return bytes;
+    return Test::encodedImage(image, "PNG");
 }
 
 } // namespace
@@ -79,21 +44,14 @@ class ClipboardTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void snapshotKeepsEveryFormat();
     void slowOwnerIsReadOnTheEventLoop();
     void wholeOrNothing_data();
     void wholeOrNothing();
     void lateRefusalOfAGivenUpSnapshot();
     void largeImagePiecewise();
-    void emptyClipboardRestoresEmpty();
     void storeCopiesLandAsText();
 };
-
-void ClipboardTest::initTestCase()
-{
-    QVERIFY2(QGuiApplication::platformName() == u"xcb", "run under an X server (xvfb-run)");
-}
 
 void ClipboardTest::snapshotKeepsEveryFormat()
 {
@@ -110,19 +68,25 @@ void ClipboardTest::snapshotKeepsEveryFormat()
     QCOMPARE(snapshot.first().value(QStringLiteral("text/html")), QByteArray("<b>bold</b>"));
 
     clipboard.setText(QStringLiteral("something else"));
-    QCOMPARE(readWithXclip(QStringLiteral("UTF8_STRING")), QByteArray("something else"));
+    QCOMPARE(Test::readWithXclip(QStringLiteral("UTF8_STRING")), QByteArray("something else"));
 
     clipboard.restore(snapshot);
-    QCOMPARE(readWithXclip(QStringLiteral("text/html")), QByteArray("<b>bold</b>"));
-    QCOMPARE(readWithXclip(QStringLiteral("image/png")), png);
-    QCOMPARE(readWithXclip(QStringLiteral("text/plain")), QByteArray("plain ünïcode"));
+    QCOMPARE(Test::readWithXclip(QStringLiteral("text/html")), QByteArray("<b>bold</b>"));
+    QCOMPARE(Test::readWithXclip(QStringLiteral("image/png")), png);
+    QCOMPARE(Test::readWithXclip(QStringLiteral("text/plain")), QByteArray("plain ünïcode"));
+
+    // An empty clipboard is put back empty.
+    clipboard.restore({});
+    QCOMPARE(snapshotOf(clipboard), Clipboard::Snapshot {});
+    QCOMPARE(
+        Test::readWithXclip(QStringLiteral("UTF8_STRING")).value_or(QByteArray()), QByteArray());
 }
 
 void ClipboardTest::slowOwnerIsReadOnTheEventLoop()
 {
     // Each format comes 300 ms after it is asked for.
     QProcess owner;
-    QVERIFY(startSelectionOwner(owner,
+    QVERIFY(Test::startSelectionOwner(owner,
         {QStringLiteral("UTF8_STRING"), QStringLiteral("300"), QStringLiteral("slow words"),
             QStringLiteral("text/html"), QStringLiteral("300"), QStringLiteral("<b>slow words</b>"),
             QStringLiteral("application/x-vesko-test"), QStringLiteral("300"),
@@ -185,7 +149,7 @@ void ClipboardTest::wholeOrNothing()
     QFETCH(bool, whole);
     QFETCH(QStringList, formats);
     QProcess process;
-    QVERIFY(startSelectionOwner(process, owner));
+    QVERIFY(Test::startSelectionOwner(process, owner));
     X11Clipboard clipboard;
     const std::optional<Clipboard::Snapshot> snapshot = snapshotOf(clipboard);
     process.kill();
@@ -203,7 +167,7 @@ void ClipboardTest::lateRefusalOfAGivenUpSnapshot()
     // after the first snapshot gave up; the refusal arrives while the second
     // snapshot waits for its own HTML, which comes later.
     QProcess owner;
-    QVERIFY(startSelectionOwner(owner,
+    QVERIFY(Test::startSelectionOwner(owner,
         {QStringLiteral("text/html"), QStringLiteral("refuse@2400,900"), QStringLiteral("<b>h</b>"),
             QStringLiteral("UTF8_STRING"), QStringLiteral("0"), QStringLiteral("t")}));
     X11Clipboard clipboard;
@@ -227,32 +191,16 @@ void ClipboardTest::largeImagePiecewise()
     file.write(image);
     file.close();
     QProcess xclip;
-    xclip.start(QStringLiteral("xclip"),
-        {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
-            QStringLiteral("-t"), QStringLiteral("image/png"), file.fileName()});
-    QVERIFY(xclip.waitForFinished(Test::patience));
+    QVERIFY(Test::offerWithXclip(xclip, QStringLiteral("image/png"), file.fileName()));
     X11Clipboard clipboard;
-    Clipboard::Snapshot snapshot;
-    QTRY_VERIFY_WITH_TIMEOUT(
-        !(snapshot = snapshotOf(clipboard).value_or(Clipboard::Snapshot {})).isEmpty(),
-        Test::patience);
+    const Clipboard::Snapshot snapshot = snapshotOf(clipboard).value();
     QCOMPARE(snapshot.first().keys(), QStringList {QStringLiteral("image/png")});
     QVERIFY(snapshot.first().value(QStringLiteral("image/png")) == image);
 
     // Put back, it is served whole again.
     clipboard.setText(QStringLiteral("in between"));
     clipboard.restore(snapshot);
-    QVERIFY(readWithXclip(QStringLiteral("image/png")) == image);
-}
-
-void ClipboardTest::emptyClipboardRestoresEmpty()
-{
-    X11Clipboard clipboard;
-    clipboard.setText(QStringLiteral("x"));
-    clipboard.restore({});
-    QCOMPARE(snapshotOf(clipboard), Clipboard::Snapshot {});
-    QVERIFY(!readWithXclip(QStringLiteral("UTF8_STRING")).has_value()
-        || readWithXclip(QStringLiteral("UTF8_STRING"))->isEmpty());
+    QVERIFY(Test::readWithXclip(QStringLiteral("image/png")) == image);
 }
 
 void ClipboardTest::storeCopiesLandAsText()
@@ -267,25 +215,17 @@ void ClipboardTest::storeCopiesLandAsText()
     X11Clipboard clipboard;
 
     QVERIFY(store.copyAsList(ids, clipboard));
-    QCOMPARE(
-        readWithXclip(QStringLiteral("UTF8_STRING")), QByteArray("1. alpha\n2. **beta**\n   line"));
+    QCOMPARE(Test::readWithXclip(QStringLiteral("UTF8_STRING")),
+        QByteArray("1. alpha\n2. **beta**\n   line"));
     fixture.preferences().setCopyIncludesMarkdown(false);
     QVERIFY(store.copyNotes(ids, clipboard));
-    QCOMPARE(readWithXclip(QStringLiteral("UTF8_STRING")), QByteArray("alpha\n\nbeta\nline"));
+    QCOMPARE(Test::readWithXclip(QStringLiteral("UTF8_STRING")), QByteArray("alpha\n\nbeta\nline"));
 
     // Nothing to copy leaves the clipboard as it was.
     QVERIFY(!store.copyAsList({makeID()}, clipboard));
     QVERIFY(!store.copyNotes({}, clipboard));
-    QCOMPARE(readWithXclip(QStringLiteral("UTF8_STRING")), QByteArray("alpha\n\nbeta\nline"));
+    QCOMPARE(Test::readWithXclip(QStringLiteral("UTF8_STRING")), QByteArray("alpha\n\nbeta\nline"));
 }
 
-int main(int argc, char *argv[])
-{
-    Vesko::Test::IsolatedEnvironment environment;
-    QGuiApplication app(argc, argv);
-    ClipboardTest test;
-    QTEST_SET_MAIN_SOURCE_PATH
-    return QTest::qExec(&test, argc, argv);
-}
-
+VESKO_X11_TEST_MAIN(ClipboardTest)
 #include "tst_clipboard.moc"

@@ -130,29 +130,17 @@ void LoginItemTest::turnedOverWhatIsThere()
     }
 }
 
+//! A failed turning off leaves the entry on. A failed turning on is tst_settingsviews' openAtLogin.
 void LoginItemTest::readOnlyFolderKeepsTheTruth()
 {
     QTemporaryDir root;
-    const QString empty = root.filePath(QStringLiteral("empty"));
-    {
-        Test::ReadOnlyFolder folder(empty);
-        if (!folder.isMounted())
-            QSKIP("Mounting a read-only tmpfs is not permitted here");
-        LoginItem item(empty, QStringLiteral("/usr/bin/vesko"));
-        const std::optional<QString> failure = item.setEnabled(true);
-        QVERIFY(failure.has_value());
-        QVERIFY2(failure->contains(QStringLiteral("Read-only file system")), qPrintable(*failure));
-        QVERIFY(!item.isEnabled());
-        QVERIFY(!QFile::exists(item.entryPath()));
-    }
-
     const QString holding = root.filePath(QStringLiteral("holding"));
     LoginItem item(holding, QStringLiteral("/usr/bin/vesko"));
     Test::ReadOnlyFolder folder(holding, [&] { QCOMPARE(item.setEnabled(true), std::nullopt); });
-    QVERIFY(folder.isMounted());
+    if (!folder.isMounted())
+        QSKIP("Mounting a read-only tmpfs is not permitted here");
     QVERIFY(item.isEnabled());
-    const std::optional<QString> failure = item.setEnabled(false);
-    QVERIFY(failure.has_value());
+    QVERIFY(item.setEnabled(false).has_value());
     QVERIFY(item.isEnabled());
 }
 

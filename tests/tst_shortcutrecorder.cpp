@@ -25,7 +25,6 @@
 #include <QProcess>
 #include <QPushButton>
 #include <QScopeGuard>
-#include <QVBoxLayout>
 
 using namespace Vesko;
 using namespace Vesko::ModifierFlag;
@@ -103,37 +102,33 @@ void ShortcutRecorderTest::recordsRealKeys()
     X11HotKeys registrar;
     HotKeyCenter hotKeys(registrar);
 
-    QWidget window;
-    window.setWindowTitle(QStringLiteral("Recorder test"));
-    auto *layoutBox = new QVBoxLayout(&window);
-    auto *recorder = new ShortcutRecorderView(action, hotKeys, &layout);
-    layoutBox->addWidget(recorder);
-    window.resize(320, 120);
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    ShortcutRecorderView recorder(action, hotKeys, &layout);
+    recorder.resize(320, 120);
+    recorder.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&recorder));
 
     // A real click starts the recording, real keys end it.
-    QPushButton *button = recorder->findChild<QPushButton *>();
+    QPushButton *button = recorder.findChild<QPushButton *>();
     const QPoint centre = button->mapToGlobal(button->rect().center());
     Test::xdotool({QStringLiteral("mousemove"), QString::number(centre.x()),
         QString::number(centre.y()), QStringLiteral("click"), QStringLiteral("1")});
-    QTRY_VERIFY_WITH_TIMEOUT(recorder->isRecording(), Test::patience);
+    QTRY_VERIFY_WITH_TIMEOUT(recorder.isRecording(), Test::patience);
     QCOMPARE(button->text(), QStringLiteral("Press keys…"));
     // The keyboard is held while recording: the key goes nowhere else.
     QTRY_VERIFY_WITH_TIMEOUT(QWidget::keyboardGrabber() == button, Test::patience);
     Test::xdotool({QStringLiteral("key"), keys});
 
-    QTRY_VERIFY_WITH_TIMEOUT(!recorder->isRecording(), Test::patience);
+    QTRY_VERIFY_WITH_TIMEOUT(!recorder.isRecording(), Test::patience);
     QCOMPARE(hotKeys.combo(action), combo);
     QCOMPARE(button->text(), buttonText);
-    QCOMPARE(recorder->warning(), warning);
+    QCOMPARE(recorder.warning(), warning);
     QCOMPARE(button->accessibleName(), title(action) + QStringLiteral(" shortcut"));
     // What is stored is read back the same by the next start.
     QCOMPARE(HotKeyCenter(registrar).combo(action), combo);
     // A combination recorded and free is grabbed at once.
     const bool recorded = combo && warning.isEmpty() && keys != u"shift+Escape";
     QCOMPARE(hotKeys.isRegistered(action), recorded);
-    QCOMPARE(recorder->refusalText(), QString());
+    QCOMPARE(recorder.refusalText(), QString());
 }
 
 void ShortcutRecorderTest::refusalNamesWhoHoldsTheKeys_data()
