@@ -2,18 +2,54 @@
 //
 // The toast on a real X server: it shows beside the pointer without taking
 // the focus from the active window, the last toast wins and stays up for its
-// whole duration, and it goes away by itself.
+// whole duration, and it goes away by itself. Beside it, the desktop
+// notification that stands for it on Wayland, against a notification service
+// of the test's own on a private session bus.
 
 #include "WidgetTestMain.h"
 
+#include "platform/qt/DesktopNotifier.h"
 #include "shell/Toast.h"
 
 #include <QApplication>
 #include <QCursor>
+#include <QDBusConnection>
+#include <QDBusPendingCallWatcher>
+#include <QScopeGuard>
+#include <QSignalSpy>
 #include <QElapsedTimer>
 #include <QWidget>
 
 using namespace Vesko;
+
+namespace {
+
+const QString notificationService = QStringLiteral("org.freedesktop.Notifications");
+
+//! The notification service, on a connection of its own: records the calls
+//! as "notify SUMMARY replacing ID" and "close ID", numbering from 1.
+class NotificationService : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+
+public:
+    QStringList calls;
+
+public Q_SLOTS:
+    uint Notify(const QString &, uint replacesId, const QString &, const QString &summary,
+        const QString &, const QStringList &, const QVariantMap &, int)
+    {
+        calls.append(QStringLiteral("notify %1 replacing %2").arg(summary).arg(replacesId));
+        return replacesId != 0 ? replacesId : uint(++m_made);
+    }
+    void CloseNotification(uint id) { calls.append(QStringLiteral("close %1").arg(id)); }
+
+private:
+    uint m_made = 0;
+};
+
+} // namespace
 
 class ToastTest : public QObject
 {
@@ -23,6 +59,8 @@ private Q_SLOTS:
     void initTestCase();
     void showsBesideThePointerWithoutTakingFocus();
     void lastToastWinsAndKeepsItsDuration();
+    void notificationReplacesTheLast_data();
+    void notificationReplacesTheLast();
 };
 
 void ToastTest::initTestCase()
@@ -76,6 +114,69 @@ void ToastTest::lastToastWinsAndKeepsItsDuration()
         QVERIFY(toasts.isShowing());
     QTRY_VERIFY_WITH_TIMEOUT(!toasts.isShowing(), Test::patience);
     QVERIFY(clock.elapsed() >= second + 1100 + 180);
+}
+
+void ToastTest::notificationReplacesTheLast_data()
+{
+    // Each step: "notify TEXT", "answered" (wait until the service has
+    // answered all), "close".
+    QTest::addColumn<QStringList>("steps");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("one") << QStringList {u"notify Captured"_qs}
+                         << QStringList {u"notify Captured replacing 0"_qs};
+    QTest::newRow("the next one replaces it")
+        << QStringList {u"notify Captured"_qs, u"answered"_qs, u"notify Copied"_qs}
+        << QStringList {u"notify Captured replacing 0"_qs, u"notify Copied replacing 1"_qs};
+    // The second goes before the first is answered: the first, when it comes, goes.
+    QTest::newRow("the next one before its answer")
+        << QStringList {u"notify Captured"_qs, u"notify Copied"_qs}
+        << QStringList {
+               u"notify Captured replacing 0"_qs, u"notify Copied replacing 0"_qs, u"close 1"_qs};
+    QTest::newRow("closed, then a new one")
+        << QStringList {u"notify Captured"_qs, u"answered"_qs, u"close"_qs, u"notify Copied"_qs}
+        << QStringList {
+               u"notify Captured replacing 0"_qs, u"close 1"_qs, u"notify Copied replacing 0"_qs};
+    QTest::newRow("closed before its answer")
+        << QStringList {u"notify Captured"_qs, u"close"_qs}
+        << QStringList {u"notify Captured replacing 0"_qs, u"close 1"_qs};
+}
+
+void ToastTest::notificationReplacesTheLast()
+{
+    QFETCH(QStringList, steps);
+    QFETCH(QStringList, expected);
+    QDBusConnection bus = QDBusConnection::connectToBus(
+        QDBusConnection::SessionBus, QStringLiteral("notification service"));
+    if (!bus.isConnected())
+        QSKIP("Needs a session bus: run through dbus-run-session");
+    NotificationService service;
+    QVERIFY(bus.registerObject(u"/org/freedesktop/Notifications"_qs, &service,
+        QDBusConnection::ExportAllSlots));
+    QVERIFY(bus.registerService(notificationService));
+    const auto unregister = qScopeGuard([&bus] {
+        bus.unregisterService(notificationService);
+        bus.unregisterObject(u"/org/freedesktop/Notifications"_qs);
+    });
+
+    DesktopNotifier notifier(u"Vesko"_qs);
+    QSignalSpy failures(&notifier, &DesktopNotifier::failed);
+    for (const QString &step : steps) {
+        if (step == u"answered")
+            QTRY_VERIFY_WITH_TIMEOUT(
+                notifier.findChildren<QDBusPendingCallWatcher *>().isEmpty(), Test::patience);
+        else if (step == u"close")
+            notifier.close();
+        else
+            notifier.notify(step.section(u' ', 1), 1100);
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(service.calls, expected, Test::patience);
+    QCOMPARE(failures.size(), 0);
+
+    // Without the service: no notification, and the caller is told.
+    bus.unregisterService(notificationService);
+    notifier.notify(u"Exported"_qs, 1100);
+    QTRY_COMPARE_WITH_TIMEOUT(failures.size(), 1, Test::patience);
+    QCOMPARE(failures.first().first().toString(), u"Exported"_qs);
 }
 
 VESKO_WIDGET_TEST_MAIN(ToastTest)
