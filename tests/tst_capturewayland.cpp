@@ -103,9 +103,9 @@ public Q_SLOTS:
         const QString &, const QStringList &, const QVariantMap &hints, int expiry)
     {
         calls.append(QStringLiteral("%1 | %2 | %3, %4 | %5 ms")
-                .arg(application, summary, hints.value(u"transient"_qs).toString(),
-                    QString::number(hints.value(u"urgency"_qs, -1).toInt()))
-                .arg(expiry));
+                         .arg(application, summary, hints.value(u"transient"_qs).toString(),
+                             QString::number(hints.value(u"urgency"_qs, -1).toInt()))
+                         .arg(expiry));
         return uint(calls.size());
     }
 };
@@ -467,8 +467,8 @@ void CaptureWaylandTest::captureFromClients()
 
     NotificationService notifications;
     QDBusConnection bus = QDBusConnection::sessionBus();
-    QVERIFY(bus.registerObject(u"/org/freedesktop/Notifications"_qs, &notifications,
-        QDBusConnection::ExportAllSlots));
+    QVERIFY(bus.registerObject(
+        u"/org/freedesktop/Notifications"_qs, &notifications, QDBusConnection::ExportAllSlots));
     QVERIFY(bus.registerService(u"org.freedesktop.Notifications"_qs));
     const auto unregister
         = qScopeGuard([&bus] { bus.unregisterService(u"org.freedesktop.Notifications"_qs); });
@@ -508,8 +508,8 @@ void CaptureWaylandTest::captureFromClients()
         // keeps the focus while it shows.
         QVERIFY2(focusedWindowIs(QStringLiteral("build log")), qPrintable(trigger));
         QTRY_COMPARE_WITH_TIMEOUT(notifications.calls.size(), notified + 1, Test::patience);
-        QCOMPARE(notifications.calls.last(),
-            QStringLiteral("Vesko | Captured | true, 0 | 1100 ms"));
+        QCOMPARE(
+            notifications.calls.last(), QStringLiteral("Vesko | Captured | true, 0 | 1100 ms"));
     }
 
     // A window without a primary selection of its own: the capture copies.
@@ -557,10 +557,10 @@ void CaptureWaylandTest::misbehavingOwner()
         QByteArray said;
         QTRY_VERIFY_WITH_TIMEOUT((said += owner->readAllStandardOutput()).contains("owned"), 10000);
         QCOMPARE(session.vesko({QStringLiteral("capture")}).exitCode, 0);
-                // No notification service here: the toast goes to the log, and no
+        // No notification service here: the toast goes to the log, and no
         // window of Vesko's takes the focus.
-        QVERIFY2(session.says(vesko,
-                     {"Nothing selected", "Nothing Selected (no notification shown"}),
+        QVERIFY2(
+            session.says(vesko, {"Nothing selected", "Nothing Selected (no notification shown"}),
             mode);
         QVERIFY2(focusedWindowIs(QStringLiteral("idle")), mode);
     }

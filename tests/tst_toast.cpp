@@ -15,8 +15,8 @@
 #include <QCursor>
 #include <QDBusConnection>
 #include <QDBusPendingCallWatcher>
-#include <QScopeGuard>
 #include <QElapsedTimer>
+#include <QScopeGuard>
 #include <QWidget>
 
 using namespace Vesko;
@@ -119,9 +119,8 @@ void ToastTest::notificationReplacesTheLast_data()
         << QStringList {u"notify Captured"_qs, u"notify Copied"_qs}
         << QStringList {
                u"notify Captured replacing 0"_qs, u"notify Copied replacing 0"_qs, u"close 1"_qs};
-    QTest::newRow("closed before its answer")
-        << QStringList {u"notify Captured"_qs, u"close"_qs}
-        << QStringList {u"notify Captured replacing 0"_qs, u"close 1"_qs};
+    QTest::newRow("closed before its answer") << QStringList {u"notify Captured"_qs,
+        u"close"_qs} << QStringList {u"notify Captured replacing 0"_qs, u"close 1"_qs};
 }
 
 void ToastTest::notificationReplacesTheLast()
@@ -130,8 +129,8 @@ void ToastTest::notificationReplacesTheLast()
     QFETCH(QStringList, expected);
     QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"fake"_qs);
     NotificationService service;
-    QVERIFY(bus.registerObject(u"/org/freedesktop/Notifications"_qs, &service,
-        QDBusConnection::ExportAllSlots));
+    QVERIFY(bus.registerObject(
+        u"/org/freedesktop/Notifications"_qs, &service, QDBusConnection::ExportAllSlots));
     QVERIFY(bus.registerService(u"org.freedesktop.Notifications"_qs));
     const auto unregister = qScopeGuard([&bus] {
         bus.unregisterService(u"org.freedesktop.Notifications"_qs);

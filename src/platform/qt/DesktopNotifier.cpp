@@ -28,8 +28,7 @@ QDBusMessage notificationCall(const QString &method)
 DesktopNotifier::DesktopNotifier(const QString &applicationName, QObject *parent)
     : QObject(parent)
     , m_applicationName(applicationName)
-{
-}
+{ }
 
 void DesktopNotifier::notify(const QString &summary, int expiryMilliseconds)
 {
@@ -49,8 +48,7 @@ void DesktopNotifier::notify(const QString &summary, int expiryMilliseconds)
     call << m_applicationName << replaced << QString() << summary << QString() << QStringList()
          << hints << qint32(expiryMilliseconds);
     const quint64 serial = ++m_calls;
-    auto *watcher
-        = new QDBusPendingCallWatcher(bus.asyncCall(call, callTimeoutMilliseconds), this);
+    auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, callTimeoutMilliseconds), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
         [this, serial, replaced, summary](QDBusPendingCallWatcher *answer) {
             answer->deleteLater();
