@@ -34,7 +34,7 @@ void DesktopNotifier::notify(const QString &summary, int expiryMilliseconds)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
-        Q_EMIT failed(summary, tr("No session bus"));
+        Q_EMIT failed(summary, QStringLiteral("no session bus"));
         return;
     }
     QVariantMap hints {
