@@ -2,18 +2,44 @@
 //
 // The toast on a real X server: it shows beside the pointer without taking
 // the focus from the active window, the last toast wins and stays up for its
-// whole duration, and it goes away by itself.
+// whole duration, and it goes away by itself. Beside it, the desktop
+// notification that stands for it on Wayland, against a notification service
+// of the test's own on a private session bus.
 
 #include "WidgetTestMain.h"
 
+#include "platform/qt/DesktopNotifier.h"
 #include "shell/Toast.h"
 
 #include <QApplication>
 #include <QCursor>
+#include <QDBusConnection>
+#include <QDBusPendingCallWatcher>
 #include <QElapsedTimer>
+#include <QScopeGuard>
 #include <QWidget>
 
 using namespace Vesko;
+
+//! The notification service, on a connection of its own: records "notify
+//! SUMMARY replacing ID" and "close ID"; a new notification's id is the count of calls.
+class NotificationService : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+
+public:
+    QStringList calls;
+
+public Q_SLOTS:
+    uint Notify(const QString &, uint replacesId, const QString &, const QString &summary,
+        const QString &, const QStringList &, const QVariantMap &, int)
+    {
+        calls.append(QStringLiteral("notify %1 replacing %2").arg(summary).arg(replacesId));
+        return replacesId != 0 ? replacesId : uint(calls.size());
+    }
+    void CloseNotification(uint id) { calls.append(QStringLiteral("close %1").arg(id)); }
+};
 
 class ToastTest : public QObject
 {
@@ -23,6 +49,8 @@ private Q_SLOTS:
     void initTestCase();
     void showsBesideThePointerWithoutTakingFocus();
     void lastToastWinsAndKeepsItsDuration();
+    void notificationReplacesTheLast_data();
+    void notificationReplacesTheLast();
 };
 
 void ToastTest::initTestCase()
@@ -76,6 +104,49 @@ void ToastTest::lastToastWinsAndKeepsItsDuration()
         QVERIFY(toasts.isShowing());
     QTRY_VERIFY_WITH_TIMEOUT(!toasts.isShowing(), Test::patience);
     QVERIFY(clock.elapsed() >= second + 1100 + 180);
+}
+
+void ToastTest::notificationReplacesTheLast_data()
+{
+    // Steps: "notify TEXT", "answered" (the service's answers are in), "close".
+    QTest::addColumn<QStringList>("steps");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("the next one replaces it")
+        << QStringList {u"notify Captured"_qs, u"answered"_qs, u"notify Copied"_qs}
+        << QStringList {u"notify Captured replacing 0"_qs, u"notify Copied replacing 1"_qs};
+    // The first's answer comes after the second went: the first goes.
+    QTest::newRow("the next one before its answer")
+        << QStringList {u"notify Captured"_qs, u"notify Copied"_qs}
+        << QStringList {
+               u"notify Captured replacing 0"_qs, u"notify Copied replacing 0"_qs, u"close 1"_qs};
+    QTest::newRow("closed before its answer") << QStringList {u"notify Captured"_qs,
+        u"close"_qs} << QStringList {u"notify Captured replacing 0"_qs, u"close 1"_qs};
+}
+
+void ToastTest::notificationReplacesTheLast()
+{
+    QFETCH(QStringList, steps);
+    QFETCH(QStringList, expected);
+    QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"fake"_qs);
+    NotificationService service;
+    QVERIFY(bus.registerObject(
+        u"/org/freedesktop/Notifications"_qs, &service, QDBusConnection::ExportAllSlots));
+    QVERIFY(bus.registerService(u"org.freedesktop.Notifications"_qs));
+    const auto unregister = qScopeGuard([&bus] {
+        bus.unregisterService(u"org.freedesktop.Notifications"_qs);
+        bus.unregisterObject(u"/org/freedesktop/Notifications"_qs);
+    });
+    DesktopNotifier notifier(u"Vesko"_qs);
+    for (const QString &step : steps) {
+        if (step == u"answered")
+            QTRY_VERIFY_WITH_TIMEOUT(
+                notifier.findChildren<QDBusPendingCallWatcher *>().isEmpty(), Test::patience);
+        else if (step == u"close")
+            notifier.close();
+        else
+            notifier.notify(step.section(u' ', 1), 1100);
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(service.calls, expected, Test::patience);
 }
 
 VESKO_WIDGET_TEST_MAIN(ToastTest)

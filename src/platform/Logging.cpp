@@ -8,5 +8,6 @@ Q_LOGGING_CATEGORY(lcStorage, "com.vesko.vesko.storage", QtInfoMsg)
 Q_LOGGING_CATEGORY(lcSearchIndex, "com.vesko.vesko.search-index", QtInfoMsg)
 Q_LOGGING_CATEGORY(lcCapture, "com.vesko.vesko.capture", QtInfoMsg)
 Q_LOGGING_CATEGORY(lcDoubleShift, "com.vesko.vesko.double-shift", QtInfoMsg)
+Q_LOGGING_CATEGORY(lcToast, "com.vesko.vesko.toast", QtInfoMsg)
 
 } // namespace Vesko

@@ -3,6 +3,8 @@
 #include "shell/Toast.h"
 
 #include "panel/window/PanelPlacement.h"
+#include "platform/Logging.h"
+#include "platform/qt/DesktopNotifier.h"
 #include "platform/qt/DesktopScreens.h"
 #include "platform/x11/X11Window.h"
 #include "shell/Theme.h"
@@ -13,6 +15,7 @@
 #include <QPainterPath>
 #include <QPropertyAnimation>
 #include <QWidget>
+#include <QWindow>
 
 namespace Vesko {
 
@@ -141,8 +144,24 @@ ToastPresenter &ToastPresenter::shared()
     return *presenter;
 }
 
+bool ToastPresenter::showsAsNotification()
+{
+    // Qt makes a tool tip a popup of the window that had the input last;
+    // without one it is a toplevel, which the compositor may focus.
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"))
+        && !QGuiApplication::focusWindow();
+}
+
 void ToastPresenter::present(const QString &message, const QString &symbol, int duration)
 {
+    if (showsAsNotification()) {
+        notify(message, duration);
+        return;
+    }
+    if (!m_notified.isEmpty()) {
+        m_notified.clear();
+        m_notifier->close();
+    }
     if (!m_window) {
         m_window = new ToastWindow;
         m_fade = new QPropertyAnimation(m_window, "windowOpacity", this);
@@ -156,6 +175,25 @@ void ToastPresenter::present(const QString &message, const QString &symbol, int 
     const QPointF origin = toastOrigin(QCursor::pos(), size, currentScreenAreas());
     m_window->move(origin.toPoint());
     if (!m_window->isVisible()) {
+        if (QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) {
+            // A popup of the active window, which keeps the focus. When that
+            // window goes (the panel hides), the rest of the toast's time is
+            // a notification.
+            QWindow *active = QGuiApplication::focusWindow();
+            m_window->winId();
+            m_window->windowHandle()->setTransientParent(active);
+            disconnect(m_parentHidden);
+            m_parentHidden = connect(active, &QWindow::visibleChanged, this, [this](bool shown) {
+                if (shown || !m_window->isVisible())
+                    return;
+                disconnect(m_parentHidden);
+                const int remaining = m_dismissal.remainingTime();
+                if (remaining > 0)
+                    notify(m_window->message(), remaining);
+                else
+                    hideWindow();
+            });
+        }
         m_window->setWindowOpacity(0);
         m_window->show();
         m_window->raise();
@@ -169,8 +207,41 @@ void ToastPresenter::present(const QString &message, const QString &symbol, int 
     m_dismissal.start(duration);
 }
 
+void ToastPresenter::notify(const QString &message, int duration)
+{
+    if (!m_notifier) {
+        m_notifier = new DesktopNotifier(QStringLiteral("Vesko"), this);
+        connect(m_notifier, &DesktopNotifier::failed, this,
+            [this](const QString &summary, const QString &reason) {
+                qCInfo(lcToast, "%s (no notification shown: %s)", qPrintable(summary),
+                    qPrintable(reason));
+                if (summary == m_notified) {
+                    m_notified.clear();
+                    m_dismissal.stop();
+                }
+            });
+    }
+    hideWindow();
+    m_notified = message;
+    m_dismissal.start(duration);
+    m_notifier->notify(message, duration);
+}
+
+void ToastPresenter::hideWindow()
+{
+    if (m_window && m_window->isVisible()) {
+        m_fade->stop();
+        m_window->hide();
+    }
+}
+
 void ToastPresenter::dismiss()
 {
+    if (!m_notified.isEmpty()) {
+        // Closed too by those notification services that keep it longer.
+        m_notified.clear();
+        m_notifier->close();
+    }
     if (!m_window || !m_window->isVisible())
         return;
     m_fade->stop();
@@ -182,12 +253,14 @@ void ToastPresenter::dismiss()
 
 QString ToastPresenter::currentMessage() const
 {
-    return isShowing() ? m_window->message() : QString();
+    if (!m_notified.isEmpty())
+        return m_notified;
+    return m_window && m_window->isVisible() ? m_window->message() : QString();
 }
 
 bool ToastPresenter::isShowing() const
 {
-    return m_window && m_window->isVisible();
+    return !m_notified.isEmpty() || (m_window && m_window->isVisible());
 }
 
 } // namespace Vesko

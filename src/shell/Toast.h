@@ -2,7 +2,10 @@
 //
 // The program's one short message: a small card beside the pointer that
 // never takes focus, lets clicks through, and goes away by itself. A new
-// toast replaces the one on screen at once; the last toast wins.
+// toast replaces the one on screen at once; the last toast wins. On Wayland,
+// where a window of its own would be a toplevel that the compositor focuses
+// and places where it likes, it is a desktop notification unless a Vesko
+// window is active.
 
 #pragma once
 
@@ -14,6 +17,7 @@ class QPropertyAnimation;
 
 namespace Vesko {
 
+class DesktopNotifier;
 class ToastWindow;
 
 class ToastPresenter : public QObject
@@ -42,7 +46,17 @@ public:
     bool isShowing() const;
 
 private:
+    //! Whether the toast is to be a desktop notification rather than a window.
+    static bool showsAsNotification();
+    void notify(const QString &message, int durationMilliseconds);
+    void hideWindow();
+
     ToastWindow *m_window = nullptr;
+    DesktopNotifier *m_notifier = nullptr;
+    //! The message of the notification on screen, or empty.
+    QString m_notified;
+    //! On Wayland, the window's toast goes with the window it is a popup of.
+    QMetaObject::Connection m_parentHidden;
     QPropertyAnimation *m_fade = nullptr;
     QTimer m_dismissal;
 };
