@@ -150,7 +150,6 @@ private Q_SLOTS:
     void queryKeepsAListedSelection();
     void sectionSwitcherByKeys_data();
     void sectionSwitcherByKeys();
-    void titlesLineUp_data();
     void titlesLineUp();
     void renameInsideTheSwitcher();
     void projectSwitcher();
@@ -849,45 +848,40 @@ void PanelRootTest::sectionSwitcherByKeys()
         QCOMPARE(ToastPresenter::shared().currentMessage(), "Using " + active);
 }
 
-void PanelRootTest::titlesLineUp_data()
-{
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<int>("moves"); // Down presses: the selection on another row or the same
-
-    QTest::newRow("the active row selected") << "" << 0;
-    QTest::newRow("another row selected") << "" << 1;
-    QTest::newRow("filtered") << "o" << 1;
-}
-
+//! Every title starts where the others do, the active one's too: with the
+//! active row selected, another one, and in a filtered list.
 void PanelRootTest::titlesLineUp()
 {
-    QFETCH(QString, typed);
-    QFETCH(int, moves);
     showRoot({"Inbox:a|*Work:b|Links:c|Notes:d"});
     m_state->setShowing(PanelLayer::SectionSwitcher, true);
     auto *view = openedLayer<SectionSwitcherView>();
     QVERIFY(view);
-    QTest::keyClicks(view->filterField(), typed);
-    for (int i = 0; i < moves; ++i)
-        QTest::keyClick(view->filterField(), Qt::Key_Down);
     QListWidget *list = view->listView();
-    QVERIFY(list->count() >= 3);
-    QVERIFY(view->rowTexts().contains(QStringLiteral("Work")));
-    const QImage image = list->viewport()->grab().toImage();
-    QList<int> lefts;
-    // The rows of sections; the create row leads with its symbol.
-    for (int i = 0; i < list->count(); ++i) {
-        if (list->item(i)->text().startsWith(QStringLiteral("Create")))
-            continue;
-        const QRect row = list->visualItemRect(list->item(i));
-        const qreal scale = image.devicePixelRatio();
-        lefts.append(textLeft(image, QRect(row.topLeft() * scale, row.size() * scale)));
-    }
-    // Every title starts where the others do, the active one's too.
-    QVERIFY2(lefts.first() > 0, qPrintable(QString::number(lefts.first())));
-    for (int left : std::as_const(lefts))
-        QVERIFY2(std::abs(left - lefts.first()) <= 1,
-            qPrintable(QStringLiteral("%1 against %2").arg(left).arg(lefts.first())));
+    const auto lineUp = [&](const char *step) {
+        QVERIFY2(list->count() >= 3, step);
+        QVERIFY2(view->rowTexts().contains(QStringLiteral("Work")), step);
+        const QImage image = list->viewport()->grab().toImage();
+        QList<int> lefts;
+        // The rows of sections; the create row leads with its symbol.
+        for (int i = 0; i < list->count(); ++i) {
+            if (list->item(i)->text().startsWith(QStringLiteral("Create")))
+                continue;
+            const QRect row = list->visualItemRect(list->item(i));
+            const qreal scale = image.devicePixelRatio();
+            lefts.append(textLeft(image, QRect(row.topLeft() * scale, row.size() * scale)));
+        }
+        QVERIFY2(lefts.first() > 0, qPrintable(QString::number(lefts.first())));
+        for (int left : std::as_const(lefts))
+            QVERIFY2(std::abs(left - lefts.first()) <= 1,
+                qPrintable(
+                    QStringLiteral("%1: %2 against %3").arg(step).arg(left).arg(lefts.first())));
+    };
+    lineUp("the active row selected");
+    QTest::keyClick(view->filterField(), Qt::Key_Down);
+    lineUp("another row selected");
+    QTest::keyClicks(view->filterField(), QStringLiteral("o"));
+    QTest::keyClick(view->filterField(), Qt::Key_Down);
+    lineUp("filtered");
 }
 
 void PanelRootTest::renameInsideTheSwitcher()
