@@ -142,7 +142,6 @@ private Q_SLOTS:
     void appearanceReachesTheRebuiltPanel();
     void rowsAndBars_data();
     void rowsAndBars();
-    void layersAreOpaqueCardsWithShadows_data();
     void layersAreOpaqueCardsWithShadows();
 
     void filtering_data();
@@ -682,41 +681,34 @@ void PanelRootTest::rowsAndBars()
     }
 }
 
-void PanelRootTest::layersAreOpaqueCardsWithShadows_data()
-{
-    QTest::addColumn<PanelLayer>("layer");
-
-    QTest::newRow("section switcher") << PanelLayer::SectionSwitcher;
-    QTest::newRow("project switcher") << PanelLayer::ProjectSwitcher;
-    QTest::newRow("shortcut sheet") << PanelLayer::Shortcuts;
-    QTest::newRow("new section prompt") << PanelLayer::NewSection;
-    QTest::newRow("rename project prompt") << PanelLayer::RenameProject;
-}
-
 void PanelRootTest::layersAreOpaqueCardsWithShadows()
 {
-    QFETCH(PanelLayer, layer);
-
     PanelRootView &root = showRoot({QStringLiteral("*Inbox:a,b|Work:c"), QStringLiteral("Q")});
-    m_state->setShowing(layer, true);
-    auto *view = qobject_cast<PanelLayerView *>(root.layerView());
-    QVERIFY(view);
-    // Drawn alone, over nothing: what covers the card's middle row is wholly opaque.
-    QTRY_VERIFY_WITH_TIMEOUT(
-        view->card()->isVisible() && view->graphicsEffect() == nullptr, Test::patience);
-    QImage drawn(view->size(), QImage::Format_ARGB32);
-    drawn.fill(Qt::transparent);
-    view->render(&drawn, QPoint(), QRegion(), QWidget::DrawChildren);
-    const QRect card = view->card()->geometry();
-    QVERIFY(card.height() > 20 && card.bottom() + 20 < view->height());
-    for (int x = card.left() + PanelLayerView::cardRadius;
-         x < card.right() - PanelLayerView::cardRadius; ++x) {
-        QCOMPARE(qAlpha(drawn.pixel(x, card.center().y())), 255);
+    for (const PanelLayer layer : {PanelLayer::SectionSwitcher, PanelLayer::ProjectSwitcher,
+             PanelLayer::Shortcuts, PanelLayer::NewSection, PanelLayer::RenameProject}) {
+        const QByteArray name = QByteArray::number(int(layer));
+        m_state->setShowing(layer, true);
+        auto *view = qobject_cast<PanelLayerView *>(root.layerView());
+        QVERIFY2(view, name);
+        // Drawn alone, over nothing: what covers the card's middle row is wholly opaque.
+        QTRY_VERIFY2_WITH_TIMEOUT(
+            view->card()->isVisible() && view->graphicsEffect() == nullptr, name, Test::patience);
+        QImage drawn(view->size(), QImage::Format_ARGB32);
+        drawn.fill(Qt::transparent);
+        view->render(&drawn, QPoint(), QRegion(), QWidget::DrawChildren);
+        const QRect card = view->card()->geometry();
+        QVERIFY2(card.height() > 20 && card.bottom() + 20 < view->height(), name);
+        for (int x = card.left() + PanelLayerView::cardRadius;
+             x < card.right() - PanelLayerView::cardRadius; ++x) {
+            QVERIFY2(qAlpha(drawn.pixel(x, card.center().y())) == 255, name);
+        }
+        // Below the card its shadow darkens the dim, which is all there is far from it.
+        const int dim = qAlpha(drawn.pixel(card.center().x(), view->height() - 4));
+        const int shadow = qAlpha(drawn.pixel(card.center().x(), card.bottom() + 4));
+        QVERIFY2(shadow > dim + 10,
+            qPrintable(QStringLiteral("%1: %2 %3").arg(name).arg(shadow).arg(dim)));
+        m_state->setShowing(layer, false);
     }
-    // Below the card its shadow darkens the dim, which is all there is far from it.
-    const int dim = qAlpha(drawn.pixel(card.center().x(), view->height() - 4));
-    const int shadow = qAlpha(drawn.pixel(card.center().x(), card.bottom() + 4));
-    QVERIFY2(shadow > dim + 10, qPrintable(QStringLiteral("%1 %2").arg(shadow).arg(dim)));
 }
 
 template<typename View> View *PanelRootTest::openedLayer()
