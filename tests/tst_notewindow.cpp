@@ -12,6 +12,7 @@
 
 #include "attachments/AttachmentListView.h"
 #include "attachments/AttachmentTile.h"
+#include "attachments/ThumbnailCache.h"
 #include "library/LibraryFile.h"
 #include "panel/notewindow/NoteEditorView.h"
 #include "panel/notewindow/NoteWindow.h"
@@ -190,6 +191,8 @@ void NoteWindowTest::deletedNoteLeavesAHarmlessWindow()
         = Test::noteWith(QString(), {"plan.pdf", "map.png"}).attachments;
     Store &store = m_fixture->make(library);
     store.updateNote(idFor(QStringLiteral("a")), QStringLiteral("kept on screen"));
+    ThumbnailCache &cache = ThumbnailCache::shared();
+    const int readsBefore = cache.readCount();
     NoteWindow *window = openNote(QStringLiteral("a"));
     NoteEditorView *view = window->editor();
     view->setShowsPreview(true);
@@ -219,6 +222,21 @@ void NoteWindowTest::deletedNoteLeavesAHarmlessWindow()
     QVERIFY(view->doneButton()->isEnabled());
     QTest::keyClick(view->editor(), u'!');
     QCOMPARE(noteText(store, QStringLiteral("a")), QStringLiteral("kept on screen and typed!"));
+    // A tile's file that is missing has no thumbnail: the failure is
+    // remembered, and the next request is told so without another read.
+    const QString missing = attachmentsFolder(libraryURL()) + QStringLiteral("/gone/map.png");
+    int told = 0;
+    QObject receiver;
+    const auto ask = [&] {
+        cache.thumbnail(
+            missing, 16, &receiver, [&](const QImage &image) { told += image.isNull(); });
+    };
+    ask();
+    QTRY_COMPARE_WITH_TIMEOUT(told, 1, Test::patience);
+    QCOMPARE(cache.state(missing), ThumbnailCache::State::Failed);
+    ask();
+    QTRY_COMPARE_WITH_TIMEOUT(told, 2, Test::patience);
+    QCOMPARE(cache.readCount(), readsBefore + 1);
 
     // Cleared, a note with attachments stays, empty; one without goes.
     view->editor()->selectAll();

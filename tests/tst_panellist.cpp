@@ -234,6 +234,16 @@ void PanelListTest::everyRowIsReachable()
     QCOMPARE(w.list->rowRect(idFor(QStringLiteral("n119"))).bottom() + 1,
         w.list->clearArea().bottom() + 1);
     QVERIFY(w.note(QStringLiteral("n119")));
+    // The user's scroll during a glide stops it where the user left the list.
+    rig.store().setSelection({idFor("n0")}, idFor("n0"));
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    QVERIFY(w.list->isScrollAnimating());
+    const int left = w.list->verticalScrollBar()->value() - 10;
+    w.list->verticalScrollBar()->setValue(left);
+    QVERIFY(!w.list->isScrollAnimating());
+    QCoreApplication::processEvents();
+    QCOMPARE(w.list->verticalScrollBar()->value(), left);
 }
 
 void PanelListTest::clicks_data()
