@@ -2,7 +2,7 @@
 //
 // Note windows on a real Store, in process: one window per note, the title
 // cut from the note's text, typing that reaches the Store at every key, the
-// preview of the inline Markdown, the bar's done toggle, copy and attachment
+// bar: preview of the inline Markdown, done toggle, copy and attachment
 // import, the window of a deleted note, the remembered frame and the
 // appearance, taken at creation and followed while the window is open.
 
@@ -12,6 +12,7 @@
 
 #include "attachments/AttachmentListView.h"
 #include "attachments/AttachmentTile.h"
+#include "attachments/ThumbnailCache.h"
 #include "library/LibraryFile.h"
 #include "panel/notewindow/NoteEditorView.h"
 #include "panel/notewindow/NoteWindow.h"
@@ -59,9 +60,7 @@ private Q_SLOTS:
     void titles_data();
     void titles();
     void oneWindowPerNote();
-    void typingReachesTheStoreAtEveryKey();
     void deletedNoteLeavesAHarmlessWindow();
-    void previewRendersInlineMarkdown();
     void barButtonsAct();
     void addAttachment_data();
     void addAttachment();
@@ -147,9 +146,19 @@ void NoteWindowTest::oneWindowPerNote()
     // The title is the note's at opening; "[*]" is doubled so that Qt shows it
     // as typed rather than as a modified mark.
     QCOMPARE(first->windowTitle(), QStringLiteral("Call Anna about [*][*] the trip"));
-    QTest::keyClicks(first->editor()->editor(), QStringLiteral(" soon"));
-    QCOMPARE(noteText(store, QStringLiteral("a")),
-        QStringLiteral("**Call** Anna\nabout [*] the trip soon"));
+    QPlainTextEdit *editor = first->editor()->editor();
+    QTRY_COMPARE_WITH_TIMEOUT(QApplication::focusWidget(), editor, Test::patience);
+    QString expected = QStringLiteral("**Call** Anna\nabout [*] the trip");
+    for (QChar key : QStringLiteral(" soon ")) {
+        QTest::keyClick(editor, key.toLatin1());
+        expected += key;
+        // At once, with no pause of the window's own: the panel's row follows.
+        // A space at the end stays in the editor; the library keeps the text trimmed.
+        QCOMPARE(noteText(store, QStringLiteral("a")), expected.trimmed());
+        QCOMPARE(store.rows().at(1).note().text, expected.trimmed());
+    }
+    QCOMPARE(first->editor()->text(), expected);
+    QVERIFY(store.hasPendingSave());
     QCOMPARE(first->windowTitle(), QStringLiteral("Call Anna about [*][*] the trip"));
 
     NoteWindow *other = openNote(QStringLiteral("b"));
@@ -165,45 +174,9 @@ void NoteWindowTest::oneWindowPerNote()
                  [](QWidget *w) { return qobject_cast<NoteWindow *>(w) && w->isVisible(); }),
         2);
 
-    // A closed window is forgotten; the next open makes a new one.
-    QPointer<NoteWindow> closed(first);
-    first->close();
-    QVERIFY(!m_manager->window(idFor(QStringLiteral("a"))));
-    QTRY_VERIFY_WITH_TIMEOUT(!closed, Test::patience);
-    NoteWindow *again = openNote(QStringLiteral("a"));
-    QVERIFY(again);
-    QCOMPARE(m_manager->window(idFor(QStringLiteral("a"))), again);
-    QCOMPARE(m_manager->openNoteIDs().size(), 2);
-
     // A note that is not there opens nothing.
     QVERIFY(!openNote(QStringLiteral("z")));
     QCOMPARE(m_manager->openNoteIDs().size(), 2);
-}
-
-void NoteWindowTest::typingReachesTheStoreAtEveryKey()
-{
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
-    NoteWindow *window = openNote(QStringLiteral("a"));
-    QVERIFY(QTest::qWaitForWindowExposed(window));
-    QPlainTextEdit *editor = window->editor()->editor();
-    QCOMPARE(editor->toPlainText(), QStringLiteral("a"));
-    QTRY_COMPARE_WITH_TIMEOUT(QApplication::focusWidget(), editor, Test::patience);
-
-    const QString typed = QStringLiteral("nd more");
-    QString expected = QStringLiteral("a");
-    for (QChar key : typed) {
-        QTest::keyClick(editor, key.toLatin1());
-        expected += key;
-        // At once, with no pause of the window's own: the panel's row follows.
-        QCOMPARE(noteText(store, QStringLiteral("a")), expected.trimmed());
-        QCOMPARE(store.rows().size(), 3);
-        QCOMPARE(store.rows().at(1).note().text, expected.trimmed());
-    }
-    QVERIFY(store.hasPendingSave());
-    // A space at the end stays in the editor; the library keeps the text trimmed.
-    QTest::keyClick(editor, Qt::Key_Space);
-    QCOMPARE(window->editor()->text(), QStringLiteral("and more "));
-    QCOMPARE(noteText(store, QStringLiteral("a")), QStringLiteral("and more"));
 }
 
 //! A deleted note's window stays harmless and edits the note again after an
@@ -218,6 +191,8 @@ void NoteWindowTest::deletedNoteLeavesAHarmlessWindow()
         = Test::noteWith(QString(), {"plan.pdf", "map.png"}).attachments;
     Store &store = m_fixture->make(library);
     store.updateNote(idFor(QStringLiteral("a")), QStringLiteral("kept on screen"));
+    ThumbnailCache &cache = ThumbnailCache::shared();
+    const int readsBefore = cache.readCount();
     NoteWindow *window = openNote(QStringLiteral("a"));
     NoteEditorView *view = window->editor();
     view->setShowsPreview(true);
@@ -247,6 +222,21 @@ void NoteWindowTest::deletedNoteLeavesAHarmlessWindow()
     QVERIFY(view->doneButton()->isEnabled());
     QTest::keyClick(view->editor(), u'!');
     QCOMPARE(noteText(store, QStringLiteral("a")), QStringLiteral("kept on screen and typed!"));
+    // A tile's file that is missing has no thumbnail: the failure is
+    // remembered, and the next request is told so without another read.
+    const QString missing = attachmentsFolder(libraryURL()) + QStringLiteral("/gone/map.png");
+    int told = 0;
+    QObject receiver;
+    const auto ask = [&] {
+        cache.thumbnail(
+            missing, 16, &receiver, [&](const QImage &image) { told += image.isNull(); });
+    };
+    ask();
+    QTRY_COMPARE_WITH_TIMEOUT(told, 1, Test::patience);
+    QCOMPARE(cache.state(missing), ThumbnailCache::State::Failed);
+    ask();
+    QTRY_COMPARE_WITH_TIMEOUT(told, 2, Test::patience);
+    QCOMPARE(cache.readCount(), readsBefore + 1);
 
     // Cleared, a note with attachments stays, empty; one without goes.
     view->editor()->selectAll();
@@ -260,13 +250,17 @@ void NoteWindowTest::deletedNoteLeavesAHarmlessWindow()
     QVERIFY(m_manager->window(idFor(QStringLiteral("b"))));
 }
 
-void NoteWindowTest::previewRendersInlineMarkdown()
+//! The bar's buttons: the preview of the inline Markdown, following every
+//! key; the done toggle, following the note; the copy key.
+void NoteWindowTest::barButtonsAct()
 {
     Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
     store.updateNote(idFor(QStringLiteral("a")),
         QStringLiteral(
             "# Trip **bold** and `code`\n- item  with  spaces [site](https://example.org)"));
     NoteWindow *window = openNote(QStringLiteral("a"));
+    QVERIFY(QTest::qWaitForWindowExposed(window));
+    QTRY_VERIFY_WITH_TIMEOUT(window->isActiveWindow(), Test::patience);
     NoteEditorView *view = window->editor();
     QVERIFY(!view->showsPreview());
     QVERIFY(!view->previewArea()->isVisible());
@@ -299,15 +293,6 @@ void NoteWindowTest::previewRendersInlineMarkdown()
 
     QTest::mouseClick(view->previewButton(), Qt::LeftButton);
     QVERIFY(!view->previewArea()->isVisible());
-}
-
-void NoteWindowTest::barButtonsAct()
-{
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
-    store.updateNote(idFor(QStringLiteral("a")), QStringLiteral("**copy** me"));
-    NoteWindow *window = openNote(QStringLiteral("a"));
-    QVERIFY(QTest::qWaitForWindowExposed(window));
-    QTRY_VERIFY_WITH_TIMEOUT(window->isActiveWindow(), Test::patience);
 
     // The done toggle follows the note, also when it changes elsewhere.
     QToolButton *done = window->editor()->doneButton();
@@ -325,10 +310,11 @@ void NoteWindowTest::barButtonsAct()
     // itself pressed for a moment, then copies.
     QGuiApplication::clipboard()->setText(QStringLiteral("before"));
     QTest::keyClick(window->editor()->editor(), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
-    QTRY_COMPARE_WITH_TIMEOUT(
-        QGuiApplication::clipboard()->text(), QStringLiteral("**copy** me"), Test::patience);
+    const QString all = QStringLiteral(
+        "# Trip **bold** and `code`\n- item  with  spaces [site](https://example.org) *now*");
+    QTRY_COMPARE_WITH_TIMEOUT(QGuiApplication::clipboard()->text(), all, Test::patience);
     QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Copied"));
-    QCOMPARE(window->editor()->editor()->toPlainText(), QStringLiteral("**copy** me"));
+    QCOMPARE(window->editor()->editor()->toPlainText(), all);
 }
 
 void NoteWindowTest::addAttachment_data()
@@ -396,10 +382,15 @@ void NoteWindowTest::frameIsRememberedAcrossOpeningsAndRestarts()
     const QRect moved(70, 90, 520, 410);
     window->setGeometry(moved);
     QTRY_COMPARE_WITH_TIMEOUT(window->geometry(), moved, Test::patience);
+    // A closed window is forgotten; the next open makes a new one.
+    QPointer<NoteWindow> closed(window);
     window->close();
+    QVERIFY(!m_manager->window(idFor(QStringLiteral("a"))));
+    QTRY_VERIFY_WITH_TIMEOUT(!closed, Test::patience);
 
     NoteWindow *reopened = openNote(QStringLiteral("a"));
     QVERIFY(QTest::qWaitForWindowExposed(reopened));
+    QCOMPARE(m_manager->window(idFor(QStringLiteral("a"))), reopened);
     QCOMPARE(reopened->geometry(), moved);
     // Another note's window opens there too.
     reopened->close();

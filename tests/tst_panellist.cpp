@@ -164,7 +164,6 @@ private Q_SLOTS:
 
     void editInPlace_data();
     void editInPlace();
-    void anEditSurvivesScrollingAway();
 
     void rowsShowTheirNotes();
 
@@ -180,10 +179,8 @@ private Q_SLOTS:
 
     void drops_data();
     void drops();
-    void filesDroppedOnANote_data();
     void filesDroppedOnANote();
-    void dragOutCarriesTheNotesAsText();
-    void contextMenus();
+    void dragOutAndContextMenus();
 };
 
 void PanelListTest::onlyTheRowsInViewAreLaidOut()
@@ -194,6 +191,10 @@ void PanelListTest::onlyTheRowsInViewAreLaidOut()
     QVERIFY2(w.list->rowWidgetCount() < 40, qPrintable(QString::number(w.list->rowWidgetCount())));
     QVERIFY(w.note(QStringLiteral("n0")));
     QVERIFY(!w.note(QStringLiteral("n9999")));
+    NoteRowView *edited = w.note(QStringLiteral("n1"));
+    QTest::mouseDClick(edited, Qt::LeftButton, {}, inText(edited));
+    QCoreApplication::processEvents();
+    QTest::keyClicks(edited->editor()->editor(), QStringLiteral("!"));
 
     w.list->scrollToRow(idFor(QStringLiteral("n9999")), ScrollAnchor::Top, false);
     QCoreApplication::processEvents();
@@ -201,6 +202,11 @@ void PanelListTest::onlyTheRowsInViewAreLaidOut()
     QVERIFY(!w.note(QStringLiteral("n0")));
     QVERIFY(w.list->clearArea().intersects(w.list->rowRect(idFor(QStringLiteral("n9999")))));
     QVERIFY(w.list->rowWidgetCount() < 40);
+    // The edited row kept its widget and its field the keyboard.
+    QCOMPARE(w.note(QStringLiteral("n1")), edited);
+    QVERIFY(edited->editor()->editor()->hasFocus());
+    QTest::keyClick(edited->editor()->editor(), Qt::Key_Return);
+    QCOMPARE(rig.store().note(idFor("n1"))->text, QStringLiteral("note 1!"));
 
     // A collapse of a section of 5000 notes reuses the same widgets.
     rig.store().toggleSectionCollapsed(idFor(QStringLiteral("S1")));
@@ -228,6 +234,16 @@ void PanelListTest::everyRowIsReachable()
     QCOMPARE(w.list->rowRect(idFor(QStringLiteral("n119"))).bottom() + 1,
         w.list->clearArea().bottom() + 1);
     QVERIFY(w.note(QStringLiteral("n119")));
+    // The user's scroll during a glide stops it where the user left the list.
+    rig.store().setSelection({idFor("n0")}, idFor("n0"));
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    QVERIFY(w.list->isScrollAnimating());
+    const int left = w.list->verticalScrollBar()->value() - 10;
+    w.list->verticalScrollBar()->setValue(left);
+    QVERIFY(!w.list->isScrollAnimating());
+    QCoreApplication::processEvents();
+    QCOMPARE(w.list->verticalScrollBar()->value(), left);
 }
 
 void PanelListTest::clicks_data()
@@ -470,24 +486,6 @@ void PanelListTest::editInPlace()
     QVERIFY(!row->isEditing());
 }
 
-void PanelListTest::anEditSurvivesScrollingAway()
-{
-    PanelTestRig rig(manyNotes(1, 300));
-    ListWindow w(rig);
-    NoteRowView *row = w.note(QStringLiteral("n1"));
-    QTest::mouseDClick(row, Qt::LeftButton, {}, inText(row));
-    QCoreApplication::processEvents();
-    QTest::keyClicks(row->editor()->editor(), QStringLiteral("!"));
-    w.list->verticalScrollBar()->setValue(w.list->verticalScrollBar()->maximum());
-    QCoreApplication::processEvents();
-    QVERIFY(w.note(QStringLiteral("n299")));
-    // The edited row kept its widget and its field the keyboard.
-    QCOMPARE(w.note(QStringLiteral("n1")), row);
-    QVERIFY(row->editor()->editor()->hasFocus());
-    QTest::keyClick(row->editor()->editor(), Qt::Key_Return);
-    QCOMPARE(rig.store().note(idFor("n1"))->text, QStringLiteral("note 1!"));
-}
-
 //! What the rows show and tell a screen reader: a long note, a done one, one
 //! of attachments alone, one of five lines, one with a source, the headers.
 void PanelListTest::rowsShowTheirNotes()
@@ -507,12 +505,8 @@ void PanelListTest::rowsShowTheirNotes()
         = [](QObject *object) { return QAccessible::queryAccessibleInterface(object); };
 
     QAccessibleInterface *row = accessible(w.note(QStringLiteral("a")));
-    QCOMPARE(row->role(), QAccessible::ListItem);
     QCOMPARE(row->text(QAccessible::Name), QString(120, u'x') + u'…');
-    QCOMPARE(row->text(QAccessible::Value), QStringLiteral("Not done"));
     QAccessibleInterface *done = accessible(w.note(QStringLiteral("a"))->doneControl());
-    QCOMPARE(done->text(QAccessible::Name), QStringLiteral("Mark as done"));
-    QCOMPARE(done->role(), QAccessible::Button);
     QCOMPARE(
         accessible(w.note(QStringLiteral("b")))->text(QAccessible::Value), QStringLiteral("Done"));
     QCOMPARE(accessible(w.note(QStringLiteral("b"))->doneControl())->text(QAccessible::Name),
@@ -864,35 +858,17 @@ void PanelListTest::drops()
     QVERIFY(rig.state().draggingNoteIDs().isEmpty());
 }
 
-void PanelListTest::filesDroppedOnANote_data()
-{
-    QTest::addColumn<QStringList>(
-        "files"); // written to a folder of the test; "!" before one that is missing
-    QTest::addColumn<QStringList>("attached");
-    QTest::addColumn<QString>("toast");
-
-    QTest::newRow("two files") << QStringList {"one.txt", "two.png"}
-                               << QStringList {"one.txt", "two.png"} << "Attachment Added";
-    QTest::newRow("a missing file spoils the import")
-        << QStringList {"one.txt", "!gone.txt"} << QStringList() << "Could Not Add Attachment";
-}
-
+//! Files dropped on a note are attached to it (what a failed import does is
+//! the note window's and the composer's tests' to check).
 void PanelListTest::filesDroppedOnANote()
 {
-    QFETCH(QStringList, files);
-    QFETCH(QStringList, attached);
-    QFETCH(QString, toast);
-
+    const QStringList attached = {"one.txt", "two.png"};
     QTemporaryDir folder;
     QList<QUrl> urls;
-    for (QString name : files) {
-        const bool missing = name.startsWith(u'!');
-        name.remove(u'!');
-        if (!missing) {
-            QFile file(folder.filePath(name));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write("some bytes");
-        }
+    for (const QString &name : attached) {
+        QFile file(folder.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("some bytes");
         urls.append(QUrl::fromLocalFile(folder.filePath(name)));
     }
 
@@ -904,7 +880,8 @@ void PanelListTest::filesDroppedOnANote()
     sendDrop(w.note(QStringLiteral("b")), &data, &wasAccepted);
     QVERIFY(wasAccepted);
     // The files are copied on the importer's thread; the answer comes back.
-    QTRY_COMPARE_WITH_TIMEOUT(w.attachments.toasts, QStringList {toast}, Test::patience);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        w.attachments.toasts, QStringList {"Attachment Added"}, Test::patience);
     QStringList names;
     const Note dropped = *rig.store().note(idFor("b"));
     for (const NoteAttachment &attachment : dropped.attachments)
@@ -914,10 +891,11 @@ void PanelListTest::filesDroppedOnANote()
     // The row shows the tiles of what was attached.
     QCoreApplication::processEvents();
     NoteRowView *row = w.note(QStringLiteral("b"));
-    QCOMPARE(row->attachmentsView() && row->attachmentsView()->isVisible(), !attached.isEmpty());
+    QVERIFY(row->attachmentsView() && row->attachmentsView()->isVisible());
 }
 
-void PanelListTest::dragOutCarriesTheNotesAsText()
+//! A drag out of the list carries the notes as text; a row and a header open their menus.
+void PanelListTest::dragOutAndContextMenus()
 {
     PanelTestRig rig(QStringLiteral("S1:a,b,c"));
     ListWindow w(rig);
@@ -940,14 +918,8 @@ void PanelListTest::dragOutCarriesTheNotesAsText()
     // No click came of it.
     QTest::mouseRelease(row, Qt::LeftButton, {}, inText(row));
     QCOMPARE(namesOf(rig.store().selection().values()), QStringLiteral("a,c"));
-}
 
-void PanelListTest::contextMenus()
-{
-    PanelTestRig rig(QStringLiteral("S1:a,b"));
-    ListWindow w(rig);
-    const QList<QWidget *> targets = {w.note(QStringLiteral("a")), w.header(QStringLiteral("S1"))};
-    for (QWidget *target : targets) {
+    for (QWidget *target : QWidgetList {row, w.header(QStringLiteral("S1"))}) {
         QContextMenuEvent event(
             QContextMenuEvent::Mouse, QPoint(20, 10), target->mapToGlobal(QPoint(20, 10)));
         QCoreApplication::sendEvent(target, &event);

@@ -83,9 +83,6 @@ private Q_SLOTS:
     void sectionMenuActs();
     void overflowMenuEntries();
     void overflowMenuActs();
-    void keysInTheDesktopConvention();
-    void hooksReachTheProgram();
-    void copyEntries();
     void exportSaysHowItWent_data();
     void exportSaysHowItWent();
     void menuTargetFollowsTheSelection_data();
@@ -93,15 +90,12 @@ private Q_SLOTS:
 
     void trayMenuEntries_data();
     void trayMenuEntries();
-    void trayNoteTitles_data();
-    void trayNoteTitles();
     void usersWordsShowAsTyped_data();
     void usersWordsShowAsTyped();
     void trayNoteEntriesAct();
     void traySectionAndProjectChoices();
     void toolTipCountsOpenNotes_data();
     void toolTipCountsOpenNotes();
-    void moreOptionsOffersTheTrayMenu();
 
 private:
     //! Fills \a menu as the tray does, its commands recorded in m_calls.
@@ -225,6 +219,12 @@ void PanelMenusTest::markingFollowsTheToggleRule()
 void PanelMenusTest::noteMenuActs()
 {
     Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b,c")});
+    QMenu keys;
+    fillNoteMenu(keys, store, *m_state, noteIDs(QStringLiteral("a")));
+    QCOMPARE(Test::menuKeys(keys),
+        QStringLiteral("Copy=Ctrl+C|Copy as List=Ctrl+Shift+C|Mark as Done=Space|Edit=Return"
+                       "|Edit in New Window=Ctrl+Return|Merge Notes=Ctrl+Shift+M"
+                       "|Delete=Ctrl+Backspace"));
     auto choose = [&](const char *targets, const QString &title) {
         QMenu menu;
         fillNoteMenu(menu, store, *m_state, noteIDs(QString::fromLatin1(targets)));
@@ -232,6 +232,12 @@ void PanelMenusTest::noteMenuActs()
         QVERIFY2(action, qPrintable(title));
         action->trigger();
     };
+
+    // In the panel's order, numbered from 1 (the style a new user has).
+    choose("c,a", QStringLiteral("Copy as List"));
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. a\n2. c"));
+    choose("c,a", QStringLiteral("Copy"));
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("a\n\nc"));
 
     // Each note swaps: the collapsed one opens, the open one closes.
     store.updateNote(idFor("a"), QString(200, u'x'));
@@ -361,22 +367,22 @@ void PanelMenusTest::sectionMenuEntries_data()
     QTest::addColumn<QString>("section");
     QTest::addColumn<QString>("expected");
 
+    // The entries, "~" or nothing after the ones that can be disabled.
+    const auto menu = [](const char *use, const char *fold, const char *up, const char *down,
+                          const char *del) {
+        return QStringLiteral("Use as Active Section%1|-|Rename Section|%2 Section|Select All in "
+                              "Section|Copy Section as List|-|Move Up%3|Move Down%4|Move to "
+                              "Top%3|Move to Bottom%4|-|New Section…|Delete Section%5")
+            .arg(QLatin1String(use), QLatin1String(fold), QLatin1String(up), QLatin1String(down),
+                QLatin1String(del));
+    };
     QTest::newRow("the active, first section") << "*Inbox:a|Work:b|Later:" << "Inbox"
-        << "Use as Active Section~|-|Rename Section|Collapse Section|Select All in Section|Copy "
-           "Section as List|-|Move Up~|Move Down|Move to Top~|Move to Bottom|-|New Section…|Delete "
-           "Section";
+        << menu("~", "Collapse", "~", "", "");
     QTest::newRow("a middle section") << "*Inbox:a|Work:b|Later:" << "Work"
-        << "Use as Active Section|-|Rename Section|Collapse Section|Select All in Section|Copy "
-           "Section as List|-|Move Up|Move Down|Move to Top|Move to Bottom|-|New Section…|Delete "
-           "Section";
+        << menu("", "Collapse", "", "", "");
     QTest::newRow("the last, collapsed section") << "*Inbox:a|Work:b|Later+:" << "Later"
-        << "Use as Active Section|-|Rename Section|Expand Section|Select All in Section|Copy "
-           "Section as List|-|Move Up|Move Down~|Move to Top|Move to Bottom~|-|New Section…|Delete "
-           "Section";
-    QTest::newRow("the only section") << "*Inbox:a" << "Inbox"
-        << "Use as Active Section~|-|Rename Section|Collapse Section|Select All in Section|Copy "
-           "Section as List|-|Move Up~|Move Down~|Move to Top~|Move to Bottom~|-|New "
-           "Section…|Delete Section~";
+        << menu("", "Expand", "", "~", "");
+    QTest::newRow("the only section") << "*Inbox:a" << "Inbox" << menu("~", "Collapse", "~", "~", "~");
     // clang-format on
 }
 
@@ -414,6 +420,10 @@ void PanelMenusTest::sectionMenuActs()
     choose(QStringLiteral("Collapse Section"));
     QVERIFY(store.section(work)->isCollapsed);
     QVERIFY(store.hasPendingSave());
+    // A collapsed section's notes are not in the rows: nothing is copied.
+    QGuiApplication::clipboard()->setText(QStringLiteral("kept"));
+    choose(QStringLiteral("Copy Section as List"));
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("kept"));
     choose(QStringLiteral("Select All in Section"));
     QCOMPARE(store.selection(), idSet(QStringLiteral("b,c")));
     QCOMPARE(store.selectionAnchor(), idFor(QStringLiteral("b")));
@@ -431,9 +441,14 @@ void PanelMenusTest::sectionMenuActs()
     QVERIFY(!store.note(idFor(QStringLiteral("b"))));
 }
 
+//! The overflow menu's entries and keys, its dashboard the tray's menu built
+//! again as it opens; with two projects the active one can go.
 void PanelMenusTest::overflowMenuEntries()
 {
     Store &store = m_fixture->make({QStringLiteral("Inbox:a|*Work:b")});
+    PanelCommands::Hooks hooks;
+    hooks.fillDashboard = [this](QMenu &menu) { rebuild(menu); };
+    PanelCommands::shared().setHooks(hooks);
     QMenu menu;
     fillOverflowMenu(menu, store, *m_state, m_fixture->preferences());
     // Checked: the active project and section, and the view toggles a new user has on.
@@ -444,7 +459,20 @@ void PanelMenusTest::overflowMenuEntries()
             "|-|New Section…|Collapse All Sections|Expand All Sections"
             "|#View|Show Completed*|Completed at Bottom|Newest First"
             "|-|Copy All as List|Clear Completed|Export as Markdown…|Show Notes File in Files"
-            "|-|Reset Window Position|Reset Window Size|Keyboard Shortcuts…|Settings…|Quit Vesko"));
+            "|Dashboard>|-|Reset Window Position|Reset Window Size|Keyboard Shortcuts…|Settings…"
+            "|Quit Vesko"));
+    QCOMPARE(Test::menuKeys(menu),
+        QStringLiteral("New Project…=Ctrl+Alt+N|Switch Section…=Ctrl+K|New Section…=Ctrl+Shift+N"
+                       "|Keyboard Shortcuts…=Ctrl+/|Settings…=Ctrl+,|Quit Vesko=Ctrl+Q"));
+    QMenu *dashboard = submenu(menu, QStringLiteral("Dashboard"));
+    QMenu reference;
+    rebuild(reference);
+    QCOMPARE(describeMenu(*dashboard, true), describeMenu(reference, true));
+    store.setDone({idFor(QStringLiteral("a"))}, true);
+    Q_EMIT dashboard->aboutToShow();
+    QVERIFY(describeMenu(*dashboard, true).contains(QStringLiteral("|-|b|Copy All as List|")));
+    menuEntry(*dashboard, QStringLiteral("b"))->trigger();
+    QVERIFY(store.note(idFor(QStringLiteral("b")))->isDone);
 
     // With two projects, the active one can go.
     Store &two = m_fixture->make({QStringLiteral("*Inbox:a"), QStringLiteral("Inbox:b")});
@@ -486,6 +514,8 @@ void PanelMenusTest::overflowMenuActs()
     QVERIFY(store.visibleNotes().isEmpty());
     choose(QStringLiteral("Expand All Sections"));
     QCOMPARE(store.visibleNotes().size(), 3);
+    choose(QStringLiteral("Copy All as List"));
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. a\n2. b\n3. c"));
 
     const bool showsCompleted = m_fixture->preferences().showCompleted();
     choose(QStringLiteral("Show Completed"));
@@ -499,77 +529,33 @@ void PanelMenusTest::overflowMenuActs()
     QVERIFY(!store.note(idFor(QStringLiteral("b"))));
     choose(QStringLiteral("Q"));
     QCOMPARE(store.activeProject().name, QStringLiteral("Q"));
-}
 
-void PanelMenusTest::keysInTheDesktopConvention()
-{
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
-    QMenu note;
-    fillNoteMenu(note, store, *m_state, noteIDs(QStringLiteral("a")));
-    QCOMPARE(Test::menuKeys(note),
-        QStringLiteral("Copy=Ctrl+C|Copy as List=Ctrl+Shift+C|Mark as Done=Space|Edit=Return"
-                       "|Edit in New Window=Ctrl+Return|Merge Notes=Ctrl+Shift+M"
-                       "|Delete=Ctrl+Backspace"));
-    QMenu overflow;
-    fillOverflowMenu(overflow, store, *m_state, m_fixture->preferences());
-    QCOMPARE(Test::menuKeys(overflow),
-        QStringLiteral("New Project…=Ctrl+Alt+N|Switch Section…=Ctrl+K|New Section…=Ctrl+Shift+N"
-                       "|Keyboard Shortcuts…=Ctrl+/|Settings…=Ctrl+,|Quit Vesko=Ctrl+Q"));
-}
-
-void PanelMenusTest::hooksReachTheProgram()
-{
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a")});
-    QStringList calls;
+    // The entries the program answers reach its hooks, the note menu's with their note.
     PanelCommands::Hooks hooks;
-    hooks.openNoteWindow
-        = [&](const QUuid &id) { calls.append(QStringLiteral("window ") + store.note(id)->text); };
-    hooks.openSettings = [&] { calls.append(QStringLiteral("settings")); };
-    hooks.quit = [&] { calls.append(QStringLiteral("quit")); };
-    hooks.resetPanelPosition = [&] { calls.append(QStringLiteral("position")); };
-    hooks.resetPanelSize = [&] { calls.append(QStringLiteral("size")); };
-    hooks.addAttachments
-        = [&](const QUuid &id) { calls.append(QStringLiteral("add ") + store.note(id)->text); };
-    hooks.pasteAttachments
-        = [&](const QUuid &id) { calls.append(QStringLiteral("paste ") + store.note(id)->text); };
+    const auto call
+        = [this](const QString &what) { return [this, what] { m_calls.append(what); }; };
+    const auto noteCall = [&](const QString &what) {
+        return [&, what](const QUuid &id) { m_calls.append(what + store.note(id)->text); };
+    };
+    hooks.openNoteWindow = noteCall(QStringLiteral("window "));
+    hooks.addAttachments = noteCall(QStringLiteral("add "));
+    hooks.pasteAttachments = noteCall(QStringLiteral("paste "));
+    hooks.resetPanelPosition = call(QStringLiteral("position"));
+    hooks.resetPanelSize = call(QStringLiteral("size"));
+    hooks.openSettings = call(QStringLiteral("settings"));
+    hooks.quit = call(QStringLiteral("quit"));
     PanelCommands::shared().setHooks(hooks);
-
     QMenu note;
-    fillNoteMenu(note, store, *m_state, noteIDs(QStringLiteral("a")));
+    fillNoteMenu(note, store, *m_state, noteIDs(QStringLiteral("d")));
     for (const QString &title : {QStringLiteral("Edit in New Window"),
              QStringLiteral("Add Attachment…"), QStringLiteral("Paste Image or File")})
         menuEntry(note, title)->trigger();
-    QMenu overflow;
-    fillOverflowMenu(overflow, store, *m_state, m_fixture->preferences());
     for (const QString &title :
         {QStringLiteral("Reset Window Position"), QStringLiteral("Reset Window Size"),
             QStringLiteral("Settings…"), QStringLiteral("Quit Vesko")})
-        menuEntry(overflow, title)->trigger();
-    QCOMPARE(calls,
-        (QStringList {"window a", "add a", "paste a", "position", "size", "settings", "quit"}));
-    PanelCommands::shared().setHooks({});
-}
-
-void PanelMenusTest::copyEntries()
-{
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b|Work+:c")});
-    QMenu note;
-    fillNoteMenu(note, store, *m_state, noteIDs(QStringLiteral("b,a")));
-    menuEntry(note, QStringLiteral("Copy as List"))->trigger();
-    // In the panel's order, numbered from 1 (the style a new user has).
-    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. a\n2. b"));
-    menuEntry(note, QStringLiteral("Copy"))->trigger();
-    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("a\n\nb"));
-
-    // A collapsed section's notes are not in the rows: nothing is copied.
-    QMenu section;
-    fillSectionMenu(section, store, *m_state, idFor(QStringLiteral("P/Work")));
-    menuEntry(section, QStringLiteral("Copy Section as List"))->trigger();
-    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("a\n\nb"));
-    QMenu overflow;
-    fillOverflowMenu(overflow, store, *m_state, m_fixture->preferences());
-    menuEntry(overflow, QStringLiteral("Copy All as List"))->trigger();
-    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1. a\n2. b"));
+        choose(title);
+    QCOMPARE(m_calls,
+        (QStringList {"window d", "add d", "paste d", "position", "size", "settings", "quit"}));
 }
 
 void PanelMenusTest::exportSaysHowItWent_data()
@@ -722,43 +708,23 @@ void PanelMenusTest::trayMenuEntries()
     QCOMPARE(Test::menuKeys(filled), QStringLiteral("Settings=Ctrl+,|Quit Vesko=Ctrl+Q"));
 }
 
-void PanelMenusTest::trayNoteTitles_data()
-{
-    // clang-format off
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("title");
-
-    const QString a44 = QString(44, u'a');
-    QTest::newRow("44 characters appear whole") << a44 << a44;
-    QTest::newRow("45 characters appear as 44 and the ellipsis") << a44 + u'b' << a44 + u'…';
-    QTest::newRow("Markdown removed, line feeds as spaces")
-        << "**Buy** milk\n[list](https://example.org)" << "Buy milk list";
-    // clang-format on
-}
-
-void PanelMenusTest::trayNoteTitles()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, title);
-
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
-    store.updateNote(idFor(QStringLiteral("a")), text);
-    QMenu filled;
-    rebuild(filled);
-    QCOMPARE(filled.actions().at(4)->text(), title);
-    QCOMPARE(filled.actions().at(5)->text(), QStringLiteral("b"));
-}
-
 void PanelMenusTest::usersWordsShowAsTyped_data()
 {
     // clang-format off
     QTest::addColumn<QString>("words");
     QTest::addColumn<QString>("shown");
+    QTest::addColumn<bool>("names"); // also as the names of the section and the projects
 
-    QTest::newRow("an ampersand between words") << "Tom & Jerry" << "Tom & Jerry";
-    QTest::newRow("an ampersand before a letter") << "R&D budget" << "R&D budget";
-    QTest::newRow("two ampersands") << "a && b" << "a && b";
-    QTest::newRow("a tab") << "name\tvalue" << "name value";
+    QTest::newRow("an ampersand between words") << "Tom & Jerry" << "Tom & Jerry" << true;
+    QTest::newRow("an ampersand before a letter") << "R&D budget" << "R&D budget" << true;
+    QTest::newRow("two ampersands") << "a && b" << "a && b" << true;
+    QTest::newRow("a tab") << "name\tvalue" << "name value" << true;
+    // A note's entry is its title: cut after 44 characters, without Markdown, on one line.
+    const QString a44 = QString(44, u'a');
+    QTest::newRow("44 characters appear whole") << a44 << a44 << false;
+    QTest::newRow("45 characters appear as 44 and the ellipsis") << a44 + u'b' << a44 + u'…' << false;
+    QTest::newRow("Markdown removed, line feeds as spaces")
+        << "**Buy** milk\n[list](https://example.org)" << "Buy milk list" << false;
     // clang-format on
 }
 
@@ -766,15 +732,19 @@ void PanelMenusTest::usersWordsShowAsTyped()
 {
     QFETCH(QString, words);
     QFETCH(QString, shown);
+    QFETCH(bool, names);
 
     // The same words as a note, a section title and the names of two projects.
     Store &store = m_fixture->make({QStringLiteral("*Inbox:a"), QStringLiteral("Inbox:B")});
     store.updateNote(idFor(QStringLiteral("a")), words);
-    store.renameSection(store.activeSection().id, words);
-    store.renameProject(store.activeProject().id, words);
     QMenu filled;
     rebuild(filled);
     QCOMPARE(drawnText(filled.actions().at(4)), shown);
+    if (!names)
+        return;
+    store.renameSection(store.activeSection().id, words);
+    store.renameProject(store.activeProject().id, words);
+    rebuild(filled);
     QAction *sections = filled.actions().at(7);
     QCOMPARE(drawnText(sections), QStringLiteral("Section: ") + shown);
     QCOMPARE(drawnText(sections->menu()->actions().at(0)), shown);
@@ -878,33 +848,6 @@ void PanelMenusTest::toolTipCountsOpenNotes()
     Store &store = m_fixture->make({project});
     QCOMPARE(menuBarToolTip(store.activeProject().name, openNoteCount(store), failure), toolTip);
     QCOMPARE(menuBarDashboard(store).openNoteCount, openNoteCount(store));
-}
-
-void PanelMenusTest::moreOptionsOffersTheTrayMenu()
-{
-    Store &store = m_fixture->make({QStringLiteral("*Inbox:a,b")});
-    PanelCommands::Hooks hooks;
-    hooks.fillDashboard = [this](QMenu &menu) { rebuild(menu); };
-    PanelCommands::shared().setHooks(hooks);
-
-    QMenu overflow;
-    fillOverflowMenu(overflow, store, *m_state, m_fixture->preferences());
-    QMenu *dashboard = submenu(overflow, QStringLiteral("Dashboard"));
-    QVERIFY(dashboard);
-    // Between the copy and export entries and the window's.
-    const QString described = describeMenu(overflow, true);
-    QVERIFY(described.contains(
-        QStringLiteral("|Show Notes File in Files|Dashboard>|-|Reset Window Position|")));
-    QMenu reference;
-    rebuild(reference);
-    QCOMPARE(describeMenu(*dashboard, true), describeMenu(reference, true));
-
-    // It is built again when it opens.
-    store.setDone({idFor(QStringLiteral("a"))}, true);
-    Q_EMIT dashboard->aboutToShow();
-    QVERIFY(describeMenu(*dashboard, true).contains(QStringLiteral("|-|b|Copy All as List|")));
-    menuEntry(*dashboard, QStringLiteral("b"))->trigger();
-    QVERIFY(store.note(idFor(QStringLiteral("b")))->isDone);
 }
 
 VESKO_WIDGET_TEST_MAIN(PanelMenusTest)

@@ -76,20 +76,6 @@ void type(QWidget *widget, const QString &text)
     }
 }
 
-//! The program's attachment actions behind the composer's import of files.
-struct Attachments : Test::SilentAttachmentActions
-{
-    explicit Attachments(Test::StoreFixture &fixture)
-        : SilentAttachmentActions(fixture.store(), fixture.attachments())
-    {
-        PanelCommands::Hooks hooks;
-        hooks.importForNewNote = [this](const QList<QUrl> &urls, auto done) {
-            actions.importForNewNote(urls, std::move(done));
-        };
-        PanelCommands::shared().setHooks(hooks);
-    }
-};
-
 QList<SwitcherItem> items(const QStringList &titles)
 {
     QList<SwitcherItem> list;
@@ -149,16 +135,13 @@ private Q_SLOTS:
     void emptyStates();
     void composerCommits_data();
     void composerCommits();
-    void composerImportsFiles();
-    void secondReturnDuringAnImportDoesNothing();
-    void pendingFiles();
+    void composerWithFiles();
     void escapeTwice_data();
     void escapeTwice();
     void focusRequestsAndTheClearButton();
     void appearanceReachesTheRebuiltPanel();
     void rowsAndBars_data();
     void rowsAndBars();
-    void layersAreOpaqueCardsWithShadows_data();
     void layersAreOpaqueCardsWithShadows();
 
     void filtering_data();
@@ -166,11 +149,9 @@ private Q_SLOTS:
     void queryKeepsAListedSelection();
     void sectionSwitcherByKeys_data();
     void sectionSwitcherByKeys();
-    void titlesLineUp_data();
     void titlesLineUp();
     void renameInsideTheSwitcher();
     void projectSwitcher();
-    void sheetGroups();
 
 private:
     PanelRootView &showRoot(const QStringList &projects);
@@ -338,7 +319,25 @@ void PanelRootTest::layersShowInTheirOrder()
     m_state->setShowing(PanelLayer::Shortcuts, true);
     QCOMPARE(root.shownLayer(), PanelLayer::Shortcuts);
     QVERIFY(!prompt());
-    // Escape closes the sheet, which uncovers the prompt under it.
+    auto *sheet = qobject_cast<ShortcutSheetView *>(root.layerView());
+    QVERIFY(sheet);
+    // 42 window shortcuts, 3 for composing, 4 system-wide.
+    const QStringList rows = sheet->rowTexts();
+    QCOMPARE(rows.size(), qsizetype(42 + 3 + 4));
+    QCOMPARE(rows.first(), QStringLiteral("New Note\tCtrl+N"));
+    QCOMPARE(rows.at(10), QStringLiteral("Jump to Section 1\tCtrl+1"));
+    QCOMPARE(rows.at(18), QStringLiteral("Jump to Section 9\tCtrl+9"));
+    QCOMPARE(rows.at(41), QStringLiteral("Close\tEsc"));
+    QCOMPARE(rows.at(42), QStringLiteral("Add Note\tReturn"));
+    QCOMPARE(rows.at(44), QStringLiteral("Create or Use Section\t# Name"));
+    // Without hot keys in this session, every system-wide row shows a dash.
+    QCOMPARE(rows.mid(45),
+        (QStringList {"Show or Hide Vesko\t—", "Capture Selection\t—", "Add a Note\t—",
+            "Copy Notes as List\t—"}));
+    // A click on the dim closes the sheet, and so does Escape; either uncovers the prompt.
+    QTest::mouseClick(sheet, Qt::LeftButton, {}, QPoint(3, 3));
+    QCOMPARE(root.shownLayer(), PanelLayer::NewSection);
+    m_state->setShowing(PanelLayer::Shortcuts, true);
     QCOMPARE(m_state->dismissLayerOnEscape(), PanelLayer::Shortcuts);
     QCOMPARE(root.shownLayer(), PanelLayer::NewSection);
     QTest::keyClick(prompt()->field(), Qt::Key_Escape);
@@ -372,10 +371,8 @@ void PanelRootTest::emptyStates()
     QFETCH(QString, search);
     QFETCH(QString, title);
 
-    Store &store = m_fixture->make({project});
-    m_root = std::make_unique<PanelRootView>(store, *m_state, m_fixture->preferences());
-    m_root->resize(340, 560);
-    m_root->show();
+    showRoot({project});
+    Store &store = m_fixture->store();
     store.setSearchText(search);
     if (title.isEmpty()) {
         QTRY_VERIFY_WITH_TIMEOUT(!store.rows().isEmpty(), Test::patience);
@@ -444,95 +441,29 @@ void PanelRootTest::composerCommits()
     }
 }
 
-//! Files imported for a new note: a failed import keeps the box for another
-//! try; a section line with a file makes the section and one note of the file.
-void PanelRootTest::composerImportsFiles()
+//! Files for a new note: chosen by the button or dropped, each once, and
+//! Escape clears them; a failed import keeps the box for another try; a
+//! section line with a file makes the section and one note of the file, a
+//! second Return during the import adding nothing.
+void PanelRootTest::composerWithFiles()
 {
     QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("plan.txt")));
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("plan");
     file.close();
-
-    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
-    Store &store = m_fixture->store();
-    Attachments attachments(*m_fixture);
-    // A file that is not there: the import fails, and says so.
-    root.composer()->addPendingURLs({QUrl::fromLocalFile(QStringLiteral("/nonexistent/one.png"))});
-    QTextEdit *editor = root.composer()->field()->editor();
-    QTRY_VERIFY_WITH_TIMEOUT(editor->hasFocus(), Test::patience);
-    QTest::keyClicks(editor, QStringLiteral("keep me"));
-    QTest::keyClick(editor, Qt::Key_Return);
-    QTRY_VERIFY_WITH_TIMEOUT(!root.composer()->isSaving(), Test::patience);
-    QCOMPARE(attachments.toasts, QStringList {"Could Not Add Attachment"});
-    QCOMPARE(root.composer()->text(), QStringLiteral("keep me"));
-    QCOMPARE(root.composer()->pendingURLs().size(), 1);
-    QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), QStringList {"a"});
-
-    QTest::keyClick(editor, Qt::Key_Escape);
-    root.composer()->addPendingURLs({QUrl::fromLocalFile(file.fileName())});
-    QTest::keyClicks(editor, QStringLiteral("# Files"));
-    QTest::keyClick(editor, Qt::Key_Return);
-    // The section at once, the note when the file has been copied.
-    QCOMPARE(sectionTitles(store), (QStringList {"Inbox", "Files"}));
-    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Using Files"));
-    QTRY_VERIFY_WITH_TIMEOUT(!root.composer()->isSaving(), Test::patience);
-    const NoteSection files = store.activeProject().sections.at(1);
-    QCOMPARE(files.notes.size(), 1);
-    QCOMPARE(files.notes.first().text, QString());
-    QCOMPARE(files.notes.first().attachments.size(), 1);
-    const NoteAttachment attached = files.notes.first().attachments.first();
-    QCOMPARE(attached.fileName, QStringLiteral("plan.txt"));
-    QFile copy(attachmentsFolder(libraryURL()) + u'/' + attached.storedFileName);
-    QVERIFY(copy.open(QIODevice::ReadOnly));
-    QCOMPARE(copy.readAll(), QByteArray("plan"));
-    QCOMPARE(root.composer()->text(), QString());
-    QVERIFY(root.composer()->pendingURLs().isEmpty());
-}
-
-void PanelRootTest::secondReturnDuringAnImportDoesNothing()
-{
-    std::function<void(const std::optional<QList<NoteAttachment>> &)> pending;
-    int imports = 0;
-    PanelCommands::Hooks hooks;
-    hooks.importForNewNote
-        = [&](const QList<QUrl> &,
-              std::function<void(const std::optional<QList<NoteAttachment>> &)> done) {
-              ++imports;
-              pending = std::move(done);
-          };
-    PanelCommands::shared().setHooks(hooks);
-
-    PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
-    Store &store = m_fixture->store();
-    root.composer()->addPendingURLs({QUrl::fromLocalFile(QStringLiteral("/tmp/one.png"))});
-    QTextEdit *editor = root.composer()->field()->editor();
-    QTRY_VERIFY_WITH_TIMEOUT(editor->hasFocus(), Test::patience);
-    QTest::keyClicks(editor, QStringLiteral("with a picture"));
-    QTest::keyClick(editor, Qt::Key_Return);
-    QVERIFY(root.composer()->isSaving());
-    QTest::keyClick(editor, Qt::Key_Return);
-    QCOMPARE(imports, 1);
-
-    NoteAttachment record;
-    record.id = QUuid::createUuid();
-    record.fileName = QStringLiteral("one.png");
-    record.storedFileName = record.id.toString(QUuid::WithoutBraces) + QStringLiteral("/one.png");
-    pending(QList<NoteAttachment> {record});
-    QVERIFY(!root.composer()->isSaving());
-    QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), (QStringList {"a", "with a picture"}));
-    QCOMPARE(root.composer()->text(), QString());
-}
-
-void PanelRootTest::pendingFiles()
-{
     const QUrl chosen = QUrl::fromLocalFile(QStringLiteral("/tmp/chosen.pdf"));
     const QUrl dropped = QUrl::fromLocalFile(QStringLiteral("/tmp/dropped.png"));
-    PanelCommands::Hooks hooks;
-    hooks.chooseFiles = [&](std::function<void(const QList<QUrl> &)> done) { done({chosen}); };
-    PanelCommands::shared().setHooks(hooks);
 
     PanelRootView &root = showRoot({QStringLiteral("*Inbox:a")});
+    Store &store = m_fixture->store();
+    Test::SilentAttachmentActions attachments(store, m_fixture->attachments());
+    PanelCommands::Hooks hooks;
+    hooks.chooseFiles = [&](std::function<void(const QList<QUrl> &)> done) { done({chosen}); };
+    hooks.importForNewNote = [&](const QList<QUrl> &urls, auto done) {
+        attachments.actions.importForNewNote(urls, std::move(done));
+    };
+    PanelCommands::shared().setHooks(hooks);
     m_state->requestFocus(PanelFocusTarget::List);
     QTest::mouseClick(root.composer()->attachmentButton(), Qt::LeftButton);
     QCOMPARE(root.composer()->pendingURLs(), QList<QUrl> {chosen});
@@ -555,7 +486,6 @@ void PanelRootTest::pendingFiles()
     QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
     root.composer()->addPendingURLs({dropped, chosen});
     QCOMPARE(root.composer()->pendingURLs(), (QList<QUrl> {chosen, dropped}));
-
     QMimeData text;
     text.setText(QStringLiteral("just words"));
     QDragEnterEvent textEnter(inside, Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);
@@ -563,10 +493,43 @@ void PanelRootTest::pendingFiles()
     QVERIFY(!textEnter.isAccepted());
 
     // Escape with files waiting clears them and keeps the composer.
-    QTRY_VERIFY_WITH_TIMEOUT(root.composer()->field()->editor()->hasFocus(), Test::patience);
-    QTest::keyClick(root.composer()->field()->editor(), Qt::Key_Escape);
+    QTextEdit *editor = root.composer()->field()->editor();
+    QTRY_VERIFY_WITH_TIMEOUT(editor->hasFocus(), Test::patience);
+    QTest::keyClick(editor, Qt::Key_Escape);
     QVERIFY(root.composer()->pendingURLs().isEmpty());
     QCOMPARE(root.focusTarget(), PanelFocusTarget::Composer);
+
+    // A file that is not there: the import fails, and says so.
+    root.composer()->addPendingURLs({QUrl::fromLocalFile(QStringLiteral("/nonexistent/one.png"))});
+    QTest::keyClicks(editor, QStringLiteral("keep me"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    QTRY_VERIFY_WITH_TIMEOUT(!root.composer()->isSaving(), Test::patience);
+    QCOMPARE(attachments.toasts, QStringList {"Could Not Add Attachment"});
+    QCOMPARE(root.composer()->text(), QStringLiteral("keep me"));
+    QCOMPARE(root.composer()->pendingURLs().size(), 1);
+    QCOMPARE(notesOfSection(store, QStringLiteral("Inbox")), QStringList {"a"});
+
+    QTest::keyClick(editor, Qt::Key_Escape);
+    root.composer()->addPendingURLs({QUrl::fromLocalFile(file.fileName())});
+    QTest::keyClicks(editor, QStringLiteral("# Files"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    QVERIFY(root.composer()->isSaving());
+    QTest::keyClick(editor, Qt::Key_Return);
+    // The section at once, the note when the file has been copied.
+    QCOMPARE(sectionTitles(store), (QStringList {"Inbox", "Files"}));
+    QCOMPARE(ToastPresenter::shared().currentMessage(), QStringLiteral("Using Files"));
+    QTRY_VERIFY_WITH_TIMEOUT(!root.composer()->isSaving(), Test::patience);
+    const NoteSection section = store.activeProject().sections.at(1);
+    QCOMPARE(section.notes.size(), 1);
+    QCOMPARE(section.notes.first().text, QString());
+    QCOMPARE(section.notes.first().attachments.size(), 1);
+    const NoteAttachment attached = section.notes.first().attachments.first();
+    QCOMPARE(attached.fileName, QStringLiteral("plan.txt"));
+    QFile copy(attachmentsFolder(libraryURL()) + u'/' + attached.storedFileName);
+    QVERIFY(copy.open(QIODevice::ReadOnly));
+    QCOMPARE(copy.readAll(), QByteArray("plan"));
+    QCOMPARE(root.composer()->text(), QString());
+    QVERIFY(root.composer()->pendingURLs().isEmpty());
 }
 
 void PanelRootTest::escapeTwice_data()
@@ -662,6 +625,8 @@ void PanelRootTest::appearanceReachesTheRebuiltPanel()
         QTRY_VERIFY_WITH_TIMEOUT(!before, Test::patience);
         auto *root = qobject_cast<PanelRootView *>(panel.panel()->content());
         QVERIFY(root);
+        // An offscreen panel has no blur behind it: opaque, as the controller chose.
+        QVERIFY(!root->rowsRunUnderBars());
         // The other windows are told after the palette changed.
         QCOMPARE(darkForTheWindows, dark);
 
@@ -696,15 +661,6 @@ void PanelRootTest::rowsAndBars()
     QFETCH(bool, glass);
 
     PanelRootView &root = showRoot({QStringLiteral("*Inbox:a,b,c")});
-    // An offscreen panel has no blur behind it: opaque, as the controller chose.
-    Store &store = m_fixture->store();
-    PanelController panel(store, *m_state, m_fixture->preferences());
-    panel.show(false, false);
-    auto *panelRoot = qobject_cast<PanelRootView *>(panel.panel()->content());
-    QVERIFY(panelRoot);
-    QVERIFY(!panelRoot->rowsRunUnderBars());
-    panel.hide();
-
     root.setRowsRunUnderBars(glass);
     const QRect list = root.list()->geometry();
     const QRect search(root.searchField()->mapTo(&root, QPoint(0, 0)), root.searchField()->size());
@@ -725,41 +681,34 @@ void PanelRootTest::rowsAndBars()
     }
 }
 
-void PanelRootTest::layersAreOpaqueCardsWithShadows_data()
-{
-    QTest::addColumn<PanelLayer>("layer");
-
-    QTest::newRow("section switcher") << PanelLayer::SectionSwitcher;
-    QTest::newRow("project switcher") << PanelLayer::ProjectSwitcher;
-    QTest::newRow("shortcut sheet") << PanelLayer::Shortcuts;
-    QTest::newRow("new section prompt") << PanelLayer::NewSection;
-    QTest::newRow("rename project prompt") << PanelLayer::RenameProject;
-}
-
 void PanelRootTest::layersAreOpaqueCardsWithShadows()
 {
-    QFETCH(PanelLayer, layer);
-
     PanelRootView &root = showRoot({QStringLiteral("*Inbox:a,b|Work:c"), QStringLiteral("Q")});
-    m_state->setShowing(layer, true);
-    auto *view = qobject_cast<PanelLayerView *>(root.layerView());
-    QVERIFY(view);
-    // Drawn alone, over nothing: what covers the card's middle row is wholly opaque.
-    QTRY_VERIFY_WITH_TIMEOUT(
-        view->card()->isVisible() && view->graphicsEffect() == nullptr, Test::patience);
-    QImage drawn(view->size(), QImage::Format_ARGB32);
-    drawn.fill(Qt::transparent);
-    view->render(&drawn, QPoint(), QRegion(), QWidget::DrawChildren);
-    const QRect card = view->card()->geometry();
-    QVERIFY(card.height() > 20 && card.bottom() + 20 < view->height());
-    for (int x = card.left() + PanelLayerView::cardRadius;
-         x < card.right() - PanelLayerView::cardRadius; ++x) {
-        QCOMPARE(qAlpha(drawn.pixel(x, card.center().y())), 255);
+    for (const PanelLayer layer : {PanelLayer::SectionSwitcher, PanelLayer::ProjectSwitcher,
+             PanelLayer::Shortcuts, PanelLayer::NewSection, PanelLayer::RenameProject}) {
+        const QByteArray name = QByteArray::number(int(layer));
+        m_state->setShowing(layer, true);
+        auto *view = qobject_cast<PanelLayerView *>(root.layerView());
+        QVERIFY2(view, name);
+        // Drawn alone, over nothing: what covers the card's middle row is wholly opaque.
+        QTRY_VERIFY2_WITH_TIMEOUT(
+            view->card()->isVisible() && view->graphicsEffect() == nullptr, name, Test::patience);
+        QImage drawn(view->size(), QImage::Format_ARGB32);
+        drawn.fill(Qt::transparent);
+        view->render(&drawn, QPoint(), QRegion(), QWidget::DrawChildren);
+        const QRect card = view->card()->geometry();
+        QVERIFY2(card.height() > 20 && card.bottom() + 20 < view->height(), name);
+        for (int x = card.left() + PanelLayerView::cardRadius;
+             x < card.right() - PanelLayerView::cardRadius; ++x) {
+            QVERIFY2(qAlpha(drawn.pixel(x, card.center().y())) == 255, name);
+        }
+        // Below the card its shadow darkens the dim, which is all there is far from it.
+        const int dim = qAlpha(drawn.pixel(card.center().x(), view->height() - 4));
+        const int shadow = qAlpha(drawn.pixel(card.center().x(), card.bottom() + 4));
+        QVERIFY2(shadow > dim + 10,
+            qPrintable(QStringLiteral("%1: %2 %3").arg(name).arg(shadow).arg(dim)));
+        m_state->setShowing(layer, false);
     }
-    // Below the card its shadow darkens the dim, which is all there is far from it.
-    const int dim = qAlpha(drawn.pixel(card.center().x(), view->height() - 4));
-    const int shadow = qAlpha(drawn.pixel(card.center().x(), card.bottom() + 4));
-    QVERIFY2(shadow > dim + 10, qPrintable(QStringLiteral("%1 %2").arg(shadow).arg(dim)));
 }
 
 template<typename View> View *PanelRootTest::openedLayer()
@@ -891,45 +840,40 @@ void PanelRootTest::sectionSwitcherByKeys()
         QCOMPARE(ToastPresenter::shared().currentMessage(), "Using " + active);
 }
 
-void PanelRootTest::titlesLineUp_data()
-{
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<int>("moves"); // Down presses: the selection on another row or the same
-
-    QTest::newRow("the active row selected") << "" << 0;
-    QTest::newRow("another row selected") << "" << 1;
-    QTest::newRow("filtered") << "o" << 1;
-}
-
+//! Every title starts where the others do, the active one's too: with the
+//! active row selected, another one, and in a filtered list.
 void PanelRootTest::titlesLineUp()
 {
-    QFETCH(QString, typed);
-    QFETCH(int, moves);
     showRoot({"Inbox:a|*Work:b|Links:c|Notes:d"});
     m_state->setShowing(PanelLayer::SectionSwitcher, true);
     auto *view = openedLayer<SectionSwitcherView>();
     QVERIFY(view);
-    QTest::keyClicks(view->filterField(), typed);
-    for (int i = 0; i < moves; ++i)
-        QTest::keyClick(view->filterField(), Qt::Key_Down);
     QListWidget *list = view->listView();
-    QVERIFY(list->count() >= 3);
-    QVERIFY(view->rowTexts().contains(QStringLiteral("Work")));
-    const QImage image = list->viewport()->grab().toImage();
-    QList<int> lefts;
-    // The rows of sections; the create row leads with its symbol.
-    for (int i = 0; i < list->count(); ++i) {
-        if (list->item(i)->text().startsWith(QStringLiteral("Create")))
-            continue;
-        const QRect row = list->visualItemRect(list->item(i));
-        const qreal scale = image.devicePixelRatio();
-        lefts.append(textLeft(image, QRect(row.topLeft() * scale, row.size() * scale)));
-    }
-    // Every title starts where the others do, the active one's too.
-    QVERIFY2(lefts.first() > 0, qPrintable(QString::number(lefts.first())));
-    for (int left : std::as_const(lefts))
-        QVERIFY2(std::abs(left - lefts.first()) <= 1,
-            qPrintable(QStringLiteral("%1 against %2").arg(left).arg(lefts.first())));
+    const auto lineUp = [&](const char *step) {
+        QVERIFY2(list->count() >= 3, step);
+        QVERIFY2(view->rowTexts().contains(QStringLiteral("Work")), step);
+        const QImage image = list->viewport()->grab().toImage();
+        QList<int> lefts;
+        // The rows of sections; the create row leads with its symbol.
+        for (int i = 0; i < list->count(); ++i) {
+            if (list->item(i)->text().startsWith(QStringLiteral("Create")))
+                continue;
+            const QRect row = list->visualItemRect(list->item(i));
+            const qreal scale = image.devicePixelRatio();
+            lefts.append(textLeft(image, QRect(row.topLeft() * scale, row.size() * scale)));
+        }
+        QVERIFY2(lefts.first() > 0, qPrintable(QString::number(lefts.first())));
+        for (int left : std::as_const(lefts))
+            QVERIFY2(std::abs(left - lefts.first()) <= 1,
+                qPrintable(
+                    QStringLiteral("%1: %2 against %3").arg(step).arg(left).arg(lefts.first())));
+    };
+    lineUp("the active row selected");
+    QTest::keyClick(view->filterField(), Qt::Key_Down);
+    lineUp("another row selected");
+    QTest::keyClicks(view->filterField(), QStringLiteral("o"));
+    QTest::keyClick(view->filterField(), Qt::Key_Down);
+    lineUp("filtered");
 }
 
 void PanelRootTest::renameInsideTheSwitcher()
@@ -993,31 +937,6 @@ void PanelRootTest::projectSwitcher()
     QTest::keyClick(view->filterField(), Qt::Key_Return);
     QCOMPARE(store.activeProject().id, store.library().projects.at(2).id);
     QVERIFY(!m_state->isShowing(PanelLayer::ProjectSwitcher));
-}
-
-void PanelRootTest::sheetGroups()
-{
-    showRoot({"*Inbox:a"});
-    m_state->setShowing(PanelLayer::Shortcuts, true);
-    auto *sheet = qobject_cast<ShortcutSheetView *>(m_root->layerView());
-    QVERIFY(sheet);
-    // 42 window shortcuts, 3 for composing, 4 system-wide.
-    const QStringList rows = sheet->rowTexts();
-    QCOMPARE(rows.size(), qsizetype(42 + 3 + 4));
-    QCOMPARE(rows.first(), QStringLiteral("New Note\tCtrl+N"));
-    QCOMPARE(rows.at(10), QStringLiteral("Jump to Section 1\tCtrl+1"));
-    QCOMPARE(rows.at(18), QStringLiteral("Jump to Section 9\tCtrl+9"));
-    QCOMPARE(rows.at(41), QStringLiteral("Close\tEsc"));
-    QCOMPARE(rows.at(42), QStringLiteral("Add Note\tReturn"));
-    QCOMPARE(rows.at(44), QStringLiteral("Create or Use Section\t# Name"));
-    // Without hot keys in this session, every system-wide row shows a dash.
-    QCOMPARE(rows.mid(45),
-        (QStringList {"Show or Hide Vesko\t—", "Capture Selection\t—", "Add a Note\t—",
-            "Copy Notes as List\t—"}));
-
-    // A click on the dim closes the sheet.
-    QTest::mouseClick(sheet, Qt::LeftButton, {}, QPoint(3, 3));
-    QVERIFY(!m_state->isShowing(PanelLayer::Shortcuts));
 }
 
 VESKO_WIDGET_TEST_MAIN(PanelRootTest)

@@ -31,9 +31,8 @@ private Q_SLOTS:
 
     void defaults();
     void roundTripThroughTheFile();
-    void storedStringsOfEnumerations_data();
-    void storedStringsOfEnumerations();
-    void wrongTypesReadAsZero();
+    void badStoredValues_data();
+    void badStoredValues();
     void equalAssignments();
     void storedPanelFrame();
     void writesDoNotHoldTheEventLoop_data();
@@ -99,47 +98,45 @@ void PreferencesTest::roundTripThroughTheFile()
     QCOMPARE(settings->value(QStringLiteral("listStyle")).toString(), QStringLiteral("dash"));
 }
 
-void PreferencesTest::storedStringsOfEnumerations_data()
+void PreferencesTest::badStoredValues_data()
 {
     QTest::addColumn<QString>("key");
-    QTest::addColumn<QString>("stored");
-    QTest::addColumn<int>("expected");
+    QTest::addColumn<QVariant>("stored");
+    QTest::addColumn<QVariant>("read");
 
-    QTest::newRow("edge left") << "panelEdge" << u"left"_s << int(PanelEdge::Left);
-    QTest::newRow("edge unknown") << "panelEdge" << u"top"_s << int(PanelEdge::Right);
-    QTest::newRow("edge empty") << "panelEdge" << u""_s << int(PanelEdge::Right);
-    QTest::newRow("appearance light") << "appearance" << u"light"_s << int(AppAppearance::Light);
+    QTest::newRow("edge left") << "panelEdge" << QVariant(u"left"_s)
+                               << QVariant(int(PanelEdge::Left));
+    QTest::newRow("edge unknown") << "panelEdge" << QVariant(u"top"_s)
+                                  << QVariant(int(PanelEdge::Right));
+    QTest::newRow("edge empty") << "panelEdge" << QVariant(u""_s)
+                                << QVariant(int(PanelEdge::Right));
+    QTest::newRow("appearance light")
+        << "appearance" << QVariant(u"light"_s) << QVariant(int(AppAppearance::Light));
     QTest::newRow("appearance other case")
-        << "appearance" << u"Dark"_s << int(AppAppearance::System);
-    QTest::newRow("list style plain") << "listStyle" << u"plain"_s << int(ListStyle::Plain);
-    QTest::newRow("list style unknown") << "listStyle" << u"bullets"_s << int(ListStyle::Numbered);
+        << "appearance" << QVariant(u"Dark"_s) << QVariant(int(AppAppearance::System));
+    QTest::newRow("list style plain")
+        << "listStyle" << QVariant(u"plain"_s) << QVariant(int(ListStyle::Plain));
+    QTest::newRow("list style unknown")
+        << "listStyle" << QVariant(u"bullets"_s) << QVariant(int(ListStyle::Numbered));
+    // Values of the wrong type read as zero.
+    QTest::newRow("a word for a width") << "panelWidth" << QVariant(u"wide"_s) << QVariant(0.0);
+    QTest::newRow("a word for a switch")
+        << "showCompleted" << QVariant(u"sometimes"_s) << QVariant(false);
+    QTest::newRow("a zero interval") << "doubleShiftInterval" << QVariant(0) << QVariant(0.0);
 }
 
-void PreferencesTest::storedStringsOfEnumerations()
+void PreferencesTest::badStoredValues()
 {
     QFETCH(QString, key);
-    QFETCH(QString, stored);
-    QFETCH(int, expected);
+    QFETCH(QVariant, stored);
+    QFETCH(QVariant, read);
     Preferences::openSettings()->setValue(key, stored);
     const Preferences p;
-    const int actual = key == u"panelEdge" ? int(p.panelEdge())
-        : key == u"appearance"             ? int(p.appearance())
-                                           : int(p.listStyle());
-    QCOMPARE(actual, expected);
-}
-
-void PreferencesTest::wrongTypesReadAsZero()
-{
-    {
-        const auto settings = Preferences::openSettings();
-        settings->setValue(QStringLiteral("panelWidth"), QStringLiteral("wide"));
-        settings->setValue(QStringLiteral("showCompleted"), QStringLiteral("sometimes"));
-        settings->setValue(QStringLiteral("doubleShiftInterval"), 0);
-    }
-    const Preferences p;
-    QCOMPARE(p.panelWidth(), 0.0);
-    QCOMPARE(p.showCompleted(), false);
-    QCOMPARE(p.doubleShiftInterval(), 0.0);
+    const QHash<QString, QVariant> values = {{u"panelEdge"_s, int(p.panelEdge())},
+        {u"appearance"_s, int(p.appearance())}, {u"listStyle"_s, int(p.listStyle())},
+        {u"panelWidth"_s, p.panelWidth()}, {u"showCompleted"_s, p.showCompleted()},
+        {u"doubleShiftInterval"_s, p.doubleShiftInterval()}};
+    QCOMPARE(values.value(key), read);
 }
 
 //! An equal assignment is written and runs its side effects, but is no change.
