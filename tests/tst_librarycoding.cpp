@@ -253,6 +253,10 @@ void LibraryCodingTest::decodeRejects_data()
         << documentWithNote(noteID + R"(, "text": true)") << "should be a string but is a boolean";
     QTest::newRow("isDone is a string")
         << documentWithNote(noteID + R"(, "text": "x", "isDone": "yes")") << "isDone";
+    QTest::newRow("isCollapsed is a number")
+        << documentWithNote(noteID + R"(, "text": "x")")
+               .replace(R"("isCollapsed": false)", R"("isCollapsed": 0)")
+        << "isCollapsed should be a boolean but is a number";
     QTest::newRow("section without isCollapsed")
         << documentWithNote(noteID + R"(, "text": "x")").replace(R"("isCollapsed": false,)", "")
         << "isCollapsed";
