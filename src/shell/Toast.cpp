@@ -7,6 +7,7 @@
 #include "platform/qt/DesktopNotifier.h"
 #include "platform/qt/DesktopScreens.h"
 #include "platform/x11/X11Window.h"
+#include "shell/SymbolIcon.h"
 #include "shell/Theme.h"
 
 #include <QCursor>
@@ -78,6 +79,7 @@ public:
     }
 
     QString message() const { return m_message; }
+    QString symbol() const { return m_symbol; }
 
     QSize sizeHint() const override
     {
@@ -155,7 +157,7 @@ bool ToastPresenter::showsAsNotification()
 void ToastPresenter::present(const QString &message, const QString &symbol, int duration)
 {
     if (showsAsNotification()) {
-        notify(message, duration);
+        notify(message, symbol, duration);
         return;
     }
     if (!m_notified.isEmpty()) {
@@ -189,7 +191,7 @@ void ToastPresenter::present(const QString &message, const QString &symbol, int 
                 disconnect(m_parentHidden);
                 const int remaining = m_dismissal.remainingTime();
                 if (remaining > 0)
-                    notify(m_window->message(), remaining);
+                    notify(m_window->message(), m_window->symbol(), remaining);
                 else
                     hideWindow();
             });
@@ -207,7 +209,7 @@ void ToastPresenter::present(const QString &message, const QString &symbol, int 
     m_dismissal.start(duration);
 }
 
-void ToastPresenter::notify(const QString &message, int duration)
+void ToastPresenter::notify(const QString &message, const QString &symbol, int duration)
 {
     if (!m_notifier) {
         m_notifier = new DesktopNotifier(QStringLiteral("Vesko"), this);
@@ -224,7 +226,7 @@ void ToastPresenter::notify(const QString &message, int duration)
     hideWindow();
     m_notified = message;
     m_dismissal.start(duration);
-    m_notifier->notify(message, duration);
+    m_notifier->notify(message, SymbolIcons::themeName(symbol), duration);
 }
 
 void ToastPresenter::hideWindow()

@@ -48,7 +48,7 @@ public:
 private:
     //! Whether the toast is to be a desktop notification rather than a window.
     static bool showsAsNotification();
-    void notify(const QString &message, int durationMilliseconds);
+    void notify(const QString &message, const QString &symbol, int durationMilliseconds);
     void hideWindow();
 
     ToastWindow *m_window = nullptr;

@@ -30,7 +30,8 @@ DesktopNotifier::DesktopNotifier(const QString &applicationName, QObject *parent
     , m_applicationName(applicationName)
 { }
 
-void DesktopNotifier::notify(const QString &summary, int expiryMilliseconds)
+void DesktopNotifier::notify(
+    const QString &summary, const QString &iconName, int expiryMilliseconds)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
@@ -45,7 +46,7 @@ void DesktopNotifier::notify(const QString &summary, int expiryMilliseconds)
         hints.insert(QStringLiteral("desktop-entry"), QGuiApplication::desktopFileName());
     const uint replaced = m_shownId;
     QDBusMessage call = notificationCall(QStringLiteral("Notify"));
-    call << m_applicationName << replaced << QString() << summary << QString() << QStringList()
+    call << m_applicationName << replaced << iconName << summary << QString() << QStringList()
          << hints << qint32(expiryMilliseconds);
     const quint64 serial = ++m_calls;
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, callTimeoutMilliseconds), this);

@@ -21,9 +21,10 @@ public:
     //! Notifications under \a applicationName, the program's name as the desktop shows it.
     explicit DesktopNotifier(const QString &applicationName, QObject *parent = nullptr);
 
-    //! Asks the service to show \a summary for \a expiryMilliseconds, in
-    //! place of the notification shown before. failed() tells when it cannot.
-    void notify(const QString &summary, int expiryMilliseconds);
+    //! Asks the service to show \a summary with the icon named \a iconName
+    //! (a freedesktop icon name, or empty) for \a expiryMilliseconds, in place
+    //! of the notification shown before. failed() tells when it cannot.
+    void notify(const QString &summary, const QString &iconName, int expiryMilliseconds);
     //! Withdraws the notification shown last; nothing when there is none.
     void close();
 
