@@ -31,7 +31,6 @@
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QThread>
 #include <QToolButton>
 
 using namespace Vesko;
@@ -346,7 +345,7 @@ void AttachmentViewsTest::changedFileIsReadAgain()
     // A view that asks while an earlier look at the file is on its way is not
     // answered by that look alone: the file may have changed in between.
     m_cache->thumbnail(path, thumbnailSide(view, false));
-    QThread::msleep(200); // the worker looks at the file; the answer waits for the event loop
+    m_cache->waitForWorker(); // it has looked at the file; the answer waits for the event loop
     filled(70, 50, Qt::red).save(beside, "PNG");
     QVERIFY(
         ::rename(QFile::encodeName(beside).constData(), QFile::encodeName(path).constData()) == 0);

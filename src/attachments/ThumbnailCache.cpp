@@ -229,6 +229,11 @@ void ThumbnailCache::forget(const QStringList &paths)
     }
 }
 
+void ThumbnailCache::waitForWorker()
+{
+    m_queue->sync([] {});
+}
+
 ThumbnailCache::State ThumbnailCache::state(const QString &path) const
 {
     if (m_images.contains(path))

@@ -64,6 +64,9 @@ public:
 
     //! How many times a file was decoded so far.
     int readCount() const { return m_readCount; }
+    //! Returns once the worker has done what it was given; its answers are
+    //! delivered by the event loop after. For tests.
+    void waitForWorker();
 
     //! The image of \a path scaled to cover a square of \a pixelSide and cut
     //! to it, or a null image. The decoding itself, on the calling thread.
