@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 
 namespace Vesko::Test {
 
@@ -157,7 +158,11 @@ QString activateWindow(const QString &title)
 {
     QString window;
     if (QTest::qWaitFor(
-            [&] { return !(window = visibleWindow(u'^' + title + u'$')).isEmpty(); }, patience))
+            [&] {
+                return !(window = visibleWindow(u'^' + QRegularExpression::escape(title) + u'$'))
+                            .isEmpty();
+            },
+            patience))
         xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
     return window;
 }
