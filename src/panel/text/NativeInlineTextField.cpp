@@ -171,7 +171,12 @@ NativeInlineTextField::NativeInlineTextField(QWidget *parent)
     connect(m_editor, &QTextEdit::textChanged, this, &NativeInlineTextField::contentEdited);
 }
 
-NativeInlineTextField::~NativeInlineTextField() = default;
+NativeInlineTextField::~NativeInlineTextField()
+{
+    // The editor goes first: if it has the focus, it loses it as it goes, and
+    // its focus-out must not reach a field that is already half destroyed.
+    delete m_editor;
+}
 
 QTextEdit *NativeInlineTextField::editor() const
 {
