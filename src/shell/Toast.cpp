@@ -6,6 +6,7 @@
 #include "platform/Logging.h"
 #include "platform/qt/DesktopNotifier.h"
 #include "platform/qt/DesktopScreens.h"
+#include "platform/wayland/WaylandGlobals.h"
 #include "platform/x11/X11Window.h"
 #include "shell/SymbolIcon.h"
 #include "shell/Theme.h"
@@ -150,8 +151,7 @@ bool ToastPresenter::showsAsNotification()
 {
     // Qt makes a tool tip a popup of the window that had the input last;
     // without one it is a toplevel, which the compositor may focus.
-    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"))
-        && !QGuiApplication::focusWindow();
+    return WaylandGlobals::isWaylandPlatform() && !QGuiApplication::focusWindow();
 }
 
 void ToastPresenter::present(const QString &message, const QString &symbol, int duration)
@@ -177,7 +177,7 @@ void ToastPresenter::present(const QString &message, const QString &symbol, int 
     const QPointF origin = toastOrigin(QCursor::pos(), size, currentScreenAreas());
     m_window->move(origin.toPoint());
     if (!m_window->isVisible()) {
-        if (QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) {
+        if (WaylandGlobals::isWaylandPlatform()) {
             // A popup of the active window, which keeps the focus. When that
             // window goes (the panel hides), the rest of the toast's time is
             // a notification.
