@@ -40,15 +40,17 @@ void appendCodePoint(char *&to, char32_t c)
 // few whose lower case is longer than one unit.
 const char16_t *lowerTable()
 {
-    static const auto table = [] {
-        auto units = std::make_unique<char16_t[]>(0x10000);
+    // Never freed: a search thread may still lower-case while the program's
+    // statics are destroyed at exit.
+    static const char16_t *const table = [] {
+        auto *units = new char16_t[0x10000];
         for (char32_t u = 0; u < 0x10000; ++u) {
             const QString lowered = QString(QChar(char16_t(u))).toLower();
             units[u] = lowered.size() == 1 ? lowered.at(0).unicode() : 0;
         }
         return units;
     }();
-    return table.get();
+    return table;
 }
 
 // Lower-cases \a text as QString::toLower() does and appends it as UTF-8,
@@ -254,8 +256,8 @@ void ProjectCorpus::findNotes(qsizetype chunk, const SubstringFinder &finder, qs
 QSet<QUuid> ProjectCorpus::findSections(const SubstringFinder &finder, qsizetype length) const
 {
     QSet<QUuid> sections;
-    find(m_titles, finder, length,
-        [&](quint32 owner) { sections.insert(m_titles.noteIDs[owner]); });
+    find(
+        m_titles, finder, length, [&](quint32 owner) { sections.insert(m_titles.noteIDs[owner]); });
     return sections;
 }
 
